@@ -1,0 +1,14 @@
+// The holder behind the library's one global pointer.
+#pragma once
+
+class lightMotion;
+
+class CInstance {
+ public:
+  CInstance() = default;
+  ~CInstance();  // terminates and frees the detector, if there is one
+  CInstance(const CInstance&) = delete;
+  CInstance& operator=(const CInstance&) = delete;
+
+  lightMotion* detector = nullptr;  // owned
+};
