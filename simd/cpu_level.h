@@ -12,12 +12,13 @@ struct CpuidWords {
   std::uint32_t leaf7Ebx = 0;  // leaf 7, subleaf 0, EBX
 };
 
-// 0 none usable, 1 SSE, 2 SSE2, 3 SSE3, 4 SSSE3, 5 SSE4.1, 6 SSE4.2 with POPCNT, 7 AVX (enabled by the system),
-// 8 AVX2. Each level needs all the lower ones. Pure.
-// Feature bits: Intel 64 and IA-32 Architectures Software Developer's Manual, volume 2A, CPUID.
+// 0 none usable, 1 SSE, 2 SSE2, 3 SSE3, 4 SSSE3, 5 SSE4.1, 6 SSE4.2 with POPCNT, 7 AVX (enabled by the
+// system), 8 AVX2. Each level needs all the lower ones. Pure. Feature bits: Intel 64 and IA-32 Architectures
+// Software Developer's Manual, volume 2A, CPUID.
 int levelOf(const CpuidWords& words);
 
-// Level of this processor; probed on the first call, then remembered. Reachable as simd::GetCpuInstructionSet too.
+// Level of this processor; probed on the first call, then remembered. Reachable as simd::GetCpuInstructionSet
+// too.
 int GetCpuInstructionSet();
 
 namespace simd {

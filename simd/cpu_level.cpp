@@ -1,0 +1,65 @@
+#include "simd/cpu_level.h"
+
+#include <cpuid.h>
+
+namespace {
+
+constexpr std::uint32_t bit(int n) { return std::uint32_t{1} << n; }
+constexpr bool has(std::uint32_t word, std::uint32_t bits) { return (word & bits) == bits; }
+
+// Leaf 1, EDX: what compiled code takes for granted, then the two oldest vector sets.
+constexpr std::uint32_t fpu = bit(0), cmov = bit(15), mmx = bit(23), fxsr = bit(24), sse = bit(25),
+                        sse2 = bit(26);
+// Leaf 1, ECX.
+constexpr std::uint32_t sse3 = bit(0), ssse3 = bit(9), sse41 = bit(19), sse42 = bit(20), popcnt = bit(23);
+constexpr std::uint32_t osxsave = bit(27), avx = bit(28);
+// XCR0: the system saves the 128-bit and the 256-bit registers.
+constexpr std::uint32_t sseState = bit(1), avxState = bit(2);
+// Leaf 7, EBX.
+constexpr std::uint32_t avx2 = bit(5);
+
+// XGETBV(0). Raises an illegal instruction where OSXSAVE is not reported.
+std::uint32_t readXcr0() {
+  std::uint32_t low = 0;
+  std::uint32_t high = 0;
+  asm volatile("xgetbv" : "=a"(low), "=d"(high) : "c"(0));
+  return low;
+}
+
+CpuidWords readWords() {
+  CpuidWords words;
+  std::uint32_t eax = 0, ebx = 0, ecx = 0, edx = 0;  // NOLINT(readability-isolate-declaration)
+  words.maxLeaf = __get_cpuid_max(0, nullptr);
+  // Fails, and leaves the words alone, where the leaf does not exist.
+  if (__get_cpuid_count(1, 0, &eax, &ebx, &ecx, &edx) != 0) {
+    words.leaf1Ecx = ecx;
+    words.leaf1Edx = edx;
+  }
+  if (has(words.leaf1Ecx, osxsave)) words.xcr0 = readXcr0();
+  if (__get_cpuid_count(7, 0, &eax, &ebx, &ecx, &edx) != 0) words.leaf7Ebx = ebx;
+  return words;
+}
+
+int cachedLevel = -1;  // not yet probed
+
+}  // namespace
+
+int levelOf(const CpuidWords& words) {
+  if (words.maxLeaf < 1) return 0;
+  if (!has(words.leaf1Edx, fpu | cmov | mmx | fxsr | sse)) return 0;
+  if (!has(words.leaf1Edx, sse2)) return 1;
+  if (!has(words.leaf1Ecx, sse3)) return 2;
+  if (!has(words.leaf1Ecx, ssse3)) return 3;
+  if (!has(words.leaf1Ecx, sse41)) return 4;
+  if (!has(words.leaf1Ecx, sse42 | popcnt)) return 5;
+  // A system that does not save the wide registers loses their upper halves at every task switch.
+  if (!has(words.leaf1Ecx, osxsave | avx) || !has(words.xcr0, sseState | avxState)) return 6;
+  // Processors answer a leaf above their highest with that highest leaf's words.
+  if (words.maxLeaf < 7 || !has(words.leaf7Ebx, avx2)) return 7;
+  return 8;
+}
+
+int GetCpuInstructionSet() {
+  if (cachedLevel == -1) cachedLevel = levelOf(readWords());
+  return cachedLevel;
+}

@@ -1,0 +1,94 @@
+// Which version a kernel runs: the entry points, the dispatchers and their tables.
+#include "simd/kernels.h"
+
+constinit lm::Kernels lm::kernels;
+
+namespace simd {
+namespace {
+
+using lm::kernels;
+
+template <class Function>
+struct Version {
+  int level;  // the lowest that has its instructions
+  Function* function;
+};
+
+// The reference first, then up the levels: the last row that the processor reaches is taken.
+constexpr Version<ReplaceFn> replaceVersions[] = {
+    {0, replace_if_u8_c}, {2, replace_if_u8_sse2}, {5, replace_if_u8_sse41}, {8, replace_if_u8_avx2}};
+constexpr Version<GenRdDiffFn> genRdDiffVersions[] = {
+    {0, genRdDiff_c}, {4, genRdDiff_ssse3}, {5, genRdDiff_sse41}};
+constexpr Version<PruneFn> pruneVersions[] = {
+    {0, pruneFgByRoi_c}, {2, pruneFgByRoi_sse2}, {5, pruneFgByRoi_sse41}, {8, pruneFgByRoi_avx2}};
+constexpr Version<MatchFn> matchVersions[] = {
+    {0, isMatchVal_bgr24_c}, {4, isMatchVal_bgr24_ssse3}, {5, isMatchVal_bgr24_sse41}};
+constexpr Version<TouchFn> touchVersions[] = {{0, isTouch_c}, {2, isTouch_sse2}};
+
+template <class Function, std::size_t count>
+void choose(Function*& chosen, const Version<Function> (&versions)[count]) {
+  chosen = versions[0].function;
+  const int level = GetCpuInstructionSet();
+  for (const auto& version : versions) {
+    if (version.level <= level) chosen = version.function;
+  }
+}
+
+}  // namespace
+
+namespace detail {
+
+void replace_if_u8_dispatch(std::uint8_t* begin, std::uint8_t* end, std::uint8_t from, std::uint8_t to) {
+  choose(kernels.replace, replaceVersions);
+  kernels.replace(begin, end, from, to);
+}
+
+void gen_rd_diff_dispatch(const std::uint8_t* a, const std::uint8_t* b, std::uint8_t* out, int width,
+                          int height, int channels, int channel) {
+  choose(kernels.genRdDiff, genRdDiffVersions);
+  kernels.genRdDiff(a, b, out, width, height, channels, channel);
+}
+
+void prune_fg_by_roi_dispatch(std::uint8_t* mask, const std::uint8_t* roi, int count) {
+  choose(kernels.prune, pruneVersions);
+  kernels.prune(mask, roi, count);
+}
+
+int is_match_val_bgr24_dispatch(const std::uint8_t* pixel, const std::uint8_t* sample, int radius) {
+  choose(kernels.match, matchVersions);
+  return kernels.match(pixel, sample, radius);
+}
+
+bool is_touch_dispatch(std::tuple<int, int, int, int> box, const std::uint8_t* first,
+                       const std::uint8_t* second, int stride, int height) {
+  choose(kernels.touch, touchVersions);
+  return kernels.touch(box, first, second, stride, height);
+}
+
+}  // namespace detail
+
+void replace_if_u8(std::uint8_t* begin, std::uint8_t* end, std::uint8_t from, std::uint8_t to) {
+  kernels.replace(begin, end, from, to);
+}
+
+void genRdDiff(const std::uint8_t* a, const std::uint8_t* b, std::uint8_t* out, int width, int height,
+               int channels, int channel) {
+  kernels.genRdDiff(a, b, out, width, height, channels, channel);
+}
+
+void pruneFgByRoi(std::uint8_t* mask, const std::uint8_t* roi, int count) { kernels.prune(mask, roi, count); }
+
+int isMatchVal_bgr24(const std::uint8_t* pixel, const std::uint8_t* sample, int radius) {
+  return kernels.match(pixel, sample, radius);
+}
+
+int isMatchVal_bgr32(const std::uint8_t* pixel, const std::uint8_t* sample, int radius) {
+  return kernels.match(pixel, sample, radius);
+}
+
+bool isTouch(std::tuple<int, int, int, int> box, const std::uint8_t* first, const std::uint8_t* second,
+             int stride, int height) {
+  return kernels.touch(box, first, second, stride, height);
+}
+
+}  // namespace simd

@@ -1,0 +1,20 @@
+// The versions in use: one pointer per kernel, written by the dispatchers. Not exported.
+#pragma once
+
+#include "simd/simd.h"
+
+namespace lm {
+
+// Plain variables, written without a lock: threads that make a first call at the same moment store the same
+// values.
+struct Kernels {
+  simd::ReplaceFn* replace = simd::detail::replace_if_u8_dispatch;
+  simd::GenRdDiffFn* genRdDiff = simd::detail::gen_rd_diff_dispatch;
+  simd::PruneFn* prune = simd::detail::prune_fg_by_roi_dispatch;
+  simd::MatchFn* match = simd::detail::is_match_val_bgr24_dispatch;
+  simd::TouchFn* touch = simd::detail::is_touch_dispatch;
+};
+
+extern Kernels kernels;
+
+}  // namespace lm

@@ -1,0 +1,16 @@
+// Loads and stores of the vector versions. Internal linkage: each including source has its own copies,
+// compiled for its own level. All are the unaligned forms: on aligned addresses, which the engine's buffers
+// have, they cost the same as the aligned ones, and no address makes them fault.
+#pragma once
+
+#include <emmintrin.h>
+
+#include <cstdint>
+
+static inline __m128i load16(const std::uint8_t* p) {
+  return _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
+}
+
+static inline void store16(std::uint8_t* p, __m128i bytes) {
+  _mm_storeu_si128(reinterpret_cast<__m128i*>(p), bytes);
+}
