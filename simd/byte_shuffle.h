@@ -1,5 +1,6 @@
 // What the SSSE3 and the SSE4.1 versions share. Internal linkage: each of the two sources has its own copy,
-// compiled for its own level.
+// compiled for its own level; always inlined, so that no instruction of it stands outside a function whose
+// name says its level.
 #pragma once
 
 #include <tmmintrin.h>
@@ -15,7 +16,7 @@
 // Shuffle masks that pick one channel of 16 interleaved pixels: masks[t] takes the wanted bytes of the t-th
 // 16 bytes to the places that they have among the 16 results, and leaves 0 in the others.
 template <int channels>
-static void makeGatherMasks(__m128i (&masks)[channels], int channel) {
+[[gnu::always_inline]] static inline void makeGatherMasks(__m128i (&masks)[channels], int channel) {
   for (int t = 0; t < channels; ++t) {
     std::uint8_t sources[16];
     for (int i = 0; i < 16; ++i) {
@@ -27,7 +28,8 @@ static void makeGatherMasks(__m128i (&masks)[channels], int channel) {
 }
 
 template <int channels>
-static inline __m128i gather(const std::uint8_t* pixels, const __m128i (&masks)[channels]) {
+[[gnu::always_inline]] static inline __m128i gather(const std::uint8_t* pixels,
+                                                    const __m128i (&masks)[channels]) {
   __m128i gathered = _mm_setzero_si128();
   for (int t = 0; t < channels; ++t) {
     gathered = _mm_or_si128(gathered, _mm_shuffle_epi8(load16(pixels + t * 16), masks[t]));
@@ -37,8 +39,8 @@ static inline __m128i gather(const std::uint8_t* pixels, const __m128i (&masks)[
 
 // The whole blocks of 16 pixels among the first `pixels`.
 template <int channels>
-static void diffBlocks(const std::uint8_t* a, const std::uint8_t* b, std::uint8_t* out, std::ptrdiff_t pixels,
-                       int channel) {
+[[gnu::always_inline]] static inline void diffBlocks(const std::uint8_t* a, const std::uint8_t* b,
+                                                     std::uint8_t* out, std::ptrdiff_t pixels, int channel) {
   __m128i masks[channels];
   makeGatherMasks(masks, channel);
   for (; pixels >= 16; pixels -= 16) {
@@ -54,12 +56,13 @@ static void diffBlocks(const std::uint8_t* a, const std::uint8_t* b, std::uint8_
 
 // Whether a block's bytes lie where the gather looks for them. Other channels and counts take the strided
 // loop.
-static inline bool canGather(int channels, int channel) {
+[[gnu::always_inline]] static inline bool canGather(int channels, int channel) {
   return channels == 1 ? channel == 0 : (channels == 3 || channels == 4) && channel >= 0 && channel <= 2;
 }
 
-static inline void diffByShuffle(const std::uint8_t* a, const std::uint8_t* b, std::uint8_t* out, int width,
-                                 int height, int channels, int channel) {
+[[gnu::always_inline]] static inline void diffByShuffle(const std::uint8_t* a, const std::uint8_t* b,
+                                                        std::uint8_t* out, int width, int height,
+                                                        int channels, int channel) {
   const std::ptrdiff_t total = lm::imageBytes(width, height, channels);
   std::ptrdiff_t pixels = 0;  // in whole blocks
   if (total > 0 && canGather(channels, channel)) {
@@ -74,13 +77,14 @@ static inline void diffByShuffle(const std::uint8_t* a, const std::uint8_t* b, s
 // ---- colour match -----------------------------------------------------------------------------------------
 
 // The absolute differences of the three channels in 32-bit lanes; the fourth lane is 0.
-static inline __m128i channelDifferences(const std::uint8_t* pixel, const std::uint8_t* sample) {
+[[gnu::always_inline]] static inline __m128i channelDifferences(const std::uint8_t* pixel,
+                                                                const std::uint8_t* sample) {
   const __m128i p = _mm_setr_epi32(pixel[0], pixel[1], pixel[2], 0);
   const __m128i s = _mm_setr_epi32(sample[0], sample[1], sample[2], 0);
   return _mm_abs_epi32(_mm_sub_epi32(p, s));
 }
 
-static inline int sumOfLanes(__m128i lanes) {
+[[gnu::always_inline]] static inline int sumOfLanes(__m128i lanes) {
   const __m128i pairs = _mm_hadd_epi32(lanes, lanes);
   return _mm_cvtsi128_si32(_mm_hadd_epi32(pairs, pairs));
 }

@@ -1,12 +1,10 @@
-// Which version a kernel runs: the entry points, the dispatchers and their tables.
+// Which version a kernel runs: the tables, the dispatchers and the entry points.
 #include "simd/kernels.h"
 
 constinit lm::Kernels lm::kernels;
 
 namespace simd {
 namespace {
-
-using lm::kernels;
 
 template <class Function>
 struct Version {
@@ -26,42 +24,55 @@ constexpr Version<MatchFn> matchVersions[] = {
 constexpr Version<TouchFn> touchVersions[] = {{0, isTouch_c}, {2, isTouch_sse2}};
 
 template <class Function, std::size_t count>
-void choose(Function*& chosen, const Version<Function> (&versions)[count]) {
-  chosen = versions[0].function;
-  const int level = GetCpuInstructionSet();
+Function* versionFor(int level, const Version<Function> (&versions)[count]) {
+  Function* chosen = nullptr;
   for (const auto& version : versions) {
     if (version.level <= level) chosen = version.function;
   }
+  return chosen;
 }
 
+lm::Kernels choose() { return lm::kernelsFor(GetCpuInstructionSet()); }
+
+using lm::kernels;
+
 }  // namespace
+}  // namespace simd
+
+lm::Kernels lm::kernelsFor(int level) {
+  return {simd::versionFor(level, simd::replaceVersions), simd::versionFor(level, simd::genRdDiffVersions),
+          simd::versionFor(level, simd::pruneVersions), simd::versionFor(level, simd::matchVersions),
+          simd::versionFor(level, simd::touchVersions)};
+}
+
+namespace simd {
 
 namespace detail {
 
 void replace_if_u8_dispatch(std::uint8_t* begin, std::uint8_t* end, std::uint8_t from, std::uint8_t to) {
-  choose(kernels.replace, replaceVersions);
+  kernels.replace = choose().replace;
   kernels.replace(begin, end, from, to);
 }
 
 void gen_rd_diff_dispatch(const std::uint8_t* a, const std::uint8_t* b, std::uint8_t* out, int width,
                           int height, int channels, int channel) {
-  choose(kernels.genRdDiff, genRdDiffVersions);
+  kernels.genRdDiff = choose().genRdDiff;
   kernels.genRdDiff(a, b, out, width, height, channels, channel);
 }
 
 void prune_fg_by_roi_dispatch(std::uint8_t* mask, const std::uint8_t* roi, int count) {
-  choose(kernels.prune, pruneVersions);
+  kernels.prune = choose().prune;
   kernels.prune(mask, roi, count);
 }
 
 int is_match_val_bgr24_dispatch(const std::uint8_t* pixel, const std::uint8_t* sample, int radius) {
-  choose(kernels.match, matchVersions);
+  kernels.match = choose().match;
   return kernels.match(pixel, sample, radius);
 }
 
 bool is_touch_dispatch(std::tuple<int, int, int, int> box, const std::uint8_t* first,
                        const std::uint8_t* second, int stride, int height) {
-  choose(kernels.touch, touchVersions);
+  kernels.touch = choose().touch;
   return kernels.touch(box, first, second, stride, height);
 }
 

@@ -17,4 +17,7 @@ struct Kernels {
 
 extern Kernels kernels;
 
+// The version of each kernel for a processor of `level`. Pure.
+Kernels kernelsFor(int level);
+
 }  // namespace lm

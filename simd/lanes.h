@@ -7,10 +7,10 @@
 
 #include <cstdint>
 
-static inline __m128i load16(const std::uint8_t* p) {
+[[gnu::always_inline]] static inline __m128i load16(const std::uint8_t* p) {
   return _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
 }
 
-static inline void store16(std::uint8_t* p, __m128i bytes) {
+[[gnu::always_inline]] static inline void store16(std::uint8_t* p, __m128i bytes) {
   _mm_storeu_si128(reinterpret_cast<__m128i*>(p), bytes);
 }
