@@ -14,21 +14,22 @@ struct pnt {
   std::int32_t y;
 };
 
-// A named region. The outline is closed implicitly (last vertex to first); orientation is free and outlines that
-// cross themselves fill by the even-odd rule.
+// A named region. The outline is closed implicitly (last vertex to first); orientation is free and outlines
+// that cross themselves fill by the even-odd rule.
 struct polygon {
   std::string name;         // as the document gives it; may be empty
   std::vector<pnt> points;  // vertices in drawing order
-  // The region's own mask, frame-sized, or null until kAMBLE::setParam rasterises it. Made with `new[]`. Copying
-  // a polygon copies the pointer, not the bytes: the engine's copies own the masks and release them in its
-  // destructor; every other copy only borrows.
+  // The region's own mask, frame-sized, or null until kAMBLE::setParam rasterises it. Made with `new[]`.
+  // Copying a polygon copies the pointer, not the bytes: the engine's copies own the masks and release them
+  // in its destructor; every other copy only borrows.
   std::uint8_t* mask = nullptr;
 };
 
 // Whether (testx, testy) lies inside the polygon with vertices (vertx[i], verty[i]), 0 <= i < nvert.
-// Even-odd crossing test after W. R. Franklin; an edge counts where its crossing lies strictly right of the point:
-// of an axis-aligned square the left and top edges are inside, the right and bottom edges outside.
-// Returns 1 inside, 0 outside; 0 when nvert < 1 (the arrays are not read then). Not used by the library itself.
+// Even-odd crossing test after W. R. Franklin; an edge counts where its crossing lies strictly right of the
+// point: of an axis-aligned square the left and top edges are inside, the right and bottom edges outside.
+// Returns 1 inside, 0 outside; 0 when nvert < 1 (the arrays are not read then). Not used by the library
+// itself.
 int pnpoly(int nvert, float* vertx, float* verty, float testx, float testy);
 
 // The same test on a vertex list, except that an edge through the point counts as well (>= instead of >):
@@ -41,7 +42,8 @@ int isWithinPoly(const std::vector<pnt>& poly, float x, float y);
 int cvtPoly2Mask(const std::vector<pnt>& poly, std::uint8_t* mask, int w, int h);
 
 // dst := dst or src. Bytes of `dst` that are 0 become 1 where `src` is not 0; others keep their value.
-// The pixel count is the 32-bit product w * h, wrapping; nothing happens when it is below 1. dst may equal src.
+// The pixel count is the 32-bit product w * h, wrapping; nothing happens when it is below 1. dst may equal
+// src.
 void unionMask(std::uint8_t* dst, std::uint8_t* src, int w, int h);
 
 // dst := dst and not src. Bytes of `dst` become 0 where `src` is not 0. Count and aliasing as above.

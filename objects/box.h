@@ -1,6 +1,6 @@
 // Object boxes and their geometry. All four functions work in pixels, allocate nothing but the name list of a
-// returned box, and accept any values: 32-bit float arithmetic throughout, conversions to int give INT32_MIN for
-// what does not fit.
+// returned box, and accept any values: 32-bit float arithmetic throughout, conversions to int give INT32_MIN
+// for what does not fit.
 #pragma once
 
 #include <string>
@@ -16,10 +16,10 @@ struct boxRect {
   std::vector<std::string> names;  // regions of interest that the box touches; copied with the box
 };
 
-// Gap between two boxes. Per axis the gap is the smaller of the two edge-to-edge distances, each truncated to an
-// integer first; spans are closed, so boxes that share an edge overlap with gap 0.
-// Both axes overlap: the smaller gap (boxes inside each other still give a positive number). One axis overlaps:
-// the other axis's gap. None: the Euclidean distance of the two integer gaps.
+// Gap between two boxes. Per axis the gap is the smaller of the two edge-to-edge distances, each truncated to
+// an integer first; spans are closed, so boxes that share an edge overlap with gap 0. Both axes overlap: the
+// smaller gap (boxes inside each other still give a positive number). One axis overlaps: the other axis's
+// gap. None: the Euclidean distance of the two integer gaps.
 float calMinDist_ncv(boxRect& a, boxRect& b);
 
 // Euclidean distance of the boxes' (x, y) points; width and height are ignored.

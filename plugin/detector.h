@@ -1,5 +1,5 @@
-// The detector behind the entry points: owns the engine, configures it from the document, drives it frame by frame
-// and keeps the result text that the host fetches.
+// The detector behind the entry points: owns the engine, configures it from the document, drives it frame by
+// frame and keeps the result text that the host fetches.
 #pragma once
 
 #include <cstdint>
@@ -18,9 +18,10 @@ class lightMotion {
   lightMotion(const lightMotion&) = delete;
   lightMotion& operator=(const lightMotion&) = delete;
 
-  // Configures the detector from the JSON document. True on success. False, after a line on standard output, when
-  // a frame size or channel count is below 1 (also when the document is not JSON) or when it has no region of
-  // interest; the engine then stays until terminate(). Throws what entry_points.h lists for initialization.
+  // Configures the detector from the JSON document. True on success. False, after a line on standard output,
+  // when a frame size or channel count is below 1 (also when the document is not JSON) or when it has no
+  // region of interest; the engine then stays until terminate(). Throws what entry_points.h lists for
+  // initialization.
   bool init(const char* config);
 
   // Processes one frame (see entry_points.h); the length of the result text goes to *resultLen. Returns 1.
@@ -35,23 +36,23 @@ class lightMotion {
   // Makes `resText` from `objList` and returns its length in bytes. `timestamp` must not be null.
   int genRes(const char* timestamp);
 
-  // Reads the scalar settings of the document: fills frmW, frmH, frmChn and returns one "key value" entry for each
-  // recognised key whose value is a JSON string, in a fixed order. A text that is not JSON gives a line on standard
-  // output and an empty list. Throws std::invalid_argument and std::out_of_range ("stoi") for the three sizes,
-  // Json::Exception when the root is not an object. (config/document.cpp)
+  // Reads the scalar settings of the document: fills frmW, frmH, frmChn and returns one "key value" entry for
+  // each recognised key whose value is a JSON string, in a fixed order. A text that is not JSON gives a line
+  // on standard output and an empty list. Throws std::invalid_argument and std::out_of_range ("stoi") for the
+  // three sizes, Json::Exception when the root is not an object. (config/document.cpp)
   std::vector<std::string> myjsonReader(std::string config);
 
-  // Replaces the two lists by the document's "roi" and "ror" regions, vertices scaled to pixels with frmW and frmH.
-  // False, with both lists untouched, when the text is not JSON. Throws std::invalid_argument and
+  // Replaces the two lists by the document's "roi" and "ror" regions, vertices scaled to pixels with frmW and
+  // frmH. False, with both lists untouched, when the text is not JSON. Throws std::invalid_argument and
   // std::out_of_range ("stof") for a coordinate, Json::Exception for a wrong JSON kind. (config/regions.cpp)
   bool jsonReaderRoi(std::string config, std::vector<polygon>& include, std::vector<polygon>& exclude);
 
-  kAMBLE* engine;               // owned; null until init(), released by terminate()
-  std::int32_t frmW;            // frame width, pixels
-  std::int32_t frmH;            // frame height, pixels
-  std::int32_t frmChn;          // bytes a pixel of the host's frames
-  std::uint64_t reserved;       // 0
-  std::string resText;          // result document of the last frame that had boxes, else empty
-  std::uint8_t* fgMaskCopy;     // frmW x frmH bytes, 32-byte aligned, from the first frame on; freed with free()
-  std::vector<boxRect> objList; // boxes of the last frame
+  kAMBLE* engine;            // owned; null until init(), released by terminate()
+  std::int32_t frmW;         // frame width, pixels
+  std::int32_t frmH;         // frame height, pixels
+  std::int32_t frmChn;       // bytes a pixel of the host's frames
+  std::uint64_t reserved;    // 0
+  std::string resText;       // result document of the last frame that had boxes, else empty
+  std::uint8_t* fgMaskCopy;  // frmW x frmH bytes, 32-byte aligned, from the first frame on; freed with free()
+  std::vector<boxRect> objList;  // boxes of the last frame
 };

@@ -1,5 +1,5 @@
-// The logging function that the host may supply. A weak reference: it is null in a host that has none, so callers
-// test it first.
+// The logging function that the host may supply. A weak reference: it is null in a host that has none, so
+// callers test it first.
 #pragma once
 
 // `path`: the log file; `level`: passed through for the host to interpret;

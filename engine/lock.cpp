@@ -1,0 +1,12 @@
+// The locked segment of sample slots: a band that the sample cursors step over, so that some of every pixel's
+// older samples survive for a while.
+#include "engine/kamble.h"
+#include "engine/rules.h"
+
+int kAMBLE::updateLock() {
+  if (numPeriodLock < 1 || frmCount % numPeriodLock != 0) return lockSegEnd;
+  const lm::LockSegment moved = lm::moveLock(lockSegStart, numSegmentLock, BgModel::numSamples);
+  lockSegStart = moved.first;
+  lockSegEnd = moved.last;
+  return lockSegEnd;
+}

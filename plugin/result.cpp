@@ -1,0 +1,50 @@
+#include "plugin/result.h"
+
+#include <json/json.h>
+
+#include <cmath>
+
+#include "engine/c_locale.h"
+#include "plugin/detector.h"
+
+namespace {
+
+bool isFinite(const boxRect& box) {
+  return std::isfinite(box.x) && std::isfinite(box.y) && std::isfinite(box.width) &&
+         std::isfinite(box.height);
+}
+
+Json::Value describe(const boxRect& box) {
+  Json::Value object;
+  object["x"] = Json::Value(static_cast<double>(box.x));
+  object["y"] = Json::Value(static_cast<double>(box.y));
+  object["width"] = Json::Value(static_cast<double>(box.width));
+  object["height"] = Json::Value(static_cast<double>(box.height));
+  Json::Value names(Json::arrayValue);
+  for (const std::string& name : box.names) names.append(Json::Value(name));
+  object["inRoi"] = names;
+  return object;
+}
+
+}  // namespace
+
+void write_query_result_data(const std::vector<boxRect>& boxes, const char* timestamp, Json::Value& root) {
+  root["timestamp"] = Json::Value(timestamp);
+  Json::Value objects;
+  for (const boxRect& box : boxes) {
+    if (isFinite(box)) objects.append(describe(box));
+  }
+  root["object"] = objects;
+}
+
+int lightMotion::genRes(const char* timestamp) {
+  const lm::CLocaleScope plainNumbers;
+  Json::Value root;
+  write_query_result_data(objList, timestamp, root);
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wdeprecated-declarations"  // the writer whose one-line form hosts rely on
+  Json::FastWriter writer;
+#pragma GCC diagnostic pop
+  resText = writer.write(root).c_str();
+  return static_cast<int>(resText.size());
+}
