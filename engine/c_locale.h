@@ -1,7 +1,7 @@
 // Numbers in texts mean the same whatever locale the host has set.
 #pragma once
 
-#include <locale.h>
+#include <clocale>
 
 namespace lm {
 

@@ -47,12 +47,13 @@ class lightMotion {
   // std::out_of_range ("stof") for a coordinate, Json::Exception for a wrong JSON kind. (config/regions.cpp)
   bool jsonReaderRoi(std::string config, std::vector<polygon>& include, std::vector<polygon>& exclude);
 
-  kAMBLE* engine;            // owned; null until init(), released by terminate()
-  std::int32_t frmW;         // frame width, pixels
-  std::int32_t frmH;         // frame height, pixels
-  std::int32_t frmChn;       // bytes a pixel of the host's frames
-  std::uint64_t reserved;    // 0
-  std::string resText;       // result document of the last frame that had boxes, else empty
-  std::uint8_t* fgMaskCopy;  // frmW x frmH bytes, 32-byte aligned, from the first frame on; freed with free()
+  kAMBLE* engine = nullptr;    // owned; null until init(), released by terminate()
+  std::int32_t frmW = 0;       // frame width, pixels
+  std::int32_t frmH = 0;       // frame height, pixels
+  std::int32_t frmChn = 0;     // bytes a pixel of the host's frames
+  std::uint64_t reserved = 0;  // 0
+  std::string resText;         // result document of the last frame that had boxes, else empty
+  std::uint8_t* fgMaskCopy =
+      nullptr;  // frmW x frmH bytes, 32-byte aligned, from the first frame on; freed with free()
   std::vector<boxRect> objList;  // boxes of the last frame
 };

@@ -45,6 +45,7 @@ int lightMotion::genRes(const char* timestamp) {
 #pragma GCC diagnostic ignored "-Wdeprecated-declarations"  // the writer whose one-line form hosts rely on
   Json::FastWriter writer;
 #pragma GCC diagnostic pop
-  resText = writer.write(root).c_str();
+  const std::string text = writer.write(root);
+  resText = text.substr(0, text.find('\0'));
   return static_cast<int>(resText.size());
 }
