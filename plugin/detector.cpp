@@ -8,7 +8,7 @@
 #include "engine/kamble.h"
 #include "engine/rules.h"
 
-lightMotion::lightMotion() : engine(nullptr), frmW(0), frmH(0), frmChn(0), reserved(0), fgMaskCopy(nullptr) {}
+lightMotion::lightMotion() = default;
 
 lightMotion::~lightMotion() { terminate(); }
 
