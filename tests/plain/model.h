@@ -1,0 +1,165 @@
+// A plain second implementation of the motion engine, one pixel at a time, written from the documented rules
+// and sharing no code with the engine. Fields carry the engine's names, so that tests can compare the two
+// field by field. Clarity before speed; containers are empty where the engine's pointers are null.
+#pragma once
+
+#include <sys/time.h>
+
+#include <array>
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "tests/plain/branches.h"
+
+namespace plain {
+
+using Byte = std::uint8_t;
+using Samples = std::array<std::array<Byte, 4>, 20>;
+
+struct Vertex {
+  std::int32_t x, y;
+};
+
+// A region in pixels; setParam fills `mask`.
+struct Region {
+  std::string name;
+  std::vector<Vertex> points;
+  std::vector<Byte> mask;
+};
+
+// A region as the document has it: vertices as fractions of the frame size, written out.
+struct RegionText {
+  std::string name;
+  std::vector<std::pair<std::string, std::string>> points;
+};
+
+struct Box {
+  float x = 0, y = 0, width = 0, height = 0;
+};
+
+struct Component {
+  std::uint32_t label;
+  int count, first;
+  int left, top, right, bottom;
+};
+
+struct FourNeighbours {
+  std::int32_t up = -1, right = -1, down = -1, left = -1;
+};
+
+class Model {
+ public:
+  // `level`: instruction-set level whose region pruning the model follows.
+  explicit Model(int level) : level_(level) {}
+
+  // ---- the host's calls
+  // -----------------------------------------------------------------------------------------
+  std::vector<Region> regionsInPixels(const std::vector<RegionText>& texts, int w, int h, std::size_t fewest);
+  std::vector<bool> setParam(const std::vector<std::string>& entries, const std::vector<Region>& include,
+                             const std::vector<Region>& exclude);
+  // One frame as the detector takes it: returns the result text, empty without boxes; `boxes` holds them.
+  std::string frameProc(const Byte* frame, int w, int h, int channels, const std::string& timestamp);
+
+  // ---- single steps, for tests that call them out of order
+  // -------------------------------------------------------
+  void classify();
+
+  // ---- state, named as in the engine
+  // -----------------------------------------------------------------------------
+  bool illumChange = true, ghostSuppression = true, autoSensitivity = false;
+  std::int32_t frmChn = 0, diffChn = 0, numPixel = 0, szImgX = 0, szImgY = 0, numNbr = 25;
+  std::int32_t thrMatch = 20, minMatchNum = 2, thrIllum = 5, thrHeuris = 10;
+  std::int32_t lifeStaticFrm = 160, lifeStatic = 3;
+  std::int32_t lockSegStart = 0, lockSegEnd = 3, numSegmentLock = 4, numPeriodLock = 600;
+  float illumRatio = 0.0F, minObjW = 0.05F, minObjH = 0.05F, thrConnect = 10.0F;
+  std::int32_t minObjWPxl = 0, minObjHPxl = 0, thrCcPxl = 25, thrCcPxl2 = 25, holdCcPxl = 0;
+  double frmRate = 30.0;
+  std::int64_t curTimestamp = -1, prevTimestamp = -1, elapsedUs = 0;
+  timeval prevTime{}, curTime{};
+  std::int32_t usPerSec = 1000000, frmCount = 0;
+
+  std::vector<Byte> fgMask, prevFgMask, bgImg, curFrame, prevFrame, illumDiff, rdDiff, absorbMask, roiMask;
+  std::vector<std::int32_t> updTimer;
+  std::vector<std::uint32_t> minDist, labelMap, nbrCursor, sampleCursor, refreshCount;
+  std::vector<float> fgLife;
+  std::vector<Samples> bgModel;
+  std::vector<std::vector<std::int32_t>> nbrIdx;
+  std::vector<FourNeighbours> nbr4Idx;
+  std::vector<Vertex> nbrOffset;
+  std::vector<Region> roiInclude, roiExclude;
+  std::vector<Box> boxes;
+
+  // ---- what the world supplies
+  // -----------------------------------------------------------------------------------
+  std::int32_t thresholdX2 = 20, thresholdX3 = 30;  // the exported THRESH_SAME_PIXEL_x2 and _x3
+  timeval now{};                                    // the wall clock
+
+  BranchCounts taken{};
+
+ private:
+  // settings.cpp
+  bool apply(const std::string& key, const std::string& value);
+  bool setSensitivity(int value);
+  bool setAdaptation(int value);
+  // frame.cpp
+  bool setTimestamp(const std::string& text);
+  bool learnBg(const Byte* frame, int w, int h, int channels);
+  bool preprocess(const Byte* frame, int w, int h, int channels);
+  void estFrameRate();
+  void rateFromTimestamps();
+  void rateFromClock();
+  void updateLock();
+  void sizeBuffers(int w, int h);
+  void findNeighbours(int x, int y);
+  // background.cpp
+  void seed();
+  void difference();
+  void differenceOf(const std::vector<Byte>& a, const std::vector<Byte>& b, std::vector<Byte>& out,
+                    int channel) const;
+  bool absorbs(std::size_t i);
+  bool matchesModel(std::size_t i);
+  int matchDistance(std::size_t i, const std::array<Byte, 4>& sample);
+  void accountLife(std::size_t i);
+  void update();
+  bool followIllumination(std::size_t i);
+  void refresh(std::size_t i);
+  void writeSample(std::size_t i);
+  std::size_t nextNeighbour(std::size_t i);
+  bool inside(std::size_t i) const { return i < roiMask.size() && roiMask[i] != 0; }
+  // objects.cpp
+  std::vector<Box> objects(std::vector<Byte> mask);
+  void erode(std::vector<Byte>& mask);
+  void prune(std::vector<Byte>& mask);
+  std::vector<Component> label();
+  Box boxOf(const Component& component);
+  // joining.cpp
+  float gap(const Box& a, const Box& b);
+  bool near(const Box& a, const Box& b);
+  bool overlap(const Box& a, const Box& b);
+  bool largeEnough(const Box& box);
+  bool joinOnce(std::vector<Box>& list, const std::function<bool(const Box&, const Box&)>& belong);
+  void adapt(bool foundBoxes, const std::vector<Vertex>& small);
+  void adaptToSmall(const std::vector<Vertex>& small);
+  // result.cpp
+  std::string number(float value);
+  std::string resultText(const std::string& timestamp);
+
+  void mark(Branch branch) { ++taken[static_cast<std::size_t>(branch)]; }
+  void markIf(bool condition, Branch branch) {
+    if (condition) mark(branch);
+  }
+
+  int level_;
+};
+
+// 32-bit arithmetic as the engine's: wrapping sums, products and differences; what does not fit an int
+// becomes the smallest one.
+std::int32_t wrapAdd(std::int32_t a, std::int32_t b);
+std::int32_t wrapSub(std::int32_t a, std::int32_t b);
+std::int32_t wrapMul(std::int32_t a, std::int32_t b);
+std::int32_t truncated(double value);
+
+}  // namespace plain

@@ -1,0 +1,30 @@
+// The result document, as the JSON writer formats it: members in ascending order, no blanks, a line feed at
+// the end.
+#include <cstdio>
+
+#include "tests/plain/model.h"
+
+namespace plain {
+
+// Seventeen significant digits; a whole number shows its fraction all the same.
+std::string Model::number(float value) {
+  char digits[32];
+  std::snprintf(digits, sizeof digits, "%.17g", static_cast<double>(value));
+  const std::string text = digits;
+  const bool whole = text.find_first_of(".e") == std::string::npos;
+  mark(whole ? Branch::numberWhole : Branch::numberFraction);
+  return whole ? text + ".0" : text;
+}
+
+std::string Model::resultText(const std::string& timestamp) {
+  mark(boxes.size() == 1 ? Branch::resultOneBox : Branch::resultSeveralBoxes);
+  std::string list;
+  for (const Box& box : boxes) {
+    if (!list.empty()) list += ',';
+    list += "{\"height\":" + number(box.height) + ",\"inRoi\":[],\"width\":" + number(box.width) +
+            ",\"x\":" + number(box.x) + ",\"y\":" + number(box.y) + "}";
+  }
+  return "{\"object\":[" + list + "],\"timestamp\":\"" + timestamp + "\"}\n";
+}
+
+}  // namespace plain

@@ -1,0 +1,35 @@
+// The engine does, in every field and after every frame, what the plain model does.
+#include <ostream>
+#include <set>
+
+#include "tests/system/driver.h"
+
+static void PrintTo(const Sequence& sequence, std::ostream* out) { *out << sequence.name; }
+
+namespace {
+
+class EngineAndPlainModel : public ::testing::TestWithParam<Sequence> {};
+
+TEST_P(EngineAndPlainModel, AgreeInEveryFieldAfterEveryFrame) { EXPECT_EQ(compareOver(GetParam()), ""); }
+
+INSTANTIATE_TEST_SUITE_P(Sequences, EngineAndPlainModel, ::testing::ValuesIn(allSequences()),
+                         [](const auto& sequence) { return sequence.param.name; });
+
+TEST(EntryPointsAndPlainModel, GiveTheSameResultTexts) {
+  for (const Sequence& sequence : allSequences()) {
+    if (sequence.road != Road::document || sequence.before) continue;
+    EXPECT_EQ(compareTextsOver(sequence), "");
+  }
+}
+
+// What no sequence reaches, no comparison proves.
+TEST(PlainModel, TakesEveryBranchInSomeSequence) {
+  plain::BranchCounts total{};
+  for (const Sequence& sequence : allSequences()) {
+    const plain::BranchCounts taken = branchesTaken(sequence);
+    for (std::size_t i = 0; i < total.size(); ++i) total[i] += taken[i];
+  }
+  for (std::size_t i = 0; i < total.size(); ++i) EXPECT_GT(total[i], 0U) << plain::branchNames[i];
+}
+
+}  // namespace
