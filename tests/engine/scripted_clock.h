@@ -1,0 +1,26 @@
+// A wall clock under the test's control: while one of these lives, gettimeofday gives its times in order, and
+// the last one again when they run out.
+#pragma once
+
+#include <sys/time.h>
+
+#include <cstddef>
+#include <vector>
+
+namespace lm::test {
+
+class ScriptedClock {
+ public:
+  explicit ScriptedClock(std::vector<timeval> times);
+  ~ScriptedClock();
+  ScriptedClock(const ScriptedClock&) = delete;
+  ScriptedClock& operator=(const ScriptedClock&) = delete;
+
+  timeval next();
+
+ private:
+  std::vector<timeval> times_;
+  std::size_t taken_ = 0;
+};
+
+}  // namespace lm::test
