@@ -1,0 +1,29 @@
+// The annotated video: the frames with their boxes, under a temporary name until complete.
+#pragma once
+
+#include <chrono>
+#include <opencv2/core.hpp>
+#include <string>
+#include <vector>
+
+#include "host/pending_file.h"
+#include "host/source.h"
+#include "host/video_writer.h"
+
+namespace lm::host {
+
+class Annotator {
+ public:
+  // `file`: a name that video_format knows. Throws Failure (kTrouble), like the operations.
+  Annotator(const std::string& file, const SourceInfo& source);
+
+  // Draws into the frame's own image.
+  void write(Frame& frame, const std::vector<cv::Rect2d>& boxes);
+  void finish();
+
+ private:
+  PendingFile pending_;
+  VideoWriter video_;
+};
+
+}  // namespace lm::host

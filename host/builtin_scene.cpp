@@ -1,0 +1,79 @@
+#include "host/builtin_scene.h"
+
+#include <algorithm>
+
+#include "host/interrupt.h"
+#include "host/scene_actors.h"
+#include "host/scene_street.h"
+
+namespace lm::host {
+namespace {
+
+constexpr int kFrames = 500;
+constexpr int kFramesPerSecond = 25;
+constexpr int kLampOn = 300;
+constexpr std::size_t kNoiseLength = 1 << 16;
+
+using scene::Walker;
+
+// From the back of the picture to its front: these, the lamp, the walker at the kerb, the car, the walker on
+// the road.
+constexpr Walker kBehindLamp[] = {
+    {150, 680, -40, 212, 88, 34, {58, 66, 150}, {84, 62, 48}, {40, 58, 88}},
+    {50, -40, 680, 226, 93, 43, {128, 84, 44}, {58, 52, 48}, {24, 26, 30}},
+    {92, 680, -40, 244, 99, 50, {66, 118, 66}, {112, 84, 62}, {70, 120, 164}},
+};
+constexpr Walker kAtKerb = {335, 680, -40, 260, 101, 76, {52, 152, 214}, {44, 42, 42}, {26, 34, 52}};
+constexpr Walker kOnRoad = {245, -50, 690, 350, 124, 62, {168, 160, 152}, {100, 66, 40}, {30, 44, 70}};
+
+// Bell-shaped, from -6 to 6, with a standard deviation near 2.4, as a small camera has in the evening.
+std::vector<std::int8_t> make_noise() {
+  std::vector<std::int8_t> noise(kNoiseLength);
+  for (std::size_t i = 0; i < noise.size(); ++i) {
+    const std::uint32_t random = scene::scrambled(static_cast<std::uint32_t>(i) + 77);
+    noise[i] = static_cast<std::int8_t>(static_cast<int>(random % 5 + random / 5 % 5 + random / 25 % 5) - 6);
+  }
+  return noise;
+}
+
+}  // namespace
+
+BuiltinScene::BuiltinScene()
+    : street_(scene::paint_street()), light_(scene::lamp_light()), noise_(make_noise()) {
+  info_.name = "built-in scene";
+  info_.size = {scene::kWidth, scene::kHeight};
+  info_.rate = kFramesPerSecond;
+  info_.duration = std::chrono::seconds(kFrames / kFramesPerSecond);
+}
+
+bool BuiltinScene::next(Frame& frame) {
+  if (number_ == kFrames || interrupted() != 0) return false;
+  frame.image = street_.clone();
+  scene::Canvas canvas(frame.image);
+  for (const Walker& walker : kBehindLamp) draw(canvas, walker, number_);
+  scene::draw_lamp(canvas);
+  draw(canvas, kAtKerb, number_);
+  draw_car(canvas, number_);
+  draw(canvas, kOnRoad, number_);
+  if (number_ >= kLampOn) scene::shine(frame.image, light_);
+  add_noise(frame.image);
+  frame.time = std::chrono::milliseconds(1000 / kFramesPerSecond * number_);
+  ++number_;
+  return true;
+}
+
+// Every row takes its noise from another place of the table, which is much cheaper than drawing each value
+// anew.
+void BuiltinScene::add_noise(cv::Mat& image) const {
+  const std::size_t length = image.step[0];
+  for (int y = 0; y < image.rows; ++y) {
+    const auto row = static_cast<std::uint32_t>(number_ * image.rows + y);
+    const std::int8_t* noise = noise_.data() + scene::scrambled(row) % (kNoiseLength - length);
+    std::uint8_t* pixels = image.ptr<std::uint8_t>(y);
+    for (std::size_t i = 0; i < length; ++i) {
+      pixels[i] = static_cast<std::uint8_t>(std::clamp(pixels[i] + noise[i], 0, 255));
+    }
+  }
+}
+
+}  // namespace lm::host

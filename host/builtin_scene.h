@@ -1,0 +1,30 @@
+// The street that runs when no source is given.
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "host/source.h"
+
+namespace lm::host {
+
+// Twenty seconds of a street at dusk: two seconds in which nothing but the sensor's noise moves, then people
+// walk by, a car drives in and parks, and a lamp is switched on. The same bytes on every machine.
+class BuiltinScene : public Source {
+ public:
+  BuiltinScene();
+
+  const SourceInfo& info() const override { return info_; }
+  bool next(Frame& frame) override;
+
+ private:
+  void add_noise(cv::Mat& image) const;
+
+  SourceInfo info_;
+  cv::Mat street_;
+  cv::Mat light_;
+  std::vector<std::int8_t> noise_;
+  int number_ = 0;  // of the next frame
+};
+
+}  // namespace lm::host

@@ -1,0 +1,95 @@
+#include "host/document_faults.h"
+
+#include <json/json.h>
+
+#include <exception>
+#include <sstream>
+
+namespace lm::host {
+namespace {
+
+enum Kind { kWhole, kFraction, kUnused };
+
+constexpr struct {
+  const char* key;
+  Kind kind;
+} kSettings[] = {{"frmW", kWhole},        {"frmH", kWhole},     {"frmChn", kWhole},
+                 {"sensitivity", kWhole}, {"lcAdap", kWhole},   {"minBoxW", kFraction},
+                 {"minBoxH", kFraction},  {"maxBoxW", kUnused}, {"maxBoxH", kUnused},
+                 {"lifeStatic", kWhole}};
+
+Json::Value parse(const std::string& document) {
+  Json::Value root;
+  std::istringstream(document) >> root;
+  return root;
+}
+
+std::string quoted(const std::string& text) { return '"' + text + '"'; }
+
+bool converts(const std::string& text, Kind kind) {
+  try {
+    if (kind == kWhole) static_cast<void>(std::stoi(text));
+    if (kind == kFraction) static_cast<void>(std::stof(text));
+    return true;
+  } catch (const std::exception&) {
+    return false;
+  }
+}
+
+std::string faulty_scalar(const Json::Value& root) {
+  for (const auto& [key, kind] : kSettings) {
+    const Json::Value& value = root[key];
+    if (value.isString() && !converts(value.asString(), kind)) {
+      return quoted(key) + " is " + quoted(value.asString()) + ", which is no " +
+             (kind == kWhole ? "whole number" : "number") + " that it can hold";
+    }
+  }
+  return "";
+}
+
+std::string faulty_point(const Json::Value& point) {
+  if (!point.isObject()) return "a point that is no JSON object";
+  for (const char* axis : {"x", "y"}) {
+    const Json::Value& value = point[axis];
+    if (!value.isConvertibleTo(Json::stringValue) || !converts(value.asString(), kFraction)) {
+      return std::string("a point without a number for ") + quoted(axis);
+    }
+  }
+  return "";
+}
+
+std::string faulty_region(const Json::Value& root) {
+  for (const char* list : {"roi", "ror"}) {
+    if (!root[list].isArray()) continue;
+    for (const Json::Value& region : root[list]) {
+      if (!region.isObject()) return quoted(list) + " holds a region that is no JSON object";
+      if (!region["points"].isArray()) continue;
+      for (const Json::Value& point : region["points"]) {
+        const std::string fault = faulty_point(point);
+        if (!fault.empty()) return quoted(list) + " holds " + fault;
+      }
+    }
+  }
+  return "";
+}
+
+}  // namespace
+
+std::string faulty_setting(const std::string& document) {
+  const Json::Value root = parse(document);
+  const std::string scalar = faulty_scalar(root);
+  return scalar.empty() ? faulty_region(root) : scalar;
+}
+
+std::vector<std::string> ignored_settings(const std::string& document) {
+  const Json::Value root = parse(document);
+  std::vector<std::string> ignored;
+  for (const auto& [key, kind] : kSettings) {
+    if (root.isMember(key) && !root[key].isString()) {
+      ignored.push_back(quoted(key) + " has no effect: its value must be a text, such as \"5\"");
+    }
+  }
+  return ignored;
+}
+
+}  // namespace lm::host

@@ -1,0 +1,216 @@
+#include "host/ffmpeg_source.h"
+
+#include <algorithm>
+#include <cmath>
+#include <new>
+#include <utility>
+
+#include "host/failure.h"
+#include "host/interrupt.h"
+#include "host/time_text.h"
+
+extern "C" {
+#include <libavdevice/avdevice.h>
+#include <libavutil/display.h>
+}
+
+namespace lm::host {
+namespace {
+
+using namespace std::chrono_literals;
+using Time = FrameClock::Time;
+
+// Paths get the prefix because a colon in a file's name would pass for a protocol.
+std::string address_of(const std::string& name) {
+  return name.find("://") == std::string::npos && !is_camera(name) ? "file:" + name : name;
+}
+
+Time to_time(std::int64_t value, AVRational base) {
+  return Time(av_rescale_q(value, base, av::kMicroseconds));
+}
+
+// How often a picture has to be turned clockwise to stand upright, from what the camera wrote into the file.
+int quarter_turns(const AVStream& stream) {
+  const std::uint8_t* matrix = av_stream_get_side_data(&stream, AV_PKT_DATA_DISPLAYMATRIX, nullptr);
+  if (matrix == nullptr) return 0;
+  const double anticlockwise = av_display_rotation_get(reinterpret_cast<const std::int32_t*>(matrix));
+  if (!std::isfinite(anticlockwise)) return 0;
+  return static_cast<int>(std::lround(-anticlockwise / 90) + 4) % 4;
+}
+
+double nominal_rate(AVFormatContext& input, AVStream& stream) {
+  const AVRational rate = av_guess_frame_rate(&input, &stream, nullptr);
+  const double value = rate.den > 0 ? av_q2d(rate) : 0;
+  return value <= 1000 ? value : 0;
+}
+
+cv::Size pixel_aspect(AVFormatContext& input, AVStream& stream, int turns) {
+  const AVRational aspect = av_guess_sample_aspect_ratio(&input, &stream, nullptr);
+  if (aspect.num <= 0 || aspect.den <= 0) return {1, 1};
+  return turns % 2 == 0 ? cv::Size(aspect.num, aspect.den) : cv::Size(aspect.den, aspect.num);
+}
+
+std::optional<Time> stated_duration(const AVFormatContext& input, const AVStream& stream) {
+  if (stream.duration > 0) return to_time(stream.duration, stream.time_base);
+  if (input.duration > 0) return to_time(input.duration, av::kMicroseconds);
+  return std::nullopt;
+}
+
+[[noreturn]] void fail(const std::string& name, const std::string& cause) {
+  throw Failure(kTrouble, name + ": " + cause);
+}
+
+}  // namespace
+
+bool is_camera(const std::string& name) { return name.starts_with("/dev/video"); }
+
+FfmpegSource::FfmpegSource(const std::string& name) {
+  info_.name = name;
+  info_.live = is_live(name);
+  open_input();
+  open_decoder();
+  if (!decode())
+    fail(name, "no frame could be decoded" + (first_damage_.empty() ? "" : ": " + first_damage_));
+  describe();
+}
+
+void FfmpegSource::open_input() {
+  avdevice_register_all();
+  AVFormatContext* input = avformat_alloc_context();
+  if (input == nullptr) throw std::bad_alloc();
+  input->interrupt_callback.callback = [](void*) { return interrupted(); };
+  AVDictionary* settings = nullptr;
+  av_dict_set(&settings, "rtsp_transport", "tcp", 0);  // lost packets would look like motion
+  const AVInputFormat* format = is_camera(info_.name) ? av_find_input_format("v4l2") : nullptr;
+  const int opened = avformat_open_input(&input, address_of(info_.name).c_str(), format, &settings);
+  av_dict_free(&settings);
+  if (opened < 0) fail(info_.name, av::error_text(opened));  // the context is gone already
+  input_.reset(input);
+  if (const int found = avformat_find_stream_info(input, nullptr); found < 0) {
+    fail(info_.name, av::error_text(found));
+  }
+}
+
+void FfmpegSource::open_decoder() {
+  const AVCodec* codec = nullptr;
+  const int index = av_find_best_stream(input_.get(), AVMEDIA_TYPE_VIDEO, -1, -1, &codec, 0);
+  if (index == AVERROR_DECODER_NOT_FOUND) fail(info_.name, "no decoder for this kind of video");
+  if (index < 0) fail(info_.name, "holds no video");
+  stream_ = input_->streams[index];
+  if ((stream_->disposition & AV_DISPOSITION_ATTACHED_PIC) != 0) fail(info_.name, "holds no video");
+  for (unsigned i = 0; i < input_->nb_streams; ++i) {
+    if (input_->streams[i] != stream_) input_->streams[i]->discard = AVDISCARD_ALL;
+  }
+  decoder_ = av::new_codec(codec);
+  decoder_->pkt_timebase = stream_->time_base;
+  decoder_->thread_count = info_.live ? 1 : 0;  // threads hold frames back
+  int result = avcodec_parameters_to_context(decoder_.get(), stream_->codecpar);
+  if (result >= 0) result = avcodec_open2(decoder_.get(), codec, nullptr);
+  if (result < 0) fail(info_.name, av::error_text(result));
+}
+
+void FfmpegSource::describe() {
+  if (sws_isSupportedInput(static_cast<AVPixelFormat>(picture_->format)) == 0) {
+    fail(info_.name, "pictures of this pixel format cannot be converted");
+  }
+  const int turns = quarter_turns(*stream_);
+  converter_.emplace(cv::Size(picture_->width, picture_->height), turns);
+  info_.size = converter_->size();
+  info_.pixel_aspect = pixel_aspect(*input_, *stream_, turns);
+  info_.rate = nominal_rate(*input_, *stream_);
+  if (!info_.live) info_.duration = stated_duration(*input_, *stream_);
+  clock_.emplace(info_.rate > 0 ? Time(std::llround(1e6 / info_.rate)) : Time(40ms));
+}
+
+bool FfmpegSource::next(Frame& frame) {
+  while (interrupted() == 0) {
+    if (!std::exchange(first_waits_, false) && !decode()) return false;
+    frame.image = converter_->convert(*picture_);
+    if (frame.image.empty()) {
+      note_damage("this pixel format cannot be converted");
+      continue;
+    }
+    frame.time = clock_->next(stated_time());
+    end_ = frame.time + clock_->interval();
+    return true;
+  }
+  return false;
+}
+
+std::optional<Time> FfmpegSource::stated_time() const {
+  if (picture_->best_effort_timestamp == AV_NOPTS_VALUE) return std::nullopt;
+  return to_time(picture_->best_effort_timestamp, stream_->time_base);
+}
+
+// Decodes the next picture into picture_; false at the end.
+bool FfmpegSource::decode() {
+  while (interrupted() == 0) {
+    const int result = avcodec_receive_frame(decoder_.get(), picture_.get());
+    if (result >= 0) {
+      const bool whole = picture_->decode_error_flags == 0 && (picture_->flags & AV_FRAME_FLAG_CORRUPT) == 0;
+      if (!whole) note_damage("parts of a picture are missing");
+      return true;
+    }
+    if (result == AVERROR_EOF) return false;
+    if (result != AVERROR(EAGAIN)) note_damage(av::error_text(result));
+    feed();
+  }
+  return false;
+}
+
+// Gives the decoder one more packet, or the sign that there are no more.
+void FfmpegSource::feed() {
+  if (drained_) return;
+  if (!packet_waits_ && !read_packet()) {
+    drained_ = true;
+    avcodec_send_packet(decoder_.get(), nullptr);
+    return;
+  }
+  const int result = avcodec_send_packet(decoder_.get(), packet_.get());
+  packet_waits_ = result == AVERROR(EAGAIN);
+  if (packet_waits_) return;
+  if (result < 0) note_damage(av::error_text(result));
+  av_packet_unref(packet_.get());
+}
+
+// Reads the next packet of the video stream; false at the end.
+bool FfmpegSource::read_packet() {
+  for (;;) {
+    const int result = av_read_frame(input_.get(), packet_.get());
+    if (result < 0) {
+      if (result != AVERROR_EOF) read_error_ = av::error_text(result);
+      return false;
+    }
+    if (packet_->stream_index == stream_->index) break;
+    av_packet_unref(packet_.get());
+  }
+  if ((packet_->flags & AV_PKT_FLAG_CORRUPT) != 0) note_damage("a packet is incomplete");
+  return true;
+}
+
+void FfmpegSource::note_damage(const std::string& cause) {
+  if (damaged_++ == 0) first_damage_ = cause;
+}
+
+// A file that was cut off often reads like one that simply ends; its own header knows better.
+std::string FfmpegSource::early_end() const {
+  const bool states_video = stream_->duration > 0 || input_->nb_streams == 1;
+  if (!info_.duration || !states_video) return "";
+  const Time tolerance = std::max<Time>(500ms, *info_.duration / 50);
+  if (end_ + tolerance >= *info_.duration) return "";
+  return "ends early, after " + seconds_text(end_) + " of " + seconds_text(*info_.duration) + " s";
+}
+
+std::string FfmpegSource::trouble() const {
+  if (interrupted() != 0) return "";
+  if (!read_error_.empty()) return "reading stopped: " + read_error_;
+  if (info_.live) return "";  // joining in the middle and losing packets is a stream's everyday life
+  std::string text = early_end();
+  if (damaged_ > 0) {
+    text += (text.empty() ? "" : "; ") + std::to_string(damaged_) + (damaged_ == 1 ? " place" : " places") +
+            " could not be decoded, first: " + first_damage_;
+  }
+  return text;
+}
+
+}  // namespace lm::host

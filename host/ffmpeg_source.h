@@ -1,0 +1,55 @@
+// Files, streams and cameras through FFmpeg's libraries.
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "host/av.h"
+#include "host/frame_clock.h"
+#include "host/picture_converter.h"
+#include "host/source.h"
+
+namespace lm::host {
+
+// "/dev/video0" and the like.
+bool is_camera(const std::string& name);
+
+class FfmpegSource : public Source {
+ public:
+  // Opens the source and decodes its first frame, which settles the size of all.
+  explicit FfmpegSource(const std::string& name);
+
+  const SourceInfo& info() const override { return info_; }
+  bool next(Frame& frame) override;
+  std::string trouble() const override;
+
+ private:
+  void open_input();
+  void open_decoder();
+  bool decode();
+  void feed();
+  bool read_packet();
+  void note_damage(const std::string& cause);
+  void describe();
+  std::string early_end() const;
+  std::optional<FrameClock::Time> stated_time() const;
+
+  SourceInfo info_;
+  av::Input input_;
+  AVStream* stream_ = nullptr;  // part of input_
+  av::Codec decoder_;
+  av::Packet packet_ = av::new_packet();
+  av::Picture picture_ = av::new_picture();
+  std::optional<PictureConverter> converter_;
+  std::optional<FrameClock> clock_;
+  bool first_waits_ = true;    // the picture decoded by the constructor has not been handed out
+  bool packet_waits_ = false;  // the decoder had no room for it
+  bool drained_ = false;
+
+  FrameClock::Time end_{0};  // of the last frame
+  int damaged_ = 0;
+  std::string first_damage_;
+  std::string read_error_;
+};
+
+}  // namespace lm::host

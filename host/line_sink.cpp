@@ -1,0 +1,40 @@
+#include "host/line_sink.h"
+
+#include <cerrno>
+#include <system_error>
+
+#include "host/failure.h"
+
+namespace lm::host {
+
+LineSink::LineSink(const std::string& file) {
+  if (file.empty()) return;
+  pending_.emplace(file);
+  file_.reset(std::fopen(pending_->path().c_str(), "we"));
+  if (!file_) fail();
+  out_ = file_.get();
+}
+
+void LineSink::write(const std::string& line) {
+  errno = 0;
+  std::fwrite(line.data(), 1, line.size(), out_);
+  std::fputc('\n', out_);
+  if (!file_) std::fflush(out_);
+  if (std::ferror(out_) != 0) fail();
+  ++lines_;
+}
+
+void LineSink::finish() {
+  if (!pending_) return;
+  errno = 0;
+  if (std::fclose(file_.release()) != 0) fail();
+  pending_->commit();
+}
+
+void LineSink::fail() const {
+  const std::string cause = errno != 0 ? std::generic_category().message(errno) : "write error";
+  throw Failure(kTrouble,
+                (pending_ ? pending_->target() : "standard output") + " cannot be written: " + cause);
+}
+
+}  // namespace lm::host

@@ -1,0 +1,29 @@
+#include <cstdio>
+#include <exception>
+#include <string>
+
+#include "host/failure.h"
+#include "host/interrupt.h"
+#include "host/options.h"
+#include "host/plugin_log.h"
+#include "host/run.h"
+
+int main(int argc, char** argv) {
+  using namespace lm::host;
+  try {
+    const Command command = parse_command_line({argv + 1, argv + argc});
+    if (!command.options) {
+      std::fputs(command.text.c_str(), command.status == kDone ? stdout : stderr);
+      return command.status;
+    }
+    show_plugin_log(command.options->verbose);
+    watch_for_interrupts();
+    return run(*command.options);
+  } catch (const Failure& failure) {
+    std::fprintf(stderr, "lightmotion: %s\n", failure.what());
+    return failure.status();
+  } catch (const std::exception& error) {
+    std::fprintf(stderr, "lightmotion: %s\n", error.what());
+    return kTrouble;
+  }
+}

@@ -1,0 +1,103 @@
+#include "host/options.h"
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <filesystem>
+#include <memory>
+
+#include "host/video_writer.h"
+
+namespace lm::host {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr const char* kExamples = R"(Examples:
+  lightmotion run --annotate scene.mp4               the built-in scene, boxes drawn
+  lightmotion run street.avi -o boxes.jsonl          one line per frame with boxes
+  lightmotion run street.avi --config night.json     with settings and regions of your own
+  lightmotion run rtsp://192.168.1.20/main           a network camera, until Ctrl-C
+)";
+
+constexpr const char* kStatuses = R"(
+Exit status: 0 fine; 1 the source could not be read to its end, or an output could
+not be written; 2 wrong use, a configuration that does not fit, or no plug-in;
+130 stopped by Ctrl-C, with the outputs complete up to there.
+)";
+
+bool same_file(const std::string& a, const std::string& b) {
+  std::error_code ignored;
+  return !a.empty() && !b.empty() &&
+         (fs::absolute(a, ignored).lexically_normal() == fs::absolute(b, ignored).lexically_normal() ||
+          fs::equivalent(a, b, ignored));
+}
+
+// The outputs take their names when they are complete, so a name used twice would silently lose a file.
+std::string conflict(const Options& options) {
+  const struct {
+    const char* option;
+    const std::string& file;
+  } outputs[] = {{"-o", options.results}, {"--annotate", options.annotate}};
+  for (const auto& output : outputs) {
+    if (same_file(output.file, options.source))
+      return std::string(output.option) + " would overwrite the source";
+    if (same_file(output.file, options.config)) {
+      return std::string(output.option) + " would overwrite the configuration";
+    }
+  }
+  if (same_file(options.results, options.annotate)) return "-o and --annotate name the same file";
+  return "";
+}
+
+CLI::App* add_run(CLI::App& app, Options& options) {
+  CLI::App* run = app.add_subcommand("run", "Find what moves in a video");
+  run->add_option("SOURCE", options.source,
+                  "Video file, stream address (rtsp://, http://, ...) or camera (/dev/video0); the built-in "
+                  "scene when left out");
+  run->add_option("-c,--config", options.config, "Configuration document (JSON)")->type_name("FILE");
+  run->add_option("-o,--output", options.results, "Write the result lines here instead of to standard output")
+      ->type_name("FILE");
+  run->add_option("-a,--annotate", options.annotate,
+                  "Write the video with the boxes drawn (.mp4, .mkv or .mov)")
+      ->type_name("FILE")
+      ->check([](const std::string& file) {
+        return video_format(file) ? "" : "must end in .mp4, .mkv or .mov, not " + file;
+      });
+  run->add_option("--plugin", options.plugin,
+                  "The plug-in, when it is not beside the program or in its lib folder")
+      ->type_name("PATH");
+  auto* quiet = run->add_flag("-q,--quiet", options.quiet, "No progress bar and no summary");
+  run->add_flag("-v,--verbose", options.verbose, "Show what the plug-in and the decoder log")
+      ->excludes(quiet);
+  run->footer(std::string(kExamples) + kStatuses);
+  return run;
+}
+
+Command refusal(const std::string& text) {
+  return {std::nullopt, kRefused, "lightmotion: " + text + " (lightmotion run --help tells more)\n"};
+}
+
+}  // namespace
+
+Command parse_command_line(const std::vector<std::string>& arguments) {
+  Options options;
+  CLI::App app("lightmotion: finds what moves in a video and draws boxes around it\n", "lightmotion");
+  app.set_version_flag("--version", "lightmotion " LIGHTMOTION_VERSION);
+  app.require_subcommand(1);
+  app.get_formatter()->column_width(28);
+  app.footer(kExamples);
+  add_run(app, options);
+  try {
+    app.parse(std::vector<std::string>(arguments.rbegin(), arguments.rend()));
+  } catch (const CLI::CallForHelp&) {
+    return {std::nullopt, kDone, app.help()};
+  } catch (const CLI::CallForVersion& version) {
+    return {std::nullopt, kDone, std::string(version.what()) + "\n"};
+  } catch (const CLI::ParseError& error) {
+    return refusal(error.what());
+  }
+  if (const std::string text = conflict(options); !text.empty()) return refusal(text);
+  return {options, kDone, ""};
+}
+
+}  // namespace lm::host

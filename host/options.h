@@ -1,0 +1,33 @@
+// The command line.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "host/failure.h"
+
+namespace lm::host {
+
+// What `lightmotion run` was asked to do. An empty text: not given.
+struct Options {
+  std::string source;    // file, stream address or camera; the built-in scene when empty
+  std::string config;    // file with the configuration document
+  std::string results;   // file for the result lines; standard output when empty
+  std::string annotate;  // video file to write with the boxes drawn
+  std::string plugin;    // path of the plug-in; searched for when empty
+  bool quiet = false;
+  bool verbose = false;
+};
+
+// Either options to run with, or a text to print (help, version, an error) and the status to end with.
+struct Command {
+  std::optional<Options> options;
+  ExitStatus status = kDone;
+  std::string text;
+};
+
+// `arguments`: without the program's name.
+Command parse_command_line(const std::vector<std::string>& arguments);
+
+}  // namespace lm::host

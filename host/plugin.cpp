@@ -1,0 +1,101 @@
+#include "host/plugin.h"
+
+#include <dlfcn.h>
+
+#include <cstdio>
+#include <exception>
+#include <filesystem>
+#include <vector>
+
+#include "host/captured_stream.h"
+#include "host/failure.h"
+
+namespace lm::host {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr const char* kFileName = "liblightmotion.so.1";
+
+// Runs `call` and turns whatever it throws into a text; empty when it throws nothing.
+template <typename Call>
+std::string thrown_by(Call call) {
+  try {
+    call();
+    return "";
+  } catch (const std::exception& error) {
+    return std::string("exception \"") + error.what() + "\"";
+  } catch (...) {
+    return "an exception of an unknown kind";
+  }
+}
+
+}  // namespace
+
+std::string find_plugin(const std::string& given, const std::string& program_folder) {
+  if (!given.empty()) return given;
+  const fs::path beside = program_folder;
+  const fs::path lib = beside.parent_path() / "lib";
+  std::string searched;
+  for (const fs::path& folder : {beside, lib, lib / LIGHTMOTION_MULTIARCH}) {
+    std::error_code missing;
+    if (fs::exists(folder / kFileName, missing)) return (folder / kFileName).string();
+    searched += (searched.empty() ? "" : ", ") + folder.string();
+  }
+  throw Failure(kRefused, std::string("no ") + kFileName + " in " + searched + "; --plugin PATH names it");
+}
+
+std::string program_folder() {
+  std::error_code error;
+  return fs::read_symlink("/proc/self/exe", error).parent_path().string();
+}
+
+void Plugin::Close::operator()(void* library) const { dlclose(library); }
+
+template <typename Function>
+void Plugin::find(Function*& entry, const char* name) {
+  entry = reinterpret_cast<Function*>(dlsym(library_.get(), name));
+  if (entry == nullptr)
+    throw Failure(kRefused, path_ + ": not a plug-in for this program: it has no " + name);
+}
+
+Plugin::Plugin(const std::string& path) : path_(path) {
+  // A bare name would send dlopen through the system's library folders.
+  std::error_code error;
+  library_.reset(dlopen(fs::absolute(path, error).c_str(), RTLD_NOW | RTLD_LOCAL));
+  if (!library_) throw Failure(kRefused, std::string("the plug-in cannot be loaded: ") + dlerror());
+  find(initialization_, "initialization");
+  find(frame_proc_, "frameProc");
+  find(get_res_, "getRes");
+  find(terminate_, "terminate");
+}
+
+Plugin::~Plugin() {
+  if (terminate_ != nullptr) terminate_();
+}
+
+std::string Plugin::start(const std::string& document) {
+  CapturedStream chatter(stdout);  // standard output is for results
+  bool started = false;
+  const std::string thrown = thrown_by([&] { started = initialization_(document.c_str()); });
+  if (started) return "";
+  if (!thrown.empty()) return thrown;
+  const std::string printed = chatter.text();
+  return printed.empty() ? "no reason given" : printed;
+}
+
+std::string Plugin::process(const unsigned char* pixels, const std::string& timestamp) {
+  std::vector<char> text(1);
+  const std::string cause = thrown_by([&] {
+    int length = 0;
+    frame_proc_(pixels, timestamp.c_str(), &length);
+    if (length <= 0) return;
+    text.resize(static_cast<std::size_t>(length) + 1);
+    get_res_(text.data());
+  });
+  if (!cause.empty()) throw Failure(kTrouble, path_ + ": " + cause + " while processing a frame");
+  text.back() = '\0';
+  return text.data();
+}
+
+}  // namespace lm::host

@@ -1,0 +1,149 @@
+#include "host/run.h"
+
+#include <unistd.h>
+
+#include <cerrno>
+#include <chrono>
+#include <cstdio>
+#include <optional>
+#include <system_error>
+
+#include "host/annotator.h"
+#include "host/captured_stream.h"
+#include "host/document.h"
+#include "host/document_faults.h"
+#include "host/interrupt.h"
+#include "host/line_sink.h"
+#include "host/plugin.h"
+#include "host/progress.h"
+#include "host/result_line.h"
+#include "host/source.h"
+#include "host/summary.h"
+
+extern "C" {
+#include <libavutil/log.h>
+}
+
+namespace lm::host {
+namespace {
+
+using std::chrono::microseconds;
+using std::chrono::milliseconds;
+
+std::string read_file(const std::string& path) {
+  const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(path.c_str(), "re"), &std::fclose);
+  std::string text;
+  char piece[4096];
+  std::size_t length = 0;
+  while (file && (length = std::fread(piece, 1, sizeof piece, file.get())) > 0) text.append(piece, length);
+  if (!file || std::ferror(file.get()) != 0) {
+    throw Failure(kRefused, path + ": " + std::generic_category().message(errno));
+  }
+  return text;
+}
+
+void start(Plugin& plugin, const Options& options, const SourceInfo& source) {
+  const bool own = options.config.empty();
+  const std::string name = own ? "the built-in configuration" : options.config;
+  const std::string text = own ? default_document() : read_file(options.config);
+  std::string document;
+  try {
+    document = complete_document(text, source.size);
+  } catch (const std::invalid_argument& misfit) {
+    throw Failure(kRefused, name + ": " + misfit.what());
+  }
+  for (const std::string& note : ignored_settings(document)) {
+    std::fprintf(stderr, "lightmotion: warning: %s: %s\n", name.c_str(), note.c_str());
+  }
+  const std::string refusal = plugin.start(document);
+  if (refusal.empty()) return;
+  const std::string fault = faulty_setting(document);
+  throw Failure(kRefused,
+                name + ": " + (fault.empty() ? "" : fault + "; ") + "the plug-in refuses it: " + refusal);
+}
+
+// Milliseconds: a file's own time counted from 1, because the plug-in takes 0 for "unknown"; else the wall
+// clock.
+std::string timestamp(const SourceInfo& source, const Frame& frame) {
+  using namespace std::chrono;
+  if (!source.live) return std::to_string(1 + round<milliseconds>(frame.time).count());
+  return std::to_string(duration_cast<milliseconds>(system_clock::now().time_since_epoch()).count());
+}
+
+// The plug-in tells about its buffers on the first frame, which is of use to its developers only.
+std::string process(Plugin& plugin, const SourceInfo& source, const Frame& frame, bool hush) {
+  std::optional<CapturedStream> chatter;
+  if (hush) chatter.emplace(stderr);
+  return plugin.process(frame.image.data, timestamp(source, frame));
+}
+
+class Run {
+ public:
+  Run(const Options& options, Source& source, Plugin& plugin)
+      : options_(options),
+        source_(source),
+        plugin_(plugin),
+        lines_(options.results),
+        progress_(!options.quiet),
+        shares_terminal_(options.results.empty() && isatty(STDOUT_FILENO) != 0) {
+    if (!options.annotate.empty()) video_.emplace(options.annotate, source.info());
+  }
+
+  Figures all_frames() {
+    const auto begin = std::chrono::steady_clock::now();
+    const SourceInfo& info = source_.info();
+    const microseconds interval(info.rate > 0 ? std::llround(1e6 / info.rate) : 0);
+    Frame frame;
+    while (source_.next(frame)) {
+      one_frame(frame);
+      figures_.video = frame.time + interval;
+      figures_.work = std::chrono::duration_cast<microseconds>(std::chrono::steady_clock::now() - begin);
+      progress_.update({figures_.frames, figures_.video, info.duration, speed(figures_)});
+    }
+    progress_.clear();
+    lines_.finish();
+    if (video_) video_->finish();
+    return figures_;
+  }
+
+ private:
+  void one_frame(Frame& frame) {
+    const bool hush = figures_.frames == 0 && !options_.verbose;
+    const std::string document = process(plugin_, source_.info(), frame, hush);
+    const std::vector<cv::Rect2d> boxes = boxes_of(document);
+    if (!boxes.empty()) {
+      if (shares_terminal_) progress_.clear();
+      lines_.write(result_line(document, figures_.frames, frame.time));
+      ++figures_.frames_with_motion;
+    }
+    if (video_) video_->write(frame, boxes);
+    ++figures_.frames;
+  }
+
+  const Options& options_;
+  Source& source_;
+  Plugin& plugin_;
+  LineSink lines_;
+  std::optional<Annotator> video_;
+  Progress progress_;
+  bool shares_terminal_;
+  Figures figures_;
+};
+
+}  // namespace
+
+int run(const Options& options) {
+  av_log_set_level(options.verbose ? AV_LOG_INFO : AV_LOG_QUIET);
+  Plugin plugin(find_plugin(options.plugin, program_folder()));
+  const std::unique_ptr<Source> source = open_source(options.source);
+  start(plugin, options, source->info());
+  const Figures figures = Run(options, *source, plugin).all_frames();
+  if (!options.quiet) std::fputs(summary(source->info().name, figures, options).c_str(), stderr);
+  if (interrupted() != 0) return 128 + interrupted();
+  const std::string trouble = source->trouble();
+  if (trouble.empty()) return kDone;
+  std::fprintf(stderr, "lightmotion: %s: %s\n", source->info().name.c_str(), trouble.c_str());
+  return kTrouble;
+}
+
+}  // namespace lm::host

@@ -1,0 +1,32 @@
+#include "host/summary.h"
+
+#include <array>
+#include <cstdio>
+
+namespace lm::host {
+namespace {
+
+double seconds(std::chrono::microseconds time) { return static_cast<double>(time.count()) / 1e6; }
+
+}  // namespace
+
+double speed(const Figures& figures) {
+  return figures.work.count() > 0 ? static_cast<double>(figures.frames) / seconds(figures.work) : 0;
+}
+
+std::string summary(const std::string& source, const Figures& figures, const Options& options) {
+  const double ratio = figures.work.count() > 0 ? seconds(figures.video) / seconds(figures.work) : 0;
+  std::array<char, 160> line{};
+  std::snprintf(line.data(), line.size(),
+                ": %lld frames, %.1f s of video in %.1f s: %.0f fps, %.1f x real time\n",
+                static_cast<long long>(figures.frames), seconds(figures.video), seconds(figures.work),
+                speed(figures), ratio);
+  std::string text = source + line.data();
+  text += "motion in " + std::to_string(figures.frames_with_motion) + " frames";
+  if (!options.results.empty()) text += ", listed in " + options.results;
+  text += "\n";
+  if (!options.annotate.empty()) text += "annotated video: " + options.annotate + "\n";
+  return text;
+}
+
+}  // namespace lm::host

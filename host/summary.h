@@ -1,0 +1,25 @@
+// What a run came to.
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <string>
+
+#include "host/options.h"
+
+namespace lm::host {
+
+struct Figures {
+  std::int64_t frames = 0;
+  std::int64_t frames_with_motion = 0;
+  std::chrono::microseconds video{0};  // from the first frame's start to the last frame's end
+  std::chrono::microseconds work{0};   // what it took
+};
+
+// Frames per second of work; 0 when no time has passed.
+double speed(const Figures& figures);
+
+// Two or three lines, each with its line feed: the figures, and where the outputs are.
+std::string summary(const std::string& source, const Figures& figures, const Options& options);
+
+}  // namespace lm::host
