@@ -1,4 +1,6 @@
 
+#include <gmock/gmock.h>
+
 #include "simd/kernels.h"
 #include "tests/simd/versions.h"
 

@@ -1,0 +1,86 @@
+// What the library's file says about itself: the names it gives, the libraries it needs.
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <regex>
+#include <set>
+
+#include "tests/package/shell.h"
+
+namespace {
+
+using ::testing::Contains;
+using ::testing::ContainsRegex;
+using ::testing::HasSubstr;
+using ::testing::IsSupersetOf;
+
+struct Symbol {
+  char type;  // as nm writes it
+  std::string name;
+};
+
+std::vector<Symbol> symbolsOf(const std::string& nmArguments) {
+  std::vector<Symbol> symbols;
+  for (const auto& line : linesOf(std::string(NM) + " -C --defined-only " + nmArguments)) {
+    std::smatch parts;
+    if (std::regex_match(line, parts, std::regex("[0-9a-f]+ (.) (.*)"))) {
+      symbols.push_back({parts.str(1)[0], parts.str(2)});
+    }
+  }
+  return symbols;
+}
+
+std::set<std::string> missingFrom(const std::set<std::string>& set, const std::set<std::string>& wanted) {
+  std::set<std::string> missing;
+  std::set_difference(wanted.begin(), wanted.end(), set.begin(), set.end(),
+                      std::inserter(missing, missing.begin()));
+  return missing;
+}
+
+TEST(LibraryFile, ExportsExactlyTheListedNames) {
+  std::set<std::string> exported;
+  for (const auto& symbol : symbolsOf("-D " LIBRARY_FILE)) exported.insert(symbol.name);
+  const auto list = entriesOf(EXPORTS_LIST);
+  const std::set<std::string> listed(list.begin(), list.end());
+  EXPECT_EQ(missingFrom(exported, listed), std::set<std::string>()) << "listed, but not exported";
+  EXPECT_EQ(missingFrom(listed, exported), std::set<std::string>()) << "exported, but not listed";
+}
+
+TEST(LibraryFile, ExportsFunctionsAndWritableVariablesOnly) {
+  for (const auto& symbol : symbolsOf("-D " LIBRARY_FILE)) {
+    const bool isVariable = symbol.name.starts_with("THRESH_") || symbol.name == "g_seed";
+    EXPECT_THAT(isVariable ? "DB" : "T", HasSubstr(std::string(1, symbol.type))) << symbol.name;
+  }
+}
+
+TEST(LibraryFile, CarriesItsNameAndItsNeeds) {
+  const auto dynamic = linesOf(std::string(READELF) + " -dW " LIBRARY_FILE);
+  EXPECT_THAT(dynamic, Contains(HasSubstr("Library soname: [liblightmotion.so.1]")));
+  EXPECT_THAT(dynamic, Contains(ContainsRegex("NEEDED.*\\[libjsoncpp\\.so\\.[0-9]+\\]")));
+  EXPECT_THAT(dynamic, Not(Contains(ContainsRegex("RPATH|RUNPATH"))));
+}
+
+TEST(LibraryFile, TheHostsLogIsAWeakReference) {
+  EXPECT_THAT(linesOf(std::string(NM) + " -D --undefined-only " LIBRARY_FILE),
+              Contains(ContainsRegex("w log_File_Debug_s$")));
+}
+
+// The host below really has variables of its own, to which the library's references have to be bound.
+TEST(LibraryFile, AHostThatIsLinkedAgainstItHasItsOwnCopiesOfTheVariables) {
+  const auto relocations = linesOf(std::string(READELF) + " -rW " VARIABLE_HOST);
+  EXPECT_THAT(relocations, IsSupersetOf({ContainsRegex("R_X86_64_COPY.*THRESH_SAME_PIXEL_x2"),
+                                         ContainsRegex("R_X86_64_COPY.*THRESH_SAME_PIXEL_x3")}));
+}
+
+// A weak function in such an object could replace the base level's copy in the whole library.
+TEST(LeveledObjects, DefineTheirOwnVersionsOnly) {
+  int versions = 0;
+  for (const auto& symbol : symbolsOf("--extern-only " LEVELED_OBJECTS)) {
+    ++versions;
+    EXPECT_EQ(symbol.type, 'T') << symbol.name;
+    EXPECT_TRUE(std::regex_search(symbol.name, std::regex("^simd::.*_(ssse3|sse41|avx2)\\("))) << symbol.name;
+  }
+  EXPECT_EQ(versions, 8) << "two for SSSE3, four for SSE4.1, two for AVX2";
+}
+
+}  // namespace
