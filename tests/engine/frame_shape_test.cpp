@@ -13,8 +13,7 @@ namespace {
 
 const std::string channelMessage = "Error: input frame in a wrong channel number! \n";
 
-// ---- channels
-// ------------------------------------------------------------------------------------------------
+// ---- channels -----------------------------------------------------------------------------------
 
 class Preprocess : public ::testing::TestWithParam<int> {};
 
@@ -100,8 +99,7 @@ TEST(Channels, ValidFrameAfterARefusedOneProceeds) {
   EXPECT_EQ(engine.drawn(engine.fgMask), picture({"####", "####", "####"}));
 }
 
-// ---- sizes that change
-// -----------------------------------------------------------------------------------------
+// ---- sizes that change --------------------------------------------------------------------------
 
 TEST(ChangedSize, FrameThatNeedsMoreRoomIsRefused) {
   for (const auto& [width, height, channels] : {std::tuple{5, 3, 3}, {4, 4, 3}, {4, 3, 4}, {400, 300, 3}}) {
@@ -137,8 +135,7 @@ TEST(ChangedSize, FewerChannelsAreAccepted) {
   EXPECT_EQ(engine.diffChn, 0);
 }
 
-// ---- sizes whose product does not fit 32 bits
-// ------------------------------------------------------------------
+// ---- sizes whose product does not fit 32 bits ---------------------------------------------------
 
 TEST(HugeSize, ProductThatWrapsToASmallCountIsLearnedWithThatManyPixels) {
   Camera engine;
@@ -178,8 +175,7 @@ TEST(HugeSize, ProductThatWrapsBelowZeroThrowsFromTheSetUp) {
   EXPECT_EQ(said, (Said{"", "W, H, Pixels = 46341, 46341, -2147479015\n"}));
 }
 
-// ---- regions smaller than the frame
-// ----------------------------------------------------------------------------
+// ---- regions smaller than the frame -------------------------------------------------------------
 
 TEST(SmallRegionMask, CountsAsOutsideBeyondItsEnd) {
   kAMBLE engine;

@@ -132,8 +132,7 @@ TEST(Life, StaysAsItIsWithoutGhostSuppression) {
   EXPECT_EQ(background.fgLife[0], 5.0F);
 }
 
-// ---- absorption
-// ----------------------------------------------------------------------------------------------
+// ---- absorption ---------------------------------------------------------------------------------
 
 TEST(Absorption, ComesWhenTheLifeExceedsTheLimit) {
   ForegroundPixel engine;

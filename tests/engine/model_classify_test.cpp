@@ -63,8 +63,7 @@ TEST(Classify, PixelsAreJudgedOneByOne) {
   EXPECT_EQ(engine.drawn(engine.fgMask), picture({".#."}));
 }
 
-// ---- matching
-// ------------------------------------------------------------------------------------------------
+// ---- matching -----------------------------------------------------------------------------------
 
 struct MatchCase {
   const char* name;

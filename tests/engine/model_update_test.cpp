@@ -8,8 +8,7 @@
 namespace lm::test {
 namespace {
 
-// ---- writing a sample
-// ----------------------------------------------------------------------------------------
+// ---- writing a sample ---------------------------------------------------------------------------
 
 TEST(WriteSample, GoesIntoTheCursorsSlotAndTheBackgroundImage) {
   AbsorbedPixel engine;
@@ -69,8 +68,7 @@ INSTANTIATE_TEST_SUITE_P(
                       CursorCase{"emptySegment", 4, 3, {3, 4, 5}}),
     byName);
 
-// ---- who is written at once
-// ----------------------------------------------------------------------------------
+// ---- who is written at once ---------------------------------------------------------------------
 
 TEST(Update, AbsorbedPixelIsWrittenOnceWhateverItsMask) {
   for (const int mask : {0, 255}) {

@@ -12,8 +12,7 @@ namespace {
 constexpr std::int32_t intMin = std::numeric_limits<std::int32_t>::min();
 constexpr std::int32_t intMax = std::numeric_limits<std::int32_t>::max();
 
-// ---- the timer
-// -----------------------------------------------------------------------------------------------
+// ---- the timer ----------------------------------------------------------------------------------
 
 TEST(UpdateTimer, RunsForEveryPixelInsideTheRegions) {
   QuietPixel engine;
@@ -60,8 +59,7 @@ TEST(UpdateTimer, WrapsBelowTheSmallestInt) {
   EXPECT_FALSE(engine.written()) << "a long wait has begun";
 }
 
-// ---- refresh
-// -------------------------------------------------------------------------------------------------
+// ---- refresh ------------------------------------------------------------------------------------
 
 TEST(Refresh, WritesAndRestsWhenTheCounterLeavesOne) {
   RefreshPixel engine;

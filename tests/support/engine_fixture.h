@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "engine/kamble.h"
+#include "tests/support/by_name.h"
 #include "tests/support/mask_art.h"
 
 namespace lm::test {
@@ -81,8 +82,5 @@ inline void dropLife(kAMBLE& engine) {
   delete[] engine.fgLife;
   engine.fgLife = nullptr;
 }
-
-// Names a parametrised test after its case's `name`.
-inline constexpr auto byName = [](const auto& info) { return std::string(info.param.name); };
 
 }  // namespace lm::test
