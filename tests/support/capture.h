@@ -1,0 +1,54 @@
+// What the library says: its lines on the standard streams, and its calls of the host's logging function.
+#pragma once
+
+#include <cstdio>
+#include <ostream>
+#include <string>
+#include <vector>
+
+namespace lm::test {
+
+// Collects what reaches a standard stream while it lives, however it was written.
+class Capture {
+ public:
+  explicit Capture(std::FILE* stream);
+  ~Capture();
+  Capture(const Capture&) = delete;
+  Capture& operator=(const Capture&) = delete;
+
+  std::string text();  // so far
+
+ private:
+  std::FILE* stream_;
+  int original_;
+  int file_;
+};
+
+struct Said {
+  std::string out;
+  std::string err;
+  bool operator==(const Said&) const = default;
+};
+std::ostream& operator<<(std::ostream& stream, const Said& said);
+
+// What `call` writes to the two streams.
+template <typename Call>
+Said saidDuring(Call&& call) {
+  Capture out(stdout);
+  Capture err(stderr);
+  call();
+  return {out.text(), err.text()};
+}
+
+struct LogCall {
+  std::string path;
+  int level;
+  std::string text;  // formatted
+  bool operator==(const LogCall&) const = default;
+};
+std::ostream& operator<<(std::ostream& stream, const LogCall& call);
+
+// The calls so far. A program that uses this list is a host with the logging function.
+std::vector<LogCall>& hostLog();
+
+}  // namespace lm::test

@@ -1,0 +1,29 @@
+// Allocations that fail on demand. The test program's operator new, in its four common forms, and its
+// posix_memalign are replaced by versions that count, and refuse the one request that a test names.
+#pragma once
+
+#include <cstdint>
+
+namespace lm::test {
+
+enum class Request { none, throwingNew, quietNew, aligned };
+
+// One at a time. While it lives, requests are counted from 1.
+class FailingAlloc {
+ public:
+  explicit FailingAlloc(std::uint64_t failAt = 0);  // number of the request to refuse; 0: none
+  ~FailingAlloc();
+  FailingAlloc(const FailingAlloc&) = delete;
+  FailingAlloc& operator=(const FailingAlloc&) = delete;
+
+  void stopFailing();  // later requests are counted and granted
+
+  std::uint64_t requests() const;
+  Request refused() const;  // what kind of request was refused so far
+
+  // Blocks granted less blocks given back. A program under the address sanitizer leaves aligned blocks out;
+  // the sanitizer's own leak check watches those.
+  std::int64_t live() const;
+};
+
+}  // namespace lm::test
