@@ -15,7 +15,7 @@ std::function<Frame(int)> filmed(const scene::Scene& scene, int interval) {
 std::vector<Sequence> allSequences() {
   std::vector<Sequence> all;
   for (const auto& part : {sizeSequences, settingSequences, modelSequences, timeSequences, regionSequences,
-                           objectSequences, speckleSequences, hostSequences}) {
+                           objectSequences, speckleSequences, hostSequences, mixedSequences}) {
     append(all, part());
   }
   return all;

@@ -65,5 +65,6 @@ std::vector<Sequence> regionSequences();
 std::vector<Sequence> objectSequences();
 std::vector<Sequence> speckleSequences();
 std::vector<Sequence> hostSequences();
+std::vector<Sequence> mixedSequences();
 
 std::vector<Sequence> allSequences();
