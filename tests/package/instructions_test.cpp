@@ -1,8 +1,9 @@
 // Instructions above the processor's base level stand only in functions whose names say so.
+#include <fnmatch.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <regex>
+#include <initializer_list>
 
 #include "tests/package/shell.h"
 
@@ -16,44 +17,52 @@ struct Instruction {
 std::vector<Instruction> disassemble(const std::string& file) {
   std::vector<Instruction> instructions;
   std::string function;
-  const std::regex head("^[0-9a-f]+ <(.*)>:$");
-  const std::regex body("^ *[0-9a-f]+:\t(\\S+)(.*)");
   for (const auto& line : linesOf(std::string(OBJDUMP) + " -dwC --no-show-raw-insn " + file)) {
-    std::smatch parts;
-    if (std::regex_match(line, parts, head)) function = parts.str(1);
-    if (std::regex_match(line, parts, body)) instructions.push_back({function, parts.str(1)});
+    const auto name = line.find(" <");
+    const auto tab = line.find(":\t");
+    if (line.ends_with(">:") && name != std::string::npos) {
+      function = line.substr(name + 2, line.size() - name - 4);
+    } else if (tab != std::string::npos) {
+      instructions.push_back({function, line.substr(tab + 2, line.find(' ', tab) - tab - 2)});
+    }
   }
   return instructions;
 }
 
-// The level that an instruction needs beyond the base: 0 for the base itself.
+// Instructions beyond the base and their levels. Everything that is encoded for AVX and up begins with v;
+// what came with it for general registers follows.
+constexpr struct {
+  int level;
+  std::initializer_list<const char*> mnemonics;
+} beyondBase[] = {
+    {8, {"v*", "andn", "bextr", "bls*", "bzhi", "mulx", "pdep", "pext", "rorx", "sarx", "shlx", "shrx"}},
+    {8, {"lzcnt", "movbe", "xsave*", "rd[fg]sbase", "adcx", "adox"}},
+    {6, {"pcmp[ei]str[im]", "pcmpgtq", "crc32*", "popcnt*", "aes*", "pclmul*"}},
+    {5,
+     {"ptest", "pblend*", "blend*", "pminsb", "pmin[su]d", "pminuw", "pmaxsb", "pmax[su]d", "pmaxuw",
+      "pmov[sz]x*"}},
+    {5,
+     {"pmulld", "pmuldq", "pinsr[bdq]", "pextr[bdq]", "insertps", "extractps", "round[ps][sd]", "dpp[sd]"}},
+    {5, {"mpsadbw", "phminposuw", "packusdw", "pcmpeqq", "movntdqa"}},
+    {4, {"pshufb", "phadd*", "phsub*", "pabs[bwd]", "pmaddubsw", "pmulhrsw", "psign[bwd]", "palignr"}},
+    {3, {"lddqu", "movddup", "movs[hl]dup", "addsubp[sd]", "haddp[sd]", "hsubp[sd]", "fisttp*"}},
+};
 int levelOfMnemonic(const std::string& mnemonic) {
-  static const struct {
-    int level;
-    std::regex mnemonics;
-  } sets[] = {
-      // Everything that is encoded for AVX and up, and what came with it in general registers.
-      {8, std::regex(
-              "v(?!er[rw]$).*|andn|bextr|bls(i|r|msk)|mulx|pdep|pext|rorx|sarx|shlx|shrx|bzhi|lzcnt|movbe")},
-      {6, std::regex("pcmp[ei]str[im]|pcmpgtq|crc32.*|popcnt.*|aes.*|pclmul.*")},
-      {5, std::regex("ptest|p?blend.*|pmin(sb|sd|uw|ud)|pmax(sb|sd|uw|ud)|pmov[sz]x.*|pmulld|pmuldq|"
-                     "p(insr|extr)[bdq]|(insert|extract)ps|round[ps][sd]|dpp[sd]|mpsadbw|phminposuw|packusdw|"
-                     "pcmpeqq|movntdqa")},
-      {4, std::regex("pshufb|ph(add|sub)(w|d|sw)|pabs[bwd]|pmaddubsw|pmulhrsw|psign[bwd]|palignr")},
-      {3, std::regex("lddqu|mov(ddup|shdup|sldup)|(addsub|hadd|hsub)p[sd]|fisttp.*|monitor|mwait")},
-  };
-  for (const auto& set : sets) {
-    if (std::regex_match(mnemonic, set.mnemonics)) return set.level;
+  for (const auto& [level, patterns] : beyondBase) {
+    for (const char* pattern : patterns) {
+      if (fnmatch(pattern, mnemonic.c_str(), 0) == 0) return level;
+    }
   }
   return 0;
 }
 
 // The level that a function's name allows.
 int levelOfName(const std::string& function) {
-  if (std::regex_search(function, std::regex("^simd::.*_avx2\\("))) return 8;
-  if (std::regex_search(function, std::regex("^simd::.*_sse41\\("))) return 5;
-  if (std::regex_search(function, std::regex("^simd::.*_ssse3\\("))) return 4;
-  return 0;
+  const std::string name = function.substr(0, function.find('('));
+  if (!name.starts_with("simd::")) return 0;
+  if (name.ends_with("_avx2")) return 8;
+  if (name.ends_with("_sse41")) return 5;
+  return name.ends_with("_ssse3") ? 4 : 0;
 }
 
 TEST(Instructions, AboveTheBaseLevelStandInVersionsOfThatLevelOnly) {
