@@ -50,12 +50,13 @@ bool kAMBLE::holdsFrames() const {
 bool kAMBLE::learnBg_ncv(const std::uint8_t* frame, int width, int height, int channels) {
   if (preprocess_ncv(frame, width, height, channels) == 0) return false;
   const std::int32_t pixels = lm::wrapMul(width, height);
-  if (frmCount != 0 && (pixels > numPixel || !holdsFrames())) return false;
+  const bool sized = frmCount != 0;
+  if (sized && (pixels > numPixel || lm::wrapMul(szImgX, szImgY) != numPixel || !holdsFrames())) return false;
   estFrameRate();
   updateLock();
 
   bool learned = true;
-  if (frmCount == 0) {
+  if (!sized) {
     // Nothing is there on a first frame, unless an earlier attempt ran out of memory half-way.
     releaseModel();
     if (!initialization_ncv(width, height)) return false;
