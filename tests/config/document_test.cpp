@@ -135,8 +135,7 @@ TEST_F(Document, TextThatIsNotJsonIsReportedAndChangesNothing) {
   }
 }
 
-// ---- exceptions
-// ----------------------------------------------------------------------------------------------
+// ---- exceptions ---------------------------------------------------------------------------------
 
 TEST_F(Document, ASizeWithoutANumberThrows) {
   for (const std::string key : {"frmW", "frmH", "frmChn"}) {

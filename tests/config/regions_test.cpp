@@ -183,8 +183,7 @@ TEST_F(Regions, TextThatIsNotJsonLeavesBothListsSilently) {
   EXPECT_EQ(exclude_[0].name, "older");
 }
 
-// ---- from fractions to pixels
-// ----------------------------------------------------------------------------------
+// ---- from fractions to pixels -------------------------------------------------------------------
 
 struct Scaled {
   int size;
@@ -243,8 +242,7 @@ TEST_F(Regions, CoordinatesMayBeJsonNumbers) {
   EXPECT_EQ(firstVertex("1e-1", "123456"), (pnt{1, 12345600}));
 }
 
-// ---- exceptions
-// ----------------------------------------------------------------------------------------------
+// ---- exceptions ---------------------------------------------------------------------------------
 
 class Lists : public Regions, public ::testing::WithParamInterface<const char*> {
  protected:

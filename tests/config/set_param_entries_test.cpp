@@ -24,8 +24,7 @@ int widthAfter(const std::vector<std::string>& entries) {
   return engine.szImgX;
 }
 
-// ---- key and value
-// -------------------------------------------------------------------------------------------
+// ---- key and value ------------------------------------------------------------------------------
 
 TEST(Entries, AnyWhiteSpaceSeparatesKeyAndValue) {
   for (const std::string space : {" ", "  ", "\t", " \t\t ", "\n", "\r\n", "\v", "\f"}) {
@@ -124,8 +123,7 @@ TEST(Entries, WhiteSpaceOfAnyLengthIsSkipped) {
   EXPECT_EQ(widthAfter({space + "frmW" + space + "640" + space}), 640);
 }
 
-// ---- values that cannot be converted
-// --------------------------------------------------------------------------
+// ---- values that cannot be converted ------------------------------------------------------------
 
 const std::vector<std::string> wholeKeys = {"frmW",
                                             "frmH",

@@ -141,8 +141,8 @@ TEST_F(RegionMasks, ANewEngineAndAnEmptyParameterListStillCopyTheRegions) {
 
 TEST_F(RegionMasks, OneFrameSideWithoutTheOtherDrawsNothing) {
   include_ = {area("left", 0, 0, 3, 3)};
-  set({"frmW 8"});
-  set({"frmH -4"});
+  set({"frmW 8", "frmH -4"});
+  EXPECT_EQ(engine_.szImgY, 0);
   EXPECT_EQ(engine_.roiInclude.size(), 1U);
 }
 
@@ -209,8 +209,7 @@ TEST_F(RegionMasks, ABadValueAtFirstLeavesNoUsableMask) {
   EXPECT_EQ(engine_.roiInclude.size(), 1U);
 }
 
-// ---- frames of another size than the configuration's
-// ------------------------------------------------------------
+// ---- frames of another size than the configuration's --------------------------------------------
 
 TEST_F(RegionMasks, PixelsBeyondTheUsableMaskAreOutsideEveryRegion) {
   include_ = {area("all", 0, 0, 100, 100)};

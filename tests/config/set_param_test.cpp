@@ -227,8 +227,7 @@ TEST_F(SetParam, TheLastWriterOfAFieldWins) {
   }
 }
 
-// ---- automatic sensitivity
-// -------------------------------------------------------------------------------------
+// ---- automatic sensitivity ----------------------------------------------------------------------
 
 const LogCall autoLine{"/Kdbglog/.nera_motion_log/.md.log", 10485760, "enable AUTO sensitivity"};
 

@@ -7,6 +7,7 @@
 #include "plugin/entry_points.h"
 #include "plugin/instance.h"
 #include "tests/plugin/scene.h"
+#include "tests/support/by_name.h"
 #include "tests/support/capture.h"
 #include "tests/support/failing_alloc.h"
 
@@ -122,7 +123,7 @@ INSTANTIATE_TEST_SUITE_P(
                           R"("maxBoxW":"1","maxBoxH":"1","lifeStatic":"5","ror":[{"name":"a tree with)"
                           R"( a name that needs its own memory","points":[{"x":"5","y":"5"}]}])"),
               tinyColour}),
-    [](const auto& test) { return std::string(test.param.name); });
+    byName);
 
 TEST_P(FailingAllocations, OneAtATimeNeverCrashLeakOrEndTheDetector) {
   const Capture err(stderr);

@@ -2,6 +2,7 @@
 
 #include "engine/kamble.h"
 #include "tests/plugin/scene.h"
+#include "tests/support/by_name.h"
 #include "tests/support/capture.h"
 #include "tests/support/thrown.h"
 
@@ -15,8 +16,7 @@ std::string refusedSizes(int channels, int width, int height) {
          ",frmH:" + std::to_string(height) + "] \n";
 }
 
-// ---- construction and init
-// -------------------------------------------------------------------------------------
+// ---- construction and init ----------------------------------------------------------------------
 
 TEST(Detector, ANewDetectorIsEmptyAndHasNoEngine) {
   const lightMotion detector;
@@ -125,8 +125,6 @@ TEST_P(Refusals, SayWhyOnStandardOutputAndConfigureNothing) {
   EXPECT_EQ(detector.engine->roiMask, nullptr);
 }
 
-constexpr auto byRefusal = [](const auto& test) { return std::string(test.param.name); };
-
 INSTANTIATE_TEST_SUITE_P(
     Sizes, Refusals,
     ::testing::Values(
@@ -149,7 +147,7 @@ INSTANTIATE_TEST_SUITE_P(
                 refusedSizes(1, 64, 0)},
         Refusal{"SizesBeforeSettings", documentFor({64, 0, 1}, R"(,"sensitivity":"high")"),
                 refusedSizes(1, 64, 0)}),
-    byRefusal);
+    byName);
 
 INSTANTIATE_TEST_SUITE_P(
     NotJson, Refusals,
@@ -159,7 +157,7 @@ INSTANTIATE_TEST_SUITE_P(
                               "Error: json configuration is incorrect format \n" + refusedSizes(0, 0, 0)},
                       Refusal{"CutOff", R"({"frmW":"64","frmH":"32","frmChn":"1")",
                               "Error: json configuration is incorrect format \n" + refusedSizes(0, 0, 0)}),
-    byRefusal);
+    byName);
 
 std::string withRoi(const std::string& member) {
   return R"({"frmW":"64","frmH":"32","frmChn":"1")" + member + "}";
@@ -176,10 +174,9 @@ INSTANTIATE_TEST_SUITE_P(
                       Refusal{"OnlyExcluded", withRoi(R"(,"ror":[{"name":"tree"}])"), refusedRegions},
                       // Regions are judged before any setting is converted.
                       Refusal{"RegionsBeforeSettings", withRoi(R"(,"sensitivity":"high")"), refusedRegions}),
-    byRefusal);
+    byName);
 
-// ---- terminate
-// -----------------------------------------------------------------------------------------------
+// ---- terminate ----------------------------------------------------------------------------------
 
 TEST(Detector, TerminateReleasesEngineAndMaskAndKeepsTheResult) {
   lightMotion detector;

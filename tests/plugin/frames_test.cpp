@@ -129,8 +129,7 @@ TEST_F(Frames, ObjectsInsideAnExcludedRegionAreNotReported) {
   EXPECT_EQ(feed({block}), 0);
 }
 
-// ---- the mask copy
-// -------------------------------------------------------------------------------------------
+// ---- the mask copy ------------------------------------------------------------------------------
 
 TEST_F(Frames, TheMaskCopyIsMadeAtTheFirstFrameAlignedAndKept) {
   start();
@@ -156,8 +155,7 @@ TEST_F(Frames, ObjectExtractionWorksOnTheCopyAndLeavesTheEnginesMask) {
   EXPECT_EQ(marked(detector_.fgMaskCopy, 1), 14 * 10);  // three layers less on every side
 }
 
-// ---- frames that are refused
-// -----------------------------------------------------------------------------------
+// ---- frames that are refused --------------------------------------------------------------------
 
 TEST_F(Frames, AChannelCountRefusedBeforeAnyFrameWasAcceptedGivesNoBoxes) {
   for (const int channels : {2, 5}) {

@@ -37,8 +37,7 @@ std::string boxText(const std::string& x) {
   return R"({"height":0.125,"inRoi":[],"width":0.25,"x":)" + x + R"(,"y":0.5})";
 }
 
-// ---- form
-// ----------------------------------------------------------------------------------------------------
+// ---- form ---------------------------------------------------------------------------------------
 
 TEST(Result, IsOneLineWithSortedKeysNoBlanksAndALineFeed) {
   const boxRect box{0.15625F, 0.125F, 0.0625F, 0.75F, {}};
@@ -95,8 +94,7 @@ TEST(Result, TimestampsArriveUnchangedWhateverTheyHold) {
   }
 }
 
-// ---- numbers
-// -------------------------------------------------------------------------------------------------
+// ---- numbers ------------------------------------------------------------------------------------
 
 TEST(Result, NumbersAreWrittenAsJsoncppWritesDoubles) {
   const std::vector<std::pair<float, const char*>> cases = {
@@ -142,8 +140,7 @@ TEST(Result, WhenEveryBoxIsLeftOutTheObjectIsNullAndTheHostStillFetchesADocument
   EXPECT_EQ(textOf({boxAt(nan), boxAt(nan)}), "{\"object\":null,\"timestamp\":\"7\"}\n");
 }
 
-// ---- names
-// ---------------------------------------------------------------------------------------------------
+// ---- names --------------------------------------------------------------------------------------
 
 TEST(Result, ABoxTouchingNoRegionHasAnEmptyList) {
   EXPECT_EQ(textOf({boxAt(0.5F)}), resultOf(boxText("0.5"), "7"));

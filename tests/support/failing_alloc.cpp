@@ -109,8 +109,7 @@ std::int64_t FailingAlloc::live() const { return counters.live; }
 
 using namespace lm::test;
 
-// ---- the replaced functions, under their names in the object files
-// --------------------------------------------
+// ---- the replaced functions, under their names in the object files ------------------------------
 
 void* operator new(std::size_t size) {
   static auto* const next = original<void*(std::size_t)>("_Znwm");
