@@ -19,12 +19,12 @@ using scene::Walker;
 // From the back of the picture to its front: these, the lamp, the walker at the kerb, the car, the walker on
 // the road.
 constexpr Walker kBehindLamp[] = {
-    {150, 680, -40, 212, 88, 34, {58, 66, 150}, {84, 62, 48}, {40, 58, 88}},
-    {50, -40, 680, 226, 93, 43, {128, 84, 44}, {58, 52, 48}, {24, 26, 30}},
-    {92, 680, -40, 244, 99, 50, {66, 118, 66}, {112, 84, 62}, {70, 120, 164}},
+    {150, 680, -40, 209, 88, 34, {176, 186, 120}, {52, 40, 36}, {40, 58, 88}},
+    {50, -40, 680, 220, 93, 43, {128, 84, 44}, {58, 52, 48}, {24, 26, 30}},
+    {92, 680, -40, 231, 98, 50, {66, 118, 66}, {64, 38, 26}, {70, 120, 164}},
 };
 constexpr Walker kAtKerb = {335, 680, -40, 260, 101, 76, {52, 152, 214}, {44, 42, 42}, {26, 34, 52}};
-constexpr Walker kOnRoad = {245, -50, 690, 350, 124, 62, {168, 160, 152}, {100, 66, 40}, {30, 44, 70}};
+constexpr Walker kOnRoad = {245, -50, 690, 356, 124, 62, {62, 48, 172}, {150, 172, 186}, {30, 44, 70}};
 
 // Bell-shaped, from -6 to 6, with a standard deviation near 2.4, as a small camera has in the evening.
 std::vector<std::int8_t> make_noise() {

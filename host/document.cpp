@@ -22,6 +22,7 @@ std::string first_error(const std::string& report) {
 
 Json::Value parse(const std::string& text) {
   Json::CharReaderBuilder settings;
+  settings["collectComments"] = false;
   settings["failIfExtra"] = true;
   const std::unique_ptr<Json::CharReader> reader(settings.newCharReader());
   Json::Value root;
@@ -69,7 +70,7 @@ Json::Value whole_frame() {
 }  // namespace
 
 std::string default_document() {
-  return R"({"sensitivity": "3", "lcAdap": "3", "minBoxW": "0.02", "minBoxH": "0.05"})";
+  return R"({"sensitivity": "4", "lcAdap": "3", "minBoxW": "0.02", "minBoxH": "0.05"})";
 }
 
 std::string complete_document(const std::string& text, cv::Size frame) {

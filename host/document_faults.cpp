@@ -40,8 +40,8 @@ std::string faulty_scalar(const Json::Value& root) {
   for (const auto& [key, kind] : kSettings) {
     const Json::Value& value = root[key];
     if (value.isString() && !converts(value.asString(), kind)) {
-      return quoted(key) + " is " + quoted(value.asString()) + ", which is no " +
-             (kind == kWhole ? "whole number" : "number") + " that it can hold";
+      return quoted(key) + " must be a " + (kind == kWhole ? "whole " : "") + "number, not " +
+             quoted(value.asString());
     }
   }
   return "";
@@ -52,23 +52,18 @@ std::string faulty_point(const Json::Value& point) {
   for (const char* axis : {"x", "y"}) {
     const Json::Value& value = point[axis];
     if (!value.isConvertibleTo(Json::stringValue) || !converts(value.asString(), kFraction)) {
-      return std::string("a point without a number for ") + quoted(axis);
+      return std::string("a point whose ") + quoted(axis) + " is no number";
     }
   }
   return "";
 }
 
-std::string faulty_region(const Json::Value& root) {
-  for (const char* list : {"roi", "ror"}) {
-    if (!root[list].isArray()) continue;
-    for (const Json::Value& region : root[list]) {
-      if (!region.isObject()) return quoted(list) + " holds a region that is no JSON object";
-      if (!region["points"].isArray()) continue;
-      for (const Json::Value& point : region["points"]) {
-        const std::string fault = faulty_point(point);
-        if (!fault.empty()) return quoted(list) + " holds " + fault;
-      }
-    }
+std::string faulty_region(const Json::Value& region) {
+  if (!region.isObject()) return "a region that is no JSON object";
+  if (!region["points"].isArray()) return "";
+  for (const Json::Value& point : region["points"]) {
+    const std::string fault = faulty_point(point);
+    if (!fault.empty()) return fault;
   }
   return "";
 }
@@ -77,8 +72,15 @@ std::string faulty_region(const Json::Value& root) {
 
 std::string faulty_setting(const std::string& document) {
   const Json::Value root = parse(document);
-  const std::string scalar = faulty_scalar(root);
-  return scalar.empty() ? faulty_region(root) : scalar;
+  std::string fault = faulty_scalar(root);
+  for (const char* list : {"roi", "ror"}) {
+    if (!fault.empty() || !root[list].isArray()) continue;
+    for (const Json::Value& region : root[list]) {
+      if (fault.empty()) fault = faulty_region(region);
+    }
+    if (!fault.empty()) fault = quoted(list) + " holds " + fault;
+  }
+  return fault;
 }
 
 std::vector<std::string> ignored_settings(const std::string& document) {
@@ -86,7 +88,7 @@ std::vector<std::string> ignored_settings(const std::string& document) {
   std::vector<std::string> ignored;
   for (const auto& [key, kind] : kSettings) {
     if (root.isMember(key) && !root[key].isString()) {
-      ignored.push_back(quoted(key) + " has no effect: its value must be a text, such as \"5\"");
+      ignored.push_back(quoted(key) + " has no effect, because its value is no text such as \"5\"");
     }
   }
   return ignored;

@@ -6,7 +6,7 @@
 
 namespace lm::host {
 
-// The first setting that the plug-in cannot convert, such as `"minBoxW" is "wide", which is no number`; empty
+// The first setting that the plug-in cannot convert, such as `"minBoxW" must be a number, not "wide"`; empty
 // when all can be converted. `document`: a JSON object.
 std::string faulty_setting(const std::string& document);
 

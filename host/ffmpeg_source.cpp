@@ -62,7 +62,9 @@ std::optional<Time> stated_duration(const AVFormatContext& input, const AVStream
 
 }  // namespace
 
-bool is_camera(const std::string& name) { return name.starts_with("/dev/video"); }
+bool is_camera(const std::string& name) {
+  return name.starts_with("/dev/video") || name.starts_with("/dev/v4l/");
+}
 
 FfmpegSource::FfmpegSource(const std::string& name) {
   info_.name = name;
@@ -84,7 +86,9 @@ void FfmpegSource::open_input() {
   const AVInputFormat* format = is_camera(info_.name) ? av_find_input_format("v4l2") : nullptr;
   const int opened = avformat_open_input(&input, address_of(info_.name).c_str(), format, &settings);
   av_dict_free(&settings);
-  if (opened < 0) fail(info_.name, av::error_text(opened));  // the context is gone already
+  // The context is gone already when opening failed.
+  if (opened == AVERROR_INVALIDDATA) fail(info_.name, "not a video, or one too damaged to be read");
+  if (opened < 0) fail(info_.name, av::error_text(opened));
   input_.reset(input);
   if (const int found = avformat_find_stream_info(input, nullptr); found < 0) {
     fail(info_.name, av::error_text(found));

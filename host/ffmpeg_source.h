@@ -11,7 +11,7 @@
 
 namespace lm::host {
 
-// "/dev/video0" and the like.
+// "/dev/video0", "/dev/v4l/by-id/..." and the like.
 bool is_camera(const std::string& name);
 
 class FfmpegSource : public Source {

@@ -3,8 +3,9 @@
 
 namespace lm::host {
 
-// From now on the first SIGINT, SIGTERM or SIGHUP is remembered, and a second one ends the program at once. A
-// closed pipe becomes a write error.
+// From now on the first SIGINT, SIGTERM or SIGHUP is remembered, and a second one ends the program at once;
+// those that were ignored before (nohup) stay so. A closed pipe and a file that may not grow further become
+// write errors.
 void watch_for_interrupts();
 
 // The number of the signal that asked the program to stop, or 0.

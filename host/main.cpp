@@ -7,9 +7,11 @@
 #include "host/options.h"
 #include "host/plugin_log.h"
 #include "host/run.h"
+#include "host/standard_streams.h"
 
 int main(int argc, char** argv) {
   using namespace lm::host;
+  occupy_standard_streams();
   try {
     const Command command = parse_command_line({argv + 1, argv + argc});
     if (!command.options) {
@@ -21,7 +23,7 @@ int main(int argc, char** argv) {
     return run(*command.options);
   } catch (const Failure& failure) {
     std::fprintf(stderr, "lightmotion: %s\n", failure.what());
-    return failure.status();
+    return interrupted() != 0 ? 128 + interrupted() : failure.status();
   } catch (const std::exception& error) {
     std::fprintf(stderr, "lightmotion: %s\n", error.what());
     return kTrouble;

@@ -49,28 +49,23 @@ std::string conflict(const Options& options) {
   return "";
 }
 
-CLI::App* add_run(CLI::App& app, Options& options) {
+void add_run(CLI::App& app, Options& options) {
   CLI::App* run = app.add_subcommand("run", "Find what moves in a video");
-  run->add_option("SOURCE", options.source,
-                  "Video file, stream address (rtsp://, http://, ...) or camera (/dev/video0); the built-in "
-                  "scene when left out");
-  run->add_option("-c,--config", options.config, "Configuration document (JSON)")->type_name("FILE");
-  run->add_option("-o,--output", options.results, "Write the result lines here instead of to standard output")
-      ->type_name("FILE");
-  run->add_option("-a,--annotate", options.annotate,
-                  "Write the video with the boxes drawn (.mp4, .mkv or .mov)")
-      ->type_name("FILE")
+  const auto add = [run](const char* name, std::string& value, const char* kind, const char* help) {
+    return run->add_option(name, value, help)->type_name(kind);
+  };
+  add("SOURCE", options.source, "",
+      "Video file, stream address or camera (/dev/video0);\nthe built-in scene when left out");
+  add("-c,--config", options.config, "FILE", "Configuration document (JSON)");
+  add("-o,--output", options.results, "FILE", "Result lines go here, not to standard output");
+  add("-a,--annotate", options.annotate, "FILE", "Video with the boxes drawn (.mp4, .mkv or .mov)")
       ->check([](const std::string& file) {
         return video_format(file) ? "" : "must end in .mp4, .mkv or .mov, not " + file;
       });
-  run->add_option("--plugin", options.plugin,
-                  "The plug-in, when it is not beside the program or in its lib folder")
-      ->type_name("PATH");
-  auto* quiet = run->add_flag("-q,--quiet", options.quiet, "No progress bar and no summary");
-  run->add_flag("-v,--verbose", options.verbose, "Show what the plug-in and the decoder log")
-      ->excludes(quiet);
+  add("--plugin", options.plugin, "PATH", "The plug-in, when it is not in its usual place");
+  run->add_flag("-q,--quiet", options.quiet, "No progress bar and no summary");
+  run->add_flag("-v,--verbose", options.verbose, "Show what the plug-in and the decoder log");
   run->footer(std::string(kExamples) + kStatuses);
-  return run;
 }
 
 Command refusal(const std::string& text) {

@@ -3,8 +3,9 @@
 namespace lm::host {
 namespace {
 
-// The same bytes on every processor, and not the fast paths that leave out the last columns of odd widths.
-constexpr int kScaling = SWS_BICUBIC | SWS_ACCURATE_RND | SWS_BITEXACT;
+// The converters for pictures of unchanged size work in blocks of 8 pixels and leave out the last columns
+// where a row has no room for a whole block.
+cv::Size with_room(cv::Size size) { return {(size.width + 15) / 16 * 16, size.height}; }
 
 // Tells the scaler what the picture says about its colours; where the picture is silent, the format decides.
 void state_colours(SwsContext& scaler, const AVFrame& picture) {
@@ -22,7 +23,9 @@ void state_colours(SwsContext& scaler, const AVFrame& picture) {
 }  // namespace
 
 PictureConverter::PictureConverter(cv::Size size, int quarter_turns)
-    : size_(size), quarter_turns_(quarter_turns), padded_(av::new_picture(size, AV_PIX_FMT_BGR24)) {}
+    : size_(size),
+      quarter_turns_(quarter_turns),
+      padded_(av::new_picture(with_room(size), AV_PIX_FMT_BGR24)) {}
 
 cv::Size PictureConverter::size() const {
   return quarter_turns_ % 2 == 0 ? size_ : cv::Size(size_.height, size_.width);
@@ -32,7 +35,7 @@ bool PictureConverter::prepare(const AVFrame& picture) {
   const Shape shape{picture.width, picture.height, picture.format, picture.colorspace, picture.color_range};
   if (scaler_ && shape == shape_) return true;
   scaler_.reset(sws_getContext(shape.width, shape.height, static_cast<AVPixelFormat>(shape.format),
-                               size_.width, size_.height, AV_PIX_FMT_BGR24, kScaling, nullptr, nullptr,
+                               size_.width, size_.height, AV_PIX_FMT_BGR24, SWS_BILINEAR, nullptr, nullptr,
                                nullptr));
   if (!scaler_) return false;
   shape_ = shape;
@@ -45,7 +48,7 @@ cv::Mat PictureConverter::convert(const AVFrame& picture) {
   if (!prepare(picture)) return image;
   sws_scale(scaler_.get(), picture.data, picture.linesize, 0, picture.height, padded_->data,
             padded_->linesize);
-  const cv::Mat upright = av::view(*padded_);
+  const cv::Mat upright = av::view(*padded_)(cv::Rect({0, 0}, size_));
   if (quarter_turns_ == 0) {
     upright.copyTo(image);
   } else {

@@ -7,8 +7,8 @@
 #include <filesystem>
 #include <vector>
 
-#include "host/captured_stream.h"
 #include "host/failure.h"
+#include "host/standard_streams.h"
 
 namespace lm::host {
 namespace {

@@ -9,7 +9,6 @@
 #include <system_error>
 
 #include "host/annotator.h"
-#include "host/captured_stream.h"
 #include "host/document.h"
 #include "host/document_faults.h"
 #include "host/interrupt.h"
@@ -18,6 +17,7 @@
 #include "host/progress.h"
 #include "host/result_line.h"
 #include "host/source.h"
+#include "host/standard_streams.h"
 #include "host/summary.h"
 
 extern "C" {

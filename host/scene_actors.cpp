@@ -45,8 +45,8 @@ class Body {
     const Colour cloth = shaded(walker_.trousers, light);
     canvas_.limb(ankle + Spot{0, part(12)}, ankle + Spot{facing_ * part(75), part(22)}, part(26), part(18),
                  shaded(kShoes, light));
-    canvas_.limb(knee, ankle, part(46), part(32), cloth);
-    canvas_.limb(hip, knee, part(66), part(46), cloth);
+    canvas_.limb(knee, ankle, part(52), part(38), cloth);
+    canvas_.limb(hip, knee, part(72), part(52), cloth);
   }
 
   void arm(Spot shoulder, int phase, int light) {
@@ -77,7 +77,7 @@ constexpr int kCarFirstFrame = 112;
 constexpr int kCarDrive = 96;                       // frames until it stands
 constexpr int kCarWay = 520;                        // pixels
 constexpr int kCarPlace = 250;                      // where its middle comes to rest
-constexpr int kCarGround = 312;                     // the row that the wheels stand on
+constexpr int kCarGround = 326;                     // the row that the wheels stand on
 constexpr int kWheel = 17;                          // radius in pixels
 constexpr int kWheelTurn = 2 * kWheel * 355 / 113;  // pixels a turn
 

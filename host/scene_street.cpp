@@ -41,7 +41,7 @@ Colour ground(int x, int y) {
   if (y < kPavementTop) return shaded(brick(x, y), 286 - y / 4);
   if (y < kKerbTop) return paving(x, y);
   if (y < kRoadTop) return x % 60 == 0 ? Colour{110, 112, 112} : Colour{150, 152, 150};
-  const bool line = y >= 326 && y < 332 && (x + 20) % 110 < 60;
+  const bool line = y >= 344 && y < 350 && (x + 20) % 110 < 60;
   return line ? Colour{150, 160, 162} : Colour{76, 74, 72};
 }
 
@@ -167,8 +167,9 @@ cv::Mat lamp_light() {
       const bool above = dy < 0;
       // A glow around the lamp and a wide pool below it.
       const int glow = 150 * 900 / (900 + dx * dx + dy * dy * (above ? 6 : 1));
-      const int pool = above ? 0 : std::max(0, 230 - dx * dx * 230 / (60 + dy * 9 / 10) / (60 + dy * 9 / 10));
-      const int gain = glow + pool * std::max(0, 330 - dy) / 330;
+      const int reach = 40 + dy * 5 / 12;
+      const int pool = above ? 0 : std::max(0, 200 - dx * dx * 200 / (reach * reach));
+      const int gain = glow + pool * std::max(0, 250 - dy) / 250;
       light.at<cv::Vec3w>(y, x) =
           cv::Vec3w(static_cast<std::uint16_t>(256 + gain * 5 / 10),
                     static_cast<std::uint16_t>(256 + gain * 8 / 10), static_cast<std::uint16_t>(256 + gain));

@@ -1,11 +1,19 @@
-#include "host/captured_stream.h"
+#include "host/standard_streams.h"
 
+#include <fcntl.h>
 #include <sys/mman.h>
 #include <unistd.h>
 
 #include <array>
 
 namespace lm::host {
+
+void occupy_standard_streams() {
+  int file = 0;
+  // Reading mode, so that what is written to them still fails.
+  while (file >= 0 && file <= STDERR_FILENO) file = open("/dev/null", O_RDONLY);
+  if (file >= 0) close(file);
+}
 
 CapturedStream::CapturedStream(std::FILE* stream) : stream_(stream) {
   std::fflush(stream_);

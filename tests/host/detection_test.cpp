@@ -1,0 +1,104 @@
+// The program with the real plug-in.
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <opencv2/imgproc.hpp>
+
+#include "host/builtin_scene.h"
+#include "host/result_line.h"
+#include "tests/host/clips.h"
+#include "tests/host/program.h"
+
+namespace {
+
+using namespace lm::host;
+using program::Folder;
+using program::Outcome;
+
+Outcome run_real(std::vector<std::string> arguments) {
+  arguments.insert(arguments.begin(), {"run", "--plugin", LIGHTMOTION_PLUGIN});
+  return program::run(arguments);
+}
+
+// Writes the first frames of a source, in another size.
+void copy(Source& source, int count, cv::Size size, const std::string& file) {
+  std::vector<cv::Mat> images;
+  clips::Times times;
+  for (Frame frame; static_cast<int>(images.size()) < count && source.next(frame);) {
+    cv::resize(frame.image, images.emplace_back(), size, 0, 0, cv::INTER_AREA);
+    times.push_back(frame.time);
+  }
+  clips::write(file, images, times);
+}
+
+bool covered(const std::string& line, cv::Point2d place) {
+  for (const cv::Rect2d& box : boxes_of(line)) {
+    if (box.contains(place)) return true;
+  }
+  return false;
+}
+
+std::string line_of_frame(const std::string& output, int frame) {
+  for (const std::string& line : program::lines(output)) {
+    if (line.starts_with("{\"frame\":" + std::to_string(frame) + ",")) return line;
+  }
+  return "";
+}
+
+TEST(Detection, FindsTheWalkerOfTheBuiltinSceneAndNothingBeforeTheSameEveryTime) {
+  const Folder folder;
+  BuiltinScene scene;
+  copy(scene, 90, {320, 180}, folder / "a.mp4");
+  const Outcome outcome = run_real({folder / "a.mp4", "--quiet"});
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_EQ(outcome.errors, "");
+  const auto lines = program::lines(outcome.output);
+  ASSERT_GT(lines.size(), 10U);
+  EXPECT_EQ(line_of_frame(outcome.output, 49), "") << "two seconds without motion";
+  // Frame 88: the walker has come 38 steps of 43/16 pixels from column -40, to column 62 of 640; his coat is
+  // near row 160 of 360.
+  EXPECT_TRUE(covered(line_of_frame(outcome.output, 88), {62 / 640.0, 160 / 360.0})) << outcome.output;
+  EXPECT_EQ(run_real({folder / "a.mp4", "--quiet"}).output, outcome.output);
+}
+
+TEST(Detection, RefusesADocumentInOneLine) {
+  const Folder folder;
+  program::write(folder / "c.json", R"({"roi": []})");
+  const Outcome outcome = run_real({"-c", folder / "c.json"});
+  EXPECT_EQ(outcome.status, 2);
+  EXPECT_EQ(outcome.output, "");
+  EXPECT_EQ(outcome.errors, "lightmotion: " + (folder / "c.json") +
+                                ": the plug-in refuses it: Error: region of interest is empty!\n");
+}
+
+TEST(Detection, ShowsTheLogLineOfAutomaticSensitivityWhenVerbose) {
+  const Folder folder;
+  clips::write(folder / "a.mp4", {32, 32}, clips::regular(2, std::chrono::milliseconds(40)));
+  program::write(folder / "c.json", R"({"sensitivity": "-1"})");
+  const Outcome outcome = run_real({folder / "a.mp4", "-c", folder / "c.json", "-v"});
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_NE(outcome.errors.find("lightmotion: plug-in: enable AUTO sensitivity\n"), std::string::npos);
+}
+
+// An empty document is refused only after the plug-in has been loaded.
+TEST(Detection, PluginIsFoundByTheProgramBesideItself) {
+  EXPECT_TRUE(
+      program::run({"run", "-c", "/dev/null"}).errors.starts_with("lightmotion: /dev/null: not JSON"));
+}
+
+// Places read off the pictures: six seconds in, a man walks on the road on the right, three stand by the lamp
+// post.
+TEST(Detection, SurroundsThePeopleOfTheStreetClip) {
+  const char* clips_folder = std::getenv("LIGHTMOTION_CLIPS");
+  if (clips_folder == nullptr) GTEST_SKIP() << "LIGHTMOTION_CLIPS names no folder with street.avi";
+  const Folder folder;
+  copy(*open_source(std::string(clips_folder) + "/street.avi"), 61, {768, 576}, folder / "a.mp4");
+  const Outcome outcome = run_real({folder / "a.mp4", "--quiet"});
+  EXPECT_EQ(outcome.status, 0);
+  const std::string line = line_of_frame(outcome.output, 60);
+  EXPECT_TRUE(covered(line, {0.828, 0.49})) << line;
+  EXPECT_TRUE(covered(line, {0.505, 0.385})) << line;
+  EXPECT_FALSE(covered(line, {0.25, 0.75})) << "nobody is on the lawn";
+}
+
+}  // namespace

@@ -1,0 +1,145 @@
+#include "host/document.h"
+
+#include <gtest/gtest.h>
+#include <json/json.h>
+
+#include <sstream>
+#include <stdexcept>
+
+#include "host/document_faults.h"
+
+namespace {
+
+using namespace lm::host;
+
+Json::Value completed(const std::string& text, cv::Size frame = {640, 360}) {
+  Json::Value document;
+  std::istringstream(complete_document(text, frame)) >> document;
+  return document;
+}
+
+std::string refusal(const std::string& text) {
+  try {
+    complete_document(text, {640, 360});
+    return "accepted";
+  } catch (const std::invalid_argument& error) {
+    return error.what();
+  }
+}
+
+TEST(Document, TakesSizesThatAreLeftOutFromTheSourceAsTexts) {
+  const Json::Value document = completed("{}");
+  EXPECT_EQ(document["frmW"], Json::Value("640"));
+  EXPECT_EQ(document["frmH"], Json::Value("360"));
+  EXPECT_EQ(document["frmChn"], Json::Value("3"));
+}
+
+TEST(Document, KeepsSizesThatFitAsTheyAreWritten) {
+  EXPECT_EQ(completed(R"({"frmW": " 640px"})")["frmW"], Json::Value(" 640px"));
+}
+
+TEST(Document, TurnsSizesGivenAsNumbersIntoTexts) {
+  EXPECT_EQ(completed(R"({"frmH": 360})")["frmH"], Json::Value("360"));
+}
+
+TEST(Document, RefusesSizesThatDoNotFitTheSource) {
+  EXPECT_EQ(refusal(R"({"frmW": "641"})"), "\"frmW\" is 641 but the source's frames have 640");
+  EXPECT_EQ(refusal(R"({"frmH": 361})"), "\"frmH\" is 361 but the source's frames have 360");
+  EXPECT_EQ(refusal(R"({"frmChn": "1"})"), "\"frmChn\" is 1 but the source's frames have 3");
+}
+
+TEST(Document, LeavesASizeThatHoldsNoNumberForThePluginToRefuse) {
+  EXPECT_EQ(completed(R"({"frmW": "wide"})")["frmW"], Json::Value("wide"));
+}
+
+// The plug-in takes a point for inside when an odd number of the region's edges lies at or to the right of it
+// in its row, an edge reaching from its upper end's row to the row before its lower end's. Every pixel of the
+// frame has to pass, in column 0 and in the last row too, and at any size.
+TEST(Document, CoversTheWholeFrameWhereNoRegionIsGiven) {
+  const Json::Value points = completed("{}")["roi"][0]["points"];
+  for (const cv::Size size : {cv::Size(1, 1), cv::Size(3, 2), cv::Size(640, 360)}) {
+    for (const cv::Point pixel :
+         {cv::Point(0, 0), cv::Point(size.width - 1, 0), cv::Point(0, size.height - 1),
+          cv::Point(size.width - 1, size.height - 1)}) {
+      int edges = 0;
+      for (Json::ArrayIndex i = 0; i < points.size(); ++i) {
+        const Json::Value& a = points[i];
+        const Json::Value& b = points[(i + 1) % points.size()];
+        const int ax = static_cast<int>(static_cast<float>(size.width) * std::stof(a["x"].asString()));
+        const int ay = static_cast<int>(static_cast<float>(size.height) * std::stof(a["y"].asString()));
+        const int bx = static_cast<int>(static_cast<float>(size.width) * std::stof(b["x"].asString()));
+        const int by = static_cast<int>(static_cast<float>(size.height) * std::stof(b["y"].asString()));
+        if (ay == by) continue;
+        ASSERT_EQ(ax, bx) << "a rectangle's other edges are upright";
+        edges += std::min(ay, by) <= pixel.y && pixel.y < std::max(ay, by) && ax >= pixel.x ? 1 : 0;
+      }
+      EXPECT_EQ(edges % 2, 1) << pixel << " of " << size;
+    }
+  }
+}
+
+TEST(Document, KeepsGivenRegionsAndAllOtherMembers) {
+  const Json::Value document =
+      completed(R"({"roi": [], "ror": 7, "sensitivity": "5", "note": {"a": [1, null]}})");
+  EXPECT_EQ(document["roi"], Json::Value(Json::arrayValue));
+  EXPECT_EQ(document["ror"], Json::Value(7));
+  EXPECT_EQ(document["sensitivity"], Json::Value("5"));
+  EXPECT_EQ(document["note"]["a"][0], Json::Value(1));
+}
+
+TEST(Document, AcceptsComments) {
+  EXPECT_EQ(completed("// mine\n{\"lcAdap\": \"2\"}")["lcAdap"], Json::Value("2"));
+}
+
+TEST(Document, SaysInOneLineWhereTheTextStopsBeingJson) {
+  const std::string text = refusal("{\"sensitivity\": \"5\",\n \"lcAdap\" \"2\"}");
+  EXPECT_TRUE(text.starts_with("not JSON: Line 2, Column 11: ")) << text;
+  EXPECT_EQ(text.find('\n'), std::string::npos);
+}
+
+TEST(Document, RefusesTextAfterItsEnd) { EXPECT_TRUE(refusal("{} {}").starts_with("not JSON")); }
+TEST(Document, RefusesAnEmptyFile) { EXPECT_TRUE(refusal("").starts_with("not JSON")); }
+
+TEST(Document, RefusesJsonThatIsNoObject) {
+  for (const char* text : {"[]", "5", "\"text\"", "null"})
+    EXPECT_EQ(refusal(text), "not a JSON object") << text;
+}
+
+TEST(Document, TheDefaultIsCompleteAndWithoutFaults) {
+  const std::string document = complete_document(default_document(), {640, 360});
+  EXPECT_EQ(faulty_setting(document), "");
+  EXPECT_TRUE(ignored_settings(document).empty());
+}
+
+struct FaultCase {
+  const char* document;
+  const char* fault;
+};
+
+class DocumentFault : public testing::TestWithParam<FaultCase> {};
+
+TEST_P(DocumentFault, IsNamed) { EXPECT_EQ(faulty_setting(GetParam().document), GetParam().fault); }
+
+INSTANTIATE_TEST_SUITE_P(
+    All, DocumentFault,
+    testing::Values(
+        FaultCase{R"({})", ""}, FaultCase{R"({"sensitivity": "5", "minBoxW": ".5", "maxBoxW": "any"})", ""},
+        FaultCase{R"({"sensitivity": "high"})", R"("sensitivity" must be a whole number, not "high")"},
+        FaultCase{R"({"lcAdap": "99999999999"})", R"("lcAdap" must be a whole number, not "99999999999")"},
+        FaultCase{R"({"minBoxH": "wide"})", R"("minBoxH" must be a number, not "wide")"},
+        FaultCase{R"({"roi": [3]})", R"("roi" holds a region that is no JSON object)"},
+        FaultCase{R"({"roi": [{"points": [3]}]})", R"("roi" holds a point that is no JSON object)"},
+        FaultCase{R"({"ror": [{}, {"points": [{"x": 0, "y": "a"}]}]})",
+                  R"("ror" holds a point whose "y" is no number)"},
+        FaultCase{R"({"ror": [{"points": [{"y": "1"}]}]})", R"("ror" holds a point whose "x" is no number)"},
+        FaultCase{R"({"roi": [{"points": [{"x": [], "y": "1"}]}]})",
+                  R"("roi" holds a point whose "x" is no number)"}));
+
+TEST(Document, TellsWhichSettingsThePluginPassesOver) {
+  const auto ignored = ignored_settings(R"({"sensitivity": 5, "lcAdap": "2", "minBoxW": null, "mine": 3})");
+  ASSERT_EQ(ignored.size(), 2U);
+  EXPECT_TRUE(ignored[0].starts_with("\"sensitivity\" has no effect"));
+  EXPECT_TRUE(ignored[1].starts_with("\"minBoxW\" has no effect"));
+}
+
+}  // namespace

@@ -1,0 +1,48 @@
+#include "host/frame_clock.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using lm::host::FrameClock;
+using namespace std::chrono_literals;
+
+TEST(FrameClock, CountsFromTheFirstFrame) {
+  FrameClock clock(40ms);
+  EXPECT_EQ(clock.next(1'400ms), 0ms);
+  EXPECT_EQ(clock.next(1'440ms), 40ms);
+}
+
+TEST(FrameClock, KeepsUnevenTimes) {
+  FrameClock clock(40ms);
+  clock.next(0ms);
+  EXPECT_EQ(clock.next(33'367us), 33'367us);
+  EXPECT_EQ(clock.next(9s), 9s);
+}
+
+TEST(FrameClock, PutsAFrameWithoutTimeOneIntervalLater) {
+  FrameClock clock(40ms);
+  EXPECT_EQ(clock.next(std::nullopt), 0ms);
+  EXPECT_EQ(clock.next(std::nullopt), 40ms);
+  EXPECT_EQ(clock.next(100ms), 80ms) << "the first stated time belongs to where the count has come";
+  EXPECT_EQ(clock.next(140ms), 120ms);
+}
+
+TEST(FrameClock, MovesOnByAMillisecondWhenTimeStandsStillOrStepsBack) {
+  FrameClock clock(40ms);
+  clock.next(0ms);
+  clock.next(500ms);
+  EXPECT_EQ(clock.next(500ms), 501ms);
+  EXPECT_EQ(clock.next(480ms), 502ms);
+  EXPECT_EQ(clock.next(540ms), 540ms) << "later frames keep their times";
+}
+
+TEST(FrameClock, GoesOnAfterAJumpBack) {
+  FrameClock clock(40ms);
+  clock.next(10s);
+  clock.next(15s);
+  EXPECT_EQ(clock.next(2s), 5'040ms);
+  EXPECT_EQ(clock.next(2'100ms), 5'140ms);
+}
+
+}  // namespace

@@ -1,0 +1,107 @@
+#include "host/plugin.h"
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include "host/failure.h"
+#include "host/standard_streams.h"
+#include "tests/host/program.h"
+
+namespace {
+
+using namespace lm::host;
+using program::Folder;
+
+constexpr const char* kName = "liblightmotion.so.1";
+
+template <typename Call>
+std::string refusal(Call call) {
+  try {
+    call();
+    return "no failure";
+  } catch (const Failure& failure) {
+    EXPECT_EQ(failure.status(), kRefused);
+    return failure.what();
+  }
+}
+
+TEST(FindPlugin, TakesThePathThatIsGiven) { EXPECT_EQ(find_plugin("x/y.so", "/nowhere"), "x/y.so"); }
+
+TEST(FindPlugin, PrefersTheProgramsOwnFolderThenTheLibFolders) {
+  const Folder folder;
+  for (const char* name : {"bin", "lib", "lib/x86_64-linux-gnu"})
+    std::filesystem::create_directory(folder / name);
+  const auto found = [&] {
+    return std::filesystem::path(find_plugin("", folder / "bin")).lexically_relative(folder / ".");
+  };
+  program::write(folder / (std::string("lib/x86_64-linux-gnu/") + kName), "");
+  EXPECT_EQ(found(), std::string("lib/x86_64-linux-gnu/") + kName);
+  program::write(folder / (std::string("lib/") + kName), "");
+  EXPECT_EQ(found(), std::string("lib/") + kName);
+  program::write(folder / (std::string("bin/") + kName), "");
+  EXPECT_EQ(found(), std::string("bin/") + kName);
+}
+
+TEST(FindPlugin, SaysWhereItLooked) {
+  const std::string text = refusal([] { find_plugin("", "/nowhere/bin"); });
+  EXPECT_NE(text.find("/nowhere/bin, /nowhere/lib, /nowhere/lib/"), std::string::npos) << text;
+}
+
+TEST(Plugin, NamesAFileThatCannotBeLoaded) {
+  const Folder folder;
+  program::write(folder / "a.so", "no library");
+  EXPECT_NE(refusal([&] { Plugin plugin(folder / "a.so"); }).find(folder / "a.so"), std::string::npos);
+  EXPECT_NE(refusal([&] { Plugin plugin(folder / "none.so"); }).find(folder / "none.so"), std::string::npos);
+}
+
+TEST(Plugin, NamesTheEntryPointThatALibraryLacks) {
+  const std::string text = refusal([] { Plugin plugin("/lib/x86_64-linux-gnu/libm.so.6"); });
+  EXPECT_EQ(text,
+            "/lib/x86_64-linux-gnu/libm.so.6: not a plug-in for this program: it has no initialization");
+}
+
+TEST(Plugin, GivesTheResultOfEachFrame) {
+  Plugin plugin(LIGHTMOTION_FAKE_PLUGIN);
+  ASSERT_EQ(plugin.start("{}"), "");
+  const unsigned char pixel = 77;
+  EXPECT_EQ(plugin.process(&pixel, "1"), "");
+  const std::string result = plugin.process(&pixel, "41");
+  EXPECT_TRUE(result.ends_with("\"pixel\":77,\"timestamp\":\"41\"}\n")) << result;
+}
+
+TEST(Plugin, ReportsARefusalInThePluginsWords) {
+  Plugin plugin(LIGHTMOTION_FAKE_PLUGIN);
+  EXPECT_EQ(one_line(plugin.start(R"({"fake": "refuse"})")), "Error: this document is refused");
+  EXPECT_EQ(plugin.start(R"({"fake": "refuse mute"})"), "no reason given");
+  EXPECT_EQ(plugin.start(R"({"fake": "throw"})"), "exception \"stoi\"");
+}
+
+TEST(Plugin, AnExceptionOnAFrameIsTrouble) {
+  Plugin plugin(LIGHTMOTION_FAKE_PLUGIN);
+  ASSERT_EQ(plugin.start(R"({"fake": "frame throws"})"), "");
+  const unsigned char pixel = 0;
+  for (int i = 0; i < 4; ++i) plugin.process(&pixel, "1");
+  try {
+    plugin.process(&pixel, "1");
+    FAIL() << "nothing was thrown";
+  } catch (const Failure& failure) {
+    EXPECT_EQ(failure.status(), kTrouble);
+    EXPECT_NE(std::string(failure.what()).find("exception \"stoll\""), std::string::npos);
+  }
+}
+
+TEST(CapturedStream, KeepsWhatIsPrintedAndGivesTheStreamBack) {
+  const Folder folder;
+  std::FILE* stream = std::fopen((folder / "a").c_str(), "w");
+  std::fputs("before ", stream);
+  {
+    CapturedStream captured(stream);
+    std::fprintf(stream, "%s", std::string(10'000, 'x').c_str());
+    EXPECT_EQ(captured.text(), std::string(10'000, 'x'));
+  }
+  std::fputs("after", stream);
+  std::fclose(stream);
+  EXPECT_EQ(program::read(folder / "a"), "before after");
+}
+
+}  // namespace

@@ -1,0 +1,247 @@
+// What the writer writes, and what the reader makes of good, odd and broken files.
+#include <gtest/gtest.h>
+
+#include <cstdint>
+
+#include "host/failure.h"
+#include "host/ffmpeg_source.h"
+#include "host/video_writer.h"
+#include "tests/host/clips.h"
+#include "tests/host/program.h"
+
+namespace {
+
+using namespace lm::host;
+using namespace std::chrono_literals;
+using clips::Times;
+using program::Folder;
+
+std::string failure_of(const std::string& source) {
+  try {
+    open_source(source);
+    return "no failure";
+  } catch (const Failure& failure) {
+    EXPECT_EQ(failure.status(), kTrouble);
+    return failure.what();
+  }
+}
+
+class Container : public testing::TestWithParam<const char*> {};
+
+TEST_P(Container, KeepsUnevenTimes) {
+  const Folder folder;
+  const std::string file = folder / std::string("a") + GetParam();
+  const Times times{0ms, 40ms, 113ms, 500ms, 501ms, 2s, 2040ms, 9s, 3600s};
+  clips::write(file, {64, 48}, times);
+  EXPECT_EQ(clips::times_of(clips::read(file)), times);
+}
+
+TEST_P(Container, CountsFromItsFirstFrame) {
+  const Folder folder;
+  const std::string file = folder / std::string("a") + GetParam();
+  clips::write(file, {64, 48}, {5s, 5040ms, 5100ms});
+  EXPECT_EQ(clips::times_of(clips::read(file)), (Times{0ms, 40ms, 100ms}));
+}
+
+INSTANTIATE_TEST_SUITE_P(All, Container, testing::Values(".mp4", ".mov", ".mkv"),
+                         [](const auto& format) { return std::string(format.param + 1); });
+
+TEST(Video, KeepsTimesFinerThanMilliseconds) {
+  const Folder folder;
+  // 30000/1001 frames a second; a tick of the file's clock is 11.1 us.
+  Times times;
+  for (int i = 0; i < 40; ++i) times.emplace_back(i * 1'001'000'000LL / 30'000);
+  clips::write(folder / "a.mp4", {64, 48}, times);
+  const Times found = clips::times_of(clips::read(folder / "a.mp4"));
+  ASSERT_EQ(found.size(), times.size());
+  for (std::size_t i = 0; i < times.size(); ++i)
+    EXPECT_NEAR(double(found[i].count()), double(times[i].count()), 7);
+}
+
+TEST(Video, RewritingAFileKeepsItsTimesExactly) {
+  const Folder folder;
+  clips::write(folder / "a.mp4", {64, 48}, {0us, 33'367us, 66'733us, 1s});
+  const Times first = clips::times_of(clips::read(folder / "a.mp4"));
+  clips::write(folder / "b.mp4", {64, 48}, first);
+  EXPECT_EQ(clips::times_of(clips::read(folder / "b.mp4")), first);
+}
+
+class Size : public testing::TestWithParam<cv::Size> {};
+
+TEST_P(Size, IsKeptUpToTheEvenNumbersThatTheFormatNeeds) {
+  const Folder folder;
+  const cv::Size size = GetParam();
+  clips::write(folder / "a.mp4", size, clips::regular(3, 40ms));
+  const auto source = open_source(folder / "a.mp4");
+  EXPECT_EQ(source->info().size, cv::Size(size.width + size.width % 2, size.height + size.height % 2));
+  const auto frames = clips::read(*source);
+  ASSERT_EQ(frames.size(), 3U);
+  EXPECT_EQ(frames[2].image.size(), source->info().size);
+  EXPECT_TRUE(frames[2].image.isContinuous());
+  EXPECT_EQ(frames[2].image.type(), CV_8UC3);
+}
+
+INSTANTIATE_TEST_SUITE_P(All, Size,
+                         testing::Values(cv::Size(1, 1), cv::Size(2, 2), cv::Size(17, 9), cv::Size(64, 48),
+                                         cv::Size(101, 33), cv::Size(1, 50), cv::Size(641, 3)));
+
+TEST(Video, KeepsPicturesAndColours) {
+  const Folder folder;
+  const cv::Mat image = clips::picture({160, 120}, 20);
+  clips::write(folder / "a.mp4", {image, image}, {0ms, 40ms});
+  const auto frames = clips::read(folder / "a.mp4");
+  ASSERT_EQ(frames.size(), 2U);
+  // The middle of the square (40..69 across, 30..59 down) and a place on the ground.
+  for (const cv::Point place : {cv::Point(55, 45), cv::Point(120, 90)}) {
+    const auto expected = image.at<cv::Vec3b>(place);
+    const auto found = frames[1].image.at<cv::Vec3b>(place);
+    for (int c = 0; c < 3; ++c) EXPECT_NEAR(found[c], expected[c], 8) << place << " channel " << c;
+  }
+}
+
+TEST(Video, FileDescribesItself) {
+  const Folder folder;
+  clips::write(folder / "a.mp4", {64, 48}, clips::regular(50, 40ms));
+  const auto source = open_source(folder / "a.mp4");
+  EXPECT_EQ(source->info().name, folder / "a.mp4");
+  EXPECT_FALSE(source->info().live);
+  EXPECT_NEAR(source->info().rate, 25, 0.1);
+  ASSERT_TRUE(source->info().duration);
+  EXPECT_NEAR(double(source->info().duration->count()), 2e6, 1e5);
+  clips::read(*source);
+  EXPECT_EQ(source->trouble(), "");
+}
+
+TEST(Video, APathMayHoldAColon) {
+  const Folder folder;
+  clips::write(folder / "a:b.mp4", {64, 48}, clips::regular(2, 40ms));
+  EXPECT_EQ(clips::read(folder / "a:b.mp4").size(), 2U);
+}
+
+TEST(Video, NamesWhatCannotBeOpened) {
+  const Folder folder;
+  program::write(folder / "text", std::string(5000, 'a'));
+  program::write(folder / "empty", "");
+  EXPECT_EQ(failure_of(folder / "none"), (folder / "none") + ": No such file or directory");
+  EXPECT_EQ(failure_of(folder / "."), (folder / ".") + ": Is a directory");
+  EXPECT_EQ(failure_of(folder / "text"), (folder / "text") + ": not a video, or one too damaged to be read");
+  EXPECT_TRUE(failure_of(folder / "empty").starts_with((folder / "empty") + ": "));
+}
+
+// One second of silence as an uncompressed sound file.
+TEST(Video, NamesAFileThatHoldsNone) {
+  const Folder folder;
+  const auto number = [](std::uint32_t value, int bytes) {
+    std::string text;
+    for (int i = 0; i < bytes; ++i) text += static_cast<char>(value >> (8 * i) & 0xff);
+    return text;
+  };
+  program::write(folder / "a.wav", "RIFF" + number(36 + 16'000, 4) + "WAVEfmt " + number(16, 4) +
+                                       number(1, 2) + number(1, 2) + number(8000, 4) + number(16'000, 4) +
+                                       number(2, 2) + number(16, 2) + "data" + number(16'000, 4) +
+                                       std::string(16'000, '\0'));
+  EXPECT_EQ(failure_of(folder / "a.wav"), (folder / "a.wav") + ": holds no video");
+}
+
+void cut(const std::string& file, double part) {
+  std::filesystem::resize_file(file,
+                               static_cast<std::uintmax_t>(double(std::filesystem::file_size(file)) * part));
+}
+
+// The square's place and the noise change with every picture, so that each one takes room in the file.
+void write_busy(const std::string& file, int count) {
+  std::vector<cv::Mat> images;
+  cv::RNG random(7);
+  for (int i = 0; i < count; ++i) {
+    cv::Mat image = clips::picture({64, 48}, i);
+    cv::Mat noise(image.size(), image.type());
+    random.fill(noise, cv::RNG::UNIFORM, 0, 60);
+    images.push_back(image + noise);
+  }
+  clips::write(file, images, clips::regular(count, 40ms));
+}
+
+TEST_P(Container, ThatWasCutOffGivesWhatIsThereAndSaysSo) {
+  const Folder folder;
+  const std::string file = folder / std::string("a") + GetParam();
+  write_busy(file, 100);
+  cut(file, 0.6);
+  const auto source = open_source(file);
+  const auto frames = clips::read(*source);
+  EXPECT_GT(frames.size(), 30U);
+  EXPECT_LT(frames.size(), 80U);
+  EXPECT_FALSE(source->trouble().empty());
+}
+
+TEST(Video, DamageInTheMiddleIsCountedAndPassedOver) {
+  const Folder folder;
+  write_busy(folder / "a.mp4", 100);
+  std::string bytes = program::read(folder / "a.mp4");
+  for (std::size_t i = bytes.size() / 2; i < bytes.size() / 2 + 3000; ++i)
+    bytes[i] = static_cast<char>(i * 89);
+  program::write(folder / "a.mp4", bytes);
+  const auto source = open_source(folder / "a.mp4");
+  EXPECT_GT(clips::read(*source).size(), 50U);
+  EXPECT_NE(source->trouble().find("could not be decoded, first: "), std::string::npos) << source->trouble();
+}
+
+TEST(Video, PicturesOfAnotherSizeAreScaledToTheFirst) {
+  const Folder folder;
+  const std::string first = clips::jpeg(clips::picture({64, 48}, 0));
+  const std::string second = clips::jpeg(cv::Mat(96, 160, CV_8UC3, cv::Scalar(0, 0, 255)));
+  program::write(folder / "a.mjpeg", first + second + first);
+  const auto frames = clips::read(folder / "a.mjpeg");
+  ASSERT_EQ(frames.size(), 3U);
+  for (const Frame& frame : frames) EXPECT_EQ(frame.image.size(), cv::Size(64, 48));
+  EXPECT_NEAR(frames[1].image.at<cv::Vec3b>(24, 32)[2], 255, 6);
+  EXPECT_NEAR(frames[1].image.at<cv::Vec3b>(24, 32)[0], 0, 6);
+}
+
+TEST(Video, FramesWithoutTimesFollowTheNominalRate) {
+  const Folder folder;
+  const std::string picture = clips::jpeg(clips::picture({64, 48}, 0));
+  program::write(folder / "a.mjpeg", picture + picture + picture);
+  EXPECT_EQ(clips::times_of(clips::read(folder / "a.mjpeg")), clips::regular(3, 40ms));
+}
+
+// Writes into the file's track header that it is to be shown turned clockwise by a quarter: the matrix that
+// takes (x, y) to (-y, x), after 40 bytes of other fields.
+void mark_as_turned(const std::string& file) {
+  std::string bytes = program::read(file);
+  const std::size_t matrix = bytes.find("tkhd") + 4 + 40;
+  const std::string one("\0\1\0\0", 4);
+  const std::string minus_one("\xff\xff\0\0", 4);
+  const std::string zero(4, '\0');
+  bytes.replace(matrix, 20, zero + one + zero + minus_one + zero);
+  program::write(file, bytes);
+}
+
+TEST(Video, IsTurnedAsItsCameraAsked) {
+  const Folder folder;
+  cv::Mat image(48, 96, CV_8UC3, cv::Scalar(200, 0, 0));
+  image(cv::Rect(0, 0, 48, 48)) = cv::Scalar(0, 0, 200);  // red on the left, which turns to the top
+  clips::write(folder / "a.mp4", {image, image}, {0ms, 40ms});
+  mark_as_turned(folder / "a.mp4");
+  const auto source = open_source(folder / "a.mp4");
+  EXPECT_EQ(source->info().size, cv::Size(48, 96));
+  const auto frames = clips::read(*source);
+  ASSERT_EQ(frames.size(), 2U);
+  EXPECT_GT(frames[0].image.at<cv::Vec3b>(20, 24)[2], 150);
+  EXPECT_GT(frames[0].image.at<cv::Vec3b>(76, 24)[0], 150);
+}
+
+TEST(Live, IsWhatComesFromCamerasAndNetworks) {
+  for (const char* name : {"rtsp://host/1", "http://host/a", "https://host/a", "udp://@:5000", "tcp://host:1",
+                           "/dev/video0", "/dev/v4l/by-id/usb"}) {
+    EXPECT_TRUE(is_live(name)) << name;
+  }
+  for (const char* name : {"", "street.avi", "/home/a.mp4", "rtsp.avi", "file:///a.mp4"}) {
+    EXPECT_FALSE(is_live(name)) << name;
+  }
+}
+
+TEST(Live, ACameraThatIsNotThereIsNamed) {
+  EXPECT_EQ(failure_of("/dev/video99"), "/dev/video99: No such file or directory");
+}
+
+}  // namespace
