@@ -129,6 +129,7 @@ TEST_P(FailingAllocations, OneAtATimeNeverCrashLeakOrEndTheDetector) {
   const Capture err(stderr);
   live(0);  // what is made once and for all is made here
 
+  int plainRefusals = 0;
   for (std::uint64_t failAt = 1;; ++failAt) {
     const Life life = live(failAt);
     SCOPED_TRACE("request " + std::to_string(failAt));
@@ -150,10 +151,11 @@ TEST_P(FailingAllocations, OneAtATimeNeverCrashLeakOrEndTheDetector) {
       EXPECT_EQ(life.start, Start::stands);
       EXPECT_EQ(life.framesThrown, 0);
     }
-    // Of the non-throwing requests, the holder's and the detector's, a failure is a plain refusal.
     EXPECT_EQ(life.start == Start::refused, life.refused == Request::quietNew);
+    if (life.refused == Request::quietNew) ++plainRefusals;
     if (HasFailure()) break;
   }
+  EXPECT_EQ(plainRefusals, 2);  // the holder and the detector
 }
 
 TEST_P(FailingAllocations, BeforeTheNextInitializationLeaveNothingBehind) {

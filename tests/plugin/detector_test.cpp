@@ -72,22 +72,25 @@ TEST(Detector, AnEntryWithAnEmptyValueTakesTheValueOfTheEntryBefore) {
   EXPECT_EQ(detector.engine->minObjH, 1.0F);
 }
 
+// A field that no configuration writes tells an engine from a new one.
+constexpr std::int32_t marked = 77;
+
 TEST(Detector, InitKeepsAnEngineThatExists) {
   lightMotion detector;
-  auto* const engine = new kAMBLE;
-  detector.engine = engine;
+  detector.engine = new kAMBLE;
+  detector.engine->holdCcPxl = marked;
   ASSERT_TRUE(detector.init(documentFor(smallGrey).c_str()));
-  EXPECT_EQ(detector.engine, engine);
+  EXPECT_EQ(detector.engine->holdCcPxl, marked);
 }
 
 TEST(Detector, ARefusedDocumentLeavesTheEngineForTheNextInit) {
   lightMotion detector;
-  Capture out(stdout);
-  ASSERT_FALSE(detector.init(documentFor({64, 32, 0}).c_str()));
-  kAMBLE* const engine = detector.engine;
-  ASSERT_NE(engine, nullptr);
+  const Said said = saidDuring([&] { EXPECT_FALSE(detector.init(documentFor({64, 32, 0}).c_str())); });
+  EXPECT_EQ(said.out, refusedSizes(0, 64, 32));
+  ASSERT_NE(detector.engine, nullptr);
+  detector.engine->holdCcPxl = marked;
   ASSERT_TRUE(detector.init(documentFor(smallGrey).c_str()));
-  EXPECT_EQ(detector.engine, engine);
+  EXPECT_EQ(detector.engine->holdCcPxl, marked);
 }
 
 TEST(Detector, ANullDocumentThrowsAfterTheEngineWasMade) {
