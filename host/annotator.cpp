@@ -23,9 +23,8 @@ void Annotator::write(Frame& frame, const std::vector<cv::Rect2d>& boxes) {
   video_.write(frame.image, frame.time);
 }
 
-void Annotator::finish() {
-  video_.finish();
-  pending_.commit();
-}
+void Annotator::finish() { video_.finish(); }
+
+void Annotator::commit() { pending_.commit(); }
 
 }  // namespace lm::host

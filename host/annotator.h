@@ -19,7 +19,8 @@ class Annotator {
 
   // Draws into the frame's own image.
   void write(Frame& frame, const std::vector<cv::Rect2d>& boxes);
-  void finish();
+  void finish();  // all bytes are out
+  void commit();  // the file has its name
 
  private:
   PendingFile pending_;

@@ -25,10 +25,13 @@ void LineSink::write(const std::string& line) {
 }
 
 void LineSink::finish() {
-  if (!pending_) return;
+  if (!file_) return;
   errno = 0;
   if (std::fclose(file_.release()) != 0) fail();
-  pending_->commit();
+}
+
+void LineSink::commit() {
+  if (pending_) pending_->commit();
 }
 
 void LineSink::fail() const {

@@ -19,7 +19,8 @@ class LineSink {
   explicit LineSink(const std::string& file);
 
   void write(const std::string& line);  // without its line feed
-  void finish();
+  void finish();                        // all bytes are out
+  void commit();                        // the file has its name
   std::int64_t lines() const { return lines_; }
 
  private:

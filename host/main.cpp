@@ -25,7 +25,7 @@ int main(int argc, char** argv) {
     std::fprintf(stderr, "lightmotion: %s\n", failure.what());
     return interrupted() != 0 ? 128 + interrupted() : failure.status();
   } catch (const std::exception& error) {
-    std::fprintf(stderr, "lightmotion: %s\n", error.what());
+    std::fprintf(stderr, "lightmotion: %s\n", one_line(error.what()).c_str());
     return kTrouble;
   }
 }

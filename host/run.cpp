@@ -4,8 +4,11 @@
 
 #include <cerrno>
 #include <chrono>
+#include <cmath>
 #include <cstdio>
+#include <memory>
 #include <optional>
+#include <stdexcept>
 #include <system_error>
 
 #include "host/annotator.h"
@@ -77,6 +80,10 @@ std::string process(Plugin& plugin, const SourceInfo& source, const Frame& frame
   return plugin.process(frame.image.data, timestamp(source, frame));
 }
 
+microseconds time_since(std::chrono::steady_clock::time_point begin) {
+  return std::chrono::duration_cast<microseconds>(std::chrono::steady_clock::now() - begin);
+}
+
 class Run {
  public:
   Run(const Options& options, Source& source, Plugin& plugin)
@@ -97,16 +104,24 @@ class Run {
     while (source_.next(frame)) {
       one_frame(frame);
       figures_.video = frame.time + interval;
-      figures_.work = std::chrono::duration_cast<microseconds>(std::chrono::steady_clock::now() - begin);
+      figures_.work = time_since(begin);
       progress_.update({figures_.frames, figures_.video, info.duration, speed(figures_)});
     }
     progress_.clear();
-    lines_.finish();
-    if (video_) video_->finish();
+    complete_outputs();
+    figures_.work = time_since(begin);
     return figures_;
   }
 
  private:
+  // No file takes its name before all of them are whole.
+  void complete_outputs() {
+    lines_.finish();
+    if (video_) video_->finish();
+    lines_.commit();
+    if (video_) video_->commit();
+  }
+
   void one_frame(Frame& frame) {
     const bool hush = figures_.frames == 0 && !options_.verbose;
     const std::string document = process(plugin_, source_.info(), frame, hush);

@@ -45,6 +45,17 @@ void write(const std::string& file, cv::Size size, const Times& times) {
   write(file, images, times);
 }
 
+void write_busy(const std::string& file, cv::Size size, int count) {
+  std::vector<cv::Mat> images;
+  cv::RNG random(7);
+  for (int i = 0; i < count; ++i) {
+    cv::Mat noise(size, CV_8UC3);
+    random.fill(noise, cv::RNG::UNIFORM, 0, 60);
+    images.push_back(picture(size, i) + noise);
+  }
+  write(file, images, regular(count, std::chrono::milliseconds(40)));
+}
+
 std::vector<Frame> read(lm::host::Source& source) {
   std::vector<Frame> frames;
   for (Frame frame; source.next(frame);) frames.push_back(frame);

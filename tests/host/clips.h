@@ -22,6 +22,9 @@ cv::Mat picture(cv::Size size, int number);
 void write(const std::string& file, cv::Size size, const Times& times);
 void write(const std::string& file, const std::vector<cv::Mat>& images, const Times& times);
 
+// Pictures full of noise, 40 ms apart, so that each one takes room in the file.
+void write_busy(const std::string& file, cv::Size size, int count);
+
 // Whatever can be read.
 std::vector<lm::host::Frame> read(lm::host::Source& source);
 std::vector<lm::host::Frame> read(const std::string& file);

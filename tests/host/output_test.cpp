@@ -103,6 +103,8 @@ TEST(LineSink, WritesLinesToItsFile) {
   sink.write("two");
   EXPECT_FALSE(std::filesystem::exists(folder / "a"));
   sink.finish();
+  EXPECT_FALSE(std::filesystem::exists(folder / "a"));
+  sink.commit();
   EXPECT_EQ(program::read(folder / "a"), "one\ntwo\n");
 }
 
@@ -110,6 +112,7 @@ TEST(LineSink, AFileWithoutLinesIsEmptyButThere) {
   const Folder folder;
   LineSink sink(folder / "a");
   sink.finish();
+  sink.commit();
   EXPECT_EQ(folder.names(), Names{"a"});
 }
 

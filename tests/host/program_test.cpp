@@ -248,10 +248,12 @@ TEST(Program, LeavesNoPartialFileWhereThereIsNoRoom) {
   Outcome outcome = run_fake({"-o", folder / "a.jsonl"}, 5000);
   EXPECT_EQ(outcome.status, 1);
   EXPECT_EQ(complaint(outcome), "lightmotion: " + (folder / "a.jsonl") + cause);
-  outcome = run_fake({"-o", "/dev/null", "-a", folder / "a.mp4"}, 5000);
+  // 18 lines fit, the video does not; then the lines do not get their name either.
+  clips::write_busy(folder / "clip.mp4", {160, 120}, 20);
+  outcome = run_fake({folder / "clip.mp4", "-o", folder / "a.jsonl", "-a", folder / "a.mp4"}, 9000);
   EXPECT_EQ(outcome.status, 1);
   EXPECT_EQ(complaint(outcome), "lightmotion: " + (folder / "a.mp4") + cause);
-  EXPECT_EQ(folder.names(), Names{});
+  EXPECT_EQ(folder.names(), Names{"clip.mp4"});
 }
 
 TEST(Program, SaysWhenItsResultsAreNotTaken) {

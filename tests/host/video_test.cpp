@@ -148,23 +148,10 @@ void cut(const std::string& file, double part) {
                                static_cast<std::uintmax_t>(double(std::filesystem::file_size(file)) * part));
 }
 
-// The square's place and the noise change with every picture, so that each one takes room in the file.
-void write_busy(const std::string& file, int count) {
-  std::vector<cv::Mat> images;
-  cv::RNG random(7);
-  for (int i = 0; i < count; ++i) {
-    cv::Mat image = clips::picture({64, 48}, i);
-    cv::Mat noise(image.size(), image.type());
-    random.fill(noise, cv::RNG::UNIFORM, 0, 60);
-    images.push_back(image + noise);
-  }
-  clips::write(file, images, clips::regular(count, 40ms));
-}
-
 TEST_P(Container, ThatWasCutOffGivesWhatIsThereAndSaysSo) {
   const Folder folder;
   const std::string file = folder / std::string("a") + GetParam();
-  write_busy(file, 100);
+  clips::write_busy(file, {64, 48}, 100);
   cut(file, 0.6);
   const auto source = open_source(file);
   const auto frames = clips::read(*source);
@@ -175,7 +162,7 @@ TEST_P(Container, ThatWasCutOffGivesWhatIsThereAndSaysSo) {
 
 TEST(Video, DamageInTheMiddleIsCountedAndPassedOver) {
   const Folder folder;
-  write_busy(folder / "a.mp4", 100);
+  clips::write_busy(folder / "a.mp4", {64, 48}, 100);
   std::string bytes = program::read(folder / "a.mp4");
   for (std::size_t i = bytes.size() / 2; i < bytes.size() / 2 + 3000; ++i)
     bytes[i] = static_cast<char>(i * 89);
