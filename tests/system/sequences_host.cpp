@@ -72,6 +72,7 @@ std::vector<Sequence> changedFields() {
                   [](auto& state) {
                     state.minMatchNum = 0;
                     state.thrMatch = -1;
+                    state.illumChange = false;  // so that pixels come as far as the refresh
                   }),
           changed("match_radius_negative_colour", 3, 20, [](auto& state) { state.thrMatch = -1; }),
           changed("lock_off", 3, 0, [](auto& state) { state.numPeriodLock = 0; }),
@@ -110,7 +111,7 @@ std::vector<Sequence> overflowing() {
           changed("life_limit_wraps", 3, 10,
                   [](auto& state) {
                     state.lifeStaticFrm = intMax;
-                    state.fgLife[0] = 3e9F;
+                    for (std::size_t i = 0; i < 33 * 31; ++i) state.fgLife[i] = 3e9F;
                     state.prevTimestamp = 1000;  // the rate falls out of range and leaves the limit alone
                   }),
           changed("lock_sum_wraps", 3, 4,
