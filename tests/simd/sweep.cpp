@@ -3,7 +3,9 @@
 #include <random>
 
 Filler::Filler(const std::vector<std::uint8_t>& values) : pool_(1U << 16U) {
-  std::mt19937 random(20);  // NOLINT(cert-msc51-cpp): the same in every run
+  // Seeded by the values, so that fillers with different values are independent of each other.
+  std::seed_seq seed(values.begin(), values.end());
+  std::mt19937 random(seed);
   for (auto& byte : pool_) {
     const auto number = random();
     byte = static_cast<std::uint8_t>(values.empty() ? number >> 24U : values[number % values.size()]);
