@@ -15,6 +15,8 @@ lightMotion* currentDetector() { return instance == nullptr ? nullptr : instance
 
 }  // namespace
 
+CInstance::CInstance() = default;
+
 CInstance::~CInstance() {
   if (detector == nullptr) return;
   detector->terminate();

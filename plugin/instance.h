@@ -5,7 +5,7 @@ class lightMotion;
 
 class CInstance {
  public:
-  CInstance() = default;
+  CInstance();
   ~CInstance();  // terminates and frees the detector, if there is one
   CInstance(const CInstance&) = delete;
   CInstance& operator=(const CInstance&) = delete;
