@@ -199,11 +199,10 @@ TEST(SmallRegionMask, ExtractionReadsNeitherMaskBeyondItsEnd) {
   const Bytes frame = plainFrame(40, 20, 1, 50);
   ASSERT_TRUE(engine.learnBg_ncv(frame.data(), 40, 20, 1));
   engine.thrCcPxl2 = 1;
-  Bytes mask(800, 0);
-  for (int y = 5; y < 15; ++y) {
-    std::fill_n(mask.begin() + y * 40 + 5, 20, std::uint8_t{255});
+  for (std::ptrdiff_t y = 5; y < 15; ++y) {
+    std::fill_n(engine.fgMask + y * 40 + 5, 20, std::uint8_t{255});
   }
-  EXPECT_EQ(engine.genFgObj_ncv(mask.data()).size(), 1U);
+  EXPECT_EQ(engine.genFgObj_ncv(engine.fgMask).size(), 1U);
 }
 
 }  // namespace

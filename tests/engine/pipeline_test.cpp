@@ -93,7 +93,7 @@ TEST(LaterFrame, IsClassifiedFromTheSecondOn) {
   Camera engine;
   engine.learnPlain(50, 3);
   Bytes frame = plainFrame(4, 3, 3, 50);
-  std::fill_n(frame.begin() + 5 * 3, 2 * 3, std::uint8_t{200});  // pixels 5 and 6
+  std::fill_n(frame.begin() + 15, 6, std::uint8_t{200});  // pixels 5 and 6
   ASSERT_TRUE(engine.learn(frame, 3));
   EXPECT_EQ(engine.drawn(engine.fgMask), picture({"....", ".##.", "...."}));
   EXPECT_EQ(engine.frmCount, 2);
@@ -161,7 +161,7 @@ TEST(LaterFrame, NothingDrawsFromRandAfterTheFirst) {
     Camera engine;
     for (int i = 0; i < frames; ++i) {
       engine.learnPlain(i % 2 == 0 ? 50 : 200, 3);
-      engine.genFgObj_ncv(Bytes(12, 255).data());
+      engine.genFgObj_ncv(engine.fgMask);
     }
     return std::rand();
   };

@@ -98,10 +98,10 @@ TEST(Extract, WholeBlocksOutsideTheRegionsAreNotPruned) {
 TEST(Extract, TailIsPrunedByTheStartOfTheRegionMask) {
   Scene scene(21, 21);
   std::fill_n(scene.roiMask, 32, std::uint8_t{0});
-  scene.fill({0, 10, 21, 11});  // rows 13 to 20 remain
+  scene.fill({0, 10, 21, 11});  // rows 13 to 20 remain, pixels 273 to 440
   scene.extract();
   EXPECT_TRUE(std::all_of(scene.mask + 432, scene.mask + 441, [](int byte) { return byte == 0; }));
-  EXPECT_TRUE(std::all_of(scene.mask + 13 * 21, scene.mask + 416, [](int byte) { return byte == 1; }));
+  EXPECT_TRUE(std::all_of(scene.mask + 273, scene.mask + 416, [](int byte) { return byte == 1; }));
 }
 
 TEST(Extract, TailStaysWhereTheRegionMaskStartsInside) {
@@ -109,7 +109,7 @@ TEST(Extract, TailStaysWhereTheRegionMaskStartsInside) {
   std::fill(scene.roiMask + 32, scene.roiMask + 441, std::uint8_t{0});
   scene.fill({0, 10, 21, 11});
   scene.extract();
-  EXPECT_TRUE(std::all_of(scene.mask + 13 * 21, scene.mask + 441, [](int byte) { return byte == 1; }));
+  EXPECT_TRUE(std::all_of(scene.mask + 273, scene.mask + 441, [](int byte) { return byte == 1; }));
 }
 
 // ---- label buffers ------------------------------------------------------------------------------
@@ -124,7 +124,7 @@ TEST(Extract, LabelBuffersAreMadeOnceAlignedAndHoldTheLabels) {
   EXPECT_EQ(scene.labelMap[11 * 64 + 31], 3U);
   EXPECT_EQ(scene.labelMap[0], 0U);
   EXPECT_EQ(reinterpret_cast<std::uintptr_t>(scene.labelMap) % 32, 0U);
-  for (int y = 0; y < 32; ++y) {
+  for (std::ptrdiff_t y = 0; y < 32; ++y) {
     const std::uint32_t* row = scene.labelRows[y];
     EXPECT_EQ(reinterpret_cast<std::uintptr_t>(row) % 32, 0U) << "row " << y;
     EXPECT_TRUE(std::equal(row, row + 64, scene.labelMap + y * 64)) << "row " << y;

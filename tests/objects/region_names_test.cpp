@@ -24,21 +24,24 @@ struct Frame {
   Frame(int frameWidth, int frameHeight) : width(frameWidth), height(frameHeight), foreground(plane()) {}
 
   [[nodiscard]] std::unique_ptr<std::uint8_t[]> plane() const {
-    return std::make_unique<std::uint8_t[]>(static_cast<std::size_t>(width * height));
+    return std::make_unique<std::uint8_t[]>(indexOf(0, height));
+  }
+  [[nodiscard]] std::size_t indexOf(int x, int y) const {
+    return static_cast<std::size_t>(y) * static_cast<std::size_t>(width) + static_cast<std::size_t>(x);
   }
   // A region of the given pixels (column, row).
   void addRegion(const std::string& name, const std::vector<std::pair<int, int>>& pixels,
                  std::uint8_t value = 1) {
     masks.push_back(plane());
     for (const auto& [x, y] : pixels) {
-      masks.back()[static_cast<std::size_t>(y * width + x)] = value;
+      masks.back()[indexOf(x, y)] = value;
     }
     regions.push_back({name, {}, masks.back().get()});
   }
   // Foreground of the given pixels.
   void show(const std::vector<std::pair<int, int>>& pixels, std::uint8_t value = 255) {
     for (const auto& [x, y] : pixels) {
-      foreground[static_cast<std::size_t>(y * width + x)] = value;
+      foreground[indexOf(x, y)] = value;
     }
   }
   // Foreground and a region "all" everywhere.
