@@ -64,7 +64,7 @@ bool kAMBLE::learnBg_ncv(const std::uint8_t* frame, int width, int height, int c
     heuristic_ncv();
     if (!skipFrame) learned = recogFg_ncv() && updateModel_ncv();
     learned &= lm::makeOnce(prevFgMask, pixels);
-    if (prevFgMask != nullptr) copyBytes(prevFgMask, fgMask, pixels);
+    if (prevFgMask != nullptr && fgMask != nullptr) copyBytes(prevFgMask, fgMask, pixels);
   }
 
   const std::int32_t bytes = lm::wrapMul(pixels, channels);

@@ -3,10 +3,6 @@
 namespace lm::host {
 namespace {
 
-// The converters for pictures of unchanged size work in blocks of 8 pixels and leave out the last columns
-// where a row has no room for a whole block.
-cv::Size with_room(cv::Size size) { return {(size.width + 15) / 16 * 16, size.height}; }
-
 // Tells the scaler what the picture says about its colours; where the picture is silent, the format decides.
 void state_colours(SwsContext& scaler, const AVFrame& picture) {
   int *from, *to, from_full, to_full, brightness, contrast, saturation;
@@ -23,9 +19,7 @@ void state_colours(SwsContext& scaler, const AVFrame& picture) {
 }  // namespace
 
 PictureConverter::PictureConverter(cv::Size size, int quarter_turns)
-    : size_(size),
-      quarter_turns_(quarter_turns),
-      padded_(av::new_picture(with_room(size), AV_PIX_FMT_BGR24)) {}
+    : size_(size), quarter_turns_(quarter_turns), padded_(av::new_picture(size, AV_PIX_FMT_BGR24)) {}
 
 cv::Size PictureConverter::size() const {
   return quarter_turns_ % 2 == 0 ? size_ : cv::Size(size_.height, size_.width);
@@ -48,7 +42,7 @@ cv::Mat PictureConverter::convert(const AVFrame& picture) {
   if (!prepare(picture)) return image;
   sws_scale(scaler_.get(), picture.data, picture.linesize, 0, picture.height, padded_->data,
             padded_->linesize);
-  const cv::Mat upright = av::view(*padded_)(cv::Rect({0, 0}, size_));
+  const cv::Mat upright = av::view(*padded_);
   if (quarter_turns_ == 0) {
     upright.copyTo(image);
   } else {

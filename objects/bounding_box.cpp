@@ -37,17 +37,18 @@ boxRect findBoundingBox(std::uint32_t** rows, int label, int width, int height, 
   const auto emptyColumn = [&](int x) { return !columnHolds(rows, wanted, x, height); };
   boxRect box = wholeFrame(width, height);
 
+  const bool rowInside = y0 >= 0 && y0 < height;
+  const bool columnInside = x0 >= 0 && x0 < width;
+
   // Kept: the box includes the first empty row or column on every side. The margin lets pieces that lie a
   // pixel apart reach each other when boxes are joined.
-  if (y0 >= 0 && width >= 1) {
-    box.y = static_cast<float>(std::max(firstWhere(y0, -1, -1, emptyRow), 0));
-  }
-  if (x0 >= 0) box.x = static_cast<float>(std::max(firstWhere(x0, -1, -1, emptyColumn), 0));
+  if (rowInside && width >= 1) box.y = static_cast<float>(std::max(firstWhere(y0, -1, -1, emptyRow), 0));
+  if (columnInside) box.x = static_cast<float>(std::max(firstWhere(x0, -1, -1, emptyColumn), 0));
 
   // Kept: where the component touches the bottom or right border the side stays the whole frame's.
-  const int bottom = firstWhere(std::max(y0, 0), std::max(height, y0), 1, emptyRow);
+  const int bottom = rowInside ? firstWhere(y0, height, 1, emptyRow) : height;
   if (bottom < height) box.height = static_cast<float>(bottom) - box.y + 1.0F;
-  const int right = firstWhere(std::max(x0, 0), std::max(width, x0), 1, emptyColumn);
+  const int right = columnInside ? firstWhere(x0, width, 1, emptyColumn) : width;
   if (right < width) box.width = static_cast<float>(right) - box.x + 1.0F;
   return box;
 }

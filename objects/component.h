@@ -19,7 +19,7 @@ struct ccObj {
 // ends at the first that holds no pixel of `label`, so (x0, y0) has to be a pixel of the component in its top
 // row. At the left or top frame border the margin is dropped (x or y is 0); at the right or bottom border the
 // width or height becomes the whole frame's, whatever x or y is, so that the box then reaches past the frame.
-// Requires: 0 <= x0 < width, 0 <= y0 < height, or the searches that begin outside are skipped.
+// Searches along an axis on which (x0, y0) lies outside the frame are skipped.
 boxRect findBoundingBox(std::uint32_t** rows, int label, int width, int height, int x0, int y0);
 
 // Tight box, without margin, of all pixels equal to `label` in an image of `height` rows of `width` bytes. A

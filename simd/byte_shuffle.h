@@ -15,30 +15,30 @@
 
 // Shuffle masks that pick one channel of 16 interleaved pixels: masks[t] takes the wanted bytes of the t-th
 // 16 bytes to the places that they have among the 16 results, and leaves 0 in the others.
-template <int channels>
+template <std::ptrdiff_t channels>
 [[gnu::always_inline]] static inline void makeGatherMasks(__m128i (&masks)[channels], int channel) {
-  for (int t = 0; t < channels; ++t) {
+  for (std::ptrdiff_t t = 0; t < channels; ++t) {
     std::uint8_t sources[16];
-    for (int i = 0; i < 16; ++i) {
-      const int source = i * channels + channel - t * 16;
+    for (std::ptrdiff_t i = 0; i < 16; ++i) {
+      const std::ptrdiff_t source = i * channels + channel - t * 16;
       sources[i] = static_cast<std::uint8_t>(source >= 0 && source < 16 ? source : 0x80);
     }
     masks[t] = load16(sources);
   }
 }
 
-template <int channels>
+template <std::ptrdiff_t channels>
 [[gnu::always_inline]] static inline __m128i gather(const std::uint8_t* pixels,
                                                     const __m128i (&masks)[channels]) {
   __m128i gathered = _mm_setzero_si128();
-  for (int t = 0; t < channels; ++t) {
+  for (std::ptrdiff_t t = 0; t < channels; ++t) {
     gathered = _mm_or_si128(gathered, _mm_shuffle_epi8(load16(pixels + t * 16), masks[t]));
   }
   return gathered;
 }
 
 // The whole blocks of 16 pixels among the first `pixels`.
-template <int channels>
+template <std::ptrdiff_t channels>
 [[gnu::always_inline]] static inline void diffBlocks(const std::uint8_t* a, const std::uint8_t* b,
                                                      std::uint8_t* out, std::ptrdiff_t pixels, int channel) {
   __m128i masks[channels];

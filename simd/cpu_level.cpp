@@ -4,7 +4,7 @@
 
 namespace {
 
-constexpr std::uint32_t bit(int n) { return std::uint32_t{1} << n; }
+constexpr std::uint32_t bit(unsigned n) { return std::uint32_t{1} << n; }
 constexpr bool has(std::uint32_t word, std::uint32_t bits) { return (word & bits) == bits; }
 
 // Leaf 1, EDX: what compiled code takes for granted, then the two oldest vector sets.
@@ -28,8 +28,8 @@ std::uint32_t readXcr0() {
 
 CpuidWords readWords() {
   CpuidWords words;
-  std::uint32_t eax = 0, ebx = 0, ecx = 0, edx = 0;  // NOLINT(readability-isolate-declaration)
-  words.maxLeaf = __get_cpuid_max(0, nullptr);
+  std::uint32_t eax = 0, ebx = 0, ecx = 0, edx = 0;
+  words.maxLeaf = static_cast<std::uint32_t>(__get_cpuid_max(0, nullptr));
   // Fails, and leaves the words alone, where the leaf does not exist.
   if (__get_cpuid_count(1, 0, &eax, &ebx, &ecx, &edx) != 0) {
     words.leaf1Ecx = ecx;

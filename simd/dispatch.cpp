@@ -25,7 +25,7 @@ constexpr Version<TouchFn> touchVersions[] = {{0, isTouch_c}, {2, isTouch_sse2}}
 
 template <class Function, std::size_t count>
 Function* versionFor(int level, const Version<Function> (&versions)[count]) {
-  Function* chosen = nullptr;
+  Function* chosen = versions[0].function;
   for (const auto& version : versions) {
     if (version.level <= level) chosen = version.function;
   }

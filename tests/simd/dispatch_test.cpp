@@ -9,8 +9,8 @@ namespace {
 // Gives every test the state in which the library is loaded.
 class Dispatch : public ::testing::Test {
  protected:
-  Dispatch() { lm::kernels = {}; }
-  ~Dispatch() override { lm::kernels = {}; }
+  void SetUp() override { lm::kernels = {}; }
+  void TearDown() override { lm::kernels = {}; }
 };
 
 std::vector<std::string> namesOf(const lm::Kernels& kernels) {

@@ -48,7 +48,7 @@ TEST_P(Replace, TreatsBlockAndTailOfFortyBytesAlike) {
   bytes.place(40, 0, GuardedBuffer::Against::back);
   std::vector<std::uint8_t> model(40, 5);
   std::fill(bytes.begin(), bytes.end(), std::uint8_t{5});
-  for (const std::size_t i : {0, 31, 32, 39}) {
+  for (const std::size_t i : {0U, 31U, 32U, 39U}) {
     bytes.begin()[i] = 3;
     model[i] = 9;
   }
