@@ -100,7 +100,7 @@ TEST_P(Difference, ThreeChannelFrameOfSeventeenPixelsForEachChannel) {
 }
 
 TEST_P(Difference, FourChannelFrameGivesOneByteAPixelOfTheThirdChannel) {
-  std::vector<std::uint8_t> a(72), b(a.size());
+  std::vector<std::uint8_t> a(72), b(a.size());  // 6 x 3 pixels of 4 bytes
   for (std::size_t i = 0; i < a.size(); ++i) a[i] = static_cast<std::uint8_t>(i % 4 == 2 ? i : 255);
   std::vector<std::uint8_t> out(6 * 3 + 1, 0xEE);
   GetParam().function(a.data(), b.data(), out.data(), 6, 3, 4, 2);
