@@ -12,7 +12,7 @@ void rateFromTimestamps(kAMBLE& engine) {
   const std::int64_t previous = engine.prevTimestamp;
   engine.prevTimestamp = engine.curTimestamp;
   if (previous == -1) return;
-  const double seconds = static_cast<double>(engine.curTimestamp - previous) / 1000.0;
+  const double seconds = static_cast<double>(lm::wrapSub(engine.curTimestamp, previous)) / 1000.0;
   if (seconds <= 0.0) {
     engine.frmRate = 0.0;
     return;
@@ -32,8 +32,9 @@ double smoothingStep(double rate) {
 
 void rateFromClock(kAMBLE& engine) {
   gettimeofday(&engine.curTime, nullptr);
-  const std::int64_t seconds = engine.curTime.tv_sec - engine.prevTime.tv_sec;
-  engine.elapsedUs = seconds * engine.usPerSec + engine.curTime.tv_usec - engine.prevTime.tv_usec;
+  const std::int64_t seconds = lm::wrapSub(engine.curTime.tv_sec, engine.prevTime.tv_sec);
+  const std::int64_t microseconds = lm::wrapSub(engine.curTime.tv_usec, engine.prevTime.tv_usec);
+  engine.elapsedUs = lm::wrapAdd(lm::wrapMul(seconds, std::int64_t{engine.usPerSec}), microseconds);
   engine.prevTime = engine.curTime;
   // A clock that was set back counts as a very long time, that is as a very low rate.
   const auto elapsed = static_cast<double>(static_cast<std::uint64_t>(engine.elapsedUs));

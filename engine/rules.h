@@ -9,7 +9,7 @@
 
 namespace lm {
 
-// ---- 32-bit arithmetic that wraps
+// ---- arithmetic that wraps
 // ---------------------------------------------------------------------------
 
 constexpr std::int32_t wrapAdd(std::int32_t a, std::int32_t b) {
@@ -20,6 +20,16 @@ constexpr std::int32_t wrapSub(std::int32_t a, std::int32_t b) {
 }
 constexpr std::int32_t wrapMul(std::int32_t a, std::int32_t b) {
   return static_cast<std::int32_t>(static_cast<std::uint32_t>(a) * static_cast<std::uint32_t>(b));
+}
+
+constexpr std::int64_t wrapAdd(std::int64_t a, std::int64_t b) {
+  return static_cast<std::int64_t>(static_cast<std::uint64_t>(a) + static_cast<std::uint64_t>(b));
+}
+constexpr std::int64_t wrapSub(std::int64_t a, std::int64_t b) {
+  return static_cast<std::int64_t>(static_cast<std::uint64_t>(a) - static_cast<std::uint64_t>(b));
+}
+constexpr std::int64_t wrapMul(std::int64_t a, std::int64_t b) {
+  return static_cast<std::int64_t>(static_cast<std::uint64_t>(a) * static_cast<std::uint64_t>(b));
 }
 
 // Bytes of a frame or plane, or nothing for a product that wrapped below zero.

@@ -69,7 +69,7 @@ void BuiltinScene::add_noise(cv::Mat& image) const {
   for (int y = 0; y < image.rows; ++y) {
     const auto row = static_cast<std::uint32_t>(number_ * image.rows + y);
     const std::int8_t* noise = noise_.data() + scene::scrambled(row) % (kNoiseLength - length);
-    std::uint8_t* pixels = image.ptr<std::uint8_t>(y);
+    auto* pixels = image.ptr<std::uint8_t>(y);
     for (std::size_t i = 0; i < length; ++i) {
       pixels[i] = static_cast<std::uint8_t>(std::clamp(pixels[i] + noise[i], 0, 255));
     }

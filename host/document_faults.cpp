@@ -62,7 +62,7 @@ std::string faulty_region(const Json::Value& region) {
   if (!region.isObject()) return "a region that is no JSON object";
   if (!region["points"].isArray()) return "";
   for (const Json::Value& point : region["points"]) {
-    const std::string fault = faulty_point(point);
+    std::string fault = faulty_point(point);
     if (!fault.empty()) return fault;
   }
   return "";
@@ -78,7 +78,7 @@ std::string faulty_setting(const std::string& document) {
     for (const Json::Value& region : root[list]) {
       if (fault.empty()) fault = faulty_region(region);
     }
-    if (!fault.empty()) fault = quoted(list) + " holds " + fault;
+    if (!fault.empty()) fault.insert(0, quoted(list) + " holds ");
   }
   return fault;
 }

@@ -77,7 +77,7 @@ Plugin::~Plugin() {
 std::string Plugin::start(const std::string& document) {
   CapturedStream chatter(stdout);  // standard output is for results
   bool started = false;
-  const std::string thrown = thrown_by([&] { started = initialization_(document.c_str()); });
+  std::string thrown = thrown_by([&] { started = initialization_(document.c_str()); });
   if (started) return "";
   if (!thrown.empty()) return thrown;
   const std::string printed = chatter.text();

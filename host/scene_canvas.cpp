@@ -44,7 +44,7 @@ int sine(int angle) {
   const int turned = angle & 1023;
   const Wide u = turned & 511;
   const Wide p = u * (512 - u);
-  const int value = static_cast<int>((16 * p << 14) / (5 * 512 * 512 - 4 * p));
+  const int value = static_cast<int>((16 * p << 14) / (Wide{5} * 512 * 512 - 4 * p));
   return turned < 512 ? value : -value;
 }
 

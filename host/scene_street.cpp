@@ -179,8 +179,8 @@ cv::Mat lamp_light() {
 }
 
 void shine(cv::Mat& image, const cv::Mat& light) {
-  std::uint8_t* byte = image.ptr<std::uint8_t>();
-  const std::uint16_t* gain = light.ptr<std::uint16_t>();
+  auto* byte = image.ptr<std::uint8_t>();
+  const auto* gain = light.ptr<std::uint16_t>();
   const std::size_t bytes = image.total() * image.elemSize();
   for (std::size_t i = 0; i < bytes; ++i) {
     byte[i] = static_cast<std::uint8_t>(std::min<std::uint32_t>(255, byte[i] * std::uint32_t{gain[i]} >> 8));

@@ -176,7 +176,7 @@ int posix_memalign(void** block, std::size_t alignment, std::size_t size) noexce
 }
 
 #ifndef __SANITIZE_ADDRESS__
-void __libc_free(void* block);
+void __libc_free(void* block);  // NOLINT(bugprone-reserved-identifier): the C library's own name
 void free(void* block) noexcept {
   forgetPlane(block);
   __libc_free(block);
