@@ -1,4 +1,6 @@
 // The scalar settings of the document.
+#include <gmock/gmock.h>
+
 #include <json/json.h>
 
 #include "plugin/detector.h"

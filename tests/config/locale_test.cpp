@@ -1,4 +1,6 @@
 // Numbers in texts mean the same whatever locale the host has set.
+#include <gmock/gmock.h>
+
 #include <clocale>
 #include <filesystem>
 #include <fstream>

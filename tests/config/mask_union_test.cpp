@@ -1,4 +1,6 @@
 // Combining masks.
+#include <gtest/gtest.h>
+
 #include "config/polygon.h"
 #include "tests/support/mask_art.h"
 

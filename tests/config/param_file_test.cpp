@@ -1,4 +1,6 @@
 // The parameter file.
+#include <gtest/gtest.h>
+
 #include <cfloat>
 #include <cstdint>
 #include <filesystem>

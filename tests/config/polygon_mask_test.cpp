@@ -1,4 +1,6 @@
 // Polygons into masks.
+#include <gmock/gmock.h>
+
 #include <algorithm>
 #include <array>
 #include <climits>

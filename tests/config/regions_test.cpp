@@ -1,4 +1,6 @@
 // Regions of the document.
+#include <gmock/gmock.h>
+
 #include <json/json.h>
 
 #include <cstdint>

@@ -1,4 +1,6 @@
 // How an entry is split into key and value, and what a value that cannot be converted leaves behind.
+#include <gmock/gmock.h>
+
 #include "engine/kamble.h"
 #include "tests/config/settings.h"
 #include "tests/support/thrown.h"

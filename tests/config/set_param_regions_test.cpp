@@ -1,4 +1,6 @@
 // The region masks that setParam makes, and who owns them.
+#include <gmock/gmock.h>
+
 #include <algorithm>
 
 #include "engine/kamble.h"

@@ -1,4 +1,6 @@
 // The table of keys: what each accepts, and what it writes.
+#include <gmock/gmock.h>
+
 #include "engine/kamble.h"
 #include "tests/config/settings.h"
 #include "tests/support/capture.h"

@@ -1,5 +1,7 @@
 // Every single allocation of a detector's life fails once. Nothing crashes, nothing leaks, and the detector
 // goes on where it can.
+#include <gtest/gtest.h>
+
 #include <array>
 #include <new>
 

@@ -1,3 +1,5 @@
+#include <gtest/gtest.h>
+
 #include "plugin/detector.h"
 
 #include "engine/kamble.h"

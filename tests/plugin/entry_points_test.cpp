@@ -1,3 +1,5 @@
+#include <gtest/gtest.h>
+
 #include "plugin/entry_points.h"
 
 #include <json/json.h>

@@ -1,4 +1,6 @@
 // What the detector makes of frames.
+#include <gtest/gtest.h>
+
 #include <algorithm>
 
 #include "engine/kamble.h"

@@ -1,4 +1,6 @@
 // The result document.
+#include <gtest/gtest.h>
+
 #include "plugin/result.h"
 
 #include <json/json.h>

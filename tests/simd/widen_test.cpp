@@ -1,4 +1,6 @@
 
+#include <gtest/gtest.h>
+
 #include "tests/simd/sweep.h"
 
 namespace {

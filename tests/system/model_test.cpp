@@ -1,4 +1,6 @@
 // The engine does, in every field and after every frame, what the plain model does.
+#include <gtest/gtest.h>
+
 #include <ostream>
 #include <set>
 
