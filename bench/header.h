@@ -1,0 +1,11 @@
+// The circumstances of a run, to stand above its figures.
+#pragma once
+
+#include <string>
+
+namespace lm::bench {
+
+std::string processor();
+void print_header(const std::string& commit, const std::string& yardstick_commit);
+
+}  // namespace lm::bench

@@ -1,0 +1,44 @@
+// Registers a benchmark for every version of a kernel, beside a copy of the same bytes.
+#pragma once
+
+#include <benchmark/benchmark.h>
+
+#include <cstdint>
+#include <cstring>
+#include <string>
+#include <vector>
+
+#include "tests/simd/versions.h"
+
+namespace lm::bench {
+
+// As many bytes as a row of a large picture has pixels, up to a picture that no cache holds.
+inline constexpr int kSmallest = 1 << 12;
+inline constexpr int kLargest = 1 << 23;
+
+using Bytes = std::vector<std::uint8_t>;
+Bytes filled(std::size_t count, std::uint64_t seed);
+
+inline void set_speed(benchmark::State& state, std::size_t bytes_each) {
+  state.SetBytesProcessed(static_cast<std::int64_t>(bytes_each) *
+                          static_cast<std::int64_t>(state.iterations()));
+}
+
+// `run(state, function)` is the loop of one benchmark; state.range(0) is the count of elements. Versions
+// above the processor's level are left out.
+template <class Function, class Run>
+void add_versions(const std::vector<Version<Function>>& versions, Run run) {
+  for (const Version<Function>& version : versions) {
+    if (!version.isRunnable()) continue;
+    Function* const function = version.function;
+    benchmark::RegisterBenchmark(version.name, [=](benchmark::State& state) { run(state, function); })
+        ->RangeMultiplier(1 << 11)
+        ->Range(kSmallest, kLargest);
+  }
+}
+
+// One registration for each source; called by main.
+void add_copy();
+void add_pixel_kernels();
+
+}  // namespace lm::bench

@@ -1,0 +1,16 @@
+#include <opencv2/bgsegm.hpp>
+
+#include "bench/peers/subtractor.h"
+
+namespace lm::bench {
+
+std::unique_ptr<Peer> make_cnt(cv::Size /*frame*/) {
+  constexpr int stable_after = 15;  // frames; the default, like all but the last
+  constexpr bool history = true;
+  constexpr int stable_at_most = 15 * 60;
+  constexpr bool threads = false;
+  return std::make_unique<Subtractor>(
+      cv::bgsegm::createBackgroundSubtractorCNT(stable_after, history, stable_at_most, threads));
+}
+
+}  // namespace lm::bench

@@ -1,0 +1,15 @@
+// The whole-frame table as a picture.
+#pragma once
+
+#include <string>
+
+#include "bench/records.h"
+
+namespace lm::bench {
+
+// Bars for each scene at `size`, in copies of the frame. `note`: a line at the foot. Throws
+// std::runtime_error.
+void draw_picture(const Records& records, const std::string& size, const std::string& note,
+                  const std::string& file);
+
+}  // namespace lm::bench

@@ -1,0 +1,147 @@
+#include "bench/scene.h"
+
+#include <algorithm>
+#include <array>
+#include <stdexcept>
+#include <utility>
+
+#include "bench/random.h"
+
+namespace lm::bench {
+namespace {
+
+constexpr int kFrames = 16;
+
+std::uint8_t clamped(int value) { return static_cast<std::uint8_t>(std::clamp(value, 0, 255)); }
+
+// A mosaic of tiles with a gradient and a grain: values from 50 to 200 that stay the same.
+cv::Mat texture(cv::Size size, std::uint64_t seed) {
+  constexpr int tile = 24;
+  Random random(seed);
+  cv::Mat picture(size, CV_8UC3);
+  std::vector<cv::Vec3i> tiles(static_cast<std::size_t>((size.width / tile + 1) * (size.height / tile + 1)));
+  for (cv::Vec3i& colour : tiles) {
+    for (int c = 0; c < 3; ++c) colour[c] = 60 + random.below(100);
+  }
+  picture.forEach<cv::Vec3b>([&](cv::Vec3b& pixel, const int* at) {
+    const cv::Vec3i& colour =
+        tiles[static_cast<std::size_t>(at[0] / tile * (size.width / tile + 1) + at[1] / tile)];
+    const int grain = at[0] % tile + (at[0] * 7 + at[1] * 13) % 9 - 10;
+    for (int c = 0; c < 3; ++c) pixel[c] = clamped(colour[c] + grain);
+  });
+  return picture;
+}
+
+// Noise of a good sensor: each byte moves by -2 to 2, below every threshold in use.
+cv::Mat with_noise(const cv::Mat& picture, std::uint64_t seed) {
+  constexpr int strength = 2;
+  Random random(seed);
+  cv::Mat noisy(picture.size(), picture.type());
+  const std::size_t bytes = picture.total() * picture.elemSize();
+  std::uint64_t bits = 0;
+  for (std::size_t i = 0; i < bytes; ++i) {
+    if (i % 8 == 0) bits = random.next();
+    const int draw = static_cast<int>(bits & 0xFF) * (2 * strength + 1) >> 8;
+    bits >>= 8;
+    noisy.data[i] = clamped(picture.data[i] + draw - strength);
+  }
+  return noisy;
+}
+
+Scene quiet(cv::Size size) {
+  const cv::Mat picture = texture(size, 1);
+  Scene scene;
+  scene.opening = with_noise(picture, 100);
+  for (int n = 0; n < kFrames; ++n)
+    scene.ring.push_back(with_noise(picture, 101 + static_cast<std::uint64_t>(n)));
+  return scene;
+}
+
+// Twenty patches of a hundredth of the frame each, five in a row, rows in turn to the right and to the left.
+// After one turn of the ring each has taken the place of the next one.
+Scene busy(cv::Size size) {
+  constexpr int columns = 5;
+  constexpr int rows = 4;
+  const cv::Mat picture = texture(size, 1);
+  const cv::Size patch(size.width / 10, size.height / 10);
+  const cv::Mat content = ~texture(patch, 2);
+  Scene scene;
+  scene.opening = with_noise(picture, 100);
+  for (int n = 0; n < kFrames; ++n) {
+    cv::Mat frame = picture.clone();
+    for (int row = 0; row < rows; ++row) {
+      const int step = row % 2 == 0 ? n : kFrames - n;
+      const int y = (2 * row + 1) * size.height / (2 * rows) - patch.height / 2;
+      for (int column = 0; column < columns; ++column) {
+        const int x = (column * kFrames + step) * size.width / (columns * kFrames);
+        const int inside = std::min(patch.width, size.width - x % size.width);
+        content.colRange(0, inside).copyTo(frame({x % size.width, y, inside, patch.height}));
+        if (inside == patch.width) continue;
+        content.colRange(inside, patch.width).copyTo(frame({0, y, patch.width - inside, patch.height}));
+      }
+    }
+    scene.ring.push_back(with_noise(frame, 101 + static_cast<std::uint64_t>(n)));
+  }
+  scene.partly_moving = true;
+  return scene;
+}
+
+// The light of the whole picture changes with every fourth frame.
+Scene lights(cv::Size size) {
+  constexpr int apart = 4;
+  constexpr std::array steps = {0, 40, -15, 25};
+  const cv::Mat picture = texture(size, 1);
+  Scene scene;
+  scene.opening = with_noise(picture, 100);
+  for (int n = 0; n < kFrames; ++n) {
+    const int light = steps[static_cast<std::size_t>(n / apart) % steps.size()];
+    scene.ring.push_back(with_noise(picture + cv::Scalar::all(light), 101 + static_cast<std::uint64_t>(n)));
+  }
+  scene.cycle = apart;
+  return scene;
+}
+
+// Every byte of every frame differs by 64 or more from that of the frame before.
+Scene storm(cv::Size size) {
+  constexpr int least = 64;
+  Scene scene;
+  scene.opening = texture(size, 1);
+  cv::Mat last = scene.opening;
+  for (int n = 0; n < kFrames; ++n) {
+    Random random(201 + static_cast<std::uint64_t>(n));
+    cv::Mat frame(size, CV_8UC3);
+    const std::size_t bytes = frame.total() * frame.elemSize();
+    std::uint64_t bits = 0;
+    for (std::size_t i = 0; i < bytes; ++i) {
+      if (i % 8 == 0) bits = random.next();
+      frame.data[i] = static_cast<std::uint8_t>(last.data[i] + least + static_cast<int>(bits & 0x7F));
+      bits >>= 8;
+    }
+    scene.ring.push_back(frame);
+    last = frame;
+  }
+  return scene;
+}
+
+constexpr std::array<std::pair<const char*, Scene (*)(cv::Size)>, 5> kScenes = {
+    {{"quiet", quiet}, {"street", make_street}, {"busy", busy}, {"lights", lights}, {"storm", storm}}};
+
+}  // namespace
+
+std::vector<std::string> scene_names() {
+  std::vector<std::string> names;
+  for (const auto& [name, make] : kScenes) names.emplace_back(name);
+  return names;
+}
+
+Scene make_scene(const std::string& name, cv::Size size) {
+  for (const auto& [known, make] : kScenes) {
+    if (name != known) continue;
+    Scene scene = make(size);
+    scene.name = name;
+    return scene;
+  }
+  throw std::invalid_argument("no scene " + name);
+}
+
+}  // namespace lm::bench

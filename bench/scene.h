@@ -1,0 +1,34 @@
+// Input: frames made beforehand, the same bytes on every machine.
+#pragma once
+
+#include <opencv2/core.hpp>
+#include <string>
+#include <vector>
+
+namespace lm::bench {
+
+struct Scene {
+  std::string name;
+  cv::Mat opening;             // the first frame, in which nothing moves yet
+  std::vector<cv::Mat> ring;   // the frames that follow, over and over
+  int cycle = 1;               // frames that only make sense together: their mean is one measurement
+  bool partly_moving = false;  // a mask that is empty or full is wrong
+
+  const cv::Mat& at(int number) const {
+    return number == 0 ? opening : ring[static_cast<std::size_t>(number - 1) % ring.size()];
+  }
+};
+
+// In the order of the table.
+std::vector<std::string> scene_names();
+// Throws std::invalid_argument for a name that is not among them.
+Scene make_scene(const std::string& name, cv::Size size);
+// Where the street's frames come from, in words.
+std::string street_origin();
+
+Scene make_street(cv::Size size);  // street.cpp
+
+// The time of a frame, 25 a second.
+inline std::string time_of(int number) { return std::to_string(1000 + 40 * number); }
+
+}  // namespace lm::bench
