@@ -61,7 +61,7 @@ std::vector<Group> groups_of(const Records& records, const std::string& size) {
 
 // Drawn at twice the size and reduced at the end, which smooths what OpenCV draws in whole pixels.
 constexpr int kScale = 2;
-constexpr int kWidth = 1000, kLeft = 250, kRight = 880, kTop = 92, kBarHeight = 17, kBarStep = 21, kGap = 22;
+constexpr int kWidth = 1000, kLeft = 250, kRight = 845, kTop = 92, kBarHeight = 17, kBarStep = 21, kGap = 22;
 
 class Sheet {
  public:

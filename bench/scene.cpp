@@ -57,28 +57,35 @@ Scene quiet(cv::Size size) {
   return scene;
 }
 
-// Twenty patches of a hundredth of the frame each, five in a row, rows in turn to the right and to the left.
-// After one turn of the ring each has taken the place of the next one.
+// Pastes `patch` at column `x` of `frame`; what reaches beyond the right edge goes on at the left one.
+void paste_around(const cv::Mat& patch, cv::Mat& frame, int x, int y) {
+  const int inside = std::min(patch.cols, frame.cols - x);
+  patch.colRange(0, inside).copyTo(frame({x, y, inside, patch.rows}));
+  if (inside == patch.cols) return;
+  patch.colRange(inside, patch.cols).copyTo(frame({0, y, patch.cols - inside, patch.rows}));
+}
+
+// Twenty patches of a hundredth of the frame each, two in a row, rows in turn to the right and to the left.
+// After one turn of the ring each has taken the place of the next one. What a patch shows changes with every
+// frame, or models would learn it.
 Scene busy(cv::Size size) {
-  constexpr int columns = 5;
-  constexpr int rows = 4;
+  constexpr int columns = 2;
+  constexpr int rows = 10;
   const cv::Mat picture = texture(size, 1);
-  const cv::Size patch(size.width / 10, size.height / 10);
-  const cv::Mat content = ~texture(patch, 2);
+  const cv::Mat contents = texture(size, 2);
+  const cv::Size patch(size.width / 9, size.height * 9 / 100);
+  Random random(3);
   Scene scene;
   scene.opening = with_noise(picture, 100);
   for (int n = 0; n < kFrames; ++n) {
     cv::Mat frame = picture.clone();
-    for (int row = 0; row < rows; ++row) {
-      const int step = row % 2 == 0 ? n : kFrames - n;
+    for (int i = 0; i < columns * rows; ++i) {
+      const int row = i / columns;
+      const int step = i % columns * kFrames + (row % 2 == 0 ? n : kFrames - n);
+      const int x = step * size.width / (columns * kFrames) % size.width;
       const int y = (2 * row + 1) * size.height / (2 * rows) - patch.height / 2;
-      for (int column = 0; column < columns; ++column) {
-        const int x = (column * kFrames + step) * size.width / (columns * kFrames);
-        const int inside = std::min(patch.width, size.width - x % size.width);
-        content.colRange(0, inside).copyTo(frame({x % size.width, y, inside, patch.height}));
-        if (inside == patch.width) continue;
-        content.colRange(inside, patch.width).copyTo(frame({0, y, patch.width - inside, patch.height}));
-      }
+      const cv::Point from(random.below(size.width - patch.width), random.below(size.height - patch.height));
+      paste_around(contents(cv::Rect(from, patch)), frame, x, y);
     }
     scene.ring.push_back(with_noise(frame, 101 + static_cast<std::uint64_t>(n)));
   }

@@ -1,6 +1,8 @@
 // Where a frame's time goes: the operations called one by one, beside the same frame in one call.
+#include <algorithm>
 #include <array>
 #include <cstring>
+#include <numeric>
 
 #include "bench/engine.h"
 #include "bench/sections/sections.h"
@@ -45,10 +47,17 @@ double find_objects(kAMBLE& engine, cv::Mat& scratch) {
   });
 }
 
+double foreground_of(const kAMBLE& engine) {
+  const auto count = static_cast<std::size_t>(engine.numPixel);
+  return static_cast<double>(std::count(engine.fgMask, engine.fgMask + count, 255)) /
+         static_cast<double>(count);
+}
+
 struct Medians {
   std::array<double, kStages> stages{};
   double sum = 0;
   double whole = 0;
+  double foreground = 0;  // mean share of the frame
 };
 
 Medians measure(const Scene& scene) {
@@ -60,7 +69,7 @@ Medians measure(const Scene& scene) {
   learn(*whole, scene.at(0), 0);
 
   std::array<std::vector<double>, kStages> times;
-  std::vector<double> sums, wholes;
+  std::vector<double> sums, wholes, shares;
   for (int n = 1; n < kWarm + kTimed; ++n) {
     std::array<double, kStages> time{};
     run_stages(*divided, scene.at(n), n, time);
@@ -75,12 +84,15 @@ Medians measure(const Scene& scene) {
     }
     sums.push_back(sum);
     wholes.push_back(at_once);
+    shares.push_back(foreground_of(*whole));
   }
 
   Medians medians;
   for (std::size_t i = 0; i < kStages; ++i) medians.stages[i] = median(times[i]);
   medians.sum = median(sums);
   medians.whole = median(wholes);
+  medians.foreground =
+      std::accumulate(shares.begin(), shares.end(), 0.0) / static_cast<double>(shares.size());
   return medians;
 }
 
@@ -89,7 +101,7 @@ Medians measure(const Scene& scene) {
 void measure_stages(Records& records) {
   std::vector<std::string> heads = {"scene"};
   heads.insert(heads.end(), kNames.begin(), kNames.end());
-  heads.insert(heads.end(), {"sum", "in one"});
+  heads.insert(heads.end(), {"sum", "in one", "foreground"});
   const Table table(
       "Stages, 1920x1080: milliseconds of the operations called one by one, of all, and of the same frame in "
       "one call",
@@ -104,6 +116,8 @@ void measure_stages(Records& records) {
     for (std::size_t i = 0; i < kStages; ++i) add(kNames[i], medians.stages[i]);
     add("sum", medians.sum);
     add("in_one", medians.whole);
+    records.add({"stages", name, text_of(kFullHd), kPlugin, "foreground", medians.foreground});
+    cells.push_back(figure(medians.foreground));
     table.row(cells);
   }
 }
