@@ -29,7 +29,9 @@ struct Options {
 };
 
 void describe(CLI::App& app, Options& options) {
-  app.add_option("--scenes", options.scenes, "of quiet, street, busy, lights, storm")->delimiter(',');
+  app.add_option("--scenes", options.scenes, "of quiet, street, busy, lights, storm")
+      ->delimiter(',')
+      ->check(CLI::IsMember(scene_names()));
   app.add_option("--sizes", options.sizes, "such as 1920x1080")->delimiter(',');
   app.add_option("--sections", options.sections, "of memory, frames, first_frame, regions, stages, objects")
       ->delimiter(',')

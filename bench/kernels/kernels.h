@@ -12,9 +12,9 @@
 
 namespace lm::bench {
 
-// As many bytes as a row of a large picture has pixels, up to a picture that no cache holds.
-inline constexpr int kSmallest = 1 << 12;
-inline constexpr int kLargest = 1 << 23;
+// Elements: about a row of a large picture, and a large picture.
+inline constexpr int kRow = 1 << 12;
+inline constexpr int kPicture = 1 << 23;
 
 using Bytes = std::vector<std::uint8_t>;
 Bytes filled(std::size_t count, std::uint64_t seed);
@@ -32,8 +32,8 @@ void add_versions(const std::vector<Version<Function>>& versions, Run run) {
     if (!version.isRunnable()) continue;
     Function* const function = version.function;
     benchmark::RegisterBenchmark(version.name, [=](benchmark::State& state) { run(state, function); })
-        ->RangeMultiplier(1 << 11)
-        ->Range(kSmallest, kLargest);
+        ->Arg(kRow)
+        ->Arg(kPicture);
   }
 }
 
