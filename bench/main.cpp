@@ -81,11 +81,11 @@ int run(const Options& options) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  Options options;
-  CLI::App app("Times whole frames: the plug-in beside other detectors, on generated input.");
-  describe(app, options);
-  CLI11_PARSE(app, argc, argv)
   try {
+    Options options;
+    CLI::App app("Times whole frames: the plug-in beside other detectors, on generated input.");
+    describe(app, options);
+    CLI11_PARSE(app, argc, argv)
     cv::setNumThreads(1);
     return run(options);
   } catch (const std::exception& error) {

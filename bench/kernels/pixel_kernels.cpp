@@ -9,7 +9,7 @@ std::size_t count_of(const benchmark::State& state) { return static_cast<std::si
 void replace(benchmark::State& state, simd::ReplaceFn* function) {
   Bytes mask = filled(count_of(state), 1);
   std::uint8_t from = 255;
-  for (auto _ : state) {
+  while (state.KeepRunning()) {
     function(mask.data(), mask.data() + mask.size(), from, static_cast<std::uint8_t>(from ^ 254));
     from ^= 254;  // 255 and 1 in turn, so that there always is something to replace
     benchmark::ClobberMemory();
@@ -23,7 +23,7 @@ void difference(benchmark::State& state, simd::GenRdDiffFn* function) {
   const Bytes a = filled(count * 3, 1);
   const Bytes b = filled(count * 3, 2);
   Bytes out(count);
-  for (auto _ : state) {
+  while (state.KeepRunning()) {
     function(a.data(), b.data(), out.data(), static_cast<int>(count), 1, 3, 1);
     benchmark::ClobberMemory();
   }
@@ -33,7 +33,7 @@ void difference(benchmark::State& state, simd::GenRdDiffFn* function) {
 void prune(benchmark::State& state, simd::PruneFn* function) {
   Bytes mask = filled(count_of(state), 1);
   const Bytes region(mask.size(), 1);
-  for (auto _ : state) {
+  while (state.KeepRunning()) {
     function(mask.data(), region.data(), static_cast<int>(mask.size()));
     benchmark::ClobberMemory();
   }
@@ -45,7 +45,7 @@ void match(benchmark::State& state, simd::MatchFn* function) {
   const std::size_t count = count_of(state) / 4;
   const Bytes samples = filled(count * 4, 1);
   const std::uint8_t pixel[4] = {100, 120, 140, 0};
-  for (auto _ : state) {
+  while (state.KeepRunning()) {
     int sum = 0;
     for (std::size_t i = 0; i < count; ++i) sum += function(pixel, &samples[i * 4], 13);
     benchmark::DoNotOptimize(sum);
@@ -59,7 +59,7 @@ void touch(benchmark::State& state, simd::TouchFn* function) {
   const int height = static_cast<int>(state.range(0)) / width;
   const Bytes first = filled(count_of(state), 1);
   const Bytes second(first.size(), 0);
-  for (auto _ : state)
+  while (state.KeepRunning())
     benchmark::DoNotOptimize(function({0, 0, width, height}, first.data(), second.data(), width, height));
   set_speed(state, first.size());
 }
@@ -67,7 +67,7 @@ void touch(benchmark::State& state, simd::TouchFn* function) {
 void widen(benchmark::State& state) {
   const Bytes from = filled(count_of(state), 1);
   std::vector<std::uint32_t> to(from.size());
-  for (auto _ : state) {
+  while (state.KeepRunning()) {
     simd::cvt_u8_to_u32(from.data(), to.data(), from.size());
     benchmark::ClobberMemory();
   }
@@ -77,7 +77,7 @@ void widen(benchmark::State& state) {
 void copy(benchmark::State& state) {
   const Bytes from = filled(count_of(state), 1);
   Bytes to(from.size());
-  for (auto _ : state) {
+  while (state.KeepRunning()) {
     std::memcpy(to.data(), from.data(), from.size());
     benchmark::ClobberMemory();
   }
