@@ -19,14 +19,12 @@ cv::Mat texture(cv::Size size, std::uint64_t seed) {
   constexpr int tile = 24;
   Random random(seed);
   cv::Mat picture(size, CV_8UC3);
-  const int columns = size.width / tile + 1;
-  const int rows = size.height / tile + 1;
-  std::vector<cv::Vec3i> tiles(static_cast<std::size_t>(columns) * static_cast<std::size_t>(rows));
+  cv::Mat_<cv::Vec3i> tiles(size.height / tile + 1, size.width / tile + 1);
   for (cv::Vec3i& colour : tiles) {
     for (int c = 0; c < 3; ++c) colour[c] = 60 + random.below(100);
   }
   picture.forEach<cv::Vec3b>([&](cv::Vec3b& pixel, const int* at) {
-    const cv::Vec3i& colour = tiles[static_cast<std::size_t>(at[0] / tile * columns + at[1] / tile)];
+    const cv::Vec3i& colour = tiles(at[0] / tile, at[1] / tile);
     const int grain = at[0] % tile + (at[0] * 7 + at[1] * 13) % 9 - 10;
     for (int c = 0; c < 3; ++c) pixel[c] = clamped(colour[c] + grain);
   });
