@@ -12,7 +12,10 @@ void replace_if_u8_avx2(std::uint8_t* begin, std::uint8_t* end, std::uint8_t fro
   for (; end - begin >= 32; begin += 32) {
     auto* const block = reinterpret_cast<__m256i*>(begin);
     const __m256i bytes = _mm256_loadu_si256(block);
-    _mm256_storeu_si256(block, _mm256_blendv_epi8(bytes, replacement, _mm256_cmpeq_epi8(bytes, old)));
+    const __m256i match = _mm256_cmpeq_epi8(bytes, old);
+    // Masks hold little to replace; what is not written need not go back to memory.
+    if (_mm256_testz_si256(match, match) != 0) continue;
+    _mm256_storeu_si256(block, _mm256_blendv_epi8(bytes, replacement, match));
   }
   replace_if_u8_c(begin, end, from, to);
 }

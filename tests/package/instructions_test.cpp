@@ -59,7 +59,7 @@ int levelOfMnemonic(const std::string& mnemonic) {
 // The level that a function's name allows.
 int levelOfName(const std::string& function) {
   const std::string name = function.substr(0, function.find('('));
-  if (!name.starts_with("simd::")) return 0;
+  if (!name.starts_with("simd::") && !name.starts_with("lm::")) return 0;
   if (name.ends_with("_avx2")) return 8;
   if (name.ends_with("_sse41")) return 5;
   return name.ends_with("_ssse3") ? 4 : 0;
