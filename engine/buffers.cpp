@@ -29,23 +29,25 @@ void growRegionMask(std::uint8_t*& mask, std::size_t have, std::size_t need) {
   mask = larger;
 }
 
+// `list` with `count` elements; new ones are `value`.
+template <typename T>
+void resizeLarge(std::vector<T>& list, std::size_t count, const T& value) {
+  list.reserve(count);
+  lm::adviseLarge(list.data(), count * sizeof(T));
+  list.resize(count, value);
+}
+
+// Kept: arrays from an earlier call are replaced, not freed.
 void makeNeighbourArrays(kAMBLE& engine, const lm::FrameShape& shape) {
-  engine.nbrIdx.resize(static_cast<std::size_t>(shape.count), nullptr);
+  resizeLarge<int*>(engine.nbrIdx, static_cast<std::size_t>(shape.count), nullptr);
   if (shape.width < 1) return;
-  for (std::int32_t pixel = 0; pixel < shape.count; ++pixel) {
-    // Kept: an array from an earlier call is replaced, not freed.
-    int* entries = new int[static_cast<std::size_t>(engine.numNbr)];
-    engine.nbrIdx[static_cast<std::size_t>(pixel)] = entries;
-    lm::fillNeighbours(entries, engine.numNbr, engine.nbrOffset, shape, pixel);
-  }
+  for (int*& entries : engine.nbrIdx) entries = new int[static_cast<std::size_t>(engine.numNbr)];
+  lm::fillNeighbours(engine.nbrIdx, engine.numNbr, engine.nbrOffset, shape);
 }
 
 void makeDirectNeighbours(kAMBLE& engine, const lm::FrameShape& shape) {
-  engine.nbr4Idx.resize(static_cast<std::size_t>(shape.count), int128_t{-1, -1, -1, -1, {}});
-  if (shape.width < 1) return;
-  for (std::int32_t pixel = 0; pixel < shape.count; ++pixel) {
-    lm::fillDirectNeighbours(engine.nbr4Idx[static_cast<std::size_t>(pixel)], shape, pixel);
-  }
+  resizeLarge(engine.nbr4Idx, static_cast<std::size_t>(shape.count), int128_t{-1, -1, -1, -1, {}});
+  if (shape.width >= 1) lm::fillDirectNeighbours(engine.nbr4Idx, shape);
 }
 
 }  // namespace
@@ -93,7 +95,7 @@ bool kAMBLE::initBuffer_ncv() {
   makeNeighbourArrays(*this, shape);
   makeDirectNeighbours(*this, shape);
   morphList.reserve(static_cast<std::size_t>(count));
-  bgModel.resize(static_cast<std::size_t>(count));
+  resizeLarge(bgModel, static_cast<std::size_t>(count), BgModel{});
 
   // Kept: always a new one; an earlier background image is not freed.
   const std::int32_t bytes = lm::wrapMul(count, frmChn);

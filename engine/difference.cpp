@@ -1,6 +1,7 @@
 // The differences that the model reads: frame to frame, and background to frame, on one channel.
 #include "engine/aligned.h"
 #include "engine/kamble.h"
+#include "engine/ranges.h"
 #include "engine/rules.h"
 #include "simd/simd.h"
 
@@ -17,18 +18,14 @@ int takeChannel(kAMBLE& engine) {
 
 }  // namespace
 
-bool kAMBLE::heuristic_ncv() {
+int kAMBLE::prepareDifferences() {
   skipFrame = false;
   const std::int32_t framePixels = lm::wrapMul(szImgX, szImgY);
+  int channel = lm::noDifference;
   if (prevFrame != nullptr) {
-    const int channel = takeChannel(*this);
-    if (lm::makeOnce(rdDiff, numPixel) && curFrame != nullptr) {
-      simd::genRdDiff(prevFrame, curFrame, rdDiff, szImgX, szImgY, frmChn, channel);
-    }
-    if (illumChange && lm::makeOnce(illumDiff, lm::wrapMul(framePixels, frmChn)) && bgImg != nullptr &&
-        curFrame != nullptr) {
-      simd::genRdDiff(bgImg, curFrame, illumDiff, szImgX, szImgY, frmChn, channel);
-    }
+    channel = takeChannel(*this);
+    lm::makeOnce(rdDiff, numPixel);
+    if (illumChange) lm::makeOnce(illumDiff, lm::wrapMul(framePixels, frmChn));
   } else {
     lm::makeOnce(rdDiff, numPixel, 255);
   }
@@ -36,5 +33,26 @@ bool kAMBLE::heuristic_ncv() {
     lm::makeOnce(prevFgMask, framePixels, 1);
     lm::makeOnce(fgMask, framePixels);
   }
+  return channel;
+}
+
+void lm::differRange(kAMBLE& engine, int channel, std::size_t begin, std::size_t end) {
+  if (channel == noDifference || engine.curFrame == nullptr) return;
+  const std::size_t offset = begin * static_cast<std::size_t>(engine.frmChn);
+  const auto count = static_cast<int>(end - begin);
+  const std::uint8_t* current = engine.curFrame + offset;
+  if (engine.rdDiff != nullptr) {
+    simd::genRdDiff(engine.prevFrame + offset, current, engine.rdDiff + begin, count, 1, engine.frmChn,
+                    channel);
+  }
+  if (engine.illumChange && engine.illumDiff != nullptr && engine.bgImg != nullptr) {
+    simd::genRdDiff(engine.bgImg + offset, current, engine.illumDiff + begin, count, 1, engine.frmChn,
+                    channel);
+  }
+}
+
+bool kAMBLE::heuristic_ncv() {
+  const int channel = prepareDifferences();
+  lm::differRange(*this, channel, 0, lm::countOf(lm::wrapMul(szImgX, szImgY)));
   return skipFrame;
 }

@@ -219,6 +219,17 @@ class kAMBLE {
   bool holdsFrames() const;
   // Releases what initBuffer_ncv would otherwise replace without freeing it. (buffers.cpp)
   void releaseModel();
+  // Makes the planes of the differences that are missing; returns the channel to compare, or
+  // lm::noDifference. (difference.cpp)
+  int prepareDifferences();
+  // Whether the planes that classification and update need are there. (model_classify.cpp, model_update.cpp)
+  bool canClassify() const;
+  bool canUpdate() const;
+  // Learns a frame of `pixels` pixels once the engine is sized; it is in curFrame already where `frame` is
+  // null. (pipeline.cpp)
+  bool learnStrips(const std::uint8_t* frame, std::int32_t pixels);
+  bool continues(const std::uint8_t* frame, std::int32_t pixels, int channels) const;
   std::size_t regionMaskBytes = 0;         // bytes of each region mask that setParam made
   std::vector<std::uint32_t*> labelTable;  // the table that labelRows points to
+  std::vector<bool> labelRowHolds;         // rows of the label map that may hold anything but 0
 };

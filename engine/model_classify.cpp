@@ -1,48 +1,15 @@
 // Deciding for every pixel whether it is background or foreground, and keeping count of how long foreground
 // has stayed still.
-#include <algorithm>
-#include <cstdlib>
-
+#include "engine/bits.h"
 #include "engine/kamble.h"
+#include "engine/ranges.h"
 #include "engine/rules.h"
-#include "simd/simd.h"
+#include "simd/model_kernels.h"
 
 namespace {
 
 constexpr std::uint8_t foreground = 255;
 constexpr std::uint8_t background = 0;
-constexpr std::uint32_t nothingMatched = 999;
-
-// Match distance of a pixel and a sample, or -1.
-int matchDistance(const std::uint8_t* pixel, const std::uint8_t* sample, int channels, int radius) {
-  if (channels == 3) return simd::isMatchVal_bgr24(pixel, sample, radius);
-  if (channels == 4) return simd::isMatchVal_bgr32(pixel, sample, radius);
-  const int distance = std::abs(static_cast<int>(*pixel) - static_cast<int>(*sample));
-  return distance <= radius ? distance : -1;
-}
-
-// Compares the pixel with its samples in slot order until enough match; leaves the smallest distance in
-// minDist. With one channel the count is tested after every slot, so that "none needed" is background at
-// once; with more, only after a match.
-bool isBackground(kAMBLE& engine, std::size_t pixel) {
-  const int channels = engine.frmChn;
-  const std::uint8_t* value = engine.curFrame + pixel * static_cast<std::size_t>(channels);
-  std::uint32_t nearest = nothingMatched;
-  int matches = 0;
-  bool enough = false;
-  for (const auto& sample : engine.bgModel[pixel].samples) {
-    const int distance = matchDistance(value, sample, channels, engine.thrMatch);
-    const bool matched = distance != -1;
-    if (matched) {
-      nearest = std::min(nearest, static_cast<std::uint32_t>(distance));
-      ++matches;
-    }
-    enough = (matched || channels == 1) && matches >= engine.minMatchNum;
-    if (enough) break;
-  }
-  engine.minDist[pixel] = nearest;
-  return enough;
-}
 
 bool isUnchangedBackground(const kAMBLE& engine, std::size_t pixel) {
   return engine.rdDiff[pixel] <= engine.thrHeuris && engine.prevFgMask[pixel] == background;
@@ -65,35 +32,66 @@ void absorb(kAMBLE& engine, std::size_t pixel) {
   engine.fgLife[pixel] = lm::absorbedLife(engine.lifeStaticFrm);
 }
 
-void classifyPixel(kAMBLE& engine, std::size_t pixel) {
+// What becomes of a pixel before any is compared with its samples.
+enum class Verdict { settled, unchanged, compare };
+
+Verdict judge(kAMBLE& engine, std::size_t pixel) {
   if (engine.roiMask[pixel] == 0) {
     engine.fgMask[pixel] = background;
-    return;
+    return Verdict::settled;
   }
-  if (!isUnchangedBackground(engine, pixel)) {
-    if (engine.ghostSuppression && engine.fgLife[pixel] > static_cast<float>(engine.lifeStaticFrm)) {
-      absorb(engine, pixel);
-      return;
-    }
-    engine.fgMask[pixel] = isBackground(engine, pixel) ? background : foreground;
+  if (isUnchangedBackground(engine, pixel)) return Verdict::unchanged;
+  if (engine.ghostSuppression && engine.fgLife[pixel] > static_cast<float>(engine.lifeStaticFrm)) {
+    absorb(engine, pixel);
+    return Verdict::settled;
   }
-  if (engine.ghostSuppression) keepLife(engine, pixel);
+  return Verdict::compare;
 }
 
-// Reads no plane at other pixels than those of the range.
-void classifyRange(kAMBLE& engine, std::size_t begin, std::size_t end) {
-  for (std::size_t pixel = begin; pixel < end; ++pixel) classifyPixel(engine, pixel);
+// The pixels `busy` of the block at `begin`; the block's other pixels stay as they are.
+void classifyBlock(kAMBLE& engine, const lm::ModelKernels& kernels, std::size_t begin, std::uint32_t busy) {
+  std::uint32_t compare = 0;
+  std::uint32_t unchanged = 0;
+  lm::forEachBit(busy, [&](std::size_t k) {
+    const Verdict verdict = judge(engine, begin + k);
+    compare |= static_cast<std::uint32_t>(verdict == Verdict::compare) << k;
+    unchanged |= static_cast<std::uint32_t>(verdict == Verdict::unchanged) << k;
+  });
+  if (compare != 0) {
+    const lm::MatchRule rule{engine.frmChn, engine.thrMatch, engine.minMatchNum};
+    const std::uint8_t* values = engine.curFrame + begin * static_cast<std::size_t>(engine.frmChn);
+    const std::uint32_t matched =
+        kernels.matchBlock(rule, engine.bgModel[begin].samples[0], values, compare, engine.minDist + begin);
+    lm::forEachBit(compare, [&](std::size_t k) {
+      engine.fgMask[begin + k] = (matched >> k & 1U) != 0 ? background : foreground;
+    });
+  }
+  if (engine.ghostSuppression) {
+    lm::forEachBit(compare | unchanged, [&](std::size_t k) { keepLife(engine, begin + k); });
+  }
 }
 
 }  // namespace
 
-bool kAMBLE::recogFg_ncv() {
-  const std::size_t count = lm::countOf(numPixel);
-  if (roiMask == nullptr || fgMask == nullptr || prevFgMask == nullptr || rdDiff == nullptr ||
-      curFrame == nullptr || absorbMask == nullptr || fgLife == nullptr || minDist == nullptr ||
-      bgModel.size() < count) {
-    return false;
+void lm::classifyRange(kAMBLE& engine, std::size_t begin, std::size_t end) {
+  const ModelKernels& kernels = modelKernels();
+  const ClassifyPlanes planes{engine.roiMask,    engine.rdDiff, engine.prevFgMask, engine.fgMask,
+                              engine.absorbMask, engine.fgLife, engine.thrHeuris,  engine.ghostSuppression};
+  std::uint32_t busy = 0;
+  for (std::size_t at = kernels.nextBusyBlock(planes, begin, end, busy); at < end;
+       at = kernels.nextBusyBlock(planes, at + blockPixels, end, busy)) {
+    classifyBlock(engine, kernels, at, busy);
   }
-  classifyRange(*this, 0, count);
+}
+
+bool kAMBLE::canClassify() const {
+  return roiMask != nullptr && fgMask != nullptr && prevFgMask != nullptr && rdDiff != nullptr &&
+         curFrame != nullptr && absorbMask != nullptr && fgLife != nullptr && minDist != nullptr &&
+         bgModel.size() >= lm::countOf(numPixel);
+}
+
+bool kAMBLE::recogFg_ncv() {
+  if (!canClassify()) return false;
+  lm::classifyRange(*this, 0, lm::countOf(numPixel));
   return true;
 }

@@ -6,26 +6,42 @@
 
 namespace {
 
-// A neighbour of the pixel, the next in turn.
-std::size_t takeNeighbour(kAMBLE& engine, std::size_t pixel) {
-  const std::uint32_t entry = engine.nbrCursor[pixel];
-  engine.nbrCursor[pixel] = lm::nextInRing(entry, engine.numNbr);
-  const int neighbour = engine.nbrIdx[pixel][entry];
-  return neighbour == -1 ? pixel : static_cast<std::size_t>(neighbour);
+// A pixel's bytes as a sample: `channels` of them, then 0. All but the frame's last pixel are read as a whole
+// word.
+template <int channels>
+std::uint32_t sampleOf(const kAMBLE& engine, std::size_t pixel, std::size_t last) {
+  const std::uint8_t* value = engine.curFrame + pixel * channels;
+  std::uint32_t word = 0;
+  if (pixel == last || channels == 4) {
+    std::memcpy(&word, value, channels);
+    return word;
+  }
+  if constexpr (channels == 1) return *value;
+  std::memcpy(&word, value, sizeof(word));
+  return word & 0x00FFFFFFU;
 }
 
-// Reads curFrame up to two rows and two columns away from the range.
-void seedRange(kAMBLE& engine, std::size_t begin, std::size_t end) {
-  const auto bytes = static_cast<std::size_t>(engine.frmChn);
-  for (std::size_t pixel = begin; pixel < end; ++pixel) {
-    const std::uint8_t* own = engine.curFrame + pixel * bytes;
-    BgModel& model = engine.bgModel[pixel];
-    std::memcpy(model.samples[0], own, bytes);
-    for (int slot = 1; slot < BgModel::numSamples; ++slot) {
-      std::memcpy(model.samples[slot], engine.curFrame + takeNeighbour(engine, pixel) * bytes, bytes);
-    }
-    std::memcpy(engine.bgImg + pixel * bytes, own, bytes);
+// The pixel's own value, then its neighbours', in turn. Reads curFrame up to two rows and two columns away.
+template <int channels>
+void seedPixel(kAMBLE& engine, std::size_t pixel, std::size_t last) {
+  std::uint32_t samples[BgModel::numSamples];
+  samples[0] = sampleOf<channels>(engine, pixel, last);
+  std::uint32_t cursor = engine.nbrCursor[pixel];
+  const int* neighbours = engine.nbrIdx[pixel];
+  for (int slot = 1; slot < BgModel::numSamples; ++slot) {
+    const int neighbour = neighbours[cursor];
+    cursor = lm::nextInRing(cursor, engine.numNbr);
+    samples[slot] =
+        sampleOf<channels>(engine, neighbour == -1 ? pixel : static_cast<std::size_t>(neighbour), last);
   }
+  engine.nbrCursor[pixel] = cursor;
+  std::memcpy(engine.bgModel[pixel].samples, samples, sizeof(samples));
+}
+
+template <int channels>
+void seedAll(kAMBLE& engine, std::size_t count) {
+  for (std::size_t pixel = 0; pixel < count; ++pixel) seedPixel<channels>(engine, pixel, count - 1);
+  if (count > 0) std::memcpy(engine.bgImg, engine.curFrame, count * channels);
 }
 
 }  // namespace
@@ -36,6 +52,8 @@ bool kAMBLE::initModel_ncv() {
       nbrIdx.size() < count || (count > 0 && nbrIdx.front() == nullptr)) {
     return false;
   }
-  seedRange(*this, 0, count);
+  if (frmChn == 1) seedAll<1>(*this, count);
+  if (frmChn == 3) seedAll<3>(*this, count);
+  if (frmChn == 4) seedAll<4>(*this, count);
   return true;
 }

@@ -1,10 +1,39 @@
 #include "engine/neighbours.h"
 
+#include <algorithm>
 #include <cstdlib>
 
 #include "engine/kamble.h"
+#include "engine/rules.h"
 
 namespace lm {
+namespace {
+
+// The entries of a pixel whose whole neighbourhood lies in the frame are the same distances from it
+// everywhere.
+std::vector<int> distancesOf(const std::vector<pnt>& offsets, std::int32_t numEntries,
+                             const FrameShape& shape) {
+  std::vector<int> distances;
+  for (std::int32_t k = 0; k < numEntries; ++k) {
+    const pnt& offset = offsets[static_cast<std::size_t>(k)];
+    distances.push_back(wrapAdd(wrapMul(offset.y, shape.width), offset.x));
+  }
+  return distances;
+}
+
+// A pixel near the frame's border.
+void fillAtBorder(int* entries, std::int32_t numEntries, const std::vector<pnt>& offsets,
+                  const FrameShape& shape, std::int32_t x, std::int32_t y) {
+  for (std::int32_t k = 0; k < numEntries; ++k) {
+    const pnt& offset = offsets[static_cast<std::size_t>(k)];
+    entries[k] = shape.indexAt(std::int64_t{x} + offset.x, std::int64_t{y} + offset.y);
+  }
+  for (std::int32_t k = 0; k < numEntries; ++k) {
+    while (entries[k] == -1) entries[k] = entries[std::rand() % numEntries];
+  }
+}
+
+}  // namespace
 
 std::vector<pnt> neighbourOffsets() {
   std::vector<pnt> offsets;
@@ -20,29 +49,40 @@ std::int32_t FrameShape::indexAt(std::int64_t x, std::int64_t y) const {
   return index < count ? static_cast<std::int32_t>(index) : -1;
 }
 
-void fillNeighbours(int* entries, std::int32_t numEntries, const std::vector<pnt>& offsets,
-                    const FrameShape& shape, std::int32_t pixel) {
-  const std::int32_t x = pixel % shape.width;
-  const std::int32_t y = pixel / shape.width;
-  for (std::int32_t k = 0; k < numEntries; ++k) {
-    const pnt& offset = offsets[static_cast<std::size_t>(k)];
-    entries[k] = shape.indexAt(std::int64_t{x} + offset.x, std::int64_t{y} + offset.y);
-  }
-  for (std::int32_t k = 0; k < numEntries; ++k) {
-    while (entries[k] == -1) entries[k] = entries[std::rand() % numEntries];
+void fillNeighbours(const std::vector<int*>& arrays, std::int32_t numEntries, const std::vector<pnt>& offsets,
+                    const FrameShape& shape) {
+  const std::vector<int> distances = distancesOf(offsets, numEntries, shape);
+  std::int32_t x = 0;
+  std::int32_t y = 0;
+  for (std::int32_t pixel = 0; pixel < shape.count; ++pixel) {
+    int* entries = arrays[static_cast<std::size_t>(pixel)];
+    const bool interior =
+        x >= 2 && x + 2 < shape.width && y >= 2 && shape.indexAt(x + 2, std::int64_t{y} + 2) != -1;
+    if (interior) {
+      for (std::size_t k = 0; k < distances.size(); ++k) entries[k] = pixel + distances[k];
+    } else {
+      fillAtBorder(entries, numEntries, offsets, shape, x, y);
+    }
+    if (++x == shape.width) {
+      x = 0;
+      ++y;
+    }
   }
 }
 
-void fillDirectNeighbours(int128_t& record, const FrameShape& shape, std::int32_t pixel) {
-  const std::int64_t x = pixel % shape.width;
-  const std::int64_t y = pixel / shape.width;
-  const auto store = [](std::int32_t& field, std::int32_t index) {
-    if (index != -1) field = index;
+void fillDirectNeighbours(std::vector<int128_t>& records, const FrameShape& shape) {
+  const auto store = [](std::int32_t& field, bool exists, std::int32_t index) {
+    if (exists) field = index;
   };
-  store(record.up, shape.indexAt(x, y - 1));
-  store(record.right, shape.indexAt(x + 1, y));
-  store(record.down, shape.indexAt(x, y + 1));
-  store(record.left, shape.indexAt(x - 1, y));
+  std::int32_t x = 0;
+  for (std::int32_t pixel = 0; pixel < shape.count; ++pixel) {
+    int128_t& record = records[static_cast<std::size_t>(pixel)];
+    store(record.up, pixel >= shape.width, pixel - shape.width);
+    store(record.right, x + 1 < shape.width && pixel + 1 < shape.count, pixel + 1);
+    store(record.down, pixel < shape.count - shape.width, pixel + shape.width);
+    store(record.left, x > 0, pixel - 1);
+    if (++x == shape.width) x = 0;
+  }
 }
 
 }  // namespace lm

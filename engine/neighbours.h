@@ -23,12 +23,12 @@ struct FrameShape {
   std::int32_t indexAt(std::int64_t x, std::int64_t y) const;
 };
 
-// Fills `entries` with the indices of the pixel's neighbours at `offsets`; positions outside the frame take a
-// random other entry of the same pixel, drawn from rand().
-void fillNeighbours(int* entries, std::int32_t numEntries, const std::vector<pnt>& offsets,
-                    const FrameShape& shape, std::int32_t pixel);
+// Fills every pixel's array of `numEntries` with the indices of its neighbours at `offsets`; positions
+// outside the frame take a random other entry of the same pixel, drawn from rand() in index order.
+void fillNeighbours(const std::vector<int*>& arrays, std::int32_t numEntries, const std::vector<pnt>& offsets,
+                    const FrameShape& shape);
 
-// Fills the direct neighbours that exist; fields of those that do not are left as they are.
-void fillDirectNeighbours(int128_t& record, const FrameShape& shape, std::int32_t pixel);
+// Fills the direct neighbours of every pixel that exist; fields of those that do not are left as they are.
+void fillDirectNeighbours(std::vector<int128_t>& records, const FrameShape& shape);
 
 }  // namespace lm

@@ -1,4 +1,5 @@
 // One frame, in order.
+#include <algorithm>
 #include <cstdio>
 #include <cstring>
 #include <string>
@@ -6,6 +7,7 @@
 #include "engine/aligned.h"
 #include "engine/c_locale.h"
 #include "engine/kamble.h"
+#include "engine/ranges.h"
 #include "engine/rules.h"
 
 namespace {
@@ -31,6 +33,29 @@ void copyBytes(std::uint8_t* to, const std::uint8_t* from, std::int32_t bytes) {
   if (bytes > 0) std::memcpy(to, from, static_cast<std::size_t>(bytes));
 }
 
+// Pixels of a strip: few enough for its planes to stay in a processor's own cache from one step to the next.
+constexpr std::size_t stripPixels = 8192;
+
+void takeRange(kAMBLE& engine, const std::uint8_t* frame, std::size_t begin, std::size_t end) {
+  const auto channels = static_cast<std::size_t>(engine.frmChn);
+  std::memcpy(engine.curFrame + begin * channels, frame + begin * channels, (end - begin) * channels);
+}
+
+// The planes that the next frame compares with, over a range. A mask that is the same is not written again.
+void rememberRange(kAMBLE& engine, std::size_t begin, std::size_t end) {
+  if (begin >= end) return;
+  const auto channels = static_cast<std::size_t>(engine.frmChn);
+  const std::size_t pixels = end - begin;
+  if (engine.prevFgMask != nullptr && engine.fgMask != nullptr &&
+      std::memcmp(engine.prevFgMask + begin, engine.fgMask + begin, pixels) != 0) {
+    std::memcpy(engine.prevFgMask + begin, engine.fgMask + begin, pixels);
+  }
+  if (engine.prevFrame == nullptr) return;
+  std::memcpy(engine.prevFrame + begin * channels, engine.curFrame + begin * channels, pixels * channels);
+}
+
+bool isKnownCount(int channels) { return channels == 1 || channels == 3 || channels == 4; }
+
 }  // namespace
 
 bool kAMBLE::setTimestamp(const char* timestamp) {
@@ -47,29 +72,65 @@ bool kAMBLE::holdsFrames() const {
          holds(bgImg, bgImgMade, bytes);
 }
 
+// Differences, classification and update of one frame, then the copies that the next frame compares with,
+// strip by strip. The update of a strip reads illumDiff two rows ahead, so the differences run that far
+// ahead.
+bool kAMBLE::learnStrips(const std::uint8_t* frame, std::int32_t pixels) {
+  const int channel = prepareDifferences();
+  const bool classify = !skipFrame && canClassify();
+  const bool update = classify && canUpdate();
+  bool learned = skipFrame || update;
+  const std::int32_t bytes = lm::wrapMul(pixels, frmChn);
+  learned &= lm::makeOnce(prevFgMask, pixels);
+  learned &= makeRoom(prevFrame, prevFrameMade, bytes);
+
+  const std::size_t count = lm::countOf(numPixel);
+  const std::size_t width = std::max<std::size_t>(1, lm::countOf(szImgX));
+  // A channel beyond the frame's reads across pixels, which only the frame as a whole can do.
+  const std::size_t rows = channel < frmChn ? stripPixels / width + 1 : count;
+  lm::LightCount light;
+  std::size_t differed = 0;
+  for (std::size_t begin = 0; begin < count;) {
+    const std::size_t end = std::min(count, begin + rows * width);
+    const std::size_t ahead = std::min(count, end + 2 * width);
+    if (frame != nullptr) takeRange(*this, frame, differed, ahead);
+    lm::differRange(*this, channel, differed, ahead);
+    differed = ahead;
+    if (classify) lm::classifyRange(*this, begin, end);
+    if (update) lm::updateRange(*this, begin, end, light);
+    rememberRange(*this, begin, std::min(end, lm::countOf(pixels)));
+    begin = end;
+  }
+  if (update) illumRatio = light.ratio();
+  return learned;
+}
+
+// Whether a frame has the shape of the one before it, so that it can be copied while it is learned.
+bool kAMBLE::continues(const std::uint8_t* frame, std::int32_t pixels, int channels) const {
+  return frmCount != 0 && frame != nullptr && curFrame != nullptr && pixels == numPixel &&
+         channels == frmChn && isKnownCount(channels);
+}
+
 bool kAMBLE::learnBg_ncv(const std::uint8_t* frame, int width, int height, int channels) {
-  if (preprocess_ncv(frame, width, height, channels) == 0) return false;
   const std::int32_t pixels = lm::wrapMul(width, height);
+  const bool copyLater = continues(frame, pixels, channels);
+  if (!copyLater && preprocess_ncv(frame, width, height, channels) == 0) return false;
   const bool sized = frmCount != 0;
   if (sized && (pixels > numPixel || lm::wrapMul(szImgX, szImgY) != numPixel || !holdsFrames())) return false;
   estFrameRate();
   updateLock();
 
   bool learned = true;
-  if (!sized) {
+  if (sized) {
+    learned = learnStrips(copyLater ? frame : nullptr, pixels);
+  } else {
     // Nothing is there on a first frame, unless an earlier attempt ran out of memory half-way.
     releaseModel();
     if (!initialization_ncv(width, height)) return false;
-  } else {
-    heuristic_ncv();
-    if (!skipFrame) learned = recogFg_ncv() && updateModel_ncv();
-    learned &= lm::makeOnce(prevFgMask, pixels);
-    if (prevFgMask != nullptr && fgMask != nullptr) copyBytes(prevFgMask, fgMask, pixels);
+    const std::int32_t bytes = lm::wrapMul(pixels, channels);
+    learned = makeRoom(prevFrame, prevFrameMade, bytes);
+    if (learned) copyBytes(prevFrame, curFrame, bytes);
   }
-
-  const std::int32_t bytes = lm::wrapMul(pixels, channels);
-  learned &= makeRoom(prevFrame, prevFrameMade, bytes);
-  if (prevFrame != nullptr) copyBytes(prevFrame, curFrame, bytes);
   frmCount = lm::wrapAdd(frmCount, 1);
   return learned;
 }
@@ -80,7 +141,7 @@ int kAMBLE::preprocess_ncv(const std::uint8_t* frame, int width, int height, int
   if (ready) copyBytes(curFrame, frame, bytes);
   frmChn = channels;
   // Kept: the count is judged last, so a refused frame has been copied and its count stored all the same.
-  if (channels != 1 && channels != 3 && channels != 4) {
+  if (!isKnownCount(channels)) {
     std::fprintf(stderr, "Error: input frame in a wrong channel number! \n");
     return 0;
   }
