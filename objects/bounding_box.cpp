@@ -31,26 +31,29 @@ int firstWhere(int from, int stop, int step, Test test) {
 
 }  // namespace
 
+boxRect lm::boxBetween(int left, int top, int right, int bottom, int width, int height) {
+  boxRect box = wholeFrame(width, height);
+  // Kept: the box includes the first empty row or column on every side. The margin lets pieces that lie a
+  // pixel apart reach each other when boxes are joined.
+  box.x = static_cast<float>(std::max(left, 0));
+  box.y = static_cast<float>(std::max(top, 0));
+  // Kept: where the component touches the bottom or right border the side stays the whole frame's.
+  if (bottom < height) box.height = static_cast<float>(bottom) - box.y + 1.0F;
+  if (right < width) box.width = static_cast<float>(right) - box.x + 1.0F;
+  return box;
+}
+
 boxRect findBoundingBox(std::uint32_t** rows, int label, int width, int height, int x0, int y0) {
   const auto wanted = static_cast<std::uint32_t>(label);
   const auto emptyRow = [&](int y) { return !rowHolds(rows, wanted, y, width); };
   const auto emptyColumn = [&](int x) { return !columnHolds(rows, wanted, x, height); };
-  boxRect box = wholeFrame(width, height);
-
   const bool rowInside = y0 >= 0 && y0 < height;
   const bool columnInside = x0 >= 0 && x0 < width;
-
-  // Kept: the box includes the first empty row or column on every side. The margin lets pieces that lie a
-  // pixel apart reach each other when boxes are joined.
-  if (rowInside && width >= 1) box.y = static_cast<float>(std::max(firstWhere(y0, -1, -1, emptyRow), 0));
-  if (columnInside) box.x = static_cast<float>(std::max(firstWhere(x0, -1, -1, emptyColumn), 0));
-
-  // Kept: where the component touches the bottom or right border the side stays the whole frame's.
+  const int top = rowInside && width >= 1 ? firstWhere(y0, -1, -1, emptyRow) : -1;
+  const int left = columnInside ? firstWhere(x0, -1, -1, emptyColumn) : -1;
   const int bottom = rowInside ? firstWhere(y0, height, 1, emptyRow) : height;
-  if (bottom < height) box.height = static_cast<float>(bottom) - box.y + 1.0F;
   const int right = columnInside ? firstWhere(x0, width, 1, emptyColumn) : width;
-  if (right < width) box.width = static_cast<float>(right) - box.x + 1.0F;
-  return box;
+  return lm::boxBetween(left, top, right, bottom, width, height);
 }
 
 boxRect findBoundingBox(std::uint8_t** rows, int label, int width, int height) {

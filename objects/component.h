@@ -14,6 +14,14 @@ struct ccObj {
   std::int32_t first;   // index (row * width + column) of its first pixel in raster order
 };
 
+namespace lm {
+
+// Box of a component in a frame of width x height: from the last empty column and row before it to the first
+// behind it. -1 stands for none before it, the frame's side (or more) for none behind it.
+boxRect boxBetween(int left, int top, int right, int bottom, int width, int height);
+
+}  // namespace lm
+
 // Box of the component that holds (x0, y0) in a label image of `height` rows of `width` labels, with one
 // empty pixel of margin on every side. Each search walks outward from (x0, y0) over whole rows or columns and
 // ends at the first that holds no pixel of `label`, so (x0, y0) has to be a pixel of the component in its top

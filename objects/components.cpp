@@ -1,58 +1,18 @@
 // Labelling the 4-connected regions of a map.
-#include <deque>
-
 #include "engine/kamble.h"
-#include "engine/rules.h"
 #include "objects/component.h"
-
-namespace {
-
-// The pixel's first direct neighbour that still carries `value`, or -1.
-std::int32_t nextUnlabelled(const int128_t& neighbours, const std::uint32_t* labels, std::uint32_t value) {
-  for (const std::int32_t index : {neighbours.up, neighbours.right, neighbours.down, neighbours.left}) {
-    if (index != -1 && labels[index] == value) return index;
-  }
-  return -1;
-}
-
-// Labels the region around `seed` depth first, on a stack of its own: a frame-sized region must not exhaust
-// the call stack. Returns its number of pixels.
-std::int32_t fillRegion(const kAMBLE& engine, std::uint32_t* labels, std::uint32_t value, std::uint32_t label,
-                        std::int32_t seed, std::deque<int>& stack) {
-  std::int32_t count = 1;
-  labels[seed] = label;
-  stack.push_front(seed);
-  while (!stack.empty()) {
-    const auto top = static_cast<std::size_t>(stack.front());
-    const std::int32_t next = nextUnlabelled(engine.nbr4Idx[top], labels, value);
-    if (next == -1) {
-      stack.pop_front();
-      continue;
-    }
-    labels[next] = label;
-    stack.push_front(next);
-    ++count;
-  }
-  return count;
-}
-
-// Labels count from 2 and never take the value that is searched.
-std::uint32_t skipValue(std::uint32_t label, std::uint32_t value) {
-  return label == value ? label + 1 : label;
-}
-
-}  // namespace
+#include "objects/runs.h"
 
 std::vector<ccObj> kAMBLE::connectedComponent(std::uint32_t* labels, std::uint8_t value) {
   std::vector<ccObj> components;
-  if (labels == nullptr || nbr4Idx.size() < lm::countOf(numPixel)) return components;
-  std::deque<int> stack;
-  std::uint32_t label = skipValue(2, value);
-  for (std::int32_t pixel = 0; pixel < numPixel; ++pixel) {
-    if (labels[pixel] != value) continue;
-    const std::int32_t count = fillRegion(*this, labels, value, label, pixel, stack);
-    components.push_back({label, count, pixel});
-    label = skipValue(label + 1, value);
+  if (labels == nullptr || szImgX < 1) return components;
+  lm::RunLabeller labeller(szImgX);
+  for (std::int32_t y = 0, begin = 0; begin < numPixel; ++y, begin += szImgX) {
+    const std::int32_t pixels = std::min(szImgX, numPixel - begin);
+    labeller.addRow<std::uint32_t>(labels + begin, y, pixels, value);
+  }
+  for (const lm::SpannedComponent& spanned : labeller.label(labels, value)) {
+    components.push_back(spanned.component);
   }
   return components;
 }

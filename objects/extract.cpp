@@ -4,9 +4,9 @@
 #include "engine/aligned.h"
 #include "engine/kamble.h"
 #include "engine/rules.h"
-#include "objects/component.h"
 #include "objects/join.h"
 #include "objects/region_names.h"
+#include "objects/runs.h"
 #include "objects/small_components.h"
 #include "simd/simd.h"
 
@@ -28,33 +28,58 @@ void cleanMask(kAMBLE& engine, std::uint8_t* mask) {
   simd::pruneFgByRoi(mask, engine.roiMask, engine.numPixel);
 }
 
-// Makes the row table if it is missing and copies the label map into it. False when memory is lacking.
-bool fillLabelRows(kAMBLE& engine) {
-  const std::size_t width = lm::countOf(engine.szImgX);
+// Makes the label map and the row table where they are missing. False when memory is lacking.
+bool makeLabels(kAMBLE& engine) {
+  const std::size_t height = lm::countOf(engine.szImgY);
+  if (engine.labelMap == nullptr || engine.labelRowHolds.size() != height)
+    engine.labelRowHolds.assign(height, true);
+  bool made = lm::makeOnce(engine.labelMap, engine.numPixel);
   if (engine.labelRows == nullptr) {
-    engine.labelTable.assign(lm::countOf(engine.szImgY), nullptr);
+    engine.labelTable.assign(height, nullptr);
     engine.labelRows = engine.labelTable.data();
+    engine.labelRowHolds.assign(height, true);
   }
-  bool made = true;
-  for (std::size_t row = 0; row < lm::countOf(engine.szImgY); ++row) {
-    made &= lm::makeOnce(engine.labelRows[row], engine.szImgX);
-    if (!made) continue;
-    std::memcpy(engine.labelRows[row], engine.labelMap + row * width, width * sizeof(std::uint32_t));
-  }
+  for (std::size_t row = 0; row < height; ++row) made &= lm::makeOnce(engine.labelRows[row], engine.szImgX);
   return made;
 }
 
-std::vector<boxRect> boxesOf(const kAMBLE& engine, const std::vector<ccObj>& components,
+bool isBlank(const std::uint8_t* row, std::size_t width) {
+  return row[0] == 0 && std::memcmp(row, row + 1, width - 1) == 0;
+}
+
+// Labels the mask in labelMap and labelRows and lists its components. Rows that were blank in the frame
+// before and still are cost nothing.
+std::vector<lm::SpannedComponent> labelMask(kAMBLE& engine, const std::uint8_t* mask) {
+  const std::size_t width = lm::countOf(engine.szImgX);
+  const std::size_t height = lm::countOf(engine.szImgY);
+  std::vector<bool>& holds = engine.labelRowHolds;
+  lm::RunLabeller labeller(engine.szImgX);
+  std::vector<std::size_t> touched;
+  for (std::size_t y = 0; y < height; ++y) {
+    const std::uint8_t* row = mask + y * width;
+    const bool blank = isBlank(row, width);
+    if (blank && !holds[y]) continue;
+    touched.push_back(y);
+    holds[y] = !blank;
+    simd::cvt_u8_to_u32(row, engine.labelMap + y * width, width);
+    if (!blank) labeller.addRow<std::uint8_t>(row, static_cast<std::int32_t>(y), engine.szImgX, 1);
+  }
+  std::vector<lm::SpannedComponent> components = labeller.label(engine.labelMap, 1);
+  for (const std::size_t y : touched) {
+    std::memcpy(engine.labelRows[y], engine.labelMap + y * width, width * sizeof(std::uint32_t));
+  }
+  return components;
+}
+
+std::vector<boxRect> boxesOf(const kAMBLE& engine, const std::vector<lm::SpannedComponent>& components,
                              lm::SmallComponents& small) {
   std::vector<boxRect> boxes;
-  for (const ccObj& component : components) {
-    const std::int32_t x = component.first % engine.szImgX;
-    const std::int32_t y = component.first / engine.szImgX;
-    if (component.count >= engine.thrCcPxl2) {
-      boxes.push_back(findBoundingBox(engine.labelRows, static_cast<int>(component.label), engine.szImgX,
-                                      engine.szImgY, x, y));
+  for (const lm::SpannedComponent& spanned : components) {
+    if (spanned.component.count >= engine.thrCcPxl2) {
+      boxes.push_back(lm::boxBetween(spanned.left - 1, spanned.top - 1, spanned.right + 1, spanned.bottom + 1,
+                                     engine.szImgX, engine.szImgY));
     } else if (engine.autoSensitivity) {
-      small.add(x, y);
+      small.add(spanned.component.first % engine.szImgX, spanned.top);
     }
   }
   return boxes;
@@ -65,13 +90,10 @@ std::vector<boxRect> boxesOf(const kAMBLE& engine, const std::vector<ccObj>& com
 std::vector<boxRect> kAMBLE::genFgObj_ncv(unsigned char* mask) {
   if (mask == nullptr || !isSized(*this)) return {};
   cleanMask(*this, mask);
-  if (!lm::makeOnce(labelMap, numPixel)) return {};
-  simd::cvt_u8_to_u32(mask, labelMap, lm::countOf(numPixel));
-  const std::vector<ccObj> components = connectedComponent(labelMap, 1);
-  if (!fillLabelRows(*this)) return {};
+  if (!makeLabels(*this)) return {};
 
   lm::SmallComponents small;
-  std::vector<boxRect> boxes = boxesOf(*this, components, small);
+  std::vector<boxRect> boxes = boxesOf(*this, labelMask(*this, mask), small);
   lm::joinNear(boxes, thrConnect);
   lm::dropSmall(boxes, minObjWPxl, minObjHPxl);
   lm::joinOverlapping(boxes);

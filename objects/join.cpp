@@ -1,20 +1,39 @@
 #include "objects/join.h"
 
+#include <algorithm>
 #include <cstdio>
 
 #include "engine/rules.h"
 
 namespace {
 
-// One pass; returns whether it joined anything.
+// Boxes come in the raster order of their components, so mostly sorted by y, and joining keeps that. Then the
+// search for a partner may end at the first box that begins too far below. `limit` keeps the squares of the
+// gaps within 32 bits: beyond, a gap may come out as anything.
+bool isSortedByTop(const std::vector<boxRect>& boxes) {
+  constexpr float limit = 16384.0F;
+  const auto inBounds = [](const boxRect& box) {
+    return box.x >= 0.0F && box.x + box.width < limit && box.y >= 0.0F && box.y + box.height < limit;
+  };
+  return std::all_of(boxes.begin(), boxes.end(), inBounds) &&
+         std::is_sorted(boxes.begin(), boxes.end(),
+                        [](const boxRect& a, const boxRect& b) { return a.y < b.y; });
+}
+
+// One pass; returns whether it joined anything. `reach`: boxes that begin more than that below another's end
+// are not related to it.
 template <typename Related>
-bool joinPass(std::vector<boxRect>& boxes, Related related) {
+bool joinPass(std::vector<boxRect>& boxes, float reach, Related related) {
   std::vector<boxRect> joined;
   std::vector<bool> used(boxes.size());
+  const bool sorted = isSortedByTop(boxes);
   const auto findPartner = [&](std::size_t i) {
-    std::size_t j = i + 1;
-    while (j < boxes.size() && (used[j] || !related(boxes[i], boxes[j]))) ++j;
-    return j;
+    const float last = boxes[i].y + boxes[i].height + reach;
+    for (std::size_t j = i + 1; j < boxes.size(); ++j) {
+      if (sorted && boxes[j].y > last) break;
+      if (!used[j] && related(boxes[i], boxes[j])) return j;
+    }
+    return boxes.size();
   };
   for (std::size_t i = 0; i < boxes.size(); ++i) {
     if (used[i]) continue;
@@ -32,8 +51,8 @@ bool joinPass(std::vector<boxRect>& boxes, Related related) {
 }
 
 template <typename Related>
-void joinAll(std::vector<boxRect>& boxes, Related related) {
-  while (boxes.size() >= 2 && joinPass(boxes, related)) {
+void joinAll(std::vector<boxRect>& boxes, float reach, Related related) {
+  while (boxes.size() >= 2 && joinPass(boxes, reach, related)) {
   }
 }
 
@@ -53,12 +72,13 @@ bool scale(float& position, float& extent, std::int32_t side) {
 namespace lm {
 
 void joinNear(std::vector<boxRect>& boxes, float maxGap) {
-  joinAll(boxes, [maxGap](boxRect& a, boxRect& b) {
+  constexpr float margin = 2.0F;  // gaps are truncated to whole pixels
+  joinAll(boxes, maxGap + margin, [maxGap](boxRect& a, boxRect& b) {
     return static_cast<float>(toInt32(calMinDist_ncv(a, b))) <= maxGap;
   });
 }
 
-void joinOverlapping(std::vector<boxRect>& boxes) { joinAll(boxes, isOverlap); }
+void joinOverlapping(std::vector<boxRect>& boxes) { joinAll(boxes, 0.0F, isOverlap); }
 
 void dropSmall(std::vector<boxRect>& boxes, std::int32_t minWidth, std::int32_t minHeight) {
   std::erase_if(boxes, [=](const boxRect& box) {
