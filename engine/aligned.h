@@ -20,7 +20,7 @@ inline void adviseLarge(void* memory, std::size_t bytes) {
   const auto address = reinterpret_cast<std::uintptr_t>(memory);
   const std::uintptr_t begin = (address + largePage - 1) & ~(largePage - 1);
   const std::uintptr_t end = (address + bytes) & ~(largePage - 1);
-  if (begin < end) madvise(reinterpret_cast<void*>(begin), end - begin, MADV_HUGEPAGE);
+  if (begin < end) madvise(static_cast<char*>(memory) + (begin - address), end - begin, MADV_HUGEPAGE);
 }
 
 // `bytes` bytes at 32-byte alignment, to be released with free(); null on failure, silently. A count that

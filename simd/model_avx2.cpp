@@ -39,7 +39,7 @@ struct AtMost {
 [[gnu::always_inline]] inline std::uint32_t lifeBelowOne(const float* life) {
   const __m256 one = _mm256_set1_ps(1.0F);
   std::uint32_t bits = 0;
-  for (int k = 0; k < 4; ++k) {
+  for (size_t k = 0; k < 4; ++k) {
     const __m256 below = _mm256_cmp_ps(_mm256_loadu_ps(life + 8 * k), one, _CMP_LT_OQ);
     bits |= static_cast<std::uint32_t>(_mm256_movemask_ps(below)) << (8 * k);
   }
@@ -92,7 +92,7 @@ struct Matcher {
   const __m256i pixel = _mm256_set1_epi32(static_cast<int>(value));
   std::uint32_t nearest = lm::nothingMatched;
   alignas(32) std::uint32_t distances[8];
-  for (int slot = 0; slot < lm::samplesPerPixel; slot += 8) {
+  for (size_t slot = 0; slot < lm::samplesPerPixel; slot += 8) {
     // The last four samples: what lies behind them belongs to the next pixel and is not read.
     const bool whole = slot + 8 <= lm::samplesPerPixel;
     const __m256i group =
@@ -150,7 +150,7 @@ struct Matcher {
   const __m256i insideBytes = _mm256_xor_si256(outside, _mm256_set1_epi8(-1));
   alignas(32) std::int8_t steps[32];  // -1 inside, 0 outside
   _mm256_store_si256(reinterpret_cast<__m256i*>(steps), insideBytes);
-  for (int k = 0; k < 4; ++k) {
+  for (size_t k = 0; k < 4; ++k) {
     auto* lane = reinterpret_cast<__m256i*>(timers + 8 * k);
     const __m256i step =
         _mm256_cvtepi8_epi32(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(steps + 8 * k)));

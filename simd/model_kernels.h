@@ -38,7 +38,7 @@ using NextBusyBlockFn = std::size_t(const ClassifyPlanes& planes, std::size_t fr
 // ---- matching
 // -----------------------------------------------------------------------------------------------
 
-inline constexpr int samplesPerPixel = 20;
+inline constexpr std::size_t samplesPerPixel = 20;
 inline constexpr std::uint32_t nothingMatched = 999;
 
 // How pixels are compared with their samples (20 slots of 4 bytes). The distance is the sum of the absolute

@@ -27,7 +27,7 @@ bool matchPixel(const MatchRule& rule, const std::uint8_t* samples, const std::u
   std::uint32_t nearest = nothingMatched;
   int matches = 0;
   bool enough = false;
-  for (int slot = 0; slot < samplesPerPixel && !enough; ++slot) {
+  for (std::size_t slot = 0; slot < samplesPerPixel && !enough; ++slot) {
     const int distance = matchDistance(rule, value, samples + 4 * slot);
     const bool matched = distance != -1;
     if (matched) {
