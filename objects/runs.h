@@ -55,6 +55,7 @@ template <typename Pixel>
 std::int32_t findPixel(const Pixel* row, std::int32_t from, std::int32_t end, Pixel value, bool same) {
   if constexpr (sizeof(Pixel) == 1) {
     if (same) {
+      if (from < end && row[from] == value) return from;  // a run goes on: no search
       const void* found = std::memchr(row + from, value, static_cast<std::size_t>(end - from));
       return found == nullptr ? end : static_cast<std::int32_t>(static_cast<const Pixel*>(found) - row);
     }
