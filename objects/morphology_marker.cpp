@@ -4,9 +4,18 @@
 
 #include "engine/kamble.h"
 #include "engine/rules.h"
-#include "objects/neighbour_test.h"
 
 namespace {
+
+// Whether `test` holds for the mask value of any direct neighbour of the pixel within the frame.
+template <typename Test>
+bool anyNeighbour(const kAMBLE& engine, const std::uint8_t* mask, std::int32_t pixel, Test test) {
+  const int128_t& neighbours = engine.nbr4Idx[static_cast<std::size_t>(pixel)];
+  for (const std::int32_t index : {neighbours.left, neighbours.right, neighbours.up, neighbours.down}) {
+    if (index != -1 && test(mask[index])) return true;
+  }
+  return false;
+}
 
 // Gives `marker` to every pixel of value `set` that has a neighbour which passes `test`, in index order and
 // at once, then turns every `marker` into `turned`: a byte that held the marker before is turned as well.
@@ -14,7 +23,7 @@ template <typename Test>
 void markAndTurn(const kAMBLE& engine, std::uint8_t* mask, std::uint8_t set, std::uint8_t marker,
                  std::uint8_t turned, Test test) {
   for (std::int32_t pixel = 0; pixel < engine.numPixel; ++pixel) {
-    if (mask[pixel] == set && lm::anyNeighbour(engine, mask, pixel, test)) mask[pixel] = marker;
+    if (mask[pixel] == set && anyNeighbour(engine, mask, pixel, test)) mask[pixel] = marker;
   }
   std::replace(mask, mask + lm::countOf(engine.numPixel), marker, turned);
 }
