@@ -1,0 +1,96 @@
+# What `cmake --install` puts where. The components become the packages: library, development files, program.
+#
+# Debian's linker, pkg-config and CMake look into the architecture's own folder below /usr and below /usr/local, so one
+# build tree serves an installation by hand and the packages.
+if(EXISTS /etc/debian_version AND CMAKE_LIBRARY_ARCHITECTURE)
+  set(CMAKE_INSTALL_LIBDIR lib/${CMAKE_LIBRARY_ARCHITECTURE} CACHE PATH "Libraries, below the prefix")
+endif()
+include(GNUInstallDirs)
+include(CMakePackageConfigHelpers)
+
+set(LIGHTMOTION_MAINTAINER "lightmotion developers <developers@lightmotion.invalid>"
+    CACHE STRING "Who stands behind the packages")
+
+# The headers that declare an exported name, and the records that these use. They include each other from the root of
+# the tree, which they keep below include/lightmotion. The API pages are made from the same list.
+set(LIGHTMOTION_PUBLIC_HEADERS
+  plugin/entry_points.h plugin/detector.h plugin/instance.h plugin/result.h
+  config/polygon.h
+  engine/kamble.h
+  objects/box.h objects/component.h objects/morphology.h objects/region_names.h
+  simd/cpu_level.h simd/simd.h)
+
+# ---- library and development files --------------------------------------------------------------------------
+set(cmake_folder ${CMAKE_INSTALL_LIBDIR}/cmake/lightmotion)
+set(include_folder ${CMAKE_INSTALL_INCLUDEDIR}/lightmotion)
+
+install(TARGETS lightmotion EXPORT lightmotion
+        LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT library NAMELINK_COMPONENT development
+        INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} ${include_folder})
+foreach(header ${LIGHTMOTION_PUBLIC_HEADERS})
+  get_filename_component(folder ${header} DIRECTORY)
+  install(FILES ${header} DESTINATION ${include_folder}/${folder} COMPONENT development)
+endforeach()
+
+install(EXPORT lightmotion NAMESPACE lightmotion:: FILE lightmotion-targets.cmake
+        DESTINATION ${cmake_folder} COMPONENT development)
+configure_package_config_file(packaging/lightmotion-config.cmake.in lightmotion-config.cmake
+                              INSTALL_DESTINATION ${cmake_folder} NO_CHECK_REQUIRED_COMPONENTS_MACRO)
+write_basic_package_version_file(${CMAKE_BINARY_DIR}/lightmotion-config-version.cmake COMPATIBILITY SameMajorVersion)
+install(FILES ${CMAKE_BINARY_DIR}/lightmotion-config.cmake ${CMAKE_BINARY_DIR}/lightmotion-config-version.cmake
+        DESTINATION ${cmake_folder} COMPONENT development)
+
+# Written while installing, because only then the prefix is known for certain.
+install(CODE "
+  set(version ${PROJECT_VERSION})
+  set(description \"${PROJECT_DESCRIPTION}\")
+  set(libdir ${CMAKE_INSTALL_LIBDIR})
+  set(includedir ${CMAKE_INSTALL_INCLUDEDIR})
+  configure_file(${CMAKE_SOURCE_DIR}/packaging/lightmotion.pc.in ${CMAKE_BINARY_DIR}/lightmotion.pc @ONLY)"
+  COMPONENT development)
+install(FILES ${CMAKE_BINARY_DIR}/lightmotion.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)
+
+install(DIRECTORY examples/c examples/cpp examples/python DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/liblightmotion-dev/examples
+        COMPONENT development)
+
+# ---- program ------------------------------------------------------------------------------------------------
+if(LIGHTMOTION_HOST)
+  install(TARGETS lightmotion_program RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT program)
+  set(data ${CMAKE_INSTALL_DATADIR})
+  install(FILES packaging/completion/lightmotion.bash RENAME lightmotion
+          DESTINATION ${data}/bash-completion/completions COMPONENT program)
+  install(FILES packaging/completion/lightmotion.zsh RENAME _lightmotion
+          DESTINATION ${data}/zsh/vendor-completions COMPONENT program)
+  install(FILES packaging/completion/lightmotion.fish
+          DESTINATION ${data}/fish/vendor_completions.d COMPONENT program)
+  install(FILES examples/night.json DESTINATION ${data}/doc/lightmotion/examples COMPONENT program)
+endif()
+
+# ---- texts that Debian wants compressed, and its two papers for each package --------------------------------
+# Without a time stamp, so that the same sources give the same bytes.
+function(compressed source target)
+  add_custom_command(OUTPUT ${target} COMMAND gzip -9nc ${source} > ${target} DEPENDS ${source} VERBATIM)
+endfunction()
+
+set(man_page ${CMAKE_BINARY_DIR}/lightmotion.1)
+configure_file(packaging/lightmotion.1.in ${man_page} @ONLY)
+compressed(${man_page} ${man_page}.gz)
+
+set(changelog ${CMAKE_BINARY_DIR}/changelog)
+set(to_debian ${CMAKE_SOURCE_DIR}/packaging/debian_changelog.awk)
+add_custom_command(OUTPUT ${changelog}
+  COMMAND awk -v maintainer=${LIGHTMOTION_MAINTAINER} -f ${to_debian} ${CMAKE_SOURCE_DIR}/CHANGELOG.md > ${changelog}
+  DEPENDS ${to_debian} CHANGELOG.md VERBATIM)
+compressed(${changelog} ${changelog}.gz)
+add_custom_target(lightmotion_papers ALL DEPENDS ${man_page}.gz ${changelog}.gz)
+
+function(papers package component)
+  install(FILES packaging/copyright ${changelog}.gz
+          DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/${package} COMPONENT ${component})
+endfunction()
+papers(liblightmotion1 library)
+papers(liblightmotion-dev development)
+if(LIGHTMOTION_HOST)
+  papers(lightmotion program)
+  install(FILES ${man_page}.gz DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT program)
+endif()

@@ -1,0 +1,61 @@
+# `cpack` makes three Debian packages of what install.cmake installs: the library, what programs are built with, and the
+# program.
+set(CPACK_GENERATOR DEB)
+set(CPACK_PACKAGE_NAME lightmotion)
+set(CPACK_PACKAGE_VERSION ${PROJECT_VERSION})
+set(CPACK_PACKAGE_CONTACT ${LIGHTMOTION_MAINTAINER})
+set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
+set(CPACK_STRIP_FILES ON)
+set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
+    OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
+
+set(CPACK_DEB_COMPONENT_INSTALL ON)
+set(CPACK_COMPONENTS_GROUPING IGNORE)
+set(CPACK_COMPONENTS_ALL library development)
+set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
+set(CPACK_DEBIAN_PACKAGE_PRIORITY optional)
+set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
+
+# usage: package(COMPONENT NAME SECTION DEPENDS SUMMARY MORE): MORE is the rest of the description.
+set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "") # each has its own
+function(package component name section depends summary more)
+  string(TOUPPER CPACK_DEBIAN_${component} prefix)
+  set(${prefix}_PACKAGE_NAME ${name} PARENT_SCOPE)
+  set(${prefix}_PACKAGE_SECTION ${section} PARENT_SCOPE)
+  set(${prefix}_PACKAGE_DEPENDS "${depends}" PARENT_SCOPE)
+  set(${prefix}_DESCRIPTION "${summary}\n${more}" PARENT_SCOPE)
+endfunction()
+
+set(what "lightmotion finds what moves in a video: an adaptive background model for
+every pixel, from whose foreground boxes are made. The same frames give the
+same bytes on every processor.")
+
+package(library liblightmotion1 libs "" "motion detection for video (shared library)" "${what}
+
+This package holds the plug-in that video-analytics hosts load.")
+set(CPACK_DEBIAN_LIBRARY_PACKAGE_SHLIBDEPS ON)
+set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
+set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS_POLICY ">=")
+# dpkg's trigger registers the library with the dynamic linker. CPack would write scripts that do so as well, unless
+# their names stand in this list; it passes over files that do not exist, with a warning.
+set(CPACK_DEBIAN_LIBRARY_PACKAGE_CONTROL_EXTRA
+    ${CMAKE_SOURCE_DIR}/packaging/symbols ${CMAKE_SOURCE_DIR}/packaging/triggers not-wanted/postinst not-wanted/postrm)
+
+package(development liblightmotion-dev libdevel "liblightmotion1 (= ${PROJECT_VERSION}), libjsoncpp-dev"
+        "motion detection for video (development files)" "${what}
+
+This package holds what hosts are built with: headers, CMake and pkg-config
+files, and the smallest complete hosts in C, C++ and Python.")
+
+if(LIGHTMOTION_HOST)
+  list(APPEND CPACK_COMPONENTS_ALL program)
+  # The library is loaded at run time, so this dependency is not found by itself.
+  package(program lightmotion video "liblightmotion1 (= ${PROJECT_VERSION})"
+          "motion detection for video (program)" "${what}
+
+This package holds the program that shows the plug-in at work on files, streams
+and cameras, and draws the boxes into a video.")
+  set(CPACK_DEBIAN_PROGRAM_PACKAGE_SHLIBDEPS ON)
+endif()
+
+include(CPack)

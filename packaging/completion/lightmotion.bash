@@ -1,0 +1,23 @@
+# Completion of lightmotion(1) for bash.
+_lightmotion() {
+  local word=$2 before=$3
+  COMPREPLY=()
+  if ((COMP_CWORD == 1)); then
+    mapfile -t COMPREPLY < <(compgen -W 'run --help --version' -- "$word")
+    return
+  fi
+  case $before in
+    -a | --annotate) mapfile -t COMPREPLY < <(compgen -f -X '!*.@(mp4|mkv|mov)' -- "$word"; compgen -d -- "$word") ;;
+    -c | --config | -o | --output | --plugin) mapfile -t COMPREPLY < <(compgen -f -- "$word") ;;
+    *)
+      if [[ $word == -* ]]; then
+        mapfile -t COMPREPLY < <(compgen -W '-c --config -o --output -a --annotate --plugin -q --quiet -v --verbose
+          -h --help' -- "$word")
+      else
+        mapfile -t COMPREPLY < <(compgen -f -- "$word")
+      fi
+      ;;
+  esac
+}
+# Names of files get their slashes and quotes from readline.
+complete -o filenames -F _lightmotion lightmotion

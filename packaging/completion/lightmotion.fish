@@ -1,0 +1,11 @@
+# Completion of lightmotion(1) for fish.
+set -l run '__fish_seen_subcommand_from run'
+complete -c lightmotion -n "not $run" -f -a run -d 'Find what moves in a video'
+complete -c lightmotion -n "not $run" -l version -d 'Print the version and exit'
+complete -c lightmotion -s h -l help -d 'Print a help message and exit'
+complete -c lightmotion -n "$run" -s c -l config -r -F -d 'Configuration document'
+complete -c lightmotion -n "$run" -s o -l output -r -F -d 'File for the result lines'
+complete -c lightmotion -n "$run" -s a -l annotate -r -F -d 'Video with the boxes drawn'
+complete -c lightmotion -n "$run" -l plugin -r -F -d 'The plug-in'
+complete -c lightmotion -n "$run" -s q -l quiet -d 'No progress bar and no summary'
+complete -c lightmotion -n "$run" -s v -l verbose -d 'Show what the plug-in and the decoder log'

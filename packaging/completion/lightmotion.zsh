@@ -1,0 +1,21 @@
+#compdef lightmotion
+# Completion of lightmotion(1) for zsh.
+_lightmotion() {
+  local state line
+  _arguments -C \
+    '(- *)'{-h,--help}'[print a help message and exit]' \
+    '(- *)--version[print the version and exit]' \
+    '1:command:((run\:"find what moves in a video"))' \
+    '*::argument:->run'
+  [[ $state == run ]] || return
+  _arguments -s \
+    '(-c --config)'{-c,--config}'[configuration document]:document:_files -g "*.json"' \
+    '(-o --output)'{-o,--output}'[file for the result lines]:file:_files' \
+    '(-a --annotate)'{-a,--annotate}'[video with the boxes drawn]:video:_files -g "*.(mp4|mkv|mov)"' \
+    '--plugin[the plug-in, when it is not in its usual place]:library:_files' \
+    '(-q --quiet)'{-q,--quiet}'[no progress bar and no summary]' \
+    '(-v --verbose)'{-v,--verbose}'[show what the plug-in and the decoder log]' \
+    '(- *)'{-h,--help}'[print a help message and exit]' \
+    '1:source:_files'
+}
+_lightmotion "$@"
