@@ -10,8 +10,8 @@
 
 // One vertex, in whole pixels. May lie outside the frame.
 struct pnt {
-  std::int32_t x;
-  std::int32_t y;
+  std::int32_t x;  // column
+  std::int32_t y;  // row
 };
 
 // A named region. The outline is closed implicitly (last vertex to first); orientation is free and outlines

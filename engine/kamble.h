@@ -29,14 +29,14 @@ struct ccObj;  // objects/component.h
 // Remembered samples of one pixel: slot s holds the pixel's bytes in the frame's own order, bytes beyond Ch
 // are 0.
 struct BgModel {
-  static constexpr int numSamples = 20;
-  std::uint8_t samples[numSamples][4];
+  static constexpr int numSamples = 20;  // slots
+  std::uint8_t samples[numSamples][4];   // slot, byte
 };
 
 // Indices of a pixel's four direct neighbours, -1 outside the frame.
 struct int128_t {
-  std::int32_t up, right, down, left;
-  std::uint8_t zero[16];
+  std::int32_t up, right, down, left;  // pixel indices
+  std::uint8_t zero[16];               // 0
 };
 
 // Upper bands of the life counter's frame difference (see fgLife); read at every use, a host may change them.
@@ -44,6 +44,7 @@ extern std::int32_t THRESH_SAME_PIXEL_x3;  // 30
 extern std::int32_t THRESH_SAME_PIXEL_x2;  // 20
 extern std::int32_t g_seed;                // 0; neither read nor written by the library
 
+// The engine; its life is told at the top of this file.
 class kAMBLE {
  public:
   kAMBLE();   // defaults as listed with the fields; allocates nothing

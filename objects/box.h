@@ -9,10 +9,10 @@
 // One object box. Inside the engine the numbers are pixels; in the list that genFgObj_ncv returns and in the
 // result document they are fractions (x, width of the frame width; y, height of the frame height).
 struct boxRect {
-  float x = 0.0F;
-  float y = 0.0F;
-  float width = 0.0F;
-  float height = 0.0F;
+  float x = 0.0F;                  // left edge
+  float y = 0.0F;                  // top edge
+  float width = 0.0F;              // to the right
+  float height = 0.0F;             // downwards
   std::vector<std::string> names;  // regions of interest that the box touches; copied with the box
 };
 

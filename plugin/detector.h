@@ -11,6 +11,7 @@
 
 class kAMBLE;
 
+// One detector, from init() to terminate().
 class lightMotion {
  public:
   lightMotion();

@@ -3,6 +3,7 @@
 
 class lightMotion;
 
+// Owns the one detector of the process.
 class CInstance {
  public:
   CInstance();

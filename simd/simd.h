@@ -14,6 +14,7 @@
 
 #include "simd/cpu_level.h"
 
+// The pixel kernels.
 namespace simd {
 
 // ---- replace ----------------------------------------------------------------------------------------------

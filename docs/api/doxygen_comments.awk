@@ -1,0 +1,37 @@
+# Doxygen's filter: shows it the plain comments of the public headers as documentation. The first comment of a file
+# describes the file; a comment line describes what follows, a comment behind code what it stands behind. Lines that are
+# indented within a comment keep their layout. Banners stay plain. Deleted functions and what a banner calls bookkeeping
+# are no part of the interface.
+
+# One declaration for each name of `type a, b, c;`, all with the same comment.
+function print_each(type, names, comment,    name, count, i) {
+  count = split(names, name, /, */)
+  for (i = 1; i <= count; ++i) print type " " name[i] ";  ///< " comment
+}
+
+/= delete;$/            { next }
+/^(class|struct) [^{]*;/ { sub(/ *\/\/.*/, ""); print; next }
+/^ *\/\/ ==== bookkeep/ { print "/// @cond"; hidden = 1; next }
+hidden && /^};/         { print "/// @endcond"; hidden = 0 }
+/^ *\/\/ *(----|====)/  { print "//"; next }
+FNR == 1 && /^\/\//     { print "/// @file" }
+FNR == 1 && /^\/\*/     { sub(/^\/\*/, "/** @file\n *"); print; next }
+/^\/\*/                 { sub(/^\/\*/, "/**"); print; next }
+/^ *\/\/   /            { if (!laid_out) print "///"; laid_out = 1; sub(/\/\/ /, "///     "); print; next }
+/^ *\/\/( |$)/          { if (laid_out) print "///"; laid_out = 0; sub(/\/\//, "///"); print; next }
+                        { laid_out = 0 }
+/^[A-Z][A-Za-z]*Fn [^=]*;$/ {  # functions that share a type have their contract with the type
+  names = substr($0, length($1) + 2)
+  sub(/;$/, "", names)
+  print_each($1, names, "See #" $1 ".")
+  next
+}
+/^ *[a-z_0-9:]+ [A-Za-z]+(, [A-Za-z]+)+; +\/\/ / {
+  names = comment = $0
+  sub(/^ *[^ ]+ /, "", names)
+  sub(/;.*/, "", names)
+  sub(/.*; +\/\/ /, "", comment)
+  print_each($1, names, comment)
+  next
+}
+                        { sub(/; +\/\/ /, ";  ///< "); print }
