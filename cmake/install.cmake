@@ -50,8 +50,9 @@ install(CODE "
   COMPONENT development)
 install(FILES ${CMAKE_BINARY_DIR}/lightmotion.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)
 
-install(DIRECTORY examples/c examples/cpp examples/python DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/liblightmotion-dev/examples
-        COMPONENT development)
+set(examples ${CMAKE_INSTALL_DATADIR}/doc/liblightmotion-dev/examples)
+install(DIRECTORY examples/c examples/cpp DESTINATION ${examples} COMPONENT development)
+install(PROGRAMS examples/python/host.py DESTINATION ${examples}/python COMPONENT development)
 
 # ---- program ------------------------------------------------------------------------------------------------
 if(LIGHTMOTION_HOST)

@@ -7,7 +7,10 @@ _lightmotion() {
     return
   fi
   case $before in
-    -a | --annotate) mapfile -t COMPREPLY < <(compgen -f -X '!*.@(mp4|mkv|mov)' -- "$word"; compgen -d -- "$word") ;;
+    -a | --annotate)
+      mapfile -t COMPREPLY < <(for kind in mp4 mkv mov; do compgen -f -X "!*.$kind" -- "$word"; done
+        compgen -d -- "$word")
+      ;;
     -c | --config | -o | --output | --plugin) mapfile -t COMPREPLY < <(compgen -f -- "$word") ;;
     *)
       if [[ $word == -* ]]; then

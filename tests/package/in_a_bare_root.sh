@@ -1,0 +1,59 @@
+#!/bin/sh
+# Runs within the bare root, with the packages in /packages: installs, uses and removes them, as users would.
+set -eu
+export DEBIAN_FRONTEND=noninteractive LC_ALL=C.UTF-8
+packages="liblightmotion1 liblightmotion-dev lightmotion"
+
+step() { echo "---- $*"; }
+fail() { echo "failed: $*" >&2; exit 1; }
+quietly() { "$@" >/tmp/log 2>&1 || { cat /tmp/log; fail "$*"; }; }
+install() { quietly apt-get install -y --no-install-recommends "$@"; }
+as_user() { setpriv --reuid=nobody --regid=nogroup --clear-groups env HOME=/tmp "$@"; }
+# Files and folders of ours, wherever they are.
+ours() { find / -xdev -path /packages -prune -o -path /proc -prune -o -iname '*lightmotion*' -print; }
+
+step "nothing of ours is here"
+[ -z "$(ours)" ] || fail "$(ours)"
+quietly apt-get update
+
+step "library and program install with what they depend on, and run"
+install /packages/liblightmotion1_*.deb /packages/lightmotion_*.deb
+ldconfig -p | grep -q 'liblightmotion\.so\.1 ' || fail "the linker does not know the library"
+version=$(dpkg-query -W -f '${Version}' lightmotion)
+[ "$(as_user lightmotion --version)" = "lightmotion $version" ] || fail "another version than $version"
+cd /tmp
+as_user lightmotion run --quiet --output scene.jsonl --annotate scene.mp4
+lines=$(wc -l <scene.jsonl)
+[ "$lines" -gt 300 ] || fail "the built-in scene has boxes in $lines frames only"
+as_user lightmotion run --quiet scene.mp4 --config /usr/share/doc/lightmotion/examples/night.json --output again.jsonl
+[ -s again.jsonl ] || fail "nothing moves in the annotated scene"
+
+step "hosts build against the development files with a C compiler, with CMake, and run; Python needs the library only"
+install /packages/liblightmotion-dev_*.deb gcc libc6-dev pkg-config
+examples=/usr/share/doc/liblightmotion-dev/examples
+cc -std=c11 -Wall -Wextra -Werror $examples/c/host.c $(pkg-config --cflags lightmotion) -o host-c
+printf '#include <plugin/entry_points.h>\nint main(void) { return !terminate(); }\n' >linked.c
+cc linked.c $(pkg-config --cflags --libs lightmotion) -o linked
+as_user ./linked
+install g++ cmake make python3
+quietly cmake -S $examples/cpp -B host-cpp
+quietly cmake --build host-cpp
+for host in ./host-c host-cpp/host $examples/python/host.py; do
+  as_user "$host" >"$(basename "$host").jsonl" 2>/tmp/log || { cat /tmp/log; fail "$host"; }
+done
+[ "$(wc -l <host-c.jsonl)" = 39 ] || fail "the square moves in 39 frames"
+cmp host-c.jsonl host.jsonl
+cmp host-c.jsonl host.py.jsonl
+
+step "the packages install once more over themselves"
+quietly dpkg -i /packages/*.deb
+
+step "the library does not go while somebody needs it; all three go without a trace"
+if dpkg --remove liblightmotion1 >/tmp/log 2>&1; then fail "the library went"; fi
+# shellcheck disable=SC2086  # a list of words
+quietly apt-get purge -y $packages
+[ -z "$(dpkg --audit)" ] || fail "$(dpkg --audit)"
+[ -z "$(ours)" ] || fail "left behind: $(ours)"
+if ldconfig -p | grep -q lightmotion; then fail "the linker still knows the library"; fi
+if as_user ./linked 2>/dev/null; then fail "a program still finds the library"; fi
+echo "everything went well"
