@@ -27,9 +27,13 @@ Json::Value parse(const std::string& text) {
   const std::unique_ptr<Json::CharReader> reader(settings.newCharReader());
   Json::Value root;
   std::string report;
-  if (!reader->parse(text.data(), text.data() + text.size(), &root, &report)) {
-    throw std::invalid_argument("not JSON: " + first_error(report));
+  bool parsed = false;
+  try {
+    parsed = reader->parse(text.data(), text.data() + text.size(), &root, &report);
+  } catch (const Json::Exception&) {
+    throw std::invalid_argument("nested too deeply");
   }
+  if (!parsed) throw std::invalid_argument("not JSON: " + first_error(report));
   if (!root.isObject()) throw std::invalid_argument("not a JSON object");
   return root;
 }

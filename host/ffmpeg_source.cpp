@@ -38,10 +38,11 @@ int quarter_turns(const AVStream& stream) {
   return static_cast<int>(std::lround(-anticlockwise / 90) + 4) % 4;
 }
 
+// 0 for what no camera states: more than a thousand frames a second, less than one a day.
 double nominal_rate(AVFormatContext& input, AVStream& stream) {
   const AVRational rate = av_guess_frame_rate(&input, &stream, nullptr);
   const double value = rate.den > 0 ? av_q2d(rate) : 0;
-  return value <= 1000 ? value : 0;
+  return value <= 1000 && value >= 1e-5 ? value : 0;
 }
 
 cv::Size pixel_aspect(AVFormatContext& input, AVStream& stream, int turns) {

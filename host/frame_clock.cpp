@@ -4,13 +4,19 @@ namespace lm::host {
 
 using namespace std::chrono_literals;
 
+namespace {
+
+constexpr FrameClock::Time farthest = std::chrono::years(100);
+
+}  // namespace
+
 FrameClock::Time FrameClock::next(std::optional<Time> stated) {
   const Time expected = last_ ? *last_ + interval_ : Time{0};
   Time now = expected;
-  if (stated) {
+  if (stated && *stated >= -farthest && *stated <= farthest) {
     if (!origin_) origin_ = *stated - expected;
     now = *stated - *origin_;
-    if (last_ && now < *last_ - 1s) {
+    if (last_ && (now < *last_ - 1s || now > farthest)) {
       origin_ = *stated - expected;
       now = expected;
     } else if (last_ && now <= *last_) {

@@ -11,7 +11,10 @@ namespace lm::host {
 //  - a frame that is not later than the one before it comes a millisecond after it;
 //  - a jump back by more than a second starts a new part (joined recordings, a camera that restarted its
 //  clock), which
-//    goes on one interval after the last frame.
+//    goes on one interval after the last frame;
+//  - damaged containers state any number: a time a hundred years or more away counts as none, and a part that
+//  would
+//    reach that far starts anew like one that jumps back.
 class FrameClock {
  public:
   using Time = std::chrono::microseconds;

@@ -3,10 +3,34 @@
 #include <json/json.h>
 
 #include <memory>
+#include <optional>
 
 #include "host/time_text.h"
 
 namespace lm::host {
+namespace {
+
+// Null for what is no JSON, or none that can be read.
+Json::Value parse(const std::string& document) {
+  Json::Value root;
+  const std::unique_ptr<Json::CharReader> reader(Json::CharReaderBuilder().newCharReader());
+  try {
+    if (reader->parse(document.data(), document.data() + document.size(), &root, nullptr)) return root;
+  } catch (const Json::Exception&) {  // nested too deeply
+  }
+  return {};
+}
+
+std::optional<cv::Rect2d> box_of(const Json::Value& object) {
+  if (!object.isObject()) return std::nullopt;
+  for (const char* key : {"x", "y", "width", "height"}) {
+    if (!object[key].isNumeric()) return std::nullopt;
+  }
+  return cv::Rect2d(object["x"].asDouble(), object["y"].asDouble(), object["width"].asDouble(),
+                    object["height"].asDouble());
+}
+
+}  // namespace
 
 std::string result_line(const std::string& document, std::int64_t frame, std::chrono::microseconds time) {
   std::string line = document;
@@ -20,13 +44,10 @@ std::string result_line(const std::string& document, std::int64_t frame, std::ch
 
 std::vector<cv::Rect2d> boxes_of(const std::string& document) {
   std::vector<cv::Rect2d> boxes;
-  Json::Value root;
-  const std::unique_ptr<Json::CharReader> reader(Json::CharReaderBuilder().newCharReader());
-  const char* text = document.data();
-  if (!reader->parse(text, text + document.size(), &root, nullptr) || !root.isObject()) return boxes;
+  const Json::Value root = parse(document);
+  if (!root.isObject()) return boxes;
   for (const Json::Value& object : root["object"]) {
-    boxes.emplace_back(object["x"].asDouble(), object["y"].asDouble(), object["width"].asDouble(),
-                       object["height"].asDouble());
+    if (const std::optional<cv::Rect2d> box = box_of(object)) boxes.push_back(*box);
   }
   return boxes;
 }

@@ -14,7 +14,7 @@ namespace lm::host {
 std::string result_line(const std::string& document, std::int64_t frame, std::chrono::microseconds time);
 
 // The boxes in fractions of the frame's size, in the document's order. Empty for an empty text and for one
-// that holds no boxes.
+// that holds no boxes; what is no object with four numbers is left out.
 std::vector<cv::Rect2d> boxes_of(const std::string& document);
 
 }  // namespace lm::host

@@ -100,6 +100,13 @@ TEST(Document, SaysInOneLineWhereTheTextStopsBeingJson) {
 TEST(Document, RefusesTextAfterItsEnd) { EXPECT_TRUE(refusal("{} {}").starts_with("not JSON")); }
 TEST(Document, RefusesAnEmptyFile) { EXPECT_TRUE(refusal("").starts_with("not JSON")); }
 
+// Found by fuzzing: the JSON library's own exception came out.
+TEST(Document, RefusesJsonThatIsNestedTooDeeply) {
+  for (const std::size_t depth : {1001U, 100'000U}) {
+    EXPECT_EQ(refusal(std::string(depth, '[')), "nested too deeply") << depth;
+  }
+}
+
 TEST(Document, RefusesJsonThatIsNoObject) {
   for (const char* text : {"[]", "5", "\"text\"", "null"})
     EXPECT_EQ(refusal(text), "not a JSON object") << text;

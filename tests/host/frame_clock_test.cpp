@@ -45,4 +45,26 @@ TEST(FrameClock, GoesOnAfterAJumpBack) {
   EXPECT_EQ(clock.next(2'100ms), 5'140ms);
 }
 
+// Found by fuzzing: differences and sums of such times do not fit their 64 bits.
+TEST(FrameClock, TakesNoNoticeOfTimesAHundredYearsAway) {
+  FrameClock clock(40ms);
+  EXPECT_EQ(clock.next(FrameClock::Time::min()), 0ms);
+  EXPECT_EQ(clock.next(FrameClock::Time::max()), 40ms);
+  EXPECT_EQ(clock.next(5s), 80ms) << "the first time that counts";
+  EXPECT_EQ(clock.next(FrameClock::Time::max()), 120ms);
+  EXPECT_EQ(clock.next(5'200ms), 280ms);
+}
+
+TEST(FrameClock, NeverGetsFurtherThanAHundredYearsByJumping) {
+  FrameClock clock(40ms);
+  const FrameClock::Time away = std::chrono::years(99);
+  FrameClock::Time last = -1us;
+  for (int i = 0; i < 2000; ++i) {
+    const auto now = clock.next(i % 2 == 0 ? -away : away);
+    ASSERT_GT(now, last);
+    ASSERT_LE(now, std::chrono::years(100));
+    last = now;
+  }
+}
+
 }  // namespace

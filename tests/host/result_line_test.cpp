@@ -42,4 +42,13 @@ TEST(Boxes, AreNoneInATextThatHoldsNone) {
   }
 }
 
+// Found by fuzzing: each of these let an exception of the JSON library out.
+TEST(Boxes, OfAnotherKindAreLeftOut) {
+  const auto boxes = boxes_of(
+      R"({"object":[1,"x",[],{"x":"a"},{"x":1,"y":1,"width":1},{"x":1,"y":2,"width":3,"height":4}]})");
+  ASSERT_EQ(boxes.size(), 1U);
+  EXPECT_EQ(boxes[0], cv::Rect2d(1, 2, 3, 4));
+  EXPECT_TRUE(boxes_of(std::string(2000, '[')).empty()) << "nested too deeply to be read";
+}
+
 }  // namespace

@@ -144,9 +144,13 @@ void Model::sizeBuffers(int w, int h) {
   sampleCursor.resize(n);
   refreshCount.resize(n);
   minDist.resize(n, 255);
-  fgLife.resize(n);
-  bgModel.resize(n);
-  bgImg.resize(n * static_cast<std::size_t>(frmChn));
+  // A frame counter that ran all the way round sizes the engine again: some of it starts afresh, the rest
+  // stays.
+  fgLife.assign(n, 0.0F);
+  bgModel.assign(n, {});
+  bgImg.assign(n * static_cast<std::size_t>(frmChn), 0);
+  nbrIdx.clear();
+  nbr4Idx.clear();
   for (int dx = -2; dx <= 2; ++dx) {
     for (int dy = -2; dy <= 2; ++dy) nbrOffset.push_back({dx, dy});
   }
@@ -164,7 +168,9 @@ void Model::findNeighbours(int x, int y) {
     return in ? row * szImgX + column : -1;
   };
   std::vector<std::int32_t> around;
-  for (const Vertex& offset : nbrOffset) around.push_back(indexOf(x + offset.x, y + offset.y));
+  for (std::size_t k = 0; k < static_cast<std::size_t>(numNbr); ++k) {
+    around.push_back(indexOf(x + nbrOffset[k].x, y + nbrOffset[k].y));
+  }
   for (std::int32_t& entry : around) {
     // Positions outside the frame become copies of random ones inside.
     while (entry == -1) entry = around[static_cast<std::size_t>(std::rand() % numNbr)];

@@ -1,0 +1,104 @@
+// Everything that the host program reads itself: command lines, configuration documents, result documents,
+// times. The first byte of the input says which.
+#include <json/json.h>
+
+#include <memory>
+#include <stdexcept>
+
+#include "host/document.h"
+#include "host/document_faults.h"
+#include "host/failure.h"
+#include "host/frame_clock.h"
+#include "host/options.h"
+#include "host/overlay.h"
+#include "host/progress.h"
+#include "host/result_line.h"
+#include "host/source.h"
+#include "host/time_text.h"
+#include "tests/fuzz/target.h"
+
+namespace {
+
+using namespace lm::host;
+using std::chrono::microseconds;
+
+// Arguments, one a line.
+void readArguments(const std::string& text) {
+  std::vector<std::string> arguments;
+  for (std::size_t at = 0; at <= text.size();) {
+    const std::size_t end = std::min(text.find('\n', at), text.size());
+    arguments.emplace_back(text.substr(at, end - at).c_str());
+    at = end + 1;
+  }
+  const Command command = parse_command_line(arguments);
+  fuzz::require(command.options.has_value() == command.text.empty(), "neither options nor a text, or both");
+  if (command.options) is_live(command.options->source);
+}
+
+// A configuration document for frames of 640 x 360.
+void readDocument(const std::string& text) {
+  std::string document;
+  try {
+    document = complete_document(text, {640, 360});
+  } catch (const std::invalid_argument& misfit) {
+    fuzz::require(!one_line(misfit.what()).empty(), "refused without a cause");
+    return;
+  }
+  complete_document(document, {640, 360});  // which is accepted
+  one_line(faulty_setting(document));
+  ignored_settings(document);
+}
+
+// A result document, with its frame's time in front.
+void readResult(const std::string& text) {
+  fuzz::Choices choices(reinterpret_cast<const std::uint8_t*>(text.data()), text.size());
+  const microseconds time(choices.number<std::int32_t>());
+  const std::string document = text.substr(std::min(text.size(), sizeof(std::int32_t)));
+  const std::string line = result_line(document, choices.byte(), time);
+  fuzz::require(line.find('\n') == std::string::npos, "a result of several lines");
+  for (const cv::Rect2d& box : boxes_of(document)) {
+    const cv::Rect pixels = pixels_of(box, {640, 360});
+    fuzz::require((pixels & cv::Rect(0, 0, 640, 360)) == pixels, "a box drawn outside its frame");
+  }
+}
+
+// Times that a container states.
+void readTimes(const std::string& text) {
+  fuzz::Choices choices(reinterpret_cast<const std::uint8_t*>(text.data()), text.size());
+  FrameClock clock(microseconds(choices.number<std::uint16_t>() + 1));
+  microseconds last(-1);
+  while (!choices.over()) {
+    const bool stated = choices.flag();
+    const microseconds time(choices.flag() ? choices.number<std::int64_t>() : choices.number<std::int16_t>());
+    const microseconds now = clock.next(stated ? std::optional(time) : std::nullopt);
+    fuzz::require(now > last, "time stands still or runs back");
+    last = now;
+    seconds_text(now);
+    clock_text(now);
+    render_progress(choices.byte(), {1, now, microseconds(choices.number<std::int64_t>()), 25.0});
+  }
+}
+
+}  // namespace
+
+int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  if (size == 0) return 0;
+  const std::string text(reinterpret_cast<const char*>(data) + 1, size - 1);
+  switch (data[0]) {
+    case 'a':
+      readArguments(text);
+      break;
+    case 'd':
+      readDocument(text);
+      break;
+    case 'r':
+      readResult(text);
+      break;
+    case 't':
+      readTimes(text);
+      break;
+    default:
+      return -1;  // of no use in the corpus
+  }
+  return 0;
+}
