@@ -66,7 +66,7 @@ int run(const Options& options) {
   if (wanted("frames")) right = measure_frames(plan, records);
   if (wanted("first_frame")) measure_first_frame(plan, records);
   if (wanted("regions")) measure_regions(plan, records);
-  if (wanted("stages")) measure_stages(records);
+  if (wanted("stages")) measure_stages(plan, records);
   if (wanted("objects")) measure_objects(records);
   judge(records);
   if (!options.csv.empty()) records.write_csv(options.csv);

@@ -43,6 +43,7 @@ void makeNeighbourArrays(kAMBLE& engine, const lm::FrameShape& shape) {
   if (shape.width < 1) return;
   for (int*& entries : engine.nbrIdx) entries = new int[static_cast<std::size_t>(engine.numNbr)];
   lm::fillNeighbours(engine.nbrIdx, engine.numNbr, engine.nbrOffset, shape);
+  engine.nbrDistances = lm::neighbourDistances(engine.nbrOffset, engine.numNbr, shape);
 }
 
 void makeDirectNeighbours(kAMBLE& engine, const lm::FrameShape& shape) {
@@ -126,6 +127,7 @@ void kAMBLE::destoryBuffer() {
   bgModel.clear();
   for (int*& entries : nbrIdx) lm::releaseArray(entries);
   nbrIdx.clear();
+  nbrDistances.clear();
   nbr4Idx.clear();
   lm::release(labelMap);
   if (labelRows == nullptr) return;

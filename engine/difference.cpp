@@ -3,7 +3,7 @@
 #include "engine/kamble.h"
 #include "engine/ranges.h"
 #include "engine/rules.h"
-#include "simd/simd.h"
+#include "simd/model_kernels.h"
 
 namespace {
 
@@ -36,23 +36,19 @@ int kAMBLE::prepareDifferences() {
   return channel;
 }
 
-void lm::differRange(kAMBLE& engine, int channel, std::size_t begin, std::size_t end) {
-  if (channel == noDifference || engine.curFrame == nullptr) return;
-  const std::size_t offset = begin * static_cast<std::size_t>(engine.frmChn);
-  const auto count = static_cast<int>(end - begin);
-  const std::uint8_t* current = engine.curFrame + offset;
-  if (engine.rdDiff != nullptr) {
-    simd::genRdDiff(engine.prevFrame + offset, current, engine.rdDiff + begin, count, 1, engine.frmChn,
-                    channel);
-  }
-  if (engine.illumChange && engine.illumDiff != nullptr && engine.bgImg != nullptr) {
-    simd::genRdDiff(engine.bgImg + offset, current, engine.illumDiff + begin, count, 1, engine.frmChn,
-                    channel);
-  }
+void lm::takeRange(kAMBLE& engine, const std::uint8_t* frame, int channel, std::size_t begin,
+                   std::size_t end) {
+  if (engine.curFrame == nullptr) return;
+  const bool differs = channel != noDifference;
+  const bool lit = differs && engine.illumChange && engine.bgImg != nullptr;
+  modelKernels().takeFrame(
+      {frame, engine.curFrame, engine.prevFrame, engine.bgImg, differs ? engine.rdDiff : nullptr,
+       lit ? engine.illumDiff : nullptr, engine.frmChn, channel},
+      begin, end);
 }
 
 bool kAMBLE::heuristic_ncv() {
   const int channel = prepareDifferences();
-  lm::differRange(*this, channel, 0, lm::countOf(lm::wrapMul(szImgX, szImgY)));
+  lm::takeRange(*this, nullptr, channel, 0, lm::countOf(lm::wrapMul(szImgX, szImgY)));
   return skipFrame;
 }

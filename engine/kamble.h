@@ -230,6 +230,7 @@ class kAMBLE {
   // null. (pipeline.cpp)
   bool learnStrips(const std::uint8_t* frame, std::int32_t pixels);
   bool continues(const std::uint8_t* frame, std::int32_t pixels, int channels) const;
+  std::vector<int> nbrDistances;  // see lm::neighbourDistances; empty unless initBuffer_ncv filled the arrays
   std::size_t regionMaskBytes = 0;         // bytes of each region mask that setParam made
   std::vector<std::uint32_t*> labelTable;  // the table that labelRows points to
   std::vector<bool> labelRowHolds;         // rows of the label map that may hold anything but 0

@@ -1,10 +1,12 @@
 // Replacing samples: absorbed pixels and changes of light at once, slowly changing background now and then.
 #include <algorithm>
+#include <array>
 #include <bit>
 #include <cstring>
 
 #include "engine/bits.h"
 #include "engine/kamble.h"
+#include "engine/neighbours.h"
 #include "engine/ranges.h"
 #include "engine/rules.h"
 #include "simd/model_kernels.h"
@@ -27,14 +29,6 @@ void writeSample(kAMBLE& engine, std::size_t pixel) {
   std::memcpy(engine.bgImg + pixel * bytes, value, bytes);
 }
 
-// Whether the light of a neighbour of the pixel, the next in turn, changed as well.
-bool neighbourChanged(kAMBLE& engine, std::size_t pixel) {
-  const std::uint32_t entry = engine.nbrCursor[pixel];
-  engine.nbrCursor[pixel] = lm::nextInRing(entry, engine.numNbr);
-  const int neighbour = engine.nbrIdx[pixel][entry];
-  return engine.illumDiff[neighbour == -1 ? pixel : static_cast<std::size_t>(neighbour)] > engine.thrIllum;
-}
-
 // Whether it is this pixel's turn for the slow refresh. The pixel was foreground or has changed.
 bool isRefreshDue(kAMBLE& engine, std::size_t pixel) {
   if (engine.updTimer[pixel] > 0) return false;
@@ -45,25 +39,77 @@ bool isRefreshDue(kAMBLE& engine, std::size_t pixel) {
   return turn == refreshTurn;
 }
 
-// The block's pixels that may have to be written into their models.
-void updateBlock(kAMBLE& engine, std::size_t begin, const lm::UpdateWork& work) {
-  lm::forEachBit(work.absorbed, [&](std::size_t k) {
-    writeSample(engine, begin + k);
-    engine.absorbMask[begin + k] = 0;
-  });
-  // A change of light over much of the scene is followed at once; elsewhere only together with a neighbour.
+// Blocks that are found before the first of them is worked on, so that their cursors and samples come from
+// memory while others are searched for.
+constexpr std::size_t blocksAhead = 32;
+
+// Blocks with work, and what was decided for their pixels.
+struct Batch {
+  std::array<lm::UpdateBlock, blocksAhead> blocks;
+  std::array<std::uint32_t, blocksAhead> followed;  // pixels whose change of light is written
+  std::size_t size = 0;
+};
+
+template <typename T>
+void fetch(const T* plane, std::size_t begin, std::uint32_t pixels) {
+  lm::forEachBit(pixels, [&](std::size_t k) { __builtin_prefetch(plane + begin + k); });
+}
+
+// Whether the light of a neighbour of the pixel, the next one in turn, changed as well. `distances`: of the
+// pixel's block, or null.
+bool neighbourChanged(kAMBLE& engine, const int* distances, std::size_t pixel) {
+  const std::uint32_t entry = engine.nbrCursor[pixel];
+  engine.nbrCursor[pixel] = lm::nextInRing(entry, engine.numNbr);
+  const std::int64_t neighbour = distances != nullptr ? static_cast<std::int64_t>(pixel) + distances[entry]
+                                                      : engine.nbrIdx[pixel][entry];
+  return engine.illumDiff[neighbour == -1 ? pixel : static_cast<std::size_t>(neighbour)] > engine.thrIllum;
+}
+
+// A change of light over much of the scene is followed at once; elsewhere only together with a neighbour.
+void followLight(kAMBLE& engine, const lm::NeighbourDistances& neighbours, Batch& batch) {
   const bool everywhere = !(engine.illumRatio < globalChangeRatio);
-  std::uint32_t followed = 0;
-  lm::forEachBit(work.lit, [&](std::size_t k) {
-    if (!everywhere && !neighbourChanged(engine, begin + k)) return;
-    writeSample(engine, begin + k);
-    followed |= 1U << k;
-  });
-  lm::forEachBit(work.changed & ~followed, [&](std::size_t k) {
+  for (std::size_t i = 0; i < batch.size; ++i) {
+    const lm::UpdateBlock& block = batch.blocks[i];
+    batch.followed[i] = everywhere ? block.work.lit : 0;
+    if (everywhere || block.work.lit == 0) continue;
+    const int* distances = neighbours.of(block.begin);
+    lm::forEachBit(block.work.lit, [&](std::size_t k) {
+      const bool changed = neighbourChanged(engine, distances, block.begin + k);
+      batch.followed[i] |= static_cast<std::uint32_t>(changed) << k;
+    });
+  }
+}
+
+std::uint32_t refresh(kAMBLE& engine, std::size_t begin, std::uint32_t changed) {
+  std::uint32_t due = 0;
+  lm::forEachBit(changed, [&](std::size_t k) {
     if (!isRefreshDue(engine, begin + k)) return;
-    writeSample(engine, begin + k);
     engine.updTimer[begin + k] = refreshRest;
+    due |= 1U << k;
   });
+  return due;
+}
+
+void updateBatch(kAMBLE& engine, const lm::NeighbourDistances& neighbours, Batch& batch) {
+  for (std::size_t i = 0; i < batch.size; ++i) {
+    const auto& [begin, work] = batch.blocks[i];
+    fetch(engine.nbrCursor, begin, work.lit);
+    fetch(engine.minDist, begin, work.changed);
+    fetch(engine.refreshCount, begin, work.changed);
+  }
+  followLight(engine, neighbours, batch);
+  for (std::size_t i = 0; i < batch.size; ++i) {
+    const auto& [begin, work] = batch.blocks[i];
+    for (std::uint32_t left = work.absorbed; left != 0; left &= left - 1) {
+      engine.absorbMask[begin + static_cast<std::size_t>(std::countr_zero(left))] = 0;
+    }
+    const std::uint32_t refreshed = refresh(engine, begin, work.changed & ~batch.followed[i]);
+    batch.followed[i] |= work.absorbed | refreshed;
+    fetch(engine.sampleCursor, begin, batch.followed[i]);
+  }
+  for (std::size_t i = 0; i < batch.size; ++i) {
+    lm::forEachBit(batch.followed[i], [&](std::size_t k) { writeSample(engine, batch.blocks[i].begin + k); });
+  }
 }
 
 }  // namespace
@@ -74,16 +120,17 @@ float lm::LightCount::ratio() const {
   return static_cast<float>(std::min(changed, limit)) / static_cast<float>(std::min(examined, limit));
 }
 
-void lm::updateRange(kAMBLE& engine, std::size_t begin, std::size_t end, LightCount& light) {
+void lm::updateRange(kAMBLE& engine, std::size_t begin, std::size_t end, const NeighbourDistances& distances,
+                     LightCount& light) {
   const ModelKernels& kernels = modelKernels();
   const UpdatePlanes planes{engine.roiMask,    engine.rdDiff,           engine.prevFgMask, engine.fgMask,
                             engine.absorbMask, engine.illumDiff,        engine.updTimer,   engine.thrHeuris,
                             engine.thrIllum,   engine.ghostSuppression, engine.illumChange};
-  UpdateWork work{};
-  for (std::size_t at = kernels.nextUpdateBlock(planes, begin, end, work, light.examined); at < end;
-       at = kernels.nextUpdateBlock(planes, at + blockPixels, end, work, light.examined)) {
-    light.changed += std::popcount(work.lit);
-    updateBlock(engine, at, work);
+  Batch batch;
+  while (begin < end) {
+    batch.size = kernels.findUpdateWork(planes, begin, end, batch.blocks.data(), blocksAhead, light.examined);
+    for (std::size_t i = 0; i < batch.size; ++i) light.changed += std::popcount(batch.blocks[i].work.lit);
+    updateBatch(engine, distances, batch);
   }
 }
 
@@ -98,7 +145,7 @@ bool kAMBLE::canUpdate() const {
 bool kAMBLE::updateModel_ncv() {
   if (!canUpdate()) return false;
   lm::LightCount light;
-  lm::updateRange(*this, 0, lm::countOf(numPixel), light);
+  lm::updateRange(*this, 0, lm::countOf(numPixel), lm::NeighbourDistances(), light);
   illumRatio = light.ratio();
   return true;
 }

@@ -5,21 +5,10 @@
 
 #include "engine/kamble.h"
 #include "engine/rules.h"
+#include "simd/model_kernels.h"
 
 namespace lm {
 namespace {
-
-// The entries of a pixel whose whole neighbourhood lies in the frame are the same distances from it
-// everywhere.
-std::vector<int> distancesOf(const std::vector<pnt>& offsets, std::int32_t numEntries,
-                             const FrameShape& shape) {
-  std::vector<int> distances;
-  for (std::int32_t k = 0; k < numEntries; ++k) {
-    const pnt& offset = offsets[static_cast<std::size_t>(k)];
-    distances.push_back(wrapAdd(wrapMul(offset.y, shape.width), offset.x));
-  }
-  return distances;
-}
 
 // A pixel near the frame's border.
 void fillAtBorder(int* entries, std::int32_t numEntries, const std::vector<pnt>& offsets,
@@ -49,9 +38,31 @@ std::int32_t FrameShape::indexAt(std::int64_t x, std::int64_t y) const {
   return index < count ? static_cast<std::int32_t>(index) : -1;
 }
 
+std::vector<int> neighbourDistances(const std::vector<pnt>& offsets, std::int32_t numEntries,
+                                    const FrameShape& shape) {
+  std::vector<int> distances;
+  for (std::int32_t k = 0; k < numEntries; ++k) {
+    const pnt& offset = offsets[static_cast<std::size_t>(k)];
+    distances.push_back(wrapAdd(wrapMul(offset.y, shape.width), offset.x));
+  }
+  return distances;
+}
+
+NeighbourDistances::NeighbourDistances(const kAMBLE& engine, const std::vector<int>& distances) {
+  const std::size_t width = countOf(engine.szImgX);
+  const std::size_t rows = width == 0 ? 0 : countOf(engine.numPixel) / width;
+  const bool roomForABlock = width >= blockPixels + 2 * reach && rows > 2 * reach;
+  if (distances.empty() || distances.size() != countOf(engine.numNbr) || !roomForABlock) return;
+  distances_ = distances.data();
+  width_ = static_cast<std::uint32_t>(width);
+  lastColumn_ = static_cast<std::uint32_t>(width - blockPixels - reach);
+  first_ = reach * width;
+  last_ = (rows - reach) * width;
+}
+
 void fillNeighbours(const std::vector<int*>& arrays, std::int32_t numEntries, const std::vector<pnt>& offsets,
                     const FrameShape& shape) {
-  const std::vector<int> distances = distancesOf(offsets, numEntries, shape);
+  const std::vector<int> distances = neighbourDistances(offsets, numEntries, shape);
   std::int32_t x = 0;
   std::int32_t y = 0;
   for (std::int32_t pixel = 0; pixel < shape.count; ++pixel) {

@@ -1,12 +1,14 @@
 // The neighbour tables of the model and of the morphology.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <vector>
 
 #include "config/polygon.h"
 
 struct int128_t;
+class kAMBLE;
 
 namespace lm {
 
@@ -27,6 +29,37 @@ struct FrameShape {
 // outside the frame take a random other entry of the same pixel, drawn from rand() in index order.
 void fillNeighbours(const std::vector<int*>& arrays, std::int32_t numEntries, const std::vector<pnt>& offsets,
                     const FrameShape& shape);
+
+// The entries of a pixel whose whole neighbourhood lies in the frame, less its own index: they are the same
+// for all such pixels.
+std::vector<int> neighbourDistances(const std::vector<pnt>& offsets, std::int32_t numEntries,
+                                    const FrameShape& shape);
+
+// Knows of which blocks of pixels the neighbours need not be looked up in the pixels' arrays, a visit to
+// memory that nothing else asks for.
+class NeighbourDistances {
+ public:
+  // Of no block.
+  NeighbourDistances() = default;
+  // Of those whose neighbourhoods lie in the frame; of none where `distances` is empty.
+  NeighbourDistances(const kAMBLE& engine, const std::vector<int>& distances);
+
+  // The distances for the 32 pixels from `begin` on, or null where their arrays have to be read.
+  const int* of(std::size_t begin) const {
+    if (begin < first_ || begin >= last_) return nullptr;
+    const std::uint32_t column = static_cast<std::uint32_t>(begin) % width_;
+    return column >= reach && column <= lastColumn_ ? distances_ : nullptr;
+  }
+
+ private:
+  static constexpr std::uint32_t reach = 2;  // of a neighbourhood, pixels
+
+  const int* distances_ = nullptr;
+  std::uint32_t width_ = 1;
+  std::uint32_t lastColumn_ = 0;  // at which a block may start
+  std::size_t first_ = 0;         // blocks start at [first_, last_)
+  std::size_t last_ = 0;
+};
 
 // Fills the direct neighbours of every pixel that exist; fields of those that do not are left as they are.
 void fillDirectNeighbours(std::vector<int128_t>& records, const FrameShape& shape);

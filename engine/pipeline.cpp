@@ -7,6 +7,7 @@
 #include "engine/aligned.h"
 #include "engine/c_locale.h"
 #include "engine/kamble.h"
+#include "engine/neighbours.h"
 #include "engine/ranges.h"
 #include "engine/rules.h"
 
@@ -35,11 +36,6 @@ void copyBytes(std::uint8_t* to, const std::uint8_t* from, std::int32_t bytes) {
 
 // Pixels of a strip: few enough for its planes to stay in a processor's own cache from one step to the next.
 constexpr std::size_t stripPixels = 8192;
-
-void takeRange(kAMBLE& engine, const std::uint8_t* frame, std::size_t begin, std::size_t end) {
-  const auto channels = static_cast<std::size_t>(engine.frmChn);
-  std::memcpy(engine.curFrame + begin * channels, frame + begin * channels, (end - begin) * channels);
-}
 
 // The planes that the next frame compares with, over a range. A mask that is the same is not written again.
 void rememberRange(kAMBLE& engine, std::size_t begin, std::size_t end) {
@@ -88,16 +84,16 @@ bool kAMBLE::learnStrips(const std::uint8_t* frame, std::int32_t pixels) {
   const std::size_t width = std::max<std::size_t>(1, lm::countOf(szImgX));
   // A channel beyond the frame's reads across pixels, which only the frame as a whole can do.
   const std::size_t rows = channel < frmChn ? stripPixels / width + 1 : count;
+  const lm::NeighbourDistances distances(*this, nbrDistances);
   lm::LightCount light;
   std::size_t differed = 0;
   for (std::size_t begin = 0; begin < count;) {
     const std::size_t end = std::min(count, begin + rows * width);
     const std::size_t ahead = std::min(count, end + 2 * width);
-    if (frame != nullptr) takeRange(*this, frame, differed, ahead);
-    lm::differRange(*this, channel, differed, ahead);
+    lm::takeRange(*this, frame, channel, differed, ahead);
     differed = ahead;
     if (classify) lm::classifyRange(*this, begin, end);
-    if (update) lm::updateRange(*this, begin, end, light);
+    if (update) lm::updateRange(*this, begin, end, distances, light);
     rememberRange(*this, begin, std::min(end, lm::countOf(pixels)));
     begin = end;
   }

@@ -22,14 +22,17 @@ struct LightCount {
 // The channel when there is no frame before to differ from.
 inline constexpr int noDifference = -1;
 
-// rdDiff, and illumDiff where illumination handling is on, on `channel`. Reads no other pixels.
-// (difference.cpp)
-void differRange(kAMBLE& engine, int channel, std::size_t begin, std::size_t end);
+// Takes `frame` into curFrame, unless it is null because it is there already; then rdDiff, and illumDiff
+// where illumination handling is on, on `channel`. Reads no other pixels. (difference.cpp)
+void takeRange(kAMBLE& engine, const std::uint8_t* frame, int channel, std::size_t begin, std::size_t end);
 
 // fgMask, minDist, fgLife, absorbMask. Reads no other pixels. (model_classify.cpp)
 void classifyRange(kAMBLE& engine, std::size_t begin, std::size_t end);
 
+class NeighbourDistances;
+
 // Samples, bgImg, timers and counters. Reads illumDiff up to two rows away. (model_update.cpp)
-void updateRange(kAMBLE& engine, std::size_t begin, std::size_t end, LightCount& light);
+void updateRange(kAMBLE& engine, std::size_t begin, std::size_t end, const NeighbourDistances& distances,
+                 LightCount& light);
 
 }  // namespace lm

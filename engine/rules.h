@@ -82,16 +82,6 @@ constexpr LockSegment moveLock(std::int32_t first, std::int32_t width, std::int3
 // ---- life of still foreground
 // -------------------------------------------------------------------------------
 
-constexpr float decayLife(float life) { return life >= 1.0F ? life - 0.8F : life; }
-
-// Life of a foreground pixel whose frame difference is `change`: the stiller, the more it gains.
-constexpr float gainLife(float life, std::int32_t change, std::int32_t band2, std::int32_t band3) {
-  if (change <= 10) return life + 1.0F;
-  if (change <= band2) return life + 0.5F;
-  if (change <= band3) return life + 0.2F;
-  return decayLife(life);
-}
-
 // Life that a pixel holds once it was absorbed.
 constexpr float absorbedLife(std::int32_t lifeStaticFrm) {
   return static_cast<float>(wrapAdd(lifeStaticFrm, 1));

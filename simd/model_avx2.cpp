@@ -11,12 +11,73 @@ using std::size_t;
   return _mm256_loadu_si256(reinterpret_cast<const __m256i*>(bytes));
 }
 
+struct Bgr {
+  std::uint8_t bytes[3];
+};
+
+// Asks for the elements of a block some blocks behind the one at `begin`: more planes are read side by side
+// than the processor follows by itself. Nothing is read, so the end of a plane may be passed.
+template <typename T>
+[[gnu::always_inline]] inline void fetchAhead(const T* plane, size_t begin) {
+  constexpr size_t ahead = 16 * lm::blockPixels;
+  const auto address = reinterpret_cast<std::uintptr_t>(plane) + (begin + ahead) * sizeof(T);
+  for (size_t at = 0; at < lm::blockPixels * sizeof(T); at += 64) {
+    _mm_prefetch(reinterpret_cast<const char*>(address + at), _MM_HINT_T0);
+  }
+}
+
 [[gnu::always_inline]] inline __m256i isZero(__m256i bytes) {
   return _mm256_cmpeq_epi8(bytes, _mm256_setzero_si256());
 }
 
 [[gnu::always_inline]] inline std::uint32_t bitsOf(__m256i bytes) {
   return static_cast<std::uint32_t>(_mm256_movemask_epi8(bytes));
+}
+
+[[gnu::always_inline]] inline void store32(std::uint8_t* bytes, __m256i value) {
+  _mm256_storeu_si256(reinterpret_cast<__m256i*>(bytes), value);
+}
+
+// Picks one channel of 32 pixels of three bytes. Three is no divisor of 16, so the wanted bytes of 48 have
+// each another place among 16: they are put together first and brought into order by one shuffle.
+struct ChannelOf3 {
+  __m256i fromSecond;
+  __m256i fromThird;
+  __m256i order;
+
+  [[gnu::always_inline]] explicit ChannelOf3(int channel) {
+    alignas(32) std::uint8_t second[32];
+    alignas(32) std::uint8_t third[32];
+    alignas(32) std::uint8_t sources[32];
+    for (int i = 0; i < 32; ++i) {
+      // Byte i of a group of 16: in which of the three it is a wanted one.
+      const int byte = i % 16;
+      second[i] = (byte + 16) % 3 == channel ? 0xFF : 0;
+      third[i] = (byte + 32) % 3 == channel ? 0xFF : 0;
+      sources[i] = static_cast<std::uint8_t>((3 * byte + channel) % 16);
+    }
+    fromSecond = load32(second);
+    fromThird = load32(third);
+    order = load32(sources);
+  }
+
+  [[gnu::always_inline]] __m256i operator()(__m256i a, __m256i b, __m256i c) const {
+    // Pixels 0 to 15 in the lower halves, 16 to 31 in the upper ones.
+    const __m256i first = _mm256_blend_epi32(a, b, 0xF0);
+    const __m256i second = _mm256_permute2x128_si256(a, c, 0x21);
+    const __m256i third = _mm256_blend_epi32(b, c, 0xF0);
+    const __m256i wanted =
+        _mm256_blendv_epi8(_mm256_blendv_epi8(first, second, fromSecond), third, fromThird);
+    return _mm256_shuffle_epi8(wanted, order);
+  }
+
+  [[gnu::always_inline]] __m256i operator()(const std::uint8_t* pixels) const {
+    return (*this)(load32(pixels), load32(pixels + 32), load32(pixels + 64));
+  }
+};
+
+[[gnu::always_inline]] inline __m256i distanceOf(__m256i a, __m256i b) {
+  return _mm256_or_si256(_mm256_subs_epu8(a, b), _mm256_subs_epu8(b, a));
 }
 
 // A threshold for bytes: byte <= threshold. A negative one holds for none.
@@ -35,85 +96,175 @@ struct AtMost {
   }
 };
 
-// Of 32 pixels, those whose life is below 1.
-[[gnu::always_inline]] inline std::uint32_t lifeBelowOne(const float* life) {
-  const __m256 one = _mm256_set1_ps(1.0F);
+// Of 32 pixels, those whose life stands to `bound` as `relation` says.
+template <int relation>
+[[gnu::always_inline]] inline std::uint32_t livesThat(const float* life, float bound) {
+  const __m256 bounds = _mm256_set1_ps(bound);
   std::uint32_t bits = 0;
   for (size_t k = 0; k < 4; ++k) {
-    const __m256 below = _mm256_cmp_ps(_mm256_loadu_ps(life + 8 * k), one, _CMP_LT_OQ);
-    bits |= static_cast<std::uint32_t>(_mm256_movemask_ps(below)) << (8 * k);
+    const __m256 holds = _mm256_cmp_ps(_mm256_loadu_ps(life + 8 * k), bounds, relation);
+    bits |= static_cast<std::uint32_t>(_mm256_movemask_ps(holds)) << (8 * k);
   }
   return bits;
 }
 
-[[gnu::always_inline]] inline std::uint32_t busyPixels(const lm::ClassifyPlanes& planes,
-                                                       const AtMost& unchanged, size_t begin) {
+// Whether the block at `begin` has busy pixels; `busy` is written only then.
+[[gnu::always_inline]] inline bool isBusy(const lm::ClassifyPlanes& planes, const AtMost& unchanged,
+                                          size_t begin, lm::BusyPixels& busy) {
+  fetchAhead(planes.roiMask, begin);
+  fetchAhead(planes.fgMask, begin);
+  const std::uint32_t outside = bitsOf(isZero(load32(planes.roiMask + begin)));
   const __m256i foreground = load32(planes.fgMask + begin);
   const __m256i background = isZero(foreground);
-  const std::uint32_t outside = bitsOf(isZero(load32(planes.roiMask + begin)));
+  if (outside == ~0U) {
+    busy = {~bitsOf(background), 0, 0, 0};
+    return busy.outside != 0;
+  }
+  fetchAhead(planes.prevFgMask, begin);
+  if (planes.accountLife) {
+    fetchAhead(planes.absorbMask, begin);
+    fetchAhead(planes.fgLife, begin);
+  }
   const std::uint32_t still = bitsOf(
       _mm256_and_si256(unchanged(load32(planes.rdDiff + begin)), isZero(load32(planes.prevFgMask + begin))));
   std::uint32_t lifeless = ~0U;
   if (planes.accountLife) {
     const __m256i absorbed = _mm256_cmpeq_epi8(load32(planes.absorbMask + begin), _mm256_set1_epi8(-1));
-    lifeless = bitsOf(_mm256_andnot_si256(absorbed, background)) & lifeBelowOne(planes.fgLife + begin);
+    lifeless = bitsOf(_mm256_andnot_si256(absorbed, background)) &
+               livesThat<_CMP_LT_OQ>(planes.fgLife + begin, 1.0F);
   }
-  return ~((outside & bitsOf(background)) | (~outside & still & lifeless));
+  const std::uint32_t left = outside & ~bitsOf(background);
+  const std::uint32_t stirred = ~outside & ~(still & lifeless);
+  if ((left | stirred) == 0) return false;
+  const std::uint32_t absorbed =
+      planes.accountLife ? stirred & ~still & livesThat<_CMP_GT_OQ>(planes.fgLife + begin, planes.life.limit)
+                         : 0;
+  busy = {left, stirred & still, absorbed, stirred & ~still & ~absorbed};
+  return true;
 }
 
-// Sums of the absolute differences of each group of four bytes.
-[[gnu::always_inline]] inline __m256i sumOfFours(__m256i differences) {
-  const __m256i pairs = _mm256_maddubs_epi16(differences, _mm256_set1_epi8(1));
-  return _mm256_madd_epi16(pairs, _mm256_set1_epi16(1));
+// 0xFF in the bytes whose bits are set.
+[[gnu::always_inline]] inline __m256i bytesOf(std::uint32_t bits) {
+  const __m256i spread =
+      _mm256_shuffle_epi8(_mm256_set1_epi32(static_cast<int>(bits)),
+                          _mm256_setr_epi8(0, 0, 0, 0, 0, 0, 0, 0, 1, 1, 1, 1, 1, 1, 1, 1, 2, 2, 2, 2, 2, 2,
+                                           2, 2, 3, 3, 3, 3, 3, 3, 3, 3));
+  const __m256i each = _mm256_set1_epi64x(static_cast<long long>(0x8040201008040201ULL));
+  return _mm256_cmpeq_epi8(_mm256_and_si256(spread, each), each);
+}
+
+// All bits of the 32-bit lanes whose bits are set, of the lowest eight.
+[[gnu::always_inline]] inline __m256 lanesOf(std::uint32_t bits) {
+  const __m256i each = _mm256_setr_epi32(1, 2, 4, 8, 16, 32, 64, 128);
+  const __m256i mine = _mm256_and_si256(_mm256_set1_epi32(static_cast<int>(bits)), each);
+  return _mm256_castsi256_ps(_mm256_cmpeq_epi32(mine, each));
+}
+
+// Lives of eight pixels after this frame: of foreground, absorbed and other background pixels.
+struct LifeStep {
+  __m256i band2;
+  __m256i band3;
+  __m256 absorbed;
+
+  [[gnu::always_inline]] explicit LifeStep(const lm::LifeRule& rule)
+      : band2(_mm256_set1_epi32(rule.band2)),
+        band3(_mm256_set1_epi32(rule.band3)),
+        absorbed(_mm256_set1_ps(rule.absorbed)) {}
+
+  [[gnu::always_inline]] static __m256 decayed(__m256 life) {
+    const __m256 alive = _mm256_cmp_ps(life, _mm256_set1_ps(1.0F), _CMP_GE_OQ);
+    return _mm256_blendv_ps(life, _mm256_sub_ps(life, _mm256_set1_ps(0.8F)), alive);
+  }
+
+  [[gnu::always_inline]] __m256 gained(__m256 life, __m256i change) const {
+    __m256 result = decayed(life);
+    const auto upTo = [&](__m256i band, float gain) {
+      const __m256 above = _mm256_castsi256_ps(_mm256_cmpgt_epi32(change, band));
+      result = _mm256_blendv_ps(_mm256_add_ps(life, _mm256_set1_ps(gain)), result, above);
+    };
+    upTo(band3, 0.2F);
+    upTo(band2, 0.5F);
+    upTo(_mm256_set1_epi32(10), 1.0F);
+    return result;
+  }
+
+  [[gnu::always_inline]] __m256 operator()(__m256 life, __m256i change, __m256 isForeground,
+                                           __m256 isAbsorbed) const {
+    const __m256 background = _mm256_blendv_ps(decayed(life), absorbed, isAbsorbed);
+    return _mm256_blendv_ps(background, gained(life, change), isForeground);
+  }
+};
+
+// Accounts for the lives of the pixels `counted` of the block at `begin`.
+[[gnu::always_inline]] inline void accountLives(const lm::ClassifyPlanes& planes, size_t begin,
+                                                std::uint32_t counted, std::uint32_t foreground,
+                                                std::uint32_t absorbed) {
+  const LifeStep step(planes.life);
+  for (size_t k = 0; k < 4; ++k) {
+    float* lives = planes.fgLife + begin + 8 * k;
+    const __m256 life = _mm256_loadu_ps(lives);
+    const __m256i change = _mm256_cvtepu8_epi32(
+        _mm_loadl_epi64(reinterpret_cast<const __m128i*>(planes.rdDiff + begin + 8 * k)));
+    const __m256 next = step(life, change, lanesOf(foreground >> (8 * k)), lanesOf(absorbed >> (8 * k)));
+    _mm256_storeu_ps(lives, _mm256_blendv_ps(life, next, lanesOf(counted >> (8 * k))));
+  }
 }
 
 struct Matcher {
   __m256i compared;  // the bytes of a sample that count
-  __m256i radius;
+  __m256i radius;    // of each byte; nothing is too far in one that does not count
 
   [[gnu::always_inline]] explicit Matcher(const lm::MatchRule& rule)
       : compared(_mm256_set1_epi32(rule.channels == 1 ? 0xFF : 0xFFFFFF)),
-        radius(_mm256_set1_epi8(static_cast<char>(rule.radius > 255 ? 255 : rule.radius))) {}
+        radius(_mm256_or_si256(_mm256_set1_epi8(static_cast<char>(rule.radius > 255 ? 255 : rule.radius)),
+                               _mm256_xor_si256(compared, _mm256_set1_epi8(-1)))) {}
 
-  // Distances of eight samples to the pixel in every lane; bits of those that match.
-  [[gnu::always_inline]] std::uint32_t operator()(__m256i samples, __m256i pixel, __m256i& distances) const {
-    const __m256i difference = _mm256_and_si256(
-        compared, _mm256_or_si256(_mm256_subs_epu8(samples, pixel), _mm256_subs_epu8(pixel, samples)));
-    distances = sumOfFours(difference);
-    const __m256i within = _mm256_cmpeq_epi32(_mm256_subs_epu8(difference, radius), _mm256_setzero_si256());
-    return static_cast<std::uint32_t>(_mm256_movemask_ps(_mm256_castsi256_ps(within)));
+  // All bits of the lanes whose sample, of the eight from `samples` on, matches the pixel in every lane.
+  [[gnu::always_inline]] __m256i operator()(const std::uint8_t* samples, __m256i pixel) const {
+    const __m256i group = load32(samples);
+    const __m256i difference =
+        _mm256_or_si256(_mm256_subs_epu8(group, pixel), _mm256_subs_epu8(pixel, group));
+    return _mm256_cmpeq_epi32(_mm256_subs_epu8(difference, radius), _mm256_setzero_si256());
+  }
+
+  [[gnu::always_inline]] std::uint32_t distance(const std::uint8_t* sample, __m256i pixel) const {
+    const __m128i bytes = _mm256_castsi256_si128(compared);
+    const __m128i a = _mm_and_si128(_mm_loadu_si32(sample), bytes);
+    const __m128i b =
+        _mm_and_si128(_mm_and_si128(_mm256_castsi256_si128(pixel), bytes), _mm_setr_epi32(-1, 0, 0, 0));
+    return static_cast<std::uint32_t>(_mm_cvtsi128_si32(_mm_sad_epu8(a, b)));
   }
 };
 
-// Walks the samples of one pixel.
+[[gnu::always_inline]] inline std::uint32_t lanesThatMatch(__m256i matches) {
+  return static_cast<std::uint32_t>(_mm256_movemask_ps(_mm256_castsi256_ps(matches)));
+}
+
+// Compares all samples of a pixel at once, then walks those that match.
 [[gnu::always_inline]] inline bool matchPixel(const Matcher& matcher, const std::uint8_t* samples,
                                               std::uint32_t value, std::int32_t needed,
                                               std::uint32_t& minDist) {
+  // The last group starts four slots early, so that it ends with the pixel's last sample.
+  constexpr size_t second = 8;
+  constexpr size_t third = lm::samplesPerPixel - 8;
   const __m256i pixel = _mm256_set1_epi32(static_cast<int>(value));
+  const __m256i a = matcher(samples, pixel);
+  const __m256i b = matcher(samples + 4 * second, pixel);
+  const __m256i c = matcher(samples + 4 * third, pixel);
   std::uint32_t nearest = lm::nothingMatched;
-  alignas(32) std::uint32_t distances[8];
-  for (size_t slot = 0; slot < lm::samplesPerPixel; slot += 8) {
-    // The last four samples: what lies behind them belongs to the next pixel and is not read.
-    const bool whole = slot + 8 <= lm::samplesPerPixel;
-    const __m256i group =
-        whole ? load32(samples + 4 * slot)
-              : _mm256_castsi128_si256(_mm_loadu_si128(reinterpret_cast<const __m128i*>(samples + 4 * slot)));
-    __m256i sums;
-    std::uint32_t matched = matcher(group, pixel, sums);
-    if (!whole) matched &= 0xFU;
-    if (matched == 0) continue;
-    _mm256_store_si256(reinterpret_cast<__m256i*>(distances), sums);
-    for (; matched != 0; matched &= matched - 1) {
-      const std::uint32_t distance = distances[__builtin_ctz(matched)];
-      if (distance < nearest) nearest = distance;
-      if (--needed <= 0) {
-        minDist = nearest;
-        return true;
-      }
-    }
+  const __m256i any = _mm256_or_si256(_mm256_or_si256(a, b), c);
+  if (_mm256_testz_si256(any, any) != 0) {
+    minDist = nearest;
+    return false;
+  }
+  std::uint32_t matched = lanesThatMatch(a) | lanesThatMatch(b) << second | lanesThatMatch(c) << third;
+  for (; matched != 0 && needed > 0; matched &= matched - 1) {
+    const std::uint32_t distance = matcher.distance(samples + 4 * __builtin_ctz(matched), pixel);
+    if (distance < nearest) nearest = distance;
+    --needed;
   }
   minDist = nearest;
-  return false;
+  return needed <= 0;
 }
 
 // The bytes of a pixel that count, in one word. Reads `channels` bytes.
@@ -162,13 +313,61 @@ struct Matcher {
 
 namespace lm {
 
-size_t nextBusyBlock_avx2(const ClassifyPlanes& planes, size_t from, size_t end, std::uint32_t& busy) {
-  const AtMost unchanged(planes.unchanged);
-  for (; from + blockPixels <= end; from += blockPixels) {
-    busy = busyPixels(planes, unchanged, from);
-    if (busy != 0) return from;
+void takeFrame_avx2(const FramePlanes& planes, size_t begin, size_t end) {
+  const bool all = planes.frame != nullptr && planes.rdDiff != nullptr && planes.illumDiff != nullptr;
+  if (planes.channels == 3 && all) {
+    const ChannelOf3 channel(planes.channel);
+    for (; begin + blockPixels <= end; begin += blockPixels) {
+      const std::uint8_t* frame = planes.frame + 3 * begin;
+      std::uint8_t* kept = planes.curFrame + 3 * begin;
+      fetchAhead(reinterpret_cast<const Bgr*>(planes.frame), begin);
+      fetchAhead(reinterpret_cast<const Bgr*>(planes.curFrame), begin);
+      fetchAhead(reinterpret_cast<const Bgr*>(planes.prevFrame), begin);
+      fetchAhead(reinterpret_cast<const Bgr*>(planes.bgImg), begin);
+      fetchAhead(planes.rdDiff, begin);
+      fetchAhead(planes.illumDiff, begin);
+      const __m256i a = load32(frame);
+      const __m256i b = load32(frame + 32);
+      const __m256i c = load32(frame + 64);
+      store32(kept, a);
+      store32(kept + 32, b);
+      store32(kept + 64, c);
+      const __m256i current = channel(a, b, c);
+      store32(planes.rdDiff + begin, distanceOf(channel(planes.prevFrame + 3 * begin), current));
+      store32(planes.illumDiff + begin, distanceOf(channel(planes.bgImg + 3 * begin), current));
+    }
   }
-  return nextBusyBlock_c(planes, from, end, busy);
+  takeFrame_c(planes, begin, end);
+}
+
+size_t findBusy_avx2(const ClassifyPlanes& planes, size_t& from, size_t end, BusyBlock* found, size_t room) {
+  const AtMost unchanged(planes.unchanged);
+  size_t count = 0;
+  for (; from + blockPixels <= end; from += blockPixels) {
+    if (count == room) return count;
+    if (isBusy(planes, unchanged, from, found[count].pixels)) found[count++].begin = from;
+  }
+  return count + findBusy_c(planes, from, end, found + count, room - count);
+}
+
+void settleBlock_avx2(const ClassifyPlanes& planes, size_t begin, size_t end, const BusyPixels& busy,
+                      std::uint32_t matched) {
+  if (begin + blockPixels > end) return settleBlock_c(planes, begin, end, busy, matched);
+  const __m256i written = bytesOf(busy.outside | busy.absorbed | busy.compared);
+  const __m256i masked =
+      _mm256_blendv_epi8(load32(planes.fgMask + begin), bytesOf(busy.compared & ~matched), written);
+  store32(planes.fgMask + begin, masked);
+  if (!planes.accountLife) return;
+  __m256i absorbed = load32(planes.absorbMask + begin);
+  if (busy.absorbed != 0) {
+    absorbed = _mm256_or_si256(absorbed, bytesOf(busy.absorbed));
+    store32(planes.absorbMask + begin, absorbed);
+  }
+  const __m256i all = _mm256_set1_epi8(-1);
+  const std::uint32_t foreground = bitsOf(_mm256_cmpeq_epi8(masked, all));
+  // A pixel that is absorbed now holds the same life as one that was absorbed before.
+  accountLives(planes, begin, busy.compared | busy.unchanged | busy.absorbed, foreground,
+               bitsOf(_mm256_cmpeq_epi8(absorbed, all)));
 }
 
 std::uint32_t matchBlock_avx2(const MatchRule& rule, const std::uint8_t* samples, const std::uint8_t* values,
@@ -187,17 +386,21 @@ std::uint32_t matchBlock_avx2(const MatchRule& rule, const std::uint8_t* samples
   return enough;
 }
 
-size_t nextUpdateBlock_avx2(const UpdatePlanes& planes, size_t from, size_t end, UpdateWork& work,
-                            std::int64_t& examined) {
+size_t findUpdateWork_avx2(const UpdatePlanes& planes, size_t& from, size_t end, UpdateBlock* found,
+                           size_t room, std::int64_t& examined) {
   const AtMost unchanged(planes.unchanged);
   const AtMost sameLight(planes.sameLight);
+  size_t count = 0;
   for (; from + blockPixels <= end; from += blockPixels) {
+    if (count == room) return count;
     const __m256i outside = isZero(load32(planes.roiMask + from));
+    if (bitsOf(outside) == ~0U) continue;
+    fetchAhead(planes.updTimer, from);
     countDown(planes.updTimer + from, outside);
-    work = updateWork(planes, unchanged, sameLight, from, outside, examined);
-    if ((work.absorbed | work.lit | work.changed) != 0) return from;
+    const UpdateWork work = updateWork(planes, unchanged, sameLight, from, outside, examined);
+    if ((work.absorbed | work.lit | work.changed) != 0) found[count++] = {from, work};
   }
-  return nextUpdateBlock_c(planes, from, end, work, examined);
+  return count + findUpdateWork_c(planes, from, end, found + count, room - count, examined);
 }
 
 }  // namespace lm

@@ -13,27 +13,74 @@ namespace lm {
 
 inline constexpr std::size_t blockPixels = 32;
 
+// ---- taking a frame in
+// -----------------------------------------------------------------------------------------------
+
+struct FramePlanes {
+  const std::uint8_t* frame;  // null: the frame is in curFrame already
+  std::uint8_t* curFrame;
+  const std::uint8_t* prevFrame;
+  const std::uint8_t* bgImg;
+  std::uint8_t* rdDiff;     // null: not wanted
+  std::uint8_t* illumDiff;  // null: not wanted
+  std::int32_t channels;    // 1, 3 or 4
+  std::int32_t channel;     // to compare, 0 to 2
+};
+
+// Copies the pixels [begin, end) of `frame` into curFrame and compares them, on one channel, with those of
+// prevFrame (rdDiff) and of bgImg (illumDiff).
+using TakeFrameFn = void(const FramePlanes& planes, std::size_t begin, std::size_t end);
+
 // ---- classification
 // -----------------------------------------------------------------------------------------
 
-// What decides whether a pixel needs a look this frame. A pixel is idle when it lies outside the regions and
-// is 0 in fgMask; or when it was background, changed by at most `unchanged`, and has no life to account for:
-// `accountLife` is off, or fgMask is 0, absorbMask is not 255 and its life is below 1.
+// How still foreground is absorbed: lives above `limit` are, and then hold `absorbed`. `band2` and `band3`
+// are the upper bands of the frame difference in gainLife (simd/life.h).
+struct LifeRule {
+  float limit;
+  float absorbed;
+  std::int32_t band2;
+  std::int32_t band3;
+};
+
 struct ClassifyPlanes {
   const std::uint8_t* roiMask;
   const std::uint8_t* rdDiff;
   const std::uint8_t* prevFgMask;
-  const std::uint8_t* fgMask;
-  const std::uint8_t* absorbMask;
-  const float* fgLife;
+  std::uint8_t* fgMask;
+  std::uint8_t* absorbMask;
+  float* fgLife;
   std::int32_t unchanged;
   bool accountLife;
+  LifeRule life;
 };
 
-// Begin of the first block, of those that start at `from`, from + 32, ..., with a pixel below `end` that is
-// not idle; `end` when there is none. `busy`: its pixels that are not idle.
-using NextBusyBlockFn = std::size_t(const ClassifyPlanes& planes, std::size_t from, std::size_t end,
-                                    std::uint32_t& busy);
+// The pixels of a block that need a look this frame, each in one of the masks. The others are idle: outside
+// the regions and 0 in fgMask; or background before, changed by at most `unchanged` and without a life to
+// account for (`accountLife` is off, or fgMask is 0, absorbMask is not 255 and the life is below 1).
+struct BusyPixels {
+  std::uint32_t outside;    // the regions
+  std::uint32_t unchanged;  // background that goes on
+  std::uint32_t absorbed;   // the life is above the limit, while `accountLife`
+  std::uint32_t compared;   // the others: their samples decide
+
+  bool any() const { return (outside | unchanged | absorbed | compared) != 0; }
+};
+
+struct BusyBlock {
+  std::size_t begin;
+  BusyPixels pixels;
+};
+
+// Looks for busy pixels below `end` in the blocks that start at `from`, from + 32, ... and lists the blocks
+// that have some in `found`, up to `room` of them. Returns how many; `from` then is where to go on.
+using FindBusyFn = std::size_t(const ClassifyPlanes& planes, std::size_t& from, std::size_t end,
+                               BusyBlock* found, std::size_t room);
+
+// Writes what became of the busy pixels of the block at `begin` into fgMask, absorbMask and fgLife.
+// `matched`: those of `compared` that found enough samples. No pixel from `end` on is touched.
+using SettleBlockFn = void(const ClassifyPlanes& planes, std::size_t begin, std::size_t end,
+                           const BusyPixels& busy, std::uint32_t matched);
 
 // ---- matching
 // -----------------------------------------------------------------------------------------------
@@ -81,25 +128,37 @@ struct UpdateWork {
       lit;  // other background pixels inside whose illumDiff is above `sameLight`, while `watchLight`
   std::uint32_t
       changed;  // other background pixels inside that were foreground or changed by more than `unchanged`
+
+  bool any() const { return (absorbed | lit | changed) != 0; }
 };
 
-// Takes one from updTimer (wrapping) at every pixel inside the regions, block by block from `from`, up to and
-// including the first block with any work; returns its begin, or `end` when there is none. Adds to `examined`
-// the number of background pixels inside that are not absorbed, while `watchLight`.
-using NextUpdateBlockFn = std::size_t(const UpdatePlanes& planes, std::size_t from, std::size_t end,
-                                      UpdateWork& work, std::int64_t& examined);
+struct UpdateBlock {
+  std::size_t begin;
+  UpdateWork work;
+};
+
+// Takes one from updTimer (wrapping) at every pixel inside the regions below `end`, block by block from
+// `from` on, and lists the blocks with any work in `found`, up to `room` of them. Returns how many; `from`
+// then is where to go on. Adds to `examined` the number of background pixels inside that are not absorbed,
+// while `watchLight`.
+using FindUpdateWorkFn = std::size_t(const UpdatePlanes& planes, std::size_t& from, std::size_t end,
+                                     UpdateBlock* found, std::size_t room, std::int64_t& examined);
 
 // ---- versions
 // -----------------------------------------------------------------------------------------------
 
-NextBusyBlockFn nextBusyBlock_c, nextBusyBlock_avx2;
+TakeFrameFn takeFrame_c, takeFrame_avx2;
+FindBusyFn findBusy_c, findBusy_avx2;
+SettleBlockFn settleBlock_c, settleBlock_avx2;
 MatchBlockFn matchBlock_c, matchBlock_avx2;
-NextUpdateBlockFn nextUpdateBlock_c, nextUpdateBlock_avx2;
+FindUpdateWorkFn findUpdateWork_c, findUpdateWork_avx2;
 
 struct ModelKernels {
-  NextBusyBlockFn* nextBusyBlock;
+  TakeFrameFn* takeFrame;
+  FindBusyFn* findBusy;
+  SettleBlockFn* settleBlock;
   MatchBlockFn* matchBlock;
-  NextUpdateBlockFn* nextUpdateBlock;
+  FindUpdateWorkFn* findUpdateWork;
 };
 
 // The versions for a processor of `level`. Pure.

@@ -1,18 +1,72 @@
 // The plain versions of the model's kernels, and the choice between versions.
 #include <algorithm>
+#include <cstring>
 
 #include "simd/cpu_level.h"
+#include "simd/life.h"
 #include "simd/model_kernels.h"
 #include "simd/simd.h"
 
 namespace lm {
 namespace {
 
+constexpr std::uint8_t foreground = 255;
+constexpr std::uint8_t background = 0;
+
 bool isIdle(const ClassifyPlanes& planes, std::size_t pixel) {
-  if (planes.roiMask[pixel] == 0) return planes.fgMask[pixel] == 0;
-  if (planes.rdDiff[pixel] > planes.unchanged || planes.prevFgMask[pixel] != 0) return false;
-  return !planes.accountLife ||
-         (planes.fgMask[pixel] == 0 && planes.absorbMask[pixel] != 255 && planes.fgLife[pixel] < 1.0F);
+  return planes.fgMask[pixel] == 0 && planes.absorbMask[pixel] != 255 && planes.fgLife[pixel] < 1.0F;
+}
+
+// Adds `pixel`, bit `bit` of its block, to the mask that it belongs in, if any.
+void judge(const ClassifyPlanes& planes, std::size_t pixel, std::uint32_t bit, BusyPixels& busy) {
+  if (planes.roiMask[pixel] == 0) {
+    if (planes.fgMask[pixel] != 0) busy.outside |= bit;
+  } else if (planes.rdDiff[pixel] <= planes.unchanged && planes.prevFgMask[pixel] == 0) {
+    if (planes.accountLife && !isIdle(planes, pixel)) busy.unchanged |= bit;
+  } else if (planes.accountLife && planes.fgLife[pixel] > planes.life.limit) {
+    busy.absorbed |= bit;
+  } else {
+    busy.compared |= bit;
+  }
+}
+
+void accountLife(const ClassifyPlanes& planes, std::size_t pixel) {
+  float& life = planes.fgLife[pixel];
+  if (planes.fgMask[pixel] == foreground) {
+    life = gainLife(life, planes.rdDiff[pixel], planes.life.band2, planes.life.band3);
+  } else if (planes.absorbMask[pixel] == 255) {
+    life = planes.life.absorbed;
+  } else {
+    life = decayLife(life);
+  }
+}
+
+void settle(const ClassifyPlanes& planes, std::size_t pixel, std::uint32_t bit, const BusyPixels& busy,
+            bool matched) {
+  if ((busy.compared & bit) != 0) planes.fgMask[pixel] = matched ? background : foreground;
+  if (((busy.outside | busy.absorbed) & bit) != 0) planes.fgMask[pixel] = background;
+  if ((busy.absorbed & bit) != 0) {
+    planes.absorbMask[pixel] = 255;
+    planes.fgLife[pixel] = planes.life.absorbed;
+  }
+  if (planes.accountLife && ((busy.compared | busy.unchanged) & bit) != 0) accountLife(planes, pixel);
+}
+
+// Counts the pixel's timer down and adds it, bit `bit` of its block, to the work that it needs.
+void lookFor(const UpdatePlanes& planes, std::size_t pixel, std::uint32_t bit, UpdateWork& work,
+             std::int64_t& examined) {
+  if (planes.roiMask[pixel] == 0) return;
+  planes.updTimer[pixel] = static_cast<std::int32_t>(static_cast<std::uint32_t>(planes.updTimer[pixel]) - 1U);
+  if (planes.absorbing && planes.absorbMask[pixel] == 255) {
+    work.absorbed |= bit;
+    return;
+  }
+  if (planes.fgMask[pixel] != 0) return;
+  if (planes.watchLight) {
+    ++examined;
+    if (planes.illumDiff[pixel] > planes.sameLight) work.lit |= bit;
+  }
+  if (planes.rdDiff[pixel] > planes.unchanged || planes.prevFgMask[pixel] != 0) work.changed |= bit;
 }
 
 // Match distance of a pixel and a sample, or -1.
@@ -42,18 +96,38 @@ bool matchPixel(const MatchRule& rule, const std::uint8_t* samples, const std::u
 
 }  // namespace
 
-std::size_t nextBusyBlock_c(const ClassifyPlanes& planes, std::size_t from, std::size_t end,
-                            std::uint32_t& busy) {
-  for (std::size_t begin = from; begin < end; begin += blockPixels) {
-    const std::size_t count = std::min(blockPixels, end - begin);
-    busy = 0;
-    for (std::size_t k = 0; k < count; ++k) {
-      if (!isIdle(planes, begin + k)) busy |= 1U << k;
-    }
-    if (busy != 0) return begin;
+void takeFrame_c(const FramePlanes& planes, std::size_t begin, std::size_t end) {
+  if (begin >= end) return;
+  const auto channels = static_cast<std::size_t>(planes.channels);
+  const std::size_t offset = begin * channels;
+  const auto pixels = static_cast<int>(end - begin);
+  std::uint8_t* current = planes.curFrame + offset;
+  if (planes.frame != nullptr) std::memcpy(current, planes.frame + offset, (end - begin) * channels);
+  const auto differ = [&](const std::uint8_t* from, std::uint8_t* out) {
+    simd::genRdDiff(from + offset, current, out + begin, pixels, 1, planes.channels, planes.channel);
+  };
+  if (planes.rdDiff != nullptr) differ(planes.prevFrame, planes.rdDiff);
+  if (planes.illumDiff != nullptr) differ(planes.bgImg, planes.illumDiff);
+}
+
+std::size_t findBusy_c(const ClassifyPlanes& planes, std::size_t& from, std::size_t end, BusyBlock* found,
+                       std::size_t room) {
+  std::size_t count = 0;
+  for (; count < room && from < end; from += blockPixels) {
+    BusyPixels busy{};
+    const std::size_t pixels = std::min(blockPixels, end - from);
+    for (std::size_t k = 0; k < pixels; ++k) judge(planes, from + k, 1U << k, busy);
+    if (busy.any()) found[count++] = {from, busy};
   }
-  busy = 0;
-  return end;
+  return count;
+}
+
+void settleBlock_c(const ClassifyPlanes& planes, std::size_t begin, std::size_t end, const BusyPixels& busy,
+                   std::uint32_t matched) {
+  const std::size_t count = std::min(blockPixels, end - begin);
+  for (std::size_t k = 0; k < count; ++k) {
+    settle(planes, begin + k, 1U << k, busy, (matched >> k & 1U) != 0);
+  }
 }
 
 std::uint32_t matchBlock_c(const MatchRule& rule, const std::uint8_t* samples, const std::uint8_t* values,
@@ -67,37 +141,22 @@ std::uint32_t matchBlock_c(const MatchRule& rule, const std::uint8_t* samples, c
   return enough;
 }
 
-std::size_t nextUpdateBlock_c(const UpdatePlanes& planes, std::size_t from, std::size_t end, UpdateWork& work,
-                              std::int64_t& examined) {
-  for (std::size_t begin = from; begin < end; begin += blockPixels) {
-    const std::size_t count = std::min(blockPixels, end - begin);
-    work = {};
-    for (std::size_t k = 0; k < count; ++k) {
-      const std::size_t pixel = begin + k;
-      const std::uint32_t bit = 1U << k;
-      if (planes.roiMask[pixel] == 0) continue;
-      planes.updTimer[pixel] =
-          static_cast<std::int32_t>(static_cast<std::uint32_t>(planes.updTimer[pixel]) - 1U);
-      if (planes.absorbing && planes.absorbMask[pixel] == 255) {
-        work.absorbed |= bit;
-        continue;
-      }
-      if (planes.fgMask[pixel] != 0) continue;
-      if (planes.watchLight) {
-        ++examined;
-        if (planes.illumDiff[pixel] > planes.sameLight) work.lit |= bit;
-      }
-      if (planes.rdDiff[pixel] > planes.unchanged || planes.prevFgMask[pixel] != 0) work.changed |= bit;
-    }
-    if ((work.absorbed | work.lit | work.changed) != 0) return begin;
+std::size_t findUpdateWork_c(const UpdatePlanes& planes, std::size_t& from, std::size_t end,
+                             UpdateBlock* found, std::size_t room, std::int64_t& examined) {
+  std::size_t count = 0;
+  for (; count < room && from < end; from += blockPixels) {
+    UpdateWork work{};
+    const std::size_t pixels = std::min(blockPixels, end - from);
+    for (std::size_t k = 0; k < pixels; ++k) lookFor(planes, from + k, 1U << k, work, examined);
+    if (work.any()) found[count++] = {from, work};
   }
-  work = {};
-  return end;
+  return count;
 }
 
 ModelKernels modelKernelsFor(int level) {
-  if (level >= 8) return {nextBusyBlock_avx2, matchBlock_avx2, nextUpdateBlock_avx2};
-  return {nextBusyBlock_c, matchBlock_c, nextUpdateBlock_c};
+  if (level >= 8)
+    return {takeFrame_avx2, findBusy_avx2, settleBlock_avx2, matchBlock_avx2, findUpdateWork_avx2};
+  return {takeFrame_c, findBusy_c, settleBlock_c, matchBlock_c, findUpdateWork_c};
 }
 
 const ModelKernels& modelKernels() {

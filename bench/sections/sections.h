@@ -24,7 +24,7 @@ bool measure_frames(const Plan& plan, Records& records);
 void measure_first_frame(const Plan& plan, Records& records);
 void measure_memory(const Plan& plan, Records& records);
 void measure_regions(const Plan& plan, Records& records);
-void measure_stages(Records& records);
+void measure_stages(const Plan& plan, Records& records);
 void measure_objects(Records& records);
 
 }  // namespace lm::bench

@@ -60,7 +60,7 @@ struct Medians {
   double foreground = 0;  // mean share of the frame
 };
 
-Medians measure(const Scene& scene) {
+Medians measure(const Scene& scene, int timed) {
   const host::CapturedStream chatter(stderr);
   const auto divided = make_engine(scene.opening.size());
   const auto whole = make_engine(scene.opening.size());
@@ -70,7 +70,7 @@ Medians measure(const Scene& scene) {
 
   std::array<std::vector<double>, kStages> times;
   std::vector<double> sums, wholes, shares;
-  for (int n = 1; n < kWarm + kTimed; ++n) {
+  for (int n = 1; n < kWarm + timed; ++n) {
     std::array<double, kStages> time{};
     run_stages(*divided, scene.at(n), n, time);
     time[kFind] = find_objects(*divided, scratch);
@@ -98,7 +98,7 @@ Medians measure(const Scene& scene) {
 
 }  // namespace
 
-void measure_stages(Records& records) {
+void measure_stages(const Plan& plan, Records& records) {
   std::vector<std::string> heads = {"scene"};
   heads.insert(heads.end(), kNames.begin(), kNames.end());
   heads.insert(heads.end(), {"sum", "in one", "foreground"});
@@ -106,8 +106,8 @@ void measure_stages(Records& records) {
       "Stages, 1920x1080: milliseconds of the operations called one by one, of all, and of the same frame in "
       "one call",
       heads, 1);
-  for (const std::string& name : scene_names()) {
-    const Medians medians = measure(make_scene(name, kFullHd));
+  for (const std::string& name : plan.scenes) {
+    const Medians medians = measure(make_scene(name, kFullHd), plan.frames > 0 ? plan.frames : kTimed);
     std::vector<std::string> cells = {name};
     const auto add = [&](const char* measure, double value) {
       records.add({"stages", name, text_of(kFullHd), kPlugin, std::string(measure) + "_ms", value});

@@ -1,0 +1,108 @@
+// What the tests of the model's kernels share: planes between guard pages, every version of the kernels.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <climits>
+#include <string>
+#include <vector>
+
+#include "simd/cpu_level.h"
+#include "simd/model_kernels.h"
+#include "tests/support/guarded_buffer.h"
+
+// A generator that never changes.
+class Random {
+ public:
+  std::uint32_t next() {
+    state_ = state_ * 1664525U + 1013904223U;
+    return state_ >> 8;
+  }
+  template <typename T>
+  T oneOf(const std::vector<T>& values) {
+    return values[next() % values.size()];
+  }
+  std::uint8_t byteOf(const std::vector<std::uint8_t>& values) { return oneOf(values); }
+  std::uint8_t byte() { return static_cast<std::uint8_t>(next()); }
+  std::uint32_t bits() { return next() << 8 ^ next(); }
+  bool rarely() { return next() % 29 == 0; }
+
+ private:
+  std::uint32_t state_ = 12345;
+};
+
+// A plane of `count` elements that ends at, or begins behind, an inaccessible page.
+template <typename T>
+class Plane {
+ public:
+  using Against = GuardedBuffer::Against;
+
+  Plane(std::size_t count, Against page) : buffer_(count * sizeof(T) + 64), count_(count) {
+    buffer_.place(count * sizeof(T), page == Against::front ? 0 : (32 - count * sizeof(T) % 32) % 32, page);
+  }
+  T* data() const { return reinterpret_cast<T*>(buffer_.begin()); }
+  T& operator[](std::size_t i) const { return data()[i]; }
+  std::vector<T> values() const { return {data(), data() + count_}; }
+  std::string damage() const { return buffer_.damage(); }
+
+ private:
+  GuardedBuffer buffer_;
+  std::size_t count_;
+};
+
+// The side of an inaccessible page that a plane of `count` elements is put at: both occur among the counts.
+inline GuardedBuffer::Against sideFor(std::size_t count) {
+  return count % 2 == 0 ? GuardedBuffer::Against::front : GuardedBuffer::Against::back;
+}
+
+struct KernelLevel {
+  const char* name;
+  int level;
+};
+
+// Runs with the kernels of a processor of each level that has versions of its own.
+class ModelKernels : public ::testing::TestWithParam<KernelLevel> {
+ protected:
+  void SetUp() override {
+    if (GetParam().level > GetCpuInstructionSet()) GTEST_SKIP() << "this processor lacks the level";
+    kernels_ = lm::modelKernelsFor(GetParam().level);
+  }
+  lm::ModelKernels kernels_{};
+};
+
+inline const auto everyKernelLevel = ::testing::Values(KernelLevel{"plain", 7}, KernelLevel{"avx2", 8});
+inline std::string nameOfLevel(const ::testing::TestParamInfo<KernelLevel>& test) { return test.param.name; }
+
+// Around the block of 32 pixels.
+inline constexpr std::size_t modelCounts[] = {0, 1, 7, 31, 32, 33, 63, 64, 65, 100, 257};
+inline constexpr std::int32_t modelThresholds[] = {INT_MIN, -1, 0, 1, 10, 254, 255, INT_MAX};
+
+// Planes as a scene may have them: mostly idle, so that blocks of both kinds occur.
+struct ModelScene {
+  ModelScene(std::size_t count, Random& random)
+      : roi(count, sideFor(count)),
+        difference(count, sideFor(count)),
+        before(count, sideFor(count)),
+        now(count, sideFor(count)),
+        absorbed(count, sideFor(count)),
+        light(count, sideFor(count)),
+        life(count, sideFor(count)),
+        timer(count, sideFor(count)) {
+    const bool outside = random.next() % 5 == 0;  // the whole range
+    for (std::size_t i = 0; i < count; ++i) {
+      roi[i] = outside || random.rarely() ? 0 : random.byteOf({1, 1, 255});
+      difference[i] = random.rarely() ? random.byteOf({1, 2, 10, 11, 20, 21, 30, 31, 254, 255}) : 0;
+      before[i] = random.rarely() ? random.byteOf({1, 255}) : 0;
+      now[i] = random.rarely() ? random.byteOf({7, 255}) : 0;
+      absorbed[i] = random.rarely() ? random.byteOf({1, 254, 255}) : 0;
+      light[i] = random.rarely() ? random.byteOf({1, 2, 10, 11, 254, 255}) : 0;
+      life[i] = random.rarely() ? random.oneOf<float>({1.0F, 1.5F, 76.0F, 160.0F, 160.5F, 1e9F}) : 0.99F;
+      timer[i] = random.rarely() ? INT_MIN : static_cast<std::int32_t>(random.next() % 5) - 2;
+    }
+  }
+
+  Plane<std::uint8_t> roi, difference, before, now, absorbed, light;
+  Plane<float> life;
+  Plane<std::int32_t> timer;
+};

@@ -1,0 +1,59 @@
+// Taking a frame in, every version against bytes worked out one by one.
+#include "tests/simd/model_kernels.h"
+
+namespace {
+
+std::uint8_t apart(std::uint8_t a, std::uint8_t b) {
+  return static_cast<std::uint8_t>(a > b ? a - b : b - a);
+}
+
+class TakeFrameKernel : public ModelKernels {};
+
+TEST_P(TakeFrameKernel, FrameIsCopiedAndComparedOnOneChannel) {
+  Random random;
+  for (const std::size_t count : modelCounts) {
+    for (const int channels : {1, 3, 4}) {
+      for (int channel = 0; channel < std::min(channels, 3); ++channel) {
+        for (const int wanted : {0, 1, 2, 3, 4, 7}) {  // bits: rdDiff, illumDiff, the frame is elsewhere
+          const auto side = sideFor(count);
+          const auto step = static_cast<std::size_t>(channels);
+          const Plane<std::uint8_t> frame(count * step, side), current(count * step, side),
+              previous(count * step, side), background(count * step, side), change(count, side),
+              light(count, side);
+          for (std::size_t i = 0; i < count * step; ++i) {
+            frame[i] = random.byte();
+            current[i] = random.byte();
+            previous[i] = random.byte();
+            background[i] = random.byte();
+          }
+          for (std::size_t i = 0; i < count; ++i) change[i] = light[i] = 99;
+          const std::size_t begin = count / 3;
+          const std::size_t end = count - count / 5;
+          std::vector<std::uint8_t> copied = current.values(), changes = change.values(),
+                                    lights = light.values();
+          for (std::size_t i = begin; i < end; ++i) {
+            for (std::size_t c = 0; c < step; ++c) {
+              if ((wanted & 4) != 0) copied[i * step + c] = frame[i * step + c];
+            }
+            const std::size_t at = i * step + static_cast<std::size_t>(channel);
+            if ((wanted & 1) != 0) changes[i] = apart(previous[at], copied[at]);
+            if ((wanted & 2) != 0) lights[i] = apart(background[at], copied[at]);
+          }
+          kernels_.takeFrame({(wanted & 4) != 0 ? frame.data() : nullptr, current.data(), previous.data(),
+                              background.data(), (wanted & 1) != 0 ? change.data() : nullptr,
+                              (wanted & 2) != 0 ? light.data() : nullptr, channels, channel},
+                             begin, end);
+          ASSERT_EQ(current.values(), copied) << count << " pixels of " << channels << ", parts " << wanted;
+          ASSERT_EQ(change.values(), changes)
+              << count << " pixels of " << channels << ", channel " << channel;
+          ASSERT_EQ(light.values(), lights) << count << " pixels of " << channels << ", channel " << channel;
+          ASSERT_EQ(current.damage() + change.damage() + light.damage(), "");
+        }
+      }
+    }
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(EveryVersion, TakeFrameKernel, everyKernelLevel, nameOfLevel);
+
+}  // namespace
