@@ -31,8 +31,10 @@ as_user lightmotion run --quiet scene.mp4 --config /usr/share/doc/lightmotion/ex
 step "hosts build against the development files with a C compiler, with CMake, and run; Python needs the library only"
 install /packages/liblightmotion-dev_*.deb gcc libc6-dev pkg-config
 examples=/usr/share/doc/liblightmotion-dev/examples
+# shellcheck disable=SC2046  # lists of words
 cc -std=c11 -Wall -Wextra -Werror $examples/c/host.c $(pkg-config --cflags lightmotion) -o host-c
 printf '#include <plugin/entry_points.h>\nint main(void) { return !terminate(); }\n' >linked.c
+# shellcheck disable=SC2046
 cc linked.c $(pkg-config --cflags --libs lightmotion) -o linked
 as_user ./linked
 install g++ cmake make python3
