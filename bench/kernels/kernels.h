@@ -40,5 +40,6 @@ void add_versions(const std::vector<Version<Function>>& versions, Run run) {
 // One registration for each source; called by main.
 void add_copy();
 void add_pixel_kernels();
+void add_model_kernels();
 
 }  // namespace lm::bench

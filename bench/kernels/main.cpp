@@ -1,4 +1,4 @@
-// bench_kernels: every version of every pixel kernel that this processor can run. `--list` says instead which
+// bench_kernels: every version of every kernel that this processor can run. `--list` says instead which
 // ones are in use; other arguments are Google Benchmark's.
 #include <cstdio>
 
@@ -19,6 +19,7 @@ void print_choice() {
   line("pruneFgByRoi", nameOf(chosen.prune, pruneVersions));
   line("isMatchVal_bgr24", nameOf(chosen.match, matchVersions));
   line("isTouch", nameOf(chosen.touch, touchVersions));
+  std::printf("%-18s %s\n", "model kernels", level >= 8 ? "avx2" : "c");
 }
 
 }  // namespace
@@ -30,6 +31,7 @@ int main(int argc, char** argv) {
   }
   lm::bench::add_copy();
   lm::bench::add_pixel_kernels();
+  lm::bench::add_model_kernels();
   benchmark::Initialize(&argc, argv);
   if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 2;
   benchmark::RunSpecifiedBenchmarks();
