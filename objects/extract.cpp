@@ -54,19 +54,25 @@ std::vector<lm::SpannedComponent> labelMask(kAMBLE& engine, const std::uint8_t* 
   const std::size_t height = lm::countOf(engine.szImgY);
   std::vector<bool>& holds = engine.labelRowHolds;
   lm::RunLabeller labeller(engine.szImgX);
-  std::vector<std::size_t> touched;
+  struct Row {
+    std::size_t y;
+    bool blank;
+  };
+  std::vector<Row> touched;
   for (std::size_t y = 0; y < height; ++y) {
     const std::uint8_t* row = mask + y * width;
     const bool blank = isBlank(row, width);
     if (blank && !holds[y]) continue;
-    touched.push_back(y);
-    holds[y] = !blank;
+    touched.push_back({y, blank});
+    holds[y] = true;
     simd::cvt_u8_to_u32(row, engine.labelMap + y * width, width);
     if (!blank) labeller.addRow<std::uint8_t>(row, static_cast<std::int32_t>(y), engine.szImgX, 1);
   }
   std::vector<lm::SpannedComponent> components = labeller.label(engine.labelMap, 1);
-  for (const std::size_t y : touched) {
+  // A row is known to be blank once both copies of it are: memory may run out before.
+  for (const auto& [y, blank] : touched) {
     std::memcpy(engine.labelRows[y], engine.labelMap + y * width, width * sizeof(std::uint32_t));
+    holds[y] = !blank;
   }
   return components;
 }

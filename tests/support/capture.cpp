@@ -49,6 +49,12 @@ std::vector<LogCall>& hostLog() {
   return calls;
 }
 
+namespace {
+bool logThrows = false;
+}
+ThrowingHostLog::ThrowingHostLog() { logThrows = true; }
+ThrowingHostLog::~ThrowingHostLog() { logThrows = false; }
+
 }  // namespace lm::test
 
 // The host's side of plugin/host_log.h, which is not included here: its declaration would make this one weak.
@@ -60,4 +66,5 @@ extern "C" __attribute__((format(printf, 3, 4))) void log_File_Debug_s(const cha
   std::vsnprintf(text.data(), text.size(), format, arguments);
   va_end(arguments);
   lm::test::hostLog().push_back({path, level, text.data()});
+  if (lm::test::logThrows) throw std::runtime_error("the log is full");
 }

@@ -51,4 +51,13 @@ std::ostream& operator<<(std::ostream& stream, const LogCall& call);
 // The calls so far. A program that uses this list is a host with the logging function.
 std::vector<LogCall>& hostLog();
 
+// While it lives, the logging function throws std::runtime_error after noting its call.
+class ThrowingHostLog {
+ public:
+  ThrowingHostLog();
+  ~ThrowingHostLog();
+  ThrowingHostLog(const ThrowingHostLog&) = delete;
+  ThrowingHostLog& operator=(const ThrowingHostLog&) = delete;
+};
+
 }  // namespace lm::test

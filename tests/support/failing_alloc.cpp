@@ -13,11 +13,12 @@ namespace {
 
 struct Counters {
   bool armed = false;
+  Reach reach = Reach::own;
   std::uint64_t failAt = 0;
   std::uint64_t requests = 0;
   Request refused = Request::none;
   std::int64_t live = 0;
-  std::array<const void*, 4096> planes{};  // aligned blocks, which free() alone gives back
+  std::array<const void*, 4096> planes{};  // blocks that free() alone gives back
   std::size_t numPlanes = 0;
 };
 Counters counters;
@@ -85,14 +86,22 @@ void forgetPlane(const void* block) {
     return;
   }
 }
+
+bool reachesPlain() { return counters.armed && counters.reach == Reach::all && !forwarding; }
+bool refusesPlain() { return reachesPlain() && refuses(Request::plain); }
+void* rememberPlain(void* block) {
+  if (block != nullptr && reachesPlain()) rememberPlane(block);
+  return block;
+}
 #else
 void rememberPlane(const void*) {}
 #endif
 
 }  // namespace
 
-FailingAlloc::FailingAlloc(std::uint64_t failAt) {
+FailingAlloc::FailingAlloc(std::uint64_t failAt, Reach reach) {
   counters = Counters{};
+  counters.reach = reach;
   counters.failAt = failAt;
   counters.armed = true;
 }
@@ -176,7 +185,23 @@ int posix_memalign(void** block, std::size_t alignment, std::size_t size) noexce
 }
 
 #ifndef __SANITIZE_ADDRESS__
-void __libc_free(void* block);  // NOLINT(bugprone-reserved-identifier): the C library's own name
+// The C library's own names.
+void __libc_free(void* block);                             // NOLINT(bugprone-reserved-identifier)
+void* __libc_malloc(std::size_t size);                     // NOLINT(bugprone-reserved-identifier)
+void* __libc_calloc(std::size_t count, std::size_t size);  // NOLINT(bugprone-reserved-identifier)
+void* __libc_realloc(void* block, std::size_t size);       // NOLINT(bugprone-reserved-identifier)
+
+void* malloc(std::size_t size) noexcept {
+  return refusesPlain() ? nullptr : rememberPlain(__libc_malloc(size));
+}
+void* calloc(std::size_t count, std::size_t size) noexcept {
+  return refusesPlain() ? nullptr : rememberPlain(__libc_calloc(count, size));
+}
+void* realloc(void* block, std::size_t size) noexcept {
+  if (refusesPlain()) return nullptr;
+  if (reachesPlain()) forgetPlane(block);
+  return rememberPlain(__libc_realloc(block, size));
+}
 void free(void* block) noexcept {
   forgetPlane(block);
   __libc_free(block);

@@ -6,12 +6,17 @@
 
 namespace lm::test {
 
-enum class Request { none, throwingNew, quietNew, aligned };
+enum class Request { none, throwingNew, quietNew, aligned, plain };
+
+// What is counted and refused: what the library asks for itself, or also malloc, calloc and realloc, with
+// which the libraries below it get theirs. A program under the address sanitizer leaves those alone.
+enum class Reach { own, all };
 
 // One at a time. While it lives, requests are counted from 1.
 class FailingAlloc {
  public:
-  explicit FailingAlloc(std::uint64_t failAt = 0);  // number of the request to refuse; 0: none
+  explicit FailingAlloc(std::uint64_t failAt = 0,  // number of the request to refuse; 0: none
+                        Reach reach = Reach::own);
   ~FailingAlloc();
   FailingAlloc(const FailingAlloc&) = delete;
   FailingAlloc& operator=(const FailingAlloc&) = delete;

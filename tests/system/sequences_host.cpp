@@ -107,6 +107,15 @@ void setAll(Engine& state, std::int32_t timer, std::uint32_t count) {
 
 std::vector<Sequence> overflowing() {
   return {changed("timers_wrap", 3, 10, [](auto& state) { setAll(state, intMin, 0xFFFFFFFFU); }),
+          changed("counters_run_into_their_limits", 3, 10,
+                  [](auto& state) {
+                    setAll(state, intMin + 3, 0xFFFFFFFCU);
+                    for (std::size_t i = 0; i < 33 * 31; ++i) state.fgLife[i] = 16777214.0F;
+                    state.frmCount = intMax - 5;
+                  }),
+          // After 2^32 frames the engine takes itself for new.
+          changed("frame_count_comes_round", 3, 10, [](auto& state) { state.frmCount = -3; }),
+          changed("frame_count_comes_round_grey", 1, 10, [](auto& state) { state.frmCount = -1; }),
           changed("frame_count_wraps", 3, 10, [](auto& state) { state.frmCount = intMax; }),
           changed("life_limit_wraps", 3, 10,
                   [](auto& state) {
