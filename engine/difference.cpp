@@ -41,9 +41,10 @@ void lm::takeRange(kAMBLE& engine, const std::uint8_t* frame, int channel, std::
   if (engine.curFrame == nullptr) return;
   const bool differs = channel != noDifference;
   const bool lit = differs && engine.illumChange && engine.bgImg != nullptr;
+  const bool keep = frame != nullptr && engine.prevFrame != nullptr;
   modelKernels().takeFrame(
       {frame, engine.curFrame, engine.prevFrame, engine.bgImg, differs ? engine.rdDiff : nullptr,
-       lit ? engine.illumDiff : nullptr, engine.frmChn, channel},
+       lit ? engine.illumDiff : nullptr, engine.frmChn, channel, keep},
       begin, end);
 }
 

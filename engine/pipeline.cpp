@@ -37,17 +37,18 @@ void copyBytes(std::uint8_t* to, const std::uint8_t* from, std::int32_t bytes) {
 // Pixels of a strip: few enough for its planes to stay in a processor's own cache from one step to the next.
 constexpr std::size_t stripPixels = 8192;
 
-// The planes that the next frame compares with, over a range. A mask that is the same is not written again.
-void rememberRange(kAMBLE& engine, std::size_t begin, std::size_t end) {
-  if (begin >= end) return;
-  const auto channels = static_cast<std::size_t>(engine.frmChn);
-  const std::size_t pixels = end - begin;
-  if (engine.prevFgMask != nullptr && engine.fgMask != nullptr &&
-      std::memcmp(engine.prevFgMask + begin, engine.fgMask + begin, pixels) != 0) {
-    std::memcpy(engine.prevFgMask + begin, engine.fgMask + begin, pixels);
-  }
+// A mask that is the same is not written again.
+void rememberMask(kAMBLE& engine, std::size_t begin, std::size_t end) {
+  if (engine.prevFgMask == nullptr || engine.fgMask == nullptr) return;
+  if (std::memcmp(engine.prevFgMask + begin, engine.fgMask + begin, end - begin) == 0) return;
+  std::memcpy(engine.prevFgMask + begin, engine.fgMask + begin, end - begin);
+}
+
+void rememberFrame(kAMBLE& engine, std::size_t begin, std::size_t end) {
   if (engine.prevFrame == nullptr) return;
-  std::memcpy(engine.prevFrame + begin * channels, engine.curFrame + begin * channels, pixels * channels);
+  const auto channels = static_cast<std::size_t>(engine.frmChn);
+  std::memcpy(engine.prevFrame + begin * channels, engine.curFrame + begin * channels,
+              (end - begin) * channels);
 }
 
 bool isKnownCount(int channels) { return channels == 1 || channels == 3 || channels == 4; }
@@ -94,7 +95,9 @@ bool kAMBLE::learnStrips(const std::uint8_t* frame, std::int32_t pixels) {
     differed = ahead;
     if (classify) lm::classifyRange(*this, begin, end);
     if (update) lm::updateRange(*this, begin, end, distances, light);
-    rememberRange(*this, begin, std::min(end, lm::countOf(pixels)));
+    const std::size_t last = std::min(end, lm::countOf(pixels));
+    if (begin < last) rememberMask(*this, begin, last);
+    if (begin < last && frame == nullptr) rememberFrame(*this, begin, last);
     begin = end;
   }
   if (update) illumRatio = light.ratio();

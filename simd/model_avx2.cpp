@@ -38,6 +38,20 @@ template <typename T>
   _mm256_storeu_si256(reinterpret_cast<__m256i*>(bytes), value);
 }
 
+// 32 pixels of three bytes.
+struct Colours {
+  __m256i a, b, c;
+
+  [[gnu::always_inline]] explicit Colours(const std::uint8_t* pixels)
+      : a(load32(pixels)), b(load32(pixels + 32)), c(load32(pixels + 64)) {}
+
+  [[gnu::always_inline]] void store(std::uint8_t* pixels) const {
+    store32(pixels, a);
+    store32(pixels + 32, b);
+    store32(pixels + 64, c);
+  }
+};
+
 // Picks one channel of 32 pixels of three bytes. Three is no divisor of 16, so the wanted bytes of 48 have
 // each another place among 16: they are put together first and brought into order by one shuffle.
 struct ChannelOf3 {
@@ -61,23 +75,37 @@ struct ChannelOf3 {
     order = load32(sources);
   }
 
-  [[gnu::always_inline]] __m256i operator()(__m256i a, __m256i b, __m256i c) const {
+  [[gnu::always_inline]] __m256i operator()(const Colours& pixels) const {
     // Pixels 0 to 15 in the lower halves, 16 to 31 in the upper ones.
-    const __m256i first = _mm256_blend_epi32(a, b, 0xF0);
-    const __m256i second = _mm256_permute2x128_si256(a, c, 0x21);
-    const __m256i third = _mm256_blend_epi32(b, c, 0xF0);
+    const __m256i first = _mm256_blend_epi32(pixels.a, pixels.b, 0xF0);
+    const __m256i second = _mm256_permute2x128_si256(pixels.a, pixels.c, 0x21);
+    const __m256i third = _mm256_blend_epi32(pixels.b, pixels.c, 0xF0);
     const __m256i wanted =
         _mm256_blendv_epi8(_mm256_blendv_epi8(first, second, fromSecond), third, fromThird);
     return _mm256_shuffle_epi8(wanted, order);
-  }
-
-  [[gnu::always_inline]] __m256i operator()(const std::uint8_t* pixels) const {
-    return (*this)(load32(pixels), load32(pixels + 32), load32(pixels + 64));
   }
 };
 
 [[gnu::always_inline]] inline __m256i distanceOf(__m256i a, __m256i b) {
   return _mm256_or_si256(_mm256_subs_epu8(a, b), _mm256_subs_epu8(b, a));
+}
+
+[[gnu::always_inline]] inline void takeBlock(const lm::FramePlanes& planes, const ChannelOf3& channel,
+                                             size_t begin) {
+  fetchAhead(reinterpret_cast<const Bgr*>(planes.frame), begin);
+  fetchAhead(reinterpret_cast<const Bgr*>(planes.curFrame), begin);
+  fetchAhead(reinterpret_cast<const Bgr*>(planes.prevFrame), begin);
+  fetchAhead(reinterpret_cast<const Bgr*>(planes.bgImg), begin);
+  fetchAhead(planes.rdDiff, begin);
+  fetchAhead(planes.illumDiff, begin);
+  const Colours frame(planes.frame + 3 * begin);
+  const __m256i current = channel(frame);
+  const __m256i change = distanceOf(channel(Colours(planes.prevFrame + 3 * begin)), current);
+  const __m256i light = distanceOf(channel(Colours(planes.bgImg + 3 * begin)), current);
+  frame.store(planes.curFrame + 3 * begin);
+  frame.store(planes.prevFrame + 3 * begin);
+  store32(planes.rdDiff + begin, change);
+  store32(planes.illumDiff + begin, light);
 }
 
 // A threshold for bytes: byte <= threshold. A negative one holds for none.
@@ -314,28 +342,11 @@ struct Matcher {
 namespace lm {
 
 void takeFrame_avx2(const FramePlanes& planes, size_t begin, size_t end) {
-  const bool all = planes.frame != nullptr && planes.rdDiff != nullptr && planes.illumDiff != nullptr;
-  if (planes.channels == 3 && all) {
+  const bool usual =
+      planes.frame != nullptr && planes.rdDiff != nullptr && planes.illumDiff != nullptr && planes.keep;
+  if (planes.channels == 3 && usual) {
     const ChannelOf3 channel(planes.channel);
-    for (; begin + blockPixels <= end; begin += blockPixels) {
-      const std::uint8_t* frame = planes.frame + 3 * begin;
-      std::uint8_t* kept = planes.curFrame + 3 * begin;
-      fetchAhead(reinterpret_cast<const Bgr*>(planes.frame), begin);
-      fetchAhead(reinterpret_cast<const Bgr*>(planes.curFrame), begin);
-      fetchAhead(reinterpret_cast<const Bgr*>(planes.prevFrame), begin);
-      fetchAhead(reinterpret_cast<const Bgr*>(planes.bgImg), begin);
-      fetchAhead(planes.rdDiff, begin);
-      fetchAhead(planes.illumDiff, begin);
-      const __m256i a = load32(frame);
-      const __m256i b = load32(frame + 32);
-      const __m256i c = load32(frame + 64);
-      store32(kept, a);
-      store32(kept + 32, b);
-      store32(kept + 64, c);
-      const __m256i current = channel(a, b, c);
-      store32(planes.rdDiff + begin, distanceOf(channel(planes.prevFrame + 3 * begin), current));
-      store32(planes.illumDiff + begin, distanceOf(channel(planes.bgImg + 3 * begin), current));
-    }
+    for (; begin + blockPixels <= end; begin += blockPixels) takeBlock(planes, channel, begin);
   }
   takeFrame_c(planes, begin, end);
 }

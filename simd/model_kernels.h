@@ -19,12 +19,13 @@ inline constexpr std::size_t blockPixels = 32;
 struct FramePlanes {
   const std::uint8_t* frame;  // null: the frame is in curFrame already
   std::uint8_t* curFrame;
-  const std::uint8_t* prevFrame;
+  std::uint8_t* prevFrame;
   const std::uint8_t* bgImg;
   std::uint8_t* rdDiff;     // null: not wanted
   std::uint8_t* illumDiff;  // null: not wanted
   std::int32_t channels;    // 1, 3 or 4
   std::int32_t channel;     // to compare, 0 to 2
+  bool keep;                // then take the frame into prevFrame as well
 };
 
 // Copies the pixels [begin, end) of `frame` into curFrame and compares them, on one channel, with those of

@@ -108,6 +108,7 @@ void takeFrame_c(const FramePlanes& planes, std::size_t begin, std::size_t end) 
   };
   if (planes.rdDiff != nullptr) differ(planes.prevFrame, planes.rdDiff);
   if (planes.illumDiff != nullptr) differ(planes.bgImg, planes.illumDiff);
+  if (planes.keep) std::memcpy(planes.prevFrame + offset, current, (end - begin) * channels);
 }
 
 std::size_t findBusy_c(const ClassifyPlanes& planes, std::size_t& from, std::size_t end, BusyBlock* found,

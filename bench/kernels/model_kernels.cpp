@@ -39,11 +39,11 @@ struct Planes {
 void take_frame(benchmark::State& state, const ModelKernels& kernels) {
   const auto count = static_cast<std::size_t>(state.range(0));
   Planes planes(count);
-  const Bytes previous = filled(count * 3, 2);
+  Bytes previous = filled(count * 3, 2);
   const Bytes background = filled(count * 3, 3);
   while (state.KeepRunning()) {
     kernels.takeFrame({planes.frame.data(), planes.current.data(), previous.data(), background.data(),
-                       planes.change.data(), planes.light.data(), 3, 1},
+                       planes.change.data(), planes.light.data(), 3, 1, true},
                       0, count);
     benchmark::ClobberMemory();
   }

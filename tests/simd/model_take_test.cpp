@@ -14,7 +14,8 @@ TEST_P(TakeFrameKernel, FrameIsCopiedAndComparedOnOneChannel) {
   for (const std::size_t count : modelCounts) {
     for (const int channels : {1, 3, 4}) {
       for (int channel = 0; channel < std::min(channels, 3); ++channel) {
-        for (const int wanted : {0, 1, 2, 3, 4, 7}) {  // bits: rdDiff, illumDiff, the frame is elsewhere
+        for (const int wanted :
+             {0, 1, 2, 3, 4, 7, 8, 11, 12, 15}) {  // bits: rdDiff, illumDiff, the frame is elsewhere, keep
           const auto side = sideFor(count);
           const auto step = static_cast<std::size_t>(channels);
           const Plane<std::uint8_t> frame(count * step, side), current(count * step, side),
@@ -30,20 +31,25 @@ TEST_P(TakeFrameKernel, FrameIsCopiedAndComparedOnOneChannel) {
           const std::size_t begin = count / 3;
           const std::size_t end = count - count / 5;
           std::vector<std::uint8_t> copied = current.values(), changes = change.values(),
-                                    lights = light.values();
+                                    lights = light.values(), kept = previous.values();
           for (std::size_t i = begin; i < end; ++i) {
             for (std::size_t c = 0; c < step; ++c) {
               if ((wanted & 4) != 0) copied[i * step + c] = frame[i * step + c];
             }
             const std::size_t at = i * step + static_cast<std::size_t>(channel);
             if ((wanted & 1) != 0) changes[i] = apart(previous[at], copied[at]);
+            for (std::size_t c = 0; c < step; ++c) {
+              if ((wanted & 8) != 0) kept[i * step + c] = copied[i * step + c];
+            }
             if ((wanted & 2) != 0) lights[i] = apart(background[at], copied[at]);
           }
-          kernels_.takeFrame({(wanted & 4) != 0 ? frame.data() : nullptr, current.data(), previous.data(),
-                              background.data(), (wanted & 1) != 0 ? change.data() : nullptr,
-                              (wanted & 2) != 0 ? light.data() : nullptr, channels, channel},
-                             begin, end);
+          kernels_.takeFrame(
+              {(wanted & 4) != 0 ? frame.data() : nullptr, current.data(), previous.data(), background.data(),
+               (wanted & 1) != 0 ? change.data() : nullptr, (wanted & 2) != 0 ? light.data() : nullptr,
+               channels, channel, (wanted & 8) != 0},
+              begin, end);
           ASSERT_EQ(current.values(), copied) << count << " pixels of " << channels << ", parts " << wanted;
+          ASSERT_EQ(previous.values(), kept) << count << " pixels of " << channels << ", parts " << wanted;
           ASSERT_EQ(change.values(), changes)
               << count << " pixels of " << channels << ", channel " << channel;
           ASSERT_EQ(light.values(), lights) << count << " pixels of " << channels << ", channel " << channel;
