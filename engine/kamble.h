@@ -18,6 +18,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -25,6 +26,9 @@
 #include "objects/box.h"
 
 struct ccObj;  // objects/component.h
+namespace lm {
+struct ObjectScratch;  // objects/scratch.h
+}
 
 // Remembered samples of one pixel: slot s holds the pixel's bytes in the frame's own order, bytes beyond Ch
 // are 0.
@@ -233,5 +237,6 @@ class kAMBLE {
   std::vector<int> nbrDistances;  // see lm::neighbourDistances; empty unless initBuffer_ncv filled the arrays
   std::size_t regionMaskBytes = 0;         // bytes of each region mask that setParam made
   std::vector<std::uint32_t*> labelTable;  // the table that labelRows points to
-  std::vector<bool> labelRowHolds;         // rows of the label map that may hold anything but 0
+  // What object extraction keeps between frames; made when it is first needed. (objects/scratch.h)
+  std::unique_ptr<lm::ObjectScratch> objectScratch;
 };

@@ -1,6 +1,7 @@
 // Construction and destruction of the engine, and the exported variables.
 #include "engine/aligned.h"
 #include "engine/kamble.h"
+#include "objects/scratch.h"
 
 std::int32_t THRESH_SAME_PIXEL_x3 = 30;
 std::int32_t THRESH_SAME_PIXEL_x2 = 20;

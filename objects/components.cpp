@@ -1,18 +1,39 @@
 // Labelling the 4-connected regions of a map.
+#include <algorithm>
+
 #include "engine/kamble.h"
-#include "objects/component.h"
-#include "objects/runs.h"
+#include "engine/rules.h"
+#include "objects/scratch.h"
+
+namespace {
+
+// The pixels of a row that hold `value`, as bits.
+void findPixels(const std::uint32_t* row, std::size_t pixels, std::uint32_t value, std::uint64_t* bits) {
+  for (std::size_t x = 0; x < pixels; ++x) {
+    bits[x / lm::wordPixels] |= std::uint64_t{row[x] == value} << (x % lm::wordPixels);
+  }
+}
+
+}  // namespace
 
 std::vector<ccObj> kAMBLE::connectedComponent(std::uint32_t* labels, std::uint8_t value) {
   std::vector<ccObj> components;
   if (labels == nullptr || szImgX < 1) return components;
-  lm::RunLabeller labeller(szImgX);
-  for (std::int32_t y = 0, begin = 0; begin < numPixel; ++y, begin += szImgX) {
-    const std::int32_t pixels = std::min(szImgX, numPixel - begin);
-    labeller.addRow<std::uint32_t>(labels + begin, y, pixels, value);
+  if (labels == labelMap && objectScratch != nullptr) objectScratch->labels.forget();
+  const std::size_t width = lm::countOf(szImgX);
+  const std::size_t count = lm::countOf(numPixel);
+  const std::size_t words = lm::wordsFor(width);
+  lm::BitRows bits;
+  lm::RunLabeller labeller;
+  labeller.start(szImgX, value);
+  for (std::size_t begin = 0, y = 0; begin < count; begin += width, ++y) {
+    bits.reset(words, 1);
+    findPixels(labels + begin, std::min(width, count - begin), value, bits.row(0));
+    labeller.addRow(bits.row(0), words, static_cast<std::int32_t>(y));
   }
-  for (const lm::SpannedComponent& spanned : labeller.label(labels, value)) {
-    components.push_back(spanned.component);
+  for (const lm::SpannedComponent& spanned : labeller.number()) components.push_back(spanned.component);
+  for (const lm::RunsOfRow& row : labeller.rows()) {
+    labeller.paint(row, labels + static_cast<std::size_t>(row.y) * width);
   }
   return components;
 }

@@ -1,12 +1,10 @@
 // From the foreground mask of a frame to the boxes of what moves.
-#include <cstring>
-
 #include "engine/aligned.h"
 #include "engine/kamble.h"
 #include "engine/rules.h"
 #include "objects/join.h"
 #include "objects/region_names.h"
-#include "objects/runs.h"
+#include "objects/scratch.h"
 #include "objects/small_components.h"
 #include "simd/simd.h"
 
@@ -21,60 +19,31 @@ bool isSized(const kAMBLE& engine) {
          engine.nbr4Idx.size() >= lm::countOf(engine.numPixel);
 }
 
-// Foreground becomes 1 and loses three layers, then what lies outside the regions.
+// Foreground becomes 1 and loses three layers, then what lies outside the regions: dilate_ncv_fast(mask, 255,
+// 1, 2), erode_ncv_fast(mask, 1, 0, 3) and pruning, the first two in one go.
 void cleanMask(kAMBLE& engine, std::uint8_t* mask) {
-  engine.dilate_ncv_fast(mask, 255, 1, 2);
-  engine.erode_ncv_fast(mask, 1, 0, 3);
+  lm::MaskBits& bits = lm::scratchOf(engine).mask;
+  bits.read(mask, lm::countOf(engine.szImgX), lm::countOf(engine.numPixel), {255, 1, 0});
+  bits.peel(3, engine.morphList);
+  bits.write(mask);
   simd::pruneFgByRoi(mask, engine.roiMask, engine.numPixel);
 }
 
 // Makes the label map and the row table where they are missing. False when memory is lacking.
 bool makeLabels(kAMBLE& engine) {
-  const std::size_t height = lm::countOf(engine.szImgY);
-  if (engine.labelMap == nullptr || engine.labelRowHolds.size() != height)
-    engine.labelRowHolds.assign(height, true);
+  const bool blank = engine.labelMap == nullptr && engine.labelRows == nullptr;
   bool made = lm::makeOnce(engine.labelMap, engine.numPixel);
   if (engine.labelRows == nullptr) {
-    engine.labelTable.assign(height, nullptr);
+    engine.labelTable.assign(lm::countOf(engine.szImgY), nullptr);
     engine.labelRows = engine.labelTable.data();
-    engine.labelRowHolds.assign(height, true);
   }
-  for (std::size_t row = 0; row < height; ++row) made &= lm::makeOnce(engine.labelRows[row], engine.szImgX);
-  return made;
-}
-
-bool isBlank(const std::uint8_t* row, std::size_t width) {
-  return row[0] == 0 && std::memcmp(row, row + 1, width - 1) == 0;
-}
-
-// Labels the mask in labelMap and labelRows and lists its components. Rows that were blank in the frame
-// before and still are cost nothing.
-std::vector<lm::SpannedComponent> labelMask(kAMBLE& engine, const std::uint8_t* mask) {
-  const std::size_t width = lm::countOf(engine.szImgX);
-  const std::size_t height = lm::countOf(engine.szImgY);
-  std::vector<bool>& holds = engine.labelRowHolds;
-  lm::RunLabeller labeller(engine.szImgX);
-  struct Row {
-    std::size_t y;
-    bool blank;
-  };
-  std::vector<Row> touched;
-  for (std::size_t y = 0; y < height; ++y) {
-    const std::uint8_t* row = mask + y * width;
-    const bool blank = isBlank(row, width);
-    if (blank && !holds[y]) continue;
-    touched.push_back({y, blank});
-    holds[y] = true;
-    simd::cvt_u8_to_u32(row, engine.labelMap + y * width, width);
-    if (!blank) labeller.addRow<std::uint8_t>(row, static_cast<std::int32_t>(y), engine.szImgX, 1);
+  for (std::int32_t row = 0; row < engine.szImgY; ++row) {
+    made &= lm::makeOnce(engine.labelRows[row], engine.szImgX);
   }
-  std::vector<lm::SpannedComponent> components = labeller.label(engine.labelMap, 1);
-  // A row is known to be blank once both copies of it are: memory may run out before.
-  for (const auto& [y, blank] : touched) {
-    std::memcpy(engine.labelRows[y], engine.labelMap + y * width, width * sizeof(std::uint32_t));
-    holds[y] = !blank;
-  }
-  return components;
+  if (!made) return false;
+  const lm::LabelPlanes planes{engine.labelMap, engine.labelRows, engine.szImgX, engine.szImgY};
+  lm::scratchOf(engine).labels.use(planes, blank);
+  return true;
 }
 
 std::vector<boxRect> boxesOf(const kAMBLE& engine, const std::vector<lm::SpannedComponent>& components,
@@ -99,7 +68,7 @@ std::vector<boxRect> kAMBLE::genFgObj_ncv(unsigned char* mask) {
   if (!makeLabels(*this)) return {};
 
   lm::SmallComponents small;
-  std::vector<boxRect> boxes = boxesOf(*this, labelMask(*this, mask), small);
+  std::vector<boxRect> boxes = boxesOf(*this, objectScratch->labels.label(mask, objectScratch->mask), small);
   lm::joinNear(boxes, thrConnect);
   lm::dropSmall(boxes, minObjWPxl, minObjHPxl);
   lm::joinOverlapping(boxes);

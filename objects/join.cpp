@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <utility>
 
 #include "engine/rules.h"
 
@@ -39,7 +40,7 @@ bool joinPass(std::vector<boxRect>& boxes, float reach, Related related) {
     if (used[i]) continue;
     const std::size_t j = findPartner(i);
     if (j == boxes.size()) {
-      joined.push_back(boxes[i]);
+      joined.push_back(std::move(boxes[i]));
       continue;
     }
     joined.push_back(uni_ncv(boxes[i], boxes[j]));

@@ -1,20 +1,54 @@
 #include "objects/runs.h"
 
+#include <algorithm>
+
+#include "objects/bit_rows.h"
+
 namespace lm {
 namespace {
 
-std::uint32_t skipValue(std::uint32_t label, std::uint32_t value) {
-  return label == value ? label + 1 : label;
+// The label of the component number `index`: 2, 3, ... without `value`.
+std::uint32_t labelOf(std::size_t index, std::uint32_t value) {
+  const auto label = static_cast<std::uint32_t>(index) + 2;
+  return value >= 2 && label >= value ? label + 1 : label;
 }
 
-void include(SpannedComponent& spanned, std::int32_t row, std::int32_t begin, std::int32_t end) {
-  spanned.component.count += end - begin;
-  spanned.left = std::min(spanned.left, begin);
-  spanned.right = std::max(spanned.right, end - 1);
+void include(SpannedComponent& spanned, const Run& run, std::int32_t row) {
+  spanned.component.count += run.end - run.begin;
+  spanned.left = std::min(spanned.left, run.begin);
+  spanned.right = std::max(spanned.right, run.end - 1);
   spanned.bottom = row;
 }
 
 }  // namespace
+
+void RunLabeller::start(std::int32_t width, std::uint32_t value) {
+  width_ = width;
+  value_ = value;
+  runs_.clear();
+  rows_.clear();
+  components_.clear();
+}
+
+void RunLabeller::addRow(const std::uint64_t* bits, std::size_t words, std::int32_t y) {
+  edges_.resize(words + 1);
+  for (std::size_t w = 0; w <= words; ++w) edges_[w] = bits[w] ^ leftOf(bits + w);
+
+  const auto begin = static_cast<std::uint32_t>(runs_.size());
+  bool open = false;
+  forEachColumn(edges_.data(), words + 1, [&](std::int32_t column) {
+    if (open) {
+      runs_.back().end = column;
+    } else {
+      runs_.push_back({column, column, static_cast<std::uint32_t>(runs_.size())});
+    }
+    open = !open;
+  });
+  rows_.push_back({y, begin, static_cast<std::uint32_t>(runs_.size())});
+  if (rows_.size() < 2) return;
+  const RunsOfRow& above = rows_[rows_.size() - 2];
+  if (above.y + 1 == y) uniteWithRowAbove(above, rows_.back());
+}
 
 std::uint32_t RunLabeller::root(std::uint32_t run) {
   while (runs_[run].parent != run) {
@@ -33,48 +67,39 @@ void RunLabeller::unite(std::uint32_t a, std::uint32_t b) {
 }
 
 // Both rows' runs rise from left to right: one walk over the two finds every pair that shares a column.
-void RunLabeller::uniteWithRowAbove(std::size_t rowBegin) {
-  const std::size_t rowEnd = runs_.size();
-  if (rowBegin == rowEnd) return;
-  const bool adjacent = aboveBegin_ < aboveEnd_ && runs_[aboveBegin_].row + 1 == runs_[rowBegin].row;
-  std::size_t above = adjacent ? aboveBegin_ : aboveEnd_;
-  std::size_t below = rowBegin;
-  while (above < aboveEnd_ && below < rowEnd) {
-    const Run& a = runs_[above];
-    const Run& b = runs_[below];
-    const bool aEndsFirst = a.end < b.end;
-    if (a.begin < b.end && b.begin < a.end) {
-      unite(static_cast<std::uint32_t>(above), static_cast<std::uint32_t>(below));
-    }
-    if (aEndsFirst) {
-      ++above;
-    } else {
-      ++below;
-    }
+void RunLabeller::uniteWithRowAbove(const RunsOfRow& above, const RunsOfRow& below) {
+  for (std::uint32_t a = above.begin, b = below.begin; a < above.end && b < below.end;) {
+    const Run& upper = runs_[a];
+    const Run& lower = runs_[b];
+    const bool upperEndsFirst = upper.end < lower.end;
+    if (upper.begin < lower.end && lower.begin < upper.end) unite(a, b);
+    ++(upperEndsFirst ? a : b);
   }
-  aboveBegin_ = rowBegin;
-  aboveEnd_ = rowEnd;
 }
 
-std::vector<SpannedComponent> RunLabeller::label(std::uint32_t* labels, std::uint32_t value) {
-  std::vector<SpannedComponent> components;
-  std::vector<std::uint32_t> componentOf(runs_.size());
-  std::uint32_t next = skipValue(2, value);
-  for (std::uint32_t i = 0; i < runs_.size(); ++i) {
-    const Run& run = runs_[i];
-    const std::int32_t first = run.row * width_ + run.begin;
-    const std::uint32_t rootRun = root(i);
-    if (rootRun == i) {
-      componentOf[i] = static_cast<std::uint32_t>(components.size());
-      components.push_back({{next, 0, first}, run.begin, run.row, run.begin, run.row});
-      next = skipValue(next + 1, value);
+const std::vector<SpannedComponent>& RunLabeller::number() {
+  for (const RunsOfRow& row : rows_) {
+    for (std::uint32_t i = row.begin; i < row.end; ++i) {
+      Run& run = runs_[i];
+      if (run.parent == i) {
+        const std::int32_t first = row.y * width_ + run.begin;
+        const auto index = static_cast<std::uint32_t>(components_.size());
+        components_.push_back({{labelOf(index, value_), 0, first}, run.begin, row.y, run.begin, row.y});
+        run.parent = index;
+      } else {
+        run.parent = runs_[run.parent].parent;  // an earlier run: it holds its component already
+      }
+      include(components_[run.parent], run, row.y);
     }
-    componentOf[i] = componentOf[rootRun];
-    SpannedComponent& spanned = components[componentOf[i]];
-    include(spanned, run.row, run.begin, run.end);
-    std::fill_n(labels + first, run.end - run.begin, spanned.component.label);
   }
-  return components;
+  return components_;
+}
+
+void RunLabeller::paint(const RunsOfRow& row, std::uint32_t* labels) const {
+  for (std::uint32_t i = row.begin; i < row.end; ++i) {
+    const Run& run = runs_[i];
+    std::fill(labels + run.begin, labels + run.end, labelOf(run.parent, value_));
+  }
 }
 
 }  // namespace lm

@@ -121,6 +121,27 @@ TEST(Components, FrameSizedRegionDoesNotExhaustTheStack) {
   EXPECT_EQ(map.label(1), (Components{{2, 120000, 0}}));
 }
 
+TEST(Components, RunsReachAcrossMachineWords) {
+  for (const std::size_t width : {63U, 64U, 65U, 128U, 130U}) {
+    Rows rows(3, std::string(width, '1'));
+    rows[1] = std::string(width, '.');
+    rows[1].back() = '1';
+    LabelMap map(rows);
+    const auto pixels = static_cast<std::int32_t>(2 * width + 1);
+    EXPECT_EQ(map.label(1), (Components{{2, pixels, 0}})) << width;
+  }
+}
+
+// A row of 130 pixels and one of 10, as a frame whose sizes do not multiply to its pixels has.
+TEST(Components, LastRowMayBeShort) {
+  SizedEngine engine(140, 1, 1);
+  engine.szImgX = 130;
+  std::vector<std::uint32_t> labels(140, 1);
+  labels[0] = 0;
+  EXPECT_EQ(engine.connectedComponent(labels.data(), 1), (Components{{2, 139, 1}}));
+  EXPECT_EQ(labels[139], 2U);
+}
+
 TEST(Components, MissingMapGivesNothing) {
   SizedEngine engine(4, 3, 1);
   EXPECT_EQ(engine.connectedComponent(nullptr, 1), Components{});

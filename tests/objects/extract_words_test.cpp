@@ -1,0 +1,145 @@
+// Everything that extraction leaves behind, against plain operations, over frames that follow each other.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+#include "objects/component.h"
+#include "simd/simd.h"
+#include "tests/objects/speckle.h"
+#include "tests/support/engine_fixture.h"
+
+namespace lm::test {
+namespace {
+
+using Labels = std::vector<std::uint32_t>;
+
+// What one frame is turned into by the operations that extraction consists of, called one by one.
+struct Traces {
+  Bytes mask;
+  std::vector<int> last;
+  Labels labels;
+};
+
+void flood(Labels& labels, int width, int pixel, std::uint32_t label) {
+  std::vector<int> open = {pixel};
+  const int count = static_cast<int>(labels.size());
+  while (!open.empty()) {
+    const int at = open.back();
+    open.pop_back();
+    if (labels[static_cast<std::size_t>(at)] != 1) continue;
+    labels[static_cast<std::size_t>(at)] = label;
+    if (at >= width) open.push_back(at - width);
+    if (at + width < count) open.push_back(at + width);
+    if (at % width > 0) open.push_back(at - 1);
+    if (at % width < width - 1) open.push_back(at + 1);
+  }
+}
+
+Traces tracesOf(const SizedEngine& engine, const Bytes& frame) {
+  const int width = engine.szImgX;
+  SizedEngine fresh(width, engine.szImgY, 1);
+  Traces traces{frame, {}, {}};
+  std::replace(traces.mask.begin(), traces.mask.end(), 255, 1);
+  fresh.erode_ncv_fast(traces.mask.data(), 1, 0, 3);
+  traces.last = fresh.morphList;
+  simd::pruneFgByRoi(traces.mask.data(), engine.roiMask, engine.numPixel);
+  traces.labels.assign(traces.mask.begin(), traces.mask.end());
+  std::uint32_t next = 2;
+  for (int pixel = 0; pixel < engine.numPixel; ++pixel) {
+    if (traces.labels[static_cast<std::size_t>(pixel)] == 1) flood(traces.labels, width, pixel, next++);
+  }
+  return traces;
+}
+
+struct Extraction : SizedEngine {
+  Extraction(int width, int height) : SizedEngine(width, height, 1) { put(mask, Bytes(pixels())); }
+  ~Extraction() { std::free(mask); }
+  Extraction(const Extraction&) = delete;
+  Extraction& operator=(const Extraction&) = delete;
+
+  void expectTraces(const Bytes& frame) {
+    const Traces expected = tracesOf(*this, frame);
+    std::copy(frame.begin(), frame.end(), mask);
+    genFgObj_ncv(mask);
+    ASSERT_EQ(drawn(mask), drawing(expected.mask, szImgX));
+    ASSERT_EQ(morphList, expected.last);
+    ASSERT_EQ(drawing(labelMap, pixels(), szImgX), drawing(expected.labels, szImgX));
+    Labels rows;
+    for (int y = 0; y < szImgY; ++y) rows.insert(rows.end(), labelRows[y], labelRows[y] + szImgX);
+    ASSERT_EQ(rows, expected.labels);
+  }
+
+  std::uint8_t* mask = nullptr;
+};
+
+class ExtractionOnWords : public ::testing::TestWithParam<int> {};
+INSTANTIATE_TEST_SUITE_P(Width, ExtractionOnWords, ::testing::ValuesIn(wordWidths),
+                         ::testing::PrintToStringParamName());
+
+TEST_P(ExtractionOnWords, EveryFrameLeavesWhatPlainOperationsLeave) {
+  Extraction engine(GetParam(), 37);
+  Speckle speckle(11);
+  const std::size_t pixels = engine.pixels();
+  for (int round = 0; round < 4; ++round) {
+    for (const unsigned every : {30U, 150U, 1000U}) {
+      engine.expectTraces(speckle.mask(pixels, 255, every, {0}));
+      engine.expectTraces(speckle.mask(pixels, 255, every, {0, 7}));
+      engine.expectTraces(speckle.mask(pixels, 0, every, {7, 255, 1}));
+    }
+    engine.expectTraces(Bytes(pixels, 0));
+    engine.expectTraces(speckle.mask(pixels, 7, 40, {0, 1, 255, 254}));
+    engine.expectTraces(Bytes(pixels, 255));
+  }
+}
+
+TEST_P(ExtractionOnWords, PrunedPixelsAreInNoLabelMap) {
+  Extraction engine(GetParam(), 37);
+  for (std::size_t i = 0; i < engine.pixels(); i += 3) engine.roiMask[i] = 0;
+  Speckle speckle(12);
+  for (int round = 0; round < 4; ++round) {
+    engine.expectTraces(Bytes(engine.pixels(), 255));
+    engine.expectTraces(speckle.mask(engine.pixels(), 255, 200, {0, 7}));
+    engine.expectTraces(Bytes(engine.pixels(), 7));
+    engine.expectTraces(Bytes(engine.pixels(), 0));
+  }
+}
+
+// A square moves; behind it labels have to go, block by block.
+TEST_P(ExtractionOnWords, MovingRegionLeavesNoLabelsBehind) {
+  Extraction engine(GetParam(), 37);
+  for (int step = 0; step + 8 <= GetParam(); step += 7) {
+    Bytes frame(engine.pixels(), 0);
+    for (int y = 14; y < 23; ++y) std::fill_n(frame.begin() + y * GetParam() + step, 8, std::uint8_t{255});
+    engine.expectTraces(frame);
+  }
+  engine.expectTraces(Bytes(engine.pixels(), 0));
+}
+
+TEST(ExtractionBuffers, LabelMapPutInPlaceByTheCallerIsWrittenWhole) {
+  Extraction engine(130, 37);
+  engine.expectTraces(Bytes(engine.pixels(), 0));
+  std::uint32_t* const former = engine.labelMap;  // freed late, so that the new one lies elsewhere
+  engine.labelMap = makePlane<std::uint32_t>(engine.pixels(), 99);
+  engine.expectTraces(Bytes(engine.pixels(), 0));
+  std::free(former);
+}
+
+TEST(ExtractionBuffers, LabelMapThatWasLabelledOtherwiseIsWrittenWhole) {
+  Extraction engine(130, 37);
+  engine.expectTraces(Bytes(engine.pixels(), 0));
+  engine.connectedComponent(engine.labelMap, 0);
+  ASSERT_EQ(engine.labelMap[0], 2U);
+  engine.expectTraces(Bytes(engine.pixels(), 0));
+}
+
+TEST(ExtractionBuffers, PlanesThatWereReleasedAreMadeAgain) {
+  Extraction engine(130, 37);
+  engine.expectTraces(Bytes(engine.pixels(), 255));
+  std::free(engine.labelMap);
+  engine.labelMap = nullptr;
+  engine.expectTraces(Bytes(engine.pixels(), 0));
+  engine.expectTraces(Bytes(engine.pixels(), 255));
+}
+
+}  // namespace
+}  // namespace lm::test
