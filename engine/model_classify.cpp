@@ -9,13 +9,13 @@
 
 namespace {
 
-void classifyBlock(const kAMBLE& engine, const lm::ClassifyPlanes& planes, const lm::BusyBlock& block,
-                   std::size_t end) {
+void classifyBlock(const kAMBLE& engine, const std::uint8_t* frame, const lm::ClassifyPlanes& planes,
+                   const lm::BusyBlock& block, std::size_t end) {
   const lm::ModelKernels& kernels = lm::modelKernels();
   std::uint32_t matched = 0;
   if (block.pixels.compared != 0) {
     const lm::MatchRule rule{engine.frmChn, engine.thrMatch, engine.minMatchNum};
-    const std::uint8_t* values = engine.curFrame + block.begin * static_cast<std::size_t>(engine.frmChn);
+    const std::uint8_t* values = frame + block.begin * static_cast<std::size_t>(engine.frmChn);
     matched = kernels.matchBlock(rule, engine.bgModel[block.begin].samples[0], values, block.pixels.compared,
                                  engine.minDist + block.begin);
   }
@@ -31,12 +31,12 @@ lm::ClassifyPlanes planesOf(const kAMBLE& engine) {
 
 }  // namespace
 
-void lm::classifyRange(kAMBLE& engine, std::size_t begin, std::size_t end) {
+void lm::classifyRange(kAMBLE& engine, const std::uint8_t* frame, std::size_t begin, std::size_t end) {
   const ClassifyPlanes planes = planesOf(engine);
   std::array<BusyBlock, 16> blocks;
   while (begin < end) {
     const std::size_t found = modelKernels().findBusy(planes, begin, end, blocks.data(), blocks.size());
-    for (std::size_t i = 0; i < found; ++i) classifyBlock(engine, planes, blocks[i], end);
+    for (std::size_t i = 0; i < found; ++i) classifyBlock(engine, frame, planes, blocks[i], end);
   }
 }
 
@@ -48,6 +48,6 @@ bool kAMBLE::canClassify() const {
 
 bool kAMBLE::recogFg_ncv() {
   if (!canClassify()) return false;
-  lm::classifyRange(*this, 0, lm::countOf(numPixel));
+  lm::classifyRange(*this, curFrame, 0, lm::countOf(numPixel));
   return true;
 }

@@ -19,9 +19,9 @@ constexpr std::uint32_t refreshCycle = 16;  // a qualifying pixel is refreshed o
 constexpr std::uint32_t refreshTurn = 1;    // position in the cycle at which it is
 constexpr std::int32_t refreshRest = 15;    // frames that it then rests
 
-void writeSample(kAMBLE& engine, std::size_t pixel) {
+void writeSample(kAMBLE& engine, const std::uint8_t* frame, std::size_t pixel) {
   const auto bytes = static_cast<std::size_t>(engine.frmChn);
-  const std::uint8_t* value = engine.curFrame + pixel * bytes;
+  const std::uint8_t* value = frame + pixel * bytes;
   const std::uint32_t slot = engine.sampleCursor[pixel];
   engine.sampleCursor[pixel] =
       lm::nextSlot(slot, engine.lockSegStart, engine.lockSegEnd, BgModel::numSamples);
@@ -90,7 +90,8 @@ std::uint32_t refresh(kAMBLE& engine, std::size_t begin, std::uint32_t changed) 
   return due;
 }
 
-void updateBatch(kAMBLE& engine, const lm::NeighbourDistances& neighbours, Batch& batch) {
+void updateBatch(kAMBLE& engine, const std::uint8_t* frame, const lm::NeighbourDistances& neighbours,
+                 Batch& batch) {
   for (std::size_t i = 0; i < batch.size; ++i) {
     const auto& [begin, work] = batch.blocks[i];
     fetch(engine.nbrCursor, begin, work.lit);
@@ -108,7 +109,8 @@ void updateBatch(kAMBLE& engine, const lm::NeighbourDistances& neighbours, Batch
     fetch(engine.sampleCursor, begin, batch.followed[i]);
   }
   for (std::size_t i = 0; i < batch.size; ++i) {
-    lm::forEachBit(batch.followed[i], [&](std::size_t k) { writeSample(engine, batch.blocks[i].begin + k); });
+    lm::forEachBit(batch.followed[i],
+                   [&](std::size_t k) { writeSample(engine, frame, batch.blocks[i].begin + k); });
   }
 }
 
@@ -120,8 +122,8 @@ float lm::LightCount::ratio() const {
   return static_cast<float>(std::min(changed, limit)) / static_cast<float>(std::min(examined, limit));
 }
 
-void lm::updateRange(kAMBLE& engine, std::size_t begin, std::size_t end, const NeighbourDistances& distances,
-                     LightCount& light) {
+void lm::updateRange(kAMBLE& engine, const std::uint8_t* frame, std::size_t begin, std::size_t end,
+                     const NeighbourDistances& distances, LightCount& light) {
   const ModelKernels& kernels = modelKernels();
   const UpdatePlanes planes{engine.roiMask,    engine.rdDiff,           engine.prevFgMask, engine.fgMask,
                             engine.absorbMask, engine.illumDiff,        engine.updTimer,   engine.thrHeuris,
@@ -130,7 +132,7 @@ void lm::updateRange(kAMBLE& engine, std::size_t begin, std::size_t end, const N
   while (begin < end) {
     batch.size = kernels.findUpdateWork(planes, begin, end, batch.blocks.data(), blocksAhead, light.examined);
     for (std::size_t i = 0; i < batch.size; ++i) light.changed += std::popcount(batch.blocks[i].work.lit);
-    updateBatch(engine, distances, batch);
+    updateBatch(engine, frame, distances, batch);
   }
 }
 
@@ -145,7 +147,7 @@ bool kAMBLE::canUpdate() const {
 bool kAMBLE::updateModel_ncv() {
   if (!canUpdate()) return false;
   lm::LightCount light;
-  lm::updateRange(*this, 0, lm::countOf(numPixel), lm::NeighbourDistances(), light);
+  lm::updateRange(*this, curFrame, 0, lm::countOf(numPixel), lm::NeighbourDistances(), light);
   illumRatio = light.ratio();
   return true;
 }

@@ -34,9 +34,6 @@ void copyBytes(std::uint8_t* to, const std::uint8_t* from, std::int32_t bytes) {
   if (bytes > 0) std::memcpy(to, from, static_cast<std::size_t>(bytes));
 }
 
-// Pixels of a strip: few enough for its planes to stay in a processor's own cache from one step to the next.
-constexpr std::size_t stripPixels = 8192;
-
 // A mask that is the same is not written again.
 void rememberMask(kAMBLE& engine, std::size_t begin, std::size_t end) {
   if (engine.prevFgMask == nullptr || engine.fgMask == nullptr) return;
@@ -86,6 +83,7 @@ bool kAMBLE::learnStrips(const std::uint8_t* frame, std::int32_t pixels) {
   // A channel beyond the frame's reads across pixels, which only the frame as a whole can do.
   const std::size_t rows = channel < frmChn ? stripPixels / width + 1 : count;
   const lm::NeighbourDistances distances(*this, nbrDistances);
+  const std::uint8_t* values = frame != nullptr ? frame : curFrame;
   lm::LightCount light;
   std::size_t differed = 0;
   for (std::size_t begin = 0; begin < count;) {
@@ -93,8 +91,8 @@ bool kAMBLE::learnStrips(const std::uint8_t* frame, std::int32_t pixels) {
     const std::size_t ahead = std::min(count, end + 2 * width);
     lm::takeRange(*this, frame, channel, differed, ahead);
     differed = ahead;
-    if (classify) lm::classifyRange(*this, begin, end);
-    if (update) lm::updateRange(*this, begin, end, distances, light);
+    if (classify) lm::classifyRange(*this, values, begin, end);
+    if (update) lm::updateRange(*this, values, begin, end, distances, light);
     const std::size_t last = std::min(end, lm::countOf(pixels));
     if (begin < last) rememberMask(*this, begin, last);
     if (begin < last && frame == nullptr) rememberFrame(*this, begin, last);

@@ -26,13 +26,15 @@ inline constexpr int noDifference = -1;
 // where illumination handling is on, on `channel`. Reads no other pixels. (difference.cpp)
 void takeRange(kAMBLE& engine, const std::uint8_t* frame, int channel, std::size_t begin, std::size_t end);
 
+// The two below read the frame's pixels from `frame`: curFrame, or where it was taken from.
+
 // fgMask, minDist, fgLife, absorbMask. Reads no other pixels. (model_classify.cpp)
-void classifyRange(kAMBLE& engine, std::size_t begin, std::size_t end);
+void classifyRange(kAMBLE& engine, const std::uint8_t* frame, std::size_t begin, std::size_t end);
 
 class NeighbourDistances;
 
 // Samples, bgImg, timers and counters. Reads illumDiff up to two rows away. (model_update.cpp)
-void updateRange(kAMBLE& engine, std::size_t begin, std::size_t end, const NeighbourDistances& distances,
-                 LightCount& light);
+void updateRange(kAMBLE& engine, const std::uint8_t* frame, std::size_t begin, std::size_t end,
+                 const NeighbourDistances& distances, LightCount& light);
 
 }  // namespace lm

@@ -50,6 +50,14 @@ struct Colours {
     store32(pixels + 32, b);
     store32(pixels + 64, c);
   }
+
+  // Past the caches. `pixels`: 32-byte aligned.
+  [[gnu::always_inline]] void stream(std::uint8_t* pixels) const {
+    auto* groups = reinterpret_cast<__m256i*>(pixels);
+    _mm256_stream_si256(groups, a);
+    _mm256_stream_si256(groups + 1, b);
+    _mm256_stream_si256(groups + 2, c);
+  }
 };
 
 // Picks one channel of 32 pixels of three bytes. Three is no divisor of 16, so the wanted bytes of 48 have
@@ -90,10 +98,12 @@ struct ChannelOf3 {
   return _mm256_or_si256(_mm256_subs_epu8(a, b), _mm256_subs_epu8(b, a));
 }
 
+// `streamed`: curFrame is written past the caches. What follows reads the frame where it came from, so that
+// fetching curFrame's old bytes and keeping its new ones near would be in vain.
+template <bool streamed>
 [[gnu::always_inline]] inline void takeBlock(const lm::FramePlanes& planes, const ChannelOf3& channel,
                                              size_t begin) {
   fetchAhead(reinterpret_cast<const Bgr*>(planes.frame), begin);
-  fetchAhead(reinterpret_cast<const Bgr*>(planes.curFrame), begin);
   fetchAhead(reinterpret_cast<const Bgr*>(planes.prevFrame), begin);
   fetchAhead(reinterpret_cast<const Bgr*>(planes.bgImg), begin);
   fetchAhead(planes.rdDiff, begin);
@@ -102,10 +112,23 @@ struct ChannelOf3 {
   const __m256i current = channel(frame);
   const __m256i change = distanceOf(channel(Colours(planes.prevFrame + 3 * begin)), current);
   const __m256i light = distanceOf(channel(Colours(planes.bgImg + 3 * begin)), current);
-  frame.store(planes.curFrame + 3 * begin);
+  if constexpr (streamed) {
+    frame.stream(planes.curFrame + 3 * begin);
+  } else {
+    frame.store(planes.curFrame + 3 * begin);
+  }
   frame.store(planes.prevFrame + 3 * begin);
   store32(planes.rdDiff + begin, change);
   store32(planes.illumDiff + begin, light);
+}
+
+template <bool streamed>
+[[gnu::always_inline]] inline size_t takeBlocks(const lm::FramePlanes& planes, size_t begin, size_t end) {
+  const ChannelOf3 channel(planes.channel);
+  for (; begin + lm::blockPixels <= end; begin += lm::blockPixels)
+    takeBlock<streamed>(planes, channel, begin);
+  if constexpr (streamed) _mm_sfence();
+  return begin;
 }
 
 // A threshold for bytes: byte <= threshold. A negative one holds for none.
@@ -134,6 +157,17 @@ template <int relation>
     bits |= static_cast<std::uint32_t>(_mm256_movemask_ps(holds)) << (8 * k);
   }
   return bits;
+}
+
+// Where the run of zeros that `bytes` holds at `from` may end; in steps of four blocks.
+[[gnu::always_inline]] inline size_t behindZeros(const std::uint8_t* bytes, size_t from, size_t end) {
+  for (; from + 4 * lm::blockPixels <= end; from += 4 * lm::blockPixels) {
+    const std::uint8_t* four = bytes + from;
+    const __m256i any = _mm256_or_si256(_mm256_or_si256(load32(four), load32(four + 32)),
+                                        _mm256_or_si256(load32(four + 64), load32(four + 96)));
+    if (_mm256_testz_si256(any, any) == 0) break;
+  }
+  return from;
 }
 
 // Whether the block at `begin` has busy pixels; `busy` is written only then.
@@ -342,11 +376,11 @@ struct Matcher {
 namespace lm {
 
 void takeFrame_avx2(const FramePlanes& planes, size_t begin, size_t end) {
-  const bool usual =
-      planes.frame != nullptr && planes.rdDiff != nullptr && planes.illumDiff != nullptr && planes.keep;
-  if (planes.channels == 3 && usual) {
-    const ChannelOf3 channel(planes.channel);
-    for (; begin + blockPixels <= end; begin += blockPixels) takeBlock(planes, channel, begin);
+  const bool usual = planes.channels == 3 && planes.frame != nullptr && planes.rdDiff != nullptr &&
+                     planes.illumDiff != nullptr && planes.keep;
+  if (usual) {
+    const bool aligned = reinterpret_cast<std::uintptr_t>(planes.curFrame + 3 * begin) % 32 == 0;
+    begin = aligned ? takeBlocks<true>(planes, begin, end) : takeBlocks<false>(planes, begin, end);
   }
   takeFrame_c(planes, begin, end);
 }
@@ -355,6 +389,11 @@ size_t findBusy_avx2(const ClassifyPlanes& planes, size_t& from, size_t end, Bus
   const AtMost unchanged(planes.unchanged);
   size_t count = 0;
   for (; from + blockPixels <= end; from += blockPixels) {
+    if (planes.roiMask[from] == 0) {
+      // Nothing is done outside the regions but clearing what is left there.
+      from = behindZeros(planes.fgMask, from, behindZeros(planes.roiMask, from, end));
+      if (from + blockPixels > end) break;
+    }
     if (count == room) return count;
     if (isBusy(planes, unchanged, from, found[count].pixels)) found[count++].begin = from;
   }
@@ -405,7 +444,10 @@ size_t findUpdateWork_avx2(const UpdatePlanes& planes, size_t& from, size_t end,
   for (; from + blockPixels <= end; from += blockPixels) {
     if (count == room) return count;
     const __m256i outside = isZero(load32(planes.roiMask + from));
-    if (bitsOf(outside) == ~0U) continue;
+    if (bitsOf(outside) == ~0U) {
+      from = behindZeros(planes.roiMask, from + blockPixels, end) - blockPixels;
+      continue;
+    }
     fetchAhead(planes.updTimer, from);
     countDown(planes.updTimer + from, outside);
     const UpdateWork work = updateWork(planes, unchanged, sameLight, from, outside, examined);
