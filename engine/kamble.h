@@ -230,12 +230,12 @@ class kAMBLE {
   // Whether the planes that classification and update need are there. (model_classify.cpp, model_update.cpp)
   bool canClassify() const;
   bool canUpdate() const;
-  // Learns a frame of `pixels` pixels once the engine is sized, strip by strip; it is in curFrame already where `frame`
-  // is null. (pipeline.cpp)
+  // Learns a frame of `pixels` pixels once the engine is sized, strip by strip; it is in curFrame already
+  // where `frame` is null. (pipeline.cpp)
   bool learnStrips(const std::uint8_t* frame, std::int32_t pixels);
   bool continues(const std::uint8_t* frame, std::int32_t pixels, int channels) const;
-  // Pixels of a strip, made up to whole rows: few enough for its planes to stay in a processor's own cache from one
-  // step to the next. Any number gives the same results.
+  // Pixels of a strip, made up to whole rows: few enough for its planes to stay in a processor's own cache
+  // from one step to the next. Any number gives the same results.
   std::size_t stripPixels = 8192;
   std::vector<int> nbrDistances;  // see lm::neighbourDistances; empty unless initBuffer_ncv filled the arrays
   std::size_t regionMaskBytes = 0;         // bytes of each region mask that setParam made
