@@ -2,12 +2,24 @@
 // has stayed still.
 #include <array>
 
+#include "engine/bits.h"
+#include "engine/fetch.h"
 #include "engine/kamble.h"
 #include "engine/ranges.h"
 #include "engine/rules.h"
 #include "simd/model_kernels.h"
 
 namespace {
+
+// The samples that classifyBlock reads.
+void fetchSamples(const kAMBLE& engine, const lm::BusyBlock& block) {
+  constexpr std::size_t line = 64;  // bytes that come from memory at once; a pixel's samples lie in two
+  lm::forEachBit(block.pixels.compared, [&](std::size_t k) {
+    const std::uint8_t* samples = engine.bgModel[block.begin + k].samples[0];
+    lm::fetch(samples);
+    lm::fetch(samples + line);
+  });
+}
 
 void classifyBlock(const kAMBLE& engine, const std::uint8_t* frame, const lm::ClassifyPlanes& planes,
                    const lm::BusyBlock& block, std::size_t end) {
@@ -36,6 +48,7 @@ void lm::classifyRange(kAMBLE& engine, const std::uint8_t* frame, std::size_t be
   std::array<BusyBlock, 16> blocks;
   while (begin < end) {
     const std::size_t found = modelKernels().findBusy(planes, begin, end, blocks.data(), blocks.size());
+    for (std::size_t i = 0; i < found; ++i) fetchSamples(engine, blocks[i]);
     for (std::size_t i = 0; i < found; ++i) classifyBlock(engine, frame, planes, blocks[i], end);
   }
 }

@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "engine/bits.h"
+#include "engine/fetch.h"
 #include "engine/kamble.h"
 #include "engine/neighbours.h"
 #include "engine/ranges.h"
@@ -19,14 +20,23 @@ constexpr std::uint32_t refreshCycle = 16;  // a qualifying pixel is refreshed o
 constexpr std::uint32_t refreshTurn = 1;    // position in the cycle at which it is
 constexpr std::int32_t refreshRest = 15;    // frames that it then rests
 
+// Copies of a length that the compiler knows are a move or two.
+void copyPixel(std::uint8_t* to, const std::uint8_t* from, std::size_t bytes) {
+  if (bytes == 3) {
+    std::memcpy(to, from, 3);
+  } else {
+    std::memcpy(to, from, bytes);
+  }
+}
+
 void writeSample(kAMBLE& engine, const std::uint8_t* frame, std::size_t pixel) {
   const auto bytes = static_cast<std::size_t>(engine.frmChn);
   const std::uint8_t* value = frame + pixel * bytes;
   const std::uint32_t slot = engine.sampleCursor[pixel];
   engine.sampleCursor[pixel] =
       lm::nextSlot(slot, engine.lockSegStart, engine.lockSegEnd, BgModel::numSamples);
-  std::memcpy(engine.bgModel[pixel].samples[slot], value, bytes);
-  std::memcpy(engine.bgImg + pixel * bytes, value, bytes);
+  copyPixel(engine.bgModel[pixel].samples[slot], value, bytes);
+  copyPixel(engine.bgImg + pixel * bytes, value, bytes);
 }
 
 // Whether it is this pixel's turn for the slow refresh. The pixel was foreground or has changed.
@@ -41,7 +51,7 @@ bool isRefreshDue(kAMBLE& engine, std::size_t pixel) {
 
 // Blocks that are found before the first of them is worked on, so that their cursors and samples come from
 // memory while others are searched for.
-constexpr std::size_t blocksAhead = 32;
+constexpr std::size_t blocksAhead = 64;
 
 // Blocks with work, and what was decided for their pixels.
 struct Batch {
@@ -49,11 +59,6 @@ struct Batch {
   std::array<std::uint32_t, blocksAhead> followed;  // pixels whose change of light is written
   std::size_t size = 0;
 };
-
-template <typename T>
-void fetch(const T* plane, std::size_t begin, std::uint32_t pixels) {
-  lm::forEachBit(pixels, [&](std::size_t k) { __builtin_prefetch(plane + begin + k); });
-}
 
 // Whether the light of a neighbour of the pixel, the next one in turn, changed as well. `distances`: of the
 // pixel's block, or null.
@@ -90,13 +95,20 @@ std::uint32_t refresh(kAMBLE& engine, std::size_t begin, std::uint32_t changed) 
   return due;
 }
 
+template <typename Act>
+void forEachFollowed(const Batch& batch, Act act) {
+  for (std::size_t i = 0; i < batch.size; ++i) {
+    lm::forEachBit(batch.followed[i], [&](std::size_t k) { act(batch.blocks[i].begin + k); });
+  }
+}
+
 void updateBatch(kAMBLE& engine, const std::uint8_t* frame, const lm::NeighbourDistances& neighbours,
                  Batch& batch) {
   for (std::size_t i = 0; i < batch.size; ++i) {
     const auto& [begin, work] = batch.blocks[i];
-    fetch(engine.nbrCursor, begin, work.lit);
-    fetch(engine.minDist, begin, work.changed);
-    fetch(engine.refreshCount, begin, work.changed);
+    lm::fetch(engine.nbrCursor, begin, work.lit);
+    lm::fetch(engine.minDist, begin, work.changed);
+    lm::fetch(engine.refreshCount, begin, work.changed);
   }
   followLight(engine, neighbours, batch);
   for (std::size_t i = 0; i < batch.size; ++i) {
@@ -106,12 +118,12 @@ void updateBatch(kAMBLE& engine, const std::uint8_t* frame, const lm::NeighbourD
     }
     const std::uint32_t refreshed = refresh(engine, begin, work.changed & ~batch.followed[i]);
     batch.followed[i] |= work.absorbed | refreshed;
-    fetch(engine.sampleCursor, begin, batch.followed[i]);
+    lm::fetch(engine.sampleCursor, begin, batch.followed[i]);
   }
-  for (std::size_t i = 0; i < batch.size; ++i) {
-    lm::forEachBit(batch.followed[i],
-                   [&](std::size_t k) { writeSample(engine, frame, batch.blocks[i].begin + k); });
-  }
+  forEachFollowed(batch, [&](std::size_t pixel) {
+    lm::fetchToWrite(engine.bgModel[pixel].samples[engine.sampleCursor[pixel]]);
+  });
+  forEachFollowed(batch, [&](std::size_t pixel) { writeSample(engine, frame, pixel); });
 }
 
 }  // namespace

@@ -16,13 +16,14 @@ struct Bgr {
 };
 
 // Asks for the elements of a block some blocks behind the one at `begin`: more planes are read side by side
-// than the processor follows by itself. Nothing is read, so the end of a plane may be passed.
+// than the processor follows by itself. Into the second cache, where more requests may be under way than on
+// the way to the first. Nothing is read, so the end of a plane may be passed.
 template <typename T>
 [[gnu::always_inline]] inline void fetchAhead(const T* plane, size_t begin) {
-  constexpr size_t ahead = 16 * lm::blockPixels;
+  constexpr size_t ahead = 64 * lm::blockPixels;
   const auto address = reinterpret_cast<std::uintptr_t>(plane) + (begin + ahead) * sizeof(T);
   for (size_t at = 0; at < lm::blockPixels * sizeof(T); at += 64) {
-    _mm_prefetch(reinterpret_cast<const char*>(address + at), _MM_HINT_T0);
+    _mm_prefetch(reinterpret_cast<const char*>(address + at), _MM_HINT_T1);
   }
 }
 
