@@ -1,6 +1,7 @@
 // Deciding for every pixel whether it is background or foreground, and keeping count of how long foreground
 // has stayed still.
 #include <array>
+#include <bit>
 
 #include "engine/bits.h"
 #include "engine/fetch.h"
@@ -11,8 +12,10 @@
 
 namespace {
 
-// The samples that classifyBlock reads.
+// Asks for the samples that classifyBlock reads. Where most pixels are compared they are read in one go,
+// which the processor sees by itself.
 void fetchSamples(const kAMBLE& engine, const lm::BusyBlock& block) {
+  if (std::popcount(block.pixels.compared) > static_cast<int>(lm::blockPixels / 2)) return;
   constexpr std::size_t line = 64;  // bytes that come from memory at once; a pixel's samples lie in two
   lm::forEachBit(block.pixels.compared, [&](std::size_t k) {
     const std::uint8_t* samples = engine.bgModel[block.begin + k].samples[0];
