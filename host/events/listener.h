@@ -1,0 +1,29 @@
+// Whoever wants to know what happens in a video.
+#pragma once
+
+#include "host/events/event.h"
+#include "host/source.h"
+
+namespace lm::host {
+
+// Called in the order of time, from one thread. Functions may throw Failure, which ends the run.
+class EventListener {
+ public:
+  virtual ~EventListener() = default;
+
+  // Every frame that was analysed, before the events that it begins, changes or ends.
+  virtual void frame(const Frame&, const Observation&) {}
+
+  // An event that is long enough to count; it began some time ago. The kind may still change.
+  virtual void begun(const Event&) {}
+  // At each later frame that belongs to it.
+  virtual void changed(const Event&) {}
+  virtual void ended(const Event&) {}
+
+  // No frame comes any more: completes what is written.
+  virtual void finish() {}
+  // Gives complete files their names. Called once all listeners have finished.
+  virtual void commit() {}
+};
+
+}  // namespace lm::host
