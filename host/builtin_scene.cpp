@@ -26,6 +26,10 @@ constexpr Walker kBehindLamp[] = {
 constexpr Walker kAtKerb = {335, 680, -40, 260, 101, 76, {52, 152, 214}, {44, 42, 42}, {26, 34, 52}};
 constexpr Walker kOnRoad = {245, -50, 690, 356, 124, 62, {62, 48, 172}, {150, 172, 186}, {30, 44, 70}};
 
+std::chrono::microseconds time_of(int number) {
+  return std::chrono::milliseconds(1000 / kFramesPerSecond * number);
+}
+
 // Bell-shaped, from -6 to 6, with a standard deviation near 2.4, as a small camera has in the evening.
 std::vector<std::int8_t> make_noise() {
   std::vector<std::int8_t> noise(kNoiseLength);
@@ -38,8 +42,8 @@ std::vector<std::int8_t> make_noise() {
 
 }  // namespace
 
-BuiltinScene::BuiltinScene()
-    : street_(scene::paint_street()), light_(scene::lamp_light()), noise_(make_noise()) {
+BuiltinScene::BuiltinScene(double fps)
+    : street_(scene::paint_street()), light_(scene::lamp_light()), noise_(make_noise()), picker_(fps) {
   info_.name = "built-in scene";
   info_.size = {scene::kWidth, scene::kHeight};
   info_.rate = kFramesPerSecond;
@@ -47,6 +51,7 @@ BuiltinScene::BuiltinScene()
 }
 
 bool BuiltinScene::next(Frame& frame) {
+  while (number_ < kFrames && !picker_.wants(time_of(number_))) ++number_;
   if (number_ == kFrames || interrupted() != 0) return false;
   frame.image = street_.clone();
   scene::Canvas canvas(frame.image);
@@ -57,7 +62,8 @@ bool BuiltinScene::next(Frame& frame) {
   draw(canvas, kOnRoad, number_);
   if (number_ >= kLampOn) scene::shine(frame.image, light_);
   add_noise(frame.image);
-  frame.time = std::chrono::milliseconds(1000 / kFramesPerSecond * number_);
+  frame.time = time_of(number_);
+  frame.number = number_;
   ++number_;
   return true;
 }

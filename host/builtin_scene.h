@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <vector>
 
+#include "host/live/frame_picker.h"
 #include "host/source.h"
 
 namespace lm::host {
@@ -12,7 +13,8 @@ namespace lm::host {
 // walk by, a car drives in and parks, and a lamp is switched on. The same bytes on every machine.
 class BuiltinScene : public Source {
  public:
-  BuiltinScene();
+  // `fps`: hand out at most so many frames a second; 0 for all.
+  explicit BuiltinScene(double fps = 0);
 
   const SourceInfo& info() const override { return info_; }
   bool next(Frame& frame) override;
@@ -24,6 +26,7 @@ class BuiltinScene : public Source {
   cv::Mat street_;
   cv::Mat light_;
   std::vector<std::int8_t> noise_;
+  FramePicker picker_;
   int number_ = 0;  // of the next frame
 };
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <new>
+#include <thread>
 #include <utility>
 
 #include "host/failure.h"
@@ -67,32 +68,53 @@ bool is_camera(const std::string& name) {
   return name.starts_with("/dev/video") || name.starts_with("/dev/v4l/");
 }
 
-FfmpegSource::FfmpegSource(const std::string& name) {
+FfmpegSource::FfmpegSource(const std::string& name, const Reading& reading, cv::Size size,
+                           std::stop_token stop)
+    : reading_(reading), stop_(std::move(stop)), picker_(reading.fps) {
   info_.name = name;
   info_.live = is_live(name);
   open_input();
   open_decoder();
-  if (!decode())
-    fail(name, "no frame could be decoded" + (first_damage_.empty() ? "" : ": " + first_damage_));
-  describe();
+  if (!decode()) {
+    const std::string& cause = read_error_.empty() ? first_damage_ : read_error_;
+    fail(name, "no frame could be decoded" + (cause.empty() ? "" : ": " + cause));
+  }
+  describe(size);
+}
+
+void FfmpegSource::start_deadline() {
+  if (is_live(info_.name)) deadline_.allow(reading_.timeout);
+}
+
+bool FfmpegSource::gives_up() const {
+  return interrupted() != 0 || stop_.stop_requested() || deadline_.passed();
+}
+
+std::string FfmpegSource::error_text(int code) const {
+  return code == AVERROR_EXIT && deadline_.passed() ? "no data for " + seconds_text(reading_.timeout) + " s"
+                                                    : av::error_text(code);
 }
 
 void FfmpegSource::open_input() {
   avdevice_register_all();
   AVFormatContext* input = avformat_alloc_context();
   if (input == nullptr) throw std::bad_alloc();
-  input->interrupt_callback.callback = [](void*) { return interrupted(); };
+  input->interrupt_callback = {
+      [](void* self) { return static_cast<const FfmpegSource*>(self)->gives_up() ? 1 : 0; }, this};
+  if (is_camera(info_.name)) input->flags |= AVFMT_FLAG_NONBLOCK;  // nothing can end its wait for a picture
   AVDictionary* settings = nullptr;
   av_dict_set(&settings, "rtsp_transport", "tcp", 0);  // lost packets would look like motion
   const AVInputFormat* format = is_camera(info_.name) ? av_find_input_format("v4l2") : nullptr;
+  start_deadline();
   const int opened = avformat_open_input(&input, address_of(info_.name).c_str(), format, &settings);
   av_dict_free(&settings);
   // The context is gone already when opening failed.
   if (opened == AVERROR_INVALIDDATA) fail(info_.name, "not a video, or one too damaged to be read");
-  if (opened < 0) fail(info_.name, av::error_text(opened));
+  if (opened < 0) fail(info_.name, error_text(opened));
   input_.reset(input);
+  start_deadline();
   if (const int found = avformat_find_stream_info(input, nullptr); found < 0) {
-    fail(info_.name, av::error_text(found));
+    fail(info_.name, error_text(found));
   }
 }
 
@@ -106,6 +128,9 @@ void FfmpegSource::open_decoder() {
   for (unsigned i = 0; i < input_->nb_streams; ++i) {
     if (input_->streams[i] != stream_) input_->streams[i]->discard = AVDISCARD_ALL;
   }
+  info_.duration = stated_duration(*input_, *stream_);
+  info_.live = info_.live && !info_.duration;  // what states its length is a recording
+  whole_picture_needed_ = info_.live;
   decoder_ = av::new_codec(codec);
   decoder_->pkt_timebase = stream_->time_base;
   decoder_->thread_count = info_.live ? 1 : 0;  // threads hold frames back
@@ -114,32 +139,43 @@ void FfmpegSource::open_decoder() {
   if (result < 0) fail(info_.name, av::error_text(result));
 }
 
-void FfmpegSource::describe() {
+void FfmpegSource::describe(cv::Size size) {
   if (sws_isSupportedInput(static_cast<AVPixelFormat>(picture_->format)) == 0) {
     fail(info_.name, "pictures of this pixel format cannot be converted");
   }
   const int turns = quarter_turns(*stream_);
-  converter_.emplace(cv::Size(picture_->width, picture_->height), turns);
+  cv::Size lying(picture_->width, picture_->height);
+  if (!size.empty()) lying = turns % 2 == 0 ? size : cv::Size(size.height, size.width);
+  converter_.emplace(lying, turns);
   info_.size = converter_->size();
   info_.pixel_aspect = pixel_aspect(*input_, *stream_, turns);
   info_.rate = nominal_rate(*input_, *stream_);
-  if (!info_.live) info_.duration = stated_duration(*input_, *stream_);
-  clock_.emplace(info_.rate > 0 ? Time(std::llround(1e6 / info_.rate)) : Time(40ms));
+  clock_.emplace(info_.rate > 0 ? Time(std::llround(1e6 / info_.rate)) : Time(40ms), reading_.max_gap);
 }
 
 bool FfmpegSource::next(Frame& frame) {
   while (interrupted() == 0) {
     if (!std::exchange(first_waits_, false) && !decode()) return false;
+    frame = {};
+    frame.time = clock_->next(stated_time());
+    frame.number = number_++;
+    end_ = frame.time + clock_->interval();
+    note_time();
+    if (!picker_.wants(frame.time)) continue;
     frame.image = converter_->convert(*picture_);
     if (frame.image.empty()) {
       note_damage("this pixel format cannot be converted");
       continue;
     }
-    frame.time = clock_->next(stated_time());
-    end_ = frame.time + clock_->interval();
+    frame.note = std::exchange(note_, "");
     return true;
   }
   return false;
+}
+
+void FfmpegSource::note_time() {
+  if (clock_->note().empty()) return;
+  note_ += (note_.empty() ? "" : "; ") + clock_->note();
 }
 
 std::optional<Time> FfmpegSource::stated_time() const {
@@ -154,7 +190,9 @@ bool FfmpegSource::decode() {
     if (result >= 0) {
       const bool whole = picture_->decode_error_flags == 0 && (picture_->flags & AV_FRAME_FLAG_CORRUPT) == 0;
       if (!whole) note_damage("parts of a picture are missing");
-      return true;
+      if (whole && picture_->key_frame != 0) whole_picture_needed_ = false;
+      if (!whole_picture_needed_) return true;
+      continue;
     }
     if (result == AVERROR_EOF) return false;
     if (result != AVERROR(EAGAIN)) note_damage(av::error_text(result));
@@ -180,10 +218,11 @@ void FfmpegSource::feed() {
 
 // Reads the next packet of the video stream; false at the end.
 bool FfmpegSource::read_packet() {
+  start_deadline();
   for (;;) {
-    const int result = av_read_frame(input_.get(), packet_.get());
+    const int result = read_in_time();
     if (result < 0) {
-      if (result != AVERROR_EOF) read_error_ = av::error_text(result);
+      if (result != AVERROR_EOF) read_error_ = error_text(result);
       return false;
     }
     if (packet_->stream_index == stream_->index) break;
@@ -193,7 +232,19 @@ bool FfmpegSource::read_packet() {
   return true;
 }
 
+int FfmpegSource::read_in_time() {
+  for (;;) {
+    const int result = av_read_frame(input_.get(), packet_.get());
+    if (result != AVERROR(EAGAIN)) return result;
+    if (gives_up()) return AVERROR_EXIT;
+    std::this_thread::sleep_for(5ms);
+  }
+}
+
+// What follows a gap in a stream is built on what was lost, which makes pictures grey or smeared: that is no
+// motion.
 void FfmpegSource::note_damage(const std::string& cause) {
+  whole_picture_needed_ = info_.live;
   if (damaged_++ == 0) first_damage_ = cause;
 }
 

@@ -1,11 +1,15 @@
 // Files, streams and cameras through FFmpeg's libraries.
 #pragma once
 
+#include <cstdint>
 #include <optional>
+#include <stop_token>
 #include <string>
 
 #include "host/av.h"
 #include "host/frame_clock.h"
+#include "host/live/deadline.h"
+#include "host/live/frame_picker.h"
 #include "host/picture_converter.h"
 #include "host/source.h"
 
@@ -16,8 +20,12 @@ bool is_camera(const std::string& name);
 
 class FfmpegSource : public Source {
  public:
-  // Opens the source and decodes its first frame, which settles the size of all.
-  explicit FfmpegSource(const std::string& name);
+  // Opens the source and decodes its first frame, which settles the size of all unless `size` does. `stop`
+  // ends all waiting.
+  explicit FfmpegSource(const std::string& name, const Reading& reading = {}, cv::Size size = {},
+                        std::stop_token stop = {});
+  FfmpegSource(const FfmpegSource&) = delete;
+  FfmpegSource& operator=(const FfmpegSource&) = delete;
 
   const SourceInfo& info() const override { return info_; }
   bool next(Frame& frame) override;
@@ -29,11 +37,19 @@ class FfmpegSource : public Source {
   bool decode();
   void feed();
   bool read_packet();
+  int read_in_time();
+  void start_deadline();
+  bool gives_up() const;
+  std::string error_text(int code) const;
   void note_damage(const std::string& cause);
-  void describe();
+  void describe(cv::Size size);
+  void note_time();
   std::string early_end() const;
   std::optional<FrameClock::Time> stated_time() const;
 
+  Reading reading_;
+  std::stop_token stop_;
+  Deadline deadline_;
   SourceInfo info_;
   av::Input input_;
   AVStream* stream_ = nullptr;  // part of input_
@@ -42,8 +58,12 @@ class FfmpegSource : public Source {
   av::Picture picture_ = av::new_picture();
   std::optional<PictureConverter> converter_;
   std::optional<FrameClock> clock_;
-  bool first_waits_ = true;    // the picture decoded by the constructor has not been handed out
-  bool packet_waits_ = false;  // the decoder had no room for it
+  FramePicker picker_;
+  std::int64_t number_ = 0;            // of the next frame
+  std::string note_;                   // for the next frame handed out
+  bool whole_picture_needed_ = false;  // before any other is of use
+  bool first_waits_ = true;            // the picture decoded by the constructor has not been handed out
+  bool packet_waits_ = false;          // the decoder had no room for it
   bool drained_ = false;
 
   FrameClock::Time end_{0};  // of the last frame

@@ -1,5 +1,7 @@
 #include "host/frame_clock.h"
 
+#include "host/time_text.h"
+
 namespace lm::host {
 
 using namespace std::chrono_literals;
@@ -13,14 +15,20 @@ constexpr FrameClock::Time farthest = std::chrono::years(100);
 FrameClock::Time FrameClock::next(std::optional<Time> stated) {
   const Time expected = last_ ? *last_ + interval_ : Time{0};
   Time now = expected;
+  note_.clear();
   if (stated && *stated >= -farthest && *stated <= farthest) {
     if (!origin_) origin_ = *stated - expected;
     now = *stated - *origin_;
     if (last_ && (now < *last_ - 1s || now > farthest)) {
+      note_ = now > farthest
+                  ? "a new part begins"
+                  : "a new part begins: the source's clock goes back by " + seconds_text(*last_ - now) + " s";
       origin_ = *stated - expected;
       now = expected;
     } else if (last_ && now <= *last_) {
       now = *last_ + 1ms;
+    } else if (last_ && now - *last_ > max_gap_) {
+      note_ = "no frame for " + seconds_text(now - *last_) + " s";
     }
   }
   last_ = now;

@@ -3,6 +3,7 @@
 
 #include <chrono>
 #include <optional>
+#include <string>
 
 namespace lm::host {
 
@@ -10,25 +11,29 @@ namespace lm::host {
 //  - a frame without a time comes one interval after the frame before it;
 //  - a frame that is not later than the one before it comes a millisecond after it;
 //  - a jump back by more than a second starts a new part (joined recordings, a camera that restarted its
-//  clock), which
-//    goes on one interval after the last frame;
+//    clock), which goes on one interval after the last frame;
 //  - damaged containers state any number: a time a hundred years or more away counts as none, and a part that
-//  would
-//    reach that far starts anew like one that jumps back.
+//    would reach that far starts anew like one that jumps back.
 class FrameClock {
  public:
   using Time = std::chrono::microseconds;
 
-  explicit FrameClock(Time interval) : interval_(interval) {}
+  // `max_gap`: frames further apart than this are a gap, which is kept but told.
+  explicit FrameClock(Time interval, Time max_gap = Time::max()) : interval_(interval), max_gap_(max_gap) {}
 
   Time interval() const { return interval_; }
 
   Time next(std::optional<Time> stated);
 
+  // What was odd about the last frame's time, in one line; mostly empty.
+  const std::string& note() const { return note_; }
+
  private:
   Time interval_;
+  Time max_gap_;
   std::optional<Time> origin_;  // the stated time that counts as zero
   std::optional<Time> last_;
+  std::string note_;
 };
 
 }  // namespace lm::host
