@@ -53,11 +53,54 @@ bool isRefreshDue(kAMBLE& engine, std::size_t pixel) {
 // memory while others are searched for.
 constexpr std::size_t blocksAhead = 64;
 
-// Blocks with work, and what was decided for their pixels.
+// Pixels that wait for the same decision: memory is asked for all of them, and one loop decides them all.
+class PixelList {
+ public:
+  // Those of the block at `begin` whose bits are set.
+  void append(std::size_t begin, std::uint32_t bits) {
+    const auto count = static_cast<std::size_t>(std::popcount(bits));
+    // Hardly a block has more than four; with these written, wanted or not, the processor need not guess.
+    for (std::size_t done = 0; done < count; done += step) {
+      for (std::size_t i = 0; i < step; ++i, bits &= bits - 1) {
+        pixels_[size_ + done + i] =
+            static_cast<std::uint32_t>(begin) + static_cast<std::uint32_t>(std::countr_zero(bits));
+      }
+    }
+    size_ += count;
+  }
+
+  void append(std::uint32_t pixel, bool wanted) {
+    pixels_[size_] = pixel;
+    size_ += static_cast<std::size_t>(wanted);
+  }
+
+  void clear() { size_ = 0; }
+  const std::uint32_t* begin() const { return pixels_.data(); }
+  const std::uint32_t* end() const { return pixels_.data() + size_; }
+
+ private:
+  static constexpr std::size_t step = 4;
+  std::array<std::uint32_t, blocksAhead * lm::blockPixels + step> pixels_;
+  std::size_t size_ = 0;
+};
+
+template <typename T>
+void fetch(const T* plane, const PixelList& pixels) {
+  for (const std::uint32_t pixel : pixels) lm::fetch(plane + pixel);
+}
+
+// Blocks with work, and their pixels by what has to be decided.
 struct Batch {
   std::array<lm::UpdateBlock, blocksAhead> blocks;
-  std::array<std::uint32_t, blocksAhead> followed;  // pixels whose change of light is written
   std::size_t size = 0;
+  PixelList lit;      // whose change of light is followed if a neighbour's changed as well
+  PixelList both;     // likewise, or else the slow refresh looks at them
+  PixelList changed;  // which the slow refresh looks at
+  PixelList written;  // whose samples are replaced
+
+  void clear() {
+    for (PixelList* list : {&lit, &both, &changed, &written}) list->clear();
+  }
 };
 
 // Whether the light of a neighbour of the pixel, the next one in turn, changed as well. `distances`: of the
@@ -71,59 +114,56 @@ bool neighbourChanged(kAMBLE& engine, const int* distances, std::size_t pixel) {
 }
 
 // A change of light over much of the scene is followed at once; elsewhere only together with a neighbour.
-void followLight(kAMBLE& engine, const lm::NeighbourDistances& neighbours, Batch& batch) {
+void sortPixels(kAMBLE& engine, const lm::NeighbourDistances& neighbours, Batch& batch) {
   const bool everywhere = !(engine.illumRatio < globalChangeRatio);
-  for (std::size_t i = 0; i < batch.size; ++i) {
-    const lm::UpdateBlock& block = batch.blocks[i];
-    batch.followed[i] = everywhere ? block.work.lit : 0;
-    if (everywhere || block.work.lit == 0) continue;
-    const int* distances = neighbours.of(block.begin);
-    lm::forEachBit(block.work.lit, [&](std::size_t k) {
-      const bool changed = neighbourChanged(engine, distances, block.begin + k);
-      batch.followed[i] |= static_cast<std::uint32_t>(changed) << k;
-    });
-  }
-}
-
-std::uint32_t refresh(kAMBLE& engine, std::size_t begin, std::uint32_t changed) {
-  std::uint32_t due = 0;
-  lm::forEachBit(changed, [&](std::size_t k) {
-    if (!isRefreshDue(engine, begin + k)) return;
-    engine.updTimer[begin + k] = refreshRest;
-    due |= 1U << k;
-  });
-  return due;
-}
-
-template <typename Act>
-void forEachFollowed(const Batch& batch, Act act) {
-  for (std::size_t i = 0; i < batch.size; ++i) {
-    lm::forEachBit(batch.followed[i], [&](std::size_t k) { act(batch.blocks[i].begin + k); });
-  }
-}
-
-void updateBatch(kAMBLE& engine, const std::uint8_t* frame, const lm::NeighbourDistances& neighbours,
-                 Batch& batch) {
-  for (std::size_t i = 0; i < batch.size; ++i) {
-    const auto& [begin, work] = batch.blocks[i];
-    lm::fetch(engine.nbrCursor, begin, work.lit);
-    lm::fetch(engine.minDist, begin, work.changed);
-    lm::fetch(engine.refreshCount, begin, work.changed);
-  }
-  followLight(engine, neighbours, batch);
   for (std::size_t i = 0; i < batch.size; ++i) {
     const auto& [begin, work] = batch.blocks[i];
     for (std::uint32_t left = work.absorbed; left != 0; left &= left - 1) {
       engine.absorbMask[begin + static_cast<std::size_t>(std::countr_zero(left))] = 0;
     }
-    const std::uint32_t refreshed = refresh(engine, begin, work.changed & ~batch.followed[i]);
-    batch.followed[i] |= work.absorbed | refreshed;
-    lm::fetch(engine.sampleCursor, begin, batch.followed[i]);
+    std::uint32_t followed = everywhere ? work.lit : 0;
+    std::uint32_t asking = work.lit & ~followed;
+    if (asking != 0 && neighbours.of(begin) == nullptr) {
+      lm::forEachBit(asking, [&](std::size_t k) {
+        followed |= static_cast<std::uint32_t>(neighbourChanged(engine, nullptr, begin + k)) << k;
+      });
+      asking = 0;
+    }
+    batch.written.append(begin, work.absorbed | followed);
+    batch.lit.append(begin, asking & ~work.changed);
+    batch.both.append(begin, asking & work.changed);
+    batch.changed.append(begin, work.changed & ~asking & ~followed);
   }
-  forEachFollowed(batch, [&](std::size_t pixel) {
+}
+
+void updateBatch(kAMBLE& engine, const std::uint8_t* frame, const lm::NeighbourDistances& neighbours,
+                 Batch& batch) {
+  batch.clear();
+  sortPixels(engine, neighbours, batch);
+  for (const PixelList* pixels : {&batch.lit, &batch.both}) fetch(engine.nbrCursor, *pixels);
+  for (const PixelList* pixels : {&batch.both, &batch.changed}) {
+    fetch(engine.minDist, *pixels);
+    fetch(engine.refreshCount, *pixels);
+  }
+  const int* distances = neighbours.inside();
+  for (const std::uint32_t pixel : batch.lit) {
+    batch.written.append(pixel, neighbourChanged(engine, distances, pixel));
+  }
+  for (const std::uint32_t pixel : batch.both) {
+    const bool followed = neighbourChanged(engine, distances, pixel);
+    batch.written.append(pixel, followed);
+    batch.changed.append(pixel, !followed);
+  }
+  for (const std::uint32_t pixel : batch.changed) {
+    if (!isRefreshDue(engine, pixel)) continue;
+    engine.updTimer[pixel] = refreshRest;
+    batch.written.append(pixel, true);
+  }
+  fetch(engine.sampleCursor, batch.written);
+  for (const std::uint32_t pixel : batch.written) {
     lm::fetchToWrite(engine.bgModel[pixel].samples[engine.sampleCursor[pixel]]);
-  });
-  forEachFollowed(batch, [&](std::size_t pixel) { writeSample(engine, frame, pixel); });
+  }
+  for (const std::uint32_t pixel : batch.written) writeSample(engine, frame, pixel);
 }
 
 }  // namespace

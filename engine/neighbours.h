@@ -51,6 +51,9 @@ class NeighbourDistances {
     return column >= reach && column <= lastColumn_ ? distances_ : nullptr;
   }
 
+  // Those that `of` gives where it gives any.
+  const int* inside() const { return distances_; }
+
  private:
   static constexpr std::uint32_t reach = 2;  // of a neighbourhood, pixels
 
