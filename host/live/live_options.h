@@ -1,0 +1,20 @@
+// How sources are read, as the command line has it.
+#pragma once
+
+#include "host/live/scale.h"
+#include "host/source.h"
+
+namespace CLI {
+class App;
+}
+
+namespace lm::host {
+
+struct LiveOptions {
+  Reading reading;
+  Scale scale;
+};
+
+void add_live_options(CLI::App& run, LiveOptions& options);
+
+}  // namespace lm::host
