@@ -157,7 +157,8 @@ bool FfmpegSource::next(Frame& frame) {
   while (interrupted() == 0) {
     if (!std::exchange(first_waits_, false) && !decode()) return false;
     frame = {};
-    frame.time = clock_->next(stated_time());
+    frame.stated = stated_time();
+    frame.time = clock_->next(frame.stated);
     frame.number = number_++;
     end_ = frame.time + clock_->interval();
     note_time();

@@ -15,9 +15,10 @@ namespace lm::host {
 struct Frame {
   cv::Mat image;                      // 8-bit blue, green, red; rows without padding
   std::chrono::microseconds time{0};  // since the first frame; each frame is later than the one before
-  std::int64_t number = 0;            // among all frames of the source; those that were left out count
-  bool anew = false;                  // nothing before it may be compared with it: the source was away
-  std::string note;                   // what happened to the source before it, in one line; mostly empty
+  std::optional<std::chrono::microseconds> stated{};  // as the file itself has it; none where it has none
+  std::int64_t number = 0;  // among all frames of the source; those that were left out count
+  bool anew = false;        // nothing before it may be compared with it: the source was away
+  std::string note;         // what happened to the source before it, in one line; mostly empty
 };
 
 struct SourceInfo {
