@@ -2,6 +2,7 @@
 #include <exception>
 #include <string>
 
+#include "host/archive/archive.h"
 #include "host/failure.h"
 #include "host/interrupt.h"
 #include "host/options.h"
@@ -20,7 +21,7 @@ int main(int argc, char** argv) {
     }
     show_plugin_log(command.options->verbose);
     watch_for_interrupts();
-    return run(*command.options);
+    return command.options->archive.out.empty() ? run(*command.options) : run_archive(*command.options);
   } catch (const Failure& failure) {
     std::fprintf(stderr, "lightmotion: %s\n", failure.what());
     return interrupted() != 0 ? 128 + interrupted() : failure.status();

@@ -17,6 +17,7 @@ constexpr const char* kExamples = R"(Examples:
   lightmotion run street.avi -o boxes.jsonl          one line per frame with boxes
   lightmotion run street.avi --config night.json     with settings and regions of your own
   lightmotion run rtsp://192.168.1.20/main           a network camera, until Ctrl-C
+  lightmotion run recordings --out results           every video in a folder
 )";
 
 constexpr const char* kStatuses = R"(
@@ -49,13 +50,11 @@ std::string conflict(const Options& options) {
   return "";
 }
 
-void add_run(CLI::App& app, Options& options) {
+CLI::App* add_run(CLI::App& app, Options& options) {
   CLI::App* run = app.add_subcommand("run", "Find what moves in a video");
   const auto add = [run](const char* name, std::string& value, const char* kind, const char* help) {
     return run->add_option(name, value, help)->type_name(kind);
   };
-  add("SOURCE", options.source, "",
-      "Video file, stream address or camera (/dev/video0);\nthe built-in scene when left out");
   add("-c,--config", options.config, "FILE", "Configuration document (JSON)");
   add("-o,--output", options.results, "FILE", "Result lines go here, not to standard output");
   add("-a,--annotate", options.annotate, "FILE", "Video with the boxes drawn (.mp4, .mkv or .mov)")
@@ -65,7 +64,9 @@ void add_run(CLI::App& app, Options& options) {
   add("--plugin", options.plugin, "PATH", "The plug-in, when it is not in its usual place");
   run->add_flag("-q,--quiet", options.quiet, "No progress bar and no summary");
   run->add_flag("-v,--verbose", options.verbose, "Show what the plug-in and the decoder log");
+  add_archive_options(*run, options.archive);
   run->footer(std::string(kExamples) + kStatuses);
+  return run;
 }
 
 Command refusal(const std::string& text) {
@@ -81,7 +82,7 @@ Command parse_command_line(const std::vector<std::string>& arguments) {
   app.require_subcommand(1);
   app.get_formatter()->column_width(28);
   app.footer(kExamples);
-  add_run(app, options);
+  const CLI::App* run = add_run(app, options);
   try {
     app.parse(std::vector<std::string>(arguments.rbegin(), arguments.rend()));
   } catch (const CLI::CallForHelp&) {
@@ -91,6 +92,10 @@ Command parse_command_line(const std::vector<std::string>& arguments) {
   } catch (const CLI::ParseError& error) {
     return refusal(error.what());
   }
+  if (const std::string text = complete_archive_options(*run, options.archive); !text.empty())
+    return refusal(text);
+  if (options.archive.out.empty() && !options.archive.sources.empty())
+    options.source = options.archive.sources.front();
   if (const std::string text = conflict(options); !text.empty()) return refusal(text);
   return {options, kDone, ""};
 }

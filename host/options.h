@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "host/archive/archive_options.h"
 #include "host/failure.h"
 
 namespace lm::host {
@@ -18,6 +19,7 @@ struct Options {
   std::string plugin;    // path of the plug-in; searched for when empty
   bool quiet = false;
   bool verbose = false;
+  ArchiveOptions archive;  // many files at once when its folder is not empty
 };
 
 // Either options to run with, or a text to print (help, version, an error) and the status to end with.

@@ -12,6 +12,7 @@
 #include <system_error>
 
 #include "host/annotator.h"
+#include "host/archive/record.h"
 #include "host/document.h"
 #include "host/document_faults.h"
 #include "host/interrupt.h"
@@ -153,6 +154,7 @@ int run(const Options& options) {
   const std::unique_ptr<Source> source = open_source(options.source);
   start(plugin, options, source->info());
   const Figures figures = Run(options, *source, plugin).all_frames();
+  if (!options.archive.figures.empty()) write_figures(options.archive.figures, figures);
   if (!options.quiet) std::fputs(summary(source->info().name, figures, options).c_str(), stderr);
   if (interrupted() != 0) return 128 + interrupted();
   const std::string trouble = source->trouble();

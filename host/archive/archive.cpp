@@ -1,0 +1,225 @@
+#include "host/archive/archive.h"
+
+#include <sched.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <chrono>
+#include <csignal>
+#include <cstdio>
+#include <deque>
+#include <filesystem>
+#include <list>
+#include <system_error>
+#include <utility>
+
+#include "host/archive/archive_progress.h"
+#include "host/archive/child.h"
+#include "host/archive/file_list.h"
+#include "host/archive/file_run.h"
+#include "host/archive/folder_name.h"
+#include "host/archive/shard.h"
+#include "host/archive/text_file.h"
+#include "host/interrupt.h"
+#include "host/plugin.h"
+
+namespace lm::host {
+namespace {
+
+namespace fs = std::filesystem;
+
+// The processors that this process may use, which are fewer than the machine's in a batch job.
+int processors() {
+  cpu_set_t set;
+  return sched_getaffinity(0, sizeof set, &set) == 0 ? std::max(1, CPU_COUNT(&set)) : 1;
+}
+
+// So that the end of a child can be waited for together with other signals.
+sigset_t hold_back_child_signals() {
+  sigset_t set;
+  sigemptyset(&set);
+  sigaddset(&set, SIGCHLD);
+  std::signal(SIGCHLD, SIG_DFL);
+  sigprocmask(SIG_BLOCK, &set, nullptr);
+  return set;
+}
+
+std::string made_folder(const std::string& name) {
+  std::error_code error;
+  fs::create_directories(name, error);
+  if (!error && access(name.c_str(), W_OK | X_OK) != 0) error = {errno, std::generic_category()};
+  if (error) throw Failure(kTrouble, name + " cannot be written: " + error.message());
+  return fs::canonical(name).string();
+}
+
+ArchiveSettings settings_of(const Options& options) {
+  std::string configuration;
+  if (!options.config.empty()) {
+    const std::optional<std::string> text = read_text(options.config);
+    if (!text) throw Failure(kRefused, options.config + ": " + std::generic_category().message(errno));
+    configuration = *text;
+  }
+  const std::vector<std::string>& passed_on = options.archive.passed_on;
+  return {made_folder(options.archive.out), passed_on, settings_digest(passed_on, configuration)};
+}
+
+std::vector<ArchiveFile> files_of(const ArchiveOptions& options, const Shard& shard) {
+  const std::vector<ArchiveFile> all = list_files(options.sources, options.out);
+  std::vector<ArchiveFile> files;
+  for (std::size_t place = 0; place < all.size(); ++place) {
+    if (belongs(shard, place)) files.push_back(all[place]);
+  }
+  return files;
+}
+
+class ArchiveRun {
+ public:
+  ArchiveRun(const Options& options, ArchiveSettings settings, const std::vector<ArchiveFile>& files)
+      : options_(options),
+        settings_(std::move(settings)),
+        jobs_(static_cast<std::size_t>(options.archive.jobs > 0 ? options.archive.jobs : processors())),
+        child_ended_(hold_back_child_signals()),
+        progress_(!options.quiet) {
+    for (const ArchiveFile& file : files) {
+      waiting_.push_back({file.path, file.why});
+      std::error_code ignored;
+      const std::uintmax_t size = fs::file_size(file.path, ignored);
+      if (!ignored) state_.bytes_to_do += static_cast<std::int64_t>(size);
+    }
+    state_.files = files.size();
+  }
+
+  // Until every file is done or the program is asked to stop. The rows are in the order of the files.
+  std::vector<TableRow> all_files() {
+    const auto begin = std::chrono::steady_clock::now();
+    while (interrupted() == 0 && (!waiting_.empty() || !running_.empty())) {
+      start_some();
+      state_.worked =
+          std::chrono::duration_cast<std::chrono::microseconds>(std::chrono::steady_clock::now() - begin);
+      progress_.show(state_);
+      if (!running_.empty() || !waiting_.empty()) wait();
+      take_ended();
+    }
+    if (interrupted() != 0) stop();
+    progress_.clear();
+    std::ranges::sort(rows_, {}, &TableRow::path);
+    return std::move(rows_);
+  }
+
+ private:
+  // Fills the free places. A file that another run works on waits for its next turn.
+  void start_some() {
+    for (std::size_t turns = waiting_.size(); turns > 0 && running_.size() < jobs_ && interrupted() == 0;
+         --turns) {
+      const ArchiveFile file = std::move(waiting_.front());
+      waiting_.pop_front();
+      try {
+        if (!start(file)) waiting_.push_back(file);
+      } catch (const Failure& failure) {
+        done({file.path, Outcome::kFailed, std::nullopt, "", failure.what()}, true);
+      }
+    }
+  }
+
+  // False while another run works on the file.
+  bool start(const ArchiveFile& file) {
+    if (!file.why.empty()) throw Failure(kTrouble, file.why);
+    const std::optional<SourceState> source = source_state(file.path);
+    if (!source) throw Failure(kTrouble, std::generic_category().message(errno));
+    if (skip(file, *source)) return true;
+    std::optional<WorkFolder> folder = WorkFolder::claim(settings_.folder, folder_name(file.path));
+    if (!folder) return false;
+    if (skip(file, *source)) return true;  // another run has just finished it
+    running_.emplace_back(settings_, file.path, *source, std::move(*folder));
+    return true;
+  }
+
+  bool skip(const ArchiveFile& file, const SourceState& source) {
+    if (options_.archive.force) return false;
+    std::optional<TableRow> row = finished_row(settings_, file.path, source);
+    if (!row) return false;
+    WorkFolder::tidy(settings_.folder, folder_name(file.path));
+    state_.bytes_to_do -= source.size;
+    done(std::move(*row), false);
+    return true;
+  }
+
+  // Until a child ends or a signal comes; not for long, because others' locks give no sign.
+  void wait() const {
+    const timespec patience{0, 200'000'000};
+    sigtimedwait(&child_ended_, nullptr, &patience);
+  }
+
+  void take_ended() {
+    for (auto run = running_.begin(); run != running_.end();) {
+      int status = 0;
+      if (waitpid(run->process(), &status, WNOHANG) != run->process()) {
+        ++run;
+        continue;
+      }
+      // A Ctrl-C reaches the children too, and what they have then is not whole.
+      if (interrupted() == 0 || exit_status(status) <= kTrouble) {
+        state_.bytes_done += run->bytes();
+        done(run->finish(status), true);
+      }
+      run = running_.erase(run);
+    }
+  }
+
+  void done(TableRow row, bool now) {
+    ++state_.done;
+    if (row.outcome != Outcome::kFine) {
+      ++state_.failed;
+      progress_.clear();
+      if (now) std::fprintf(stderr, "lightmotion: %s: %s\n", one_line(row.path).c_str(), row.why.c_str());
+    }
+    rows_.push_back(std::move(row));
+  }
+
+  void stop() {
+    for (const FileRun& run : running_) kill(run.process(), SIGTERM);
+    for (const FileRun& run : running_) waitpid(run.process(), nullptr, 0);
+    running_.clear();
+  }
+
+  const Options& options_;
+  ArchiveSettings settings_;
+  std::size_t jobs_;
+  sigset_t child_ended_;
+  ArchiveProgress progress_;
+  std::deque<ArchiveFile> waiting_;
+  std::list<FileRun> running_;
+  std::vector<TableRow> rows_;
+  ArchiveState state_;
+};
+
+std::string table_name(const Shard& shard) {
+  if (shard.count == 1) return "/files.csv";
+  return "/files-" + std::to_string(shard.index + 1) + "-of-" + std::to_string(shard.count) + ".csv";
+}
+
+}  // namespace
+
+int run_archive(const Options& options) {
+  const Shard shard = parse_shard(options.archive.shard);
+  const std::vector<ArchiveFile> files = files_of(options.archive, shard);
+  // Found out here and not by every child.
+  static_cast<void>(Plugin(find_plugin(options.plugin, program_folder())));
+  const ArchiveSettings settings = settings_of(options);
+  const std::vector<TableRow> rows = ArchiveRun(options, settings, files).all_files();
+  if (interrupted() != 0) {
+    std::fprintf(stderr,
+                 "lightmotion: stopped with %zu of %zu files done; the same command goes on from there\n",
+                 rows.size(), files.size());
+    return 128 + interrupted();
+  }
+  if (!options.quiet) std::fputs(table_text(rows).c_str(), stdout);
+  write_lines(settings.folder + table_name(shard), table_csv(rows));
+  const bool all_fine = std::ranges::all_of(
+      rows, [](Outcome outcome) { return outcome == Outcome::kFine; }, &TableRow::outcome);
+  return all_fine ? kDone : kTrouble;
+}
+
+}  // namespace lm::host

@@ -1,0 +1,106 @@
+#include "host/archive/file_run.h"
+
+#include <algorithm>
+#include <array>
+#include <filesystem>
+#include <string_view>
+#include <utility>
+
+#include "host/archive/archive_options.h"
+#include "host/archive/child.h"
+#include "host/archive/folder_name.h"
+#include "host/archive/text_file.h"
+#include "host/failure.h"
+
+namespace lm::host {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr const char* kMessages = "/messages.txt";
+constexpr const char* kFigures = "/figures.json";
+constexpr const char* kRecord = "/run.json";
+
+// How much is said has no say in the results, and the configuration counts by its text.
+constexpr std::array<std::string_view, 3> kNoSay{"--quiet", "--verbose", "--config"};
+
+bool has_say(const std::string& option) {
+  return std::ranges::find(kNoSay, option.substr(0, option.find('='))) == kNoSay.end();
+}
+
+Outcome outcome_of(int status) { return status == kDone ? Outcome::kFine : Outcome::kTrouble; }
+
+std::string replaced(std::string text, const std::string& from, const std::string& to) {
+  for (std::size_t at = 0; (at = text.find(from, at)) != std::string::npos; at += to.size()) {
+    text.replace(at, from.size(), to);
+  }
+  return text;
+}
+
+std::vector<std::string> arguments_for(const ArchiveSettings& settings, const std::string& folder,
+                                       const std::string& path) {
+  std::vector<std::string> arguments = options_for_folder(settings.options, folder);
+  arguments.insert(arguments.begin(), "run");
+  arguments.push_back("--figures=" + folder + kFigures);
+  arguments.push_back(path);
+  return arguments;
+}
+
+}  // namespace
+
+std::string settings_digest(const std::vector<std::string>& options, const std::string& configuration) {
+  std::vector<std::string> parts;
+  std::ranges::copy_if(options, std::back_inserter(parts), has_say);
+  std::ranges::sort(parts);
+  std::string text = LIGHTMOTION_VERSION;
+  for (const std::string& part : parts) text.append(1, '\0').append(part);
+  return digest(text.append(2, '\0').append(configuration));
+}
+
+std::optional<TableRow> finished_row(const ArchiveSettings& settings, const std::string& path,
+                                     const SourceState& source) {
+  const std::string name = folder_name(path);
+  const std::string folder = settings.folder + "/" + name;
+  const std::optional<std::string> text = read_text(folder + kRecord);
+  const std::optional<Record> record = text ? record_from(*text) : std::nullopt;
+  if (!record || record->source != source || record->settings != settings.digest) return std::nullopt;
+  return TableRow{path, outcome_of(record->status), record->figures, name, record->why};
+}
+
+FileRun::FileRun(const ArchiveSettings& settings, const std::string& path, const SourceState& source,
+                 WorkFolder folder)
+    : settings_(settings),
+      path_(path),
+      source_(source),
+      folder_(std::move(folder)),
+      process_(start_child(arguments_for(settings, folder_.path(), path), folder_.path() + kMessages)) {}
+
+TableRow FileRun::finish(int status) {
+  const std::string messages =
+      replaced(read_text(folder_.path() + kMessages).value_or(""), folder_.path(), folder_.final_path());
+  TableRow row{path_, Outcome::kFailed, std::nullopt, "", cause_of(messages, exit_status(status), path_)};
+  // A run that told its figures has completed its outputs.
+  const std::optional<Figures> figures = read_figures(folder_.path() + kFigures);
+  if (!figures || exit_status(status) > kTrouble) return row;
+  row.figures = figures;
+  row.outcome = outcome_of(exit_status(status));
+  try {
+    return keep(row, exit_status(status));
+  } catch (const Failure& failure) {
+    return {path_, Outcome::kFailed, std::nullopt, "", failure.what()};
+  }
+}
+
+TableRow FileRun::keep(TableRow row, int status) {
+  std::error_code ignored;
+  fs::remove(folder_.path() + kFigures, ignored);
+  if (fs::is_empty(folder_.path() + kMessages, ignored)) fs::remove(folder_.path() + kMessages, ignored);
+  write_lines(
+      folder_.path() + kRecord,
+      {to_json({path_, source_, settings_.options, settings_.digest, status, row.why, *row.figures})});
+  folder_.publish();
+  row.results = folder_name(path_);
+  return row;
+}
+
+}  // namespace lm::host
