@@ -117,7 +117,8 @@ bool neighbourChanged(kAMBLE& engine, const int* distances, std::size_t pixel) {
 void sortPixels(kAMBLE& engine, const lm::NeighbourDistances& neighbours, Batch& batch) {
   const bool everywhere = !(engine.illumRatio < globalChangeRatio);
   for (std::size_t i = 0; i < batch.size; ++i) {
-    const auto& [begin, work] = batch.blocks[i];
+    const std::size_t begin = batch.blocks[i].begin;
+    const lm::UpdateWork& work = batch.blocks[i].work;
     for (std::uint32_t left = work.absorbed; left != 0; left &= left - 1) {
       engine.absorbMask[begin + static_cast<std::size_t>(std::countr_zero(left))] = 0;
     }
