@@ -12,8 +12,8 @@ class EventListener {
  public:
   virtual ~EventListener() = default;
 
-  // Every frame that was analysed, before the events that it begins, changes or ends. The boxes are drawn into
-  // the image afterwards: who keeps it takes a copy.
+  // Every frame that was analysed, before the events that it begins, changes or ends. The boxes are drawn
+  // into the image afterwards: who keeps it takes a copy.
   virtual void frame(const Frame&, const Observation&) {}
 
   // An event that is long enough to count; it began some time ago.

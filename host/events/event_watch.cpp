@@ -1,0 +1,34 @@
+#include "host/events/event_watch.h"
+
+#include <cmath>
+
+namespace lm::host {
+
+EventWatch::EventWatch(const RunContext& context)
+    : source_(context.source),
+      gap_(std::llround(context.options.events.rules.gap * 1e6)),
+      regions_(context.document),
+      tracker_(context.options.events.rules, [this](const cv::Rect2d& box, std::vector<std::string>& names) {
+        regions_.touched(box, names);
+      }) {
+  for (auto& listener : make_listeners(context)) tracker_.add(std::move(listener));
+}
+
+void EventWatch::frame(const Frame& frame, std::int64_t number, const std::vector<cv::Rect2d>& boxes) {
+  if (frame.anew || (!frame.note.empty() && frame.time - last_ > gap_)) {
+    tracker_.interrupt("The source was interrupted: " + frame.note + ".");
+  }
+  last_ = frame.time;
+  Observation seen;
+  seen.frame = number;
+  seen.time = frame.time;
+  seen.boxes = boxes;
+  if (source_.start) seen.wall = *source_.start + frame.time;
+  tracker_.observe(frame, seen);
+}
+
+void EventWatch::finish(bool stopped) {
+  tracker_.finish(stopped ? "The program was stopped." : "The video ended.");
+}
+
+}  // namespace lm::host

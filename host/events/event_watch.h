@@ -1,0 +1,35 @@
+// The events of a run: from frames with boxes to everyone who listens.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "host/events/event_tracker.h"
+#include "host/events/listeners.h"
+#include "host/events/regions.h"
+
+namespace lm::host {
+
+class EventWatch {
+ public:
+  // Throws Failure when an output cannot be begun.
+  explicit EventWatch(const RunContext& context);
+
+  // The next frame, as the source gave it, with the boxes that the plug-in found.
+  void frame(const Frame& frame, std::int64_t number, const std::vector<cv::Rect2d>& boxes);
+
+  void finish(bool stopped);
+  void commit() { tracker_.commit(); }
+
+  std::int64_t events() const { return tracker_.events(); }
+
+ private:
+  const SourceInfo& source_;
+  const std::chrono::microseconds gap_;
+  Regions regions_;
+  EventTracker tracker_;
+  std::chrono::microseconds last_{0};
+};
+
+}  // namespace lm::host

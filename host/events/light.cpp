@@ -1,0 +1,150 @@
+#include "host/events/light.h"
+
+#include <algorithm>
+#include <cmath>
+#include <opencv2/imgproc.hpp>
+
+#include "host/events/event_tracker.h"
+
+namespace lm::host {
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr int kCellSide = 10;                    // samples
+constexpr auto kSpan = 500ms;                    // within which light changes
+constexpr auto kAdaptation = 5s;                 // for which the plug-in may show boxes of the old light
+constexpr double kStep = 3;                      // grey levels by which a cell's mean has to change
+constexpr double kTexture = 3;                   // standard deviation, in grey levels, that noise does not have
+constexpr double kAlike = 0.7;                   // correlation of a texture with itself in another light
+constexpr double kLeastPart = 0.2;               // of the watched cells in another light
+constexpr double kWholeFrame = 0.8;              // ... where no texture tells
+constexpr double kLeastUnderBoxes = 0.1;         // of the frame
+
+cv::Mat samples_of(const cv::Mat& image) {
+  cv::Mat small;
+  cv::Mat grey;
+  cv::resize(image, small, {LightWatch::kAcross * kCellSide, LightWatch::kDown * kCellSide}, 0, 0,
+             cv::INTER_NEAREST);
+  if (small.channels() == 1) return small;
+  cv::cvtColor(small, grey, cv::COLOR_BGR2GRAY);
+  return grey;
+}
+
+cv::Rect cell(std::size_t index) {
+  const int number = static_cast<int>(index);
+  return {number % LightWatch::kAcross * kCellSide, number / LightWatch::kAcross * kCellSide, kCellSide,
+          kCellSide};
+}
+
+struct Comparison {
+  double step = 0;        // of the mean
+  bool textured = false;  // before or now
+  bool alike = false;     // the same texture
+};
+
+Comparison compare(const cv::Mat& before, const cv::Mat& now) {
+  cv::Scalar mean[2];
+  cv::Scalar deviation[2];
+  cv::meanStdDev(before, mean[0], deviation[0]);
+  cv::meanStdDev(now, mean[1], deviation[1]);
+  const double scale = deviation[0][0] * deviation[1][0];
+  const double common = before.dot(now) / static_cast<double>(before.total()) - mean[0][0] * mean[1][0];
+  return {mean[1][0] - mean[0][0], std::max(deviation[0][0], deviation[1][0]) > kTexture,
+          scale > 0 && common / scale > kAlike};
+}
+
+// How much of the box lies over such cells, 0 to 1.
+template <typename Cells>
+double part_over(const Cells& cells, const cv::Rect2d& box) {
+  const cv::Rect2d inside = box & cv::Rect2d(0, 0, 1, 1);
+  double area = 0;
+  for (std::size_t i = 0; i < cells.size(); ++i) {
+    if (!cells[i]) continue;
+    const int number = static_cast<int>(i);
+    const cv::Rect2d place(static_cast<double>(number % LightWatch::kAcross) / LightWatch::kAcross,
+                           static_cast<double>(number / LightWatch::kAcross) / LightWatch::kDown,
+                           1.0 / LightWatch::kAcross, 1.0 / LightWatch::kDown);
+    area += (inside & place).area();
+  }
+  return inside.empty() ? 0 : area / inside.area();
+}
+
+}  // namespace
+
+LightWatch::LightWatch(const Regions& regions) {
+  for (std::size_t i = 0; i < kCells; ++i) {
+    const int number = static_cast<int>(i);
+    watched_[i] =
+        regions.watched({(number % kAcross + 0.5) / kAcross, (number / kAcross + 0.5) / kDown});
+  }
+  if (watched_.none()) watched_.set();
+}
+
+void LightWatch::forget() {
+  looks_.clear();
+  lit_.reset();
+  change_.reset();
+}
+
+LightWatch::Cells LightWatch::relit(const Look& before, const Look& now) const {
+  Cells changed[2];  // darker, brighter
+  Cells textured;
+  Cells alike;
+  for (std::size_t i = 0; i < kCells; ++i) {
+    if (!watched_[i]) continue;
+    const Comparison result = compare(before.samples(cell(i)), now.samples(cell(i)));
+    if (std::abs(result.step) > kStep) changed[result.step > 0 ? 1 : 0].set(i);
+    textured[i] = result.textured;
+    alike[i] = result.alike;
+  }
+  const Cells& most = changed[changed[1].count() >= changed[0].count() ? 1 : 0];
+  const auto telling = static_cast<double>((most & textured).count());
+  const auto kept = static_cast<double>((most & textured & alike).count());
+  const double part = static_cast<double>(most.count()) / static_cast<double>(watched_.count());
+  const bool texture_tells = telling * 4 >= static_cast<double>(most.count());
+  const bool light = texture_tells ? part >= kLeastPart && kept >= kAlike * telling : part >= kWholeFrame;
+  return light ? most & (alike | ~textured) : Cells();
+}
+
+void LightWatch::begin_or_go_on(const Look& now) {
+  if (now.time > lit_until_) {
+    lit_.reset();
+    change_.reset();
+  }
+  if (looks_.empty()) return;
+  const Look& before = looks_.front();
+  const Cells cells = relit(before, now);
+  if (cells.none()) return;
+  lit_ |= cells;
+  lit_until_ = now.time + kAdaptation;
+  const double share = static_cast<double>(lit_.count()) / static_cast<double>(watched_.count());
+  change_ = {change_ ? change_->before : before.brightness, now.brightness, share};
+}
+
+void LightWatch::judge(Observation& seen) {
+  if (lit_.none()) return;
+  std::vector<cv::Rect2d> over;
+  seen.by_light.resize(seen.boxes.size());
+  for (std::size_t i = 0; i < seen.boxes.size(); ++i) {
+    seen.by_light[i] = part_over(lit_, seen.boxes[i]) >= 0.5;
+    if (seen.by_light[i]) over.push_back(seen.boxes[i]);
+  }
+  if (share_under(over) < kLeastUnderBoxes) {
+    seen.by_light.clear();
+  } else {
+    seen.light = change_;
+  }
+}
+
+void LightWatch::look(const cv::Mat& image, Observation& seen) {
+  Look now{seen.time, samples_of(image), 0};
+  now.brightness = seen.brightness = cv::mean(now.samples)[0];
+  // One from before the span stays, so that there is one however rare the frames are.
+  while (looks_.size() > 1 && looks_[1].time <= now.time - kSpan) looks_.pop_front();
+  begin_or_go_on(now);
+  judge(seen);
+  looks_.push_back(std::move(now));
+}
+
+}  // namespace lm::host

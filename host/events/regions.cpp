@@ -1,0 +1,95 @@
+#include "host/events/regions.h"
+
+#include <json/json.h>
+
+#include <algorithm>
+#include <memory>
+
+namespace lm::host {
+namespace {
+
+Json::Value parse(const std::string& document) {
+  Json::Value root;
+  const std::unique_ptr<Json::CharReader> reader(Json::CharReaderBuilder().newCharReader());
+  try {
+    if (reader->parse(document.data(), document.data() + document.size(), &root, nullptr)) return root;
+  } catch (const Json::Exception&) {  // nested too deeply
+  }
+  return {};
+}
+
+// The plug-in reads texts only, each to the first character that does not belong to the number.
+double coordinate(const Json::Value& value) {
+  try {
+    return value.isString() ? std::stof(value.asString()) : 0;
+  } catch (const std::exception&) {
+    return 0;
+  }
+}
+
+std::vector<Region> regions_of(const Json::Value& list) {
+  std::vector<Region> regions;
+  if (!list.isArray()) return regions;
+  for (const Json::Value& item : list) {
+    if (!item.isObject()) continue;
+    Region region;
+    if (item["name"].isString()) region.name = item["name"].asString();
+    for (const Json::Value& point : item["points"]) {
+      if (point.isObject()) region.corners.emplace_back(coordinate(point["x"]), coordinate(point["y"]));
+    }
+    regions.push_back(std::move(region));
+  }
+  return regions;
+}
+
+}  // namespace
+
+bool Region::contains(cv::Point2d point) const {
+  bool inside = false;
+  for (std::size_t i = 0; i < corners.size(); ++i) {
+    const cv::Point2d a = corners[i];
+    const cv::Point2d b = corners[(i + 1) % corners.size()];
+    if ((a.y > point.y) == (b.y > point.y)) continue;
+    if (point.x < a.x + (point.y - a.y) / (b.y - a.y) * (b.x - a.x)) inside = !inside;
+  }
+  return inside;
+}
+
+Regions::Regions(const std::string& document) {
+  const Json::Value root = parse(document);
+  if (!root.isObject()) return;
+  included_ = regions_of(root["roi"]);
+  excluded_ = regions_of(root["ror"]);
+}
+
+bool Regions::excluded_at(cv::Point2d point) const {
+  return std::any_of(excluded_.begin(), excluded_.end(), [&](const Region& r) { return r.contains(point); });
+}
+
+bool Regions::watched(cv::Point2d point) const {
+  return !excluded_at(point) &&
+         std::any_of(included_.begin(), included_.end(), [&](const Region& r) { return r.contains(point); });
+}
+
+bool Regions::touches(const Region& region, const cv::Rect2d& box) const {
+  constexpr int kSteps = 16;  // across and down
+  const cv::Rect2d part = box & cv::Rect2d(0, 0, 1, 1);
+  for (int i = 0; i < kSteps * kSteps; ++i) {
+    const cv::Point2d point(part.x + part.width * (i % kSteps + 0.5) / kSteps,
+                            part.y + part.height * (i / kSteps + 0.5) / kSteps);
+    if (region.contains(point) && !excluded_at(point)) return true;
+  }
+  return false;
+}
+
+void Regions::touched(const cv::Rect2d& box, std::vector<std::string>& names) const {
+  std::vector<std::string> all;
+  for (const Region& region : included_) {
+    const bool before = std::find(names.begin(), names.end(), region.name) != names.end();
+    const bool listed = std::find(all.begin(), all.end(), region.name) != all.end();
+    if (!listed && (before || touches(region, box))) all.push_back(region.name);
+  }
+  names = std::move(all);
+}
+
+}  // namespace lm::host
