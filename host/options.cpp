@@ -38,15 +38,19 @@ std::string conflict(const Options& options) {
   const struct {
     const char* option;
     const std::string& file;
-  } outputs[] = {{"-o", options.results}, {"--annotate", options.annotate}};
+  } outputs[] = {
+      {"-o", options.results}, {"--annotate", options.annotate}, {"--events", options.events.file}};
   for (const auto& output : outputs) {
     if (same_file(output.file, options.source))
       return std::string(output.option) + " would overwrite the source";
     if (same_file(output.file, options.config)) {
       return std::string(output.option) + " would overwrite the configuration";
     }
+    for (const auto* other = outputs; other != &output; ++other) {
+      if (same_file(output.file, other->file))
+        return std::string(other->option) + " and " + output.option + " name the same file";
+    }
   }
-  if (same_file(options.results, options.annotate)) return "-o and --annotate name the same file";
   return "";
 }
 
@@ -62,6 +66,7 @@ CLI::App* add_run(CLI::App& app, Options& options) {
         return video_format(file) ? "" : "must end in .mp4, .mkv or .mov, not " + file;
       });
   add("--plugin", options.plugin, "PATH", "The plug-in, when it is not in its usual place");
+  add_event_options(*run, options.events);
   run->add_flag("-q,--quiet", options.quiet, "No progress bar and no summary");
   run->add_flag("-v,--verbose", options.verbose, "Show what the plug-in and the decoder log");
   add_archive_options(*run, options.archive);

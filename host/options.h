@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "host/archive/archive_options.h"
+#include "host/events/event_options.h"
 #include "host/failure.h"
 
 namespace lm::host {
@@ -19,6 +20,7 @@ struct Options {
   std::string plugin;    // path of the plug-in; searched for when empty
   bool quiet = false;
   bool verbose = false;
+  EventOptions events;
   ArchiveOptions archive;  // many files at once when its folder is not empty
 };
 

@@ -15,6 +15,7 @@
 #include "host/archive/record.h"
 #include "host/document.h"
 #include "host/document_faults.h"
+#include "host/events/event_watch.h"
 #include "host/interrupt.h"
 #include "host/line_sink.h"
 #include "host/plugin.h"
@@ -46,7 +47,8 @@ std::string read_file(const std::string& path) {
   return text;
 }
 
-void start(Plugin& plugin, const Options& options, const SourceInfo& source) {
+// The document that the plug-in works with.
+std::string start(Plugin& plugin, const Options& options, const SourceInfo& source) {
   const bool own = options.config.empty();
   const std::string name = own ? "the built-in configuration" : options.config;
   const std::string text = own ? default_document() : read_file(options.config);
@@ -60,7 +62,7 @@ void start(Plugin& plugin, const Options& options, const SourceInfo& source) {
     std::fprintf(stderr, "lightmotion: warning: %s: %s\n", name.c_str(), note.c_str());
   }
   const std::string refusal = plugin.start(document);
-  if (refusal.empty()) return;
+  if (refusal.empty()) return document;
   const std::string fault = faulty_setting(document);
   throw Failure(kRefused,
                 name + ": " + (fault.empty() ? "" : fault + "; ") + "the plug-in refuses it: " + refusal);
@@ -87,11 +89,12 @@ microseconds time_since(std::chrono::steady_clock::time_point begin) {
 
 class Run {
  public:
-  Run(const Options& options, Source& source, Plugin& plugin)
+  Run(const Options& options, Source& source, Plugin& plugin, const std::string& document)
       : options_(options),
         source_(source),
         plugin_(plugin),
         lines_(options.results),
+        events_({options, source.info(), document}),
         progress_(!options.quiet),
         shares_terminal_(options.results.empty() && isatty(STDOUT_FILENO) != 0) {
     if (!options.annotate.empty()) video_.emplace(options.annotate, source.info());
@@ -106,7 +109,7 @@ class Run {
       one_frame(frame);
       figures_.video = frame.time + interval;
       figures_.work = time_since(begin);
-      progress_.update({figures_.frames, figures_.video, info.duration, speed(figures_)});
+      progress_.update({figures_.frames, figures_.video, info.duration, speed(figures_), figures_.events});
     }
     progress_.clear();
     complete_outputs();
@@ -119,8 +122,11 @@ class Run {
   void complete_outputs() {
     lines_.finish();
     if (video_) video_->finish();
+    events_.finish(interrupted() != 0);
+    figures_.events = events_.events();
     lines_.commit();
     if (video_) video_->commit();
+    events_.commit();
   }
 
   void one_frame(Frame& frame) {
@@ -132,6 +138,8 @@ class Run {
       lines_.write(result_line(document, figures_.frames, frame.time));
       ++figures_.frames_with_motion;
     }
+    events_.frame(frame, figures_.frames, boxes);
+    figures_.events = events_.events();
     if (video_) video_->write(frame, boxes);
     ++figures_.frames;
   }
@@ -140,6 +148,7 @@ class Run {
   Source& source_;
   Plugin& plugin_;
   LineSink lines_;
+  EventWatch events_;
   std::optional<Annotator> video_;
   Progress progress_;
   bool shares_terminal_;
@@ -152,8 +161,8 @@ int run(const Options& options) {
   av_log_set_level(options.verbose ? AV_LOG_INFO : AV_LOG_QUIET);
   Plugin plugin(find_plugin(options.plugin, program_folder()));
   const std::unique_ptr<Source> source = open_source(options.source);
-  start(plugin, options, source->info());
-  const Figures figures = Run(options, *source, plugin).all_frames();
+  const std::string document = start(plugin, options, source->info());
+  const Figures figures = Run(options, *source, plugin, document).all_frames();
   if (!options.archive.figures.empty()) write_figures(options.archive.figures, figures);
   if (!options.quiet) std::fputs(summary(source->info().name, figures, options).c_str(), stderr);
   if (interrupted() != 0) return 128 + interrupted();

@@ -22,7 +22,8 @@ std::string summary(const std::string& source, const Figures& figures, const Opt
                 static_cast<long long>(figures.frames), seconds(figures.video), seconds(figures.work),
                 speed(figures), ratio);
   std::string text = source + line.data();
-  text += "motion in " + std::to_string(figures.frames_with_motion) + " frames";
+  text += "motion in " + std::to_string(figures.frames_with_motion) + " frames, " +
+          std::to_string(figures.events) + (figures.events == 1 ? " event" : " events");
   if (!options.results.empty()) text += ", listed in " + options.results;
   text += "\n";
   if (!options.annotate.empty()) text += "annotated video: " + options.annotate + "\n";

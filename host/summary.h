@@ -12,6 +12,7 @@ namespace lm::host {
 struct Figures {
   std::int64_t frames = 0;
   std::int64_t frames_with_motion = 0;
+  std::int64_t events = 0;
   std::chrono::microseconds video{0};  // from the first frame's start to the last frame's end
   std::chrono::microseconds work{0};   // what it took
 };
