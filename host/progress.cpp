@@ -9,6 +9,7 @@
 #include <cstdlib>
 #include <string_view>
 
+#include "host/notice.h"
 #include "host/time_text.h"
 
 namespace lm::host {
@@ -37,24 +38,43 @@ std::string bar(std::size_t length, double fraction) {
   return std::string("[").append(done, '#').append(inside - done, '-').append("]");
 }
 
+double fraction_of(const ProgressState& state) {
+  const double done = static_cast<double>(state.time.count()) / static_cast<double>(state.duration->count());
+  return std::clamp(done, 0.0, 1.0);
+}
+
+bool is_measurable(const ProgressState& state) { return state.duration && state.duration->count() > 0; }
+
+std::string events_text(std::int64_t events) {
+  return std::to_string(events) + (events == 1 ? " event" : " events");
+}
+
 }  // namespace
+
+std::optional<std::chrono::microseconds> time_left(const ProgressState& state) {
+  const double fraction = is_measurable(state) ? fraction_of(state) : 0;
+  if (fraction <= 0 || !(state.rate > 0)) return std::nullopt;
+  const double worked = static_cast<double>(state.frames) / state.rate;
+  return std::chrono::round<std::chrono::microseconds>(
+      std::chrono::duration<double>(worked * (1 - fraction) / fraction));
+}
 
 std::string render_progress(int width, const ProgressState& state) {
   const auto columns = static_cast<std::size_t>(std::max(0, width - 1));
-  const bool measurable = state.duration && state.duration->count() > 0;
-  const double fraction =
-      measurable
-          ? std::clamp(static_cast<double>(state.time.count()) / static_cast<double>(state.duration->count()),
-                       0.0, 1.0)
-          : 0.0;
+  const bool measurable = is_measurable(state);
+  const double fraction = measurable ? fraction_of(state) : 0;
   std::string lead = measurable ? std::to_string(static_cast<int>(std::floor(fraction * 100))) + "%"
                                 : std::to_string(state.frames) + " frames";
   if (lead.size() > columns) return "";
-  const std::string rate = "  " + std::to_string(std::llround(state.rate)) + " fps";
-  const std::string clock =
-      "  " + clock_text(state.time) + (measurable ? " of " + clock_text(*state.duration) : "");
+  const std::optional<std::chrono::microseconds> left = time_left(state);
+  const std::string parts[] = {
+      "  " + std::to_string(std::llround(state.rate)) + " fps",
+      "  " + clock_text(state.time) + (measurable ? " of " + clock_text(*state.duration) : ""),
+      left ? "  " + clock_text(*left) + " left" : "",
+      "  " + events_text(state.events),
+  };
   std::string rest;
-  for (const std::string& part : {rate, clock}) {
+  for (const std::string& part : parts) {
     if (lead.size() + rest.size() + part.size() <= columns) rest += part;
   }
   const std::size_t room = columns - lead.size() - rest.size();
@@ -63,23 +83,40 @@ std::string render_progress(int width, const ProgressState& state) {
   return lead + rest;
 }
 
-Progress::Progress(bool wanted) : on_(wanted && can_redraw_lines()) {}
-
-void Progress::update(const ProgressState& state) {
-  if (!on_) return;
-  const auto now = std::chrono::steady_clock::now();
-  if (now - last_ < 100ms) return;
-  last_ = now;
-  std::fprintf(stderr, "\r%s\x1b[K", render_progress(terminal_width(), state).c_str());
-  std::fflush(stderr);
-  drawn_ = true;
+std::string progress_line(const ProgressState& state, bool done) {
+  const auto left = done ? std::nullopt : time_left(state);
+  std::string line = "{\"frames\":" + std::to_string(state.frames) + ",\"time\":" + seconds_text(state.time);
+  if (state.duration) line += ",\"duration\":" + seconds_text(*state.duration);
+  if (left) line += ",\"left\":" + seconds_text(*left);
+  // Tenths, without the decimal comma that some locales have.
+  const long long tenths = std::llround(state.rate * 10);
+  line += ",\"fps\":" + std::to_string(tenths / 10) + "." + std::to_string(tenths % 10);
+  line += ",\"events\":" + std::to_string(state.events);
+  return line + (done ? ",\"done\":true}" : "}");
 }
 
-void Progress::clear() {
-  if (!drawn_) return;
-  std::fputs("\r\x1b[K", stderr);
-  std::fflush(stderr);
-  drawn_ = false;
+Progress::Progress(ProgressMode mode) : mode_(mode) {
+  if (mode_ == ProgressMode::kBar && !can_redraw_lines()) mode_ = ProgressMode::kNone;
+}
+
+void Progress::update(const ProgressState& state) {
+  if (mode_ == ProgressMode::kNone) return;
+  const auto now = std::chrono::steady_clock::now();
+  if (now < next_) return;
+  if (mode_ == ProgressMode::kBar) {
+    next_ = now + 100ms;
+    draw_bar(render_progress(terminal_width(), state));
+  } else {
+    next_ = now + 1s;
+    std::fprintf(stderr, "%s\n", progress_line(state, false).c_str());
+  }
+}
+
+void Progress::clear() { clear_bar(); }
+
+void Progress::done(const ProgressState& state) {
+  clear();
+  if (mode_ == ProgressMode::kLines) std::fprintf(stderr, "%s\n", progress_line(state, true).c_str());
 }
 
 }  // namespace lm::host

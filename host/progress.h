@@ -1,4 +1,4 @@
-// The progress bar.
+// How far the run is.
 #pragma once
 
 #include <chrono>
@@ -13,16 +13,30 @@ struct ProgressState {
   std::chrono::microseconds time{0};                  // of the video
   std::optional<std::chrono::microseconds> duration;  // when known
   double rate = 0;                                    // frames per second so far
+  std::int64_t events = 0;
 };
 
-// One line for a terminal of `width` columns: percentage, bar, time and frames per second, or what of that
-// fits. Always at least one column shorter than the terminal, so that it never wraps.
+// How long the rest takes at the speed so far; none where that cannot be told.
+std::optional<std::chrono::microseconds> time_left(const ProgressState& state);
+
+// One line for a terminal of `width` columns: percentage, bar, frames per second, time, time left and events,
+// or what of that fits. Always at least one column shorter than the terminal, so that it never wraps.
 std::string render_progress(int width, const ProgressState& state);
 
-// Draws on standard error, ten times a second at most. Does nothing where that is no terminal.
+// The same for programs, as a JSON object on one line. `done`: no other comes after it.
+std::string progress_line(const ProgressState& state, bool done);
+
+enum class ProgressMode {
+  kNone,
+  kBar,    // ten times a second at most, and only where standard error is a terminal
+  kLines,  // progress_line, once a second at most
+};
+
+// Tells about it on standard error.
 class Progress {
  public:
-  explicit Progress(bool wanted);
+  explicit Progress(ProgressMode mode);
+  explicit Progress(bool wanted) : Progress(wanted ? ProgressMode::kBar : ProgressMode::kNone) {}
   ~Progress() { clear(); }
   Progress(const Progress&) = delete;
   Progress& operator=(const Progress&) = delete;
@@ -32,10 +46,12 @@ class Progress {
   // Takes the bar off the terminal until the next update, to make room for other lines.
   void clear();
 
+  // Everything is complete.
+  void done(const ProgressState& state);
+
  private:
-  bool on_;
-  bool drawn_ = false;
-  std::chrono::steady_clock::time_point last_{};
+  ProgressMode mode_;
+  std::chrono::steady_clock::time_point next_{};
 };
 
 }  // namespace lm::host

@@ -9,14 +9,14 @@ namespace {
 using namespace lm::host;
 using namespace std::chrono_literals;
 
-const ProgressState kHalf{500, 33s, 66s, 256.4};
-const ProgressState kLive{1234, 49s, std::nullopt, 24.6};
+const ProgressState kHalf{500, 33s, 66s, 250, 3};
+const ProgressState kLive{1234, 49s, std::nullopt, 24.6, 1};
 
 class ProgressWidth : public testing::TestWithParam<int> {};
 
 TEST_P(ProgressWidth, NeverReachesTheLastColumn) {
   const int width = GetParam();
-  for (const ProgressState& state : {kHalf, kLive, ProgressState{}, ProgressState{9, 99s, 66s, 1e9}}) {
+  for (const ProgressState& state : {kHalf, kLive, ProgressState{}, ProgressState{9, 99s, 66s, 1e9, 0}}) {
     const std::string line = render_progress(width, state);
     EXPECT_LT(line.size(), static_cast<std::size_t>(std::max(width, 1)));
     EXPECT_EQ(line.find_first_of("\r\n\t"), std::string::npos);
@@ -26,28 +26,52 @@ TEST_P(ProgressWidth, NeverReachesTheLastColumn) {
 INSTANTIATE_TEST_SUITE_P(From1To200, ProgressWidth, testing::Range(1, 201));
 
 TEST(Progress, ShowsEverythingWhereThereIsRoom) {
-  // 49 columns to fill; "50%" and "  256 fps  0:33 of 1:06" take 3 + 23, the blank before the bar 1: 22 are
-  // left, 20 inside the brackets, half of them done.
-  EXPECT_EQ(render_progress(50, kHalf), "50% [##########----------]  256 fps  0:33 of 1:06");
+  // 70 columns to fill; "50%" takes 3, the rest behind the bar 9 + 14 + 11 + 10, the blank before the bar 1:
+  // 22 are left, 20 inside the brackets, half of them done.
+  EXPECT_EQ(render_progress(71, kHalf),
+            "50% [##########----------]  250 fps  0:33 of 1:06  0:02 left  3 events");
 }
 
 TEST(Progress, LeavesOutWhatDoesNotFit) {
-  EXPECT_EQ(render_progress(40, kHalf), "50% [#####-----]  256 fps  0:33 of 1:06");
-  EXPECT_EQ(render_progress(39, kHalf), "50%  256 fps  0:33 of 1:06");
-  EXPECT_EQ(render_progress(26, kHalf), "50% [#####-----]  256 fps");
-  EXPECT_EQ(render_progress(25, kHalf), "50%  256 fps");
+  EXPECT_EQ(render_progress(61, kHalf), "50% [#####-----]  250 fps  0:33 of 1:06  0:02 left  3 events");
+  EXPECT_EQ(render_progress(60, kHalf), "50%  250 fps  0:33 of 1:06  0:02 left  3 events");
+  EXPECT_EQ(render_progress(38, kHalf), "50%  250 fps  0:33 of 1:06  0:02 left");
+  EXPECT_EQ(render_progress(37, kHalf), "50%  250 fps  0:33 of 1:06  3 events");
+  EXPECT_EQ(render_progress(26, kHalf), "50%  250 fps  0:02 left");
   EXPECT_EQ(render_progress(12, kHalf), "50%");
   EXPECT_EQ(render_progress(3, kHalf), "");
 }
 
 TEST(Progress, CountsFramesWhereTheEndIsUnknown) {
-  EXPECT_EQ(render_progress(80, kLive), "1234 frames  25 fps  0:49");
+  EXPECT_EQ(render_progress(80, kLive), "1234 frames  25 fps  0:49  1 event");
+}
+
+TEST(TimeLeft, IsWhatTheRestTakesAtTheSpeedSoFar) {
+  EXPECT_EQ(time_left(kHalf), 2s) << "500 frames at 250 a second took 2 s, for half of it";
+  EXPECT_EQ(time_left({100, 10s, 40s, 50, 0}), 6s) << "2 s for a quarter";
+  EXPECT_EQ(time_left({100, 50s, 40s, 50, 0}), 0s);
+}
+
+TEST(TimeLeft, IsNotMadeUp) {
+  EXPECT_EQ(time_left(kLive), std::nullopt);
+  EXPECT_EQ(time_left(ProgressState{}), std::nullopt);
+  EXPECT_EQ(time_left({100, 0s, 40s, 50, 0}), std::nullopt);
+  EXPECT_EQ(time_left({100, 10s, 40s, 0, 0}), std::nullopt);
+  EXPECT_EQ(time_left({100, 10s, 0s, 50, 0}), std::nullopt);
+}
+
+TEST(ProgressLine, IsAnObjectForPrograms) {
+  EXPECT_EQ(progress_line(kHalf, false),
+            R"({"frames":500,"time":33.000,"duration":66.000,"left":2.000,"fps":250.0,"events":3})");
+  EXPECT_EQ(progress_line(kLive, false), R"({"frames":1234,"time":49.000,"fps":24.6,"events":1})");
+  EXPECT_EQ(progress_line(kHalf, true),
+            R"({"frames":500,"time":33.000,"duration":66.000,"fps":250.0,"events":3,"done":true})");
 }
 
 TEST(Progress, StaysWithinItsEnds) {
-  EXPECT_TRUE(render_progress(80, {1, 0s, 66s, 1}).starts_with("0% [-"));
-  EXPECT_TRUE(render_progress(80, {1, 99s, 66s, 1}).starts_with("100% [#"));
-  EXPECT_EQ(render_progress(200, {1, 99s, 66s, 1}).find('-'), std::string::npos);
+  EXPECT_TRUE(render_progress(80, {1, 0s, 66s, 1, 0}).starts_with("0% [-"));
+  EXPECT_TRUE(render_progress(80, {1, 99s, 66s, 1, 0}).starts_with("100% [#"));
+  EXPECT_EQ(render_progress(200, {1, 99s, 66s, 1, 0}).find('-'), std::string::npos);
 }
 
 TEST(TimeText, ShowsHoursOnlyWhenThereAreSome) {

@@ -1,0 +1,97 @@
+#include "host/mqtt/mqtt_listener.h"
+
+#include <csignal>
+
+#include "host/mqtt/link.h"
+#include "host/notice.h"
+
+namespace lm::host {
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr std::size_t kCapacity = 1000;
+constexpr std::chrono::milliseconds kPatience = 5s;        // at the end of a run
+constexpr std::chrono::milliseconds kLittlePatience = 1s;  // where a run failed
+
+mqtt::Topics topics_of(const MqttOptions& options, const std::string& source) {
+  return {mqtt::parse_address(options.address).prefix,
+          options.camera.empty() ? mqtt::camera_name(source) : options.camera};
+}
+
+// Signals are for the thread that looks at them between frames.
+std::thread start_without_signals(std::unique_ptr<mqtt::Link> link) {
+  sigset_t all;
+  sigset_t before;
+  sigfillset(&all);
+  pthread_sigmask(SIG_SETMASK, &all, &before);
+  std::thread thread([own = std::move(link)] { own->run(); });
+  pthread_sigmask(SIG_SETMASK, &before, nullptr);
+  return thread;
+}
+
+std::string count(std::int64_t number, const char* what) {
+  return std::to_string(number) + " " + what + (number == 1 ? "" : "s");
+}
+
+}  // namespace
+
+MqttListener::MqttListener(const MqttOptions& options, const std::string& source)
+    : mailbox_(std::make_shared<mqtt::Mailbox>(kCapacity)),
+      announcer_(topics_of(options, source),
+                 [this](mqtt::Message message) { mailbox_->push(std::move(message)); }) {
+  const mqtt::Topics topics = topics_of(options, source);
+  const mqtt::Address address = broker_address(options);
+  broker_ = shown(address);
+  announcer_.introduce(options.discovery);
+  auto link =
+      std::make_unique<mqtt::Link>(mqtt::LinkSettings{address, options.authorities, topics.unique_id(),
+                                                      topics.availability(), mqtt::kOffline},
+                                   mailbox_);
+  thread_ = start_without_signals(std::move(link));
+}
+
+MqttListener::~MqttListener() {
+  if (thread_.joinable()) leave(kLittlePatience);
+}
+
+void MqttListener::frame(const Frame&, const Observation&) { tell_news(); }
+
+void MqttListener::finish() {
+  leave(kPatience);
+  tell_news();
+  tell_losses();
+}
+
+void MqttListener::leave(std::chrono::milliseconds deadline) {
+  announcer_.leave();
+  mailbox_->close();
+  bool done = mailbox_->wait_done(deadline);
+  if (!done) {
+    mailbox_->abandon();
+    done = mailbox_->wait_done(kLittlePatience);
+  }
+  // Looking up a name may take longer than anybody wants to wait. The thread owns all that it uses.
+  if (done) {
+    thread_.join();
+  } else {
+    thread_.detach();
+  }
+}
+
+void MqttListener::tell_news() {
+  if (const std::string news = mailbox_->take_news(); !news.empty()) warn(broker_ + ": " + news);
+}
+
+void MqttListener::tell_losses() {
+  const auto [updates, milestones] = mailbox_->drops();
+  if (updates + milestones > 0) {
+    warn(broker_ + ": had no room for " + count(updates, "update") + " and " +
+         count(milestones, "beginning or end") + " of events");
+  }
+  if (const std::size_t left = mailbox_->unsent(); left > 0) {
+    warn(broker_ + ": " + count(static_cast<std::int64_t>(left), "message") + " not sent");
+  }
+}
+
+}  // namespace lm::host

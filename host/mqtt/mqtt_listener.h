@@ -1,0 +1,41 @@
+// Tells a message bus what happens.
+#pragma once
+
+#include <memory>
+#include <thread>
+
+#include "host/events/listener.h"
+#include "host/mqtt/announcer.h"
+#include "host/mqtt/mailbox.h"
+#include "host/mqtt/mqtt_options.h"
+
+namespace lm::host {
+
+// The analysis never waits for the broker; only finish() does, for a limited time. A broker that is away is
+// worth a warning and does not end the run.
+class MqttListener : public EventListener {
+ public:
+  // `source`: as the user wrote it. Throws Failure (kRefused).
+  MqttListener(const MqttOptions& options, const std::string& source);
+  ~MqttListener() override;
+  MqttListener(const MqttListener&) = delete;
+  MqttListener& operator=(const MqttListener&) = delete;
+
+  void frame(const Frame& frame, const Observation& seen) override;
+  void begun(const Event& event) override { announcer_.begun(event); }
+  void changed(const Event& event) override { announcer_.changed(event); }
+  void ended(const Event& event) override { announcer_.ended(event); }
+  void finish() override;
+
+ private:
+  void leave(std::chrono::milliseconds deadline);
+  void tell_news();
+  void tell_losses();
+
+  std::string broker_;  // for messages
+  std::shared_ptr<mqtt::Mailbox> mailbox_;
+  mqtt::Announcer announcer_;
+  std::thread thread_;
+};
+
+}  // namespace lm::host

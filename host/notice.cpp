@@ -1,0 +1,32 @@
+#include "host/notice.h"
+
+#include <cstdio>
+
+#include "host/failure.h"
+
+namespace lm::host {
+namespace {
+
+bool drawn = false;
+
+}  // namespace
+
+void warn(const std::string& text) {
+  clear_bar();
+  std::fprintf(stderr, "lightmotion: warning: %s\n", one_line(text).c_str());
+}
+
+void draw_bar(const std::string& line) {
+  std::fprintf(stderr, "\r%s\x1b[K", line.c_str());
+  std::fflush(stderr);
+  drawn = true;
+}
+
+void clear_bar() {
+  if (!drawn) return;
+  std::fputs("\r\x1b[K", stderr);
+  std::fflush(stderr);
+  drawn = false;
+}
+
+}  // namespace lm::host

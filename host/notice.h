@@ -1,0 +1,15 @@
+// What the program tells its user on standard error while it works. For the thread that analyses.
+#pragma once
+
+#include <string>
+
+namespace lm::host {
+
+// One line, "lightmotion: warning: " and the text.
+void warn(const std::string& text);
+
+// A line at the bottom of the terminal that is drawn again and again. Taken away, it makes room for others.
+void draw_bar(const std::string& line);
+void clear_bar();
+
+}  // namespace lm::host
