@@ -2,21 +2,11 @@
 // written.
 #pragma once
 
-#include <cstdint>
-
-#include "engine/bits.h"
-
 namespace lm {
 
 // Into the second cache: on the way to the first only a few requests are under way at a time, and more of
 // them would hold up the work in between.
 inline void fetch(const void* address) { __builtin_prefetch(address, 0, 2); }
 inline void fetchToWrite(const void* address) { __builtin_prefetch(address, 1, 2); }
-
-// The elements of a block's pixels whose bits are set.
-template <typename T>
-void fetch(const T* plane, std::size_t begin, std::uint32_t pixels) {
-  forEachBit(pixels, [&](std::size_t k) { fetch(plane + begin + k); });
-}
 
 }  // namespace lm

@@ -137,16 +137,9 @@ void sortPixels(kAMBLE& engine, const lm::NeighbourDistances& neighbours, Batch&
   }
 }
 
-void updateBatch(kAMBLE& engine, const std::uint8_t* frame, const lm::NeighbourDistances& neighbours,
-                 Batch& batch) {
-  batch.clear();
-  sortPixels(engine, neighbours, batch);
+// `distances`: of blocks whose neighbourhoods lie in the frame, which all pixels in question come from.
+void followLight(kAMBLE& engine, const int* distances, Batch& batch) {
   for (const PixelList* pixels : {&batch.lit, &batch.both}) fetch(engine.nbrCursor, *pixels);
-  for (const PixelList* pixels : {&batch.both, &batch.changed}) {
-    fetch(engine.minDist, *pixels);
-    fetch(engine.refreshCount, *pixels);
-  }
-  const int* distances = neighbours.inside();
   for (const std::uint32_t pixel : batch.lit) {
     batch.written.append(pixel, neighbourChanged(engine, distances, pixel));
   }
@@ -155,16 +148,33 @@ void updateBatch(kAMBLE& engine, const std::uint8_t* frame, const lm::NeighbourD
     batch.written.append(pixel, followed);
     batch.changed.append(pixel, !followed);
   }
+}
+
+void refresh(kAMBLE& engine, Batch& batch) {
+  fetch(engine.minDist, batch.changed);
+  fetch(engine.refreshCount, batch.changed);
   for (const std::uint32_t pixel : batch.changed) {
     if (!isRefreshDue(engine, pixel)) continue;
     engine.updTimer[pixel] = refreshRest;
     batch.written.append(pixel, true);
   }
-  fetch(engine.sampleCursor, batch.written);
-  for (const std::uint32_t pixel : batch.written) {
+}
+
+void writeSamples(kAMBLE& engine, const std::uint8_t* frame, const PixelList& pixels) {
+  fetch(engine.sampleCursor, pixels);
+  for (const std::uint32_t pixel : pixels) {
     lm::fetchToWrite(engine.bgModel[pixel].samples[engine.sampleCursor[pixel]]);
   }
-  for (const std::uint32_t pixel : batch.written) writeSample(engine, frame, pixel);
+  for (const std::uint32_t pixel : pixels) writeSample(engine, frame, pixel);
+}
+
+void updateBatch(kAMBLE& engine, const std::uint8_t* frame, const lm::NeighbourDistances& neighbours,
+                 Batch& batch) {
+  batch.clear();
+  sortPixels(engine, neighbours, batch);
+  followLight(engine, neighbours.inside(), batch);
+  refresh(engine, batch);
+  writeSamples(engine, frame, batch.written);
 }
 
 }  // namespace
