@@ -8,6 +8,8 @@
 #include "host/archive/archive_options.h"
 #include "host/events/event_options.h"
 #include "host/failure.h"
+#include "host/mqtt/mqtt_options.h"
+#include "host/progress.h"
 
 namespace lm::host {
 
@@ -20,7 +22,9 @@ struct Options {
   std::string plugin;    // path of the plug-in; searched for when empty
   bool quiet = false;
   bool verbose = false;
+  std::optional<ProgressMode> progress;  // the bar, unless quiet
   EventOptions events;
+  MqttOptions mqtt;
   ArchiveOptions archive;  // many files at once when its folder is not empty
 };
 
