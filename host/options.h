@@ -8,8 +8,7 @@
 #include "host/archive/archive_options.h"
 #include "host/events/event_options.h"
 #include "host/failure.h"
-#include "host/mqtt/mqtt_options.h"
-#include "host/progress.h"
+#include "host/live/live_options.h"
 
 namespace lm::host {
 
@@ -22,9 +21,8 @@ struct Options {
   std::string plugin;    // path of the plug-in; searched for when empty
   bool quiet = false;
   bool verbose = false;
-  std::optional<ProgressMode> progress;  // the bar, unless quiet
   EventOptions events;
-  MqttOptions mqtt;
+  LiveOptions live;
   ArchiveOptions archive;  // many files at once when its folder is not empty
 };
 

@@ -84,6 +84,12 @@ std::string Plugin::start(const std::string& document) {
   return printed.empty() ? "no reason given" : printed;
 }
 
+void Plugin::restart(const std::string& document) {
+  terminate_();
+  const std::string refusal = start(document);
+  if (!refusal.empty()) throw Failure(kTrouble, path_ + ": does not start anew: " + refusal);
+}
+
 std::string Plugin::process(const unsigned char* pixels, const std::string& timestamp) {
   std::vector<char> text(1);
   const std::string cause = thrown_by([&] {

@@ -28,6 +28,10 @@ class Plugin {
   // accepts.
   std::string start(const std::string& document);
 
+  // Has the detector forget what it saw. `document`: the one that it was started with. Throws Failure when
+  // the plug-in refuses it now.
+  void restart(const std::string& document);
+
   // Hands over one frame: packed pixels of the size that the document states. Returns the plug-in's result
   // document, empty when nothing moved. Throws Failure when the plug-in does.
   std::string process(const unsigned char* pixels, const std::string& timestamp);

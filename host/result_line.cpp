@@ -42,6 +42,10 @@ std::string result_line(const std::string& document, std::int64_t frame, std::ch
   return line;
 }
 
+std::string note_line(const std::string& note, std::int64_t frame, std::chrono::microseconds time) {
+  return result_line("{\"note\":" + Json::valueToQuotedString(note.c_str()) + "}", frame, time);
+}
+
 std::vector<cv::Rect2d> boxes_of(const std::string& document) {
   std::vector<cv::Rect2d> boxes;
   const Json::Value root = parse(document);

@@ -25,6 +25,7 @@
 #include "host/source.h"
 #include "host/standard_streams.h"
 #include "host/summary.h"
+#include "host/time_text.h"
 
 extern "C" {
 #include <libavutil/log.h>
@@ -55,12 +56,12 @@ std::string start(Plugin& plugin, const Options& options, const SourceInfo& sour
   const std::string text = own ? default_document() : read_file(options.config);
   std::string document;
   try {
-    document = complete_document(text, source.size);
+    document = complete_document(text, options.live.scale.of(source.size));
   } catch (const std::invalid_argument& misfit) {
     throw Failure(kRefused, name + ": " + misfit.what());
   }
   for (const std::string& note : ignored_settings(document)) {
-    warn(name + ": " + note);
+    std::fprintf(stderr, "lightmotion: warning: %s: %s\n", name.c_str(), note.c_str());
   }
   const std::string refusal = plugin.start(document);
   if (refusal.empty()) return document;
@@ -77,13 +78,6 @@ std::string timestamp(const SourceInfo& source, const Frame& frame) {
   return std::to_string(duration_cast<milliseconds>(system_clock::now().time_since_epoch()).count());
 }
 
-// The plug-in tells about its buffers on the first frame, which is of use to its developers only.
-std::string process(Plugin& plugin, const SourceInfo& source, const Frame& frame, bool hush) {
-  std::optional<CapturedStream> chatter;
-  if (hush) chatter.emplace(stderr);
-  return plugin.process(frame.image.data, timestamp(source, frame));
-}
-
 microseconds time_since(std::chrono::steady_clock::time_point begin) {
   return std::chrono::duration_cast<microseconds>(std::chrono::steady_clock::now() - begin);
 }
@@ -94,11 +88,14 @@ class Run {
       : options_(options),
         source_(source),
         plugin_(plugin),
+        document_(document),
+        analysed_(options.live.scale.of(source.info().size)),
         lines_(options.results),
         events_({options, source.info(), document}),
-        progress_(options.progress.value_or(options.quiet ? ProgressMode::kNone : ProgressMode::kBar)),
+        progress_(!options.quiet),
         shares_terminal_(options.results.empty() && isatty(STDOUT_FILENO) != 0) {
     if (!options.annotate.empty()) video_.emplace(options.annotate, source.info());
+    source.tell([this](const std::string& text) { warn(source_.info().name + ": " + text); });
   }
 
   Figures all_frames() {
@@ -110,20 +107,16 @@ class Run {
       one_frame(frame);
       figures_.video = frame.time + interval;
       figures_.work = time_since(begin);
-      progress_.update(progress());
+      progress_.update({figures_.frames, figures_.video, info.duration, speed(figures_), figures_.events});
     }
     progress_.clear();
     complete_outputs();
+    figures_.source = source_.counts();
     figures_.work = time_since(begin);
-    progress_.done(progress());
     return figures_;
   }
 
  private:
-  ProgressState progress() const {
-    return {figures_.frames, figures_.video, source_.info().duration, speed(figures_), figures_.events};
-  }
-
   // No file takes its name before all of them are whole.
   void complete_outputs() {
     lines_.finish();
@@ -135,16 +128,30 @@ class Run {
     events_.commit();
   }
 
+  // The plug-in tells about its buffers on the first frame, which is of use to its developers only.
+  std::string process(const Frame& frame) {
+    std::optional<CapturedStream> chatter;
+    if ((figures_.frames == 0 || frame.anew) && !options_.verbose) chatter.emplace(stderr);
+    if (frame.anew) plugin_.restart(document_);
+    return plugin_.process(scaled(frame.image, analysed_).data, timestamp(source_.info(), frame));
+  }
+
+  void tell_note(const Frame& frame) {
+    if (frame.note.empty()) return;
+    warn(source_.info().name + ": at " + seconds_text(frame.time) + " s: " + frame.note);
+    lines_.write(note_line(frame.note, frame.number, frame.time));
+  }
+
   void one_frame(Frame& frame) {
-    const bool hush = figures_.frames == 0 && !options_.verbose;
-    const std::string document = process(plugin_, source_.info(), frame, hush);
+    tell_note(frame);
+    const std::string document = process(frame);
     const std::vector<cv::Rect2d> boxes = boxes_of(document);
     if (!boxes.empty()) {
       if (shares_terminal_) progress_.clear();
-      lines_.write(result_line(document, figures_.frames, frame.time));
+      lines_.write(result_line(document, frame.number, frame.time));
       ++figures_.frames_with_motion;
     }
-    events_.frame(frame, figures_.frames, boxes);
+    events_.frame(frame, frame.number, boxes);
     figures_.events = events_.events();
     if (video_) video_->write(frame, boxes);
     ++figures_.frames;
@@ -153,6 +160,8 @@ class Run {
   const Options& options_;
   Source& source_;
   Plugin& plugin_;
+  const std::string& document_;
+  const cv::Size analysed_;
   LineSink lines_;
   EventWatch events_;
   std::optional<Annotator> video_;
@@ -166,12 +175,11 @@ class Run {
 int run(const Options& options) {
   av_log_set_level(options.verbose ? AV_LOG_INFO : AV_LOG_QUIET);
   Plugin plugin(find_plugin(options.plugin, program_folder()));
-  const std::unique_ptr<Source> source = open_source(options.source);
+  const std::unique_ptr<Source> source = open_source(options.source, options.live.reading);
   const std::string document = start(plugin, options, source->info());
   const Figures figures = Run(options, *source, plugin, document).all_frames();
   if (!options.archive.figures.empty()) write_figures(options.archive.figures, figures);
-  if (!options.quiet && options.progress != ProgressMode::kLines)
-    std::fputs(summary(source->info().name, figures, options).c_str(), stderr);
+  if (!options.quiet) std::fputs(summary(source->info().name, figures, options).c_str(), stderr);
   if (interrupted() != 0) return 128 + interrupted();
   const std::string trouble = source->trouble();
   if (trouble.empty()) return kDone;

@@ -3,10 +3,27 @@
 #include <array>
 #include <cstdio>
 
+#include "host/time_text.h"
+
 namespace lm::host {
 namespace {
 
 double seconds(std::chrono::microseconds time) { return static_cast<double>(time.count()) / 1e6; }
+
+// What a live source went through, where it was anything.
+std::string account(const SourceCounts& counts) {
+  std::string text;
+  if (counts.dropped > 0) {
+    text += std::to_string(counts.dropped) + " of " + std::to_string(counts.frames) +
+            " frames dropped because newer ones came\n";
+  }
+  if (counts.reconnections > 0) {
+    text += "connected again " + std::to_string(counts.reconnections) +
+            (counts.reconnections == 1 ? " time, " : " times, ") + seconds_text(counts.away) +
+            " s without pictures\n";
+  }
+  return text;
+}
 
 }  // namespace
 
@@ -22,6 +39,7 @@ std::string summary(const std::string& source, const Figures& figures, const Opt
                 static_cast<long long>(figures.frames), seconds(figures.video), seconds(figures.work),
                 speed(figures), ratio);
   std::string text = source + line.data();
+  text += account(figures.source);
   text += "motion in " + std::to_string(figures.frames_with_motion) + " frames, " +
           std::to_string(figures.events) + (figures.events == 1 ? " event" : " events");
   if (!options.results.empty()) text += ", listed in " + options.results;

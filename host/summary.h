@@ -6,6 +6,7 @@
 #include <string>
 
 #include "host/options.h"
+#include "host/source.h"
 
 namespace lm::host {
 
@@ -15,12 +16,13 @@ struct Figures {
   std::int64_t events = 0;
   std::chrono::microseconds video{0};  // from the first frame's start to the last frame's end
   std::chrono::microseconds work{0};   // what it took
+  SourceCounts source;
 };
 
 // Frames per second of work; 0 when no time has passed.
 double speed(const Figures& figures);
 
-// Two or three lines, each with its line feed: the figures, and where the outputs are.
+// Two to five lines, each with its line feed: the figures, and where the outputs are.
 std::string summary(const std::string& source, const Figures& figures, const Options& options);
 
 }  // namespace lm::host

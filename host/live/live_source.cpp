@@ -153,7 +153,6 @@ void LiveSource::connected(Time away, const std::string& cause) {
   first_time_ = last_time_ + std::max<Time>(away, 1ms);
   first_number_ = last_number_ + 1;
   news_ = "restarted: " + cause + "; " + seconds_text(away) + " s without pictures";
-  newest_.put_message("connected again after " + seconds_text(away) + " s");
   const std::scoped_lock lock(mutex_);
   ++counts_.reconnections;
   counts_.away += away;
