@@ -67,7 +67,15 @@ CLI::App* add_run(CLI::App& app, Options& options) {
       });
   add("--plugin", options.plugin, "PATH", "The plug-in, when it is not in its usual place");
   add_event_options(*run, options.events);
+  add_mqtt_options(*run, options.mqtt);
   run->add_flag("-q,--quiet", options.quiet, "No progress bar and no summary");
+  run->add_option_function<std::string>(
+         "--progress", [&options](const std::string& mode) { options.progress = progress_mode(mode); },
+         "bar (on a terminal), json (a line a second, for programs)\nor none")
+      ->type_name("MODE")
+      ->check([](const std::string& mode) {
+        return progress_mode(mode) ? "" : "must be bar, json or none, not " + mode;
+      });
   run->add_flag("-v,--verbose", options.verbose, "Show what the plug-in and the decoder log");
   add_live_options(*run, options.live);
   add_archive_options(*run, options.archive);

@@ -9,6 +9,8 @@
 #include "host/events/event_options.h"
 #include "host/failure.h"
 #include "host/live/live_options.h"
+#include "host/mqtt/mqtt_options.h"
+#include "host/progress.h"
 
 namespace lm::host {
 
@@ -21,7 +23,9 @@ struct Options {
   std::string plugin;    // path of the plug-in; searched for when empty
   bool quiet = false;
   bool verbose = false;
+  std::optional<ProgressMode> progress;  // the bar, unless quiet
   EventOptions events;
+  MqttOptions mqtt;
   LiveOptions live;
   ArchiveOptions archive;  // many files at once when its folder is not empty
 };

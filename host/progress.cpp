@@ -95,6 +95,13 @@ std::string progress_line(const ProgressState& state, bool done) {
   return line + (done ? ",\"done\":true}" : "}");
 }
 
+std::optional<ProgressMode> progress_mode(const std::string& word) {
+  if (word == "bar") return ProgressMode::kBar;
+  if (word == "json") return ProgressMode::kLines;
+  if (word == "none") return ProgressMode::kNone;
+  return std::nullopt;
+}
+
 Progress::Progress(ProgressMode mode) : mode_(mode) {
   if (mode_ == ProgressMode::kBar && !can_redraw_lines()) mode_ = ProgressMode::kNone;
 }

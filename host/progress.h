@@ -32,11 +32,13 @@ enum class ProgressMode {
   kLines,  // progress_line, once a second at most
 };
 
+// "bar", "json" or "none", as the command line has it; nothing for any other word.
+std::optional<ProgressMode> progress_mode(const std::string& word);
+
 // Tells about it on standard error.
 class Progress {
  public:
   explicit Progress(ProgressMode mode);
-  explicit Progress(bool wanted) : Progress(wanted ? ProgressMode::kBar : ProgressMode::kNone) {}
   ~Progress() { clear(); }
   Progress(const Progress&) = delete;
   Progress& operator=(const Progress&) = delete;

@@ -61,7 +61,7 @@ std::string start(Plugin& plugin, const Options& options, const SourceInfo& sour
     throw Failure(kRefused, name + ": " + misfit.what());
   }
   for (const std::string& note : ignored_settings(document)) {
-    std::fprintf(stderr, "lightmotion: warning: %s: %s\n", name.c_str(), note.c_str());
+    warn(name + ": " + note);
   }
   const std::string refusal = plugin.start(document);
   if (refusal.empty()) return document;
@@ -92,7 +92,7 @@ class Run {
         analysed_(options.live.scale.of(source.info().size)),
         lines_(options.results),
         events_({options, source.info(), document}),
-        progress_(!options.quiet),
+        progress_(options.progress.value_or(options.quiet ? ProgressMode::kNone : ProgressMode::kBar)),
         shares_terminal_(options.results.empty() && isatty(STDOUT_FILENO) != 0) {
     if (!options.annotate.empty()) video_.emplace(options.annotate, source.info());
     source.tell([this](const std::string& text) { warn(source_.info().name + ": " + text); });
@@ -107,16 +107,21 @@ class Run {
       one_frame(frame);
       figures_.video = frame.time + interval;
       figures_.work = time_since(begin);
-      progress_.update({figures_.frames, figures_.video, info.duration, speed(figures_), figures_.events});
+      progress_.update(progress());
     }
     progress_.clear();
     complete_outputs();
     figures_.source = source_.counts();
     figures_.work = time_since(begin);
+    progress_.done(progress());
     return figures_;
   }
 
  private:
+  ProgressState progress() const {
+    return {figures_.frames, figures_.video, source_.info().duration, speed(figures_), figures_.events};
+  }
+
   // No file takes its name before all of them are whole.
   void complete_outputs() {
     lines_.finish();
@@ -179,7 +184,8 @@ int run(const Options& options) {
   const std::string document = start(plugin, options, source->info());
   const Figures figures = Run(options, *source, plugin, document).all_frames();
   if (!options.archive.figures.empty()) write_figures(options.archive.figures, figures);
-  if (!options.quiet) std::fputs(summary(source->info().name, figures, options).c_str(), stderr);
+  if (!options.quiet && options.progress != ProgressMode::kLines)
+    std::fputs(summary(source->info().name, figures, options).c_str(), stderr);
   if (interrupted() != 0) return 128 + interrupted();
   const std::string trouble = source->trouble();
   if (trouble.empty()) return kDone;
