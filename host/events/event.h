@@ -51,8 +51,8 @@ struct Event {
   std::int64_t frames = 0;           // how many had boxes that belong to it
   std::size_t most_boxes = 0;        // in one frame
   double peak_share = 0;             // of the frame under boxes at the peak, 0 to 1
-  cv::Rect2d envelope;               // around all boxes, fractions of the frame
-  cv::Rect2d largest;                // the largest box
+  cv::Rect2d envelope;               // around all boxes, within the frame, in fractions of it
+  cv::Rect2d largest;                // the largest box, likewise
   std::vector<std::string> regions;  // names of the regions touched, in the document's order
   std::optional<LightChange> light;  // for changes of light
   std::optional<WallTime> wall_start;

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "host/events/event_json.h"
 #include "host/events/why.h"
 
 namespace lm::host {
@@ -22,17 +23,10 @@ Boxes boxes_of_kind(const Observation& seen, EventKind kind) {
   return boxes;
 }
 
-// "20261121T153012.345Z"
+// "20261121T153012.345Z": without the characters that have a meaning in files' names.
 std::string compact_utc(WallTime time) {
-  using namespace std::chrono;
-  const auto day = floor<days>(time);
-  const year_month_day date(day);
-  const hh_mm_ss clock(floor<milliseconds>(time - day));
-  char text[40];
-  std::snprintf(text, sizeof text, "%04d%02u%02uT%02d%02d%02d.%03dZ", static_cast<int>(date.year()),
-                static_cast<unsigned>(date.month()), static_cast<unsigned>(date.day()),
-                static_cast<int>(clock.hours().count()), static_cast<int>(clock.minutes().count()),
-                static_cast<int>(clock.seconds().count()), static_cast<int>(clock.subseconds().count()));
+  std::string text = utc_text(time);
+  std::erase_if(text, [](char c) { return c == '-' || c == ':'; });
   return text;
 }
 
@@ -146,7 +140,8 @@ void EventTracker::extend(Event& event, const Observation& seen, const Boxes& bo
     event.peak_frame = seen.frame;
     event.peak_share = share;
   }
-  for (const cv::Rect2d& box : boxes) {
+  for (const cv::Rect2d& whole : boxes) {
+    const cv::Rect2d box = whole & cv::Rect2d(0, 0, 1, 1);
     event.envelope = event.envelope.empty() ? box : event.envelope | box;
     if (box.area() > event.largest.area()) event.largest = box;
     if (touch_) touch_(box, event.regions);

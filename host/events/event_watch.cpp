@@ -8,6 +8,7 @@ EventWatch::EventWatch(const RunContext& context)
     : source_(context.source),
       gap_(std::llround(context.options.events.rules.gap * 1e6)),
       regions_(context.document),
+      light_(regions_),
       tracker_(context.options.events.rules, [this](const cv::Rect2d& box, std::vector<std::string>& names) {
         regions_.touched(box, names);
       }) {
@@ -16,6 +17,7 @@ EventWatch::EventWatch(const RunContext& context)
 
 void EventWatch::frame(const Frame& frame, std::int64_t number, const std::vector<cv::Rect2d>& boxes) {
   if (frame.anew || (!frame.note.empty() && frame.time - last_ > gap_)) {
+    light_.forget();
     tracker_.interrupt("The source was interrupted: " + frame.note + ".");
   }
   last_ = frame.time;
@@ -24,6 +26,7 @@ void EventWatch::frame(const Frame& frame, std::int64_t number, const std::vecto
   seen.time = frame.time;
   seen.boxes = boxes;
   if (source_.start) seen.wall = *source_.start + frame.time;
+  light_.look(frame.image, seen);
   tracker_.observe(frame, seen);
 }
 

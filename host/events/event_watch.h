@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "host/events/event_tracker.h"
+#include "host/events/light.h"
 #include "host/events/listeners.h"
 #include "host/events/regions.h"
 
@@ -28,6 +29,7 @@ class EventWatch {
   const SourceInfo& source_;
   const std::chrono::microseconds gap_;
   Regions regions_;
+  LightWatch light_;
   EventTracker tracker_;
   std::chrono::microseconds last_{0};
 };

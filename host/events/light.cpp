@@ -11,15 +11,15 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr int kCellSide = 10;                    // samples
-constexpr auto kSpan = 500ms;                    // within which light changes
-constexpr auto kAdaptation = 5s;                 // for which the plug-in may show boxes of the old light
-constexpr double kStep = 3;                      // grey levels by which a cell's mean has to change
-constexpr double kTexture = 3;                   // standard deviation, in grey levels, that noise does not have
-constexpr double kAlike = 0.7;                   // correlation of a texture with itself in another light
-constexpr double kLeastPart = 0.2;               // of the watched cells in another light
-constexpr double kWholeFrame = 0.8;              // ... where no texture tells
-constexpr double kLeastUnderBoxes = 0.1;         // of the frame
+constexpr int kCellSide = 10;             // samples
+constexpr auto kSpan = 500ms;             // within which light changes
+constexpr auto kAdaptation = 5s;          // for which the plug-in may show boxes of the old light
+constexpr double kStep = 3;               // grey levels by which a cell's mean has to change
+constexpr double kTexture = 3;            // standard deviation, in grey levels, that noise does not have
+constexpr double kAlike = 0.7;            // correlation of a texture with itself in another light
+constexpr double kLeastPart = 0.2;        // of the watched cells in another light
+constexpr double kWholeFrame = 0.8;       // ... where no texture tells
+constexpr double kLeastUnderBoxes = 0.1;  // of the frame
 
 cv::Mat samples_of(const cv::Mat& image) {
   cv::Mat small;
@@ -75,8 +75,7 @@ double part_over(const Cells& cells, const cv::Rect2d& box) {
 LightWatch::LightWatch(const Regions& regions) {
   for (std::size_t i = 0; i < kCells; ++i) {
     const int number = static_cast<int>(i);
-    watched_[i] =
-        regions.watched({(number % kAcross + 0.5) / kAcross, (number / kAcross + 0.5) / kDown});
+    watched_[i] = regions.watched({(number % kAcross + 0.5) / kAcross, (number / kAcross + 0.5) / kDown});
   }
   if (watched_.none()) watched_.set();
 }

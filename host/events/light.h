@@ -1,10 +1,10 @@
 // Tells boxes that a change of light made from those of things that move.
 //
-// A lamp, a cloud or a camera's exposure makes a large part of the picture brighter, or darker, at once, while
-// what is seen there stays the same: the picture's texture remains. What moves covers what was there. So two
-// pictures half a second apart are compared in small cells, and where most of the cells that became brighter
-// kept their texture, the light has changed there. The plug-in's boxes over that place, for as long as it takes
-// the plug-in to get used to the new light, are the light's.
+// A lamp, a cloud or a camera's exposure makes a large part of the picture brighter, or darker, at once,
+// while what is seen there stays the same: the picture's texture remains. What moves covers what was there.
+// So two pictures half a second apart are compared in small cells, and where most of the cells that became
+// brighter kept their texture, the light has changed there. The plug-in's boxes over that place, for as long
+// as it takes the plug-in to get used to the new light, are the light's.
 #pragma once
 
 #include <bitset>

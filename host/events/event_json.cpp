@@ -1,0 +1,85 @@
+#include "host/events/event_json.h"
+
+#include <cmath>
+#include <cstdio>
+
+namespace lm::host {
+namespace {
+
+// To the thousandth.
+double seconds(std::chrono::microseconds time) {
+  return static_cast<double>(std::chrono::round<std::chrono::milliseconds>(time).count()) / 1000;
+}
+
+Json::Value box_value(const cv::Rect2d& box) {
+  Json::Value value;
+  value["x"] = box.x;
+  value["y"] = box.y;
+  value["width"] = box.width;
+  value["height"] = box.height;
+  return value;
+}
+
+Json::Value light_value(const LightChange& light) {
+  Json::Value value;
+  value["before"] = light.before;
+  value["after"] = light.after;
+  value["share"] = light.share;
+  return value;
+}
+
+}  // namespace
+
+std::string utc_text(WallTime time) {
+  using namespace std::chrono;
+  const auto day = floor<days>(time);
+  const year_month_day date(day);
+  const hh_mm_ss clock(floor<milliseconds>(time - day));
+  char text[48];
+  std::snprintf(text, sizeof text, "%04d-%02u-%02uT%02d:%02d:%02d.%03dZ", static_cast<int>(date.year()),
+                static_cast<unsigned>(date.month()), static_cast<unsigned>(date.day()),
+                static_cast<int>(clock.hours().count()), static_cast<int>(clock.minutes().count()),
+                static_cast<int>(clock.seconds().count()), static_cast<int>(clock.subseconds().count()));
+  return text;
+}
+
+const char* kind_text(EventKind kind) { return kind == EventKind::kLight ? "light" : "motion"; }
+
+Json::Value event_value(const Event& event) {
+  Json::Value value;
+  value["id"] = event.id;
+  value["kind"] = kind_text(event.kind);
+  value["start"] = seconds(event.start);
+  value["end"] = seconds(event.end);
+  value["peak"] = seconds(event.peak);
+  value["from"] = seconds(event.from);
+  value["to"] = seconds(event.to);
+  value["first_frame"] = Json::Int64(event.first_frame);
+  value["last_frame"] = Json::Int64(event.last_frame);
+  value["peak_frame"] = Json::Int64(event.peak_frame);
+  value["frames"] = Json::Int64(event.frames);
+  value["most_boxes"] = Json::UInt64(event.most_boxes);
+  value["peak_share"] = event.peak_share;
+  value["envelope"] = box_value(event.envelope);
+  value["largest"] = box_value(event.largest);
+  value["regions"] = Json::Value(Json::arrayValue);
+  for (const std::string& region : event.regions) value["regions"].append(region);
+  if (event.light) value["light"] = light_value(*event.light);
+  if (event.wall_start) value["wall_start"] = utc_text(*event.wall_start);
+  if (event.wall_end) value["wall_end"] = utc_text(*event.wall_end);
+  value["started"] = event.started;
+  value["ended"] = event.ended;
+  return value;
+}
+
+std::string json_text(const Json::Value& value) {
+  Json::StreamWriterBuilder format;
+  format["indentation"] = "";
+  format["precision"] = 6;
+  format["precisionType"] = "decimal";
+  return Json::writeString(format, value);
+}
+
+std::string event_json(const Event& event) { return json_text(event_value(event)); }
+
+}  // namespace lm::host

@@ -1,0 +1,37 @@
+// The file of --events: all events of a run, as JSON or as a table.
+#pragma once
+
+#include <chrono>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "host/events/listener.h"
+#include "host/events/listeners.h"
+#include "host/pending_file.h"
+
+namespace lm::host {
+
+class EventsFile : public EventListener {
+ public:
+  // Throws Failure (kTrouble) when nothing can be written there.
+  explicit EventsFile(const RunContext& context);
+
+  void frame(const Frame& frame, const Observation& seen) override;
+  void ended(const Event& event) override { events_.push_back(event); }
+  void finish() override;
+  void commit() override { pending_.commit(); }
+
+ private:
+  std::string json() const;
+  std::string csv() const;
+
+  const EventRules rules_;
+  const SourceInfo& source_;
+  PendingFile pending_;
+  std::vector<Event> events_;
+  std::int64_t frames_ = 0;
+  std::chrono::microseconds last_{0};
+};
+
+}  // namespace lm::host

@@ -1,0 +1,124 @@
+#include "host/events/explain.h"
+
+#include <json/json.h>
+
+#include <cmath>
+#include <memory>
+
+#include "host/events/why.h"
+#include "host/time_text.h"
+
+namespace lm::host {
+namespace {
+
+constexpr double kSmallestSide = 0.05;  // the plug-in's own, where the document has none
+
+// As the plug-in does: texts only, each to the first character that does not belong to the number.
+double side(const Json::Value& value) {
+  try {
+    const float number = value.isString() ? std::stof(value.asString()) : 0;
+    return number > 0 && number <= 1 ? number : kSmallestSide;
+  } catch (const std::exception&) {
+    return kSmallestSide;
+  }
+}
+
+std::string counted(std::int64_t count, const char* one, const char* many) {
+  return std::to_string(count) + " " + (count == 1 ? one : many);
+}
+
+std::string rule_text(double seconds) {
+  return seconds_text(std::chrono::microseconds(std::llround(seconds * 1e6))) + " s";
+}
+
+std::string box_text(const cv::Rect2d& box) {
+  return percent_text(box.width) + " x " + percent_text(box.height) + " at " + percent_text(box.x) + ", " +
+         percent_text(box.y);
+}
+
+}  // namespace
+
+cv::Size2d smallest_box(const std::string& document) {
+  Json::Value root;
+  const std::unique_ptr<Json::CharReader> reader(Json::CharReaderBuilder().newCharReader());
+  const bool parsed = reader->parse(document.data(), document.data() + document.size(), &root, nullptr);
+  if (!parsed || !root.isObject()) return {kSmallestSide, kSmallestSide};
+  return {side(root["minBoxW"]), side(root["minBoxH"])};
+}
+
+Explainer::Explainer(const RunContext& context, std::FILE* out)
+    : span_(parse_span(context.options.events.explain).value_or(TimeSpan{})),
+      rules_(context.options.events.rules),
+      document_(context.document),
+      regions_(context.document),
+      hidden_(regions_),
+      out_(out) {}
+
+void Explainer::frame(const Frame& frame, const Observation& seen) {
+  const bool inside = seen.time >= span_.from && seen.time <= span_.to;
+  hidden_.look(frame.image, inside);
+  if (!inside) return;
+  ++frames_seen_;
+  if (seen.boxes.empty()) {
+    ++frames_without_boxes_;
+  } else {
+    frames_ += frame_line(seen);
+  }
+  for (const bool light : seen.by_light) boxes_by_light_ += light ? 1 : 0;
+}
+
+std::string Explainer::frame_line(const Observation& seen) const {
+  std::string text = "  " + seconds_text(seen.time) + " s, frame " + std::to_string(seen.frame) + ":";
+  for (std::size_t i = 0; i < seen.boxes.size(); ++i) {
+    std::vector<std::string> names;
+    regions_.touched(seen.boxes[i], names);
+    text += (i == 0 ? " " : "; ") + box_text(seen.boxes[i]);
+    for (const std::string& name : names) text += (&name == &names.front() ? " in " : ", ") + name;
+    if (i < seen.by_light.size() && seen.by_light[i]) text += " (light)";
+  }
+  return text + "\n";
+}
+
+bool Explainer::in_span(const Event& event) const {
+  return event.start <= span_.to && event.end >= span_.from;
+}
+
+void Explainer::ended(const Event& event) {
+  if (!in_span(event)) return;
+  events_ += "  " + event.id + ", " + seconds_text(event.start) + " to " + seconds_text(event.end) + " s. " +
+             event.started + " " + event.ended + " Boxes in " + std::to_string(event.frames) + " of " +
+             counted(event.last_frame - event.first_frame + 1, "frame", "frames") +
+             "; --gap joins over up to " + rule_text(rules_.gap) + " without.\n";
+}
+
+void Explainer::dropped(const Event& event) {
+  if (!in_span(event)) return;
+  events_ += "  dropped: boxes in " + counted(event.frames, "frame", "frames") + " from " +
+             seconds_text(event.start) + " to " + seconds_text(event.end) + " s; --min-event asks for " +
+             rule_text(rules_.min_event) + " at least\n";
+}
+
+std::string Explainer::settings() const {
+  const cv::Size2d least = smallest_box(document_);
+  std::string text = "  smallest box that counts: " + percent_text(least.width) + " of the width or " +
+                     percent_text(least.height) + " of the height; smaller both ways, the plug-in drops it\n";
+  for (const HiddenPlace& place : hidden_.places()) {
+    text += "  not looked at: " + place.name + "; the picture changed there in " +
+            counted(place.pictures, "frame", "frames") + "\n";
+  }
+  if (boxes_by_light_ > 0) {
+    text +=
+        "  taken for a change of light, not for motion: " + counted(boxes_by_light_, "box", "boxes") + "\n";
+  }
+  return text;
+}
+
+void Explainer::commit() {
+  const std::string text = "From " + seconds_text(span_.from) + " to " + seconds_text(span_.to) +
+                           " s: " + counted(frames_seen_, "frame", "frames") + ", " +
+                           std::to_string(frames_without_boxes_) + " without boxes\n" + frames_ + settings() +
+                           (events_.empty() ? "  no event\n" : events_);
+  std::fputs(text.c_str(), out_);
+}
+
+}  // namespace lm::host

@@ -1,0 +1,46 @@
+// --explain: why there were boxes and events in a span of time, or none.
+#pragma once
+
+#include <cstdio>
+#include <string>
+
+#include "host/events/event_options.h"
+#include "host/events/hidden_change.h"
+#include "host/events/listener.h"
+#include "host/events/listeners.h"
+#include "host/events/regions.h"
+
+namespace lm::host {
+
+// Writes to standard error when the run is over, so that result lines and progress stay whole.
+class Explainer : public EventListener {
+ public:
+  explicit Explainer(const RunContext& context, std::FILE* out = stderr);
+
+  void frame(const Frame& frame, const Observation& seen) override;
+  void ended(const Event& event) override;
+  void dropped(const Event& event) override;
+  void commit() override;
+
+ private:
+  std::string frame_line(const Observation& seen) const;
+  bool in_span(const Event& event) const;
+  std::string settings() const;
+
+  TimeSpan span_;
+  EventRules rules_;
+  std::string document_;
+  Regions regions_;
+  HiddenChange hidden_;
+  std::FILE* out_;
+  std::string frames_;  // lines
+  std::string events_;  // lines
+  int frames_seen_ = 0;
+  int frames_without_boxes_ = 0;
+  int boxes_by_light_ = 0;
+};
+
+// The smallest size that counts, in fractions of the frame, as the plug-in reads it from the document.
+cv::Size2d smallest_box(const std::string& document);
+
+}  // namespace lm::host
