@@ -5,14 +5,16 @@
 #include <algorithm>
 #include <array>
 #include <cctype>
+#include <cerrno>
 #include <filesystem>
-#include <fstream>
 #include <iostream>
 #include <iterator>
 #include <memory>
+#include <optional>
 #include <string_view>
 #include <system_error>
 
+#include "host/archive/text_file.h"
 #include "host/failure.h"
 
 namespace lm::host {
@@ -51,18 +53,17 @@ class Expansion {
   }
 
   void add_list(const std::string& list) {
-    std::string text;
+    std::optional<std::string> text;
     if (list == "-") {
-      text.assign(std::istreambuf_iterator<char>(std::cin), {});
+      text.emplace(std::istreambuf_iterator<char>(std::cin), std::istreambuf_iterator<char>());
     } else {
-      std::ifstream file(list, std::ios::binary);
-      text.assign(std::istreambuf_iterator<char>(file), {});
-      // A folder opens, but does not read.
-      if (!file.is_open() || file.bad() || fs::is_directory(list)) {
-        throw Failure(kRefused, "the list " + list + " cannot be read");
-      }
+      text = read_text(list);
     }
-    add_lines(text);
+    if (!text) {
+      throw Failure(kRefused,
+                    "the list " + list + " cannot be read: " + std::generic_category().message(errno));
+    }
+    add_lines(*text);
   }
 
   std::vector<ArchiveFile> sorted() {
