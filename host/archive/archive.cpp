@@ -81,7 +81,7 @@ class ArchiveRun {
         settings_(std::move(settings)),
         jobs_(static_cast<std::size_t>(options.archive.jobs > 0 ? options.archive.jobs : processors())),
         child_ended_(hold_back_child_signals()),
-        progress_(!options.quiet) {
+        progress_(options.progress.value_or(options.quiet ? ProgressMode::kNone : ProgressMode::kBar)) {
     for (const ArchiveFile& file : files) {
       waiting_.push_back({file.path, file.why});
       std::error_code ignored;
@@ -103,6 +103,7 @@ class ArchiveRun {
       take_ended();
     }
     if (interrupted() != 0) stop();
+    progress_.show(state_);
     progress_.clear();
     std::ranges::sort(rows_, {}, &TableRow::path);
     return std::move(rows_);
@@ -170,6 +171,7 @@ class ArchiveRun {
 
   void done(TableRow row, bool now) {
     ++state_.done;
+    if (row.figures) state_.events += row.figures->events;
     if (row.outcome != Outcome::kFine) {
       ++state_.failed;
       progress_.clear();

@@ -10,7 +10,8 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr std::array<std::string_view, 5> kOwn{"--out", "--jobs", "--shard", "--force", "--figures"};
+constexpr std::array<std::string_view, 6> kOwn{"--out",   "--jobs",    "--shard",
+                                               "--force", "--figures", "--progress"};
 constexpr std::array<std::string_view, 7> kOutputs{"--output",    "--annotate", "--events", "--heatmap",
                                                    "--snapshots", "--clips",    "--report"};
 constexpr std::array<std::string_view, 2> kTaken{"run.json", "messages.txt"};
@@ -94,6 +95,8 @@ std::string complete_archive_options(const CLI::App& run, ArchiveOptions& option
   if (options.out.empty()) return single_misuse(options);
   if (options.sources.empty()) return "--out needs a source";
   options.passed_on = given_options(run);
+  // A broker knows a camera by its name, and here many files are at work at once.
+  if (run.count("--mqtt") > 0) return "--mqtt is for a single source, not for --out";
   return misplaced_output(options.passed_on);
 }
 

@@ -2,34 +2,63 @@
 
 #include <unistd.h>
 
+#include <cmath>
 #include <cstdio>
 #include <cstdlib>
+#include <optional>
 #include <string_view>
 
 #include "host/time_text.h"
 
 namespace lm::host {
 
+namespace {
+
+std::optional<std::chrono::microseconds> time_left(const ArchiveState& state) {
+  if (state.bytes_done <= 0 || state.bytes_done >= state.bytes_to_do) return std::nullopt;
+  const auto left = static_cast<double>(state.bytes_to_do - state.bytes_done);
+  const double ratio = left / static_cast<double>(state.bytes_done);
+  return std::chrono::microseconds(std::llround(static_cast<double>(state.worked.count()) * ratio));
+}
+
+bool can_redraw_lines() {
+  const char* terminal = std::getenv("TERM");
+  return isatty(STDERR_FILENO) != 0 && terminal != nullptr && std::string_view(terminal) != "dumb";
+}
+
+}  // namespace
+
 std::string archive_progress_text(const ArchiveState& state) {
   std::string text = std::to_string(state.done) + " of " + std::to_string(state.files) + " files";
   if (state.failed > 0) text += "  " + std::to_string(state.failed) + " not fine";
-  if (state.bytes_done <= 0 || state.bytes_done >= state.bytes_to_do) return text;
-  const auto left = static_cast<double>(state.bytes_to_do - state.bytes_done);
-  const double seconds =
-      static_cast<double>(state.worked.count()) / 1e6 * left / static_cast<double>(state.bytes_done);
-  return text + "  " + clock_text(std::chrono::seconds(static_cast<std::int64_t>(seconds))) + " left";
+  if (state.events > 0)
+    text += "  " + std::to_string(state.events) + (state.events == 1 ? " event" : " events");
+  if (const auto left = time_left(state)) text += "  " + clock_text(*left) + " left";
+  return text;
 }
 
-ArchiveProgress::ArchiveProgress(bool wanted) {
-  const char* terminal = std::getenv("TERM");
-  on_ = wanted && isatty(STDERR_FILENO) != 0 && terminal != nullptr && std::string_view(terminal) != "dumb";
+std::string archive_progress_line(const ArchiveState& state) {
+  std::string line = "{\"files\":" + std::to_string(state.files) + ",\"done\":" + std::to_string(state.done) +
+                     ",\"notFine\":" + std::to_string(state.failed) +
+                     ",\"events\":" + std::to_string(state.events);
+  if (const auto left = time_left(state)) line += ",\"left\":" + seconds_text(*left);
+  return line + "}";
+}
+
+ArchiveProgress::ArchiveProgress(ProgressMode mode) : mode_(mode) {
+  if (mode_ == ProgressMode::kBar && !can_redraw_lines()) mode_ = ProgressMode::kNone;
 }
 
 void ArchiveProgress::show(const ArchiveState& state) {
-  if (!on_) return;
-  std::fprintf(stderr, "\r%s\x1b[K", archive_progress_text(state).c_str());
-  std::fflush(stderr);
-  drawn_ = true;
+  if (mode_ == ProgressMode::kBar) {
+    std::fprintf(stderr, "\r%s\x1b[K", archive_progress_text(state).c_str());
+    std::fflush(stderr);
+    drawn_ = true;
+  }
+  if (mode_ == ProgressMode::kLines && state.done != told_) {
+    std::fprintf(stderr, "%s\n", archive_progress_line(state).c_str());
+    told_ = state.done;
+  }
 }
 
 void ArchiveProgress::clear() {

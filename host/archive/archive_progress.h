@@ -6,6 +6,8 @@
 #include <cstdint>
 #include <string>
 
+#include "host/progress.h"
+
 namespace lm::host {
 
 struct ArchiveState {
@@ -14,17 +16,22 @@ struct ArchiveState {
   std::size_t failed = 0;        // of those done, not fine
   std::int64_t bytes_to_do = 0;  // of the files that had to be worked on
   std::int64_t bytes_done = 0;   // of those that are finished
+  std::int64_t events = 0;
   std::chrono::microseconds worked{0};
 };
 
-// "12 of 300 files  1 not fine  1:02:03 left". The time left is in proportion to the bytes; it is left out
-// until the first file is finished.
+// "12 of 300 files  1 not fine  7 events  1:02:03 left". The time left is in proportion to the bytes; it is
+// left out until the first file is finished.
 std::string archive_progress_text(const ArchiveState& state);
 
-// Draws on standard error, where that is a terminal.
+// The same for programs: {"files":300,"done":12,"notFine":1,"events":7,"left":3723.000}
+std::string archive_progress_line(const ArchiveState& state);
+
+// Tells about it on standard error: as a line that is drawn again, or as a line for programs whenever a file
+// is done.
 class ArchiveProgress {
  public:
-  explicit ArchiveProgress(bool wanted);
+  explicit ArchiveProgress(ProgressMode mode);
   ~ArchiveProgress() { clear(); }
   ArchiveProgress(const ArchiveProgress&) = delete;
   ArchiveProgress& operator=(const ArchiveProgress&) = delete;
@@ -33,8 +40,9 @@ class ArchiveProgress {
   void clear();
 
  private:
-  bool on_;
+  ProgressMode mode_;
   bool drawn_ = false;
+  std::size_t told_ = 0;  // files done, when the last line was written
 };
 
 }  // namespace lm::host

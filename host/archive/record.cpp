@@ -32,6 +32,7 @@ Json::Value json_of(const Figures& figures) {
   Json::Value value;
   value["frames"] = Json::Int64(figures.frames);
   value["framesWithMotion"] = Json::Int64(figures.frames_with_motion);
+  value["events"] = Json::Int64(figures.events);
   value["milliseconds"] = Json::Int64(std::chrono::round<std::chrono::milliseconds>(figures.video).count());
   return value;
 }
@@ -39,11 +40,12 @@ Json::Value json_of(const Figures& figures) {
 std::optional<Figures> figures_from(const Json::Value& value) {
   Figures figures;
   if (!value.isObject()) return std::nullopt;
-  for (const char* name : {"frames", "framesWithMotion", "milliseconds"}) {
+  for (const char* name : {"frames", "framesWithMotion", "events", "milliseconds"}) {
     if (!value[name].isInt64()) return std::nullopt;
   }
   figures.frames = value["frames"].asInt64();
   figures.frames_with_motion = value["framesWithMotion"].asInt64();
+  figures.events = value["events"].asInt64();
   figures.video = std::chrono::milliseconds(value["milliseconds"].asInt64());
   return figures;
 }

@@ -22,19 +22,22 @@ const char* word(Outcome outcome) {
   return "failed";
 }
 
-std::string columns(const std::string& status, const std::string& frames, const std::string& motion,
-                    const std::string& length, const std::string& rest) {
-  std::array<char, 80> text{};
-  std::snprintf(text.data(), text.size(), "%-7s %9s %9s %9s  ", status.c_str(), frames.c_str(),
-                motion.c_str(), length.c_str());
+using Cells = std::array<std::string, 5>;  // status, frames, motion, events, length
+
+std::string columns(const Cells& cells, const std::string& rest) {
+  std::array<char, 100> text{};
+  std::snprintf(text.data(), text.size(), "%-7s %9s %9s %9s %9s  ", cells[0].c_str(), cells[1].c_str(),
+                cells[2].c_str(), cells[3].c_str(), cells[4].c_str());
   return text.data() + rest + "\n";
 }
 
 std::string line_of(const TableRow& row) {
-  const std::string rest = one_line(row.path) + (row.why.empty() ? "" : ": " + one_line(row.why));
-  if (!row.figures) return columns(word(row.outcome), "-", "-", "-", rest);
-  return columns(word(row.outcome), std::to_string(row.figures->frames),
-                 std::to_string(row.figures->frames_with_motion), clock_text(row.figures->video), rest);
+  Cells cells{word(row.outcome), "-", "-", "-", "-"};
+  if (const auto& figures = row.figures) {
+    cells = {word(row.outcome), std::to_string(figures->frames), std::to_string(figures->frames_with_motion),
+             std::to_string(figures->events), clock_text(figures->video)};
+  }
+  return columns(cells, one_line(row.path) + (row.why.empty() ? "" : ": " + one_line(row.why)));
 }
 
 std::string totals(const std::vector<TableRow>& rows) {
@@ -43,6 +46,7 @@ std::string totals(const std::vector<TableRow>& rows) {
     if (!row.figures) continue;
     sum.frames += row.figures->frames;
     sum.frames_with_motion += row.figures->frames_with_motion;
+    sum.events += row.figures->events;
     sum.video += row.figures->video;
   }
   const auto count = [&](Outcome outcome) {
@@ -51,7 +55,8 @@ std::string totals(const std::vector<TableRow>& rows) {
   return std::to_string(rows.size()) + (rows.size() == 1 ? " file: " : " files: ") + count(Outcome::kFine) +
          " fine, " + count(Outcome::kTrouble) + " with trouble, " + count(Outcome::kFailed) + " failed; " +
          std::to_string(sum.frames) + " frames, " + std::to_string(sum.frames_with_motion) +
-         " with motion, " + clock_text(sum.video) + " of video\n";
+         " with motion, " + std::to_string(sum.events) + (sum.events == 1 ? " event, " : " events, ") +
+         clock_text(sum.video) + " of video\n";
 }
 
 std::string quoted(const std::string& text) {
@@ -64,18 +69,19 @@ std::string quoted(const std::string& text) {
 }  // namespace
 
 std::string table_text(const std::vector<TableRow>& rows) {
-  std::string text = columns("status", "frames", "motion", "length", "file");
+  std::string text = columns({"status", "frames", "motion", "events", "length"}, "file");
   for (const TableRow& row : rows) text += line_of(row);
   return text + totals(rows);
 }
 
 std::vector<std::string> table_csv(const std::vector<TableRow>& rows) {
-  std::vector<std::string> lines{"file,status,frames,frames_with_motion,seconds,results,why"};
+  std::vector<std::string> lines{"file,status,frames,frames_with_motion,events,seconds,results,why"};
   for (const TableRow& row : rows) {
-    const std::string figures = row.figures ? std::to_string(row.figures->frames) + "," +
-                                                  std::to_string(row.figures->frames_with_motion) + "," +
-                                                  seconds_text(row.figures->video)
-                                            : ",,";
+    std::string figures = ",,,";
+    if (row.figures) {
+      figures = std::to_string(row.figures->frames) + "," + std::to_string(row.figures->frames_with_motion) +
+                "," + std::to_string(row.figures->events) + "," + seconds_text(row.figures->video);
+    }
     lines.push_back(quoted(row.path) + "," + word(row.outcome) + "," + figures + "," + row.results + "," +
                     quoted(row.why));
   }

@@ -11,10 +11,14 @@ _lightmotion() {
       mapfile -t COMPREPLY < <(for kind in mp4 mkv mov; do compgen -f -X "!*.$kind" -- "$word"; done
         compgen -d -- "$word")
       ;;
+    --out) mapfile -t COMPREPLY < <(compgen -d -- "$word") ;;
+    --jobs) ;;
+    --shard) mapfile -t COMPREPLY < <(compgen -W slurm -- "$word") ;;
     -c | --config | -o | --output | --plugin) mapfile -t COMPREPLY < <(compgen -f -- "$word") ;;
     *)
       if [[ $word == -* ]]; then
         mapfile -t COMPREPLY < <(compgen -W '-c --config -o --output -a --annotate --plugin -q --quiet -v --verbose
+          --out --jobs --shard --force
           -h --help' -- "$word")
       else
         mapfile -t COMPREPLY < <(compgen -f -- "$word")

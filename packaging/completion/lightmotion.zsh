@@ -13,9 +13,13 @@ _lightmotion() {
     '(-o --output)'{-o,--output}'[file for the result lines]:file:_files' \
     '(-a --annotate)'{-a,--annotate}'[video with the boxes drawn]:video:_files -g "*.(mp4|mkv|mov)"' \
     '--plugin[the plug-in, when it is not in its usual place]:library:_files' \
+    '--out[folder for the results of many files]:folder:_files -/' \
+    '--jobs[files worked on at a time]:number:' \
+    '--shard[only every Nth file from the Ith on]:I/N:(slurm)' \
+    '--force[files that are done are done again]' \
     '(-q --quiet)'{-q,--quiet}'[no progress bar and no summary]' \
     '(-v --verbose)'{-v,--verbose}'[show what the plug-in and the decoder log]' \
     '(- *)'{-h,--help}'[print a help message and exit]' \
-    '1:source:_files'
+    '*:source:_files'
 }
 _lightmotion "$@"
