@@ -38,8 +38,11 @@ std::string conflict(const Options& options) {
   const struct {
     const char* option;
     const std::string& file;
-  } outputs[] = {
-      {"-o", options.results}, {"--annotate", options.annotate}, {"--events", options.events.file}};
+  } outputs[] = {{"-o", options.results},
+                 {"--annotate", options.annotate},
+                 {"--events", options.events.file},
+                 {"--report", options.report.page},
+                 {"--heatmap", options.report.heatmap}};
   for (const auto& output : outputs) {
     if (same_file(output.file, options.source))
       return std::string(output.option) + " would overwrite the source";
@@ -67,6 +70,7 @@ CLI::App* add_run(CLI::App& app, Options& options) {
       });
   add("--plugin", options.plugin, "PATH", "The plug-in, when it is not in its usual place");
   add_event_options(*run, options.events);
+  add_report_options(*run, options.report);
   add_mqtt_options(*run, options.mqtt);
   run->add_flag("-q,--quiet", options.quiet, "No progress bar and no summary");
   run->add_option_function<std::string>(

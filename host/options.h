@@ -11,6 +11,7 @@
 #include "host/live/live_options.h"
 #include "host/mqtt/mqtt_options.h"
 #include "host/progress.h"
+#include "host/report/report_options.h"
 
 namespace lm::host {
 
@@ -26,6 +27,7 @@ struct Options {
   std::optional<ProgressMode> progress;  // the bar, unless quiet
   EventOptions events;
   MqttOptions mqtt;
+  ReportOptions report;
   LiveOptions live;
   ArchiveOptions archive;  // many files at once when its folder is not empty
 };

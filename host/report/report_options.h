@@ -1,0 +1,21 @@
+// What a run leaves behind for people, as the command line has it.
+#pragma once
+
+#include <string>
+
+namespace CLI {
+class App;
+}
+
+namespace lm::host {
+
+// An empty text: not given.
+struct ReportOptions {
+  std::string heatmap;    // PNG file
+  std::string snapshots;  // folder
+  std::string page;       // HTML file
+};
+
+void add_report_options(CLI::App& run, ReportOptions& options);
+
+}  // namespace lm::host

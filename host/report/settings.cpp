@@ -1,0 +1,56 @@
+#include "host/report/settings.h"
+
+#include <json/json.h>
+
+#include <memory>
+
+#include "host/time_text.h"
+
+namespace lm::host {
+namespace {
+
+Json::Value parse(const std::string& document) {
+  Json::Value root;
+  const std::unique_ptr<Json::CharReader> reader(Json::CharReaderBuilder().newCharReader());
+  try {
+    if (reader->parse(document.data(), document.data() + document.size(), &root, nullptr)) return root;
+  } catch (const Json::Exception&) {  // nested too deeply
+  }
+  return {};
+}
+
+std::string names_of(const Json::Value& regions) {
+  std::string names;
+  for (const Json::Value& region : regions) {
+    if (!region.isObject()) continue;
+    const std::string name = region["name"].isString() ? region["name"].asString() : "(no name)";
+    names += (names.empty() ? "" : ", ") + name;
+  }
+  return names;
+}
+
+std::string seconds(double value) {
+  return seconds_text(std::chrono::microseconds(std::int64_t(value * 1e6))) + " s";
+}
+
+}  // namespace
+
+std::vector<std::pair<std::string, std::string>> shown_settings(const std::string& document,
+                                                                const EventRules& rules) {
+  std::vector<std::pair<std::string, std::string>> shown{
+      {"Least length of an event", seconds(rules.min_event)},
+      {"Quiet that ends an event", seconds(rules.gap)}};
+  const Json::Value root = parse(document);
+  if (!root.isObject()) return shown;
+  for (const std::string& key : root.getMemberNames()) {
+    const Json::Value& value = root[key];
+    if (value.isArray()) {
+      if (std::string names = names_of(value); !names.empty()) shown.emplace_back(key, names);
+    } else if (!value.isObject()) {
+      shown.emplace_back(key, value.asString());
+    }
+  }
+  return shown;
+}
+
+}  // namespace lm::host
