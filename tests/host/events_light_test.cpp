@@ -1,0 +1,144 @@
+#include "host/events/light.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using namespace lm::host;
+using namespace std::chrono_literals;
+using std::chrono::microseconds;
+using Flags = std::vector<bool>;
+
+const cv::Size kSize(320, 180);
+const cv::Rect2d kAll(0, 0, 1, 1);
+const cv::Rect2d kLeft(0, 0, 0.5, 1);
+const cv::Rect2d kRight(0.5, 0, 0.5, 1);
+
+// Blocks of 6 pixels with grey values of 60 to 139; another picture for every seed.
+cv::Mat texture(std::uint32_t seed) {
+  cv::Mat image(kSize, CV_8UC3);
+  for (int y = 0; y < image.rows; ++y) {
+    for (int x = 0; x < image.cols; ++x) {
+      std::uint32_t value = seed * 7919U + static_cast<std::uint32_t>(y / 6 * 61 + x / 6);
+      value = (value ^ (value >> 7)) * 0x9E3779B1U;
+      const auto grey = static_cast<std::uint8_t>(60 + (value >> 16) % 80);
+      image.at<cv::Vec3b>(y, x) = {grey, grey, grey};
+    }
+  }
+  return image;
+}
+
+cv::Mat in_light(const cv::Mat& image, double gain, double offset, const cv::Rect2d& where = kAll) {
+  cv::Mat other = image.clone();
+  const cv::Rect part(static_cast<int>(where.x * kSize.width), 0, static_cast<int>(where.width * kSize.width),
+                      kSize.height);
+  cv::Mat area = other(part);
+  area.convertTo(area, -1, gain, offset);
+  return other;
+}
+
+class Light : public testing::Test {
+ protected:
+  // The next picture, 100 ms after the one before.
+  Observation see(const cv::Mat& image, const std::vector<cv::Rect2d>& boxes = {}) {
+    Observation seen;
+    seen.time = time_;
+    seen.boxes = boxes;
+    time_ += 100ms;
+    watch_.look(image, seen);
+    return seen;
+  }
+  Flags by_light(const cv::Mat& image, const std::vector<cv::Rect2d>& boxes) {
+    return see(image, boxes).by_light;
+  }
+
+  LightWatch watch_{Regions{}};
+  cv::Mat scene_ = texture(1);
+  microseconds time_{0};
+};
+
+struct LampCase {
+  const char* name;
+  double gain, offset;
+};
+
+class Lamp : public Light, public testing::WithParamInterface<LampCase> {};
+
+TEST_P(Lamp, MakesBoxesOfTheLight) {
+  see(scene_);
+  const Observation seen = see(in_light(scene_, GetParam().gain, GetParam().offset), {kAll});
+  EXPECT_EQ(seen.by_light, Flags{true});
+  ASSERT_TRUE(seen.light);
+  EXPECT_EQ(seen.light->after > seen.light->before, GetParam().offset > 0 || GetParam().gain > 1);
+  EXPECT_DOUBLE_EQ(seen.light->share, 1);
+}
+
+INSTANTIATE_TEST_SUITE_P(Is, Lamp,
+                         testing::Values(LampCase{"on", 1, 40}, LampCase{"off", 1, -40},
+                                         LampCase{"brighter", 1.5, 0}, LampCase{"darker", 0.5, 0}),
+                         [](const auto& test) { return test.param.name; });
+
+TEST_F(Light, KnowsThePicturesBrightness) {
+  EXPECT_DOUBLE_EQ(see(cv::Mat(kSize, CV_8UC3, cv::Scalar(90, 90, 90))).brightness, 90);
+}
+
+TEST_F(Light, SomethingBrightBeforeTheCameraIsNoLight) {
+  see(scene_);
+  EXPECT_EQ(by_light(in_light(texture(2), 1, 60), {kAll}), Flags{}) << "the texture is another";
+  EXPECT_EQ(by_light(cv::Mat(kSize, CV_8UC3, cv::Scalar(220, 220, 220)), {kAll}), Flags{}) << "there is none";
+}
+
+TEST_F(Light, NothingHappensInTheSameLight) {
+  see(scene_);
+  EXPECT_EQ(by_light(scene_, {kAll}), Flags{});
+  EXPECT_EQ(by_light(in_light(scene_, 1, 2), {kAll}), Flags{}) << "two grey levels are noise";
+}
+
+TEST_F(Light, SmallBoxesStayMotion) {
+  see(scene_);
+  EXPECT_EQ(by_light(in_light(scene_, 1, 40), {{0.1, 0.1, 0.2, 0.2}}), Flags{});
+}
+
+TEST_F(Light, BoxesBesideTheLitPartAreMotion) {
+  see(scene_);
+  EXPECT_EQ(by_light(in_light(scene_, 1, 40, kLeft), {kRight, kLeft}), (Flags{false, true}));
+}
+
+TEST_F(Light, LastsUntilThePluginIsUsedToIt) {
+  see(scene_);
+  const cv::Mat bright = in_light(scene_, 1, 40);
+  see(bright, {kAll});
+  for (int i = 0; i < 20; ++i) EXPECT_EQ(by_light(bright, {kAll}), Flags{true});
+  // The last comparison with the old light was 0.6 s in; 5 s later it is forgotten.
+  time_ += 5s;
+  EXPECT_EQ(by_light(bright, {kAll}), Flags{});
+}
+
+TEST_F(Light, MayChangeStepByStep) {
+  see(scene_);
+  Observation seen;
+  for (int step = 1; step <= 10; ++step) seen = see(in_light(scene_, 1, 5.0 * step), {kAll});
+  EXPECT_EQ(seen.by_light, Flags{true});
+  EXPECT_NEAR(seen.light->after - seen.light->before, 50, 0.5)
+      << "from before the first step to after the last";
+}
+
+TEST_F(Light, IsNotComparedAcrossAnInterruption) {
+  see(scene_);
+  watch_.forget();
+  EXPECT_EQ(by_light(in_light(scene_, 1, 40), {kAll}), Flags{});
+}
+
+TEST_F(Light, CountsWhereThePluginLooks) {
+  // Only the right half is watched, and its light stays.
+  LightWatch watch(Regions(R"({"roi": [{"points": [{"x": "0.5", "y": "0"}, {"x": "1", "y": "0"},
+                                                   {"x": "1", "y": "1"}, {"x": "0.5", "y": "1"}]}]})"));
+  Observation seen;
+  watch.look(scene_, seen);
+  seen.time = 100ms;
+  seen.boxes = {kAll};
+  watch.look(in_light(scene_, 1, 40, kLeft), seen);
+  EXPECT_EQ(seen.by_light, Flags{});
+}
+
+}  // namespace
