@@ -12,12 +12,17 @@ _lightmotion() {
         compgen -d -- "$word")
       ;;
     --out) mapfile -t COMPREPLY < <(compgen -d -- "$word") ;;
-    --jobs) ;;
+    --events)
+      mapfile -t COMPREPLY < <(for kind in json csv; do compgen -f -X "!*.$kind" -- "$word"; done
+        compgen -d -- "$word")
+      ;;
+    --jobs | --min-event | --gap | --pre | --post | --explain) ;;
     --shard) mapfile -t COMPREPLY < <(compgen -W slurm -- "$word") ;;
     -c | --config | -o | --output | --plugin) mapfile -t COMPREPLY < <(compgen -f -- "$word") ;;
     *)
       if [[ $word == -* ]]; then
         mapfile -t COMPREPLY < <(compgen -W '-c --config -o --output -a --annotate --plugin -q --quiet -v --verbose
+          --events --min-event --gap --pre --post --explain
           --out --jobs --shard --force
           -h --help' -- "$word")
       else

@@ -12,6 +12,12 @@ _lightmotion() {
     '(-c --config)'{-c,--config}'[configuration document]:document:_files -g "*.json"' \
     '(-o --output)'{-o,--output}'[file for the result lines]:file:_files' \
     '(-a --annotate)'{-a,--annotate}'[video with the boxes drawn]:video:_files -g "*.(mp4|mkv|mov)"' \
+    '--events[file for the events]:file:_files -g "*.(json|csv)"' \
+    '--min-event[shorter events do not count]:seconds:' \
+    '--gap[an event ends after so long without boxes]:seconds:' \
+    '--pre[shown before each event]:seconds:' \
+    '--post[shown after each event]:seconds:' \
+    '--explain[why there were boxes and events in a span of seconds]:FROM-TO:' \
     '--plugin[the plug-in, when it is not in its usual place]:library:_files' \
     '--out[folder for the results of many files]:folder:_files -/' \
     '--jobs[files worked on at a time]:number:' \

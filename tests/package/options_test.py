@@ -40,13 +40,13 @@ class Options(unittest.TestCase):
 
     def test_of_the_zsh_completion_are_those_of_the_help(self):
         text = COMPLETIONS["zsh"].read_text()
-        quoted = re.findall(r"(\{[^}]*\}|--\w+)'?\[", text.replace("'[", "["))
+        quoted = re.findall(r"(\{[^}]*\}|--[\w-]+)'?\[", text.replace("'[", "["))
         self.assertEqual(set(OPTION.findall(" ".join(quoted).replace("{", " ").replace(",", " "))), options_in_help())
 
     def test_of_the_fish_completion_are_those_of_the_help(self):
         text = COMPLETIONS["fish"].read_text()
         named = {"-" + name for name in re.findall(r" -s (\w)", text)}
-        named |= {"--" + name for name in re.findall(r" -l (\w+) ", text.replace("set -l", ""))}
+        named |= {"--" + name for name in re.findall(r" -l ([\w-]+) ", text.replace("set -l", ""))}
         self.assertEqual(named, options_in_help())
 
     def complete_in_bash(self, *words):
