@@ -1,6 +1,6 @@
 #include "host/mqtt/announcer.h"
 
-#include "host/mqtt/payload.h"
+#include "host/events/event_json.h"
 
 namespace lm::host::mqtt {
 
@@ -32,7 +32,7 @@ void Announcer::ended(const Event& event) {
 void Announcer::leave() { send_({MessageKind::kStanding, topics_.availability(), kOffline}); }
 
 void Announcer::say(MessageKind kind, const std::string& step, const Event& event) {
-  send_({kind, topics_.event(step), payload_of(event)});
+  send_({kind, topics_.event(step), event_json(event)});
   last_said_[event.id] = event.end;
 }
 

@@ -11,7 +11,6 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr std::size_t kCapacity = 1000;
-constexpr std::chrono::milliseconds kPatience = 5s;        // at the end of a run
 constexpr std::chrono::milliseconds kLittlePatience = 1s;  // where a run failed
 
 mqtt::Topics topics_of(const MqttOptions& options, const std::string& source) {
@@ -36,8 +35,10 @@ std::string count(std::int64_t number, const char* what) {
 
 }  // namespace
 
-MqttListener::MqttListener(const MqttOptions& options, const std::string& source)
-    : mailbox_(std::make_shared<mqtt::Mailbox>(kCapacity)),
+MqttListener::MqttListener(const MqttOptions& options, const std::string& source,
+                           std::chrono::milliseconds patience)
+    : patience_(patience),
+      mailbox_(std::make_shared<mqtt::Mailbox>(kCapacity)),
       announcer_(topics_of(options, source),
                  [this](mqtt::Message message) { mailbox_->push(std::move(message)); }) {
   const mqtt::Topics topics = topics_of(options, source);
@@ -58,7 +59,7 @@ MqttListener::~MqttListener() {
 void MqttListener::frame(const Frame&, const Observation&) { tell_news(); }
 
 void MqttListener::finish() {
-  leave(kPatience);
+  leave(patience_);
   tell_news();
   tell_losses();
 }

@@ -1,7 +1,9 @@
 // Tells a message bus what happens.
 #pragma once
 
+#include <chrono>
 #include <memory>
+#include <string>
 #include <thread>
 
 #include "host/events/listener.h"
@@ -15,8 +17,11 @@ namespace lm::host {
 // worth a warning and does not end the run.
 class MqttListener : public EventListener {
  public:
-  // `source`: as the user wrote it. Throws Failure (kRefused).
-  MqttListener(const MqttOptions& options, const std::string& source);
+  static constexpr std::chrono::milliseconds kPatience{5000};
+
+  // `source`: as the user wrote it. `patience`: how long finish() may take. Throws Failure (kRefused).
+  MqttListener(const MqttOptions& options, const std::string& source,
+               std::chrono::milliseconds patience = kPatience);
   ~MqttListener() override;
   MqttListener(const MqttListener&) = delete;
   MqttListener& operator=(const MqttListener&) = delete;
@@ -32,6 +37,7 @@ class MqttListener : public EventListener {
   void tell_news();
   void tell_losses();
 
+  std::chrono::milliseconds patience_;
   std::string broker_;  // for messages
   std::shared_ptr<mqtt::Mailbox> mailbox_;
   mqtt::Announcer announcer_;
