@@ -18,11 +18,16 @@ _lightmotion() {
       ;;
     --jobs | --min-event | --gap | --pre | --post | --explain) ;;
     --shard) mapfile -t COMPREPLY < <(compgen -W slurm -- "$word") ;;
-    -c | --config | -o | --output | --plugin) mapfile -t COMPREPLY < <(compgen -f -- "$word") ;;
+    --progress) mapfile -t COMPREPLY < <(compgen -W 'bar json none' -- "$word") ;;
+    --mqtt | --mqtt-camera | --mqtt-discovery) ;;
+    -c | --config | -o | --output | --plugin | --mqtt-password-file | --mqtt-ca)
+      mapfile -t COMPREPLY < <(compgen -f -- "$word")
+      ;;
     *)
       if [[ $word == -* ]]; then
         mapfile -t COMPREPLY < <(compgen -W '-c --config -o --output -a --annotate --plugin -q --quiet -v --verbose
           --events --min-event --gap --pre --post --explain
+          --mqtt --mqtt-camera --mqtt-password-file --mqtt-ca --mqtt-discovery --progress
           --out --jobs --shard --force
           -h --help' -- "$word")
       else

@@ -23,6 +23,12 @@ _lightmotion() {
     '--jobs[files worked on at a time]:number:' \
     '--shard[only every Nth file from the Ith on]:I/N:(slurm)' \
     '--force[files that are done are done again]' \
+    '--mqtt[broker to tell events to]:address:' \
+    '--mqtt-camera[name of the camera in topics]:name:' \
+    '--mqtt-password-file[file that holds the password]:file:_files' \
+    '--mqtt-ca[certificates to trust]:file:_files' \
+    '--mqtt-discovery[where home-automation software looks for devices]:topic:' \
+    '--progress[how progress is told]:mode:(bar json none)' \
     '(-q --quiet)'{-q,--quiet}'[no progress bar and no summary]' \
     '(-v --verbose)'{-v,--verbose}'[show what the plug-in and the decoder log]' \
     '(- *)'{-h,--help}'[print a help message and exit]' \
