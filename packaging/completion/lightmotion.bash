@@ -16,6 +16,7 @@ _lightmotion() {
       mapfile -t COMPREPLY < <(for kind in json csv; do compgen -f -X "!*.$kind" -- "$word"; done
         compgen -d -- "$word")
       ;;
+    --fps | --scale | --max-gap | --timeout | --reconnect) ;;
     --jobs | --min-event | --gap | --pre | --post | --explain) ;;
     --shard) mapfile -t COMPREPLY < <(compgen -W slurm -- "$word") ;;
     --progress) mapfile -t COMPREPLY < <(compgen -W 'bar json none' -- "$word") ;;
@@ -28,6 +29,7 @@ _lightmotion() {
         mapfile -t COMPREPLY < <(compgen -W '-c --config -o --output -a --annotate --plugin -q --quiet -v --verbose
           --events --min-event --gap --pre --post --explain
           --mqtt --mqtt-camera --mqtt-password-file --mqtt-ca --mqtt-discovery --progress
+          --fps --scale --max-gap --timeout --reconnect
           --out --jobs --shard --force
           -h --help' -- "$word")
       else

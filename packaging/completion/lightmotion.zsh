@@ -19,6 +19,11 @@ _lightmotion() {
     '--post[shown after each event]:seconds:' \
     '--explain[why there were boxes and events in a span of seconds]:FROM-TO:' \
     '--plugin[the plug-in, when it is not in its usual place]:library:_files' \
+    '--fps[analyse at most so many frames a second]:number:' \
+    '--scale[analyse smaller frames]:factor or size:' \
+    '--max-gap[report frames that lie further apart]:seconds:' \
+    '--timeout[how long to wait for a camera or a network]:seconds:' \
+    '--reconnect[how long to try to get a lost live source back]:seconds:' \
     '--out[folder for the results of many files]:folder:_files -/' \
     '--jobs[files worked on at a time]:number:' \
     '--shard[only every Nth file from the Ith on]:I/N:(slurm)' \
