@@ -13,10 +13,10 @@ namespace lm::host {
 
 // An empty text: not given.
 struct MqttOptions {
-  std::string address;                      // of mqtt::parse_address; no message bus when empty
-  std::string camera;                       // its name in topics; made from the source when empty
-  std::string password_file;                // holds the password in its first line
-  std::string authorities;                  // certificates that an encrypted connection trusts
+  std::string address{};                    // of mqtt::parse_address; no message bus when empty
+  std::string camera{};                     // its name in topics; made from the source when empty
+  std::string password_file{};              // holds the password in its first line
+  std::string authorities{};                // certificates that an encrypted connection trusts
   std::string discovery = "homeassistant";  // topic that home-automation software watches
 };
 

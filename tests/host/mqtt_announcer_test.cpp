@@ -1,0 +1,128 @@
+// What is said about events, and when.
+#include "host/mqtt/announcer.h"
+
+#include <gtest/gtest.h>
+#include <json/json.h>
+
+#include <sstream>
+
+namespace {
+
+using namespace lm::host;
+using namespace lm::host::mqtt;
+using namespace std::chrono_literals;
+using Lines = std::vector<std::string>;
+
+Json::Value parsed(const std::string& text) {
+  Json::Value value;
+  std::istringstream(text) >> value;
+  return value;
+}
+
+Event event(const std::string& id, std::chrono::microseconds end, EventKind kind = EventKind::kMotion) {
+  Event made;
+  made.id = id;
+  made.kind = kind;
+  made.end = end;
+  return made;
+}
+
+// Messages as "topic=payload", events by their id.
+class AnnouncerTest : public testing::Test {
+ protected:
+  Lines said() {
+    Lines lines;
+    for (const Message& message : messages_) {
+      const Json::Value value =
+          message.payload.starts_with('{') ? parsed(message.payload)["id"] : Json::Value();
+      lines.push_back(message.topic + "=" + (value.isString() ? value.asString() : message.payload));
+    }
+    messages_.clear();
+    return lines;
+  }
+
+  std::vector<Message> messages_;
+  Announcer announcer_{Topics("p", "cam"),
+                       [this](Message message) { messages_.push_back(std::move(message)); }};
+};
+
+TEST_F(AnnouncerTest, SaysThatItIsThereAndThatNothingMoves) {
+  announcer_.introduce("");
+  EXPECT_EQ(said(), (Lines{"p/cam/availability=online", "p/cam/motion=OFF"}));
+  announcer_.leave();
+  EXPECT_EQ(said(), (Lines{"p/cam/availability=offline"}));
+}
+
+TEST_F(AnnouncerTest, TellsTheLifeOfAnEvent) {
+  announcer_.begun(event("a", 2s));
+  announcer_.changed(event("a", 3s));
+  announcer_.ended(event("a", 3s));
+  EXPECT_EQ(said(), (Lines{"p/cam/event/new=a", "p/cam/motion=ON", "p/cam/event/update=a",
+                           "p/cam/event/end=a", "p/cam/motion=OFF"}));
+}
+
+TEST_F(AnnouncerTest, HasStatesRetainedAndDropsUpdatesFirst) {
+  announcer_.begun(event("a", 2s));
+  announcer_.changed(event("a", 3s));
+  ASSERT_EQ(messages_.size(), 3U);
+  EXPECT_EQ(messages_[0].kind, MessageKind::kMilestone);
+  EXPECT_EQ(messages_[1].kind, MessageKind::kStanding);
+  EXPECT_EQ(messages_[2].kind, MessageKind::kUpdate);
+}
+
+TEST_F(AnnouncerTest, UpdatesOnceASecondOfTheSourceAtMost) {
+  announcer_.begun(event("a", 10s));
+  said();
+  for (const auto time : {10'040ms, 10'999ms, 11'000ms, 11'900ms, 12'100ms, 13'000ms, 13'100ms})
+    announcer_.changed(event("a", time));
+  // At 11.0, then a second after 11.0 or later: 12.1, then 13.1.
+  ASSERT_EQ(messages_.size(), 3U);
+  const auto end = [this](std::size_t i) { return parsed(messages_[i].payload)["end"].asDouble(); };
+  EXPECT_DOUBLE_EQ(end(0), 11.0);
+  EXPECT_DOUBLE_EQ(end(1), 12.1);
+  EXPECT_DOUBLE_EQ(end(2), 13.1);
+}
+
+TEST_F(AnnouncerTest, CountsTheSecondForEachEventByItself) {
+  announcer_.begun(event("a", 10s));
+  announcer_.begun(event("b", 10'500ms, EventKind::kLight));
+  said();
+  announcer_.changed(event("a", 11s));
+  announcer_.changed(event("b", 11s, EventKind::kLight));
+  EXPECT_EQ(said(), (Lines{"p/cam/event/update=a"}));
+}
+
+TEST_F(AnnouncerTest, AChangeOfLightIsToldButIsNoMotion) {
+  announcer_.begun(event("light", 1s, EventKind::kLight));
+  announcer_.ended(event("light", 1s, EventKind::kLight));
+  EXPECT_EQ(said(), (Lines{"p/cam/event/new=light", "p/cam/event/end=light"}));
+}
+
+TEST_F(AnnouncerTest, MotionIsOverWhenTheLastEventOfItIs) {
+  announcer_.begun(event("a", 1s));
+  announcer_.begun(event("b", 1s));
+  said();
+  announcer_.ended(event("a", 2s));
+  EXPECT_EQ(said(), (Lines{"p/cam/event/end=a"}));
+  announcer_.ended(event("b", 2s));
+  EXPECT_EQ(said(), (Lines{"p/cam/event/end=b", "p/cam/motion=OFF"}));
+}
+
+TEST_F(AnnouncerTest, IntroducesItselfToHomeAutomation) {
+  announcer_.introduce("homeassistant");
+  ASSERT_EQ(messages_.size(), 3U);
+  EXPECT_EQ(messages_[0].kind, MessageKind::kStanding);
+  EXPECT_EQ(messages_[0].topic, "homeassistant/binary_sensor/p_cam/config");
+  const Json::Value sensor = parsed(messages_[0].payload);
+  EXPECT_EQ(sensor["unique_id"], "p_cam");
+  EXPECT_EQ(sensor["device_class"], "motion");
+  EXPECT_EQ(sensor["state_topic"], "p/cam/motion");
+  EXPECT_EQ(sensor["payload_on"], "ON");
+  EXPECT_EQ(sensor["payload_off"], "OFF");
+  EXPECT_EQ(sensor["availability_topic"], "p/cam/availability");
+  EXPECT_EQ(sensor["payload_available"], "online");
+  EXPECT_EQ(sensor["payload_not_available"], "offline");
+  EXPECT_EQ(sensor["device"]["name"], "cam");
+}
+
+}  // namespace
