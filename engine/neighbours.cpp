@@ -51,7 +51,8 @@ std::vector<int> neighbourDistances(const std::vector<pnt>& offsets, std::int32_
 NeighbourDistances::NeighbourDistances(const kAMBLE& engine, const std::vector<int>& distances) {
   const std::size_t width = countOf(engine.szImgX);
   const std::size_t rows = width == 0 ? 0 : countOf(engine.numPixel) / width;
-  const bool roomForABlock = width >= blockPixels + 2 * reach && rows > 2 * reach;
+  constexpr std::size_t margins = 2 * std::size_t{reach};
+  const bool roomForABlock = width >= blockPixels + margins && rows > margins;
   if (distances.empty() || distances.size() != countOf(engine.numNbr) || !roomForABlock) return;
   distances_ = distances.data();
   width_ = static_cast<std::uint32_t>(width);

@@ -23,6 +23,7 @@ template <typename T>
   constexpr size_t ahead = 64 * lm::blockPixels;
   const auto address = reinterpret_cast<std::uintptr_t>(plane) + (begin + ahead) * sizeof(T);
   for (size_t at = 0; at < lm::blockPixels * sizeof(T); at += 64) {
+    // A number, because a pointer must not leave its array. NOLINTNEXTLINE(performance-no-int-to-ptr)
     _mm_prefetch(reinterpret_cast<const char*>(address + at), _MM_HINT_T1);
   }
 }
@@ -322,7 +323,8 @@ struct Matcher {
   }
   std::uint32_t matched = lanesThatMatch(a) | lanesThatMatch(b) << second | lanesThatMatch(c) << third;
   for (; matched != 0 && needed > 0; matched &= matched - 1) {
-    const std::uint32_t distance = matcher.distance(samples + 4 * __builtin_ctz(matched), pixel);
+    const std::uint32_t distance =
+        matcher.distance(samples + 4 * static_cast<size_t>(__builtin_ctz(matched)), pixel);
     if (distance < nearest) nearest = distance;
     --needed;
   }
