@@ -66,7 +66,7 @@ void draw_overlay(cv::Mat& image, const std::vector<cv::Rect2d>& boxes, const st
     const cv::Rect pixels = pixels_of(box, image.size());
     if (!pixels.empty()) draw_box(image, pixels, line_width(image.size()));
   }
-  draw_caption(image, caption);
+  if (!caption.empty()) draw_caption(image, caption);
 }
 
 }  // namespace lm::host
