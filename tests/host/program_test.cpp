@@ -124,7 +124,7 @@ TEST(Program, SumsUpOnStandardErrorUnlessQuiet) {
 TEST(Program, ShowsAProgressBarOnATerminalAndTakesItAway) {
   int terminal = -1;
   int other = -1;
-  const winsize size{24, 60, 0, 0};
+  const winsize size{24, 80, 0, 0};
   ASSERT_EQ(openpty(&terminal, &other, nullptr, nullptr, &size), 0);
   setenv("TERM", "xterm", 1);
   const int nowhere = open("/dev/null", O_WRONLY);
