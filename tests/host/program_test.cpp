@@ -115,7 +115,7 @@ TEST(Program, SumsUpOnStandardErrorUnlessQuiet) {
   const Outcome outcome = run_fake({"-o", "/dev/null"});
   EXPECT_NE(outcome.errors.find("built-in scene: 500 frames, 20.0 s of video in "), std::string::npos)
       << outcome.errors;
-  EXPECT_NE(outcome.errors.find("motion in 450 frames, listed in /dev/null"), std::string::npos);
+  EXPECT_NE(outcome.errors.find("motion in 450 frames, 1 event, listed in /dev/null"), std::string::npos);
   EXPECT_EQ(outcome.errors.find('\r'), std::string::npos) << "no progress bar without a terminal";
   const Folder folder;
   EXPECT_EQ(run_fake({short_clip(folder), "-o", "/dev/null", "--quiet"}).errors, "");
