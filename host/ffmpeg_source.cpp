@@ -91,8 +91,7 @@ bool FfmpegSource::gives_up() const {
 }
 
 std::string FfmpegSource::error_text(int code) const {
-  return code == AVERROR_EXIT && deadline_.passed() ? "no data for " + seconds_text(reading_.timeout) + " s"
-                                                    : av::error_text(code);
+  return deadline_.passed() ? "no data for " + seconds_text(reading_.timeout) + " s" : av::error_text(code);
 }
 
 void FfmpegSource::open_input() {
@@ -109,7 +108,8 @@ void FfmpegSource::open_input() {
   const int opened = avformat_open_input(&input, address_of(info_.name).c_str(), format, &settings);
   av_dict_free(&settings);
   // The context is gone already when opening failed.
-  if (opened == AVERROR_INVALIDDATA) fail(info_.name, "not a video, or one too damaged to be read");
+  if (opened == AVERROR_INVALIDDATA && !deadline_.passed())
+    fail(info_.name, "not a video, or one too damaged to be read");
   if (opened < 0) fail(info_.name, error_text(opened));
   input_.reset(input);
   start_deadline();

@@ -1,0 +1,137 @@
+// Reconnection, with connections, a clock and chance of the tests' own.
+#include "host/live/live_source.h"
+
+#include <gtest/gtest.h>
+
+#include <deque>
+
+#include "host/failure.h"
+
+namespace {
+
+using namespace lm::host;
+using namespace std::chrono_literals;
+using Time = std::chrono::microseconds;
+
+// Gives its frames 40 ms apart, each once the one before it was taken, and then ends.
+class Connection : public Source {
+ public:
+  Connection(int frames, std::string trouble) : left_(frames), trouble_(std::move(trouble)) {
+    info_.name = "camera";
+    info_.live = true;
+  }
+  const SourceInfo& info() const override { return info_; }
+  bool next(Frame& frame) override {
+    if (left_-- == 0) return false;
+    frame = {};
+    frame.time = number_ * Time(40ms);
+    frame.number = number_++;
+    return true;
+  }
+  std::string trouble() const override { return trouble_; }
+
+ private:
+  SourceInfo info_;
+  int left_;
+  int number_ = 0;
+  std::string trouble_;
+};
+
+// What happens at each attempt to connect: so many frames, or a refusal.
+struct Attempt {
+  int frames;
+  std::string text;  // of the connection's trouble, or of the refusal when there are no frames
+};
+
+struct Watched {
+  std::vector<Frame> frames;
+  std::vector<std::string> messages;
+  std::vector<std::chrono::milliseconds> waits;
+  std::string trouble;
+  SourceCounts counts;
+};
+
+// Waits pass at once and move the clock. Frames may be dropped, so each connection has a single one.
+Watched watch(std::deque<Attempt> attempts, std::optional<Time> patience) {
+  Watched watched;
+  Deadline::Clock::time_point now{};
+  LiveSource::Surroundings surroundings;
+  surroundings.now = [&] { return now; };
+  surroundings.wait = [&](std::chrono::milliseconds time, std::stop_token) {
+    watched.waits.push_back(time);
+    now += time;
+  };
+  surroundings.chance = [] { return 1.0; };
+  const auto connect = [&]() -> std::unique_ptr<Source> {
+    const Attempt attempt = attempts.front();
+    if (attempts.size() > 1) attempts.pop_front();
+    if (attempt.frames == 0) throw Failure(kTrouble, "camera: " + attempt.text);
+    return std::make_unique<Connection>(attempt.frames, attempt.text);
+  };
+  LiveSource source(connect(), connect, patience, std::stop_source(), surroundings);
+  source.tell([&](const std::string& text) { watched.messages.push_back(text); });
+  for (Frame frame; source.next(frame);) watched.frames.push_back(frame);
+  watched.trouble = source.trouble();
+  watched.counts = source.counts();
+  return watched;
+}
+
+// Half a second, one, two and four are waited; then eight more would be longer than ten in all.
+TEST(LiveSource, TriesAgainMoreAndMoreSeldomUntilItsPatienceEnds) {
+  const Watched watched = watch({{1, "broken"}, {0, "refused"}}, 10s);
+  EXPECT_EQ(watched.waits, (std::vector{500ms, 1000ms, 2000ms, 4000ms}));
+  EXPECT_EQ(watched.frames.size(), 1U);
+  EXPECT_EQ(watched.trouble, "connection lost for good: refused");
+  EXPECT_EQ(watched.messages, (std::vector<std::string>{"connection lost: broken", "still away: refused"}))
+      << "the same refusal is told once";
+}
+
+TEST(LiveSource, NeverTriesAgainWithoutPatience) {
+  const Watched watched = watch({{1, ""}, {1, ""}}, 0s);
+  EXPECT_TRUE(watched.waits.empty());
+  EXPECT_EQ(watched.trouble, "connection lost for good: the stream ended");
+}
+
+TEST(LiveSource, StartsAnewAfterALossAndSaysSo) {
+  const Watched watched = watch({{1, "broken"}, {0, "refused"}, {3, "again"}, {0, "refused"}}, 10s);
+  EXPECT_EQ(watched.counts.reconnections, 1);
+  EXPECT_EQ(watched.counts.away, 1500ms);  // 0.5 and 1 s waited
+  EXPECT_EQ(watched.counts.frames, 4);
+  // Whoever is dropped, what it had to tell goes to the next.
+  int anew = 0;
+  for (const Frame& frame : watched.frames) {
+    anew += frame.anew ? 1 : 0;
+    EXPECT_EQ(frame.anew, frame.note == "restarted: broken; 1.500 s without pictures") << frame.note;
+  }
+  EXPECT_EQ(anew, 1);
+}
+
+// Frame 0 at 0 s; 1.5 s later the second connection's frames 1, 2, 3, of which the last cannot be dropped.
+TEST(LiveSource, CountsTimeAndFramesOverALoss) {
+  const Watched watched = watch({{1, "broken"}, {0, "refused"}, {3, "again"}, {0, "refused"}}, 10s);
+  ASSERT_FALSE(watched.frames.empty());
+  EXPECT_EQ(watched.frames.back().number, 3);
+  EXPECT_EQ(watched.frames.back().time, 1580ms);
+}
+
+TEST(LiveSource, CountsEveryFrameAsHandedOutOrDropped) {
+  const Watched watched = watch({{500, ""}, {0, "refused"}}, 0s);
+  EXPECT_EQ(watched.counts.frames, 500);
+  EXPECT_EQ(static_cast<std::int64_t>(watched.frames.size()) + watched.counts.dropped, 500);
+  EXPECT_EQ(watched.frames.back().number, 499);
+}
+
+TEST(LiveSource, EndsAtOnceWhileItIsAway) {
+  const auto connect = [] { return std::make_unique<Connection>(1, "broken"); };
+  const std::stop_source stop;
+  {
+    LiveSource::Surroundings surroundings;  // of the real ones: a wait for ever, but for the end
+    surroundings.chance = [] { return 1e9; };
+    LiveSource source(connect(), connect, std::nullopt, stop, surroundings);
+    Frame frame;
+    ASSERT_TRUE(source.next(frame));
+  }
+  EXPECT_TRUE(stop.stop_requested());
+}
+
+}  // namespace
