@@ -62,9 +62,11 @@ double part_over(const Cells& cells, const cv::Rect2d& box) {
   for (std::size_t i = 0; i < cells.size(); ++i) {
     if (!cells[i]) continue;
     const int number = static_cast<int>(i);
-    const cv::Rect2d place(static_cast<double>(number % LightWatch::kAcross) / LightWatch::kAcross,
-                           static_cast<double>(number / LightWatch::kAcross) / LightWatch::kDown,
-                           1.0 / LightWatch::kAcross, 1.0 / LightWatch::kDown);
+    const int row = number / LightWatch::kAcross;
+    const int column = number % LightWatch::kAcross;
+    const cv::Rect2d place(static_cast<double>(column) / LightWatch::kAcross,
+                           static_cast<double>(row) / LightWatch::kDown, 1.0 / LightWatch::kAcross,
+                           1.0 / LightWatch::kDown);
     area += (inside & place).area();
   }
   return inside.empty() ? 0 : area / inside.area();
@@ -75,7 +77,9 @@ double part_over(const Cells& cells, const cv::Rect2d& box) {
 LightWatch::LightWatch(const Regions& regions) {
   for (std::size_t i = 0; i < kCells; ++i) {
     const int number = static_cast<int>(i);
-    watched_[i] = regions.watched({(number % kAcross + 0.5) / kAcross, (number / kAcross + 0.5) / kDown});
+    const int row = number / kAcross;
+    const int column = number % kAcross;
+    watched_[i] = regions.watched({(column + 0.5) / kAcross, (row + 0.5) / kDown});
   }
   if (watched_.none()) watched_.set();
 }

@@ -33,7 +33,7 @@ class LightWatch {
   static constexpr int kDown = 9;
 
  private:
-  static constexpr std::size_t kCells = kAcross * kDown;
+  static constexpr std::size_t kCells = std::size_t{kAcross} * kDown;
   using Cells = std::bitset<kCells>;
 
   struct Look {
