@@ -14,7 +14,7 @@ constexpr std::array<std::string_view, 6> kOwn{"--out",   "--jobs",    "--shard"
                                                "--force", "--figures", "--progress"};
 constexpr std::array<std::string_view, 7> kOutputs{"--output",    "--annotate", "--events", "--heatmap",
                                                    "--snapshots", "--clips",    "--report"};
-constexpr std::array<std::string_view, 2> kTaken{"run.json", "messages.txt"};
+constexpr std::array<std::string_view, 3> kTaken{"run.json", "messages.txt", "figures.json"};
 
 bool contains(const auto& words, std::string_view word) {
   return std::ranges::find(words, word) != words.end();
@@ -34,7 +34,10 @@ std::vector<std::string> given_options(const CLI::App& run) {
     const std::string name = option->get_name();
     if (option->count() == 0 || option->get_positional() || contains(kOwn, name)) continue;
     const bool flag = option->get_items_expected_max() == 0;
-    for (const std::string& value : option->results()) arguments.push_back(flag ? name : name + "=" + value);
+    for (const std::string& value : option->results()) {
+      arguments.push_back(name);
+      if (!flag) arguments.back().append("=").append(value);
+    }
   }
   return arguments;
 }
@@ -45,8 +48,8 @@ std::string misplaced_output(const std::vector<std::string>& arguments) {
     const auto [name, value] = parts(argument);
     const bool plain =
         !value.empty() && value.find('/') == std::string::npos && value != "." && value != "..";
-    if (!plain) return name + " names a file in each file's results with --out, without a folder";
-    if (contains(kTaken, value)) return name + ": the results have a " + value + " already";
+    if (!plain) return name + " with --out takes a plain name, without a folder";
+    if (contains(kTaken, value)) return value + " among the results is the archive's own";
   }
   return "";
 }

@@ -67,10 +67,9 @@ class Expansion {
   }
 
   std::vector<ArchiveFile> sorted() {
-    const auto path = [](const ArchiveFile& file) { return std::string_view(file.path); };
-    std::ranges::stable_sort(files_, {}, path);
-    const auto repeated = std::ranges::unique(files_, {}, path);
-    files_.erase(repeated.begin(), repeated.end());
+    std::ranges::stable_sort(files_, {}, &ArchiveFile::path);
+    const auto same = [](const ArchiveFile& a, const ArchiveFile& b) { return a.path == b.path; };
+    files_.erase(std::unique(files_.begin(), files_.end(), same), files_.end());
     return std::move(files_);
   }
 

@@ -6,10 +6,14 @@
 //   "fake": "chatter"      ... prints on standard output and accepts
 //   "fake": "log"          ... writes to the host's log and accepts
 //   "fake": "frame throws" the fifth frame throws
+//   "fake": "frame dies"   ... ends the process
+//   "fake": "frame waits"  ... waits for a signal
 // It reports one box on every frame but the first and every tenth. The numbers of the box are texts that no
 // conversion to and from a double would leave as they are.
 #include <json/json.h>
+#include <unistd.h>
 
+#include <csignal>
 #include <cstdio>
 #include <cstring>
 #include <sstream>
@@ -49,6 +53,8 @@ bool initialization(const char* config) {
 int frameProc(const unsigned char* frame, const char* timestamp, int* resultLen) {
   if (!standing) return 0;
   if (frames == 0) std::fprintf(stderr, "W, H, Pixels = a line for developers\n");
+  if (behaviour == "frame dies" && frames == 4) std::raise(SIGKILL);
+  if (behaviour == "frame waits" && frames == 4) pause();
   if (behaviour == "frame throws" && frames == 4) throw std::out_of_range("stoll");
   result.clear();
   if (frames % 10 != 0) {
