@@ -1,0 +1,262 @@
+// The page of a report: texts, timeline, limits and markup.
+#include <gtest/gtest.h>
+
+#include <regex>
+#include <stdexcept>
+
+#include "host/report/activity.h"
+#include "host/report/markup.h"
+#include "host/report/page.h"
+#include "host/report/report_page.h"
+#include "host/report/settings.h"
+#include "host/report/shown_size.h"
+#include "host/report/timeline.h"
+#include "tests/host/program.h"
+
+namespace {
+
+using namespace lm::host;
+using namespace std::chrono_literals;
+using program::Folder;
+
+constexpr const char* kHostile = "<script>\"&'</script>";
+constexpr const char* kHarmless = "&lt;script&gt;&quot;&amp;&#39;&lt;/script&gt;";
+
+std::size_t count(const std::string& text, const std::string& what) {
+  std::size_t found = 0;
+  for (std::size_t at = 0; (at = text.find(what, at)) != std::string::npos; at += what.size()) ++found;
+  return found;
+}
+
+PageData page_data() {
+  PageData data;
+  data.source = kHostile;
+  data.frame = {64, 48};
+  data.rate = 25;
+  data.frames = 500;
+  data.frames_with_motion = 100;
+  data.length = 20s;
+  data.work = 2s;
+  data.heat = "heat";
+  data.heat_highest = 0.5;
+  data.settings = {{kHostile, kHostile}};
+  data.made = kHostile;
+  for (const EventKind kind : {EventKind::kMotion, EventKind::kLight}) {
+    PageEvent shown;
+    shown.event.kind = kind;
+    shown.event.start = 5s;
+    shown.event.end = 7500ms;
+    shown.event.regions = {kHostile};
+    shown.event.started = shown.event.ended = kHostile;
+    shown.picture = "picture";
+    data.events.push_back(shown);
+  }
+  return data;
+}
+
+// Every element that is opened is closed, in order, and nothing stands outside.
+void expect_balanced(const std::string& html) {
+  std::vector<std::string> open;
+  const std::string body = html.substr(html.find('>') + 1);  // behind the document type
+  const std::regex tag("<(/?)([a-z][a-z0-9]*)((?:[^>\"]|\"[^\"]*\")*)>");
+  const std::vector<std::string> empty{"meta", "img", "input", "polygon"};
+  std::smatch found;
+  for (auto at = body.cbegin(); std::regex_search(at, body.cend(), found, tag); at = found[0].second) {
+    const std::string name = found[2];
+    if (found[1].length() > 0) {
+      ASSERT_FALSE(open.empty()) << name;
+      ASSERT_EQ(open.back(), name);
+      open.pop_back();
+    } else if (std::find(empty.begin(), empty.end(), name) == empty.end()) {
+      open.push_back(name);
+    }
+  }
+  EXPECT_TRUE(open.empty()) << open.back();
+}
+
+TEST(Markup, ShowsEveryTextAsItIs) {
+  EXPECT_EQ(escaped(kHostile), kHarmless);
+  EXPECT_EQ(escaped("a\tb\nc"), "a b c");
+  EXPECT_EQ(escaped("Straße 3 – 漢字 😀"), "Straße 3 – 漢字 😀");
+}
+
+TEST(Markup, ReplacesWhatIsNoText) {
+  const std::string gap = "\xef\xbf\xbd";
+  EXPECT_EQ(escaped(std::string("a\0b", 3)), "a" + gap + "b");
+  EXPECT_EQ(escaped("\x1b[1m"), gap + "[1m");
+  EXPECT_EQ(escaped("\xff<"), gap + "&lt;");
+  EXPECT_EQ(escaped("\xc3"), gap) << "half a character";
+  EXPECT_EQ(escaped("\xc0\xbc"), gap + gap) << "a longer way to write '<'";
+  EXPECT_EQ(escaped("\xed\xa0\x80"), gap + gap + gap) << "half of a pair";
+}
+
+TEST(Markup, FillsPlaceholders) {
+  const Values values{{"a", "<"}, {"b", "{{a}}"}};
+  EXPECT_EQ(fill("x{{a}}y{{{a}}}z", values), "x&lt;y<z");
+  EXPECT_EQ(fill("{{b}}", values), "{{a}}") << "what was put in is not looked at again";
+  EXPECT_THROW(fill("{{c}}", values), std::logic_error);
+  EXPECT_THROW(fill("{{a", values), std::logic_error);
+}
+
+// "Man" is TWFu.
+TEST(Markup, PicturesBecomePartOfThePage) {
+  EXPECT_EQ(data_uri("Man"), "data:image/jpeg;base64,TWFu");
+  EXPECT_EQ(data_uri("Ma"), "data:image/jpeg;base64,TWE=");
+}
+
+TEST(Page, IsWellFormedAndNeedsNothingElse) {
+  const std::string html = render_page(page_data());
+  expect_balanced(html);
+  EXPECT_EQ(html.find("http"), std::string::npos);
+  EXPECT_EQ(html.find("url("), std::string::npos);
+  EXPECT_EQ(html.find("{{"), std::string::npos);
+  EXPECT_EQ(count(html, "<img "), count(html, " src=\"data:image/jpeg;base64,"));
+  EXPECT_EQ(count(html, "<img "), count(html, " alt=\""));
+}
+
+// The title stands twice; the name and the value of the setting, what made the page; of each event the region
+// and both sentences.
+TEST(Page, HasNoMarkupOfTheOutside) {
+  const std::string html = render_page(page_data());
+  EXPECT_EQ(html.find("<script"), std::string::npos);
+  EXPECT_EQ(count(html, kHarmless), 2U + 2 + 1 + 2 * 3);
+}
+
+TEST(Page, TellsTheFigures) {
+  const std::string html = render_page(page_data());
+  for (const char* text :
+       {"<dd>2<small>1 of motion, 1 of light</small>", "<dd>2.5 s<small>12 % of the video</small>",
+        "<dd>20.0 s<small>500 frames, 100 with boxes</small>",
+        "<dd>250 fps<small>10 × real time, 2.0 s</small>", "64 × 48 pixels, 25 frames a second"}) {
+    EXPECT_NE(html.find(text), std::string::npos) << text;
+  }
+}
+
+TEST(Page, SaysWhatItLeavesOut) {
+  PageData data = page_data();
+  data.events[1].picture.clear();
+  data.more_events = 7;
+  const std::string html = render_page(data);
+  EXPECT_NE(html.find("1 event has no picture"), std::string::npos) << html;
+  EXPECT_NE(html.find("7 later events are not listed"), std::string::npos);
+  EXPECT_NE(html.find("<dd>9<small>"), std::string::npos) << "the headline counts them";
+}
+
+TEST(Page, WithoutEventsSaysSo) {
+  PageData data = page_data();
+  data.events.clear();
+  const std::string html = render_page(data);
+  expect_balanced(html);
+  EXPECT_NE(html.find("Nothing that counts as an event was found."), std::string::npos);
+}
+
+// From 5 to 7.5 seconds of 20: a quarter from the left, an eighth wide.
+TEST(Timeline, PlacesEventsByTheirTimes) {
+  const std::string html = timeline(page_data());
+  EXPECT_EQ(count(html, "left:min(25.00%,100% - 4px);width:12.50%"), 2U);
+  EXPECT_NE(html.find("aria-label=\"Event 1, motion, 0:05 to 0:07\""), std::string::npos);
+  EXPECT_NE(html.find("href=\"#event-2\""), std::string::npos);
+  EXPECT_NE(render_page(page_data()).find("<li id=\"event-2\" class=\"light\""), std::string::npos);
+}
+
+TEST(Timeline, HasRoundTimesOnItsAxis) {
+  using Times = std::vector<std::chrono::microseconds>;
+  EXPECT_EQ(axis_times(20s, 9), (Times{0s, 5s, 10s, 15s, 20s}));
+  EXPECT_EQ(axis_times(500ms, 9), (Times{0s}));
+  EXPECT_EQ(axis_times(80s, 9), (Times{0s, 10s, 20s, 30s, 40s, 50s, 60s, 70s, 80s}));
+  EXPECT_EQ(axis_times(30h, 9).size(), 6U) << "every six hours";
+  EXPECT_LE(axis_times(1000h, 9).size(), 9U);
+}
+
+TEST(Activity, KeepsTheLargestShareOfEachSpan) {
+  Activity activity;
+  activity.add(0ms, EventKind::kMotion, 0.1);
+  activity.add(90ms, EventKind::kMotion, 0.3);
+  activity.add(100ms, EventKind::kMotion, 0.2);
+  activity.add(200ms, EventKind::kLight, 0.9);
+  EXPECT_EQ(activity.shares(EventKind::kMotion), (std::vector<double>{0.3, 0.2}));
+  EXPECT_EQ(activity.shares(EventKind::kLight), (std::vector<double>{0, 0, 0.9}));
+}
+
+// 800 spans of a tenth of a second last 80 seconds; at 80 seconds they become fifths.
+TEST(Activity, TakesTheSameRoomHoweverLongTheVideo) {
+  Activity activity;
+  activity.add(100ms, EventKind::kMotion, 0.5);
+  activity.add(79'900ms, EventKind::kMotion, 0.4);
+  EXPECT_EQ(activity.span(), 100ms);
+  activity.add(80s, EventKind::kMotion, 0.6);
+  EXPECT_EQ(activity.span(), 200ms);
+  const auto& shares = activity.shares(EventKind::kMotion);
+  ASSERT_EQ(shares.size(), 401U);
+  EXPECT_EQ(shares[0], 0.5);
+  EXPECT_EQ(shares[399], 0.4);
+  EXPECT_EQ(shares[400], 0.6);
+  activity.add(2400h, EventKind::kMotion, 0.7);
+  EXPECT_LE(shares.size(), Activity::kMostSpans);
+}
+
+TEST(ShownSize, HasSquarePixelsAndALimit) {
+  EXPECT_EQ(shown_size({720, 576}, {16, 15}, 2000), cv::Size(768, 576));
+  EXPECT_EQ(shown_size({1920, 1080}, {1, 1}, 480), cv::Size(480, 270));
+  EXPECT_EQ(shown_size({64, 48}, {1, 1}, 480), cv::Size(64, 48)) << "never larger";
+  EXPECT_EQ(shown_size({9000, 2}, {1, 1}, 450), cv::Size(450, 1));
+}
+
+TEST(Settings, AreTheRulesAndTheDocuments) {
+  const auto shown = shown_settings(R"({"sensitivity":"4","roi":[{"name":"door"},{"name":"<b>"}],"x":{}})",
+                                    {.min_event = 0.5, .gap = 2});
+  using Shown = std::vector<std::pair<std::string, std::string>>;
+  EXPECT_EQ(shown, (Shown{{"Least length of an event", "0.500 s"},
+                          {"Quiet that ends an event", "2.000 s"},
+                          {"roi", "door, <b>"},
+                          {"sensitivity", "4"}}));
+}
+
+TEST(ReportPage, KeepsPicturesOfTheFirstEventsAndCountsTheRest) {
+  const Folder folder;
+  SourceInfo source;
+  source.size = {4, 4};
+  ReportPage report(folder / "a.html", source, "{}", {});
+  Frame frame;
+  frame.image = cv::Mat::zeros(4, 4, CV_8UC3);
+  report.frame(frame, {});
+  const std::size_t events = ReportPage::kMostEvents + 3;
+  for (std::size_t i = 0; i < events; ++i) {
+    Event event;
+    event.id = std::to_string(i);
+    report.begun(event);
+    report.ended(event);
+  }
+  report.finish();
+  report.commit();
+  const std::string html = program::read(folder / "a.html");
+  EXPECT_EQ(count(html, "<li id="), ReportPage::kMostEvents);
+  EXPECT_EQ(count(html, "<img "), ReportPage::kMostPictures + 1) << "and the heat map";
+  EXPECT_NE(html.find("4700 events have no picture"), std::string::npos);
+  EXPECT_NE(html.find("3 later events are not listed"), std::string::npos);
+}
+
+TEST(ReportPage, OfARunShowsWhatHappened) {
+  const Folder folder;
+  const auto outcome = program::run_fake({"-o", "/dev/null", "--report", folder / "a.html", "--heatmap",
+                                          folder / "a.png", "--snapshots", folder / "shots"});
+  ASSERT_EQ(outcome.status, 0) << outcome.errors;
+  EXPECT_EQ(folder.names(), (std::vector<std::string>{"a.html", "a.png", "shots"}));
+  const std::string html = program::read(folder / "a.html");
+  expect_balanced(html.substr(0, 200'000));
+  EXPECT_NE(html.find("500 frames, 450 with boxes"), std::string::npos);
+  EXPECT_EQ(count(html, "<li id=\"event-"), 1U) << "boxes in nine of ten frames are one event";
+  // The first box comes with the second frame.
+  EXPECT_TRUE(std::filesystem::exists(folder / "shots/00h00m00.040s-motion.jpg"));
+}
+
+TEST(ReportPage, IsNotLeftBehindByARunThatFails) {
+  const Folder folder;
+  program::write(folder / "c.json", R"({"fake": "frame throws"})");
+  const auto outcome = program::run_fake(
+      {"-c", folder / "c.json", "--report", folder / "a.html", "--heatmap", folder / "a.png", "-q"});
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_EQ(folder.names(), std::vector<std::string>{"c.json"});
+}
+
+}  // namespace
