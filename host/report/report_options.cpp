@@ -22,6 +22,7 @@ void add_report_options(CLI::App& run, ReportOptions& options) {
       ->check(ending(".html"));
   add("--heatmap", options.heatmap, "FILE", "Where things moved, over a frame (.png)")->check(ending(".png"));
   add("--snapshots", options.snapshots, "DIR", "The best frame of each event, boxes drawn");
+  add("--clips", options.clips, "DIR", "Each event as a video, copied where that can be");
 }
 
 }  // namespace lm::host

@@ -13,6 +13,7 @@ namespace lm::host {
 struct ReportOptions {
   std::string heatmap;    // PNG file
   std::string snapshots;  // folder
+  std::string clips;      // folder
   std::string page;       // HTML file
 };
 

@@ -1,0 +1,70 @@
+#include "host/report/clips.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "host/report/clip_copier.h"
+#include "host/report/lookback.h"
+#include "host/report/output_names.h"
+#include "host/report/whole_file.h"
+
+namespace lm::host {
+namespace {
+
+using std::chrono::microseconds;
+using namespace std::chrono_literals;
+
+}  // namespace
+
+Clips::Clips(const std::string& folder, const std::string& file, const SourceInfo& source,
+             const EventRules& rules)
+    : folder_(folder),
+      file_(file),
+      container_(container_for_copy(file)),
+      copied_to_(microseconds::max()),
+      copying_(container_ != nullptr),
+      recorder_(folder, source, lookback(rules) + microseconds(std::llround(rules.pre * 1e6))) {
+  make_folder(folder);
+}
+
+void Clips::frame(const Frame& frame, const Observation& seen) {
+  if (copying_) follow_file_time(frame);
+  if (!copying_) recorder_.frame(frame.image, seen.time);
+}
+
+// Where the file's clock jumps, as in recordings that were joined, places in it can no longer be found by
+// their times.
+void Clips::follow_file_time(const Frame& frame) {
+  if (!frame.stated) return;
+  const microseconds offset = *frame.stated - frame.time;
+  if (!offset_) offset_ = offset;
+  if (offset - *offset_ < 500ms && *offset_ - offset < 500ms) return;
+  copying_ = false;
+  copied_to_ = frame.time - 1us;
+}
+
+void Clips::begun(const Event& event) {
+  if (!copying_) recorder_.begin(event);
+}
+
+void Clips::changed(const Event& event) {
+  if (recorder_.records(event)) recorder_.go_on(event);
+}
+
+void Clips::ended(const Event& event) {
+  if (recorder_.records(event)) {
+    recorder_.end(event);
+  } else {
+    copy(event);
+  }
+}
+
+void Clips::copy(const Event& event) const {
+  const char* ending = std::string(container_) == "mp4" ? ".mp4" : ".mkv";
+  PendingFile clip(folder_ + "/" + event_stem(event) + ending);
+  const microseconds offset = offset_.value_or(0us);
+  copy_clip(file_, container_, event.from + offset, std::min(event.to, copied_to_) + offset, clip);
+  clip.commit();
+}
+
+}  // namespace lm::host
