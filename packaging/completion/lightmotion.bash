@@ -16,6 +16,9 @@ _lightmotion() {
       mapfile -t COMPREPLY < <(for kind in json csv; do compgen -f -X "!*.$kind" -- "$word"; done
         compgen -d -- "$word")
       ;;
+    --report) mapfile -t COMPREPLY < <(compgen -f -X '!*.html' -- "$word"; compgen -d -- "$word") ;;
+    --heatmap) mapfile -t COMPREPLY < <(compgen -f -X '!*.png' -- "$word"; compgen -d -- "$word") ;;
+    --snapshots | --clips) mapfile -t COMPREPLY < <(compgen -d -- "$word") ;;
     --fps | --scale | --max-gap | --timeout | --reconnect) ;;
     --jobs | --min-event | --gap | --pre | --post | --explain) ;;
     --shard) mapfile -t COMPREPLY < <(compgen -W slurm -- "$word") ;;
@@ -28,6 +31,7 @@ _lightmotion() {
       if [[ $word == -* ]]; then
         mapfile -t COMPREPLY < <(compgen -W '-c --config -o --output -a --annotate --plugin -q --quiet -v --verbose
           --events --min-event --gap --pre --post --explain
+          --report --heatmap --snapshots --clips
           --mqtt --mqtt-camera --mqtt-password-file --mqtt-ca --mqtt-discovery --progress
           --fps --scale --max-gap --timeout --reconnect
           --out --jobs --shard --force

@@ -18,6 +18,10 @@ _lightmotion() {
     '--pre[shown before each event]:seconds:' \
     '--post[shown after each event]:seconds:' \
     '--explain[why there were boxes and events in a span of seconds]:FROM-TO:' \
+    '--report[page with timeline, pictures and heat map]:file:_files -g "*.html"' \
+    '--heatmap[picture of where things moved]:file:_files -g "*.png"' \
+    '--snapshots[folder for the best frame of each event]:folder:_files -/' \
+    '--clips[folder for each event as a video]:folder:_files -/' \
     '--plugin[the plug-in, when it is not in its usual place]:library:_files' \
     '--fps[analyse at most so many frames a second]:number:' \
     '--scale[analyse smaller frames]:factor or size:' \

@@ -102,7 +102,7 @@ TEST_F(MessageBus, MissesNothingWhileTheBrokerIsKilledAndStartedAgain) {
   broker_.freeze();
   Lines all{"a"};
   for (int i = 0; i < 50; ++i) {
-    all.push_back("b" + std::to_string(i));
+    all.push_back(std::string("b").append(std::to_string(i)));
     listener.ended(event(all[all.size() - 2], 2s));
     listener.begun(event(all.back(), 2s));
   }

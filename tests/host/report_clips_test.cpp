@@ -199,7 +199,7 @@ TEST_F(Recorded, WhereTheFilesClockJumps) {
     listener.frame(frame, seen);
     Event first = event_of(500ms, 1s);
     Event second = event_of(2500ms, 3s);
-    second.id = "b";
+    second.id.assign(1, 'b');
     if (i == 8) listener.begun(first);
     if (i == 14) listener.ended(first);
     if (i == 30) listener.begun(second);

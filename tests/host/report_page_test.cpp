@@ -1,7 +1,6 @@
 // The page of a report: texts, timeline, limits and markup.
 #include <gtest/gtest.h>
 
-#include <regex>
 #include <stdexcept>
 
 #include "host/report/activity.h"
@@ -58,12 +57,14 @@ PageData page_data() {
 void expect_balanced(const std::string& html) {
   std::vector<std::string> open;
   const std::string body = html.substr(html.find('>') + 1);  // behind the document type
-  const std::regex tag("<(/?)([a-z][a-z0-9]*)((?:[^>\"]|\"[^\"]*\")*)>");
   const std::vector<std::string> empty{"meta", "img", "input", "polygon"};
-  std::smatch found;
-  for (auto at = body.cbegin(); std::regex_search(at, body.cend(), found, tag); at = found[0].second) {
-    const std::string name = found[2];
-    if (found[1].length() > 0) {
+  // No attribute's text holds a bracket: they are escaped there.
+  for (std::size_t at = body.find('<'); at != std::string::npos; at = body.find('<', at + 1)) {
+    const bool closes = body[at + 1] == '/';
+    const std::size_t begin = at + (closes ? 2 : 1);
+    const std::string name = body.substr(begin, body.find_first_of(" >\n/", begin) - begin);
+    ASSERT_NE(body.find('>', begin), std::string::npos) << name;
+    if (closes) {
       ASSERT_FALSE(open.empty()) << name;
       ASSERT_EQ(open.back(), name);
       open.pop_back();
@@ -243,7 +244,7 @@ TEST(ReportPage, OfARunShowsWhatHappened) {
   ASSERT_EQ(outcome.status, 0) << outcome.errors;
   EXPECT_EQ(folder.names(), (std::vector<std::string>{"a.html", "a.png", "shots"}));
   const std::string html = program::read(folder / "a.html");
-  expect_balanced(html.substr(0, 200'000));
+  expect_balanced(html);
   EXPECT_NE(html.find("500 frames, 450 with boxes"), std::string::npos);
   EXPECT_EQ(count(html, "<li id=\"event-"), 1U) << "boxes in nine of ten frames are one event";
   // The first box comes with the second frame.
