@@ -60,8 +60,9 @@ std::string start(Plugin& plugin, const Options& options, const SourceInfo& sour
   } catch (const std::invalid_argument& misfit) {
     throw Failure(kRefused, name + ": " + misfit.what());
   }
-  for (const std::string& note : ignored_settings(document))
+  for (const std::string& note : ignored_settings(document)) {
     warn(std::string(name).append(": ").append(note));
+  }
   const std::string refusal = plugin.start(document);
   if (refusal.empty()) return document;
   const std::string fault = faulty_setting(document);

@@ -95,12 +95,14 @@ std::string note(const PageData& data) {
                                   [](const PageEvent& shown) { return shown.picture.empty(); });
   std::string text;
   if (data.events.empty()) text = "Nothing that counts as an event was found.";
-  if (bare > 0)
+  if (bare > 0) {
     text = "To keep this page small, " + counted(bare, "event") + (bare == 1 ? " has" : " have") +
            " no picture. ";
-  if (data.more_events > 0)
+  }
+  if (data.more_events > 0) {
     text += counted(data.more_events, "later event") + (data.more_events == 1 ? " is" : " are") +
             " not listed at all.";
+  }
   return text.empty() ? "" : "<p class=\"note\">" + escaped(text) + "</p>";
 }
 
