@@ -74,10 +74,12 @@ bool Regions::watched(cv::Point2d point) const {
 bool Regions::touches(const Region& region, const cv::Rect2d& box) const {
   constexpr int kSteps = 16;  // across and down
   const cv::Rect2d part = box & cv::Rect2d(0, 0, 1, 1);
-  for (int i = 0; i < kSteps * kSteps; ++i) {
-    const cv::Point2d point(part.x + part.width * (i % kSteps + 0.5) / kSteps,
-                            part.y + part.height * (i / kSteps + 0.5) / kSteps);
-    if (region.contains(point) && !excluded_at(point)) return true;
+  for (int row = 0; row < kSteps; ++row) {
+    for (int column = 0; column < kSteps; ++column) {
+      const cv::Point2d point(part.x + part.width * (column + 0.5) / kSteps,
+                              part.y + part.height * (row + 0.5) / kSteps);
+      if (region.contains(point) && !excluded_at(point)) return true;
+    }
   }
   return false;
 }

@@ -7,12 +7,12 @@ std::string Shedding::count(bool dropped, Time now) {
   dropped_ += dropped ? 1 : 0;
   const auto passed = now - period_start_;
   if (passed < kPeriod) return "";
-  const std::string text =
-      dropped_ == 0
-          ? ""
-          : std::to_string(dropped_) + " of " + std::to_string(frames_) + " frames dropped in the last " +
-                std::to_string(std::chrono::round<std::chrono::seconds>(passed).count()) +
-                " s, because analysing them takes longer than they take to come";
+  std::string text = dropped_ == 0
+                         ? ""
+                         : std::to_string(dropped_) + " of " + std::to_string(frames_) +
+                               " frames dropped in the last " +
+                               std::to_string(std::chrono::round<std::chrono::seconds>(passed).count()) +
+                               " s, because analysing them takes longer than they take to come";
   *this = Shedding(now);
   return text;
 }
