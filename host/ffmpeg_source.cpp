@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "host/failure.h"
+#include "host/frame_clock.h"
 #include "host/interrupt.h"
 #include "host/time_text.h"
 
@@ -53,8 +54,8 @@ cv::Size pixel_aspect(AVFormatContext& input, AVStream& stream, int turns) {
 }
 
 std::optional<Time> stated_duration(const AVFormatContext& input, const AVStream& stream) {
-  if (stream.duration > 0) return to_time(stream.duration, stream.time_base);
-  if (input.duration > 0) return to_time(input.duration, av::kMicroseconds);
+  if (stream.duration > 0) return believable_length(to_time(stream.duration, stream.time_base));
+  if (input.duration > 0) return believable_length(to_time(input.duration, av::kMicroseconds));
   return std::nullopt;
 }
 

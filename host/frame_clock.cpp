@@ -6,21 +6,20 @@ namespace lm::host {
 
 using namespace std::chrono_literals;
 
-namespace {
-
-constexpr FrameClock::Time farthest = std::chrono::years(100);
-
-}  // namespace
+std::optional<FrameClock::Time> believable_length(FrameClock::Time stated) {
+  if (stated.count() <= 0 || stated > kFarthestTime) return std::nullopt;
+  return stated;
+}
 
 FrameClock::Time FrameClock::next(std::optional<Time> stated) {
   const Time expected = last_ ? *last_ + interval_ : Time{0};
   Time now = expected;
   note_.clear();
-  if (stated && *stated >= -farthest && *stated <= farthest) {
+  if (stated && *stated >= -kFarthestTime && *stated <= kFarthestTime) {
     if (!origin_) origin_ = *stated - expected;
     now = *stated - *origin_;
-    if (last_ && (now < *last_ - 1s || now > farthest)) {
-      note_ = now > farthest
+    if (last_ && (now < *last_ - 1s || now > kFarthestTime)) {
+      note_ = now > kFarthestTime
                   ? "a new part begins"
                   : "a new part begins: the source's clock goes back by " + seconds_text(*last_ - now) + " s";
       origin_ = *stated - expected;

@@ -7,13 +7,19 @@
 
 namespace lm::host {
 
+// Farther than any video reaches; damaged containers state any number.
+constexpr std::chrono::microseconds kFarthestTime = std::chrono::years(100);
+
+// The length that a container states; none where that is no length of a video.
+std::optional<std::chrono::microseconds> believable_length(std::chrono::microseconds stated);
+
 // Counts from the first frame and always moves forward:
 //  - a frame without a time comes one interval after the frame before it;
 //  - a frame that is not later than the one before it comes a millisecond after it;
 //  - a jump back by more than a second starts a new part (joined recordings, a camera that restarted its
 //    clock), which goes on one interval after the last frame;
-//  - damaged containers state any number: a time a hundred years or more away counts as none, and a part that
-//    would reach that far starts anew like one that jumps back.
+//  - a time farther away than kFarthestTime counts as none, and a part that would reach that far starts anew
+//    like one that jumps back.
 class FrameClock {
  public:
   using Time = std::chrono::microseconds;

@@ -19,6 +19,7 @@ using namespace std::chrono_literals;
 
 constexpr std::size_t kShortestBar = 12;  // with its brackets
 constexpr std::size_t kLongestBar = 62;
+constexpr auto kLongestPromise = 24h * 365;  // a damaged container states any length
 
 // Asked every time, because the user may resize the window.
 int terminal_width() {
@@ -55,8 +56,9 @@ std::optional<std::chrono::microseconds> time_left(const ProgressState& state) {
   const double fraction = is_measurable(state) ? fraction_of(state) : 0;
   if (fraction <= 0 || !(state.rate > 0)) return std::nullopt;
   const double worked = static_cast<double>(state.frames) / state.rate;
-  return std::chrono::round<std::chrono::microseconds>(
-      std::chrono::duration<double>(worked * (1 - fraction) / fraction));
+  const std::chrono::duration<double> left(worked * (1 - fraction) / fraction);
+  if (left > kLongestPromise) return std::nullopt;
+  return std::chrono::round<std::chrono::microseconds>(left);
 }
 
 std::string render_progress(int width, const ProgressState& state) {

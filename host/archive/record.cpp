@@ -8,6 +8,7 @@
 #include <memory>
 
 #include "host/archive/text_file.h"
+#include "host/frame_clock.h"
 
 namespace lm::host {
 namespace {
@@ -46,7 +47,10 @@ std::optional<Figures> figures_from(const Json::Value& value) {
   figures.frames = value["frames"].asInt64();
   figures.frames_with_motion = value["framesWithMotion"].asInt64();
   figures.events = value["events"].asInt64();
-  figures.video = std::chrono::milliseconds(value["milliseconds"].asInt64());
+  const std::chrono::milliseconds video(value["milliseconds"].asInt64());
+  if (video.count() < 0 || video > std::chrono::floor<std::chrono::milliseconds>(kFarthestTime))
+    return std::nullopt;
+  figures.video = video;
   return figures;
 }
 

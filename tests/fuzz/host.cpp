@@ -1,14 +1,21 @@
 // Everything that the host program reads itself: command lines, configuration documents, result documents,
-// times. The first byte of the input says which.
+// times, single options, its own records. The first byte of the input says which.
 #include <json/json.h>
 
 #include <memory>
 #include <stdexcept>
 
+#include "host/archive/record.h"
+#include "host/archive/shard.h"
 #include "host/document.h"
 #include "host/document_faults.h"
+#include "host/events/event_options.h"
+#include "host/events/event_tracker.h"
+#include "host/events/regions.h"
 #include "host/failure.h"
 #include "host/frame_clock.h"
+#include "host/live/scale.h"
+#include "host/mqtt/address.h"
 #include "host/options.h"
 #include "host/overlay.h"
 #include "host/progress.h"
@@ -47,6 +54,8 @@ void readDocument(const std::string& text) {
   complete_document(document, {640, 360});  // which is accepted
   one_line(faulty_setting(document));
   ignored_settings(document);
+  std::vector<std::string> touched;
+  Regions(document).touched({0.25, 0.25, 0.5, 0.5}, touched);
 }
 
 // A result document, with its frame's time in front.
@@ -56,10 +65,44 @@ void readResult(const std::string& text) {
   const std::string document = text.substr(std::min(text.size(), sizeof(std::int32_t)));
   const std::string line = result_line(document, choices.byte(), time);
   fuzz::require(line.find('\n') == std::string::npos, "a result of several lines");
-  for (const cv::Rect2d& box : boxes_of(document)) {
+  const std::vector<cv::Rect2d> boxes = boxes_of(document);
+  fuzz::require(share_under(boxes) >= 0 && share_under(boxes) <= 1, "more than the whole frame");
+  for (const cv::Rect2d& box : boxes) {
     const cv::Rect pixels = pixels_of(box, {640, 360});
     fuzz::require((pixels & cv::Rect(0, 0, 640, 360)) == pixels, "a box drawn outside its frame");
   }
+}
+
+// What stands behind single options: spans, sizes, shards, addresses of brokers.
+void readValue(const std::string& text) {
+  if (const auto span = parse_span(text)) fuzz::require(span->from <= span->to, "a span that runs back");
+  if (const auto scale = parse_scale(text)) {
+    const cv::Size size = scale->of({640, 360});
+    fuzz::require(size.width > 0 && size.width <= 640 && size.height > 0 && size.height <= 360,
+                  "a frame of no size, or a larger one");
+  }
+  try {
+    const Shard shard = parse_shard(text);
+    fuzz::require(shard.index < shard.count, "a shard that is none");
+  } catch (const Failure& refused) {
+    fuzz::require(!one_line(refused.what()).empty(), "refused without a cause");
+  }
+  try {
+    const mqtt::Address address = mqtt::parse_address(text);
+    fuzz::require(!address.host.empty() && address.port > 0 && address.port <= 65535,
+                  "an address of nowhere");
+  } catch (const std::invalid_argument& refused) {
+    fuzz::require(!one_line(refused.what()).empty(), "refused without a cause");
+  }
+}
+
+// The record of an archive's file: what is read once is written and read the same again.
+void readRecord(const std::string& text) {
+  const std::optional<Record> record = record_from(text);
+  if (!record) return;
+  const std::string written = to_json(*record);
+  const std::optional<Record> again = record_from(written);
+  fuzz::require(again && to_json(*again) == written, "a record changes when it is read");
 }
 
 // Times that a container states.
@@ -75,7 +118,10 @@ void readTimes(const std::string& text) {
     last = now;
     seconds_text(now);
     clock_text(now);
-    render_progress(choices.byte(), {1, now, microseconds(choices.number<std::int64_t>()), 25.0});
+    const microseconds length(choices.number<std::int64_t>());
+    const ProgressState state{1, now, believable_length(length), 25.0, 0};
+    render_progress(choices.byte(), state);
+    progress_line(state, choices.flag());
   }
 }
 
@@ -96,6 +142,12 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
       break;
     case 't':
       readTimes(text);
+      break;
+    case 'v':
+      readValue(text);
+      break;
+    case 'j':
+      readRecord(text);
       break;
     default:
       return -1;  // of no use in the corpus

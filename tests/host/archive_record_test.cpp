@@ -64,6 +64,20 @@ TEST(Record, IsNothingWhereTheTextIsNone) {
   }
 }
 
+TEST(Record, IsNothingWhereItsVideoLastsLongerThanAnyVideo) {
+  const std::string whole = to_json(whole_record());
+  const auto lasting = [&](const std::string& milliseconds) {
+    std::string text = whole;
+    text.replace(text.find("10000", text.find("milliseconds")), 5, milliseconds);
+    return record_from(text);
+  };
+  EXPECT_TRUE(lasting("0"));
+  EXPECT_TRUE(lasting("3000000000000")) << "95 years";
+  EXPECT_FALSE(lasting("-1"));
+  EXPECT_FALSE(lasting("3200000000000")) << "101 years";
+  EXPECT_FALSE(lasting("9223372036854775807"));
+}
+
 TEST(SourceState, ChangesWithSizeAndTime) {
   const program::Folder folder;
   EXPECT_FALSE(source_state(folder / "a"));

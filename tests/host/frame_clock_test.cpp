@@ -13,6 +13,15 @@ TEST(FrameClock, CountsFromTheFirstFrame) {
   EXPECT_EQ(clock.next(1'440ms), 40ms);
 }
 
+TEST(BelievableLength, IsThatOfAVideo) {
+  using lm::host::believable_length;
+  EXPECT_EQ(believable_length(1us), 1us);
+  EXPECT_EQ(believable_length(std::chrono::years(100)), std::chrono::years(100));
+  EXPECT_EQ(believable_length(0us), std::nullopt);
+  EXPECT_EQ(believable_length(-1us), std::nullopt);
+  EXPECT_EQ(believable_length(std::chrono::years(100) + 1us), std::nullopt);
+}
+
 TEST(FrameClock, KeepsUnevenTimes) {
   FrameClock clock(40ms);
   clock.next(0ms);

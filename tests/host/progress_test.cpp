@@ -58,6 +58,7 @@ TEST(TimeLeft, IsNotMadeUp) {
   EXPECT_EQ(time_left({100, 0s, 40s, 50, 0}), std::nullopt);
   EXPECT_EQ(time_left({100, 10s, 40s, 0, 0}), std::nullopt);
   EXPECT_EQ(time_left({100, 10s, 0s, 50, 0}), std::nullopt);
+  EXPECT_EQ(time_left({100, 1us, 2400h * 365, 50, 0}), std::nullopt) << "2 s for a microsecond of it";
 }
 
 TEST(ProgressLine, IsAnObjectForPrograms) {
