@@ -15,12 +15,13 @@ int main(int argc, char** argv) {
   occupy_standard_streams();
   try {
     const Command command = parse_command_line({argv + 1, argv + argc});
-    if (!command.options) {
+    if (!command.options && !command.work) {
       std::fputs(command.text.c_str(), command.status == kDone ? stdout : stderr);
       return command.status;
     }
-    show_plugin_log(command.options->verbose);
     watch_for_interrupts();
+    if (command.work) return command.work();
+    show_plugin_log(command.options->verbose);
     return command.options->archive.out.empty() ? run(*command.options) : run_archive(*command.options);
   } catch (const Failure& failure) {
     std::fprintf(stderr, "lightmotion: %s\n", failure.what());

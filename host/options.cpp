@@ -87,8 +87,19 @@ CLI::App* add_run(CLI::App& app, Options& options) {
   return run;
 }
 
-Command refusal(const std::string& text) {
-  return {std::nullopt, kRefused, "lightmotion: " + text + " (lightmotion run --help tells more)\n"};
+Command refusal(const std::string& text, const std::string& subcommand) {
+  return {std::nullopt,
+          {},
+          kRefused,
+          "lightmotion: " + text + " (lightmotion " + subcommand + " --help tells more)\n"};
+}
+
+// The one that was asked for, as far as it can be told before all is understood.
+std::string asked_for(const CLI::App& app, const std::vector<std::string>& arguments) {
+  const auto named = [&](const CLI::App* subcommand) {
+    return !arguments.empty() && subcommand->get_name() == arguments.front();
+  };
+  return app.get_subcommands(named).empty() ? "run" : arguments.front();
 }
 
 }  // namespace
@@ -101,21 +112,23 @@ Command parse_command_line(const std::vector<std::string>& arguments) {
   app.get_formatter()->column_width(28);
   app.footer(kExamples);
   const CLI::App* run = add_run(app, options);
+  std::function<int()> work;
   try {
     app.parse(std::vector<std::string>(arguments.rbegin(), arguments.rend()));
   } catch (const CLI::CallForHelp&) {
-    return {std::nullopt, kDone, app.help()};
+    return {std::nullopt, {}, kDone, app.help()};
   } catch (const CLI::CallForVersion& version) {
-    return {std::nullopt, kDone, std::string(version.what()) + "\n"};
+    return {std::nullopt, {}, kDone, std::string(version.what()) + "\n"};
   } catch (const CLI::ParseError& error) {
-    return refusal(error.what());
+    return refusal(error.what(), asked_for(app, arguments));
   }
+  if (work) return {std::nullopt, work};
   if (const std::string text = complete_archive_options(*run, options.archive); !text.empty())
-    return refusal(text);
+    return refusal(text, "run");
   if (options.archive.out.empty() && !options.archive.sources.empty())
     options.source = options.archive.sources.front();
-  if (const std::string text = conflict(options); !text.empty()) return refusal(text);
-  return {options, kDone, ""};
+  if (const std::string text = conflict(options); !text.empty()) return refusal(text, "run");
+  return {options};
 }
 
 }  // namespace lm::host

@@ -1,6 +1,7 @@
 // The command line.
 #pragma once
 
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -32,11 +33,13 @@ struct Options {
   ArchiveOptions archive;  // many files at once when its folder is not empty
 };
 
-// Either options to run with, or a text to print (help, version, an error) and the status to end with.
+// Either options to run with, or what another subcommand has to do, or a text to print (help, version, an
+// error) and the status to end with.
 struct Command {
   std::optional<Options> options;
+  std::function<int()> work{};  // returns the exit status; may throw Failure
   ExitStatus status = kDone;
-  std::string text;
+  std::string text{};
 };
 
 // `arguments`: without the program's name.

@@ -38,7 +38,8 @@ void readArguments(const std::string& text) {
     at = end + 1;
   }
   const Command command = parse_command_line(arguments);
-  fuzz::require(command.options.has_value() == command.text.empty(), "neither options nor a text, or both");
+  fuzz::require((command.options.has_value() || command.work) == command.text.empty(),
+                "neither something to do nor a text, or both");
   if (command.options) is_live(command.options->source);
 }
 
