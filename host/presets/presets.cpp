@@ -1,0 +1,39 @@
+#include "host/presets/presets.h"
+
+#include <json/json.h>
+
+#include <algorithm>
+#include <sstream>
+
+#include "host/presets/preset_files.h"
+
+namespace lm::host {
+namespace {
+
+std::string comment_of(const std::string& document) {
+  Json::Value root;
+  std::istringstream(document) >> root;
+  return root["comment"].asString();
+}
+
+std::vector<Preset> read_presets() {
+  std::vector<Preset> all;
+  for (const PresetFile& file : preset_files()) {
+    all.push_back({file.name, comment_of(file.document), file.document});
+  }
+  return all;
+}
+
+}  // namespace
+
+const std::vector<Preset>& presets() {
+  static const std::vector<Preset> all = read_presets();
+  return all;
+}
+
+const Preset* find_preset(const std::string& name) {
+  const auto found = std::ranges::find(presets(), name, &Preset::name);
+  return found == presets().end() ? nullptr : &*found;
+}
+
+}  // namespace lm::host
