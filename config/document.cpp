@@ -4,25 +4,9 @@
 #include <cstdio>
 
 #include "config/json_text.h"
+#include "config/scalar_keys.h"
 #include "engine/c_locale.h"
 #include "plugin/detector.h"
-
-namespace {
-
-struct ScalarKey {
-  const char* name;
-  std::int32_t lightMotion::*field;  // where the detector keeps the value as well, or null
-};
-
-// In the order of the parameter list.
-constexpr ScalarKey scalarKeys[] = {
-    {"frmW", &lightMotion::frmW}, {"frmH", &lightMotion::frmH}, {"frmChn", &lightMotion::frmChn},
-    {"sensitivity", nullptr},     {"lcAdap", nullptr},          {"minBoxW", nullptr},
-    {"minBoxH", nullptr},         {"maxBoxW", nullptr},         {"maxBoxH", nullptr},
-    {"lifeStatic", nullptr},
-};
-
-}  // namespace
 
 std::vector<std::string> lightMotion::myjsonReader(std::string config) {
   std::vector<std::string> entries;
@@ -33,7 +17,7 @@ std::vector<std::string> lightMotion::myjsonReader(std::string config) {
   }
   const Json::Value& root = parsed;
   const lm::CLocaleScope plainNumbers;
-  for (const ScalarKey& key : scalarKeys) {
+  for (const lm::ScalarKey<lightMotion>& key : lm::scalarKeys<lightMotion>) {
     const Json::Value& member = root[key.name];
     if (!member.isString()) continue;
     const std::string value = member.asString();

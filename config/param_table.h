@@ -1,11 +1,15 @@
 // The keys of the parameter list: how each value is converted, which values are accepted and what they set.
+//
+// A template over who holds the settings: the engine (kAMBLE), or a record with fields of the same names
+// (config/settings.h) where no engine is wanted.
 #pragma once
 
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
+#include <iterator>
 #include <string_view>
 
-#include "engine/kamble.h"
 #include "engine/rules.h"
 
 namespace lm {
@@ -41,13 +45,14 @@ constexpr const Row* findLevel(const Row (&rows)[count], double level) {
 
 enum class Conversion { integer, real };  // std::stoi or std::stof; either value fits a double exactly
 
+template <typename Settings>
 struct ParamRow {
   std::string_view key;
   Conversion conversion;
-  const char* range;                            // the accepted values, in words
-  bool (*accepts)(double value);                // a NaN is in no range
-  void (*store)(kAMBLE& engine, double value);  // of an accepted value
-  void (*fallBack)(kAMBLE& engine) = nullptr;   // of a refused one; null leaves the engine as it is
+  const char* range;                                // the accepted values, in words
+  bool (*accepts)(double value);                    // a NaN is in no range
+  void (*store)(Settings& settings, double value);  // of an accepted value
+  void (*fallBack)(Settings& settings) = nullptr;   // of a refused one; null leaves the settings as they are
 };
 
 // ---- ranges -----------------------------------------------------------------------------------------------
@@ -69,67 +74,100 @@ inline bool isAdaptation(double value) { return findLevel(adaptationLevels, valu
 
 // ---- effects ----------------------------------------------------------------------------------------------
 
-template <auto field>
-void storeInteger(kAMBLE& engine, double value) {
-  engine.*field = static_cast<std::int32_t>(value);
+template <typename Settings, auto field>
+void storeInteger(Settings& settings, double value) {
+  settings.*field = static_cast<std::int32_t>(value);
 }
-template <auto field>
-void storeFraction(kAMBLE& engine, double value) {
-  engine.*field = static_cast<float>(value);
+template <typename Settings, auto field>
+void storeFraction(Settings& settings, double value) {
+  settings.*field = static_cast<float>(value);
 }
-template <auto field>
-void storeSwitch(kAMBLE& engine, double value) {
-  engine.*field = value > 0.0;
+template <typename Settings, auto field>
+void storeSwitch(Settings& settings, double value) {
+  settings.*field = value > 0.0;
 }
 
-inline void storeThresholds(kAMBLE& engine, const SensitivityLevel& level) {
-  engine.thrMatch = level.thrMatch;
-  engine.thrHeuris = level.thrHeuris;
+template <typename Settings>
+void storeThresholds(Settings& settings, const SensitivityLevel& level) {
+  settings.thrMatch = level.thrMatch;
+  settings.thrHeuris = level.thrHeuris;
 }
-void storeSensitivity(kAMBLE& engine, double value);  // -1 goes to the host's log as well (set_param.cpp)
+template <typename Settings>
+void storeSensitivity(Settings& settings, double value) {
+  // A function of the settings' own namespace: the engine tells the host's log.
+  if (value == autoSensitivityLevel) enableAutoSensitivity(settings);
+  storeThresholds(settings, *findLevel(sensitivityLevels, value));
+}
 // Kept: a sensitivity that is refused sets the thresholds of level 3 all the same.
-inline void fallBackSensitivity(kAMBLE& engine) { storeThresholds(engine, sensitivityFallback); }
-inline void storeAutoThresholds(kAMBLE& engine, double /*value*/) {
-  storeThresholds(engine, *findLevel(sensitivityLevels, autoSensitivityLevel));
+template <typename Settings>
+void fallBackSensitivity(Settings& settings) {
+  storeThresholds(settings, sensitivityFallback);
+}
+template <typename Settings>
+void storeAutoThresholds(Settings& settings, double /*value*/) {
+  storeThresholds(settings, *findLevel(sensitivityLevels, autoSensitivityLevel));
 }
 
-inline void storeAdaptation(kAMBLE& engine, double value) {
-  engine.thrIllum = findLevel(adaptationLevels, value)->thrIllum;
+template <typename Settings>
+void storeAdaptation(Settings& settings, double value) {
+  settings.thrIllum = findLevel(adaptationLevels, value)->thrIllum;
 }
 // Kept: an adaptation level that is refused sets the threshold of level 3 all the same.
-inline void fallBackAdaptation(kAMBLE& engine) { engine.thrIllum = adaptationFallback.thrIllum; }
+template <typename Settings>
+void fallBackAdaptation(Settings& settings) {
+  settings.thrIllum = adaptationFallback.thrIllum;
+}
 
-inline void storeStaticLife(kAMBLE& engine, double value) {
-  engine.lifeStatic = static_cast<std::int32_t>(value);
-  engine.lifeStaticFrm = staticLifeFrames(engine.lifeStatic, engine.frmRate);
+template <typename Settings>
+void storeStaticLife(Settings& settings, double value) {
+  settings.lifeStatic = static_cast<std::int32_t>(value);
+  settings.lifeStaticFrm = staticLifeFrames(settings.lifeStatic, settings.frmRate);
 }
 
 // ---- the table --------------------------------------------------------------------------------------------
 
 // In the order in which a key is looked up.
-inline constexpr ParamRow paramTable[] = {
-    {"frmW", Conversion::integer, "1 or more", atLeast<1>, storeInteger<&kAMBLE::szImgX>},
-    {"frmH", Conversion::integer, "1 or more", atLeast<1>, storeInteger<&kAMBLE::szImgY>},
-    {"frmChn", Conversion::integer, "1 or more", atLeast<1>, storeInteger<&kAMBLE::frmChn>},
-    {"sensitivity", Conversion::integer, "1 to 5, or -1", isSensitivity, storeSensitivity,
-     fallBackSensitivity},
-    {"lcAdap", Conversion::integer, "1 to 5", isAdaptation, storeAdaptation, fallBackAdaptation},
-    {"minBoxW", Conversion::real, "above 0, at most 1", isFraction, storeFraction<&kAMBLE::minObjW>},
-    {"minBoxH", Conversion::real, "above 0, at most 1", isFraction, storeFraction<&kAMBLE::minObjH>},
-    {"lifeStatic", Conversion::integer, "0 or less", isNotPositive, storeStaticLife},
-    {"sensitivity_auto", Conversion::integer, "1", within<1, 1>, storeAutoThresholds},
-    {"GHOST_SUPPRESSION", Conversion::integer, "any", isAny, storeSwitch<&kAMBLE::ghostSuppression>},
-    {"ILLUMINATION_CHANGE", Conversion::integer, "any", isAny, storeSwitch<&kAMBLE::illumChange>},
-    {"MIN_MATCH_NUM", Conversion::integer, "1 to 20", within<1, 20>, storeInteger<&kAMBLE::minMatchNum>},
-    {"MIN_MATCH_DIST", Conversion::integer, "1 or more", atLeast<1>, storeInteger<&kAMBLE::thrMatch>},
-    {"THR_DIFF_HEURISTIC", Conversion::integer, "0 or more", atLeast<0>, storeInteger<&kAMBLE::thrHeuris>},
-    {"NUM_SEGMENT_LOCK", Conversion::integer, "1 to 20", within<1, 20>,
-     storeInteger<&kAMBLE::numSegmentLock>},
-    {"NUM_PERIOD_LOCK", Conversion::integer, "1 or more", atLeast<1>, storeInteger<&kAMBLE::numPeriodLock>},
-    {"MIN_BOUNDING_BOX_W", Conversion::real, "above 0, at most 1", isFraction,
-     storeFraction<&kAMBLE::minObjW>},
-    {"MIN_BOUNDING_BOX_H", Conversion::real, "above 0, at most 1", isFraction,
-     storeFraction<&kAMBLE::minObjH>},
+template <typename S>
+inline constexpr ParamRow<S> paramTable[] = {
+    {"frmW", Conversion::integer, "1 or more", atLeast<1>, storeInteger<S, &S::szImgX>},
+    {"frmH", Conversion::integer, "1 or more", atLeast<1>, storeInteger<S, &S::szImgY>},
+    {"frmChn", Conversion::integer, "1 or more", atLeast<1>, storeInteger<S, &S::frmChn>},
+    {"sensitivity", Conversion::integer, "1 to 5, or -1", isSensitivity, storeSensitivity<S>,
+     fallBackSensitivity<S>},
+    {"lcAdap", Conversion::integer, "1 to 5", isAdaptation, storeAdaptation<S>, fallBackAdaptation<S>},
+    {"minBoxW", Conversion::real, "above 0, at most 1", isFraction, storeFraction<S, &S::minObjW>},
+    {"minBoxH", Conversion::real, "above 0, at most 1", isFraction, storeFraction<S, &S::minObjH>},
+    {"lifeStatic", Conversion::integer, "0 or less", isNotPositive, storeStaticLife<S>},
+    {"sensitivity_auto", Conversion::integer, "1", within<1, 1>, storeAutoThresholds<S>},
+    {"GHOST_SUPPRESSION", Conversion::integer, "any", isAny, storeSwitch<S, &S::ghostSuppression>},
+    {"ILLUMINATION_CHANGE", Conversion::integer, "any", isAny, storeSwitch<S, &S::illumChange>},
+    {"MIN_MATCH_NUM", Conversion::integer, "1 to 20", within<1, 20>, storeInteger<S, &S::minMatchNum>},
+    {"MIN_MATCH_DIST", Conversion::integer, "1 or more", atLeast<1>, storeInteger<S, &S::thrMatch>},
+    {"THR_DIFF_HEURISTIC", Conversion::integer, "0 or more", atLeast<0>, storeInteger<S, &S::thrHeuris>},
+    {"NUM_SEGMENT_LOCK", Conversion::integer, "1 to 20", within<1, 20>, storeInteger<S, &S::numSegmentLock>},
+    {"NUM_PERIOD_LOCK", Conversion::integer, "1 or more", atLeast<1>, storeInteger<S, &S::numPeriodLock>},
+    {"MIN_BOUNDING_BOX_W", Conversion::real, "above 0, at most 1", isFraction, storeFraction<S, &S::minObjW>},
+    {"MIN_BOUNDING_BOX_H", Conversion::real, "above 0, at most 1", isFraction, storeFraction<S, &S::minObjH>},
 };
+
+// The row of `key`, or null.
+template <typename Settings>
+const ParamRow<Settings>* findParam(std::string_view key) {
+  const auto& table = paramTable<Settings>;
+  const auto* row =
+      std::find_if(std::begin(table), std::end(table), [&](const auto& r) { return r.key == key; });
+  return row == std::end(table) ? nullptr : row;
+}
+
+// Gives the settings what was read for a row; whether it was accepted.
+template <typename Settings>
+bool applyParam(const ParamRow<Settings>& row, Settings& settings, double value) {
+  if (row.accepts(value)) {
+    row.store(settings, value);
+    return true;
+  }
+  if (row.fallBack != nullptr) row.fallBack(settings);
+  return false;
+}
 
 }  // namespace lm

@@ -2,33 +2,28 @@
 #include <json/json.h>
 
 #include "config/json_text.h"
+#include "config/region_rules.h"
 #include "engine/c_locale.h"
-#include "engine/rules.h"
 #include "plugin/detector.h"
 
 namespace {
 
-// A coordinate: a fraction of `side`, in pixels. Not clamped to the frame.
-std::int32_t toPixels(const Json::Value& fraction, std::int32_t side) {
-  return lm::toInt32(static_cast<float>(side) * std::stof(fraction.asString()));
-}
-
-// Replaces `regions` by those of `array`. A region with fewer than `minVertices` points keeps its name but no
-// points.
-void readRegions(const Json::Value& array, const lightMotion& detector, Json::ArrayIndex minVertices,
+// Replaces `regions` by those of the document. A region with too few points keeps its name but no points.
+void readRegions(const Json::Value& root, const lightMotion& detector, const lm::RegionList& list,
                  std::vector<polygon>& regions) {
   regions.clear();
+  const Json::Value& array = root[list.key];
   if (!array.isArray()) return;
   regions.resize(array.size());
   for (Json::ArrayIndex i = 0; i < array.size(); ++i) {
     const Json::Value& name = array[i]["name"];
     if (name.isString()) regions[i].name = name.asString();
     const Json::Value& points = array[i]["points"];
-    if (!points.isArray() || points.size() < minVertices) continue;
+    if (!points.isArray() || points.size() < list.leastPoints) continue;
     regions[i].points.resize(points.size());
     for (Json::ArrayIndex k = 0; k < points.size(); ++k) {
-      regions[i].points[k].x = toPixels(points[k]["x"], detector.frmW);
-      regions[i].points[k].y = toPixels(points[k]["y"], detector.frmH);
+      regions[i].points[k].x = lm::toPixels(points[k]["x"].asString(), detector.frmW);
+      regions[i].points[k].y = lm::toPixels(points[k]["y"].asString(), detector.frmH);
     }
   }
 }
@@ -41,8 +36,7 @@ bool lightMotion::jsonReaderRoi(std::string config, std::vector<polygon>& includ
   if (!lm::parseDocument(config, parsed)) return false;
   const Json::Value& root = parsed;
   const lm::CLocaleScope plainNumbers;
-  readRegions(root["roi"], *this, 3, include);
-  // Kept: an exclusion region takes its points however few they are.
-  readRegions(root["ror"], *this, 0, exclude);
+  readRegions(root, *this, lm::includedRegions, include);
+  readRegions(root, *this, lm::excludedRegions, exclude);
   return true;
 }

@@ -1,60 +1,26 @@
 // The door through which the engine receives its configuration.
-#include <algorithm>
 #include <cstring>
-#include <iterator>
 
-#include "config/param_table.h"
+#include "config/param_entry.h"
 #include "engine/aligned.h"
 #include "engine/c_locale.h"
+#include "engine/kamble.h"
 #include "plugin/host_log.h"
+
+// Called by the table of keys.
+static void enableAutoSensitivity(kAMBLE& engine) {
+  if (log_File_Debug_s != nullptr) {
+    log_File_Debug_s("/Kdbglog/.nera_motion_log/.md.log", 10485760, "enable AUTO sensitivity");
+  }
+  engine.autoSensitivity = true;
+}
 
 namespace {
 
-constexpr std::string_view whiteSpace = " \t\n\v\f\r";
-
-// Key and value of the entry being read.
-//
-// Kept: both outlive the entry. One that holds only a key takes the value of the entry before it, and an
-// empty one repeats the entry before it.
-class EntryScanner {
- public:
-  void scan(const std::string& entry) {
-    std::string_view rest(entry.c_str());  // an entry ends at its first NUL
-    if (takeToken(rest, key)) takeToken(rest, value);
-  }
-
-  std::string key;
-  std::string value;
-
- private:
-  static bool takeToken(std::string_view& rest, std::string& token) {
-    const std::size_t start = std::min(rest.find_first_not_of(whiteSpace), rest.size());
-    rest.remove_prefix(start);
-    if (rest.empty()) return false;
-    const std::size_t length = std::min(rest.find_first_of(whiteSpace), rest.size());
-    token = rest.substr(0, length);
-    rest.remove_prefix(length);
-    return true;
-  }
-};
-
-double convert(lm::Conversion conversion, const std::string& value) {
-  if (conversion == lm::Conversion::integer) return std::stoi(value);
-  return static_cast<double>(std::stof(value));
-}
-
 // Applies one entry; whether it was accepted.
 bool apply(kAMBLE& engine, const std::string& key, const std::string& value) {
-  const auto* row = std::find_if(std::begin(lm::paramTable), std::end(lm::paramTable),
-                                 [&](const auto& r) { return r.key == key; });
-  if (row == std::end(lm::paramTable)) return false;
-  const double number = convert(row->conversion, value);
-  if (row->accepts(number)) {
-    row->store(engine, number);
-    return true;
-  }
-  if (row->fallBack != nullptr) row->fallBack(engine);
-  return false;
+  const auto* row = lm::findParam<kAMBLE>(key);
+  return row != nullptr && lm::applyParam(*row, engine, lm::convertParam(row->conversion, value));
 }
 
 // Makes the region's mask. Sizes whose product does not fit 32 bits have no mask that could hold them: it
@@ -97,16 +63,6 @@ void buildRoiMask(kAMBLE& engine) {
 
 }  // namespace
 
-void lm::storeSensitivity(kAMBLE& engine, double value) {
-  if (value == autoSensitivityLevel) {
-    if (log_File_Debug_s != nullptr) {
-      log_File_Debug_s("/Kdbglog/.nera_motion_log/.md.log", 10485760, "enable AUTO sensitivity");
-    }
-    engine.autoSensitivity = true;
-  }
-  storeThresholds(engine, *findLevel(sensitivityLevels, value));
-}
-
 std::vector<bool> kAMBLE::setParam(std::vector<std::string>& paramList, std::vector<polygon>& include,
                                    std::vector<polygon>& exclude) {
   std::vector<bool> accepted(paramList.size(), false);
@@ -115,7 +71,7 @@ std::vector<bool> kAMBLE::setParam(std::vector<std::string>& paramList, std::vec
   roiExclude = exclude;
 
   const lm::CLocaleScope plainNumbers;
-  EntryScanner entry;
+  lm::EntryScanner entry;
   for (std::size_t i = 0; i < paramList.size(); ++i) {
     entry.scan(paramList[i]);
     accepted[i] = apply(*this, entry.key, entry.value);
