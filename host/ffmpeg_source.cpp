@@ -9,6 +9,7 @@
 #include "host/failure.h"
 #include "host/frame_clock.h"
 #include "host/interrupt.h"
+#include "host/shown_address.h"
 #include "host/time_text.h"
 
 extern "C" {
@@ -23,7 +24,7 @@ using namespace std::chrono_literals;
 using Time = FrameClock::Time;
 
 // Paths get the prefix because a colon in a file's name would pass for a protocol.
-std::string address_of(const std::string& name) {
+std::string url_of(const std::string& name) {
   return name.find("://") == std::string::npos && !is_camera(name) ? "file:" + name : name;
 }
 
@@ -71,8 +72,8 @@ bool is_camera(const std::string& name) {
 
 FfmpegSource::FfmpegSource(const std::string& name, const Reading& reading, cv::Size size,
                            std::stop_token stop)
-    : reading_(reading), stop_(std::move(stop)), picker_(reading.fps) {
-  info_.name = name;
+    : address_(name), reading_(reading), stop_(std::move(stop)), picker_(reading.fps) {
+  info_.name = shown_address(name);
   info_.live = is_live(name);
   open_input();
   open_decoder();
@@ -84,7 +85,7 @@ FfmpegSource::FfmpegSource(const std::string& name, const Reading& reading, cv::
 }
 
 void FfmpegSource::start_deadline() {
-  if (is_live(info_.name)) deadline_.allow(reading_.timeout);
+  if (is_live(address_)) deadline_.allow(reading_.timeout);
 }
 
 bool FfmpegSource::gives_up() const {
@@ -101,12 +102,12 @@ void FfmpegSource::open_input() {
   if (input == nullptr) throw std::bad_alloc();
   input->interrupt_callback = {
       [](void* self) { return static_cast<const FfmpegSource*>(self)->gives_up() ? 1 : 0; }, this};
-  if (is_camera(info_.name)) input->flags |= AVFMT_FLAG_NONBLOCK;  // nothing can end its wait for a picture
+  if (is_camera(address_)) input->flags |= AVFMT_FLAG_NONBLOCK;  // nothing can end its wait for a picture
   AVDictionary* settings = nullptr;
   av_dict_set(&settings, "rtsp_transport", "tcp", 0);  // lost packets would look like motion
-  const AVInputFormat* format = is_camera(info_.name) ? av_find_input_format("v4l2") : nullptr;
+  const AVInputFormat* format = is_camera(address_) ? av_find_input_format("v4l2") : nullptr;
   start_deadline();
-  const int opened = avformat_open_input(&input, address_of(info_.name).c_str(), format, &settings);
+  const int opened = avformat_open_input(&input, url_of(address_).c_str(), format, &settings);
   av_dict_free(&settings);
   // The context is gone already when opening failed.
   if (opened == AVERROR_INVALIDDATA && !deadline_.passed())

@@ -47,6 +47,7 @@ class FfmpegSource : public Source {
   std::string early_end() const;
   std::optional<FrameClock::Time> stated_time() const;
 
+  std::string address_;  // as given, passwords and all
   Reading reading_;
   std::stop_token stop_;
   Deadline deadline_;

@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <memory>
 
+#include "host/shown_address.h"
 #include "host/video_writer.h"
 
 namespace lm::host {
@@ -26,32 +27,38 @@ not be written; 2 wrong use, a configuration that does not fit, or no plug-in;
 130 stopped by Ctrl-C, with the outputs complete up to there.
 )";
 
+// Whether or not the names end in a slash.
 bool same_file(const std::string& a, const std::string& b) {
   std::error_code ignored;
-  return !a.empty() && !b.empty() &&
-         (fs::absolute(a, ignored).lexically_normal() == fs::absolute(b, ignored).lexically_normal() ||
-          fs::equivalent(a, b, ignored));
+  const auto plain = [&](const std::string& name) {
+    return (fs::absolute(name, ignored) / "").lexically_normal();
+  };
+  return !a.empty() && !b.empty() && (plain(a) == plain(b) || fs::equivalent(a, b, ignored));
 }
 
-// The outputs take their names when they are complete, so a name used twice would silently lose a file.
+// The outputs take their names when they are complete, so a name used twice would silently lose a file. Names
+// in the two folders have different endings.
 std::string conflict(const Options& options) {
   const struct {
     const char* option;
-    const std::string& file;
+    const std::string& name;
+    bool folder = false;
   } outputs[] = {{"-o", options.results},
                  {"--annotate", options.annotate},
                  {"--events", options.events.file},
                  {"--report", options.report.page},
-                 {"--heatmap", options.report.heatmap}};
+                 {"--heatmap", options.report.heatmap},
+                 {"--snapshots", options.report.snapshots, true},
+                 {"--clips", options.report.clips, true}};
   for (const auto& output : outputs) {
-    if (same_file(output.file, options.source))
-      return std::string(output.option) + " would overwrite the source";
-    if (same_file(output.file, options.config)) {
-      return std::string(output.option) + " would overwrite the configuration";
-    }
+    const std::string clash =
+        std::string(output.option) + (output.folder ? " needs a folder, not " : " would overwrite ");
+    if (same_file(output.name, options.source)) return clash + "the source";
+    if (same_file(output.name, options.config)) return clash + "the configuration";
     for (const auto* other = outputs; other != &output; ++other) {
-      if (same_file(output.file, other->file))
+      if (same_file(output.name, other->name) && !(output.folder && other->folder)) {
         return std::string(other->option) + " and " + output.option + " name the same file";
+      }
     }
   }
   return "";
@@ -112,6 +119,9 @@ Command parse_command_line(const std::vector<std::string>& arguments) {
   app.get_formatter()->column_width(28);
   app.footer(kExamples);
   const CLI::App* run = add_run(app, options);
+  const auto refuse = [&arguments](const std::string& text, const std::string& subcommand) {
+    return refusal(with_shown_addresses(text, arguments), subcommand);
+  };
   std::function<int()> work;
   try {
     app.parse(std::vector<std::string>(arguments.rbegin(), arguments.rend()));
@@ -120,14 +130,14 @@ Command parse_command_line(const std::vector<std::string>& arguments) {
   } catch (const CLI::CallForVersion& version) {
     return {std::nullopt, {}, kDone, std::string(version.what()) + "\n"};
   } catch (const CLI::ParseError& error) {
-    return refusal(error.what(), asked_for(app, arguments));
+    return refuse(error.what(), asked_for(app, arguments));
   }
   if (work) return {std::nullopt, work};
   if (const std::string text = complete_archive_options(*run, options.archive); !text.empty())
-    return refusal(text, "run");
+    return refuse(text, "run");
   if (options.archive.out.empty() && !options.archive.sources.empty())
     options.source = options.archive.sources.front();
-  if (const std::string text = conflict(options); !text.empty()) return refusal(text, "run");
+  if (const std::string text = conflict(options); !text.empty()) return refuse(text, "run");
   return {options};
 }
 

@@ -16,6 +16,7 @@
 
 #include "host/archive/text_file.h"
 #include "host/failure.h"
+#include "host/shown_address.h"
 
 namespace lm::host {
 namespace {
@@ -39,7 +40,7 @@ class Expansion {
 
   void add_named(const std::string& name) {
     if (name.find("://") != std::string::npos) {
-      throw Failure(kRefused, name + ": an archive run takes files, not addresses");
+      throw Failure(kRefused, shown_address(name) + ": an archive run takes files, not addresses");
     }
     std::error_code error;
     if (fs::is_directory(name, error)) {

@@ -4,6 +4,8 @@
 
 #include <filesystem>
 
+#include "host/shown_address.h"
+
 namespace lm::host::mqtt {
 namespace {
 
@@ -45,7 +47,7 @@ std::string compact(const Json::Value& value) {
 std::string camera_name(const std::string& source) {
   if (source.empty()) return "builtin";
   const std::size_t scheme = source.find("://");
-  if (scheme != std::string::npos) return cleaned(without_account(source, scheme));
+  if (scheme != std::string::npos) return cleaned(without_account(shown_address(source), scheme));
   return cleaned(std::filesystem::path(source).stem().string());
 }
 

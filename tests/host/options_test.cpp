@@ -79,6 +79,22 @@ TEST(Options, RefuseOutputsThatWouldReplaceAnInputOrEachOther) {
   EXPECT_NE(refusal({"run", "-o", "a.mp4", "-a", "a.mp4"}).find("name the same file"), std::string::npos);
 }
 
+TEST(Options, RefuseFoldersOnTheNamesOfFiles) {
+  for (const char* option : {"--snapshots", "--clips"}) {
+    const std::string named = option;
+    EXPECT_NE(refusal({"run", "a.mp4", option, "a.mp4/"}).find(named + " needs a folder, not the source"),
+              std::string::npos);
+    EXPECT_NE(
+        refusal({"run", "-c", "a.json", option, "a.json"}).find("needs a folder, not the configuration"),
+        std::string::npos);
+    EXPECT_NE(refusal({"run", "--events", "a.json", option, "./a.json/"})
+                  .find("--events and " + named + " name the same file"),
+              std::string::npos);
+  }
+  EXPECT_TRUE(parse_command_line({"run", "--snapshots", "a", "--clips", "a"}).options)
+      << "pictures and videos have different endings";
+}
+
 TEST(Options, KnowAFileUnderItsOtherName) {
   const program::Folder folder;
   program::write(folder / "a.mp4", "");
