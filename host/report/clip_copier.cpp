@@ -8,6 +8,10 @@
 #include "host/av.h"
 #include "host/failure.h"
 
+extern "C" {
+#include <libavutil/opt.h>
+}
+
 namespace lm::host {
 namespace {
 
@@ -65,9 +69,9 @@ class Copy {
     return format != nullptr && taken(video_) && taken(audio_);
   }
 
-  void begin(const char* container) {
+  void begin(const char* container, const std::string& path) {
     AVFormatContext* output = nullptr;
-    check(avformat_alloc_output_context2(&output, nullptr, container, nullptr));
+    check(avformat_alloc_output_context2(&output, nullptr, container, ("file:" + path).c_str()));
     output_.reset(output);
     for (const int stream : {video_, audio_}) {
       if (stream < 0) continue;
@@ -98,9 +102,12 @@ class Copy {
     check(result);
   }
 
-  void write_file(const std::string& path, std::chrono::microseconds from, std::chrono::microseconds to) {
+  void write_file(std::chrono::microseconds from, std::chrono::microseconds to) {
     const std::int64_t start = key_before(in_video_time(from));
-    check(avio_open(&output_->pb, ("file:" + path).c_str(), AVIO_FLAG_WRITE));
+    check(avio_open(&output_->pb, output_->url, AVIO_FLAG_WRITE));
+    // The index of an MP4 in front, so that a browser plays it at once; other containers have no such
+    // setting.
+    av_opt_set(output_->priv_data, "movflags", "+faststart", 0);
     int result = 0;
     try {
       seek(start);
@@ -198,7 +205,7 @@ const char* container_for_copy(const std::string& file) {
     try {
       Copy copy(file);
       if (!copy.fits(container)) continue;
-      copy.begin(container);
+      copy.begin(container, "");
       copy.write_trial();
       return container;
     } catch (const Refusal&) {  // the next one may take it
@@ -211,8 +218,8 @@ void copy_clip(const std::string& file, const char* container, std::chrono::micr
                std::chrono::microseconds to, const PendingFile& clip) {
   try {
     Copy copy(file);
-    copy.begin(container);
-    copy.write_file(clip.path(), from, to);
+    copy.begin(container, clip.path());
+    copy.write_file(from, to);
   } catch (const Refusal& refusal) {
     throw Failure(kTrouble, clip.target() + " cannot be written: " + av::error_text(refusal.code));
   }

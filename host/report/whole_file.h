@@ -13,7 +13,7 @@ void write_bytes(const PendingFile& file, const std::string& bytes);
 // Puts a file under its name at once.
 void write_file(const std::string& path, const std::string& bytes);
 
-// Makes the folder and those above it when they are missing.
+// Makes the folder and those above it when they are missing, and finds out whether it takes files.
 void make_folder(const std::string& path);
 
 }  // namespace lm::host

@@ -83,6 +83,68 @@ INSTANTIATE_TEST_SUITE_P(All, EachOutput, testing::ValuesIn(kOutputs), [](const 
   return std::string(output.param.option + 2) + "_" + (std::strrchr(output.param.file, '.') + 1);
 });
 
+// The one event in these frames begins with the second of them.
+constexpr Output kFolders[] = {{"--snapshots", "00h00m00.040s-motion.jpg"},
+                               {"--clips", "00h00m00.040s-motion.mp4"}};
+
+class EachFolder : public testing::TestWithParam<Output> {
+ protected:
+  EachFolder() {
+    clips::write(folder_ / "clip.mp4", {64, 48}, clips::regular(40, 40ms));
+    std::filesystem::create_directory(folder_ / "out");
+  }
+
+  Outcome run_with(const std::string& out, const Names& more = {}) const {
+    Names arguments{"--quiet", GetParam().option, out, "--events", folder_ / "a.json"};
+    arguments.insert(arguments.end(), more.begin(), more.end());
+    return run_fake(arguments);
+  }
+
+  static void expect_complaint(const Outcome& outcome, const std::string& text) {
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(program::lines(outcome.errors).size(), 1U) << outcome.errors;
+    EXPECT_NE(outcome.errors.find(text), std::string::npos) << outcome.errors;
+  }
+
+  Names results() const {
+    Names names;
+    for (const auto& entry : std::filesystem::directory_iterator(folder_ / "out"))
+      names.push_back(entry.path().filename());
+    return names;
+  }
+
+  Folder folder_;
+};
+
+TEST_P(EachFolder, ThatIsFullGivesOneLineAndNothingHalf) {
+  const std::string full = folder_ / "out/" + GetParam().file;
+  std::filesystem::create_symlink("/dev/full", full);
+  for (const Names& source : {Names{folder_ / "clip.mp4"}, Names{}}) {  // copied, and recorded
+    expect_complaint(run_with(folder_ / "out", source), full + " cannot be written: No space left on device");
+    EXPECT_EQ(results(), Names{GetParam().file}) << "which is the link";
+    EXPECT_FALSE(std::filesystem::exists(folder_ / "a.json"));
+  }
+}
+
+TEST_P(EachFolder, ThatTakesNoFilesIsFoundOutBeforeTheFirstFrame) {
+  const std::string closed = folder_ / "out";
+  chmod(closed.c_str(), 0500);
+  // The superuser writes there nevertheless.
+  const std::string out = access(closed.c_str(), W_OK) == 0 ? "/sys" : closed;
+  program::write(folder_ / "config", R"({"fake": "frame throws"})");
+  expect_complaint(run_with(out, {"--config", folder_ / "config"}), out + "/");
+}
+
+TEST_P(EachFolder, ThatIsAFileIsNamed) {
+  program::write(folder_ / "file", "");
+  expect_complaint(run_with(folder_ / "file"), (folder_ / "file") + " cannot be made: Not a directory");
+  expect_complaint(run_with(folder_ / "file/out"),
+                   (folder_ / "file/out") + " cannot be made: Not a directory");
+}
+
+INSTANTIATE_TEST_SUITE_P(All, EachFolder, testing::ValuesIn(kFolders),
+                         [](const auto& output) { return std::string(output.param.option + 2); });
+
 TEST(AllOutputs, AreCompletedWhenTheProgramIsStopped) {
   const Folder folder;
   std::vector<std::string> arguments{"run", "--plugin", LIGHTMOTION_FAKE_PLUGIN};

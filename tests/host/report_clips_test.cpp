@@ -1,5 +1,10 @@
 // Events cut out of a file, or recorded from frames.
 #include <gtest/gtest.h>
+#include <json/json.h>
+
+#include <algorithm>
+#include <cmath>
+#include <sstream>
 
 #include "host/av.h"
 #include "host/report/clip_copier.h"
@@ -102,6 +107,18 @@ INSTANTIATE_TEST_SUITE_P(All, Copied,
                                          CopyCase{"Mpeg4", "a.mkv", "-c:v mpeg4 -c:a pcm_s16le", "matroska"}),
                          [](const auto& copied) { return std::string(copied.param.name); });
 
+TEST(Copied, Mp4HasItsIndexInFrontSoThatBrowsersPlayItAtOnce) {
+  const Folder folder;
+  clips::write(folder / "a.mkv", {64, 48}, clips::regular(20, 40ms));
+  const char* container = container_for_copy(folder / "a.mkv");
+  ASSERT_STREQ(container, "mp4");
+  PendingFile clip(folder / "clip");
+  copy_clip(folder / "a.mkv", container, 0s, 1s, clip);
+  const std::string bytes = program::read(clip.path());
+  EXPECT_LT(bytes.find("moov"), bytes.find("mdat"));
+  EXPECT_EQ(clips::read(clip.path()).size(), 20U);
+}
+
 TEST(Copied, NothingFromWhatIsNoFile) {
   const Folder folder;
   EXPECT_EQ(container_for_copy(""), nullptr);
@@ -112,7 +129,7 @@ TEST(Copied, NothingFromWhatIsNoFile) {
 
 Event event_of(microseconds start, microseconds end) {
   Event event;
-  event.id = "a";
+  event.id.assign(1, 'a');
   event.start = start;
   event.end = end;
   event.from = std::max<microseconds>(0us, start - 200ms);
@@ -221,6 +238,24 @@ TEST(Clips, OfTheBuiltInSceneAreRecorded) {
   ASSERT_EQ(outcome.status, 0) << outcome.errors;
   // One event from the second frame to the last; the second before it has one frame.
   EXPECT_EQ(clips::read(folder / "clips/00h00m00.040s-motion.mp4").size(), 500U);
+}
+
+// The real detector: a lamp is switched on at 12 s.
+TEST(Clips, OfAChangeOfLightShowItFromBeforeToAfter) {
+  const Folder folder;
+  const auto outcome = program::run(
+      {"run", "-q", "-o", "/dev/null", "--clips", folder / "clips", "--events", folder / "events.json"});
+  ASSERT_EQ(outcome.status, 0) << outcome.errors;
+  Json::Value file;
+  std::istringstream(program::read(folder / "events.json")) >> file;
+  const auto light = std::find_if(file["events"].begin(), file["events"].end(),
+                                  [](const Json::Value& event) { return event["kind"] == "light"; });
+  ASSERT_NE(light, file["events"].end());
+  ASSERT_NEAR((*light)["start"].asDouble(), 12, 0.2);
+  const auto frames = clips::read(folder / "clips/00h00m12.000s-light.mp4");
+  const double shown = (*light)["to"].asDouble() - (*light)["from"].asDouble();
+  EXPECT_EQ(frames.size(), std::size_t(std::lround(shown * 25)) + 1);
+  EXPECT_GT(cv::mean(frames.back().image)[1], cv::mean(frames.front().image)[1] + 2) << "brighter";
 }
 
 }  // namespace
