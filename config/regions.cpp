@@ -22,8 +22,8 @@ void readRegions(const Json::Value& root, const lightMotion& detector, const lm:
     if (!points.isArray() || points.size() < list.leastPoints) continue;
     regions[i].points.resize(points.size());
     for (Json::ArrayIndex k = 0; k < points.size(); ++k) {
-      regions[i].points[k].x = lm::toPixels(points[k]["x"].asString(), detector.frmW);
-      regions[i].points[k].y = lm::toPixels(points[k]["y"].asString(), detector.frmH);
+      regions[i].points[k].x = lm::toPixels(std::stof(points[k]["x"].asString()), detector.frmW);
+      regions[i].points[k].y = lm::toPixels(std::stof(points[k]["y"].asString()), detector.frmH);
     }
   }
 }
