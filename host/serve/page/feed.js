@@ -1,0 +1,64 @@
+// What comes from the program without being asked twice: pictures with their boxes, and the state when it changes.
+import { getState, request } from "./api.js";
+
+const viewer = Array.from(crypto.getRandomValues(new Uint32Array(2)), (part) => part.toString(36)).join("");
+const pause = (milliseconds) => new Promise((done) => setTimeout(done, milliseconds));
+const longestPause = 4000;
+
+// Events: "frame" {about, picture}, "state", "lost" (an error), "found".
+export class Feed extends EventTarget {
+  #sequence = -1;
+  #stateNumber = null;
+  #lost = false;
+  #applied = 0;
+
+  // What was asked for before a document was applied tells of the document before it, and is not to be believed.
+  noteApplied() {
+    this.#applied += 1;
+  }
+
+  tell(kind, detail) {
+    this.dispatchEvent(new CustomEvent(kind, { detail }));
+  }
+
+  async refresh() {
+    const before = this.#applied;
+    const state = await getState();
+    if (before === this.#applied) this.tell("state", state);
+    else await this.refresh();
+  }
+
+  async run() {
+    for (let wait = 250; ; ) {
+      try {
+        if (this.#stateNumber === null) await this.refresh();
+        await this.#nextFrame();
+        if (this.#lost) this.tell("found");
+        this.#lost = false;
+        wait = 250;
+      } catch (problem) {
+        this.#lost = true;
+        this.#sequence = -1;
+        this.#stateNumber = null;
+        this.tell("lost", problem);
+        await pause(wait);
+        wait = Math.min(wait * 2, longestPause);
+      }
+    }
+  }
+
+  async #nextFrame() {
+    const answer = await request(`/api/frame?after=${this.#sequence}&viewer=${viewer}`);
+    if (answer.status === 204) return this.#follow(this.#stateNumber ?? 0);
+    const about = JSON.parse(answer.headers.get("Lightmotion-Frame"));
+    const picture = await createImageBitmap(await answer.blob());
+    this.#sequence = about.sequence;
+    this.tell("frame", { about, picture });
+    return this.#follow(about.state);
+  }
+
+  async #follow(number) {
+    if (this.#stateNumber !== null && this.#stateNumber !== number) await this.refresh();
+    this.#stateNumber = number;
+  }
+}
