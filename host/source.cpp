@@ -6,9 +6,9 @@
 
 namespace lm::host {
 
-std::unique_ptr<Source> open_source(const std::string& name, const Reading& reading) {
+std::unique_ptr<Source> open_source(const std::string& name, const Reading& reading,
+                                    const std::stop_source& stop) {
   if (name.empty()) return std::make_unique<BuiltinScene>(reading.fps);
-  const std::stop_source stop;
   auto first = std::make_unique<FfmpegSource>(name, reading, cv::Size(), stop.get_token());
   if (!first->info().live) return first;
   const cv::Size size = first->info().size;

@@ -7,6 +7,7 @@
 #include <memory>
 #include <opencv2/core.hpp>
 #include <optional>
+#include <stop_token>
 #include <string>
 #include <utility>
 
@@ -57,6 +58,10 @@ class Source {
   // Moves the next frame into `frame`; false when there is none, or when the program was interrupted.
   virtual bool next(Frame& frame) = 0;
 
+  // The next frame will be the first one that is not earlier than `time`. False when the source cannot do
+  // that: what is live has no other moment than now.
+  virtual bool seek(std::chrono::microseconds) { return false; }
+
   // After the last frame: what was wrong with the source, in one line; empty when nothing was.
   virtual std::string trouble() const { return ""; }
 
@@ -77,8 +82,10 @@ class Source {
 };
 
 // `name`: a path, an address with "://" or a camera "/dev/video..."; empty for the built-in scene.
-// Throws Failure when no frame can be had from it.
-std::unique_ptr<Source> open_source(const std::string& name, const Reading& reading = {});
+// Throws Failure when no frame can be had from it. `stop` ends all waiting, and with it the frames; the
+// source may ask for it itself at its end.
+std::unique_ptr<Source> open_source(const std::string& name, const Reading& reading = {},
+                                    const std::stop_source& stop = std::stop_source());
 
 // Cameras and network addresses are live; files are not. An address may still turn out to be a recording.
 bool is_live(const std::string& name);

@@ -2,7 +2,9 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "host/events/event_tracker.h"
@@ -17,8 +19,14 @@ class EventWatch {
   // Throws Failure when an output cannot be begun.
   explicit EventWatch(const RunContext& context);
 
+  // Another one who listens; to be added before the first frame.
+  void add(std::unique_ptr<EventListener> listener) { tracker_.add(std::move(listener)); }
+
   // The next frame, as the source gave it, with the boxes that the plug-in found.
   void frame(const Frame& frame, std::int64_t number, const std::vector<cv::Rect2d>& boxes);
+
+  // Events end here. `why`: a sentence.
+  void interrupt(const std::string& why) { tracker_.interrupt(why); }
 
   void finish(bool stopped);
   void commit() { tracker_.commit(); }

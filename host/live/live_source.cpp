@@ -49,7 +49,7 @@ LiveSource::~LiveSource() {
 
 bool LiveSource::next(Frame& frame) {
   if (!reader_.joinable()) reader_ = std::thread([this] { read(); });
-  while (interrupted() == 0) {
+  while (interrupted() == 0 && !stop_.stop_requested()) {
     NewestFrame::Taken taken = newest_.take(kGlance);
     for (const std::string& message : taken.messages) say(message);
     if (taken.frame) {
