@@ -3,39 +3,25 @@
 #include <json/json.h>
 
 #include <algorithm>
+#include <cstdio>
 #include <memory>
 #include <stdexcept>
+
+#include "host/presets/presets.h"
 
 namespace lm::host {
 namespace {
 
-// One line from jsoncpp's "* Line 1, Column 3\n  Syntax error: ...\n", which goes on with every error that
-// follows.
-std::string first_error(const std::string& report) {
-  const std::size_t place = report.find_first_not_of("* ");
+// From jsoncpp's "* Line 1, Column 3\n  Syntax error: ...\n", which goes on with every error that follows.
+NoDocument first_error(const std::string& report) {
+  int line = 0;
+  int column = 0;
   const std::size_t end_of_place = std::min(report.find('\n'), report.size());
   const std::size_t cause = report.find_first_not_of(" \n", end_of_place);
-  if (place == std::string::npos || cause == std::string::npos) return report;
-  return report.substr(place, end_of_place - place) + ": " +
-         report.substr(cause, std::min(report.find('\n', cause), report.size()) - cause);
-}
-
-Json::Value parse(const std::string& text) {
-  Json::CharReaderBuilder settings;
-  settings["collectComments"] = false;
-  settings["failIfExtra"] = true;
-  const std::unique_ptr<Json::CharReader> reader(settings.newCharReader());
-  Json::Value root;
-  std::string report;
-  bool parsed = false;
-  try {
-    parsed = reader->parse(text.data(), text.data() + text.size(), &root, &report);
-  } catch (const Json::Exception&) {
-    throw std::invalid_argument("nested too deeply");
-  }
-  if (!parsed) throw std::invalid_argument("not JSON: " + first_error(report));
-  if (!root.isObject()) throw std::invalid_argument("not a JSON object");
-  return root;
+  if (cause == std::string::npos || std::sscanf(report.c_str(), "* Line %d, Column %d", &line, &column) != 2)
+    return NoDocument("not JSON: " + report);
+  return {line, column,
+          "not JSON: " + report.substr(cause, std::min(report.find('\n', cause), report.size()) - cause)};
 }
 
 // "640" for the text "640", for the number 640 and for a size that is left out; the plug-in reads texts only.
@@ -73,12 +59,35 @@ Json::Value whole_frame() {
 
 }  // namespace
 
-std::string default_document() {
-  return R"({"sensitivity": "4", "lcAdap": "3", "minBoxW": "0.02", "minBoxH": "0.05"})";
+NoDocument::NoDocument(int line, int column, const std::string& cause)
+    : std::invalid_argument("line " + std::to_string(line) + ", column " + std::to_string(column) + ": " +
+                            cause),
+      line_(line),
+      column_(column),
+      cause_(cause) {}
+
+Json::Value read_document(const std::string& text) {
+  Json::CharReaderBuilder settings;
+  settings["collectComments"] = false;
+  settings["failIfExtra"] = true;
+  const std::unique_ptr<Json::CharReader> reader(settings.newCharReader());
+  Json::Value root;
+  std::string report;
+  bool parsed = false;
+  try {
+    parsed = reader->parse(text.data(), text.data() + text.size(), &root, &report);
+  } catch (const Json::Exception&) {
+    throw NoDocument("nested too deeply");
+  }
+  if (!parsed) throw first_error(report);
+  if (!root.isObject()) throw NoDocument("not a JSON object");
+  return root;
 }
 
+std::string default_document() { return find_preset("street")->document; }
+
 std::string complete_document(const std::string& text, cv::Size frame) {
-  Json::Value document = parse(text);
+  Json::Value document = read_document(text);
   settle_size(document, "frmW", frame.width);
   settle_size(document, "frmH", frame.height);
   settle_size(document, "frmChn", 3);

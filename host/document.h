@@ -2,9 +2,33 @@
 #pragma once
 
 #include <opencv2/core.hpp>
+#include <stdexcept>
 #include <string>
 
+namespace Json {
+class Value;
+}
+
 namespace lm::host {
+
+// Why a text is no configuration document, and in which line and column, from 1, where that can be told.
+class NoDocument : public std::invalid_argument {
+ public:
+  explicit NoDocument(const std::string& cause) : std::invalid_argument(cause), cause_(cause) {}
+  NoDocument(int line, int column, const std::string& cause);
+
+  int line() const { return line_; }
+  int column() const { return column_; }
+  const std::string& cause() const { return cause_; }  // what() has the place as well
+
+ private:
+  int line_ = 0;
+  int column_ = 0;
+  std::string cause_;
+};
+
+// The text as a JSON object; comments are allowed. Throws NoDocument.
+Json::Value read_document(const std::string& text);
 
 // What runs without --config.
 std::string default_document();

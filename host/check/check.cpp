@@ -1,8 +1,55 @@
 #include "host/check/check.h"
 
+#include <json/json.h>
+
 #include <algorithm>
 
+#include "host/check/coverage.h"
+#include "host/check/effect.h"
+#include "host/check/findings.h"
+#include "host/check/known_keys.h"
+#include "host/check/outlines.h"
+#include "host/check/scalars.h"
+#include "host/check/sizes.h"
+#include "host/document.h"
+
 namespace lm::host::check {
+namespace {
+
+// Regions of interest without an outline, told without looking at pixels.
+bool nothing_included(const Outlines& outlines) {
+  return !outlines.whole_frame && std::none_of(outlines.included.begin(), outlines.included.end(),
+                                               [](const Outline& region) { return !region.corners.empty(); });
+}
+
+std::optional<Coverage> look_at_regions(const Outlines& outlines, std::optional<cv::Size> frame,
+                                        Findings& findings) {
+  if (findings.any_error()) return std::nullopt;
+  if (nothing_included(outlines)) {
+    findings.add(Severity::kError, "roi", "nothing is watched: no region has three points");
+    return std::nullopt;
+  }
+  return frame ? check_coverage(outlines, *frame, findings) : std::nullopt;
+}
+
+Verdict verdict_on(const Json::Value& document, std::optional<cv::Size> frame, Findings& findings) {
+  findings.add_repeats();
+  check_keys(document, "", document_keys(), findings);
+  const SettledSizes sizes = check_sizes(document, frame, findings);
+  const Settings settings = check_scalars(document, sizes, findings);
+  const Outlines outlines = read_outlines(document, findings);
+  const std::optional<Coverage> coverage = look_at_regions(outlines, sizes.frame, findings);
+
+  const std::size_t regions = outlines.included.size() + outlines.excluded.size();
+  Effective effective = in_effect(settings, sizes.frame, regions);
+  if (coverage) effective.watched = coverage->watched;
+  check_least_box(document, effective, coverage, findings);
+  check_memory(effective, installed_memory(), findings);
+  if (findings.any_error()) return {findings.in_order(), std::nullopt};
+  return {findings.in_order(), effective};
+}
+
+}  // namespace
 
 bool Verdict::refused() const {
   return std::any_of(findings.begin(), findings.end(),
@@ -21,9 +68,14 @@ const char* name_of(Severity severity) {
 }
 
 Verdict check_document(const std::string& text, std::optional<cv::Size> frame) {
-  static_cast<void>(text);
-  static_cast<void>(frame);
-  return {{}, Effective{}};
+  Json::Value document;
+  try {
+    document = read_document(text);
+  } catch (const NoDocument& fault) {
+    return {{{Severity::kError, "", fault.line(), fault.column(), fault.cause(), ""}}, std::nullopt};
+  }
+  Findings findings(text);
+  return verdict_on(document, frame, findings);
 }
 
 }  // namespace lm::host::check

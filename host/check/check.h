@@ -20,29 +20,31 @@ struct Finding {
   Severity severity = Severity::kNote;
   std::string key;   // the path to it, such as roi[0].points[2].x; empty for the document as a whole
   int line = 0;      // in the text, from 1; 0 when it has no place there
-  int column = 0;    // in bytes, from 1; 0 when it has no place there
+  int column = 0;    // in characters, from 1; 0 when it has no place there
   std::string text;  // what is wrong, naming the value
   std::string hint;  // what would be right; may be empty
 };
 
 // What the plug-in works with. What takes a frame size is there when the size is known.
 struct Effective {
-  std::int32_t thr_match = 0;    // difference of a sample and a pixel that still match
-  std::int32_t thr_heuris = 0;   // difference of two frames that counts as change
-  std::int32_t thr_illum = 0;    // change of light that is taken up
-  std::int32_t life_static = 0;  // frames for which a thing that stands still is kept
-  double least_box_width = 0;    // as fractions of the frame
+  std::int32_t thr_match = 0;     // grey levels by which a pixel and a sample that match may differ
+  std::int32_t thr_heuris = 0;    // grey levels between two frames up to which a pixel counts as unchanged
+  std::int32_t thr_illum = 0;     // grey levels above which a change of light is followed
+  bool auto_sensitivity = false;  // the least thing that counts adapts to what is seen
+  std::int32_t life_static_seconds = 0;  // until what stands still is background
+  std::int32_t life_static = 0;          // the same in frames, at 30 a second
+  double least_box_width = 0;            // as fractions of the frame; a box below both is dropped
   double least_box_height = 0;
-  cv::Size frame;                 // empty when the size is not known
-  cv::Size least_box_pixels;      // the smallest box that is reported
-  std::uint64_t memory = 0;       // bytes of the plug-in's buffers
-  std::optional<double> watched;  // share of the frame inside the regions, 0 to 1
+  cv::Size frame{};                 // empty when the size is not known
+  cv::Size least_box_pixels{};      // the same in pixels
+  std::uint64_t memory = 0;         // bytes of the plug-in's buffers
+  std::optional<double> watched{};  // share of the frame inside the regions, 0 to 1
 };
 
 struct Verdict {
   std::vector<Finding> findings;       // in the order of the text
-  std::optional<Effective> effective;  // none when the plug-in refuses the document
-  bool refused() const;                // whether a finding is an error
+  std::optional<Effective> effective;  // none when a finding is an error
+  bool refused() const;                // whether one is
 };
 
 // `frame`: the size of the source's frames; else the document's own "frmW" and "frmH", if it has them. The

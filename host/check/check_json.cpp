@@ -21,7 +21,9 @@ Json::Value described(const Effective& effective) {
   object["thrMatch"] = effective.thr_match;
   object["thrHeuris"] = effective.thr_heuris;
   object["thrIllum"] = effective.thr_illum;
-  object["lifeStatic"] = effective.life_static;
+  object["autoSensitivity"] = effective.auto_sensitivity;
+  object["lifeStatic"]["seconds"] = effective.life_static_seconds;
+  object["lifeStatic"]["frames"] = effective.life_static;
   object["leastBox"]["width"] = effective.least_box_width;
   object["leastBox"]["height"] = effective.least_box_height;
   if (effective.frame.empty()) return object;
@@ -43,6 +45,7 @@ std::string to_json(const Verdict& verdict) {
   root["effective"] = verdict.effective ? described(*verdict.effective) : Json::Value();
   Json::StreamWriterBuilder compact;
   compact["indentation"] = "";
+  compact["precision"] = 6;
   return Json::writeString(compact, root);
 }
 

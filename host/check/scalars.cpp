@@ -1,0 +1,133 @@
+#include "host/check/scalars.h"
+
+#include <json/json.h>
+
+#include <exception>
+#include <string>
+#include <string_view>
+
+#include "config/param_entry.h"
+#include "config/scalar_keys.h"
+#include "host/check/findings.h"
+#include "host/check/sizes.h"
+
+namespace lm::host::check {
+namespace {
+
+std::string quoted(const std::string& text) { return shown(Json::Value(text)); }
+
+std::string without_blanks_around(const std::string& text) {
+  constexpr const char* kBlanks = " \t\n\v\f\r";
+  const std::size_t begin = text.find_first_not_of(kBlanks);
+  return begin == std::string::npos ? "" : text.substr(begin, text.find_last_not_of(kBlanks) + 1 - begin);
+}
+
+// What stays in effect when a value of this key is refused.
+std::string kept(const std::string& key, const Settings& settings) {
+  if (key == "lifeStatic") return std::to_string(settings.lifeStatic) + " seconds stay";
+  return shown(static_cast<double>(key == "minBoxW" ? settings.minObjW : settings.minObjH)) + " stays";
+}
+
+class Reader {
+ public:
+  Reader(Findings& findings, Settings& settings) : findings_(findings), settings_(settings) {}
+
+  void read(const std::string& key, const std::string& text, bool is_size) {
+    const bool own = entry_.scan(key + ' ' + text);
+    if (!own && is_size) return;  // complained of already: the plug-in converts it before
+    if (!own) {
+      findings_.add(Severity::kWarning, key,
+                    "is empty: the plug-in takes over " + quoted(entry_.value) + " from \"" + giver_ + "\"",
+                    "a value, or leave the key out");
+    }
+    const auto* row = findParam<Settings>(key);
+    if (row == nullptr) {
+      findings_.add_to_key(Severity::kWarning, key, "has no effect: the plug-in reads it and never uses it",
+                           "leave it out");
+    } else {
+      convert(*row, own ? text : entry_.value, is_size);
+    }
+    if (own) giver_ = key;
+  }
+
+ private:
+  void convert(const ParamRow<Settings>& row, const std::string& text, bool is_size) {
+    const std::string key(row.key);
+    double number = 0;
+    std::size_t used = 0;
+    try {
+      number = convertParam(row.conversion, entry_.value, &used);
+    } catch (const std::exception&) {
+      if (is_size) return;
+      findings_.add(Severity::kError, key,
+                    std::string("must be a ") + (row.conversion == Conversion::integer ? "whole " : "") +
+                        "number, not " + quoted(text) + "; the plug-in refuses it",
+                    row.range);
+      return;
+    }
+    if (entry_.value.substr(0, used) != without_blanks_around(text)) {
+      findings_.add(Severity::kWarning, key, quoted(text) + " is read as " + shown(number),
+                    "nothing but the number");
+    }
+    const Settings before = settings_;
+    if (applyParam(row, settings_, number)) {
+      remark(key, number);
+    } else if (!is_size) {
+      refuse(row, shown(number), kept(key, before));
+    }
+  }
+
+  // A value that is out of range.
+  void refuse(const ParamRow<Settings>& row, const std::string& number, const std::string& stays) {
+    const std::string key(row.key);
+    const std::string outcome = row.fallBack != nullptr ? "the values of level 3 are taken" : stays;
+    const std::string hint = key == "lifeStatic" ? "leave it out for 3 seconds" : row.range;
+    findings_.add(Severity::kWarning, key, number + " is out of range: " + outcome, hint);
+  }
+
+  // A value that is accepted, with consequences that its name does not tell.
+  void remark(const std::string& key, double number) {
+    if (key == "sensitivity" && number == autoSensitivityLevel) {
+      findings_.add(Severity::kNote, key,
+                    "-1: the values of level 5, and the least thing that counts adapts to what is seen");
+    }
+    if (key != "lifeStatic") return;
+    if (number < 0) {
+      findings_.add(Severity::kError, key,
+                    shown(number) + " makes everything background at once: nothing is ever found",
+                    "leave it out for 3 seconds");
+    } else {
+      findings_.add(Severity::kWarning, key,
+                    "0: whatever changes little for a moment becomes background at once",
+                    "leave it out for 3 seconds");
+    }
+  }
+
+  Findings& findings_;
+  Settings& settings_;
+  EntryScanner entry_;
+  std::string giver_;  // of the value that an empty one takes over
+};
+
+}  // namespace
+
+Settings check_scalars(const Json::Value& document, const SettledSizes& sizes, Findings& findings) {
+  Settings settings;
+  Reader reader(findings, settings);
+  for (const ScalarKey<Sizes>& key : scalarKeys<Sizes>) {
+    const Json::Value& value = document[key.name];
+    const bool is_size = key.field != nullptr;
+    if (is_size) {
+      reader.read(key.name, sizes.texts.at(key.name), true);
+    } else if (value.isString()) {
+      reader.read(key.name, value.asString(), false);
+    } else if (document.isMember(key.name)) {
+      findings.add(Severity::kWarning, key.name,
+                   shown(value) + " is no text: the plug-in passes it over, and the default stays",
+                   value.isNumeric() ? "write \"" + shown(value) + "\"" : "a number in quotation marks");
+    }
+  }
+  return settings;
+}
+
+}  // namespace lm::host::check
