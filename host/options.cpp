@@ -5,6 +5,9 @@
 #include <filesystem>
 #include <memory>
 
+#include "host/check/check_command.h"
+#include "host/presets/presets.h"
+#include "host/presets/presets_command.h"
 #include "host/shown_address.h"
 #include "host/video_writer.h"
 
@@ -69,7 +72,10 @@ CLI::App* add_run(CLI::App& app, Options& options) {
   const auto add = [run](const char* name, std::string& value, const char* kind, const char* help) {
     return run->add_option(name, value, help)->type_name(kind);
   };
-  add("-c,--config", options.config, "FILE", "Configuration document (JSON)");
+  CLI::Option* config = add("-c,--config", options.config, "FILE", "Configuration document (JSON)");
+  add("--preset", options.preset, "NAME", "A configuration for a common place (lightmotion presets)")
+      ->check(is_preset)
+      ->excludes(config);
   add("-o,--output", options.results, "FILE", "Result lines go here, not to standard output");
   add("-a,--annotate", options.annotate, "FILE", "Video with the boxes drawn (.mp4, .mkv or .mov)")
       ->check([](const std::string& file) {
@@ -123,6 +129,8 @@ Command parse_command_line(const std::vector<std::string>& arguments) {
     return refusal(with_shown_addresses(text, arguments), subcommand);
   };
   std::function<int()> work;
+  add_check_command(app, work);
+  add_presets_command(app, work);
   try {
     app.parse(std::vector<std::string>(arguments.rbegin(), arguments.rend()));
   } catch (const CLI::CallForHelp&) {

@@ -20,6 +20,7 @@ namespace lm::host {
 struct Options {
   std::string source;    // file, stream address or camera; the built-in scene when empty
   std::string config;    // file with the configuration document
+  std::string preset;    // name of the preset to use instead
   std::string results;   // file for the result lines; standard output when empty
   std::string annotate;  // video file to write with the boxes drawn
   std::string plugin;    // path of the plug-in; searched for when empty

@@ -20,12 +20,14 @@
 #include "host/line_sink.h"
 #include "host/notice.h"
 #include "host/plugin.h"
+#include "host/presets/presets.h"
 #include "host/progress.h"
 #include "host/result_line.h"
 #include "host/source.h"
 #include "host/standard_streams.h"
 #include "host/summary.h"
 #include "host/time_text.h"
+#include "host/timestamp.h"
 
 extern "C" {
 #include <libavutil/log.h>
@@ -35,7 +37,6 @@ namespace lm::host {
 namespace {
 
 using std::chrono::microseconds;
-using std::chrono::milliseconds;
 
 std::string read_file(const std::string& path) {
   const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(path.c_str(), "re"), &std::fclose);
@@ -49,11 +50,20 @@ std::string read_file(const std::string& path) {
   return text;
 }
 
+struct Asked {
+  std::string name;  // for messages
+  std::string text;
+};
+
+Asked asked_document(const Options& options) {
+  if (!options.config.empty()) return {options.config, read_file(options.config)};
+  if (options.preset.empty()) return {"the built-in configuration", default_document()};
+  return {"the preset " + options.preset, find_preset(options.preset)->document};
+}
+
 // The document that the plug-in works with.
 std::string start(Plugin& plugin, const Options& options, const SourceInfo& source) {
-  const bool own = options.config.empty();
-  const std::string name = own ? "the built-in configuration" : options.config;
-  const std::string text = own ? default_document() : read_file(options.config);
+  const auto [name, text] = asked_document(options);
   std::string document;
   try {
     document = complete_document(text, options.live.scale.of(source.size));
@@ -68,14 +78,6 @@ std::string start(Plugin& plugin, const Options& options, const SourceInfo& sour
   const std::string fault = faulty_setting(document);
   throw Failure(kRefused,
                 name + ": " + (fault.empty() ? "" : fault + "; ") + "the plug-in refuses it: " + refusal);
-}
-
-// Milliseconds: a file's own time counted from 1, because the plug-in takes 0 for "unknown"; else the wall
-// clock.
-std::string timestamp(const SourceInfo& source, const Frame& frame) {
-  using namespace std::chrono;
-  if (!source.live) return std::to_string(1 + round<milliseconds>(frame.time).count());
-  return std::to_string(duration_cast<milliseconds>(system_clock::now().time_since_epoch()).count());
 }
 
 microseconds time_since(std::chrono::steady_clock::time_point begin) {

@@ -36,4 +36,11 @@ const Preset* find_preset(const std::string& name) {
   return found == presets().end() ? nullptr : &*found;
 }
 
+std::string is_preset(const std::string& name) {
+  if (find_preset(name) != nullptr) return "";
+  std::string known;
+  for (const Preset& preset : presets()) known.append(known.empty() ? "" : ", ").append(preset.name);
+  return "must be one of " + known + ", not " + name;
+}
+
 }  // namespace lm::host

@@ -18,4 +18,8 @@ const std::vector<Preset>& presets();
 // None of that name: a null pointer.
 const Preset* find_preset(const std::string& name);
 
+// For the command line: empty when there is a preset of that name; otherwise a text that names those there
+// are.
+std::string is_preset(const std::string& name);
+
 }  // namespace lm::host

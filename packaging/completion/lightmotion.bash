@@ -3,10 +3,16 @@ _lightmotion() {
   local word=$2 before=$3
   COMPREPLY=()
   if ((COMP_CWORD == 1)); then
-    mapfile -t COMPREPLY < <(compgen -W 'run --help --version' -- "$word")
+    mapfile -t COMPREPLY < <(compgen -W 'run presets --help --version' -- "$word")
+    return
+  fi
+  local presets='street indoor night grainy calm sensitive'
+  if [[ ${COMP_WORDS[1]} == presets ]]; then
+    mapfile -t COMPREPLY < <(compgen -W "$presets -h --help" -- "$word")
     return
   fi
   case $before in
+    --preset) mapfile -t COMPREPLY < <(compgen -W "$presets" -- "$word") ;;
     -a | --annotate)
       mapfile -t COMPREPLY < <(for kind in mp4 mkv mov; do compgen -f -X "!*.$kind" -- "$word"; done
         compgen -d -- "$word")
@@ -29,7 +35,7 @@ _lightmotion() {
       ;;
     *)
       if [[ $word == -* ]]; then
-        mapfile -t COMPREPLY < <(compgen -W '-c --config -o --output -a --annotate --plugin -q --quiet -v --verbose
+        mapfile -t COMPREPLY < <(compgen -W '-c --config --preset -o --output -a --annotate --plugin -q --quiet -v --verbose
           --events --min-event --gap --pre --post --explain
           --report --heatmap --snapshots --clips
           --mqtt --mqtt-camera --mqtt-password-file --mqtt-ca --mqtt-discovery --progress

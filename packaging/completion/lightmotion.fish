@@ -1,9 +1,14 @@
 # Completion of lightmotion(1) for fish.
 set -l run '__fish_seen_subcommand_from run'
-complete -c lightmotion -n "not $run" -f -a run -d 'Find what moves in a video'
-complete -c lightmotion -n "not $run" -l version -d 'Print the version and exit'
+set -l none '__fish_use_subcommand'
+set -l presets 'street indoor night grainy calm sensitive'
+complete -c lightmotion -n "$none" -f -a run -d 'Find what moves in a video'
+complete -c lightmotion -n "$none" -f -a presets -d 'Show the configurations for common places'
+complete -c lightmotion -n '__fish_seen_subcommand_from presets' -f -a "$presets"
+complete -c lightmotion -n "$none" -l version -d 'Print the version and exit'
 complete -c lightmotion -s h -l help -d 'Print a help message and exit'
 complete -c lightmotion -n "$run" -s c -l config -r -F -d 'Configuration document'
+complete -c lightmotion -n "$run" -l preset -x -a "$presets" -d 'A configuration for a common place'
 complete -c lightmotion -n "$run" -s o -l output -r -F -d 'File for the result lines'
 complete -c lightmotion -n "$run" -s a -l annotate -r -F -d 'Video with the boxes drawn'
 complete -c lightmotion -n "$run" -l events -r -F -d 'File for the events'

@@ -5,11 +5,18 @@ _lightmotion() {
   _arguments -C \
     '(- *)'{-h,--help}'[print a help message and exit]' \
     '(- *)--version[print the version and exit]' \
-    '1:command:((run\:"find what moves in a video"))' \
-    '*::argument:->run'
-  [[ $state == run ]] || return
+    '1:command:((run\:"find what moves in a video"
+      presets\:"show the configurations for common places"))' \
+    '*::argument:->arguments'
+  [[ $state == arguments ]] || return
+  local presets='(street indoor night grainy calm sensitive)'
+  if [[ $line[1] == presets ]]; then
+    _arguments '(- *)'{-h,--help}'[print a help message and exit]' "1:preset:$presets"
+    return
+  fi
   _arguments -s \
-    '(-c --config)'{-c,--config}'[configuration document]:document:_files -g "*.json"' \
+    '(-c --config --preset)'{-c,--config}'[configuration document]:document:_files -g "*.json"' \
+    '(-c --config)--preset[a configuration for a common place]:preset:'$presets \
     '(-o --output)'{-o,--output}'[file for the result lines]:file:_files' \
     '(-a --annotate)'{-a,--annotate}'[video with the boxes drawn]:video:_files -g "*.(mp4|mkv|mov)"' \
     '--events[file for the events]:file:_files -g "*.(json|csv)"' \

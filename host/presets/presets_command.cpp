@@ -1,0 +1,44 @@
+#include "host/presets/presets_command.h"
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <cstdio>
+#include <memory>
+
+#include "host/failure.h"
+#include "host/presets/presets.h"
+
+namespace lm::host {
+namespace {
+
+std::string list() {
+  std::size_t widest = 0;
+  for (const Preset& preset : presets()) widest = std::max(widest, preset.name.size());
+  std::string lines;
+  for (const Preset& preset : presets()) {
+    lines.append(preset.name).append(widest + 2 - preset.name.size(), ' ').append(preset.about).append("\n");
+  }
+  return lines;
+}
+
+int print(const std::string& text) {
+  const bool taken = std::fputs(text.c_str(), stdout) >= 0 && std::fflush(stdout) == 0;
+  if (!taken) throw Failure(kTrouble, "standard output cannot be written");
+  return kDone;
+}
+
+}  // namespace
+
+void add_presets_command(CLI::App& app, std::function<int()>& chosen) {
+  CLI::App* command = app.add_subcommand("presets", "Show the configurations for common places");
+  command->footer("Examples:\n  lightmotion presets night > night.json\n  lightmotion run --preset night\n");
+  const auto name = std::make_shared<std::string>();
+  command->add_option("NAME", *name, "The one whose document is printed; without it, all are listed")
+      ->type_name("")
+      ->check(is_preset);
+  command->callback([name, &chosen] {
+    chosen = [name] { return print(name->empty() ? list() : find_preset(*name)->document); };
+  });
+}
+
+}  // namespace lm::host

@@ -1,0 +1,127 @@
+#include "host/presets/presets.h"
+
+#include <gtest/gtest.h>
+#include <json/json.h>
+
+#include <set>
+#include <sstream>
+
+#include "host/document.h"
+#include "host/document_faults.h"
+#include "host/options.h"
+#include "tests/host/program.h"
+
+namespace {
+
+using namespace lm::host;
+using program::Folder;
+
+Json::Value parsed(const std::string& text) {
+  Json::Value value;
+  std::istringstream(text) >> value;
+  return value;
+}
+
+TEST(Presets, HaveNamesOfTheirOwnAndALineEach) {
+  std::set<std::string> names;
+  for (const Preset& preset : presets()) {
+    names.insert(preset.name);
+    EXPECT_FALSE(preset.about.empty()) << preset.name;
+    EXPECT_EQ(preset.about.find('\n'), std::string::npos) << preset.name;
+    EXPECT_EQ(find_preset(preset.name), &preset);
+  }
+  EXPECT_EQ(names.size(), presets().size());
+  for (const char* name : {"street", "indoor", "night", "sensitive"})
+    EXPECT_EQ(names.count(name), 1U) << name;
+  EXPECT_EQ(find_preset("nowhere"), nullptr);
+}
+
+TEST(Presets, HoldNothingButSettingsThatThePluginReadsAndTheirLine) {
+  for (const Preset& preset : presets()) {
+    const std::vector<std::string> keys = parsed(preset.document).getMemberNames();
+    const std::vector<std::string> expected{"comment", "lcAdap", "minBoxH", "minBoxW", "sensitivity"};
+    EXPECT_EQ(keys, expected) << preset.name;
+    const std::string document = complete_document(preset.document, {640, 360});
+    EXPECT_EQ(faulty_setting(document), "") << preset.name;
+    EXPECT_TRUE(ignored_settings(document).empty()) << preset.name;
+  }
+}
+
+// The plug-in accepts 1 to 5 for both levels, and least boxes above 0 up to 1.
+TEST(Presets, StayInTheRangesThatThePluginAccepts) {
+  for (const Preset& preset : presets()) {
+    const Json::Value root = parsed(preset.document);
+    for (const char* key : {"sensitivity", "lcAdap"}) {
+      const int level = std::stoi(root[key].asString());
+      EXPECT_TRUE(level >= 1 && level <= 5) << preset.name << ' ' << key;
+    }
+    for (const char* key : {"minBoxW", "minBoxH"}) {
+      const double share = std::stod(root[key].asString());
+      EXPECT_TRUE(share > 0 && share <= 1) << preset.name << ' ' << key;
+    }
+  }
+}
+
+TEST(Presets, OfTheStreetIsWhatRunsWithoutAConfiguration) {
+  EXPECT_EQ(default_document(), find_preset("street")->document);
+}
+
+TEST(Presets, AreNamedOnTheCommandLine) {
+  const Command command = parse_command_line({"run", "--preset", "night"});
+  ASSERT_TRUE(command.options);
+  EXPECT_EQ(command.options->preset, "night");
+}
+
+TEST(Presets, ThatAreUnknownAreRefusedWithThoseThereAre) {
+  const Command command = parse_command_line({"run", "--preset", "nigth"});
+  EXPECT_EQ(command.status, kRefused);
+  EXPECT_NE(command.text.find("street, indoor, night"), std::string::npos) << command.text;
+}
+
+TEST(Presets, AndAConfigurationExcludeEachOther) {
+  const Command command = parse_command_line({"run", "--preset", "night", "--config", "own.json"});
+  EXPECT_EQ(command.status, kRefused);
+  EXPECT_NE(command.text.find("--preset"), std::string::npos) << command.text;
+}
+
+TEST(PresetsProgram, ListsNamesAndLines) {
+  const program::Outcome outcome = program::run({"presets"});
+  EXPECT_EQ(outcome.status, 0);
+  const auto lines = program::lines(outcome.output);
+  ASSERT_EQ(lines.size(), presets().size());
+  for (std::size_t i = 0; i < lines.size(); ++i) {
+    EXPECT_TRUE(lines[i].starts_with(presets()[i].name + " ")) << lines[i];
+    EXPECT_TRUE(lines[i].ends_with(" " + presets()[i].about)) << lines[i];
+  }
+}
+
+TEST(PresetsProgram, PrintsADocumentAsItIs) {
+  const program::Outcome outcome = program::run({"presets", "calm"});
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_EQ(outcome.output, find_preset("calm")->document);
+}
+
+TEST(PresetsProgram, RunsWithADocumentAsIfItWereAConfiguration) {
+  const Folder folder;
+  program::write(folder / "calm.json", find_preset("calm")->document);
+  const std::vector<std::string> common{"run",     "--quiet", "--plugin", LIGHTMOTION_PLUGIN,
+                                        "--scale", "0.5",     "--fps",    "5"};
+  auto with = [&](std::vector<std::string> more) {
+    more.insert(more.begin(), common.begin(), common.end());
+    return program::run(more);
+  };
+  const program::Outcome named = with({"--preset", "calm"});
+  const program::Outcome given = with({"--config", folder / "calm.json"});
+  EXPECT_EQ(named.status, 0) << named.errors;
+  EXPECT_FALSE(named.output.empty());
+  EXPECT_EQ(named.output, given.output);
+  EXPECT_NE(named.output, with({}).output);
+}
+
+TEST(PresetsArchive, CountForWhatIsDoneAlready) {
+  const Options options =
+      *parse_command_line({"run", "a.avi", "--out", "results", "--preset", "night"}).options;
+  EXPECT_EQ(options.archive.passed_on, std::vector<std::string>{"--preset=night"});
+}
+
+}  // namespace
