@@ -8,6 +8,7 @@
 #include "host/check/check_command.h"
 #include "host/presets/presets.h"
 #include "host/presets/presets_command.h"
+#include "host/serve/serve_command.h"
 #include "host/shown_address.h"
 #include "host/video_writer.h"
 
@@ -131,6 +132,7 @@ Command parse_command_line(const std::vector<std::string>& arguments) {
   std::function<int()> work;
   add_check_command(app, work);
   add_presets_command(app, work);
+  add_serve_command(app, work);
   try {
     app.parse(std::vector<std::string>(arguments.rbegin(), arguments.rend()));
   } catch (const CLI::CallForHelp&) {
