@@ -26,7 +26,7 @@ export class Comparison {
     find("stages").classList.toggle("comparing", on);
     find("old-stage").hidden = !on;
     find("new-caption").hidden = !on;
-    find("compare").setAttribute("aria-pressed", on);
+    find("compare").textContent = on ? "End comparison" : "Compare settings";
   }
 
   show(picture, { boxes, cost, old, time }) {

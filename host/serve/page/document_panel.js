@@ -5,6 +5,7 @@ import { findingsList } from "./findings.js";
 import { parse } from "./json_text.js";
 
 const largest = 1 << 20;
+const baseName = (path) => path.split("/").at(-1);
 
 export class DocumentPanel {
   #draft;
@@ -46,9 +47,9 @@ export class DocumentPanel {
     find("progress").className = progress;
     find("controls-fault").hidden = !fault;
     const unsaved = !(this.#saved && text === this.#savedText);
-    find("save").textContent = this.#file ? `Save to ${this.#file}` : "Save";
+    find("save").textContent = this.#file ? `Save to ${baseName(this.#file)}` : "Save";
     find("save").disabled = !this.#file || !unsaved || progress === "refused" || progress === "unreachable";
-    find("save").title = this.#file ? "" : "Start lightmotion serve with --config FILE to save from here";
+    find("save").title = this.#file ?? "Start lightmotion serve with --config FILE to save from here";
     // What was said of a text goes with it.
     if (find("saved").dataset.of !== text) this.#tell(unsaved && this.#file ? "Not saved yet." : "", text);
   }
@@ -64,7 +65,7 @@ export class DocumentPanel {
       const { file, backup } = await save(text);
       this.#saved = true;
       this.#savedText = text;
-      this.#tell(backup ? `Saved. The one before is kept as ${backup}.` : `Saved to ${file}.`, text);
+      this.#tell(backup ? `Saved. The one before is kept as ${backup}.` : `Saved as ${file}.`, text);
       say(find("saved").textContent);
     } catch (problem) {
       this.#tell(`Not saved: ${problem.message}`, text);
@@ -76,7 +77,7 @@ export class DocumentPanel {
   #download() {
     const link = element("a", {
       href: URL.createObjectURL(new Blob([this.#draft.text], { type: "application/json" })),
-      download: this.#file ?? "lightmotion.json",
+      download: baseName(this.#file ?? "lightmotion.json"),
     });
     link.click();
     URL.revokeObjectURL(link.href);

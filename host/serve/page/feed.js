@@ -49,8 +49,8 @@ export class Feed extends EventTarget {
 
   async #nextFrame() {
     const answer = await request(`/api/frame?after=${this.#sequence}&viewer=${viewer}`);
-    if (answer.status === 204) return this.#follow(this.#stateNumber ?? 0);
     const about = JSON.parse(answer.headers.get("Lightmotion-Frame"));
+    if (answer.status === 204) return this.#follow(about.state);
     const picture = await createImageBitmap(await answer.blob());
     this.#sequence = about.sequence;
     this.tell("frame", { about, picture });

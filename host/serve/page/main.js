@@ -74,7 +74,6 @@ feed.addEventListener("state", ({ detail }) => {
     rate && `${Number(rate.toFixed(2))} frames a second`,
     live ? "live" : "file, looped",
   ].filter(Boolean).join(" · ");
-  if (width) find("stages").style.setProperty("--shape", `${width} / ${height}`);
   tell(state.problem);
   document.body.classList.remove("lost");
   find("play").setAttribute("aria-label", state.playing ? "Pause" : "Play");
@@ -90,6 +89,7 @@ feed.addEventListener("state", ({ detail }) => {
 
 feed.addEventListener("frame", ({ detail: { about, picture: image } }) => {
   find("waiting").hidden = true;
+  find("stages").style.setProperty("--shape", `${image.width} / ${image.height}`); // of pixels that are square
   picture.show(image, about.boxes, about.time);
   comparison.show(image, about);
   timeline.setTime(about.time);

@@ -1,5 +1,5 @@
 // The settings as controls that say what they do.
-import { element, find, percent } from "./dom.js";
+import { count, element, find, percent } from "./dom.js";
 import { findingsList, findingsOf } from "./findings.js";
 import { removeMember, setMember } from "./json_text.js";
 
@@ -17,7 +17,7 @@ export const settings = [
     ends: ["calm", "keen"],
     slider: { min: 1, max: 5, step: 1, unset: 3 },
     text: (value) => (value === "-1" ? "automatic" : value),
-    effect: ({ thrMatch, thrHeuris }) => `A pixel moves when it differs by more than ${greyLevels(thrMatch)} from what was seen there, and changed by ${thrHeuris}.`,
+    effect: ({ thrMatch, thrHeuris }) => `A pixel counts when it differs by more than ${greyLevels(thrMatch)} from what was seen there before and has just changed by ${thrHeuris}.`,
     extra: { value: "-1", label: "Automatic: keen, and adapts the smallest size to what is seen" },
   },
   {
@@ -35,8 +35,8 @@ export const settings = [
     about: "Boxes that are both narrower and lower than this are dropped. The picture shows the size while you change it.",
     ends: ["tiny", "large"],
     slider: { min: 3, max: 80, step: 1, unset: toPlace(0.05), toPlace, fromPlace: toFraction },
-    text: (value) => `${percent(value, 1)} of the width`,
-    effect: ({ leastBoxPixels: size }) => (size ? `${size.width} pixels.` : ""),
+    text: (value) => percent(value, 1),
+    effect: ({ leastBoxPixels: size }) => (size ? `${count(size.width, "pixel")} of this picture.` : ""),
     ghost: true,
   },
   {
@@ -45,8 +45,8 @@ export const settings = [
     about: "The same for the height.",
     ends: ["tiny", "large"],
     slider: { min: 3, max: 80, step: 1, unset: toPlace(0.05), toPlace, fromPlace: toFraction },
-    text: (value) => `${percent(value, 1)} of the height`,
-    effect: ({ leastBoxPixels: size }) => (size ? `${size.height} pixels.` : ""),
+    text: (value) => percent(value, 1),
+    effect: ({ leastBoxPixels: size }) => (size ? `${count(size.height, "pixel")} of this picture.` : ""),
     ghost: true,
   },
   {
@@ -103,8 +103,8 @@ export class Settings {
   #row(setting) {
     const id = `setting-${setting.key}`;
     const value = element("output", { for: id });
-    const reset = element("button", { type: "button", class: "link", onclick: () => this.#set(setting, null) }, "Use the default");
-    reset.setAttribute("aria-label", `Use the default of ${setting.title}`);
+    const reset = element("button", { type: "button", class: "link", onclick: () => this.#set(setting, null) }, "Reset");
+    reset.setAttribute("aria-label", `Reset ${setting.title.toLowerCase()} to the default`);
     const row = { setting, value, reset, effect: element("p", { class: "effect" }), findings: element("div") };
     row.control = setting.slider ? this.#slider(row, id) : this.#choice(row, id);
     row.extra = setting.extra ? this.#extra(row) : null;
