@@ -1,0 +1,29 @@
+// Single pictures of any moment of a video.
+#pragma once
+
+#include <chrono>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <utility>
+
+#include "host/source.h"
+
+namespace lm::host {
+
+// Reads the source by itself, so that who plays it is not disturbed. May be asked from several threads.
+class Still {
+ public:
+  Still(std::string source, Reading reading) : name_(std::move(source)), reading_(reading) {}
+
+  // The first frame that is not earlier than `time`, or the last one. Throws Failure when there is none.
+  Frame at(std::chrono::microseconds time);
+
+ private:
+  const std::string name_;
+  const Reading reading_;
+  std::mutex mutex_;
+  std::unique_ptr<Source> source_;
+};
+
+}  // namespace lm::host

@@ -1,0 +1,178 @@
+#include "host/serve/web_server.h"
+
+#include <httplib.h>
+
+#include <cerrno>
+#include <exception>
+#include <optional>
+#include <system_error>
+#include <utility>
+
+#include "host/failure.h"
+#include "host/serve/page_files.h"
+
+namespace lm::host {
+namespace {
+
+using httplib::Request;
+using httplib::Response;
+using Routing = httplib::Server::HandlerResponse;
+
+constexpr std::size_t kLongestBody = std::size_t{1} << 20;
+constexpr int kSlowest = 5;  // seconds that a client may take for a part of its request
+// Enough for everybody who may wait for pictures, and then for those who ask for something else.
+constexpr std::size_t kThreads = 2 * Viewers::kMost * Viewers::kMostWaiting;
+
+constexpr const char* kPolicy =
+    "default-src 'self'; img-src 'self' blob:; object-src 'none'; base-uri 'none'; form-action 'none'; "
+    "frame-ancestors 'none'";
+
+const char* type_of(std::string_view name) {
+  const std::string_view ending = name.substr(name.rfind('.') + 1);
+  if (ending == "html") return "text/html; charset=utf-8";
+  if (ending == "css") return "text/css; charset=utf-8";
+  if (ending == "svg") return "image/svg+xml";
+  return "text/javascript; charset=utf-8";
+}
+
+std::optional<Reply> page_reply(const std::string& path) {
+  const std::string name = path == "/" ? "index.html" : path.substr(1);
+  for (const PageFile& file : page_files()) {
+    if (file.name == name) return Reply{.type = type_of(file.name), .body = std::string(file.text)};
+  }
+  return std::nullopt;
+}
+
+Credentials shown_by(const Request& request) {
+  return {request.get_header_value("Host"), request.get_header_value("Origin"),
+          request.get_header_value("Sec-Fetch-Site"), request.get_header_value("Authorization")};
+}
+
+void answer(Response& response, Reply reply) {
+  response.status = reply.status;
+  for (const auto& [name, value] : reply.headers) response.set_header(name, value);
+  if (reply.status != 204) response.set_content(std::move(reply.body), reply.type);
+}
+
+Query query_of(const Request& request, std::string body = "") {
+  return {{request.params.begin(), request.params.end()}, std::move(body)};
+}
+
+Reply handled(const Api::Handler& handler, const Query& query) {
+  try {
+    return handler(query);
+  } catch (const Failure& failure) {
+    return error_reply(failure.status() == kRefused ? 422 : 500, failure.what());
+  }
+}
+
+// All of it, unpacked; nothing when it is longer than allowed or breaks off.
+std::optional<std::string> whole_body(const httplib::ContentReader& read) {
+  std::string body;
+  const bool whole = read([&body](const char* data, std::size_t length) {
+    body.append(data, length);
+    return body.size() <= kLongestBody;
+  });
+  if (!whole) return std::nullopt;
+  return body;
+}
+
+std::string reason_of(int status) {
+  switch (status) {
+    case 413:
+      return "what was sent is longer than " + std::to_string(kLongestBody) + " bytes";
+    case 414:
+      return "the address is too long";
+    default:
+      return "the request cannot be understood";
+  }
+}
+
+void limit(httplib::Server& server) {
+  server.set_payload_max_length(kLongestBody);
+  server.set_read_timeout(kSlowest);
+  server.set_write_timeout(kSlowest);
+  server.set_keep_alive_timeout(1);
+  // One request a connection: the body of one that was turned away can never pass for the next one.
+  server.set_keep_alive_max_count(1);
+  server.set_tcp_nodelay(true);
+  server.new_task_queue = [] { return new httplib::ThreadPool(kThreads); };
+  // Without the library's SO_REUSEPORT, which shares the port with whoever has it already.
+  server.set_socket_options([](int socket) {
+    const int yes = 1;
+    setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &yes, sizeof yes);
+  });
+  server.set_default_headers({{"Content-Security-Policy", kPolicy},
+                              {"X-Content-Type-Options", "nosniff"},
+                              {"Referrer-Policy", "no-referrer"},
+                              {"Cross-Origin-Resource-Policy", "same-origin"},
+                              {"Cache-Control", "no-store"}});
+}
+
+void take_address(httplib::Server& server, Gate& gate) {
+  errno = 0;
+  const bool any = gate.port == 0;
+  if (any) gate.port = server.bind_to_any_port(gate.host);
+  if (any ? gate.port > 0 : server.bind_to_port(gate.host, gate.port)) return;
+  const std::string cause = errno != 0 ? std::generic_category().message(errno) : "no such address";
+  throw Failure(kTrouble, authority(gate.host, gate.port) + " cannot be served on: " + cause);
+}
+
+}  // namespace
+
+WebServer::WebServer(Api& api, Gate gate)
+    : api_(api), gate_(std::move(gate)), server_(std::make_unique<httplib::Server>()) {
+  limit(*server_);
+  server_->set_pre_routing_handler([this](const Request& request, Response& response) {
+    std::optional<Reply> reply = at_once(request);
+    if (!reply) return Routing::Unhandled;
+    answer(response, std::move(*reply));
+    return Routing::Handled;
+  });
+  for (const auto& post : api_.posts()) {
+    server_->Post(post.first, [&handler = post.second](const Request& request, Response& response,
+                                                       const httplib::ContentReader& read) {
+      std::optional<std::string> body = whole_body(read);
+      if (!body) return;  // what was wrong with it is the library's to say
+      answer(response, handled(handler, query_of(request, std::move(*body))));
+    });
+  }
+  server_->set_error_handler([](const Request&, Response& response) {
+    if (response.body.empty()) answer(response, error_reply(response.status, reason_of(response.status)));
+  });
+  server_->set_exception_handler([](const Request&, Response& response, const std::exception_ptr&) {
+    answer(response, error_reply(500, "the program failed to answer"));
+  });
+  take_address(*server_, gate_);
+}
+
+WebServer::~WebServer() { stop(); }
+
+// The answer to everything that needs no body; nothing for what does.
+std::optional<Reply> WebServer::at_once(const Request& request) const {
+  const bool data = request.path.starts_with("/api/");
+  if (const auto turned = turned_away(gate_, shown_by(request), data)) {
+    return error_reply(turned->status, turned->reason);
+  }
+  if (!request.ranges.empty()) return error_reply(416, "parts of an answer are not to be had");
+  if (request.method == "POST" && api_.posts().count(request.path) != 0) return std::nullopt;
+  if (request.method != "GET" && request.method != "HEAD") {
+    return error_reply(405, request.method + " is not for " + request.path);
+  }
+  if (const auto get = api_.gets().find(request.path); get != api_.gets().end()) {
+    return handled(get->second, query_of(request));
+  }
+  if (std::optional<Reply> page = page_reply(request.path)) return page;
+  return error_reply(404, "there is nothing at " + request.path);
+}
+
+std::string WebServer::address() const {
+  const std::string base = "http://" + authority(gate_.host, gate_.port) + "/";
+  return gate_.token.empty() ? base : base + "#token=" + gate_.token;
+}
+
+void WebServer::work() { server_->listen_after_bind(); }
+
+void WebServer::stop() { server_->stop(); }
+
+}  // namespace lm::host
