@@ -44,8 +44,8 @@ Verdict verdict_on(const Json::Value& document, std::optional<cv::Size> frame, F
   Effective effective = in_effect(settings, sizes.frame, regions);
   if (coverage) effective.watched = coverage->watched;
   check_least_box(document, effective, coverage, findings);
-  check_memory(effective, installed_memory(), findings);
   if (findings.any_error()) return {findings.in_order(), std::nullopt};
+  check_memory(effective, installed_memory(), findings);
   return {findings.in_order(), effective};
 }
 

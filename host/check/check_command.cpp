@@ -81,7 +81,7 @@ bool is_size(const std::string& text) {
 void add_check_command(CLI::App& app, std::function<int()>& chosen) {
   CLI::App* command = app.add_subcommand("check", "Say what the plug-in will make of a configuration");
   const auto options = std::make_shared<CheckOptions>();
-  command->add_option("CONFIG", options->config, "Configuration document (JSON)")->required();
+  command->add_option("CONFIG", options->config, "Configuration document (JSON)")->type_name("")->required();
   CLI::Option* source =
       command->add_option("--source", options->source, "Video, address or camera to watch with it")
           ->type_name("SOURCE");

@@ -53,7 +53,7 @@ std::string hint_for(const std::string& key, const std::vector<std::string>& kno
 std::vector<std::string> document_keys() {
   std::vector<std::string> keys;
   for (const auto& key : scalarKeys<Sizes>) keys.emplace_back(key.name);
-  keys.insert(keys.end(), {includedRegions.key, excludedRegions.key, "comment"});
+  keys.insert(keys.end(), {includedRegions.key, excludedRegions.key, "comment", "$schema"});
   return keys;
 }
 

@@ -47,7 +47,8 @@ class Strays {
  private:
   static std::string others(int count) {
     if (count == 1) return "";
-    return ", as do " + std::to_string(count - 1) + " more of this region";
+    return count == 2 ? ", as does another of this region"
+                      : ", as do " + std::to_string(count - 1) + " others of this region";
   }
 
   std::string near_, far_;

@@ -68,13 +68,12 @@ void check_channels_alone(std::optional<int> stated, Findings& findings) {
 
 // The plug-in counts the bytes of a frame in 32 bits.
 void check_product(cv::Size frame, const Json::Value& document, Findings& findings) {
-  const std::int64_t bytes = std::int64_t{frame.width} * frame.height * kChannels;
-  if (bytes / kChannels / frame.width == frame.height && bytes <= std::numeric_limits<std::int32_t>::max())
-    return;
+  constexpr std::int64_t kMost = std::numeric_limits<std::int32_t>::max() / kChannels;
+  if (std::int64_t{frame.width} * frame.height <= kMost) return;
   findings.add(Severity::kError, document.isMember(kWidth) ? kWidth : "",
                "frames of " + std::to_string(frame.width) + " x " + std::to_string(frame.height) +
                    " pixels are more than the plug-in can hold",
-               "2147483647 bytes at most");
+               std::to_string(kMost) + " pixels at most");
 }
 
 }  // namespace

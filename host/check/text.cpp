@@ -2,11 +2,10 @@
 
 #include <algorithm>
 #include <array>
-#include <cmath>
+#include <cstdio>
 #include <vector>
 
 #include "host/check/effect.h"
-#include "host/check/findings.h"
 #include "host/failure.h"
 
 namespace lm::host::check {
@@ -28,12 +27,17 @@ std::string complaint(const Finding& finding) {
   return one_line(text);
 }
 
+std::string percent(double fraction) {
+  std::array<char, 32> text{};
+  std::snprintf(text.data(), text.size(), "%.3g %%", 100 * fraction);
+  return text.data();
+}
+
 std::string in_both(const std::string& width, const std::string& height) {
   return width == height ? width + " each way" : width + " across, " + height + " down";
 }
 
 std::string least_box(const Effective& effective) {
-  const auto percent = [](double fraction) { return shown(100 * fraction) + " %"; };
   std::string text = in_both(percent(effective.least_box_width), percent(effective.least_box_height));
   if (effective.frame.empty()) return text;
   return text + ": " + std::to_string(effective.least_box_pixels.width) + " x " +
@@ -54,7 +58,7 @@ std::vector<Row> rows(const Effective& effective) {
   };
   if (effective.auto_sensitivity) table.emplace_back("least thing", "adapts to what is seen");
   if (effective.frame.empty()) return table;
-  if (effective.watched) table.emplace_back("watched", shown(100 * *effective.watched) + " % of the frame");
+  if (effective.watched) table.emplace_back("watched", percent(*effective.watched) + " of the frame");
   table.emplace_back("memory", memory_text(effective.memory));
   return table;
 }

@@ -1,0 +1,24 @@
+#include "tests/host/check_findings.h"
+
+#include <algorithm>
+
+namespace lm::host::check {
+
+std::vector<std::string> places_of(const Verdict& verdict) {
+  std::vector<std::string> lines;
+  for (const Finding& finding : verdict.findings) {
+    std::string line = name_of(finding.severity);
+    line.append(" ").append(std::to_string(finding.line)).append(":");
+    line.append(std::to_string(finding.column)).append(" ").append(finding.key);
+    lines.push_back(line);
+  }
+  return lines;
+}
+
+Finding finding_on(const Verdict& verdict, const std::string& key) {
+  const auto found = std::find_if(verdict.findings.begin(), verdict.findings.end(),
+                                  [&](const Finding& finding) { return finding.key == key; });
+  return found == verdict.findings.end() ? Finding{} : *found;
+}
+
+}  // namespace lm::host::check

@@ -1,0 +1,129 @@
+// `lightmotion check` as its users meet it.
+#include <gmock/gmock.h>
+#include <json/json.h>
+
+#include <sstream>
+
+#include "host/presets/presets.h"
+#include "tests/host/program.h"
+
+namespace {
+
+using program::Folder;
+using program::Outcome;
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+class CheckProgram : public testing::Test {
+ protected:
+  Outcome check(const std::string& document, std::vector<std::string> arguments = {}) {
+    program::write(file_, document);
+    arguments.insert(arguments.begin(), {"check", file_});
+    return program::run(arguments);
+  }
+
+  const Folder folder_;
+  const std::string file_ = folder_ / "c.json";
+};
+
+TEST_F(CheckProgram, PrintsTheWorstFirstThenWhatIsInEffectThenASummary) {
+  const Outcome outcome =
+      check(R"({"sensitivity": "-1", "lcAdap": "9", "minBoxW": "0.02"})", {"--size", "1280x720"});
+  EXPECT_EQ(outcome.errors, "");
+  EXPECT_EQ(
+      outcome.output,
+      file_ + ":1:33: warning: \"lcAdap\": 9 is out of range: the values of level 3 are taken (1 to 5)\n" +
+          file_ +
+          ":1:17: note: \"sensitivity\": -1: the values of level 5, and the least thing that counts adapts "
+          "to what is seen\n"
+          "in effect at 1280x720:\n"
+          "  matches the background    up to 7 grey levels (thrMatch)\n"
+          "  counts as unchanged       up to 10 grey levels (thrHeuris)\n"
+          "  change of light followed  above 10 grey levels (thrIllum)\n"
+          "  least box                 2 % across, 5 % down: 25 x 36 pixels\n"
+          "  stands still until        3 seconds, 90 frames at 30 a second\n"
+          "  least thing               adapts to what is seen\n"
+          "  watched                   100 % of the frame\n"
+          "  memory                    272 MB\n" +
+          file_ + ": 1 warning, 1 note\n");
+}
+
+TEST_F(CheckProgram, EndsWithAStatusForTheWorst) {
+  EXPECT_EQ(check("{}").status, 0);
+  EXPECT_EQ(check(R"({"sensitivity": "-1"})").status, 0);
+  EXPECT_EQ(check(R"({"sensitivity": "9"})").status, 1);
+  EXPECT_EQ(check(R"({"sensitivity": "9", "lcAdap": "high"})").status, 2);
+  EXPECT_EQ(program::run({"check", folder_ / "none"}).status, 2);
+  EXPECT_EQ(check("{}", {"--source", folder_ / "none.mp4"}).status, 2);
+}
+
+TEST_F(CheckProgram, SaysThatThereIsNothingToSay) {
+  EXPECT_THAT(check("{}").output, HasSubstr(file_ + ": nothing to complain of\n"));
+}
+
+TEST_F(CheckProgram, NamesFilesThatCannotBeRead) {
+  EXPECT_EQ(program::run({"check", folder_ / "none"}).errors,
+            "lightmotion: " + (folder_ / "none") + ": No such file or directory\n");
+  EXPECT_THAT(check("{}", {"--source", folder_ / "none.mp4"}).errors, HasSubstr("none.mp4"));
+}
+
+TEST_F(CheckProgram, TakesTheSizeFromTheSource) {
+  const Outcome outcome = check(R"({"frmW": "1280"})", {"--source", ""});  // the built-in scene
+  EXPECT_THAT(outcome.output,
+              HasSubstr("c.json:1:10: error: \"frmW\": is 1280 but the source's frames have 640 "));
+}
+
+TEST_F(CheckProgram, RefusesSizesThatAreNone) {
+  for (const char* size : {"640", "x360", "0x0", "0.5", "640x360x3"}) {
+    const Outcome outcome = check("{}", {"--size", size});
+    EXPECT_EQ(outcome.status, 2);
+    EXPECT_THAT(outcome.errors, HasSubstr(std::string("not ") + size));
+  }
+}
+
+TEST_F(CheckProgram, SaysWhereATextStopsBeingJson) {
+  EXPECT_THAT(check("{\"a\": 1,\n \"b\" 2}").output,
+              HasSubstr("c.json:2:6: error: not JSON: Missing ':' after object member name\n"));
+}
+
+TEST_F(CheckProgram, GivesProgramsOneObject) {
+  const Outcome outcome = check(R"({"sensitivity": "9"})", {"--size", "640x360", "--json"});
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_EQ(program::lines(outcome.output).size(), 1U);
+  Json::Value root;
+  std::istringstream(outcome.output) >> root;
+  ASSERT_EQ(root["findings"].size(), 1U);
+  const Json::Value& finding = root["findings"][0];
+  EXPECT_THAT(finding.getMemberNames(), ElementsAre("column", "hint", "key", "line", "severity", "text"));
+  EXPECT_EQ(finding["severity"], "warning");
+  EXPECT_EQ(finding["key"], "sensitivity");
+  EXPECT_EQ(finding["line"], 1);
+  EXPECT_EQ(finding["column"], 17);
+  EXPECT_EQ(finding["hint"], "1 to 5, or -1");
+  const Json::Value& effective = root["effective"];
+  EXPECT_EQ(effective["thrMatch"], 13);
+  EXPECT_EQ(effective["thrHeuris"], 12);
+  EXPECT_EQ(effective["thrIllum"], 5);
+  EXPECT_EQ(effective["autoSensitivity"], false);
+  EXPECT_EQ(effective["lifeStatic"]["seconds"], 3);
+  EXPECT_EQ(effective["lifeStatic"]["frames"], 90);
+  EXPECT_EQ(effective["leastBox"]["width"], 0.05);
+  EXPECT_EQ(effective["leastBoxPixels"]["height"], 18);
+  EXPECT_EQ(effective["frame"]["width"], 640);
+  EXPECT_EQ(effective["memory"].asUInt64(), 67'968'000U);
+  EXPECT_EQ(effective["watched"].asDouble(), 1.0);
+}
+
+TEST_F(CheckProgram, HasNothingInEffectWhereThereIsAnError) {
+  Json::Value root;
+  std::istringstream(check("[]", {"--json"}).output) >> root;
+  EXPECT_EQ(root["findings"][0]["text"], "not a JSON object");
+  EXPECT_TRUE(root["effective"].isNull());
+}
+
+TEST_F(CheckProgram, FindsNothingInThePresets) {
+  for (const lm::host::Preset& preset : lm::host::presets())
+    EXPECT_EQ(check(preset.document, {"--size", "640x360"}).status, 0) << preset.name;
+}
+
+}  // namespace
