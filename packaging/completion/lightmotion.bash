@@ -3,12 +3,22 @@ _lightmotion() {
   local word=$2 before=$3
   COMPREPLY=()
   if ((COMP_CWORD == 1)); then
-    mapfile -t COMPREPLY < <(compgen -W 'run presets --help --version' -- "$word")
+    mapfile -t COMPREPLY < <(compgen -W 'run check presets --help --version' -- "$word")
     return
   fi
   local presets='street indoor night grainy calm sensitive'
   if [[ ${COMP_WORDS[1]} == presets ]]; then
     mapfile -t COMPREPLY < <(compgen -W "$presets -h --help" -- "$word")
+    return
+  fi
+  if [[ ${COMP_WORDS[1]} == check ]]; then
+    if [[ $before == --size ]]; then
+      mapfile -t COMPREPLY < <(compgen -W '640x360 1280x720 1920x1080' -- "$word")
+    elif [[ $word == -* ]]; then
+      mapfile -t COMPREPLY < <(compgen -W '--source --size --json -h --help' -- "$word")
+    else
+      mapfile -t COMPREPLY < <(compgen -f -- "$word")
+    fi
     return
   fi
   case $before in

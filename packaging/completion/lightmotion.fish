@@ -1,9 +1,14 @@
 # Completion of lightmotion(1) for fish.
 set -l run '__fish_seen_subcommand_from run'
+set -l check '__fish_seen_subcommand_from check'
 set -l none '__fish_use_subcommand'
 set -l presets 'street indoor night grainy calm sensitive'
 complete -c lightmotion -n "$none" -f -a run -d 'Find what moves in a video'
+complete -c lightmotion -n "$none" -f -a check -d 'Say what the plug-in will make of a configuration'
 complete -c lightmotion -n "$none" -f -a presets -d 'Show the configurations for common places'
+complete -c lightmotion -n "$check" -l source -r -F -d 'Video, address or camera to watch with it'
+complete -c lightmotion -n "$check" -l size -x -a '640x360 1280x720 1920x1080' -d 'Size of the frames'
+complete -c lightmotion -n "$check" -l json -d 'For programs: one JSON object'
 complete -c lightmotion -n '__fish_seen_subcommand_from presets' -f -a "$presets"
 complete -c lightmotion -n "$none" -l version -d 'Print the version and exit'
 complete -c lightmotion -s h -l help -d 'Print a help message and exit'

@@ -6,12 +6,22 @@ _lightmotion() {
     '(- *)'{-h,--help}'[print a help message and exit]' \
     '(- *)--version[print the version and exit]' \
     '1:command:((run\:"find what moves in a video"
+      check\:"say what the plug-in will make of a configuration"
       presets\:"show the configurations for common places"))' \
     '*::argument:->arguments'
   [[ $state == arguments ]] || return
   local presets='(street indoor night grainy calm sensitive)'
   if [[ $line[1] == presets ]]; then
     _arguments '(- *)'{-h,--help}'[print a help message and exit]' "1:preset:$presets"
+    return
+  fi
+  if [[ $line[1] == check ]]; then
+    _arguments \
+      '(--size)--source[video, address or camera to watch with it]:source:_files' \
+      '(--source)--size[size of the frames]:size:(640x360 1280x720 1920x1080)' \
+      '--json[for programs\: one JSON object]' \
+      '(- *)'{-h,--help}'[print a help message and exit]' \
+      '1:document:_files -g "*.json"'
     return
   fi
   _arguments -s \

@@ -16,9 +16,14 @@ COMPLETIONS = {
 OPTION = re.compile(r"(?<![\w-])--?[a-z][a-z-]*")
 
 
+def subcommands():
+    text = output_of(PROGRAM, "--help")
+    return re.findall(r"^  ([a-z]+) ", text[text.index("\nSubcommands:"):text.index("\nExamples:")], re.MULTILINE)
+
+
 def options_in_help():
     """Each line on an option starts like "  -c,--config FILE"."""
-    text = output_of(PROGRAM, "--help") + output_of(PROGRAM, "run", "--help")
+    text = output_of(PROGRAM, "--help") + "".join(output_of(PROGRAM, name, "--help") for name in subcommands())
     lines = re.findall(r"^  (-[^ ]+) ", text, re.MULTILINE)
     return {option for line in lines for option in line.split(",")}
 
@@ -35,7 +40,9 @@ class Options(unittest.TestCase):
         self.assertEqual(set(OPTION.findall(entries)), options_in_help())
 
     def test_of_the_bash_completion_are_those_of_the_help(self):
-        offered = set(self.complete_in_bash("run", "-") + self.complete_in_bash("-"))
+        offered = set(self.complete_in_bash("-"))
+        for name in subcommands():
+            offered.update(self.complete_in_bash(name, "-"))
         self.assertEqual(offered, options_in_help())
 
     def test_of_the_zsh_completion_are_those_of_the_help(self):
@@ -48,6 +55,14 @@ class Options(unittest.TestCase):
         named = {"-" + name for name in re.findall(r" -s (\w)", text)}
         named |= {"--" + name for name in re.findall(r" -l ([\w-]+) ", text.replace("set -l", ""))}
         self.assertEqual(named, options_in_help())
+
+    def test_every_shell_offers_the_subcommands(self):
+        self.assertLessEqual({"run", "check", "presets"}, set(subcommands()))
+        self.assertLessEqual(set(subcommands()), set(self.complete_in_bash("")))
+        for shell in "zsh", "fish":
+            text = COMPLETIONS[shell].read_text()
+            for name in subcommands():
+                self.assertRegex(text, rf'\b{name}( -d|\\:")', f"{shell}: {name}")
 
     def complete_in_bash(self, *words):
         script = ('source "$1"; shift; COMP_WORDS=(lightmotion "$@"); COMP_CWORD=$#; '
