@@ -13,8 +13,8 @@
 
 #include "host/annotator.h"
 #include "host/archive/record.h"
+#include "host/check/before_run.h"
 #include "host/document.h"
-#include "host/document_faults.h"
 #include "host/events/event_watch.h"
 #include "host/interrupt.h"
 #include "host/line_sink.h"
@@ -64,20 +64,17 @@ Asked asked_document(const Options& options) {
 // The document that the plug-in works with.
 std::string start(Plugin& plugin, const Options& options, const SourceInfo& source) {
   const auto [name, text] = asked_document(options);
+  const cv::Size analysed = options.live.scale.of(source.size);
+  check::tell_before_run(name, text, analysed);
   std::string document;
   try {
-    document = complete_document(text, options.live.scale.of(source.size));
+    document = complete_document(text, analysed);
   } catch (const std::invalid_argument& misfit) {
     throw Failure(kRefused, name + ": " + misfit.what());
   }
-  for (const std::string& note : ignored_settings(document)) {
-    warn(std::string(name).append(": ").append(note));
-  }
   const std::string refusal = plugin.start(document);
-  if (refusal.empty()) return document;
-  const std::string fault = faulty_setting(document);
-  throw Failure(kRefused,
-                name + ": " + (fault.empty() ? "" : fault + "; ") + "the plug-in refuses it: " + refusal);
+  if (!refusal.empty()) throw Failure(kRefused, name + ": the plug-in refuses it: " + refusal);
+  return document;
 }
 
 microseconds time_since(std::chrono::steady_clock::time_point begin) {

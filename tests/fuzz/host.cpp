@@ -7,8 +7,9 @@
 
 #include "host/archive/record.h"
 #include "host/archive/shard.h"
+#include "host/check/check.h"
+#include "host/check/text.h"
 #include "host/document.h"
-#include "host/document_faults.h"
 #include "host/events/event_options.h"
 #include "host/events/event_tracker.h"
 #include "host/events/regions.h"
@@ -45,16 +46,20 @@ void readArguments(const std::string& text) {
 
 // A configuration document for frames of 640 x 360.
 void readDocument(const std::string& text) {
+  const check::Verdict verdict = check::check_document(text, cv::Size(640, 360));
+  for (const check::Finding& finding : verdict.findings)
+    fuzz::require(check::sentence("d", finding).find('\n') == std::string::npos,
+                  "a finding of several lines");
+  fuzz::require(!check::to_json(verdict).empty() && !check::to_text("d", verdict).empty(), "a mute verdict");
   std::string document;
   try {
     document = complete_document(text, {640, 360});
   } catch (const std::invalid_argument& misfit) {
     fuzz::require(!one_line(misfit.what()).empty(), "refused without a cause");
+    fuzz::require(verdict.refused(), "a misfit is not found");
     return;
   }
   complete_document(document, {640, 360});  // which is accepted
-  one_line(faulty_setting(document));
-  ignored_settings(document);
   std::vector<std::string> touched;
   Regions(document).touched({0.25, 0.25, 0.5, 0.5}, touched);
 }

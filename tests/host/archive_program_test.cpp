@@ -116,7 +116,7 @@ TEST_F(Archive, GoesOnAfterFilesThatAreBroken) {
 }
 
 TEST_F(Archive, GoesOnAfterProcessesThatDie) {
-  program::write(folder_ / "c.json", R"({"fake": "frame dies"})");
+  program::write(folder_ / "c.json", R"({"comment": "frame dies"})");
   const Outcome outcome = run("out", {"--jobs", "2"});
   EXPECT_EQ(outcome.status, 1);
   EXPECT_NE(outcome.output.find("3 files: 0 fine, 0 with trouble, 3 failed;"), std::string::npos);
@@ -147,7 +147,7 @@ TEST_F(Archive, LeavesAloneWhatIsDoneUntilSourceOrSettingsChange) {
 TEST_F(Archive, KeepsOlderResultsWhereNewOnesFail) {
   ASSERT_EQ(run("out").status, 0);
   const auto before = tree(results(folder_ / "out", clips()[0]));
-  program::write(folder_ / "c.json", R"({"fake": "frame throws"})");
+  program::write(folder_ / "c.json", R"({"comment": "frame throws"})");
   EXPECT_EQ(run("out").status, 1);
   EXPECT_EQ(tree(results(folder_ / "out", clips()[0])), before);
 }
@@ -186,7 +186,7 @@ TEST_F(Archive, TwoRunsAtOnceShareTheWork) {
 class EndedArchive : public Archive {
  protected:
   void start_and_wait_until_two_are_in_hand() {
-    program::write(folder_ / "c.json", R"({"fake": "frame waits"})");
+    program::write(folder_ / "c.json", R"({"comment": "frame waits"})");
     process_ = start("out", {"--jobs", "2"});
     ASSERT_TRUE(archive::eventually([&] { return in_hand() == 2; }));
     children_ = program::read("/proc/" + std::to_string(process_) + "/task/" + std::to_string(process_) +

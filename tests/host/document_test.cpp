@@ -6,7 +6,7 @@
 #include <sstream>
 #include <stdexcept>
 
-#include "host/document_faults.h"
+#include "host/check/check.h"
 
 namespace {
 
@@ -93,12 +93,12 @@ TEST(Document, AcceptsComments) {
 
 TEST(Document, SaysInOneLineWhereTheTextStopsBeingJson) {
   const std::string text = refusal("{\"sensitivity\": \"5\",\n \"lcAdap\" \"2\"}");
-  EXPECT_TRUE(text.starts_with("not JSON: Line 2, Column 11: ")) << text;
+  EXPECT_TRUE(text.starts_with("line 2, column 11: not JSON: ")) << text;
   EXPECT_EQ(text.find('\n'), std::string::npos);
 }
 
-TEST(Document, RefusesTextAfterItsEnd) { EXPECT_TRUE(refusal("{} {}").starts_with("not JSON")); }
-TEST(Document, RefusesAnEmptyFile) { EXPECT_TRUE(refusal("").starts_with("not JSON")); }
+TEST(Document, RefusesTextAfterItsEnd) { EXPECT_NE(refusal("{} {}").find("not JSON"), std::string::npos); }
+TEST(Document, RefusesAnEmptyFile) { EXPECT_NE(refusal("").find("not JSON"), std::string::npos); }
 
 // Found by fuzzing: the JSON library's own exception came out.
 TEST(Document, RefusesJsonThatIsNestedTooDeeply) {
@@ -113,40 +113,7 @@ TEST(Document, RefusesJsonThatIsNoObject) {
 }
 
 TEST(Document, TheDefaultIsCompleteAndWithoutFaults) {
-  const std::string document = complete_document(default_document(), {640, 360});
-  EXPECT_EQ(faulty_setting(document), "");
-  EXPECT_TRUE(ignored_settings(document).empty());
-}
-
-struct FaultCase {
-  const char* document;
-  const char* fault;
-};
-
-class DocumentFault : public testing::TestWithParam<FaultCase> {};
-
-TEST_P(DocumentFault, IsNamed) { EXPECT_EQ(faulty_setting(GetParam().document), GetParam().fault); }
-
-INSTANTIATE_TEST_SUITE_P(
-    All, DocumentFault,
-    testing::Values(
-        FaultCase{R"({})", ""}, FaultCase{R"({"sensitivity": "5", "minBoxW": ".5", "maxBoxW": "any"})", ""},
-        FaultCase{R"({"sensitivity": "high"})", R"("sensitivity" must be a whole number, not "high")"},
-        FaultCase{R"({"lcAdap": "99999999999"})", R"("lcAdap" must be a whole number, not "99999999999")"},
-        FaultCase{R"({"minBoxH": "wide"})", R"("minBoxH" must be a number, not "wide")"},
-        FaultCase{R"({"roi": [3]})", R"("roi" holds a region that is no JSON object)"},
-        FaultCase{R"({"roi": [{"points": [3]}]})", R"("roi" holds a point that is no JSON object)"},
-        FaultCase{R"({"ror": [{}, {"points": [{"x": 0, "y": "a"}]}]})",
-                  R"("ror" holds a point whose "y" is no number)"},
-        FaultCase{R"({"ror": [{"points": [{"y": "1"}]}]})", R"("ror" holds a point whose "x" is no number)"},
-        FaultCase{R"({"roi": [{"points": [{"x": [], "y": "1"}]}]})",
-                  R"("roi" holds a point whose "x" is no number)"}));
-
-TEST(Document, TellsWhichSettingsThePluginPassesOver) {
-  const auto ignored = ignored_settings(R"({"sensitivity": 5, "lcAdap": "2", "minBoxW": null, "mine": 3})");
-  ASSERT_EQ(ignored.size(), 2U);
-  EXPECT_TRUE(ignored[0].starts_with("\"sensitivity\" has no effect"));
-  EXPECT_TRUE(ignored[1].starts_with("\"minBoxW\" has no effect"));
+  EXPECT_TRUE(check::check_document(default_document(), cv::Size(640, 360)).findings.empty());
 }
 
 }  // namespace

@@ -85,7 +85,7 @@ TEST(EventsProgram, RunningAFileTwiceGivesTheSameEvents) {
 
 TEST(EventsProgram, NoFileTakesItsNameWhenTheRunFails) {
   const Folder folder;
-  program::write(folder / "c.json", R"({"fake": "frame throws"})");
+  program::write(folder / "c.json", R"({"comment": "frame throws"})");
   const Outcome outcome = run_fake(
       {clip(folder, 21), "-c", folder / "c.json", "--events", folder / "e.json", "-o", folder / "o"});
   EXPECT_EQ(outcome.status, 1);

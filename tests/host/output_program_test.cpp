@@ -71,7 +71,7 @@ TEST_P(EachOutput, InAFolderThatTakesNoFilesGivesOneLineAndNoFileAtAll) {
 TEST_P(EachOutput, ThatExistedStaysAsItWasWhenTheRunFails) {
   const std::string file = folder_ / GetParam().file;
   program::write(file, "old");
-  program::write(folder_ / "config", R"({"fake": "frame throws"})");
+  program::write(folder_ / "config", R"({"comment": "frame throws"})");
   const Outcome outcome =
       run_fake({folder_ / "clip.mp4", "--quiet", "--config", folder_ / "config", GetParam().option, file});
   EXPECT_EQ(outcome.status, 1);
@@ -131,7 +131,7 @@ TEST_P(EachFolder, ThatTakesNoFilesIsFoundOutBeforeTheFirstFrame) {
   chmod(closed.c_str(), 0500);
   // The superuser writes there nevertheless.
   const std::string out = access(closed.c_str(), W_OK) == 0 ? "/sys" : closed;
-  program::write(folder_ / "config", R"({"fake": "frame throws"})");
+  program::write(folder_ / "config", R"({"comment": "frame throws"})");
   expect_complaint(run_with(out, {"--config", folder_ / "config"}), out + "/");
 }
 

@@ -71,14 +71,14 @@ TEST(Plugin, GivesTheResultOfEachFrame) {
 
 TEST(Plugin, ReportsARefusalInThePluginsWords) {
   Plugin plugin(LIGHTMOTION_FAKE_PLUGIN);
-  EXPECT_EQ(one_line(plugin.start(R"({"fake": "refuse"})")), "Error: this document is refused");
-  EXPECT_EQ(plugin.start(R"({"fake": "refuse mute"})"), "no reason given");
-  EXPECT_EQ(plugin.start(R"({"fake": "throw"})"), "exception \"stoi\"");
+  EXPECT_EQ(one_line(plugin.start(R"({"comment": "refuse"})")), "Error: this document is refused");
+  EXPECT_EQ(plugin.start(R"({"comment": "refuse mute"})"), "no reason given");
+  EXPECT_EQ(plugin.start(R"({"comment": "throw"})"), "exception \"stoi\"");
 }
 
 TEST(Plugin, AnExceptionOnAFrameIsTrouble) {
   Plugin plugin(LIGHTMOTION_FAKE_PLUGIN);
-  ASSERT_EQ(plugin.start(R"({"fake": "frame throws"})"), "");
+  ASSERT_EQ(plugin.start(R"({"comment": "frame throws"})"), "");
   const unsigned char pixel = 0;
   for (int i = 0; i < 4; ++i) plugin.process(&pixel, "1");
   try {

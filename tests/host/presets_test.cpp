@@ -6,8 +6,8 @@
 #include <set>
 #include <sstream>
 
+#include "host/check/check.h"
 #include "host/document.h"
-#include "host/document_faults.h"
 #include "host/options.h"
 #include "tests/host/program.h"
 
@@ -41,9 +41,7 @@ TEST(Presets, HoldNothingButSettingsThatThePluginReadsAndTheirLine) {
     const std::vector<std::string> keys = parsed(preset.document).getMemberNames();
     const std::vector<std::string> expected{"comment", "lcAdap", "minBoxH", "minBoxW", "sensitivity"};
     EXPECT_EQ(keys, expected) << preset.name;
-    const std::string document = complete_document(preset.document, {640, 360});
-    EXPECT_EQ(faulty_setting(document), "") << preset.name;
-    EXPECT_TRUE(ignored_settings(document).empty()) << preset.name;
+    EXPECT_TRUE(check::check_document(preset.document, cv::Size(640, 360)).findings.empty()) << preset.name;
   }
 }
 

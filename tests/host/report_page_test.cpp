@@ -253,7 +253,7 @@ TEST(ReportPage, OfARunShowsWhatHappened) {
 
 TEST(ReportPage, IsNotLeftBehindByARunThatFails) {
   const Folder folder;
-  program::write(folder / "c.json", R"({"fake": "frame throws"})");
+  program::write(folder / "c.json", R"({"comment": "frame throws"})");
   const auto outcome = program::run_fake(
       {"-c", folder / "c.json", "--report", folder / "a.html", "--heatmap", folder / "a.png", "-q"});
   EXPECT_EQ(outcome.status, 1);

@@ -1,13 +1,13 @@
-// A plug-in for the host's tests: no detector, but the same four entry points, with a behaviour for every
-// document.
-//   "fake": "refuse"       initialization prints a line on standard output and returns false
-//   "fake": "refuse mute"  ... returns false without a word
-//   "fake": "throw"        ... throws std::invalid_argument("stoi"), as the conversions of a real plug-in do
-//   "fake": "chatter"      ... prints on standard output and accepts
-//   "fake": "log"          ... writes to the host's log and accepts
-//   "fake": "frame throws" the fifth frame throws
-//   "fake": "frame dies"   ... ends the process
-//   "fake": "frame waits"  ... waits for a signal
+// A plug-in for the host's tests: no detector, but the same four entry points. What a document has in its
+// "comment", which no program minds, tells it how to behave:
+//   refuse        initialization prints a line on standard output and returns false
+//   refuse mute   ... returns false without a word
+//   throw         ... throws std::invalid_argument("stoi"), as the conversions of a real plug-in do
+//   chatter       ... prints on standard output and accepts
+//   log           ... writes to the host's log and accepts
+//   frame throws  the fifth frame throws
+//   frame dies    ... ends the process
+//   frame waits   ... waits for a signal
 // It reports one box on every frame but the first and every tenth. The numbers of the box are texts that no
 // conversion to and from a double would leave as they are.
 #include <json/json.h>
@@ -39,7 +39,7 @@ bool initialization(const char* config) {
   Json::Value document;
   std::istringstream(config) >> document;
   configuration = config;
-  behaviour = document["fake"].asString();
+  behaviour = document["comment"].asString();
   frames = 0;
   if (behaviour == "refuse") std::printf("Error: this document is refused \n");
   if (behaviour == "chatter") std::printf("a line that is no result\n");
