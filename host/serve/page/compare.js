@@ -3,7 +3,8 @@ import { compareWith } from "./api.js";
 import { count, find, say } from "./dom.js";
 import { Picture } from "./picture.js";
 
-const figures = (boxes, cost) => `${count(boxes.length, "box", "boxes")}${cost === undefined ? "" : ` · ${cost.toFixed(1)} ms`}`;
+const figures = (boxes, cost) =>
+  `${count(boxes.length, "box", "boxes")}${cost === undefined ? "" : ` · ${cost.toFixed(1)} ms`}`;
 
 export class Comparison {
   #picture = new Picture(find("old-canvas"), find("old-marks"));

@@ -37,7 +37,9 @@ export class DocumentPanel {
     const { text, findings, fault, progress } = this.#draft;
     if (this.#area.value !== text) this.#area.value = text;
     const list = findingsList(findings, (line) => this.#goTo(line));
-    find("document-findings").replaceChildren(list ?? element("p", { class: "small" }, fault ? "" : "Nothing to remark."));
+    find("document-findings").replaceChildren(
+      list ?? element("p", { class: "small" }, fault ? "" : "Nothing to remark."),
+    );
     find("progress").textContent = {
       applied: "In force",
       checking: "Being applied…",

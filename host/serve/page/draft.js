@@ -130,7 +130,7 @@ export class Draft extends EventTarget {
     } catch (problem) {
       if (text !== this.text) return;
       if (problem.findings?.length) this.findings = problem.findings;
-      else if (problem.status) this.findings = [{ severity: "error", key: "", line: 0, text: problem.message, hint: "" }];
+      else if (problem.status) this.findings = [{ severity: "error", key: "", text: problem.message }];
       this.#report(problem.status ? "refused" : "unreachable");
     }
   }

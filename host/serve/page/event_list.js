@@ -28,12 +28,20 @@ export class EventList {
     const parts = [
       element("span", { class: "kind" }, words[kind] ?? kind),
       element("span", { class: "span" }, span),
-      element("span", { class: "small" }, `${percent(share)} of the picture${regions?.length ? `, ${regions.join(", ")}` : ""}`),
+      element(
+        "span",
+        { class: "small" },
+        `${percent(share)} of the picture${regions?.length ? `, ${regions.join(", ")}` : ""}`,
+      ),
       why ? element("span", { class: "why small" }, why) : null,
     ];
     const box = live
       ? element("div", { class: "event" }, ...parts)
-      : element("button", { type: "button", class: "event", "data-event": id, onclick: () => this.#onSeek(start) }, ...parts);
+      : element(
+          "button",
+          { type: "button", class: "event", "data-event": id, onclick: () => this.#onSeek(start) },
+          ...parts,
+        );
     return element("li", { class: kind }, box);
   }
 }

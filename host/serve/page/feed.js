@@ -29,7 +29,7 @@ export class Feed extends EventTarget {
   }
 
   async run() {
-    for (let wait = 250; ; ) {
+    for (let wait = 250; ;) {
       try {
         if (this.#stateNumber === null) await this.refresh();
         await this.#nextFrame();

@@ -64,7 +64,9 @@ export function removeMember(text, key) {
 function oneLine(value) {
   if (Array.isArray(value)) return `[${value.map(oneLine).join(", ")}]`;
   if (value === null || typeof value !== "object") return JSON.stringify(value);
-  return `{${Object.entries(value).map(([key, part]) => `${JSON.stringify(key)}: ${oneLine(part)}`).join(", ")}}`;
+  return `{${Object.entries(value)
+    .map(([key, part]) => `${JSON.stringify(key)}: ${oneLine(part)}`)
+    .join(", ")}}`;
 }
 
 // A list with an item a line.

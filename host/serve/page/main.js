@@ -73,7 +73,9 @@ feed.addEventListener("state", ({ detail }) => {
     width && `${width} × ${height}`,
     rate && `${Number(rate.toFixed(2))} frames a second`,
     live ? "live" : "file, looped",
-  ].filter(Boolean).join(" · ");
+  ]
+    .filter(Boolean)
+    .join(" · ");
   tell(state.problem);
   document.body.classList.remove("lost");
   find("play").setAttribute("aria-label", state.playing ? "Pause" : "Play");

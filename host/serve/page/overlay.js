@@ -16,7 +16,9 @@ export class Overlay {
   // The layers are in the page, one over the other.
   constructor(svg) {
     this.#svg = svg;
-    this.#layers = Object.fromEntries([...svg.querySelectorAll("[data-layer]")].map((layer) => [layer.dataset.layer, layer]));
+    this.#layers = Object.fromEntries(
+      [...svg.querySelectorAll("[data-layer]")].map((layer) => [layer.dataset.layer, layer]),
+    );
   }
 
   get size() {
@@ -107,7 +109,10 @@ export class Overlay {
     const { width, height } = this.size;
     region.points.forEach(({ x, y }, i) => {
       const next = region.points[(i + 1) % region.points.length];
-      const middle = { cx: (within(x) + within(next.x)) * 0.5 * width, cy: (within(y) + within(next.y)) * 0.5 * height };
+      const middle = {
+        cx: (within(x) + within(next.x)) * 0.5 * width,
+        cy: (within(y) + within(next.y)) * 0.5 * height,
+      };
       const look = { r: 5, class: `middle ${region.kind}`, "aria-hidden": true };
       this.#node("points", `${regionKey(region)}-middle-${i}`, "circle", { ...middle, ...look });
     });
@@ -133,7 +138,12 @@ export class Overlay {
     const { width, height } = this.size;
     points.forEach(({ x, y }, i) => {
       const first = i === 0 && points.length > 2 ? " closing" : "";
-      this.#node("points", `drawn-${i}`, "circle", { cx: x * width, cy: y * height, r: first ? 9 : 5, class: `corner ${kind}${first}` });
+      this.#node("points", `drawn-${i}`, "circle", {
+        cx: x * width,
+        cy: y * height,
+        r: first ? 9 : 5,
+        class: `corner ${kind}${first}`,
+      });
     });
   }
 }

@@ -68,7 +68,10 @@ export class Picture {
     const { width, height } = this.#canvas;
     const [left, top] = [Math.max(0, x) * width, Math.max(0, y) * height];
     const [right, bottom] = [Math.min(1, x + boxWidth) * width, Math.min(1, y + boxHeight) * height];
-    for (const [style, thickness] of [[colours.casing, 4.5], [colours.box, 2]]) {
+    for (const [style, thickness] of [
+      [colours.casing, 4.5],
+      [colours.box, 2],
+    ]) {
       this.#context.strokeStyle = style;
       this.#context.lineWidth = thickness * devicePixelRatio;
       this.#context.strokeRect(left, top, right - left, bottom - top);
@@ -81,7 +84,10 @@ export class Picture {
     const [left, top] = [(width - boxWidth) / 2, (height - boxHeight) / 2];
     this.#context.fillStyle = "rgb(255 255 255 / 0.35)";
     this.#context.fillRect(left, top, boxWidth, boxHeight);
-    for (const [style, dash] of [["#000", []], ["#fff", [5 * devicePixelRatio]]]) {
+    for (const [style, dash] of [
+      ["#000", []],
+      ["#fff", [5 * devicePixelRatio]],
+    ]) {
       this.#context.strokeStyle = style;
       this.#context.lineWidth = 2 * devicePixelRatio;
       this.#context.setLineDash(dash);

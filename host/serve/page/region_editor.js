@@ -76,7 +76,11 @@ export class RegionEditor extends EventTarget {
   }
 
   setPoints(region, points, what, mergeKey = null) {
-    this.#draft.change(replaceRegion(this.#draft.text, { ...region, points }), `${what} of ${nameOf(region)}`, mergeKey);
+    this.#draft.change(
+      replaceRegion(this.#draft.text, { ...region, points }),
+      `${what} of ${nameOf(region)}`,
+      mergeKey,
+    );
   }
 
   movePoint(region, at, x, y, mergeKey = null) {

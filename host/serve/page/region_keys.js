@@ -15,7 +15,13 @@ function move(editor, { region, point }, [dx, dy], far) {
   const size = far ? largeStep : step;
   if (point === null) return editor.moveRegion(region, dx * size, dy * size);
   const { x, y } = region.points[point];
-  return editor.movePoint(region, point, Math.max(0, x) + dx * size, y + dy * size, `point ${region.kind} ${region.index} ${point}`);
+  return editor.movePoint(
+    region,
+    point,
+    Math.max(0, x) + dx * size,
+    y + dy * size,
+    `point ${region.kind} ${region.index} ${point}`,
+  );
 }
 
 function press(editor, event, { region, point }) {
@@ -46,7 +52,8 @@ const drawingKeys = {
 export function listenToKeys(editor, overlay, svg) {
   svg.addEventListener("keydown", (event) => {
     const place = focused(editor, event.target);
-    if (place && !event.ctrlKey && !event.metaKey && !event.altKey && press(editor, event, place)) event.preventDefault();
+    if (place && !event.ctrlKey && !event.metaKey && !event.altKey && press(editor, event, place))
+      event.preventDefault();
   });
   svg.addEventListener("focusin", (event) => {
     const place = focused(editor, event.target);

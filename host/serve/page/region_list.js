@@ -39,8 +39,12 @@ export class RegionList {
     find("watched-share").textContent = percent(share);
     find("watched-bar").value = share;
     find("watched-text").textContent = everything
-      ? regions.length ? "Everything outside the ignored regions is watched." : "No regions: the whole picture is watched."
+      ? regions.length
+        ? "Everything outside the ignored regions is watched."
+        : "No regions: the whole picture is watched."
       : "Only what lies in a watched region counts; ignored regions win.";
+    const onLists = this.#draft.findings.filter(({ key }) => key in kinds);
+    find("region-findings").replaceChildren(...[findingsList(onLists)].filter(Boolean));
     const list = find("region-list");
     // What is being typed in stays.
     if (list.contains(document.activeElement) && document.activeElement.matches("input")) return;
@@ -55,9 +59,17 @@ export class RegionList {
     const id = `${kind}-${index}`;
     const selected = this.#editor.selected === region;
     const remark = remarkOn(region, regions);
-    const rename = ({ target }) => draft.change(replaceRegion(draft.text, { ...region, name: target.value.trim() }), `rename ${name}`);
-    const turn = ({ target }) => draft.change(changeKind(draft.text, region, target.value), `make ${name} ${kinds[target.value].word}`);
-    const nameBox = element("input", { type: "text", value: name, "aria-label": `Name of ${kinds[kind].word} region ${index + 1}`, onchange: rename, "data-focus": `${id}-name` });
+    const rename = ({ target }) =>
+      draft.change(replaceRegion(draft.text, { ...region, name: target.value.trim() }), `rename ${name}`);
+    const turn = ({ target }) =>
+      draft.change(changeKind(draft.text, region, target.value), `make ${name} ${kinds[target.value].word}`);
+    const nameBox = element("input", {
+      type: "text",
+      value: name,
+      "aria-label": `Name of ${kinds[kind].word} region ${index + 1}`,
+      onchange: rename,
+      "data-focus": `${id}-name`,
+    });
     nameBox.addEventListener("keydown", (event) => event.key === "Enter" && nameBox.blur());
     return element(
       "li",
@@ -67,10 +79,26 @@ export class RegionList {
       element(
         "select",
         { "aria-label": `What ${name} does`, onchange: turn, "data-focus": `${id}-kind` },
-        ...Object.entries(kinds).map(([value, { title }]) => element("option", { value, selected: value === kind }, title)),
+        ...Object.entries(kinds).map(([value, { title }]) =>
+          element("option", { value, selected: value === kind }, title),
+        ),
       ),
-      element("button", { type: "button", class: "plain", "aria-label": `Delete ${name}`, title: "Delete", onclick: () => draft.change(removeRegion(draft.text, region), `delete ${name}`) }, "✕"),
-      element("p", { class: "small" }, `${count(region.points.length, "point")}, ${percent(coverage(region))} of the picture`),
+      element(
+        "button",
+        {
+          type: "button",
+          class: "plain",
+          "aria-label": `Delete ${name}`,
+          title: "Delete",
+          onclick: () => draft.change(removeRegion(draft.text, region), `delete ${name}`),
+        },
+        "✕",
+      ),
+      element(
+        "p",
+        { class: "small" },
+        `${count(region.points.length, "point")}, ${percent(coverage(region))} of the picture`,
+      ),
       remark ? element("p", { class: "finding note" }, remark) : null,
       findingsList(findingsOf(draft.findings, `${kind}[${index}]`)),
     );
@@ -78,6 +106,7 @@ export class RegionList {
 
   // Not built anew under the pointer that presses in it.
   #select(region) {
-    if (this.#editor.selected !== region) setTimeout(() => this.#editor.select(this.#editor.find(region.kind, region.index) ?? null));
+    if (this.#editor.selected !== region)
+      setTimeout(() => this.#editor.select(this.#editor.find(region.kind, region.index) ?? null));
   }
 }

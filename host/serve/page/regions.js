@@ -40,8 +40,7 @@ const pointJson = ({ x, y, raw }) => ({ ...raw, x: coordinate(raw?.x, x), y: coo
 const regionJson = ({ name, points, raw }) => ({ ...raw, name, points: points.map(pointJson) });
 
 // Without a list of watched regions everything is watched, so an empty one is left out.
-const withList = (text, kind, list) =>
-  list.length ? setMember(text, kind, listText(list)) : removeMember(text, kind);
+const withList = (text, kind, list) => (list.length ? setMember(text, kind, listText(list)) : removeMember(text, kind));
 
 export const addRegion = (text, region) =>
   withList(text, region.kind, [...listOf(parse(text), region.kind), regionJson(region)]);
@@ -68,7 +67,8 @@ const across = 96;
 const down = 54;
 const shareOf = (test) => {
   let inside = 0;
-  for (let i = 0; i < across * down; i += 1) inside += test(((i % across) + 0.5) / across, (Math.floor(i / across) + 0.5) / down);
+  for (let i = 0; i < across * down; i += 1)
+    inside += test(((i % across) + 0.5) / across, (Math.floor(i / across) + 0.5) / down);
   return inside / (across * down);
 };
 

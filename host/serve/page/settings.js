@@ -17,13 +17,15 @@ export const settings = [
     ends: ["calm", "keen"],
     slider: { min: 1, max: 5, step: 1, unset: 3 },
     text: (value) => (value === "-1" ? "automatic" : value),
-    effect: ({ thrMatch, thrHeuris }) => `A pixel counts when it differs by more than ${greyLevels(thrMatch)} from what was seen there before and has just changed by ${thrHeuris}.`,
+    effect: ({ thrMatch, thrHeuris }) =>
+      `A pixel counts when it differs by more than ${greyLevels(thrMatch)} from what was seen there before and has just changed by ${thrHeuris}.`,
     extra: { value: "-1", label: "Automatic: keen, and adapts the smallest size to what is seen" },
   },
   {
     key: "lcAdap",
     title: "Following the light",
-    about: "How small a change of light is taken up at once instead of being reported. Higher forgives lamps and clouds sooner.",
+    about:
+      "How small a change of light is taken up at once instead of being reported. Higher forgives lamps and clouds sooner.",
     ends: ["slow", "quick"],
     slider: { min: 1, max: 5, step: 1, unset: 4 },
     text: (value) => value,
@@ -32,7 +34,8 @@ export const settings = [
   {
     key: "minBoxW",
     title: "Smallest width",
-    about: "Boxes that are both narrower and lower than this are dropped. The picture shows the size while you change it.",
+    about:
+      "Boxes that are both narrower and lower than this are dropped. The picture shows the size while you change it.",
     ends: ["tiny", "large"],
     slider: { min: 3, max: 80, step: 1, unset: toPlace(0.05), toPlace, fromPlace: toFraction },
     text: (value) => percent(value, 1),
@@ -96,14 +99,19 @@ export class Settings {
 
   #set(setting, value) {
     const { text } = this.#draft;
-    const changed = value === null ? removeMember(text, setting.key) : setMember(text, setting.key, JSON.stringify(value));
+    const changed =
+      value === null ? removeMember(text, setting.key) : setMember(text, setting.key, JSON.stringify(value));
     this.#draft.change(changed, `change ${setting.title.toLowerCase()}`);
   }
 
   #row(setting) {
     const id = `setting-${setting.key}`;
     const value = element("output", { for: id });
-    const reset = element("button", { type: "button", class: "link", onclick: () => this.#set(setting, null) }, "Reset");
+    const reset = element(
+      "button",
+      { type: "button", class: "link", onclick: () => this.#set(setting, null) },
+      "Reset",
+    );
     reset.setAttribute("aria-label", `Reset ${setting.title.toLowerCase()} to the default`);
     const row = { setting, value, reset, effect: element("p", { class: "effect" }), findings: element("div") };
     row.control = setting.slider ? this.#slider(row, id) : this.#choice(row, id);
@@ -114,7 +122,13 @@ export class Settings {
       element("div", { class: "title" }, element("label", { for: id }, setting.title), value, reset),
       element("p", { class: "small", id: `${id}-about` }, setting.about),
       row.control,
-      setting.ends ? element("div", { class: "ends", "aria-hidden": "true" }, ...setting.ends.map((end) => element("span", {}, end))) : null,
+      setting.ends
+        ? element(
+            "div",
+            { class: "ends", "aria-hidden": "true" },
+            ...setting.ends.map((end) => element("span", {}, end)),
+          )
+        : null,
       row.extra,
       row.effect,
       row.findings,
@@ -167,7 +181,8 @@ export class Settings {
     row.value.textContent = value === null ? "not set: the default" : setting.text(value);
     if (setting.slider) {
       const { unset, toPlace: place = Number } = setting.slider;
-      const shown = value === null || !Number.isFinite(Number.parseFloat(value)) ? unset : place(Number.parseFloat(value));
+      const shown =
+        value === null || !Number.isFinite(Number.parseFloat(value)) ? unset : place(Number.parseFloat(value));
       if (document.activeElement !== control || this.#draft.progress === "applied") control.value = shown;
       control.setAttribute("aria-valuetext", row.value.textContent);
     } else {

@@ -66,7 +66,9 @@ export class Timeline {
   #draw() {
     const place = (time) => Math.max(0, Math.min(1000, ((time - this.#from) / this.#span) * 1000));
     const seen = this.#activity.filter(([second]) => second >= this.#from);
-    const steps = seen.map(([second], i) => (seen[i + 1]?.[0] ?? second + (second - (seen[i - 1]?.[0] ?? second - 1))) - second);
+    const steps = seen.map(
+      ([second], i) => (seen[i + 1]?.[0] ?? second + (second - (seen[i - 1]?.[0] ?? second - 1))) - second,
+    );
     const most = Math.max(0.05, ...seen.map(([, share]) => share));
     const bars = seen.map(([second, share], i) => {
       const height = share > 0 ? Math.max(3, 46 * Math.sqrt(share / most)) : 0;

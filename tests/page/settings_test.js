@@ -1,0 +1,63 @@
+import assert from "node:assert/strict";
+import test from "node:test";
+import { useBrowser } from "./support/browser.js";
+import { isLeft } from "./support/clip.js";
+import { framesBecome, inForce, openScene, rootOf } from "./support/scene.js";
+
+useBrowser();
+
+test("more sensitivity, more boxes: side by side, of the same frames", async (t) => {
+  const { page } = await openScene(t, { document: '{"sensitivity": "1"}' });
+  await page.click("#compare");
+  await framesBecome(page, "both detectors answer", (frames) => frames.every(({ old }) => old));
+  await page.click("#tab-settings");
+  await page.focus("#setting-sensitivity");
+  await page.keyboard.press("End");
+  await inForce(page);
+  assert.equal((await rootOf(page)).sensitivity, "5");
+  const left = (boxes) => boxes.some(isLeft);
+  // The faint patch on the left is too faint for sensitivity 1.
+  await framesBecome(
+    page,
+    "the new settings see more",
+    (frames) => frames.every(({ old }) => old && !left(old.boxes)) && frames.some(({ boxes }) => left(boxes)),
+    20,
+  );
+  await page.locator("#old-stage").waitFor();
+  await page.click("#compare");
+  await framesBecome(page, "one detector is left", (frames) => frames.every(({ old }) => !old));
+  await page.locator("#old-stage").waitFor({ state: "hidden" });
+});
+
+test("a preset brings its settings and leaves the regions", async (t) => {
+  const region = {
+    name: "gate",
+    points: [
+      ["0.1", "0.1"],
+      ["0.9", "0.1"],
+      ["0.5", "0.9"],
+    ].map(([x, y]) => ({ x, y })),
+  };
+  const { page } = await openScene(t, { document: JSON.stringify({ site: "yard", sensitivity: "1", roi: [region] }) });
+  await page.click("#tab-settings");
+  await page.locator(".preset", { hasText: "sensitive" }).click();
+  const root = await rootOf(page);
+  assert.equal(root.sensitivity, "5");
+  assert.equal(root.site, "yard");
+  assert.deepEqual(root.roi, [region]);
+});
+
+test("a setting that is out of range is remarked on beside its control, with what happens", async (t) => {
+  const { page } = await openScene(t, { document: '{"sensitivity": "9"}' });
+  await page.click("#tab-settings");
+  const setting = page.locator(".setting", { has: page.locator("#setting-sensitivity") });
+  await setting.locator(".finding").first().waitFor();
+  assert.match(await setting.locator(".finding").first().textContent(), /9/);
+});
+
+test("a setting is taken back to the default by taking it out", async (t) => {
+  const { page } = await openScene(t, { document: '{"sensitivity": "2", "minBoxW": "0.02"}' });
+  await page.click("#tab-settings");
+  await page.click('button[aria-label="Reset sensitivity to the default"]');
+  assert.deepEqual(await rootOf(page), { minBoxW: "0.02" });
+});
