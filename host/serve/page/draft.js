@@ -68,7 +68,7 @@ export class Draft extends EventTarget {
       say("The settings were changed in another window.");
     }
     this.#take(text);
-    this.#judge();
+    this.#await();
   }
 
   // Once more, after the program could not be reached.
