@@ -93,7 +93,8 @@ bool FfmpegSource::gives_up() const {
 }
 
 std::string FfmpegSource::error_text(int code) const {
-  return deadline_.passed() ? "no data for " + seconds_text(reading_.timeout) + " s" : av::error_text(code);
+  const bool late = deadline_.passed() || (code == AVERROR_EXIT && interrupted() == 0);
+  return late ? "no data for " + seconds_text(reading_.timeout) + " s" : av::error_text(code);
 }
 
 void FfmpegSource::open_input() {
@@ -132,6 +133,7 @@ void FfmpegSource::open_decoder() {
   }
   info_.duration = stated_duration(*input_, *stream_);
   info_.live = info_.live && !info_.duration;  // what states its length is a recording
+  untimed_ = info_.live && (input_->iformat->flags & AVFMT_NOTIMESTAMPS) != 0;
   whole_picture_needed_ = info_.live;
   decoder_ = av::new_codec(codec);
   decoder_->pkt_timebase = stream_->time_base;
@@ -182,6 +184,7 @@ void FfmpegSource::note_time() {
 }
 
 std::optional<Time> FfmpegSource::stated_time() const {
+  if (untimed_) return received_;
   if (picture_->best_effort_timestamp == AV_NOPTS_VALUE) return std::nullopt;
   return to_time(picture_->best_effort_timestamp, stream_->time_base);
 }
@@ -238,6 +241,11 @@ bool FfmpegSource::read_packet() {
 int FfmpegSource::read_in_time() {
   for (;;) {
     const int result = av_read_frame(input_.get(), packet_.get());
+    received_ = std::chrono::duration_cast<Time>(Deadline::Clock::now() - opened_);
+    if (result >= 0 && deadline_.passed()) {  // what was half read when the wait was given up
+      av_packet_unref(packet_.get());
+      return AVERROR_EXIT;
+    }
     if (result != AVERROR(EAGAIN)) return result;
     if (gives_up()) return AVERROR_EXIT;
     std::this_thread::sleep_for(5ms);

@@ -62,6 +62,9 @@ class FfmpegSource : public Source {
   FramePicker picker_;
   std::int64_t number_ = 0;            // of the next frame
   std::string note_;                   // for the next frame handed out
+  Deadline::Clock::time_point opened_ = Deadline::Clock::now();
+  FrameClock::Time received_{0};       // when the last packet came, since then
+  bool untimed_ = false;               // a live stream that states no times: pictures count when they come
   bool whole_picture_needed_ = false;  // before any other is of use
   bool first_waits_ = true;            // the picture decoded by the constructor has not been handed out
   bool packet_waits_ = false;          // the decoder had no room for it

@@ -6,7 +6,9 @@
 #include <unistd.h>
 
 #include <csignal>
+#include <cstdlib>
 #include <stdexcept>
+#include <utility>
 
 namespace stream {
 
@@ -75,12 +77,30 @@ int Process::wait() {
   return status;
 }
 
-Camera::Camera(const program::Folder& folder, const std::string& file)
-    : process_({"python3", LIGHTMOTION_CAMERA, file}, folder / "camera.errors"), port_(process_.line(20s)) {
+std::string still_scenes(const program::Folder& folder, const char* coding) {
+  std::string file = folder / "pictures";
+  const std::string command =
+      std::string(
+          "ffmpeg -v error -f lavfi "
+          "-i \"color=0x404040:s=160x120:r=25:d=2,drawbox=20:20:60:60:0x808080:fill\" "
+          "-f lavfi -i \"color=0xa0a0a0:s=160x120:r=25:d=2,drawbox=80:40:60:60:0x202020:fill\" "
+          "-filter_complex concat ") +
+      coding + " " + file;
+  return std::system(command.c_str()) == 0 ? file : "";
+}
+
+bool is_note(const std::string& line) { return line.find("\"note\":\"restarted: ") != std::string::npos; }
+
+bool has_boxes(const std::string& line) { return line.find("\"object\":") != std::string::npos; }
+
+Camera::Camera(const program::Folder& folder, const std::string& file, std::string protocol)
+    : process_({"python3", LIGHTMOTION_CAMERA, file}, folder / "camera.errors"),
+      protocol_(std::move(protocol)),
+      port_(process_.line(20s)) {
   if (port_.empty()) throw std::runtime_error(program::read(folder / "camera.errors"));
 }
 
-std::string Camera::address() const { return "rtsp://127.0.0.1:" + port_ + "/camera"; }
+std::string Camera::address() const { return protocol_ + "://127.0.0.1:" + port_ + "/camera"; }
 
 std::string Camera::ask(const std::string& command) {
   process_.write(command);
@@ -107,6 +127,14 @@ std::string Watcher::watch(Camera& camera, const std::function<bool(const std::s
     }
   }
   return "";
+}
+
+void Watcher::idle(std::chrono::milliseconds time) {
+  const auto end = std::chrono::steady_clock::now() + time;
+  for (auto left = time; left > 0ms;
+       left = std::chrono::ceil<std::chrono::milliseconds>(end - std::chrono::steady_clock::now())) {
+    if (std::string line = process_.line(left); !line.empty()) lines_.push_back(std::move(line));
+  }
 }
 
 int Watcher::stop() {

@@ -36,16 +36,30 @@ class Process {
   std::string read_;
 };
 
-// tests/host/live_camera.py with a file of H.264 pictures.
+// What has ffmpeg make H.264 that the camera takes.
+constexpr const char* kH264 =
+    "-c:v libx264 -g 25 -keyint_min 25 -sc_threshold 0 -bf 0 -x264-params aud=1:repeat-headers=1 -f h264";
+
+// A file with two still scenes of two seconds each, a dark one and a bright one, with a key picture every
+// second. Empty where it cannot be made.
+std::string still_scenes(const program::Folder& folder, const char* coding = kH264);
+
+// Of result lines.
+bool is_note(const std::string& line);  // on a loss
+bool has_boxes(const std::string& line);
+
+// tests/host/live_camera.py with a file of H.264 or JPEG pictures.
 class Camera {
  public:
-  Camera(const program::Folder& folder, const std::string& file);
+  // `protocol`: of its address, rtsp or http.
+  Camera(const program::Folder& folder, const std::string& file, std::string protocol = "rtsp");
 
   std::string address() const;
   std::string ask(const std::string& command);  // the answer to it
 
  private:
   Process process_;
+  std::string protocol_;
   std::string port_;
 };
 
@@ -58,6 +72,8 @@ class Watcher {
   // fulfils this; empty when none does.
   std::string watch(Camera& camera, const std::function<bool(const std::string&)>& wanted,
                     int pictures = 1500);
+
+  void idle(std::chrono::milliseconds time);  // with no picture sent
 
   int stop();  // with Ctrl-C
   int wait() { return process_.wait(); }

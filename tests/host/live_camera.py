@@ -1,7 +1,7 @@
-#!/ usr / bin / python3
+#!/usr/bin/python3
 """A camera on the loopback that does as it is told.
 
-    live_camera.py FILE     H.264 with an access unit delimiter before each picture
+    live_camera.py FILE     H.264 with an access unit delimiter before each picture, or JPEG pictures
 
 It prints the number of its port and then answers each line on standard input with a line:
 
@@ -11,7 +11,8 @@ It prints the number of its port and then answers each line on standard input wi
     seek N    goes on with picture N
     die       ends the connection and takes no more
 
-Pictures go out by RTSP, inside its connection.
+Whoever asks by RTSP gets the pictures inside that connection; whoever asks by HTTP gets H.264 as an MPEG transport
+stream, and JPEG pictures one by one.
 """
 
 import base64
@@ -23,12 +24,17 @@ import sys
 LONGEST_PAYLOAD = 1400
 TICKS = 3600  # of 90 kHz between two pictures: 25 a second
 DELIMITER, SEQUENCE_SET, PICTURE_SET = 9, 7, 8
+START_CODE = b"\x00\x00\x00\x01"
+START_OF_JPEG = b"\xff\xd8\xff"
 
 
 def read_pictures(path):
-    """The units of each picture, without their start codes."""
+    """The units of each picture, without their start codes; of a JPEG picture there is one."""
     with open(path, "rb") as file:
-        units = re.split(b"\x00\x00\x00?\x01", file.read())[1:]
+        content = file.read()
+    if content.startswith(START_OF_JPEG):
+        return [[START_OF_JPEG + rest] for rest in content.split(START_OF_JPEG)[1:]]
+    units = re.split(b"\x00\x00\x00?\x01", content)[1:]
     pictures = []
     for unit in units:
         if unit[0] & 31 == DELIMITER:
@@ -58,28 +64,36 @@ def payloads(unit):
 class Player:
     """Somebody who watches."""
 
-    def __init__(self, connection, sdp):
+    def __init__(self, connection):
         self.connection = connection
-        self.sequence = 0
-        self.greet(connection.makefile("rb"), sdp)
 
-    def greet(self, requests, sdp):
-        """Answers requests up to the one for pictures."""
-        while True:
-            method = requests.readline().split(b" ")[0].decode()
-            fields = {}
-            for line in iter(requests.readline, b"\r\n"):
-                name, _, value = line.decode().partition(":")
-                fields[name.lower()] = value.strip()
-            extra, body = "", ""
-            if method == "DESCRIBE":
-                extra, body = "Content-Type: application/sdp\r\n", sdp
-            elif method == "SETUP":
-                extra = f"Transport: {fields['transport']}\r\n"
-            self.connection.sendall((f"RTSP/1.0 200 OK\r\nCSeq: {fields['cseq']}\r\nSession: 1\r\n{extra}"
-                                     f"Content-Length: {len(body)}\r\n\r\n{body}").encode())
-            if method == "PLAY":
-                return
+    def close(self):
+        self.connection.shutdown(socket.SHUT_RDWR)
+        self.connection.close()
+
+
+class RtspPlayer(Player):
+    def __init__(self, connection, request, requests, sdp):
+        super().__init__(connection)
+        self.sequence = 0
+        while not self.answer(request, requests, sdp):
+            request = requests.readline()
+
+    def answer(self, request, requests, sdp):
+        """True once it was the request for pictures."""
+        method = request.split(b" ")[0].decode()
+        fields = {}
+        for line in iter(requests.readline, b"\r\n"):
+            name, _, value = line.decode().partition(":")
+            fields[name.lower()] = value.strip()
+        extra, body = "", ""
+        if method == "DESCRIBE":
+            extra, body = "Content-Type: application/sdp\r\n", sdp
+        elif method == "SETUP":
+            extra = f"Transport: {fields['transport']}\r\n"
+        self.connection.sendall((f"RTSP/1.0 200 OK\r\nCSeq: {fields['cseq']}\r\nSession: 1\r\n{extra}"
+                                 f"Content-Length: {len(body)}\r\n\r\n{body}").encode())
+        return method == "PLAY"
 
     def send(self, picture, number):
         parts = [part for unit in picture for part in payloads(unit)]
@@ -89,9 +103,63 @@ class Player:
             self.sequence += 1
             self.connection.sendall(struct.pack(">cBH", b"$", 0, len(header) + len(part)) + header + part)
 
-    def close(self):
-        self.connection.shutdown(socket.SHUT_RDWR)
-        self.connection.close()
+
+class HttpPlayer(Player):
+    def __init__(self, connection, requests, kind):
+        super().__init__(connection)
+        for _ in iter(requests.readline, b"\r\n"):
+            pass
+        connection.sendall(f"HTTP/1.0 200 OK\r\nContent-Type: {kind}\r\n\r\n".encode())
+
+
+class JpegPlayer(HttpPlayer):
+    def __init__(self, connection, requests):
+        super().__init__(connection, requests, "multipart/x-mixed-replace; boundary=picture")
+
+    def send(self, picture, _):
+        header = f"--picture\r\nContent-Type: image/jpeg\r\nContent-Length: {len(picture[0])}\r\n\r\n"
+        self.connection.sendall(header.encode() + picture[0] + b"\r\n")
+
+
+class TransportStreamPlayer(HttpPlayer):
+    PROGRAMS, PROGRAM, VIDEO = 0, 0x100, 0x101
+
+    def __init__(self, connection, requests):
+        super().__init__(connection, requests, "video/mp2t")
+        self.counters = {}
+
+    def send(self, picture, number):
+        if picture[1][0] & 31 == SEQUENCE_SET:
+            self.send_packets(self.PROGRAMS, table("00b00d0001c100000001e100"))
+            self.send_packets(self.PROGRAM, table("02b0120001c10000e101f0001be101f000"))
+        time = number * TICKS
+        stamp = bytes([0x21 | time >> 29 & 0x0E, time >> 22 & 0xFF, 1 | time >> 14 & 0xFE, time >> 7 & 0xFF,
+                       1 | time << 1 & 0xFE])
+        units = b"".join(START_CODE + unit for unit in picture)
+        self.send_packets(self.VIDEO, bytes.fromhex("000001e00000808005") + stamp + units)
+
+    def send_packets(self, stream, payload):
+        """Packets of 188 bytes with a header of 4; what is missing in the last is filled up behind its header."""
+        for start in range(0, len(payload), 184):
+            piece = payload[start:start + 184]
+            counter = self.counters.get(stream, 0)
+            self.counters[stream] = counter + 1 & 15
+            missing = 184 - len(piece)
+            filling = (bytes([max(missing - 1, 0), 0]) + b"\xff" * 184)[:missing]
+            first, filled = 0x40 if start == 0 else 0, 0x20 if missing else 0
+            self.connection.sendall(bytes([0x47, first | stream >> 8, stream & 0xFF, 0x10 | filled | counter]) +
+                                    filling + piece)
+
+
+def table(text):
+    """A table with its checksum, as a packet holds it: a pointer to its beginning, and nothing behind it."""
+    body = bytes.fromhex(text)
+    checksum = 0xFFFFFFFF
+    for byte in body:
+        checksum ^= byte << 24
+        for _ in range(8):
+            checksum = (checksum << 1 ^ (0x04C11DB7 if checksum & 0x80000000 else 0)) & 0xFFFFFFFF
+    return (b"\0" + body + struct.pack(">I", checksum)).ljust(184, b"\xff")
 
 
 class Camera:
@@ -108,7 +176,15 @@ class Camera:
         self.port = self.listener.getsockname()[1]
 
     def play(self):
-        self.player = Player(self.listener.accept()[0], description(self.pictures))
+        connection = self.listener.accept()[0]
+        requests = connection.makefile("rb")
+        request = requests.readline()
+        if not request.startswith(b"GET "):
+            self.player = RtspPlayer(connection, request, requests, description(self.pictures))
+        elif self.pictures[0][0].startswith(START_OF_JPEG):
+            self.player = JpegPlayer(connection, requests)
+        else:
+            self.player = TransportStreamPlayer(connection, requests)
 
     def send(self, count):
         for _ in range(int(count)):
