@@ -12,6 +12,8 @@
 namespace lm::host {
 namespace {
 
+const cv::Size kAnySize(640, 360);
+
 // From jsoncpp's "* Line 1, Column 3\n  Syntax error: ...\n", which goes on with every error that follows.
 NoDocument first_error(const std::string& report) {
   int line = 0;
@@ -26,7 +28,7 @@ NoDocument first_error(const std::string& report) {
 
 // "640" for the text "640", for the number 640 and for a size that is left out; the plug-in reads texts only.
 // A text that holds no number stays, for the plug-in to refuse.
-void settle_size(Json::Value& document, const char* key, int actual) {
+void settle_size(Json::Value& document, const char* key, int actual, bool binding = true) {
   Json::Value& stated = document[key];
   int value = actual;
   try {
@@ -35,11 +37,11 @@ void settle_size(Json::Value& document, const char* key, int actual) {
   } catch (const std::exception&) {
     return;
   }
-  if (value != actual) {
+  if (value != actual && binding) {
     throw std::invalid_argument('"' + std::string(key) + "\" is " + std::to_string(value) +
                                 " but the source's frames have " + std::to_string(actual));
   }
-  if (!stated.isString()) stated = std::to_string(actual);
+  if (!stated.isString()) stated = std::to_string(value);
 }
 
 // From one frame width left of the frame: the plug-in does not count a region's left edge as inside.
@@ -88,8 +90,9 @@ std::string default_document() { return find_preset("street")->document; }
 
 std::string complete_document(const std::string& text, cv::Size frame) {
   Json::Value document = read_document(text);
-  settle_size(document, "frmW", frame.width);
-  settle_size(document, "frmH", frame.height);
+  const cv::Size size = frame.empty() ? kAnySize : frame;
+  settle_size(document, "frmW", size.width, !frame.empty());
+  settle_size(document, "frmH", size.height, !frame.empty());
   settle_size(document, "frmChn", 3);
   if (!document.isMember("roi")) document["roi"] = whole_frame();
   Json::StreamWriterBuilder compact;

@@ -34,8 +34,9 @@ Json::Value read_document(const std::string& text);
 std::string default_document();
 
 // Adds to `text` what it leaves out: "frmW", "frmH" and "frmChn" from the frames' size (3 channels), and a
-// "roi" that covers the whole frame. Everything else stays as it is. Throws std::invalid_argument, naming the
-// cause, when the text is not a JSON object or states other frame sizes.
+// "roi" that covers the whole frame. Everything else stays as it is. An empty `frame`: its size is not known
+// yet; any that is stated is right, and else it is that of the built-in scene. Throws std::invalid_argument,
+// naming the cause, when the text is not a JSON object or states other frame sizes.
 std::string complete_document(const std::string& text, cv::Size frame);
 
 }  // namespace lm::host

@@ -61,11 +61,10 @@ Asked asked_document(const Options& options) {
   return {"the preset " + options.preset, find_preset(options.preset)->document};
 }
 
-// The document that the plug-in works with.
-std::string start(Plugin& plugin, const Options& options, const SourceInfo& source) {
+// The document that the plug-in works with. `analysed`: the size of its frames; empty when any will do.
+std::string start(Plugin& plugin, const Options& options, cv::Size analysed) {
   const auto [name, text] = asked_document(options);
-  const cv::Size analysed = options.live.scale.of(source.size);
-  check::tell_before_run(name, text, analysed);
+  check::tell_before_run(name, text, analysed.empty() ? std::nullopt : std::optional(analysed));
   std::string document;
   try {
     document = complete_document(text, analysed);
@@ -176,11 +175,13 @@ class Run {
 
 }  // namespace
 
+void try_configuration(Plugin& plugin, const Options& options) { start(plugin, options, {}); }
+
 int run(const Options& options) {
   av_log_set_level(options.verbose ? AV_LOG_INFO : AV_LOG_QUIET);
   Plugin plugin(find_plugin(options.plugin, program_folder()));
   const std::unique_ptr<Source> source = open_source(options.source, options.live.reading);
-  const std::string document = start(plugin, options, source->info());
+  const std::string document = start(plugin, options, options.live.scale.of(source->info().size));
   const Figures figures = Run(options, *source, plugin, document).all_frames();
   if (!options.archive.figures.empty()) write_figures(options.archive.figures, figures);
   if (!options.quiet && options.progress != ProgressMode::kLines)

@@ -24,6 +24,7 @@
 #include "host/archive/text_file.h"
 #include "host/interrupt.h"
 #include "host/plugin.h"
+#include "host/run.h"
 
 namespace lm::host {
 namespace {
@@ -62,7 +63,8 @@ ArchiveSettings settings_of(const Options& options) {
     configuration = *text;
   }
   const std::vector<std::string>& passed_on = options.archive.passed_on;
-  return {made_folder(options.archive.out), passed_on, settings_digest(passed_on, configuration)};
+  return {made_folder(options.archive.out), passed_on, settings_digest(passed_on, configuration),
+          options.archive.file_timeout};
 }
 
 std::vector<ArchiveFile> files_of(const ArchiveOptions& options, const Shard& shard) {
@@ -156,6 +158,7 @@ class ArchiveRun {
   void take_ended() {
     for (auto run = running_.begin(); run != running_.end();) {
       int status = 0;
+      run->keep_time();
       if (waitpid(run->process(), &status, WNOHANG) != run->process()) {
         ++run;
         continue;
@@ -197,6 +200,12 @@ class ArchiveRun {
   ArchiveState state_;
 };
 
+// What no file could be looked at with is found out here and not by every child.
+void try_out(const Options& options) {
+  Plugin plugin(find_plugin(options.plugin, program_folder()));
+  try_configuration(plugin, options);
+}
+
 std::string table_name(const Shard& shard) {
   if (shard.count == 1) return "/files.csv";
   return "/files-" + std::to_string(shard.index + 1) + "-of-" + std::to_string(shard.count) + ".csv";
@@ -207,8 +216,7 @@ std::string table_name(const Shard& shard) {
 int run_archive(const Options& options) {
   const Shard shard = parse_shard(options.archive.shard);
   const std::vector<ArchiveFile> files = files_of(options.archive, shard);
-  // Found out here and not by every child.
-  static_cast<void>(Plugin(find_plugin(options.plugin, program_folder())));
+  try_out(options);
   const ArchiveSettings settings = settings_of(options);
   const std::vector<TableRow> rows = ArchiveRun(options, settings, files).all_files();
   if (interrupted() != 0) {

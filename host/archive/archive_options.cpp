@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <filesystem>
 #include <string_view>
 
@@ -9,8 +10,9 @@ namespace lm::host {
 namespace {
 
 namespace fs = std::filesystem;
+using namespace std::chrono_literals;
 
-constexpr std::array<std::string_view, 6> kOwn{"--out",   "--jobs",    "--shard",
+constexpr std::array<std::string_view, 7> kOwn{"--out",   "--jobs",    "--shard",   "--file-timeout",
                                                "--force", "--figures", "--progress"};
 constexpr std::array<std::string_view, 7> kOutputs{"--output",    "--annotate", "--events", "--heatmap",
                                                    "--snapshots", "--clips",    "--report"};
@@ -57,8 +59,8 @@ std::string misplaced_output(const std::vector<std::string>& arguments) {
 // A run over a single source.
 std::string single_misuse(const ArchiveOptions& options) {
   std::error_code ignored;
-  if (options.jobs != 0 || options.force || !options.shard.empty()) {
-    return "--jobs, --shard and --force are of use with --out DIR only";
+  if (options.jobs != 0 || options.force || !options.shard.empty() || options.file_timeout > 0us) {
+    return "--jobs, --shard, --file-timeout and --force are of use with --out DIR only";
   }
   if (options.sources.size() > 1) return "several sources need --out DIR: " + options.sources[1];
   if (options.sources.empty()) return "";
@@ -89,6 +91,15 @@ void add_archive_options(CLI::App& run, ArchiveOptions& options) {
                  "Only every Nth file from the Ith on, counted from 1;\n"
                  "slurm: as the Slurm array task says")
       ->type_name("I/N")
+      ->group(group);
+  run.add_option_function<double>(
+         "--file-timeout",
+         [&options](double seconds) {
+           options.file_timeout = std::chrono::microseconds(std::llround(seconds * 1e6));
+         },
+         "Give a file up that is not done after so long")
+      ->type_name("SECONDS")
+      ->check(CLI::Range(0.001, 1e9).description(""))
       ->group(group);
   run.add_flag("--force", options.force, "Files that are done are done again")->group(group);
   run.add_option("--figures", options.figures)->group("");

@@ -2,18 +2,20 @@
 #pragma once
 
 #include <CLI/CLI.hpp>
+#include <chrono>
 #include <string>
 #include <vector>
 
 namespace lm::host {
 
 struct ArchiveOptions {
-  std::vector<std::string> sources;  // as named; see list_files
-  std::string out;                   // folder for the results; empty for a run over a single source
-  int jobs = 0;                      // processes at a time; 0 for one a processor
-  std::string shard;                 // see parse_shard
-  bool force = false;                // files that are done are done again
-  std::string figures;               // where a child tells its parent what its run came to
+  std::vector<std::string> sources;           // as named; see list_files
+  std::string out;                            // folder for the results; empty for a run over a single source
+  int jobs = 0;                               // processes at a time; 0 for one a processor
+  std::string shard;                          // see parse_shard
+  bool force = false;                         // files that are done are done again
+  std::chrono::microseconds file_timeout{0};  // after which a file is given up; 0: never
+  std::string figures;                        // where a child tells its parent what its run came to
 
   // The other options that were given, one argument each, for the runs over the single files.
   std::vector<std::string> passed_on;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <csignal>
 #include <filesystem>
 #include <string_view>
 #include <utility>
@@ -11,6 +12,7 @@
 #include "host/archive/folder_name.h"
 #include "host/archive/text_file.h"
 #include "host/failure.h"
+#include "host/time_text.h"
 
 namespace lm::host {
 namespace {
@@ -73,9 +75,19 @@ FileRun::FileRun(const ArchiveSettings& settings, const std::string& path, const
       path_(path),
       source_(source),
       folder_(std::move(folder)),
-      process_(start_child(arguments_for(settings, folder_.path(), path), folder_.path() + kMessages)) {}
+      process_(start_child(arguments_for(settings, folder_.path(), path), folder_.path() + kMessages)) {
+  if (settings.file_timeout > std::chrono::microseconds(0)) deadline_.allow(settings.file_timeout);
+}
+
+void FileRun::keep_time() {
+  if (deadline_.passed()) kill(process_, SIGKILL);
+}
 
 TableRow FileRun::finish(int status) {
+  if (deadline_.passed() && exit_status(status) > kTrouble) {
+    const std::string time = seconds_text(settings_.file_timeout);
+    return {path_, Outcome::kFailed, std::nullopt, "", "given up after " + time + " s (--file-timeout)"};
+  }
   const std::string messages =
       replaced(read_text(folder_.path() + kMessages).value_or(""), folder_.path(), folder_.final_path());
   TableRow row{path_, Outcome::kFailed, std::nullopt, "", cause_of(messages, exit_status(status), path_)};

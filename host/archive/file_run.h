@@ -9,14 +9,16 @@
 #include "host/archive/record.h"
 #include "host/archive/table.h"
 #include "host/archive/work_folder.h"
+#include "host/live/deadline.h"
 
 namespace lm::host {
 
 // What all files of a run have in common.
 struct ArchiveSettings {
-  std::string folder;                // of the whole archive's results
-  std::vector<std::string> options;  // passed on to each process
-  std::string digest;                // of everything that results depend on
+  std::string folder;                         // of the whole archive's results
+  std::vector<std::string> options;           // passed on to each process
+  std::string digest;                         // of everything that results depend on
+  std::chrono::microseconds file_timeout{0};  // 0: a file may take as long as it likes
 };
 
 // The digest of the options that have a say in the results, of the configuration's text and of the program's
@@ -36,6 +38,9 @@ class FileRun {
   pid_t process() const { return process_; }
   std::int64_t bytes() const { return source_.size; }
 
+  // Kills the process when it has taken too long.
+  void keep_time();
+
   // Once the process has ended: gives the results their name, if there are any. `status`: from waitpid.
   TableRow finish(int status);
 
@@ -47,6 +52,7 @@ class FileRun {
   SourceState source_;
   WorkFolder folder_;
   pid_t process_;
+  Deadline deadline_;
 };
 
 }  // namespace lm::host

@@ -3,7 +3,7 @@ _lightmotion() {
   local word=$2 before=$3
   COMPREPLY=()
   if ((COMP_CWORD == 1)); then
-    mapfile -t COMPREPLY < <(compgen -W 'run check presets --help --version' -- "$word")
+    mapfile -t COMPREPLY < <(compgen -W 'run check presets tune --help --version' -- "$word")
     return
   fi
   local presets='street indoor night grainy calm sensitive'
@@ -21,6 +21,21 @@ _lightmotion() {
     fi
     return
   fi
+  if [[ ${COMP_WORDS[1]} == tune ]]; then
+    case $before in
+      --quiet | --motion | --seconds | --jobs | --fps | --scale | --max-gap | --timeout | --reconnect) ;;
+      --picture) mapfile -t COMPREPLY < <(compgen -f -X '!*.png' -- "$word"; compgen -d -- "$word") ;;
+      *)
+        if [[ $word == -* ]]; then
+          mapfile -t COMPREPLY < <(compgen -W '--quiet --motion -c --config -o --output --picture --json --seconds
+            --jobs --plugin --fps --scale --max-gap --timeout --reconnect -h --help' -- "$word")
+        else
+          mapfile -t COMPREPLY < <(compgen -f -- "$word")
+        fi
+        ;;
+    esac
+    return
+  fi
   case $before in
     --preset) mapfile -t COMPREPLY < <(compgen -W "$presets" -- "$word") ;;
     -a | --annotate)
@@ -36,7 +51,7 @@ _lightmotion() {
     --heatmap) mapfile -t COMPREPLY < <(compgen -f -X '!*.png' -- "$word"; compgen -d -- "$word") ;;
     --snapshots | --clips) mapfile -t COMPREPLY < <(compgen -d -- "$word") ;;
     --fps | --scale | --max-gap | --timeout | --reconnect) ;;
-    --jobs | --min-event | --gap | --pre | --post | --explain) ;;
+    --jobs | --file-timeout | --min-event | --gap | --pre | --post | --explain) ;;
     --shard) mapfile -t COMPREPLY < <(compgen -W slurm -- "$word") ;;
     --progress) mapfile -t COMPREPLY < <(compgen -W 'bar json none' -- "$word") ;;
     --mqtt | --mqtt-camera | --mqtt-discovery) ;;
@@ -50,7 +65,7 @@ _lightmotion() {
           --report --heatmap --snapshots --clips
           --mqtt --mqtt-camera --mqtt-password-file --mqtt-ca --mqtt-discovery --progress
           --fps --scale --max-gap --timeout --reconnect
-          --out --jobs --shard --force
+          --out --jobs --shard --file-timeout --force
           -h --help' -- "$word")
       else
         mapfile -t COMPREPLY < <(compgen -f -- "$word")

@@ -7,7 +7,8 @@ _lightmotion() {
     '(- *)--version[print the version and exit]' \
     '1:command:((run\:"find what moves in a video"
       check\:"say what the plug-in will make of a configuration"
-      presets\:"show the configurations for common places"))' \
+      presets\:"show the configurations for common places"
+      tune\:"find settings that suit your own footage"))' \
     '*::argument:->arguments'
   [[ $state == arguments ]] || return
   local presets='(street indoor night grainy calm sensitive)'
@@ -22,6 +23,29 @@ _lightmotion() {
       '--json[for programs\: one JSON object]' \
       '(- *)'{-h,--help}'[print a help message and exit]' \
       '1:document:_files -g "*.json"'
+    return
+  fi
+  local -a reading=(
+    '--fps[analyse at most so many frames a second]:number:'
+    '--scale[analyse smaller frames]:factor or size:'
+    '--max-gap[report frames that lie further apart]:seconds:'
+    '--timeout[how long to wait for a camera or a network]:seconds:'
+    '--reconnect[how long to try to get a lost live source back]:seconds:'
+  )
+  if [[ $line[1] == tune ]]; then
+    _arguments -s \
+      '*--quiet[seconds in which nothing moves]:FROM-TO:' \
+      '*--motion[seconds in which something does]:FROM-TO:' \
+      '(-c --config)'{-c,--config}'[document to start from]:document:_files -g "*.json"' \
+      '(-o --output)'{-o,--output}'[file for the proposed document]:file:_files -g "*.json"' \
+      '--picture[what each setting found when]:file:_files -g "*.png"' \
+      '--json[for programs\: one JSON object]' \
+      '--seconds[how much of the source is looked at]:seconds:' \
+      '--jobs[settings tried at a time]:number:' \
+      '--plugin[the plug-in, when it is not in its usual place]:library:_files' \
+      $reading \
+      '(- *)'{-h,--help}'[print a help message and exit]' \
+      '*:source:_files'
     return
   fi
   _arguments -s \
@@ -40,14 +64,11 @@ _lightmotion() {
     '--snapshots[folder for the best frame of each event]:folder:_files -/' \
     '--clips[folder for each event as a video]:folder:_files -/' \
     '--plugin[the plug-in, when it is not in its usual place]:library:_files' \
-    '--fps[analyse at most so many frames a second]:number:' \
-    '--scale[analyse smaller frames]:factor or size:' \
-    '--max-gap[report frames that lie further apart]:seconds:' \
-    '--timeout[how long to wait for a camera or a network]:seconds:' \
-    '--reconnect[how long to try to get a lost live source back]:seconds:' \
+    $reading \
     '--out[folder for the results of many files]:folder:_files -/' \
     '--jobs[files worked on at a time]:number:' \
     '--shard[only every Nth file from the Ith on]:I/N:(slurm)' \
+    '--file-timeout[give a file up that is not done after so long]:seconds:' \
     '--force[files that are done are done again]' \
     '--mqtt[broker to tell events to]:address:' \
     '--mqtt-camera[name of the camera in topics]:name:' \

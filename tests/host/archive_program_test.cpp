@@ -12,6 +12,7 @@
 #include <sstream>
 
 #include "host/archive/folder_name.h"
+#include "tests/host/clips.h"
 
 namespace {
 
@@ -124,6 +125,39 @@ TEST_F(Archive, GoesOnAfterProcessesThatDie) {
   EXPECT_EQ(tree(folder_ / "out").size(), 1U) << "the table and nothing half";
 }
 
+TEST_F(Archive, SaysOnceThatItsConfigurationIsRefusedAndLeavesItsFilesAlone) {
+  program::write(folder_ / "c.json", R"({"comment": "refuse"})");
+  const Outcome outcome = run("out");
+  EXPECT_EQ(outcome.status, 2);
+  EXPECT_EQ(outcome.errors, "lightmotion: " + (folder_ / "c.json") +
+                                ": the plug-in refuses it: Error: this document is refused\n");
+  EXPECT_EQ(outcome.output, "");
+  EXPECT_FALSE(fs::exists(folder_ / "out"));
+}
+
+TEST_F(Archive, FailsWithThoseFilesOnlyThatTheConfigurationDoesNotFit) {
+  clips::write(folder_ / "in/b/large.mkv", {128, 96}, clips::regular(20, std::chrono::milliseconds(40)));
+  program::write(folder_ / "c.json", R"({"frmW": "128", "frmH": "96"})");
+  const Outcome outcome = run("out");
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_NE(outcome.output.find("4 files: 1 fine, 0 with trouble, 3 failed;"), std::string::npos)
+      << outcome.output;
+  EXPECT_NE(outcome.errors.find("frmW"), std::string::npos);
+}
+
+TEST_F(Archive, GivesUpFilesThatTakeTooLong) {
+  program::write(folder_ / "c.json", R"({"comment": "frame waits"})");
+  const Outcome outcome = run("out", {"--file-timeout", "0.5", "--jobs", "3"});
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_NE(outcome.output.find("3 files: 0 fine, 0 with trouble, 3 failed;"), std::string::npos);
+  EXPECT_NE(outcome.errors.find("/in/b/clip.mkv: given up after 0.500 s (--file-timeout)\n"),
+            std::string::npos)
+      << outcome.errors;
+  EXPECT_EQ(tree(folder_ / "out").size(), 1U) << "the table and nothing half";
+  program::write(folder_ / "c.json", "{}");
+  EXPECT_EQ(run("out", {"--file-timeout", "600"}).status, 0) << "and goes on with them";
+}
+
 TEST_F(Archive, LeavesAloneWhatIsDoneUntilSourceOrSettingsChange) {
   ASSERT_EQ(run("out").status, 0);
   const std::string mark = results(folder_ / "out", clips()[0]) + "/mark";
@@ -133,7 +167,7 @@ TEST_F(Archive, LeavesAloneWhatIsDoneUntilSourceOrSettingsChange) {
     return fs::exists(mark);
   };
   EXPECT_TRUE(kept());
-  EXPECT_TRUE(kept({"--jobs", "1", "--quiet", "--verbose"}));
+  EXPECT_TRUE(kept({"--jobs", "1", "--file-timeout", "600", "--quiet", "--verbose"}));
   EXPECT_FALSE(kept({"--force"}));
   EXPECT_FALSE(kept({"-a", "a.mp4"}));
   ASSERT_FALSE(kept());  // without -a again
@@ -290,7 +324,10 @@ INSTANTIATE_TEST_SUITE_P(
                     MisuseCase{"NoSource", {"--out", "x"}, "--out needs a source"},
                     MisuseCase{"JobsAlone",
                                {"a.mp4", "--jobs", "2"},
-                               "--jobs, --shard and --force are of use with --out DIR"},
+                               "--jobs, --shard, --file-timeout and --force are of use with"},
+                    MisuseCase{"TimeoutAlone",
+                               {"a.mp4", "--file-timeout", "2"},
+                               "--jobs, --shard, --file-timeout and --force are of use with"},
                     MisuseCase{"NoJobs", {"a.mp4", "--out", "x", "--jobs", "0"}, "--jobs"},
                     MisuseCase{"Shard", {"/dev/null", "--out", "x", "--shard", "5/4"}, "--shard must be I/N"},
                     MisuseCase{"Address", {"rtsp://a/b", "--out", "x"}, "an archive run takes files"},
