@@ -65,7 +65,10 @@ if(LIGHTMOTION_HOST)
   install(FILES packaging/completion/lightmotion.fish
           DESTINATION ${data}/fish/vendor_completions.d COMPONENT program)
   install(DIRECTORY host/presets DESTINATION ${data}/lightmotion COMPONENT program FILES_MATCHING PATTERN "*.json")
+  install(DIRECTORY docs/schema DESTINATION ${data}/lightmotion COMPONENT program)
   install(FILES examples/night.json DESTINATION ${data}/doc/lightmotion/examples COMPONENT program)
+  install(PROGRAMS examples/cluster/archive.sbatch examples/cluster/parallel.sh
+          DESTINATION ${data}/doc/lightmotion/examples/cluster COMPONENT program)
 endif()
 
 # ---- texts that Debian wants compressed, and its two papers for each package --------------------------------

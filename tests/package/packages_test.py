@@ -39,7 +39,7 @@ class Packages(unittest.TestCase):
             for line in output_of("dpkg-deb", "--contents", file).splitlines():
                 mode, owner, name = line.split()[0], line.split()[1], line.split()[5]
                 expected = {"d": "drwxr-xr-x", "l": "lrwxrwxrwx"}.get(mode[0])
-                runnable = name.endswith(("/usr/bin/lightmotion", "/host.py"))
+                runnable = name.endswith(("/usr/bin/lightmotion", "/host.py", ".sbatch", ".sh"))
                 expected = expected or ("-rwxr-xr-x" if runnable else "-rw-r--r--")
                 self.assertEqual((mode, owner), (expected, "root/root"), f"{package}: {name}")
 
