@@ -10,6 +10,7 @@
 #include "host/presets/presets_command.h"
 #include "host/serve/serve_command.h"
 #include "host/shown_address.h"
+#include "host/tune/tune_command.h"
 #include "host/video_writer.h"
 
 namespace lm::host {
@@ -133,6 +134,7 @@ Command parse_command_line(const std::vector<std::string>& arguments) {
   add_check_command(app, work);
   add_presets_command(app, work);
   add_serve_command(app, work);
+  add_tune_command(app, work);
   try {
     app.parse(std::vector<std::string>(arguments.rbegin(), arguments.rend()));
   } catch (const CLI::CallForHelp&) {

@@ -1,0 +1,93 @@
+#include "host/tune/trial.h"
+
+#include <algorithm>
+#include <cstring>
+#include <memory>
+#include <optional>
+#include <type_traits>
+
+#include "host/events/event_watch.h"
+#include "host/failure.h"
+#include "host/interrupt.h"
+#include "host/plugin.h"
+#include "host/result_line.h"
+#include "host/standard_streams.h"
+#include "host/timestamp.h"
+
+namespace lm::host::tune {
+namespace {
+
+class Recorder : public EventListener {
+ public:
+  explicit Recorder(Seen& seen) : seen_(seen) {}
+
+  void frame(const Frame& frame, const Observation& seen) override {
+    seen_.looks.push_back({frame.time.count(), static_cast<std::int32_t>(seen.boxes.size()),
+                           static_cast<std::int32_t>(std::ranges::count(seen.by_light, true))});
+  }
+  void ended(const Event& event) override {
+    seen_.happenings.push_back({event.start.count(), event.end.count(), event.kind});
+  }
+
+ private:
+  Seen& seen_;
+};
+
+template <typename Item>
+void append(std::string& bytes, const std::vector<Item>& items) {
+  static_assert(std::is_trivially_copyable_v<Item>);
+  const std::size_t count = items.size();
+  bytes.append(reinterpret_cast<const char*>(&count), sizeof count);
+  bytes.append(reinterpret_cast<const char*>(items.data()), count * sizeof(Item));
+}
+
+template <typename Item>
+std::size_t extract(const std::string& bytes, std::size_t at, std::vector<Item>& items) {
+  std::size_t count = 0;
+  std::memcpy(&count, bytes.data() + at, sizeof count);
+  items.resize(count);
+  at += sizeof count;
+  if (count > 0) std::memcpy(items.data(), bytes.data() + at, count * sizeof(Item));
+  return at + count * sizeof(Item);
+}
+
+}  // namespace
+
+Seen try_document(const std::string& path, const std::string& document, const Scale& scale,
+                  const Sample& sample) {
+  Plugin plugin(path);
+  if (const std::string refusal = plugin.start(document); !refusal.empty())
+    throw Failure(kRefused, "the plug-in refuses " + document + ": " + refusal);
+  Seen seen;
+  const Options options;
+  EventWatch events({options, sample.info(), document});
+  events.add(std::make_unique<Recorder>(seen));
+  const cv::Size analysed = scale.of(sample.info().size);
+  sample.replay([&](const Frame& frame) {
+    if (interrupted() != 0) throw Failure(kTrouble, "stopped");
+    // The plug-in tells about its buffers on the first frame.
+    std::optional<CapturedStream> chatter;
+    if (seen.looks.empty() || frame.anew) chatter.emplace(stderr);
+    if (frame.anew) plugin.restart(document);
+    const cv::Mat image = scaled(frame.image, analysed);
+    const std::string result = plugin.process(image.data, timestamp(sample.info(), frame));
+    events.frame(frame, frame.number, boxes_of(result));
+  });
+  events.finish(false);
+  return seen;
+}
+
+std::string to_bytes(const Seen& seen) {
+  std::string bytes;
+  append(bytes, seen.looks);
+  append(bytes, seen.happenings);
+  return bytes;
+}
+
+Seen from_bytes(const std::string& bytes) {
+  Seen seen;
+  extract(bytes, extract(bytes, 0, seen.looks), seen.happenings);
+  return seen;
+}
+
+}  // namespace lm::host::tune
