@@ -20,7 +20,7 @@ const feed = new Feed();
 const draft = new Draft(() => feed.noteApplied());
 const picture = new Picture(find("canvas"), find("marks"));
 const editor = new RegionEditor(draft, new Overlay(find("overlay")), find("overlay"));
-const timeline = new Timeline(seek);
+const timeline = new Timeline(seek, glance);
 const events = new EventList(seek);
 const comparison = new Comparison(draft, showProblem);
 const documentPanel = new DocumentPanel(draft);
@@ -92,7 +92,7 @@ feed.addEventListener("state", ({ detail }) => {
 feed.addEventListener("frame", ({ detail: { about, picture: image } }) => {
   find("waiting").hidden = true;
   find("stages").style.setProperty("--shape", `${image.width} / ${image.height}`); // of pixels that are square
-  picture.show(image, about.boxes, about.time);
+  if (!timeline.held) picture.show(image, about.boxes, about.time);
   comparison.show(image, about);
   timeline.setTime(about.time);
   find("boxes").textContent = about.boxes.length;
@@ -114,14 +114,27 @@ async function refreshEvents() {
 
 async function seek(time) {
   try {
-    const after = await play({ time });
+    await play({ time });
     timeline.setTime(time);
-    if (after.playing) return;
-    const still = await getStill(time);
-    picture.show(still.picture, [], still.time);
   } catch (problem) {
     showProblem(problem);
   }
+}
+
+// While the seek bar is held, the moments under it pass by, one picture at a time.
+let wanted = null;
+let asking = false;
+async function glance(time) {
+  wanted = time;
+  if (asking) return;
+  asking = true;
+  while (wanted !== null) {
+    const moment = wanted;
+    wanted = null;
+    const still = await getStill(moment).catch(() => null);
+    if (still && timeline.held) picture.show(still.picture, [], still.time);
+  }
+  asking = false;
 }
 
 find("play").addEventListener("click", () => play({ playing: !state?.playing }).catch(showProblem));

@@ -96,7 +96,7 @@ export class Overlay {
     const { width, height } = this.size;
     const highest = region.points.reduce((best, point) => (point.y < best.y ? point : best), { x: 0, y: 2 });
     const label = this.#node("names", `${key}-name`, "text", {
-      x: Math.min(within(highest.x) * width + 8, width - 40),
+      x: Math.max(8, Math.min(within(highest.x) * width + 8, width - 9 * region.name.length)),
       y: Math.max(20, within(highest.y) * height + 20),
       class: `name ${look}`,
       "aria-hidden": true,

@@ -100,7 +100,7 @@ export class RegionList {
         `${count(region.points.length, "point")}, ${percent(coverage(region))} of the picture`,
       ),
       remark ? element("p", { class: "finding note" }, remark) : null,
-      findingsList(findingsOf(draft.findings, `${kind}[${index}]`)),
+      findingsList(findingsOf(draft.findings, `${kind}[${index}]`).filter(({ severity }) => severity !== "note")),
     );
   }
 

@@ -14,18 +14,19 @@ export class Timeline {
   #seek = find("seek");
   #from = 0;
   #span = 1;
-  #held = false;
+  held = false; // by a hand that looks for a moment
   #activity = [];
   #events = [];
 
-  constructor(onSeek) {
+  constructor(onSeek, onGlance) {
     this.#seek.addEventListener("input", () => {
-      this.#held = true;
+      this.held = true;
       this.#label(Number(this.#seek.value));
+      onGlance(Number(this.#seek.value));
     });
     this.#seek.addEventListener("change", async () => {
       await onSeek(Number(this.#seek.value));
-      this.#held = false;
+      this.held = false;
     });
   }
 
@@ -46,7 +47,7 @@ export class Timeline {
       this.#from = Math.max(0, time - this.#span);
       find("timeline-start").textContent = clock(this.#from, 0);
     }
-    if (this.#held) return;
+    if (this.held) return;
     this.#seek.value = time - this.#from;
     this.#label(time);
   }
