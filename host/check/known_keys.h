@@ -12,8 +12,8 @@ namespace lm::host::check {
 
 class Findings;
 
-// Of the document itself: the plug-in's settings, its lists of regions, and what nothing reads: "comment" and an
-// editor's "$schema".
+// Of the document itself: the plug-in's settings, its lists of regions, and what nothing reads: "comment" and
+// an editor's "$schema".
 std::vector<std::string> document_keys();
 
 // The one of `known` that differs least from `key`; empty when none is near.

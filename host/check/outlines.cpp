@@ -82,11 +82,11 @@ std::optional<float> read_coordinate(const Json::Value& point, const std::string
 }
 
 std::optional<Corner> read_corner(const Json::Value& point, const std::string& path, Findings& findings) {
-  if (!point.isObject() && !point.isNull()) {
+  if (!point.isObject()) {
     findings.add(Severity::kError, path, shown(point) + " is no point; the plug-in refuses it", kPoint);
     return std::nullopt;
   }
-  if (point.isObject()) check_keys(point, path, {"x", "y", "comment"}, findings);
+  check_keys(point, path, {"x", "y", "comment"}, findings);
   const std::optional<float> x = read_coordinate(point, path, "x", findings);
   const std::optional<float> y = read_coordinate(point, path, "y", findings);
   return x && y ? std::optional(Corner{*x, *y}) : std::nullopt;

@@ -20,8 +20,8 @@ std::string decoded(const std::string& literal) {
 
 }  // namespace
 
-Places::Places(const std::string& text) : text_(text) {
-  if (text.starts_with("\xEF\xBB\xBF")) at_ = 3;
+Places::Places(const std::string& text)
+    : text_(text), begin_(text.starts_with("\xEF\xBB\xBF") ? 3 : 0), at_(begin_) {
   read_value("");
 }
 
@@ -39,7 +39,7 @@ Place Places::place(std::size_t offset) const {
   const auto begin = text_.begin();
   const auto end = begin + static_cast<std::ptrdiff_t>(offset);
   const std::size_t line_end = offset == 0 ? std::string::npos : text_.rfind('\n', offset - 1);
-  const std::size_t line_start = line_end == std::string::npos ? 0 : line_end + 1;
+  const std::size_t line_start = line_end == std::string::npos ? begin_ : line_end + 1;
   const auto starts_character = [](char c) { return (static_cast<unsigned char>(c) & 0xC0U) != 0x80U; };
   const auto before = std::count_if(begin + static_cast<std::ptrdiff_t>(line_start), end, starts_character);
   return {1 + static_cast<int>(std::count(begin, end, '\n')), 1 + static_cast<int>(before)};

@@ -48,7 +48,8 @@ class Places {
   Place place(std::size_t offset) const;
 
   const std::string& text_;
-  std::size_t at_ = 0;
+  const std::size_t begin_;  // behind the mark that some editors put in front
+  std::size_t at_;
   std::map<std::string, Member> members_;
   std::vector<Repeat> repeats_;
 };

@@ -40,6 +40,11 @@ TEST(CheckPlaces, CountCharactersNotBytes) {
   expect_place(places.of_value("a"), 1, 19);
 }
 
+TEST(CheckPlaces, DoNotCountTheMarkThatSomeEditorsPutInFront) {
+  const std::string text = "\xEF\xBB\xBF{\"a\": 1}";
+  expect_place(Places(text).of_value("a"), 1, 7);
+}
+
 TEST(CheckPlaces, OfAKeyThatStandsTwiceAreThoseOfTheLast) {
   const std::string text = "{\"a\": 1, \"b\": {\"a\": 2, \"\\u0061\": 3}, \"a\": 4}";
   const Places places(text);

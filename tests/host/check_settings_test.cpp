@@ -105,6 +105,7 @@ INSTANTIATE_TEST_SUITE_P(LeastBoxes, CheckSetting,
 TEST(CheckSettings, AreFineAsTheyAreMeant) {
   for (const char* document : {R"({"sensitivity": "5", "lcAdap": "1", "minBoxW": "1", "minBoxH": ".5"})",
                                R"({"frmW": "640", "frmH": " 360", "frmChn": "3"})",
+                               R"({"minBoxW": "0.0016", "minBoxH": "0.0028"})",  // 1.024 and 1.008 pixels
                                "/* by hand */ {\"comment\": [\"street\", 3]} // end"}) {
     EXPECT_THAT(places_of(check_document(document, kFrame)), IsEmpty()) << document;
   }
@@ -129,6 +130,11 @@ TEST(CheckSettings, JudgesWhatIsTakenOver) {
   const Verdict verdict = check_document(R"({"lcAdap": "4", "minBoxW": ""})", kFrame);
   ASSERT_THAT(places_of(verdict), ElementsAre("warning 1:28 minBoxW", "warning 1:28 minBoxW"));
   EXPECT_THAT(verdict.findings[1].text, HasSubstr("4 is out of range: 0.05 stays"));
+}
+
+TEST(CheckSettings, ThatAreEmptyOneAfterAnotherTakeTheSameValueOver) {
+  const Verdict verdict = check_document(R"({"sensitivity": "1", "lcAdap": "", "minBoxW": ""})", kFrame);
+  EXPECT_THAT(finding_on(verdict, "minBoxW").text, HasSubstr("takes over \"1\" from \"sensitivity\""));
 }
 
 TEST(CheckSettings, AreInEffectAsTheirTablesHaveIt) {
