@@ -97,7 +97,10 @@ void Broker::save() {
   wait_until([&file] { return std::filesystem::exists(file); }, "the broker does not save");
 }
 
-Subscriber::Subscriber(const Broker& broker) : client_(mosquitto_new("subscriber", false, this)) {
+Subscriber::Subscriber(const Broker& broker, const std::string& authority)
+    : client_(mosquitto_new("subscriber", false, this)) {
+  if (!authority.empty())
+    mosquitto_tls_set(client_.get(), authority.c_str(), nullptr, nullptr, nullptr, nullptr);
   mosquitto_connect_callback_set(
       client_.get(), [](mosquitto* client, void*, int) { mosquitto_subscribe(client, nullptr, "#", 1); });
   mosquitto_subscribe_callback_set(client_.get(), [](mosquitto*, void* self, int, int, const int*) {

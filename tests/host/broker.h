@@ -49,7 +49,8 @@ struct Message {
 // Connects again by itself; meanwhile the broker keeps what it is to read, where it saved the subscription.
 class Subscriber {
  public:
-  explicit Subscriber(const Broker& broker);
+  // `authority`: file with the certificate that it trusts, where the broker encrypts.
+  explicit Subscriber(const Broker& broker, const std::string& authority = "");
   ~Subscriber();
   Subscriber(const Subscriber&) = delete;
   Subscriber& operator=(const Subscriber&) = delete;

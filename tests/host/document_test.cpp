@@ -34,6 +34,12 @@ TEST(Document, TakesSizesThatAreLeftOutFromTheSourceAsTexts) {
   EXPECT_EQ(document["frmChn"], Json::Value("3"));
 }
 
+TEST(Document, MayStateAnySizeWhileTheSourceIsNotKnown) {
+  EXPECT_EQ(completed(R"({"frmW": "128"})", {})["frmW"], "128");
+  EXPECT_EQ(completed(R"({"frmH": 96})", {})["frmH"], "96");
+  EXPECT_EQ(completed("{}", {})["frmW"], "640") << "as in the built-in scene";
+}
+
 TEST(Document, KeepsSizesThatFitAsTheyAreWritten) {
   EXPECT_EQ(completed(R"({"frmW": " 640px"})")["frmW"], Json::Value(" 640px"));
 }
