@@ -80,7 +80,6 @@ feed.addEventListener("state", ({ detail }) => {
   document.body.classList.remove("lost");
   find("play").setAttribute("aria-label", state.playing ? "Pause" : "Play");
   find("play").dataset.playing = state.playing;
-  find("viewers").textContent = state.viewers;
   timeline.setSource(state.source);
   comparison.follow(state.comparing);
   documentPanel.follow(state);
