@@ -45,6 +45,18 @@ test("strangers are refused: another Host, another Origin, another site", async 
   assert.equal(await statusFor(server.address, { "Sec-Fetch-Site": "cross-site" }), 403);
 });
 
+test("with a token, its address opens the page, which keeps it for a reload; without it nothing is shown", async (t) => {
+  const { server } = await startScene(t, { options: ["--token", "secret"] });
+  assert.ok(server.address.endsWith("#token=secret"), server.address);
+  assert.equal(await statusFor(server.address, {}), 401);
+  const page = await openPage(t, server.address);
+  assert.ok(!page.url().includes("secret"));
+  await page.reload();
+  await page.locator("#waiting").waitFor({ state: "hidden" });
+  const stranger = await openPage(t, server.address.split("#")[0], { shown: false });
+  await eventually("the page tells what is missing", async () => (await problemOf(stranger)).includes("token"));
+});
+
 test("at its end a file begins again; its events stay", async (t) => {
   const { page } = await openScene(t);
   await page.locator("#seek").focus();

@@ -16,8 +16,8 @@ export function useBrowser() {
   after(() => browser.close());
 }
 
-// What goes wrong inside a window fails the test.
-export async function openPage(test, address, options = {}) {
+// What goes wrong inside a window fails the test. Waits for the first picture, if one is to be `shown`.
+export async function openPage(test, address, { shown = true, ...options } = {}) {
   const context = await browser.newContext({ viewport: { width: 1280, height: 860 }, ...options });
   const page = await context.newPage();
   const faults = [];
@@ -33,6 +33,6 @@ export async function openPage(test, address, options = {}) {
     if (faults.length) throw new Error(`the page failed: ${faults.join("\n")}`);
   });
   await page.goto(address);
-  await page.locator("#waiting").waitFor({ state: "hidden" });
+  if (shown) await page.locator("#waiting").waitFor({ state: "hidden" });
   return page;
 }
