@@ -43,7 +43,11 @@ std::vector<std::int8_t> make_noise() {
 }  // namespace
 
 BuiltinScene::BuiltinScene(double fps)
-    : street_(scene::paint_street()), light_(scene::lamp_light()), noise_(make_noise()), picker_(fps) {
+    : fps_(fps),
+      street_(scene::paint_street()),
+      light_(scene::lamp_light()),
+      noise_(make_noise()),
+      picker_(fps) {
   info_.name = "built-in scene";
   info_.size = {scene::kWidth, scene::kHeight};
   info_.rate = kFramesPerSecond;
@@ -65,6 +69,13 @@ bool BuiltinScene::next(Frame& frame) {
   frame.time = time_of(number_);
   frame.number = number_;
   ++number_;
+  return true;
+}
+
+bool BuiltinScene::seek(std::chrono::microseconds time) {
+  picker_ = FramePicker(fps_);
+  number_ = 0;
+  while (number_ < kFrames && time_of(number_) < time) ++number_;
   return true;
 }
 

@@ -18,10 +18,12 @@ class BuiltinScene : public Source {
 
   const SourceInfo& info() const override { return info_; }
   bool next(Frame& frame) override;
+  bool seek(std::chrono::microseconds time) override;
 
  private:
   void add_noise(cv::Mat& image) const;
 
+  const double fps_;
   SourceInfo info_;
   cv::Mat street_;
   cv::Mat light_;

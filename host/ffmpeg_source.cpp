@@ -162,10 +162,14 @@ bool FfmpegSource::next(Frame& frame) {
     if (!std::exchange(first_waits_, false) && !decode()) return false;
     frame = {};
     frame.stated = stated_time();
+    if (number_ == 0) first_time_ = frame.stated;
     frame.time = clock_->next(frame.stated);
+    if (std::exchange(leapt_, false))
+      number_ = std::llround(double(frame.time.count()) / double(clock_->interval().count()));
     frame.number = number_++;
     end_ = frame.time + clock_->interval();
     note_time();
+    if (frame.time < not_before_) continue;
     if (!picker_.wants(frame.time)) continue;
     frame.image = converter_->convert(*picture_);
     if (frame.image.empty()) {
@@ -176,6 +180,35 @@ bool FfmpegSource::next(Frame& frame) {
     return true;
   }
   return false;
+}
+
+// Where the container promises that time only goes forward, a frame's place is known from its time. Elsewhere
+// it takes reading from the start to know it.
+bool FfmpegSource::can_leap() const {
+  constexpr int kUncertain = AVFMT_TS_DISCONT | AVFMT_NOTIMESTAMPS;
+  return !info_.live && first_time_ && (input_->iformat->flags & kUncertain) == 0;
+}
+
+bool FfmpegSource::seek(Time time) {
+  Frame first;  // which times are counted from
+  if (number_ == 0 && !next(first)) return false;
+  if (!can_leap() || !leap(*first_time_ + time)) return false;
+  not_before_ = time;
+  return true;
+}
+
+// Goes on from the last whole picture before that time.
+bool FfmpegSource::leap(Time stated) {
+  const std::int64_t place = av_rescale_q(stated.count(), av::kMicroseconds, stream_->time_base);
+  if (av_seek_frame(input_.get(), stream_->index, place, AVSEEK_FLAG_BACKWARD) < 0) return false;
+  avcodec_flush_buffers(decoder_.get());
+  av_packet_unref(packet_.get());
+  packet_waits_ = drained_ = false;
+  leapt_ = true;
+  read_error_.clear();
+  clock_->leap();
+  picker_ = FramePicker(reading_.fps);
+  return true;
 }
 
 void FfmpegSource::note_time() {

@@ -29,6 +29,7 @@ class FfmpegSource : public Source {
 
   const SourceInfo& info() const override { return info_; }
   bool next(Frame& frame) override;
+  bool seek(std::chrono::microseconds time) override;
   std::string trouble() const override;
 
  private:
@@ -39,6 +40,8 @@ class FfmpegSource : public Source {
   bool read_packet();
   int read_in_time();
   void start_deadline();
+  bool can_leap() const;
+  bool leap(FrameClock::Time stated);
   bool gives_up() const;
   std::string error_text(int code) const;
   void note_damage(const std::string& cause);
@@ -60,8 +63,10 @@ class FfmpegSource : public Source {
   std::optional<PictureConverter> converter_;
   std::optional<FrameClock> clock_;
   FramePicker picker_;
-  std::int64_t number_ = 0;            // of the next frame
-  std::string note_;                   // for the next frame handed out
+  std::optional<FrameClock::Time> first_time_;  // as the first frame states it
+  FrameClock::Time not_before_{0};              // what seek asked for
+  std::int64_t number_ = 0;                     // of the next frame
+  std::string note_;                            // for the next frame handed out
   Deadline::Clock::time_point opened_ = Deadline::Clock::now();
   FrameClock::Time received_{0};       // when the last packet came, since then
   bool untimed_ = false;               // a live stream that states no times: pictures count when they come
@@ -69,6 +74,7 @@ class FfmpegSource : public Source {
   bool first_waits_ = true;            // the picture decoded by the constructor has not been handed out
   bool packet_waits_ = false;          // the decoder had no room for it
   bool drained_ = false;
+  bool leapt_ = false;  // the next frame's number is as near as its time tells
 
   FrameClock::Time end_{0};  // of the last frame
   int damaged_ = 0;

@@ -31,6 +31,9 @@ class FrameClock {
 
   Time next(std::optional<Time> stated);
 
+  // The next frame does not follow the last one: its stated time alone counts.
+  void leap() { last_.reset(); }
+
   // What was odd about the last frame's time, in one line; mostly empty.
   const std::string& note() const { return note_; }
 

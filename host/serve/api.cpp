@@ -2,6 +2,7 @@
 
 #include <json/json.h>
 
+#include <charconv>
 #include <cmath>
 #include <cstdlib>
 #include <filesystem>
@@ -40,10 +41,17 @@ Json::Value parsed(const std::string& text) {
   return {};
 }
 
-// Seconds that a video may last; none for what is no number.
+// Seconds that a video may last.
 std::optional<microseconds> time_of(double value) {
   if (!(value >= 0 && value < 1e9)) return std::nullopt;
   return microseconds(std::llround(value * 1e6));
+}
+
+std::optional<microseconds> time_of(const std::string& text) {
+  double value = 0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+  if (error != std::errc() || end != text.data() + text.size()) return std::nullopt;
+  return time_of(value);
 }
 
 std::string parameter(const Query& query, const std::string& name) {
@@ -154,8 +162,7 @@ Reply Api::nothing_new() const {
 }
 
 Reply Api::still(const Query& query) {
-  const std::string text = parameter(query, "time");
-  const std::optional<microseconds> time = time_of(text.empty() ? -1 : std::strtod(text.c_str(), nullptr));
+  const std::optional<microseconds> time = time_of(parameter(query, "time"));
   if (!time) return error_reply(400, "\"time\" has to be seconds of the video");
   const SourceInfo source = player_.state().source;
   Frame frame;

@@ -92,10 +92,12 @@ class Player {
   Wishes next_wishes();
   void grant(Wishes wishes);
   void step();
+  Time before_the_end(Time time) const;
   void start_at(Time time, const std::string& why);
   void begin_pass(const std::string& why);
   bool open();
   void source_ended();
+  void count_loop();
   bool frame_is_due();
   void one_frame();
   bool started(Detector& detector);

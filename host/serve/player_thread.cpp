@@ -1,5 +1,6 @@
 // The thread of the player: from frames to what is shown.
 #include <algorithm>
+#include <cmath>
 #include <exception>
 #include <utility>
 
@@ -52,14 +53,20 @@ Player::Wishes Player::next_wishes() {
 
 void Player::grant(Wishes wishes) {
   if (!wishes.any()) return;
-  const Time here = state().time;
+  const Time here = owing_ ? show_from_ : state().time;
   const char* why = wishes.seek ? "Another moment was chosen." : "The settings were changed.";
   if (wishes.detector) {
     detector_ = std::move(*wishes.detector);
     tell(detector_trouble_, "");
   }
   if (wishes.old) old_ = std::move(*wishes.old);
-  start_at(wishes.seek.value_or(here), why);
+  start_at(wishes.seek ? before_the_end(*wishes.seek) : here, why);
+}
+
+// A video's length is not the time of its last frame, which comes an interval earlier.
+Player::Time Player::before_the_end(Time time) const {
+  const Time interval(std::llround(info_.rate > 0 ? 1e6 / info_.rate : 1e6));
+  return info_.duration ? std::max(Time(0), std::min(time, *info_.duration - interval)) : time;
 }
 
 // Everything starts anew from there, the detectors a little before. A camera goes on from where it is.
@@ -91,6 +98,7 @@ void Player::step() {
     heard_ = true;
     tell(away_, "");
   }
+  if (frame_->time < show_from_ - kLead) return frame_.reset();  // of a source that can only start over
   if (frame_is_due()) one_frame();
 }
 
@@ -129,12 +137,19 @@ void Player::source_ended() {
     tell(away_, trouble.empty() ? "no picture comes from the source" : trouble);
   } else {
     tell(damage_, trouble);
-    const std::scoped_lock lock(mutex_);
-    ++state_.loop;
+    count_loop();
   }
   source_.reset();
   if (wait) wait_a_while();
   start_at(0us, "The video ended.");
+}
+
+void Player::count_loop() {
+  {
+    const std::scoped_lock lock(mutex_);
+    ++state_.loop;
+  }
+  announce();
 }
 
 bool Player::frame_is_due() {

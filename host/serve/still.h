@@ -20,6 +20,8 @@ class Still {
   Frame at(std::chrono::microseconds time);
 
  private:
+  bool read_to(std::chrono::microseconds from, std::chrono::microseconds time, Frame& frame);
+
   const std::string name_;
   const Reading reading_;
   std::mutex mutex_;

@@ -66,14 +66,20 @@ Reply handled(const Api::Handler& handler, const Query& query) {
   }
 }
 
-// All of it, unpacked; nothing when it is longer than allowed or breaks off.
-std::optional<std::string> whole_body(const httplib::ContentReader& read) {
-  std::string body;
-  const bool whole = read([&body](const char* data, std::size_t length) {
-    body.append(data, length);
-    return body.size() <= kLongestBody;
+struct Body {
+  std::string text{};
+  bool whole = false;
+  bool too_long = false;
+};
+
+// Counted as it is unpacked, since little can be packed into much.
+Body body_of(const httplib::ContentReader& read) {
+  Body body;
+  body.whole = read([&body](const char* data, std::size_t length) {
+    body.text.append(data, length);
+    body.too_long = body.text.size() > kLongestBody;
+    return !body.too_long;
   });
-  if (!whole) return std::nullopt;
   return body;
 }
 
@@ -132,9 +138,9 @@ WebServer::WebServer(Api& api, Gate gate)
   for (const auto& post : api_.posts()) {
     server_->Post(post.first, [&handler = post.second](const Request& request, Response& response,
                                                        const httplib::ContentReader& read) {
-      std::optional<std::string> body = whole_body(read);
-      if (!body) return;  // what was wrong with it is the library's to say
-      answer(response, handled(handler, query_of(request, std::move(*body))));
+      Body body = body_of(read);
+      if (body.too_long) response.status = 413;
+      if (body.whole) answer(response, handled(handler, query_of(request, std::move(body.text))));
     });
   }
   server_->set_error_handler([](const Request&, Response& response) {

@@ -1,0 +1,70 @@
+// A server of the tests' own, and what a page would ask it.
+#pragma once
+
+#include <httplib.h>
+#include <json/json.h>
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <thread>
+
+#include "host/serve/api.h"
+#include "host/serve/web_server.h"
+
+namespace serve {
+
+struct Setup {
+  std::string source{};  // the built-in scene
+  std::string document = R"({"sensitivity":"4","minBoxW":"0.02","minBoxH":"0.05"})";
+  std::string config{};  // file to save to
+  std::string plugin = LIGHTMOTION_PLUGIN;
+  std::string token{};
+  std::chrono::milliseconds patience{20'000};  // with a detector
+};
+
+struct Answer {
+  int status = 0;  // 0: none
+  std::string body{};
+  Json::Value json{};   // of the body
+  Json::Value about{};  // of the header Lightmotion-Frame
+  httplib::Headers headers{};
+};
+
+Json::Value json(const std::string& text);
+
+class Page {
+ public:
+  explicit Page(const Setup& setup = {});
+  ~Page();
+  Page(const Page&) = delete;
+  Page& operator=(const Page&) = delete;
+
+  Answer get(const std::string& path, const httplib::Headers& headers = {});
+  Answer post(const std::string& path, const std::string& body, const httplib::Headers& headers = {});
+
+  Json::Value state() { return get("/api/state").json; }
+
+  // Waits for another picture than the last one that this page saw.
+  Answer next_picture();
+
+  // Follows the pictures until one of them (its Lightmotion-Frame), or the state, is as wanted; null when
+  // that takes too many.
+  using Wanted = std::function<bool(const Json::Value&)>;
+  Json::Value picture_with(const Wanted& wanted);
+  Json::Value state_with(const Wanted& wanted);
+
+  lm::host::Player& player() { return player_; }
+  int port() const { return server_.port(); }
+  void stop();  // as Ctrl-C does
+
+ private:
+  lm::host::PlayerPlan plan_;
+  lm::host::Player player_;
+  lm::host::Api api_;
+  lm::host::WebServer server_;
+  std::thread answering_;
+  long long seen_ = -1;
+};
+
+}  // namespace serve
