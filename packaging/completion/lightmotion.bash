@@ -3,7 +3,7 @@ _lightmotion() {
   local word=$2 before=$3
   COMPREPLY=()
   if ((COMP_CWORD == 1)); then
-    mapfile -t COMPREPLY < <(compgen -W 'run check presets tune --help --version' -- "$word")
+    mapfile -t COMPREPLY < <(compgen -W 'run check presets serve tune --help --version' -- "$word")
     return
   fi
   local presets='street indoor night grainy calm sensitive'
@@ -19,6 +19,21 @@ _lightmotion() {
     else
       mapfile -t COMPREPLY < <(compgen -f -- "$word")
     fi
+    return
+  fi
+  if [[ ${COMP_WORDS[1]} == serve ]]; then
+    case $before in
+      --port | --token | --fps | --scale | --max-gap | --timeout | --reconnect) ;;
+      --host) mapfile -t COMPREPLY < <(compgen -W '127.0.0.1 0.0.0.0' -- "$word") ;;
+      *)
+        if [[ $word == -* ]]; then
+          mapfile -t COMPREPLY < <(compgen -W '-c --config --host --port --token --plugin
+            --fps --scale --max-gap --timeout --reconnect -h --help' -- "$word")
+        else
+          mapfile -t COMPREPLY < <(compgen -f -- "$word")
+        fi
+        ;;
+    esac
     return
   fi
   if [[ ${COMP_WORDS[1]} == tune ]]; then

@@ -8,6 +8,7 @@ _lightmotion() {
     '1:command:((run\:"find what moves in a video"
       check\:"say what the plug-in will make of a configuration"
       presets\:"show the configurations for common places"
+      serve\:"see and tune the detection in a browser"
       tune\:"find settings that suit your own footage"))' \
     '*::argument:->arguments'
   [[ $state == arguments ]] || return
@@ -32,6 +33,18 @@ _lightmotion() {
     '--timeout[how long to wait for a camera or a network]:seconds:'
     '--reconnect[how long to try to get a lost live source back]:seconds:'
   )
+  if [[ $line[1] == serve ]]; then
+    _arguments -s \
+      '(-c --config)'{-c,--config}'[document to begin with and to save to]:document:_files -g "*.json"' \
+      '--host[where to be reached]:address:(127.0.0.1 0.0.0.0)' \
+      '--port[0 for any that is free]:number:' \
+      '--token[what has to be known to be let in]:text:' \
+      '--plugin[the plug-in, when it is not in its usual place]:library:_files' \
+      $reading \
+      '(- *)'{-h,--help}'[print a help message and exit]' \
+      '*:source:_files'
+    return
+  fi
   if [[ $line[1] == tune ]]; then
     _arguments -s \
       '*--quiet[seconds in which nothing moves]:FROM-TO:' \
