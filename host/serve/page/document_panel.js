@@ -70,7 +70,7 @@ export class DocumentPanel {
       this.#tell(backup ? `Saved. The one before is kept as ${backup}.` : `Saved as ${file}.`, text);
       say(find("saved").textContent);
     } catch (problem) {
-      this.#tell(`Not saved: ${problem.message}`, text);
+      this.#tell(`Not saved: ${problem.status ? problem.message : "the program cannot be reached"}`, text);
       say(find("saved").textContent);
     }
     this.show();

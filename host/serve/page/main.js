@@ -67,8 +67,10 @@ feed.addEventListener("found", () => {
 feed.addEventListener("state", ({ detail }) => {
   state = detail;
   const { name, width, height, rate, live } = state.source;
-  document.title = `${name} – lightmotion`;
-  find("source-name").textContent = name;
+  const shortName = name.includes("://") ? name : name.split("/").at(-1);
+  document.title = `${shortName} – lightmotion`;
+  find("source-name").textContent = shortName;
+  find("source-name").title = name;
   find("source-about").textContent = [
     width && `${width} × ${height}`,
     rate && `${Number(rate.toFixed(2))} frames a second`,
