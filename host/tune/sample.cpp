@@ -21,14 +21,15 @@ Sample::Sample(std::string name, const Reading& reading, microseconds length, co
   info_ = source->info();
   const microseconds interval(info_.rate > 0 ? std::llround(1e6 / info_.rate) : 0);
   Frame frame;
-  while (source->next(frame) && frame.time < length) {
+  bool more = source->next(frame);
+  for (; more && frame.time < length; more = source->next(frame)) {
     each(frame);
     keep(frame);
     ++frames_;
     length_ = frame.time + interval;
   }
   if (interrupted() != 0) throw Failure(kTrouble, "stopped before anything was tried");
-  trouble_ = source->trouble();
+  if (!more) trouble_ = source->trouble();  // otherwise it was left before its end
   if (frames_ == 0) throw Failure(kTrouble, info_.name + ": no frames");
   info_.live = false;  // from now on a recording, with times of its own
 }

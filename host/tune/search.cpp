@@ -18,6 +18,16 @@ void add(Outcome& outcome, std::vector<Setting> settings, const TryAll& try_all)
   }
 }
 
+// Those that see small things as well: a second in which only they see something is not a quiet one. Noise,
+// on the other hand, goes away with less sensitivity.
+std::vector<Seen> judges_of(const Outcome& outcome) {
+  std::vector<Seen> judges;
+  for (const Trial& trial : outcome.trials) {
+    if (trial.setting.least_box == 0) judges.push_back(trial.seen);
+  }
+  return judges;
+}
+
 Setting judge(Outcome& outcome) {
   std::vector<Candidate> candidates;
   for (Trial& trial : outcome.trials) {
@@ -37,11 +47,9 @@ std::int64_t frames_in(const Spans& spans, const std::vector<Look>& looks) {
 
 void search(Outcome& outcome, const TryAll& try_all) {
   add(outcome, coarse_grid(), try_all);
-  std::vector<Seen> all;
-  for (const Trial& trial : outcome.trials) all.push_back(trial.seen);
-  outcome.marks = with_assumptions(outcome.marks, all);
-  outcome.quiet_frames = frames_in(outcome.marks.quiet, all.front().looks);
-  outcome.motion_frames = frames_in(outcome.marks.motion, all.front().looks);
+  outcome.marks = with_assumptions(outcome.marks, judges_of(outcome));
+  outcome.quiet_frames = frames_in(outcome.marks.quiet, outcome.trials.front().seen.looks);
+  outcome.motion_frames = frames_in(outcome.marks.motion, outcome.trials.front().seen.looks);
   Setting before;
   Setting best = judge(outcome);
   do {

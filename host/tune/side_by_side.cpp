@@ -108,9 +108,11 @@ class Child {
 // The children that have something to tell.
 std::vector<bool> heard(const std::list<Child>& children) {
   std::vector<pollfd> waiting;
+  waiting.reserve(children.size());
   for (const Child& child : children) waiting.push_back({child.answer_from(), POLLIN, 0});
   poll(waiting.data(), waiting.size(), kPatience);
   std::vector<bool> ready;
+  ready.reserve(waiting.size());
   for (const pollfd& file : waiting) ready.push_back(file.revents != 0);
   return ready;
 }

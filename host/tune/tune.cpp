@@ -106,8 +106,8 @@ class Tuning {
         plugin_(find_plugin(options.plugin, program_folder())),
         analysed_(options.live.scale.of(sample.info().size)),
         base_(base_text(options, sample.info().name)),
-        jobs_(static_cast<std::size_t>(
-            options.jobs > 0 ? options.jobs : std::max(1U, std::thread::hardware_concurrency()))) {}
+        jobs_(options.jobs > 0 ? static_cast<std::size_t>(options.jobs)
+                               : std::max<std::size_t>(1, std::thread::hardware_concurrency())) {}
 
   Outcome outcome() {
     if (!options_.config.empty()) check::tell_before_run(options_.config, base_, analysed_);
@@ -128,6 +128,7 @@ class Tuning {
 
   std::vector<Seen> try_all(const std::vector<Setting>& settings) {
     std::vector<std::string> documents;
+    documents.reserve(settings.size());
     for (const Setting& setting : settings) documents.push_back(complete(setting));
     const auto work = [&](std::size_t item) {
       return to_bytes(try_document(plugin_, documents[item], options_.live.scale, sample_));

@@ -1,0 +1,178 @@
+// The parts of tune that are not about choosing: documents, processes, samples, what is shown.
+#include <gtest/gtest.h>
+#include <json/json.h>
+
+#include <csignal>
+#include <sstream>
+
+#include "host/document.h"
+#include "host/failure.h"
+#include "host/tune/edit.h"
+#include "host/tune/picture.h"
+#include "host/tune/sample.h"
+#include "host/tune/side_by_side.h"
+#include "host/tune/table.h"
+#include "host/tune/trial.h"
+#include "tests/host/clips.h"
+#include "tests/host/program.h"
+
+namespace {
+
+using namespace lm::host;
+using namespace lm::host::tune;
+using namespace std::chrono_literals;
+using program::Folder;
+
+TEST(TuneEdit, ReplacesValuesWhereTheyStandAndKeepsEverythingElse) {
+  const std::string text = R"({
+  // the gate
+  "sensitivity": "5", /* loud */ "other": [1, {"sensitivity": "9"}],
+  "minBoxW" : 0.5
+}
+)";
+  EXPECT_EQ(with_members(text, {{"minBoxW", "0.02"}, {"sensitivity", "2"}}), R"({
+  // the gate
+  "sensitivity": "2", /* loud */ "other": [1, {"sensitivity": "9"}],
+  "minBoxW" : "0.02"
+}
+)");
+}
+
+TEST(TuneEdit, PutsMembersThatAreMissingFirst) {
+  EXPECT_EQ(with_members(R"({"roi": []})", {{"lcAdap", "3"}, {"minBoxH", "0.1"}}), R"({
+  "lcAdap": "3",
+  "minBoxH": "0.1","roi": []})");
+  EXPECT_EQ(with_members("/* none */ {}", {{"lcAdap", "3"}}), "/* none */ {\n  \"lcAdap\": \"3\"\n}");
+}
+
+TEST(TuneEdit, RefusesWhatIsNoObject) {
+  EXPECT_THROW(with_members("[]", {}), std::invalid_argument);
+  EXPECT_THROW(with_members("{", {}), std::invalid_argument);
+}
+
+TEST(TuneSetting, HasTheTextsThatThePluginReads) {
+  const Members expected{{"sensitivity", "4"}, {"lcAdap", "3"}, {"minBoxW", "0.02"}, {"minBoxH", "0.05"}};
+  EXPECT_EQ(members_of({4, 3, 2}), expected);
+}
+
+TEST(TuneSetting, HasNeighboursInsideTheRangesOnly) {
+  // Sensitivity 1 or 2 with the two smallest boxes, without the setting itself.
+  const std::vector<Setting> expected{{1, 3, 1}, {2, 3, 0}, {2, 3, 1}};
+  EXPECT_EQ(neighbours({1, 3, 0}), expected);
+  EXPECT_EQ(neighbours({5, 3, kLeastBoxes.size() - 1}).size(), 3U);
+  EXPECT_EQ(neighbours({3, 3, 4}).size(), 8U);
+}
+
+TEST(TuneProcesses, ReturnWhatTheWorkReturnsInItsOrder) {
+  std::vector<std::size_t> done;
+  const auto results = side_by_side(
+      5, 2, [](std::size_t item) { return std::string(100'000 * item, static_cast<char>('a' + item)); },
+      [&](std::size_t number) { done.push_back(number); });
+  ASSERT_EQ(results.size(), 5U);
+  for (std::size_t i = 0; i < results.size(); ++i)
+    EXPECT_EQ(results[i], std::string(100'000 * i, static_cast<char>('a' + i)));
+  EXPECT_EQ(done, (std::vector<std::size_t>{1, 2, 3, 4, 5}));
+}
+
+TEST(TuneProcesses, HandOnAFailureWithItsStatus) {
+  try {
+    side_by_side(
+        3, 1, [](std::size_t item) -> std::string { throw Failure(kRefused, "no " + std::to_string(item)); },
+        [](std::size_t) {});
+    FAIL() << "nothing thrown";
+  } catch (const Failure& failure) {
+    EXPECT_EQ(failure.status(), kRefused);
+    EXPECT_STREQ(failure.what(), "no 0");
+  }
+}
+
+TEST(TuneProcesses, TellOfADeath) {
+  const auto die = [](std::size_t) -> std::string {
+    raise(SIGKILL);
+    return "";
+  };
+  EXPECT_THROW(side_by_side(1, 1, die, [](std::size_t) {}), Failure);
+}
+
+TEST(TuneBytes, ComeBackAsTheyWere) {
+  Seen seen;
+  seen.looks = {{0, 0, 0}, {40'000, 3, 1}};
+  seen.happenings = {{40'000, 80'000, EventKind::kLight}};
+  const Seen back = from_bytes(to_bytes(seen));
+  ASSERT_EQ(back.looks.size(), 2U);
+  EXPECT_EQ(back.looks[1].time, 40'000);
+  EXPECT_EQ(back.looks[1].boxes, 3);
+  EXPECT_EQ(back.looks[1].by_light, 1);
+  ASSERT_EQ(back.happenings.size(), 1U);
+  EXPECT_EQ(back.happenings[0].end, 80'000);
+  EXPECT_EQ(back.happenings[0].kind, EventKind::kLight);
+}
+
+TEST(TuneSample, EndsWhereItIsToldTo) {
+  const Folder folder;
+  clips::write(folder / "a.mp4", {64, 48}, clips::regular(20, 40ms));
+  std::int64_t read = 0;
+  const Sample sample(folder / "a.mp4", {}, 400ms, [&](const Frame&) { ++read; });
+  EXPECT_EQ(sample.frames(), 10) << "at 0 to 360 ms";
+  EXPECT_EQ(sample.length(), 400ms);
+  EXPECT_EQ(read, 10);
+  std::vector<std::int64_t> numbers;
+  sample.replay([&](const Frame& frame) { numbers.push_back(frame.number); });
+  EXPECT_EQ(numbers, (std::vector<std::int64_t>{0, 1, 2, 3, 4, 5, 6, 7, 8, 9}));
+  EXPECT_EQ(sample.trouble(), "") << "it was left, and did not break off";
+}
+
+Outcome small_outcome() {
+  Outcome outcome;
+  outcome.source = "hall.mp4";
+  outcome.frames = 4;
+  outcome.length = 4s;
+  outcome.marks = {.quiet = {{0s, 1s}}, .motion = {{1s, 3s}}, .quiet_assumed = true};
+  outcome.quiet_frames = 1;
+  outcome.motion_frames = 2;
+  Trial trial{.setting = {2, 3, 4}, .seen = {}};
+  trial.seen.looks = {{0, 1, 0}, {1'000'000, 1, 0}, {2'000'000, 0, 0}, {3'000'000, 2, 2}};
+  trial.figures = figures_of(trial.seen, outcome.marks);
+  outcome.trials = {trial};
+  outcome.why = "Because.";
+  outcome.document = R"({"sensitivity": "2"})";
+  return outcome;
+}
+
+TEST(TuneTable, ShowsSpansFiguresAndTheProposal) {
+  const std::string text = table_text(small_outcome());
+  EXPECT_NE(text.find("quiet, in seconds: 0-1 (assumed); 1 frames"), std::string::npos) << text;
+  EXPECT_NE(text.find("motion, in seconds: 1-3; 2 frames"), std::string::npos) << text;
+  EXPECT_NE(text.find("Proposed: sensitivity 2, lcAdap 3, minBoxW 0.04, minBoxH 0.1. Because."),
+            std::string::npos)
+      << text;
+}
+
+TEST(TuneTable, HasTheSameFiguresForPrograms) {
+  Json::Value root;
+  std::istringstream(to_json(small_outcome())) >> root;
+  EXPECT_EQ(root["document"]["sensitivity"], Json::Value("2"));
+  EXPECT_EQ(root["quiet"]["spans"][0][1].asDouble(), 1);
+  EXPECT_TRUE(root["quiet"]["assumed"].asBool());
+  const Json::Value trial = root["trials"][root["chosen"].asUInt()];
+  EXPECT_EQ(trial["settings"]["minBoxW"], Json::Value("0.04"));
+  EXPECT_EQ(trial["quiet"]["frames"].asInt(), 1);
+  EXPECT_EQ(trial["motion"]["frames"].asInt(), 1);
+  EXPECT_EQ(trial["frames"].asInt(), 3);
+}
+
+// The chart is 760 pixels wide from 230 on, its only row 20 high from 118 on; each look lasts a quarter.
+TEST(TunePicture, ColoursEachLookByTheSpanThatItIsIn) {
+  const cv::Mat picture = picture_of(small_outcome());
+  const auto at = [&](int quarter) { return picture.at<cv::Vec3b>(118 + 10, 230 + 190 * quarter + 95); };
+  const auto is = [](const cv::Vec3b& pixel, int most) {
+    return pixel[most] > pixel[(most + 1) % 3] + 30 && pixel[most] > pixel[(most + 2) % 3] + 30;
+  };
+  EXPECT_TRUE(is(at(0), 2)) << "red: false";
+  EXPECT_TRUE(is(at(1), 1)) << "green: found";
+  EXPECT_FALSE(is(at(2), 0) || is(at(2), 1) || is(at(2), 2)) << "grey: nothing";
+  EXPECT_GT(at(3)[2], at(3)[0] + 100) << "yellow: light";
+  EXPECT_GT(at(3)[1], at(3)[0] + 100);
+}
+
+}  // namespace
