@@ -54,9 +54,9 @@ Comparison compare(const cv::Mat& before, const cv::Mat& now) {
           scale > 0 && common / scale > kAlike};
 }
 
-// How much of the box lies over such cells, 0 to 1.
+// How much of the frame lies within the box and over such cells.
 template <typename Cells>
-double part_over(const Cells& cells, const cv::Rect2d& box) {
+double area_over(const Cells& cells, const cv::Rect2d& box) {
   const cv::Rect2d inside = box & cv::Rect2d(0, 0, 1, 1);
   double area = 0;
   for (std::size_t i = 0; i < cells.size(); ++i) {
@@ -69,7 +69,7 @@ double part_over(const Cells& cells, const cv::Rect2d& box) {
                            1.0 / LightWatch::kDown);
     area += (inside & place).area();
   }
-  return inside.empty() ? 0 : area / inside.area();
+  return area;
 }
 
 }  // namespace
@@ -125,12 +125,21 @@ void LightWatch::begin_or_go_on(const Look& now) {
   change_ = {change_ ? change_->before : before.brightness, now.brightness, share};
 }
 
+// Half of the box or more lies where the light changed; or half of that place lies in the box, which has
+// grown together with those of things that move.
+bool LightWatch::made_by_light(const cv::Rect2d& box) const {
+  const double over = area_over(lit_, box);
+  const double own = (box & cv::Rect2d(0, 0, 1, 1)).area();
+  const double lit = static_cast<double>(lit_.count()) / kCells;
+  return over > 0 && over >= std::min(own, lit) / 2;
+}
+
 void LightWatch::judge(Observation& seen) {
   if (lit_.none()) return;
   std::vector<cv::Rect2d> over;
   seen.by_light.resize(seen.boxes.size());
   for (std::size_t i = 0; i < seen.boxes.size(); ++i) {
-    seen.by_light[i] = part_over(lit_, seen.boxes[i]) >= 0.5;
+    seen.by_light[i] = made_by_light(seen.boxes[i]);
     if (seen.by_light[i]) over.push_back(seen.boxes[i]);
   }
   if (share_under(over) < kLeastUnderBoxes) {

@@ -44,6 +44,7 @@ class LightWatch {
   // The cells with the same samples in another light, when they are many.
   Cells relit(const Look& before, const Look& now) const;
   void begin_or_go_on(const Look& now);
+  bool made_by_light(const cv::Rect2d& box) const;
   void judge(Observation& seen);
 
   Cells watched_;

@@ -104,6 +104,15 @@ TEST_F(Light, BoxesBesideTheLitPartAreMotion) {
   EXPECT_EQ(by_light(in_light(scene_, 1, 40, kLeft), {kRight, kLeft}), (Flags{false, true}));
 }
 
+// The light of the left quarter changes: columns 0 to 3 of 16.
+TEST_F(Light, BoxesThatHoldHalfOfTheLitPartAreOfTheLight) {
+  see(scene_);
+  const cv::Mat lit = in_light(scene_, 1, 40, {0, 0, 0.25, 1});
+  EXPECT_EQ(by_light(lit, {{0.125, 0, 0.875, 1}}), Flags{true});
+  // 0.1 of the frame, which is more than half of neither 0.25 nor 0.85.
+  EXPECT_EQ(by_light(lit, {{0.15, 0, 0.85, 1}}), Flags{});
+}
+
 TEST_F(Light, LastsUntilThePluginIsUsedToIt) {
   see(scene_);
   const cv::Mat bright = in_light(scene_, 1, 40);
