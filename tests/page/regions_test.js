@@ -150,7 +150,11 @@ test("named, turned and deleted in the list; members of its own are kept", async
   assert.equal(roi, undefined);
   assert.equal(ror[0].name, "street");
   assert.equal(ror[0].colour, "red");
-  await page.click('button[aria-label="Delete street"]');
+  // A press takes its time.
+  await page.hover('button[aria-label="Delete street"]');
+  await page.mouse.down();
+  await page.evaluate(() => new Promise((done) => requestAnimationFrame(() => requestAnimationFrame(done))));
+  await page.mouse.up();
   assert.equal((await rootOf(page)).ror, undefined);
 });
 
