@@ -7,8 +7,8 @@ namespace {
 
 using namespace lm::host;
 
-constexpr int kMostPictures = 2000;
-constexpr int kMostEmpty = 10;  // polls without a picture, of five seconds each
+constexpr int kMostPictures = 1000;
+constexpr int kMostEmpty = 5;  // polls without a picture, of five seconds each
 
 PlayerPlan plan_of(const Setup& setup) {
   PlayerPlan plan;

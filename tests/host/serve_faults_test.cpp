@@ -1,0 +1,127 @@
+// What goes wrong with detectors and sources is told, and gets right again.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+#include "host/failure.h"
+#include "host/serve/detector_process.h"
+#include "tests/host/clips.h"
+#include "tests/host/program.h"
+#include "tests/host/serve_page.h"
+
+namespace {
+
+using namespace lm::host;
+using namespace std::chrono_literals;
+using program::Folder;
+using serve::Answer;
+using serve::Page;
+using testing::HasSubstr;
+
+constexpr auto kNoProblem = [](const Json::Value& state) { return state["problem"] == ""; };
+constexpr auto kProblem = [](const Json::Value& state) { return state["problem"] != ""; };
+
+std::string fake(const char* behaviour) { return std::string(R"({"comment":")") + behaviour + "\"}"; }
+
+serve::Setup with_fake(const char* behaviour) {
+  return {.document = fake(behaviour), .plugin = LIGHTMOTION_FAKE_PLUGIN, .patience = 500ms};
+}
+
+TEST(ServeDetector, ThatDiesIsReportedUntilAnotherDocumentHelps) {
+  Page page(with_fake("frame dies"));
+  const Json::Value state = page.state_with(kProblem);
+  EXPECT_EQ(state["problem"], "the detector failed: the process was ended by a signal: Killed");
+  EXPECT_EQ(page.post("/api/apply", fake("well")).status, 200);
+  EXPECT_FALSE(page.state_with(kNoProblem).isNull());
+  EXPECT_FALSE(page.picture_with([](const Json::Value& one) { return !one["boxes"].empty(); }).isNull());
+}
+
+TEST(ServeDetector, ThatHangsIsGivenUp) {
+  Page page(with_fake("frame waits"));
+  EXPECT_EQ(page.state_with(kProblem)["problem"], "the detector gave no answer for 0.500 s");
+}
+
+TEST(ServeDetector, ThatThrowsIsReported) {
+  Page page(with_fake("frame throws"));
+  EXPECT_THAT(page.state_with(kProblem)["problem"].asString(),
+              HasSubstr("\"stoll\" while processing a frame"));
+}
+
+TEST(ServeDetector, ThatRefusesADocumentLeavesTheOneBefore) {
+  Page page(with_fake("well"));
+  for (const char* behaviour : {"refuse", "refuse mute", "throw"}) {
+    const Answer answer = page.post("/api/apply", fake(behaviour));
+    EXPECT_EQ(answer.status, 422) << behaviour;
+    EXPECT_THAT(answer.json["error"].asString(), HasSubstr("the plug-in refuses it")) << behaviour;
+  }
+  EXPECT_EQ(page.state()["document"], fake("well"));
+  EXPECT_EQ(page.state()["problem"], "");
+}
+
+TEST(ServeDetector, ThatFailsInTheComparisonEndsIt) {
+  Page page(with_fake("well"));
+  const std::string document = Json::valueToQuotedString(fake("frame dies").c_str());
+  EXPECT_EQ(page.post("/api/compare", "{\"document\":" + document + "}").status, 200);
+  const Json::Value state = page.state_with(kProblem);
+  EXPECT_THAT(state["problem"].asString(), HasSubstr("the comparison ended"));
+  EXPECT_EQ(state["comparing"], false);
+  EXPECT_EQ(page.next_picture().status, 200);
+}
+
+TEST(ServeDetector, IsRefusedAtTheStart) {
+  EXPECT_THROW(Page(with_fake("refuse")), Failure);
+  EXPECT_THROW(Page({.document = "{"}), Failure);
+  EXPECT_THROW(Page({.plugin = "/nowhere/plugin.so"}), Failure);
+}
+
+TEST(DetectorProcess, AnswersWhatThePluginDoes) {
+  DetectorProcess detector({.plugin = LIGHTMOTION_FAKE_PLUGIN, .program = LIGHTMOTION_PROGRAM},
+                           fake("chatter"));
+  const cv::Mat image(4, 4, CV_8UC3, cv::Scalar(42, 0, 0));
+  EXPECT_EQ(detector.process(image, "1").result, "") << "the first frame has no box";
+  const Json::Value second = serve::json(detector.process(image, "41").result);
+  EXPECT_EQ(second["pixel"], 42);
+  EXPECT_EQ(second["timestamp"], "41");
+  EXPECT_EQ(second["config"]["comment"], "chatter");
+  detector.restart();
+  EXPECT_EQ(detector.process(image, "1").result, "") << "a first frame again";
+}
+
+TEST(ServeSource, IsPlayedAgainAndAgainAndFoundAgain) {
+  const Folder folder;
+  const std::string file = folder / "a.mp4";
+  clips::write(file, {64, 48}, clips::regular(10, 40ms));
+  Page page({.source = file});
+  EXPECT_FALSE(page.state_with([](const Json::Value& state) { return state["loop"].asInt() >= 3; }).isNull());
+  std::filesystem::rename(file, folder / "away.mp4");
+  EXPECT_THAT(page.state_with(kProblem)["problem"].asString(), HasSubstr("No such file"));
+  std::filesystem::rename(folder / "away.mp4", file);
+  EXPECT_FALSE(page.state_with(kNoProblem).isNull());
+  EXPECT_EQ(page.next_picture().status, 200);
+}
+
+TEST(ServeSource, MayComeBackInAnotherSize) {
+  const Folder folder;
+  const std::string file = folder / "a.mp4";
+  clips::write(file, {64, 48}, clips::regular(10, 40ms));
+  Page page({.source = file});
+  clips::write(file, {96, 64}, clips::regular(10, 40ms));
+  const Json::Value state =
+      page.state_with([](const Json::Value& now) { return now["source"]["width"].asInt() == 96; });
+  EXPECT_EQ(state["source"]["height"], 64);
+  EXPECT_EQ(page.state()["problem"], "");
+  EXPECT_EQ(page.next_picture().status, 200);
+}
+
+TEST(ServeSource, ThatIsDamagedSaysSo) {
+  const Folder folder;
+  const std::string file = folder / "a.mkv";
+  clips::write_busy(folder / "whole.mkv", {64, 48}, 50);
+  const std::string bytes = program::read(folder / "whole.mkv");
+  program::write(file, bytes.substr(0, bytes.size() / 2));
+  Page page({.source = file});
+  EXPECT_THAT(page.state_with(kProblem)["problem"].asString(), HasSubstr("ends early"));
+}
+
+}  // namespace
