@@ -2,46 +2,45 @@
 import { clock, element, find, percent } from "./dom.js";
 
 const words = { motion: "Motion", light: "Change of light" };
+const keyOf = ({ id, start }) => `${id} ${start}`; // a program that was started anew counts anew
+const setText = (node, text) => node.textContent !== text && (node.textContent = text);
 
 export class EventList {
   #onSeek;
-  #shown = "";
+  #items = new Map();
 
   constructor(onSeek) {
     this.#onSeek = onSeek;
   }
 
+  // An event that goes on keeps its element: what is pressed has to stay until it is let go.
   show({ events }, live) {
-    const key = JSON.stringify(events);
-    if (key === this.#shown) return;
-    this.#shown = key;
-    find("no-events").hidden = events.length > 0;
-    find("event-count").textContent = events.length || "";
+    const items = events.map((event) => this.#items.get(keyOf(event)) ?? this.#item(event, live));
+    events.forEach((event, i) => this.#fill(items[i], event));
+    this.#items = new Map(events.map((event, i) => [keyOf(event), items[i]]));
     const list = find("event-list");
-    const focus = document.activeElement?.dataset?.event;
-    list.replaceChildren(...events.map((event) => this.#item(event, live)));
-    if (focus) list.querySelector(`[data-event="${CSS.escape(focus)}"]`)?.focus();
+    if (items.length !== list.children.length || items.some((item, i) => item !== list.children[i])) {
+      const focused = document.activeElement;
+      list.replaceChildren(...items);
+      if (list.contains(focused)) focused.focus();
+    }
+    find("no-events").hidden = events.length > 0;
+    setText(find("event-count"), String(events.length || ""));
   }
 
-  #item({ id, kind, start, end, share, regions, why }, live) {
-    const span = `${clock(start)} – ${end === null ? "now" : clock(end)}`;
-    const parts = [
-      element("span", { class: "kind" }, words[kind] ?? kind),
-      element("span", { class: "span" }, span),
-      element(
-        "span",
-        { class: "small" },
-        `${percent(share)} of the picture${regions?.length ? `, ${regions.join(", ")}` : ""}`,
-      ),
-      why ? element("span", { class: "why small" }, why) : null,
-    ];
+  #item({ kind, start }, live) {
+    const parts = ["kind", "span", "about small", "why small"].map((name) => element("span", { class: name }));
     const box = live
       ? element("div", { class: "event" }, ...parts)
-      : element(
-          "button",
-          { type: "button", class: "event", "data-event": id, onclick: () => this.#onSeek(start) },
-          ...parts,
-        );
+      : element("button", { type: "button", class: "event", onclick: () => this.#onSeek(start) }, ...parts);
     return element("li", { class: kind }, box);
+  }
+
+  #fill(item, { kind, start, end, share, regions, why }) {
+    const [kindBox, span, about, whyBox] = item.firstChild.children;
+    setText(kindBox, words[kind] ?? kind);
+    setText(span, `${clock(start)} – ${end === null ? "now" : clock(end)}`);
+    setText(about, [`${percent(share)} of the picture`, ...(regions ?? [])].join(", "));
+    setText(whyBox, why ?? "");
   }
 }
