@@ -14,10 +14,10 @@ struct Gate {
 
 // What a request says about where it comes from; empty for what it does not say.
 struct Credentials {
-  std::string host;
-  std::string origin;
-  std::string site;  // Sec-Fetch-Site
-  std::string authorization;
+  std::string host{};
+  std::string origin{};
+  std::string site{};  // Sec-Fetch-Site
+  std::string authorization{};
 };
 
 struct Turned {

@@ -3,9 +3,11 @@
 #include <poll.h>
 
 #include <CLI/CLI.hpp>
+#include <cerrno>
 #include <cstdio>
 #include <filesystem>
 #include <memory>
+#include <optional>
 #include <string>
 #include <system_error>
 #include <thread>
@@ -43,19 +45,29 @@ std::string first_document(const std::string& config) {
   throw Failure(kRefused, config + ": " + std::generic_category().message(errno));
 }
 
+std::unique_ptr<Player> begin(const ServeOptions& options) {
+  const std::string document = first_document(options.config);
+  try {
+    return std::make_unique<Player>(options.plan, document);
+  } catch (const Failure& failure) {
+    if (failure.status() != kRefused || options.config.empty()) throw;
+    throw Failure(kRefused, options.config + ": " + failure.what());
+  }
+}
+
 // Ctrl-C is the way to end it, so that is no failure.
 int serve(ServeOptions options) {
   av_log_set_level(AV_LOG_QUIET);
   find_plugin(options.plan.detector.plugin, program_folder());
   if (!is_loopback(options.gate.host) && options.gate.token.empty()) options.gate.token = random_token();
-  Player player(options.plan, first_document(options.config));
-  Api api(player, options.plan, options.config);
+  const std::unique_ptr<Player> player = begin(options);
+  Api api(*player, options.plan, options.config);
   WebServer server(api, options.gate);
   std::printf("lightmotion: %s\n", server.address().c_str());
   std::fflush(stdout);
   std::thread answering([&server] { server.work(); });
   while (interrupted() == 0) poll(nullptr, 0, kGlance);
-  player.stop();
+  player->stop();
   server.stop();
   answering.join();
   return kDone;
