@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <cmath>
+#include <filesystem>
 
+#include "host/failure.h"
 #include "host/report/clip_copier.h"
 #include "host/report/lookback.h"
 #include "host/report/output_names.h"
@@ -43,7 +45,18 @@ void Clips::follow_file_time(const Frame& frame) {
   copied_to_ = frame.time - 1us;
 }
 
+// A clip that is analysed in its turn may have an event that begins when its own did.
+void Clips::spare_source(const Event& event) const {
+  for (const char* ending : {".mp4", ".mkv"}) {
+    const std::string name = folder_ + "/" + event_stem(event) + ending;
+    std::error_code ignored;
+    if (std::filesystem::equivalent(name, file_, ignored))
+      throw Failure(kTrouble, name + " would overwrite the source; --clips takes another folder");
+  }
+}
+
 void Clips::begun(const Event& event) {
+  spare_source(event);
   if (!copying_) recorder_.begin(event);
 }
 

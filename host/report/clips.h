@@ -28,6 +28,7 @@ class Clips : public EventListener {
 
  private:
   void follow_file_time(const Frame& frame);
+  void spare_source(const Event& event) const;
   void copy(const Event& event) const;
 
   std::string folder_;

@@ -231,6 +231,19 @@ TEST_F(Recorded, WhereTheFilesClockJumps) {
   EXPECT_EQ(clips::read(folder / "clips/00h00m02.500s-motion.mp4").size(), 10U);
 }
 
+// The one event of these frames begins with the second of them, 40 ms in.
+TEST(Clips, NeverReplaceTheSource) {
+  const Folder folder;
+  const std::string file = folder / "00h00m00.040s-motion.mp4";
+  clips::write(file, {64, 48}, clips::regular(40, 40ms));
+  const std::string before = program::read(file);
+  const auto outcome = program::run_fake({file, "-q", "--clips", folder / ""});
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_NE(outcome.errors.find("would overwrite the source"), std::string::npos) << outcome.errors;
+  EXPECT_EQ(program::read(file), before);
+  EXPECT_EQ(folder.names(), Names{"00h00m00.040s-motion.mp4"});
+}
+
 TEST(Clips, OfTheBuiltInSceneAreRecorded) {
   const Folder folder;
   const auto outcome =
