@@ -22,6 +22,7 @@ bool nothing_included(const Outlines& outlines) {
                                                [](const Outline& region) { return !region.corners.empty(); });
 }
 
+// Of sizes and regions that could be read.
 std::optional<Coverage> look_at_regions(const Outlines& outlines, std::optional<cv::Size> frame,
                                         Findings& findings) {
   if (findings.any_error()) return std::nullopt;
@@ -36,9 +37,9 @@ Verdict verdict_on(const Json::Value& document, std::optional<cv::Size> frame, F
   findings.add_repeats();
   check_keys(document, "", document_keys(), findings);
   const SettledSizes sizes = check_sizes(document, frame, findings);
-  const Settings settings = check_scalars(document, sizes, findings);
   const Outlines outlines = read_outlines(document, findings);
   const std::optional<Coverage> coverage = look_at_regions(outlines, sizes.frame, findings);
+  const Settings settings = check_scalars(document, sizes, findings);
 
   const std::size_t regions = outlines.included.size() + outlines.excluded.size();
   Effective effective = in_effect(settings, sizes.frame, regions);

@@ -75,8 +75,9 @@ void check_keys(const Json::Value& object, const std::string& path, const std::v
                 Findings& findings) {
   for (const std::string& key : object.getMemberNames()) {
     if (std::find(known.begin(), known.end(), key) != known.end()) continue;
-    findings.add_to_key(Severity::kWarning, path.empty() ? key : path + '.' + key, "unknown, and passed over",
-                        hint_for(key, known));
+    std::string member = path;
+    member.append(path.empty() ? "" : ".").append(key);
+    findings.add_to_key(Severity::kWarning, member, "unknown, and passed over", hint_for(key, known));
   }
 }
 

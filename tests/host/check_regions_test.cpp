@@ -195,6 +195,12 @@ TEST(CheckRegions, ALeastBoxThatNoBoxInThemCanReachIsAnError) {
   EXPECT_FALSE(verdict_on(rectangle("0.5", "0.25", "1", "0.75")).refused());
 }
 
+TEST(CheckRegions, AreLookedAtBesideSettingsThatAreRefused) {
+  const std::string line = points({{"0.1", "0.1"}, {"0.2", "0.1"}, {"0.3", "0.1"}});
+  const Verdict verdict = check_document("{\"lcAdap\":\"x\",\"ror\":[{" + line + "}]}", kFrame);
+  EXPECT_THAT(places_of(verdict), ElementsAre("error 1:11 lcAdap", "warning 1:22 ror[0]"));
+}
+
 TEST(CheckRegions, AreNotLaidOnFramesOfAnUnknownSize) {
   const Verdict verdict = check_document(roi(points({{"0", "0"}, {"0.5", "0"}, {"1", "0"}})), std::nullopt);
   EXPECT_THAT(verdict.findings, IsEmpty());
