@@ -26,7 +26,7 @@ using program::Folder;
 TEST(TuneEdit, ReplacesValuesWhereTheyStandAndKeepsEverythingElse) {
   const std::string text = R"({
   // the gate
-  "sensitivity": "5", /* loud */ "other": [1, {"sensitivity": "9"}],
+  "sensitivity": "-1", /* loud */ "other": [1, {"sensitivity": "9"}],
   "minBoxW" : 0.5
 }
 )";
