@@ -20,8 +20,6 @@
 #include "host/serve/wire.h"
 #include "host/time_text.h"
 
-extern char** environ;
-
 namespace lm::host {
 namespace {
 

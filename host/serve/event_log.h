@@ -20,7 +20,7 @@ namespace lm::host {
 class EventLog {
  public:
   static constexpr std::size_t kMostEvents = 500;
-  static constexpr std::size_t kMostSeconds = 4 * 3600;
+  static constexpr std::size_t kMostSeconds = 14'400;  // four hours
 
   // A new pass over the video begins. Its listener writes to this log, which outlives it.
   std::unique_ptr<EventListener> begin_pass();

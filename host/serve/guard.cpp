@@ -49,7 +49,7 @@ std::string authority(const std::string& host, int port) {
 std::optional<Turned> turned_away(const Gate& gate, const Credentials& shown, bool needs_token) {
   const std::string host = lower(shown.host);
   const std::string origin = lower(shown.origin);
-  if (is_loopback(gate.host) && !names_this_computer(gate, host)) {
+  if (gate.token.empty() && !names_this_computer(gate, host)) {
     return Turned{403, "the request is for the host \"" + shown.host + "\", which this server is not"};
   }
   if (!origin.empty() && origin != "http://" + host && origin != "https://" + host) {

@@ -33,7 +33,8 @@ std::string authority(const std::string& host, int port);
 
 // Why the request is turned away; nothing when it is let in. Pages of other sites are kept out though a
 // browser on this computer would send their requests: they bring a foreign Origin, and those that have their
-// own name lead here bring a foreign Host. `needs_token`: not for the page itself, which holds no secrets.
+// own name lead here bring a foreign Host, which is of no use to them where a token is asked for.
+// `needs_token`: not for the page itself, which holds no secrets.
 std::optional<Turned> turned_away(const Gate& gate, const Credentials& shown, bool needs_token);
 
 // 128 random bits as text. Throws Failure (kTrouble).

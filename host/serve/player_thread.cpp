@@ -92,6 +92,7 @@ void Player::step() {
   if (!source_ && !open()) return wait_a_while();
   if (!detector_.process && !started(detector_)) return wait_a_while();
   if (!frame_) {
+    source_->tell([this](const std::string& text) { tell(away_, text); });
     Frame frame;
     if (!source_->next(frame)) return source_ended();
     frame_ = std::move(frame);
@@ -116,7 +117,6 @@ bool Player::open() {
     tell(away_, failure.what());
     return false;
   }
-  source_->tell([this](const std::string& text) { tell(away_, text); });
   heard_ = false;
   const bool same = info_.size == source_->info().size;
   info_ = source_->info();

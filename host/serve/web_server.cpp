@@ -6,6 +6,7 @@
 #include <exception>
 #include <optional>
 #include <system_error>
+#include <thread>
 #include <utility>
 
 #include "host/failure.h"
@@ -48,10 +49,10 @@ Credentials shown_by(const Request& request) {
           request.get_header_value("Sec-Fetch-Site"), request.get_header_value("Authorization")};
 }
 
-void answer(Response& response, Reply reply) {
+void answer(Response& response, const Reply& reply) {
   response.status = reply.status;
   for (const auto& [name, value] : reply.headers) response.set_header(name, value);
-  if (reply.status != 204) response.set_content(std::move(reply.body), reply.type);
+  if (reply.status != 204) response.set_content(reply.body, reply.type);
 }
 
 Query query_of(const Request& request, std::string body = "") {
@@ -130,9 +131,9 @@ WebServer::WebServer(Api& api, Gate gate)
     : api_(api), gate_(std::move(gate)), server_(std::make_unique<httplib::Server>()) {
   limit(*server_);
   server_->set_pre_routing_handler([this](const Request& request, Response& response) {
-    std::optional<Reply> reply = at_once(request);
+    const std::optional<Reply> reply = at_once(request);
     if (!reply) return Routing::Unhandled;
-    answer(response, std::move(*reply));
+    answer(response, *reply);
     return Routing::Handled;
   });
   for (const auto& post : api_.posts()) {
@@ -177,8 +178,17 @@ std::string WebServer::address() const {
   return gate_.token.empty() ? base : base + "#token=" + gate_.token;
 }
 
-void WebServer::work() { server_->listen_after_bind(); }
+void WebServer::work() {
+  working_ = true;
+  if (!stopped_) server_->listen_after_bind();
+  working_ = false;
+}
 
-void WebServer::stop() { server_->stop(); }
+// The library's own stop does nothing while its server is about to begin.
+void WebServer::stop() {
+  stopped_ = true;
+  while (working_ && !server_->is_running()) std::this_thread::yield();
+  server_->stop();
+}
 
 }  // namespace lm::host

@@ -1,6 +1,7 @@
 // The page and what it asks for, over HTTP.
 #pragma once
 
+#include <atomic>
 #include <memory>
 #include <optional>
 #include <string>
@@ -37,6 +38,8 @@ class WebServer {
   Api& api_;
   Gate gate_;
   std::unique_ptr<httplib::Server> server_;
+  std::atomic<bool> working_ = false;
+  std::atomic<bool> stopped_ = false;
 };
 
 }  // namespace lm::host

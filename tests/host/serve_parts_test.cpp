@@ -33,6 +33,12 @@ TEST(Guard, LetsAnyHostInWhereTheTokenGuards) {
   EXPECT_FALSE(turned_away(gate, {.host = "camera.lan:8420"}, false)) << "the page itself";
 }
 
+TEST(Guard, LetsAProxyInThatBringsTheToken) {
+  const Gate gate{"127.0.0.1", 8420, "secret"};
+  EXPECT_EQ(status_of(gate, {"camera.lan", "https://camera.lan", "same-origin", "Bearer secret"}), 200);
+  EXPECT_EQ(status_of({"127.0.0.1", 8420, ""}, {"camera.lan", "https://camera.lan", "same-origin", ""}), 403);
+}
+
 TEST(Guard, KnowsPortEightyWithoutItsNumber) {
   const Gate gate{.port = 80};
   EXPECT_EQ(status_of(gate, {.host = "localhost"}), 200);
