@@ -65,7 +65,7 @@ void EventLog::frame(std::uint64_t pass, const Observation& seen) {
 void EventLog::forget_what_is_overtaken(std::uint64_t pass, std::chrono::microseconds time) {
   if (!pass_start_) pass_start_ = time;
   std::erase_if(entries_, [&](const Entry& entry) {
-    return entry.pass != pass && entry.event.start <= time && entry.event.end >= *pass_start_;
+    return entry.pass != pass && entry.event.start <= time && entry.event.end > *pass_start_;
   });
 }
 

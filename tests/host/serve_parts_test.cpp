@@ -169,6 +169,18 @@ TEST(EventLog, LeavesWhatLiesBeforeTheBeginningOfAPass) {
   EXPECT_EQ(log.value()["events"].size(), 1U);
 }
 
+TEST(EventLog, LeavesWhatEndedWhereAPassBegins) {
+  EventLog log;
+  const auto first = log.begin_pass();
+  first->begun(event_of("0001", 1s, 10s));
+  const auto second = log.begin_pass();
+  second->frame({}, box_at(10s, 0.5));
+  EXPECT_EQ(log.value()["events"].size(), 1U) << "the detector was started anew in the middle of it";
+  const auto third = log.begin_pass();
+  third->frame({}, box_at(9900ms, 0.5));
+  EXPECT_EQ(log.value()["events"].size(), 0U);
+}
+
 TEST(EventLog, FollowsAnEventToItsEnd) {
   EventLog log;
   const auto pass = log.begin_pass();
