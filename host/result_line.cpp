@@ -1,25 +1,12 @@
 #include "host/result_line.h"
 
-#include <json/json.h>
-
-#include <memory>
 #include <optional>
 
+#include "host/json_text.h"
 #include "host/time_text.h"
 
 namespace lm::host {
 namespace {
-
-// Null for what is no JSON, or none that can be read.
-Json::Value parse(const std::string& document) {
-  Json::Value root;
-  const std::unique_ptr<Json::CharReader> reader(Json::CharReaderBuilder().newCharReader());
-  try {
-    if (reader->parse(document.data(), document.data() + document.size(), &root, nullptr)) return root;
-  } catch (const Json::Exception&) {  // nested too deeply
-  }
-  return {};
-}
 
 std::optional<cv::Rect2d> box_of(const Json::Value& object) {
   if (!object.isObject()) return std::nullopt;
@@ -48,7 +35,7 @@ std::string note_line(const std::string& note, std::int64_t frame, std::chrono::
 
 std::vector<cv::Rect2d> boxes_of(const std::string& document) {
   std::vector<cv::Rect2d> boxes;
-  const Json::Value root = parse(document);
+  const Json::Value root = parse_json(document);
   if (!root.isObject()) return boxes;
   for (const Json::Value& object : root["object"]) {
     if (const std::optional<cv::Rect2d> box = box_of(object)) boxes.push_back(*box);

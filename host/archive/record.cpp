@@ -1,14 +1,13 @@
 #include "host/archive/record.h"
 
-#include <json/json.h>
 #include <sys/stat.h>
 
 #include <array>
 #include <cstdio>
-#include <memory>
 
 #include "host/archive/text_file.h"
 #include "host/frame_clock.h"
+#include "host/json_text.h"
 
 namespace lm::host {
 namespace {
@@ -17,16 +16,6 @@ std::string text_of(const Json::Value& value) {
   Json::StreamWriterBuilder builder;
   builder["indentation"] = "  ";
   return Json::writeString(builder, value);
-}
-
-Json::Value parsed(const std::string& text) {
-  Json::Value value;
-  const std::unique_ptr<Json::CharReader> reader(Json::CharReaderBuilder().newCharReader());
-  try {
-    if (reader->parse(text.data(), text.data() + text.size(), &value, nullptr)) return value;
-  } catch (const Json::Exception&) {  // nested too deeply
-  }
-  return {};
 }
 
 Json::Value json_of(const Figures& figures) {
@@ -80,7 +69,7 @@ std::string to_json(const Record& record) {
 }
 
 std::optional<Record> record_from(const std::string& json) {
-  const Json::Value value = parsed(json);
+  const Json::Value value = parse_json(json);
   if (!value.isObject() || !value["size"].isInt64() || !value["status"].isInt()) return std::nullopt;
   for (const char* name : {"source", "modified", "settings", "why"}) {
     if (!value[name].isString()) return std::nullopt;
@@ -106,7 +95,7 @@ void write_figures(const std::string& file, const Figures& figures) {
 
 std::optional<Figures> read_figures(const std::string& file) {
   const std::optional<std::string> text = read_text(file);
-  return text ? figures_from(parsed(*text)) : std::nullopt;
+  return text ? figures_from(parse_json(*text)) : std::nullopt;
 }
 
 }  // namespace lm::host

@@ -1,11 +1,9 @@
 #include "host/events/explain.h"
 
-#include <json/json.h>
-
 #include <cmath>
-#include <memory>
 
 #include "host/events/why.h"
+#include "host/json_text.h"
 #include "host/time_text.h"
 
 namespace lm::host {
@@ -39,10 +37,8 @@ std::string box_text(const cv::Rect2d& box) {
 }  // namespace
 
 cv::Size2d smallest_box(const std::string& document) {
-  Json::Value root;
-  const std::unique_ptr<Json::CharReader> reader(Json::CharReaderBuilder().newCharReader());
-  const bool parsed = reader->parse(document.data(), document.data() + document.size(), &root, nullptr);
-  if (!parsed || !root.isObject()) return {kSmallestSide, kSmallestSide};
+  const Json::Value root = parse_json(document);
+  if (!root.isObject()) return {kSmallestSide, kSmallestSide};
   return {side(root["minBoxW"]), side(root["minBoxH"])};
 }
 

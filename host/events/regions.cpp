@@ -1,22 +1,11 @@
 #include "host/events/regions.h"
 
-#include <json/json.h>
-
 #include <algorithm>
-#include <memory>
+
+#include "host/json_text.h"
 
 namespace lm::host {
 namespace {
-
-Json::Value parse(const std::string& document) {
-  Json::Value root;
-  const std::unique_ptr<Json::CharReader> reader(Json::CharReaderBuilder().newCharReader());
-  try {
-    if (reader->parse(document.data(), document.data() + document.size(), &root, nullptr)) return root;
-  } catch (const Json::Exception&) {  // nested too deeply
-  }
-  return {};
-}
 
 // The plug-in reads texts only, each to the first character that does not belong to the number.
 double coordinate(const Json::Value& value) {
@@ -56,7 +45,7 @@ bool Region::contains(cv::Point2d point) const {
 }
 
 Regions::Regions(const std::string& document) {
-  const Json::Value root = parse(document);
+  const Json::Value root = parse_json(document);
   if (!root.isObject()) return;
   included_ = regions_of(root["roi"]);
   excluded_ = regions_of(root["ror"]);

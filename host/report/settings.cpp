@@ -1,23 +1,10 @@
 #include "host/report/settings.h"
 
-#include <json/json.h>
-
-#include <memory>
-
+#include "host/json_text.h"
 #include "host/time_text.h"
 
 namespace lm::host {
 namespace {
-
-Json::Value parse(const std::string& document) {
-  Json::Value root;
-  const std::unique_ptr<Json::CharReader> reader(Json::CharReaderBuilder().newCharReader());
-  try {
-    if (reader->parse(document.data(), document.data() + document.size(), &root, nullptr)) return root;
-  } catch (const Json::Exception&) {  // nested too deeply
-  }
-  return {};
-}
 
 std::string names_of(const Json::Value& regions) {
   std::string names;
@@ -40,7 +27,7 @@ std::vector<std::pair<std::string, std::string>> shown_settings(const std::strin
   std::vector<std::pair<std::string, std::string>> shown{
       {"Least length of an event", seconds(rules.min_event)},
       {"Quiet that ends an event", seconds(rules.gap)}};
-  const Json::Value root = parse(document);
+  const Json::Value root = parse_json(document);
   if (!root.isObject()) return shown;
   for (const std::string& key : root.getMemberNames()) {
     const Json::Value& value = root[key];

@@ -1,7 +1,5 @@
 #include "host/serve/api.h"
 
-#include <json/json.h>
-
 #include <charconv>
 #include <cmath>
 #include <cstdlib>
@@ -12,6 +10,7 @@
 #include "host/archive/text_file.h"
 #include "host/events/event_json.h"
 #include "host/failure.h"
+#include "host/json_text.h"
 #include "host/presets/presets.h"
 #include "host/serve/config_file.h"
 #include "host/shown_address.h"
@@ -29,16 +28,6 @@ double seconds(microseconds time) { return std::chrono::duration<double>(time).c
 
 Reply json_reply(const Json::Value& value, int status = 200) {
   return {.status = status, .body = json_text(value)};
-}
-
-Json::Value parsed(const std::string& text) {
-  Json::Value value;
-  const std::unique_ptr<Json::CharReader> reader(Json::CharReaderBuilder().newCharReader());
-  try {
-    if (reader->parse(text.data(), text.data() + text.size(), &value, nullptr)) return value;
-  } catch (const Json::Exception&) {  // nested too deeply
-  }
-  return {};
 }
 
 // Seconds that a video may last.
@@ -84,7 +73,7 @@ Json::Value source_value(const SourceInfo& source) {
 
 // Says why a document cannot be used, in the words of the first finding that is an error.
 Reply refusal(const check::Verdict& verdict) {
-  Json::Value value = parsed(check::to_json(verdict));
+  Json::Value value = parse_json(check::to_json(verdict));
   value.removeMember("effective");
   for (const check::Finding& finding : verdict.findings) {
     if (finding.severity != check::Severity::kError) continue;
@@ -200,7 +189,7 @@ Reply Api::document() const {
 }
 
 Reply Api::play(const Query& query) {
-  const Json::Value wish = parsed(query.body);
+  const Json::Value wish = parse_json(query.body);
   if (!wish.isObject()) return error_reply(400, "expected {\"playing\":true or false,\"time\":seconds}");
   const Json::Value& playing = wish["playing"];
   const Json::Value& time = wish["time"];
@@ -225,12 +214,12 @@ Reply Api::apply(const Query& query) {
   if (judged.refused()) return refusal(judged);
   player_.apply(query.body);
   Json::Value value;
-  value["findings"] = parsed(check::to_json(judged))["findings"];
+  value["findings"] = parse_json(check::to_json(judged))["findings"];
   return json_reply(value);
 }
 
 Reply Api::compare(const Query& query) {
-  const Json::Value wish = parsed(query.body);
+  const Json::Value wish = parse_json(query.body);
   if (!wish.isObject() || !(wish["document"].isNull() || wish["document"].isString())) {
     return error_reply(400, "expected {\"document\":text or null}");
   }

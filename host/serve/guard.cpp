@@ -38,7 +38,8 @@ bool names_this_computer(const Gate& gate, const std::string& host) {
 }  // namespace
 
 bool is_loopback(const std::string& host) {
-  return host == "localhost" || host == "::1" || host.starts_with("127.");
+  const bool four = host.starts_with("127.") && host.find_first_not_of("0123456789.") == std::string::npos;
+  return host == "localhost" || host == "::1" || four;
 }
 
 std::string authority(const std::string& host, int port) {

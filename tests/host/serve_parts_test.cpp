@@ -48,7 +48,7 @@ TEST(Guard, KnowsPortEightyWithoutItsNumber) {
 TEST(Guard, KnowsWhatOnlyThisComputerReaches) {
   for (const char* host : {"localhost", "127.0.0.1", "127.1.2.3", "::1"})
     EXPECT_TRUE(is_loopback(host)) << host;
-  for (const char* host : {"0.0.0.0", "::", "192.168.1.2", "1270.example"})
+  for (const char* host : {"0.0.0.0", "::", "192.168.1.2", "1270.example", "127.example"})
     EXPECT_FALSE(is_loopback(host)) << host;
   EXPECT_EQ(authority("::1", 8420), "[::1]:8420");
 }
