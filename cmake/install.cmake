@@ -9,7 +9,7 @@ include(GNUInstallDirs)
 include(CMakePackageConfigHelpers)
 
 set(LIGHTMOTION_MAINTAINER "lightmotion developers <developers@lightmotion.invalid>"
-    CACHE STRING "Who stands behind the packages")
+    CACHE STRING "Maintainer of the packages")
 
 # The headers that declare an exported name, and the records that these use. They include each other from the root of
 # the tree, which they keep below include/lightmotion. The API pages are made from the same list.
