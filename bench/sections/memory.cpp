@@ -63,7 +63,7 @@ double in_child(const std::function<double()>& measure) {
 
 void measure_memory(const Plan& plan, Records& records) {
   const Scene scene = make_scene("busy", kFullHd);
-  const Table table("Peak memory beyond an idle process, busy, 1920x1080: bytes a pixel",
+  const Table table("Peak memory beyond an idle process, busy, 1920x1080: bytes per pixel",
                     {"candidate", "bytes"}, 1);
   for (const Candidate& candidate : all_candidates(plan.libraries)) {
     std::fflush(stdout);
