@@ -26,8 +26,7 @@ function(package component name section depends summary more)
 endfunction()
 
 set(what "lightmotion detects motion in video: an adaptive background model of every
-pixel separates the foreground, which is grouped into boxes. Results are
-repeatable to the byte.")
+pixel separates the foreground, which is grouped into boxes.")
 
 package(library liblightmotion1 libs "" "motion detection for video (shared library)" "${what}
 
