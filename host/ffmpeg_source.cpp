@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <new>
+#include <string_view>
 #include <thread>
 #include <utility>
 
@@ -81,7 +82,21 @@ FfmpegSource::FfmpegSource(const std::string& name, const Reading& reading, cv::
     const std::string& cause = read_error_.empty() ? first_damage_ : read_error_;
     fail(name, "no frame could be decoded" + (cause.empty() ? "" : ": " + cause));
   }
+  if (is_single_picture()) {
+    fail(info_.name,
+         "a single picture cannot move; give a video or a picture sequence such as frame%04d.png");
+  }
   describe(size);
+}
+
+// After the first picture. What this reads ahead waits for the decoder.
+bool FfmpegSource::is_single_picture() {
+  const std::string_view format = input_->iformat->name;
+  const bool pictures =
+      format == "image2" || format == "gif" || format == "apng" || format.ends_with("_pipe");
+  if (!pictures) return false;
+  if (packets_ == 1 && !packet_waits_ && !drained_) packet_waits_ = read_packet();
+  return packets_ == 1;
 }
 
 void FfmpegSource::start_deadline() {
@@ -112,7 +127,7 @@ void FfmpegSource::open_input() {
   av_dict_free(&settings);
   // The context is gone already when opening failed.
   if (opened == AVERROR_INVALIDDATA && !deadline_.passed())
-    fail(info_.name, "not a video, or one too damaged to be read");
+    fail(info_.name, "not a video, or too damaged to read");
   if (opened < 0) fail(info_.name, error_text(opened));
   input_.reset(input);
   start_deadline();
@@ -124,10 +139,10 @@ void FfmpegSource::open_input() {
 void FfmpegSource::open_decoder() {
   const AVCodec* codec = nullptr;
   const int index = av_find_best_stream(input_.get(), AVMEDIA_TYPE_VIDEO, -1, -1, &codec, 0);
-  if (index == AVERROR_DECODER_NOT_FOUND) fail(info_.name, "no decoder for this kind of video");
-  if (index < 0) fail(info_.name, "holds no video");
+  if (index == AVERROR_DECODER_NOT_FOUND) fail(info_.name, "no decoder for this video format");
+  if (index < 0) fail(info_.name, "contains no video");
   stream_ = input_->streams[index];
-  if ((stream_->disposition & AV_DISPOSITION_ATTACHED_PIC) != 0) fail(info_.name, "holds no video");
+  if ((stream_->disposition & AV_DISPOSITION_ATTACHED_PIC) != 0) fail(info_.name, "contains no video");
   for (unsigned i = 0; i < input_->nb_streams; ++i) {
     if (input_->streams[i] != stream_) input_->streams[i]->discard = AVDISCARD_ALL;
   }
@@ -145,7 +160,7 @@ void FfmpegSource::open_decoder() {
 
 void FfmpegSource::describe(cv::Size size) {
   if (sws_isSupportedInput(static_cast<AVPixelFormat>(picture_->format)) == 0) {
-    fail(info_.name, "pictures of this pixel format cannot be converted");
+    fail(info_.name, "unsupported pixel format");
   }
   const int turns = quarter_turns(*stream_);
   cv::Size lying(picture_->width, picture_->height);
@@ -173,7 +188,7 @@ bool FfmpegSource::next(Frame& frame) {
     if (!picker_.wants(frame.time)) continue;
     frame.image = converter_->convert(*picture_);
     if (frame.image.empty()) {
-      note_damage("this pixel format cannot be converted");
+      note_damage("unsupported pixel format");
       continue;
     }
     frame.note = std::exchange(note_, "");
@@ -267,6 +282,7 @@ bool FfmpegSource::read_packet() {
     if (packet_->stream_index == stream_->index) break;
     av_packet_unref(packet_.get());
   }
+  ++packets_;
   if ((packet_->flags & AV_PKT_FLAG_CORRUPT) != 0) note_damage("a packet is incomplete");
   return true;
 }

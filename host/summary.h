@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <string>
 
-#include "host/options.h"
+#include "host/run_options.h"
 #include "host/source.h"
 
 namespace lm::host {
@@ -23,6 +23,6 @@ struct Figures {
 double speed(const Figures& figures);
 
 // Two to five lines, each with its line feed: the figures, and where the outputs are.
-std::string summary(const std::string& source, const Figures& figures, const Options& options);
+std::string summary(const std::string& source, const Figures& figures, const RunOptions& options);
 
 }  // namespace lm::host

@@ -22,6 +22,7 @@
 #include "host/archive/folder_name.h"
 #include "host/archive/shard.h"
 #include "host/archive/text_file.h"
+#include "host/failure.h"
 #include "host/interrupt.h"
 #include "host/plugin.h"
 #include "host/run.h"
@@ -55,7 +56,7 @@ std::string made_folder(const std::string& name) {
   return fs::canonical(name).string();
 }
 
-ArchiveSettings settings_of(const Options& options) {
+ArchiveSettings settings_of(const RunOptions& options) {
   std::string configuration;
   if (!options.config.empty()) {
     const std::optional<std::string> text = read_text(options.config);
@@ -78,7 +79,7 @@ std::vector<ArchiveFile> files_of(const ArchiveOptions& options, const Shard& sh
 
 class ArchiveRun {
  public:
-  ArchiveRun(const Options& options, ArchiveSettings settings, const std::vector<ArchiveFile>& files)
+  ArchiveRun(const RunOptions& options, ArchiveSettings settings, const std::vector<ArchiveFile>& files)
       : options_(options),
         settings_(std::move(settings)),
         jobs_(static_cast<std::size_t>(options.archive.jobs > 0 ? options.archive.jobs : processors())),
@@ -189,7 +190,7 @@ class ArchiveRun {
     running_.clear();
   }
 
-  const Options& options_;
+  const RunOptions& options_;
   ArchiveSettings settings_;
   std::size_t jobs_;
   sigset_t child_ended_;
@@ -201,7 +202,7 @@ class ArchiveRun {
 };
 
 // What no file could be looked at with is found out here and not by every child.
-void try_out(const Options& options) {
+void try_out(const RunOptions& options) {
   Plugin plugin(find_plugin(options.plugin, program_folder()));
   try_configuration(plugin, options);
 }
@@ -213,7 +214,7 @@ std::string table_name(const Shard& shard) {
 
 }  // namespace
 
-int run_archive(const Options& options) {
+int run_archive(const RunOptions& options) {
   const Shard shard = parse_shard(options.archive.shard);
   const std::vector<ArchiveFile> files = files_of(options.archive, shard);
   try_out(options);
@@ -221,7 +222,7 @@ int run_archive(const Options& options) {
   const std::vector<TableRow> rows = ArchiveRun(options, settings, files).all_files();
   if (interrupted() != 0) {
     std::fprintf(stderr,
-                 "lightmotion: stopped with %zu of %zu files done; the same command goes on from there\n",
+                 "lightmotion: interrupted with %zu of %zu files finished; run the same command to resume\n",
                  rows.size(), files.size());
     return 128 + interrupted();
   }

@@ -40,7 +40,7 @@ class Expansion {
 
   void add_named(const std::string& name) {
     if (name.find("://") != std::string::npos) {
-      throw Failure(kRefused, shown_address(name) + ": an archive run takes files, not addresses");
+      throw Failure(kRefused, shown_address(name) + ": --out needs files, not stream addresses");
     }
     std::error_code error;
     if (fs::is_directory(name, error)) {
@@ -122,7 +122,7 @@ class Expansion {
   void add_file(const std::string& path) {
     std::error_code error;
     const fs::file_status status = fs::status(path, error);
-    const std::string why = error ? error.message() : fs::is_regular_file(status) ? "" : "not a file";
+    const std::string why = error ? error.message() : fs::is_regular_file(status) ? "" : "not a regular file";
     files_.push_back({real_path(path), why});
   }
 
@@ -149,7 +149,7 @@ std::vector<ArchiveFile> list_files(const std::vector<std::string>& sources, con
     source.starts_with('@') ? expansion.add_list(source.substr(1)) : expansion.add_named(source);
   }
   std::vector<ArchiveFile> files = expansion.sorted();
-  if (files.empty()) throw Failure(kRefused, "no video files there");
+  if (files.empty()) throw Failure(kRefused, "no video files found");
   return files;
 }
 

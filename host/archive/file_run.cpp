@@ -86,7 +86,8 @@ void FileRun::keep_time() {
 TableRow FileRun::finish(int status) {
   if (deadline_.passed() && exit_status(status) > kTrouble) {
     const std::string time = seconds_text(settings_.file_timeout);
-    return {path_, Outcome::kFailed, std::nullopt, "", "given up after " + time + " s (--file-timeout)"};
+    return {path_, Outcome::kFailed, std::nullopt, "",
+            "time limit of " + time + " s exceeded (--file-timeout)"};
   }
   const std::string messages =
       replaced(read_text(folder_.path() + kMessages).value_or(""), folder_.path(), folder_.final_path());

@@ -42,8 +42,8 @@ std::string hint_for(const std::string& key, const std::vector<std::string>& kno
   const std::string near = nearest(key, known);
   if (!near.empty()) return "did you mean \"" + near + "\"?";
   if (findParam<Settings>(key) != nullptr)
-    return "the plug-in takes it from its parameter list only, not from a document";
-  std::string all = "known are ";
+    return "the plug-in reads it from its parameter list only, not from a configuration";
+  std::string all = "known keys: ";
   for (const std::string& name : known) all.append(&name == &known.front() ? "" : ", ").append(name);
   return all;
 }
@@ -77,7 +77,7 @@ void check_keys(const Json::Value& object, const std::string& path, const std::v
     if (std::find(known.begin(), known.end(), key) != known.end()) continue;
     std::string member = path;
     member.append(path.empty() ? "" : ".").append(key);
-    findings.add_to_key(Severity::kWarning, member, "unknown, and passed over", hint_for(key, known));
+    findings.add_to_key(Severity::kWarning, member, "unknown key, ignored", hint_for(key, known));
   }
 }
 

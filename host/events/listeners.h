@@ -6,14 +6,14 @@
 #include <vector>
 
 #include "host/events/listener.h"
-#include "host/options.h"
+#include "host/run_options.h"
 #include "host/source.h"
 
 namespace lm::host {
 
 // What a run is about. Outlives its listeners.
 struct RunContext {
-  const Options& options;
+  const RunOptions& options;
   const SourceInfo& source;
   const std::string& document;  // that the plug-in was started with
 };

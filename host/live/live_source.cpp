@@ -129,11 +129,11 @@ bool LiveSource::connect_again() {
       connected(since(last_frame_), lost_by);
       return true;
     }
-    if (refusal != cause) newest_.put_message("still away: " + refusal);
+    if (refusal != cause) newest_.put_message("still disconnected: " + refusal);
     cause = refusal;
   }
   const std::scoped_lock lock(mutex_);
-  trouble_ = "connection lost for good: " + cause;
+  trouble_ = "connection lost, gave up: " + cause;
   return false;
 }
 
@@ -152,7 +152,7 @@ std::string LiveSource::attempt() {
 void LiveSource::connected(Time away, const std::string& cause) {
   first_time_ = last_time_ + std::max<Time>(away, 1ms);
   first_number_ = last_number_ + 1;
-  news_ = "restarted: " + cause + "; " + seconds_text(away) + " s without pictures";
+  news_ = "reconnected after " + seconds_text(away) + " s without pictures: " + cause;
   const std::scoped_lock lock(mutex_);
   ++counts_.reconnections;
   counts_.away += away;

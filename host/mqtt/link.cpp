@@ -30,7 +30,7 @@ std::string reason(int error) {
 }
 
 void check(int error, const std::string& what) {
-  if (error != MOSQ_ERR_SUCCESS) throw Failure(kRefused, "message bus: " + what + ": " + reason(error));
+  if (error != MOSQ_ERR_SUCCESS) throw Failure(kRefused, "MQTT: " + what + ": " + reason(error));
 }
 
 }  // namespace
@@ -40,7 +40,7 @@ Link::Link(const LinkSettings& settings, std::shared_ptr<Mailbox> mailbox)
   static const int once = mosquitto_lib_init();
   static_cast<void>(once);
   client_.reset(mosquitto_new(settings.client.c_str(), true, this));
-  if (!client_) throw Failure(kRefused, "message bus: " + std::generic_category().message(errno));
+  if (!client_) throw Failure(kRefused, "MQTT: " + std::generic_category().message(errno));
   mosquitto_connect_callback_set(client_.get(), [](mosquitto*, void* self, int refusal) {
     static_cast<Link*>(self)->connected(refusal);
   });
@@ -98,7 +98,7 @@ void Link::connected(int refusal) {
 
 void Link::lost(int error) {
   const std::string why = refusal_.empty() ? reason(error) : std::exchange(refusal_, "");
-  if (!std::exchange(complained_, true)) mailbox_->report(why + "; trying again");
+  if (!std::exchange(complained_, true)) mailbox_->report(why + "; retrying");
   open_ = false;
   ready_ = false;
   next_attempt_ = Clock::now() + back_off_.next();

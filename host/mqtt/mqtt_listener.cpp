@@ -87,8 +87,8 @@ void MqttListener::tell_news() {
 void MqttListener::tell_losses() {
   const auto [updates, milestones] = mailbox_->drops();
   if (updates + milestones > 0) {
-    warn(broker_ + ": had no room for " + count(updates, "update") + " and for " +
-         count(milestones, "message") + " on the beginning or end of an event");
+    warn(broker_ + ": queue full, dropped " + count(updates, "update message") + " and " +
+         count(milestones, "begin or end message"));
   }
   if (const std::size_t left = mailbox_->unsent(); left > 0) {
     warn(broker_ + ": " + count(static_cast<std::int64_t>(left), "message") + " not sent");

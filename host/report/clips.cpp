@@ -51,7 +51,7 @@ void Clips::spare_source(const Event& event) const {
     const std::string name = folder_ + "/" + event_stem(event) + ending;
     std::error_code ignored;
     if (std::filesystem::equivalent(name, file_, ignored))
-      throw Failure(kTrouble, name + " would overwrite the source; --clips takes another folder");
+      throw Failure(kTrouble, name + " would overwrite the source; choose another folder for --clips");
   }
 }
 

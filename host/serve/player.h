@@ -15,7 +15,7 @@
 #include "host/events/event_watch.h"
 #include "host/live/back_off.h"
 #include "host/live/live_options.h"
-#include "host/options.h"
+#include "host/run_options.h"
 #include "host/serve/detector_process.h"
 #include "host/serve/event_log.h"
 #include "host/serve/pace.h"
@@ -111,7 +111,7 @@ class Player {
   void tell(std::string& problem, const std::string& text);
 
   const PlayerPlan plan_;
-  const Options event_options_;  // what makes an event: the defaults
+  const RunOptions event_options_;  // what makes an event: the defaults
   std::stop_source stop_;
 
   mutable std::mutex mutex_;

@@ -54,7 +54,7 @@ Player::Wishes Player::next_wishes() {
 void Player::grant(Wishes wishes) {
   if (!wishes.any()) return;
   const Time here = owing_ ? show_from_ : state().time;
-  const char* why = wishes.seek ? "Another moment was chosen." : "The settings were changed.";
+  const char* why = wishes.seek ? "The playback position was changed." : "The settings were changed.";
   if (wishes.detector) {
     detector_ = std::move(*wishes.detector);
     tell(detector_trouble_, "");
@@ -134,7 +134,7 @@ void Player::source_ended() {
   const std::string trouble = source_->trouble();
   const bool wait = info_.live || !heard_;
   if (wait) {
-    tell(away_, trouble.empty() ? "no picture comes from the source" : trouble);
+    tell(away_, trouble.empty() ? "no picture from the source" : trouble);
   } else {
     tell(damage_, trouble);
     count_loop();
@@ -180,7 +180,7 @@ void Player::one_frame() {
 bool Player::started(Detector& detector) {
   try {
     detector = start_detector(state().document);
-    begin_pass("The detector was started anew.");
+    begin_pass("The detector was restarted.");
     return true;
   } catch (const Failure& failure) {
     detector_failed(failure.what());

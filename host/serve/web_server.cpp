@@ -87,11 +87,11 @@ Body body_of(const httplib::ContentReader& read) {
 std::string reason_of(int status) {
   switch (status) {
     case 413:
-      return "what was sent is longer than " + std::to_string(kLongestBody) + " bytes";
+      return "the request body exceeds " + std::to_string(kLongestBody) + " bytes";
     case 414:
-      return "the address is too long";
+      return "the request address is too long";
     default:
-      return "the request cannot be understood";
+      return "malformed request";
   }
 }
 
@@ -122,7 +122,7 @@ void take_address(httplib::Server& server, Gate& gate) {
   if (any) gate.port = server.bind_to_any_port(gate.host);
   if (any ? gate.port > 0 : server.bind_to_port(gate.host, gate.port)) return;
   const std::string cause = errno != 0 ? std::generic_category().message(errno) : "no such address";
-  throw Failure(kTrouble, authority(gate.host, gate.port) + " cannot be served on: " + cause);
+  throw Failure(kTrouble, "cannot listen on " + authority(gate.host, gate.port) + ": " + cause);
 }
 
 }  // namespace
@@ -148,7 +148,7 @@ WebServer::WebServer(Api& api, Gate gate)
     if (response.body.empty()) answer(response, error_reply(response.status, reason_of(response.status)));
   });
   server_->set_exception_handler([](const Request&, Response& response, const std::exception_ptr&) {
-    answer(response, error_reply(500, "the program failed to answer"));
+    answer(response, error_reply(500, "internal error"));
   });
   take_address(*server_, gate_);
 }
@@ -161,16 +161,16 @@ std::optional<Reply> WebServer::at_once(const Request& request) const {
   if (const auto turned = turned_away(gate_, shown_by(request), data)) {
     return error_reply(turned->status, turned->reason);
   }
-  if (!request.ranges.empty()) return error_reply(416, "parts of an answer are not to be had");
+  if (!request.ranges.empty()) return error_reply(416, "range requests are not supported");
   if (request.method == "POST" && api_.posts().count(request.path) != 0) return std::nullopt;
   if (request.method != "GET" && request.method != "HEAD") {
-    return error_reply(405, request.method + " is not for " + request.path);
+    return error_reply(405, request.method + " is not allowed for " + request.path);
   }
   if (const auto get = api_.gets().find(request.path); get != api_.gets().end()) {
     return handled(get->second, query_of(request));
   }
   if (std::optional<Reply> page = page_reply(request.path)) return page;
-  return error_reply(404, "there is nothing at " + request.path);
+  return error_reply(404, "not found: " + request.path);
 }
 
 std::string WebServer::address() const {

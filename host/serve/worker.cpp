@@ -69,7 +69,7 @@ bool send(int file, bool failed, const std::string& text, std::chrono::steady_cl
 int take_over_standard_streams() {
   const int socket = fcntl(STDIN_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
   const int nowhere = open("/dev/null", O_RDWR | O_CLOEXEC);
-  if (socket < 0 || nowhere < 0) throw Failure(kTrouble, "no file can be opened");
+  if (socket < 0 || nowhere < 0) throw Failure(kTrouble, "cannot open a file");
   for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) dup2(nowhere, stream);
   close(nowhere);
   return socket;

@@ -164,10 +164,9 @@ INSTANTIATE_TEST_SUITE_P(
     testing::Values(
         RefusedCase{"NotJson", "{", "1:2: not JSON: Missing '}' or object member name"},
         RefusedCase{"NoObject", "[]", " not a JSON object"},
-        RefusedCase{
-            "OtherSize", R"({"frmW": "1"})",
-            "1:10: \"frmW\": is 1 but the source's frames have 640 (leave it out, and the source's own is "
-            "taken)"},
+        RefusedCase{"OtherSize", R"({"frmW": "1"})",
+                    "1:10: \"frmW\": is 1 but the source's frames have 640 (remove it to use the source's "
+                    "value)"},
         RefusedCase{
             "Faulty", R"({"comment": "throw", "sensitivity": "high"})",
             "1:37: \"sensitivity\": must be a whole number, not \"high\"; the plug-in refuses it (1 to 5, or "
@@ -178,8 +177,8 @@ INSTANTIATE_TEST_SUITE_P(
                     "(lightmotion check lists all)"},
         RefusedCase{
             "Useless", R"({"ror": [], "lifeStatic": "-1"})",
-            "1:27: \"lifeStatic\": -1 makes everything background at once: nothing is ever found (leave it "
-            "out for 3 seconds)"},
+            "1:27: \"lifeStatic\": -1 makes everything background at once: nothing is ever detected (remove "
+            "it for the default of 3 seconds)"},
         RefusedCase{"Refusing", R"({"comment": "refuse"})",
                     " the plug-in refuses it: Error: this document is refused"},
         RefusedCase{"Throwing", R"({"comment": "throw"})", " the plug-in refuses it: exception \"stoi\""}),
@@ -200,8 +199,8 @@ TEST(Program, WarnsOfSettingsThatHaveNoEffect) {
   EXPECT_EQ(outcome.status, 0);
   EXPECT_EQ(complaint(outcome),
             "lightmotion: warning: " + (folder / "c.json") +
-                ":1:17: \"sensitivity\": 5 is no text: the plug-in passes it over, and the "
-                "default stays (write \"5\")\n");
+                ":1:17: \"sensitivity\": 5 is not a string: the plug-in ignores it and uses the "
+                "default (write \"5\")\n");
 }
 
 TEST(Program, KeepsThePluginsChatterOutOfTheResults) {
