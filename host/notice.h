@@ -1,4 +1,4 @@
-// What the program tells its user on standard error while it works. For the thread that analyses.
+// Messages on standard error during a run. For the analysing thread only.
 #pragma once
 
 #include <string>

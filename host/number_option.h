@@ -23,7 +23,7 @@ constexpr double kUnlimited = 1e9;  // as `most`: no limit that anybody would me
 // "0 to 86400 s", or "0.001 s or more" when there is no limit.
 std::string range_text(const NumberRange& range);
 
-// What is wrong with `text` as the value of such an option: "must be a number, not x". Empty when nothing is.
+// What is wrong with `text` as a number in `range`, such as "must be a number, not x"; empty when nothing is.
 std::string number_fault(const std::string& text, const NumberRange& range);
 
 struct NumberOption {

@@ -17,7 +17,7 @@ namespace fs = std::filesystem;
 
 constexpr const char* kFileName = "liblightmotion.so.1";
 
-// Runs `call` and turns whatever it throws into a text; empty when it throws nothing.
+// Runs `call` and returns what it threw as text; empty when it threw nothing.
 template <typename Call>
 std::string thrown_by(Call call) {
   try {
@@ -61,7 +61,7 @@ void Plugin::find(Function*& entry, const char* name) {
 }
 
 Plugin::Plugin(const std::string& path) : path_(path) {
-  // A bare name would send dlopen through the system's library folders.
+  // For a name without a slash dlopen would search the system's library folders.
   std::error_code error;
   library_.reset(dlopen(fs::absolute(path, error).c_str(), RTLD_NOW | RTLD_LOCAL));
   if (!library_) throw Failure(kRefused, std::string("cannot load the plug-in: ") + dlerror());

@@ -62,7 +62,7 @@ Asked asked_document(const RunOptions& options) {
   return {"the preset " + options.preset, find_preset(options.preset)->document};
 }
 
-// The document that the plug-in works with. `analysed`: the size of its frames; empty when any will do.
+// Starts the plug-in; returns its completed configuration. `analysed`: the frame size; empty for any.
 std::string start(Plugin& plugin, const RunOptions& options, cv::Size analysed) {
   const auto [name, text] = asked_document(options);
   check::tell_before_run(name, text, analysed.empty() ? std::nullopt : std::optional(analysed));
@@ -125,7 +125,7 @@ class Run {
     return {figures_.frames, figures_.video, source_.info().duration, speed(figures_), figures_.events};
   }
 
-  // No file takes its name before all of them are whole.
+  // No file gets its name before all are complete.
   void complete_outputs() {
     if (lines_) lines_->finish();
     if (video_) video_->finish();

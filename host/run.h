@@ -6,11 +6,11 @@
 
 namespace lm::host {
 
-// From source to outputs. Returns the program's exit status; throws Failure.
+// Processes one source. Returns the program's exit status; throws Failure.
 int run(const RunOptions& options);
 
-// Starts the plug-in with what would be its document for a source of any size. Throws Failure (kRefused) when
-// no source could be looked at with it.
+// Starts the plug-in with the configuration for a source of any size. Throws Failure (kRefused) if the
+// configuration is not usable for any source.
 void try_configuration(Plugin& plugin, const RunOptions& options);
 
 }  // namespace lm::host

@@ -13,7 +13,7 @@ namespace fs = std::filesystem;
 
 constexpr const char* kStandardOutput = "-";
 
-// Whether or not the names end in a slash.
+// A trailing slash makes no difference.
 bool same_file(const std::string& a, const std::string& b) {
   std::error_code ignored;
   const auto plain = [&](const std::string& name) {
@@ -22,8 +22,8 @@ bool same_file(const std::string& a, const std::string& b) {
   return !a.empty() && !b.empty() && (plain(a) == plain(b) || fs::equivalent(a, b, ignored));
 }
 
-// The outputs take their names when they are complete, so a name used twice would silently lose a file. Names
-// in the two folders have different endings.
+// Outputs get their names when complete, so a name used twice would silently lose a file. The files in the
+// two folders have different extensions.
 std::string conflict(const RunOptions& options) {
   const std::string nowhere;
   const struct {

@@ -10,7 +10,7 @@ namespace {
 
 double seconds(std::chrono::microseconds time) { return static_cast<double>(time.count()) / 1e6; }
 
-// What a live source went through, where it was anything.
+// Drops and reconnections of a live source, if any.
 std::string account(const SourceCounts& counts) {
   std::string text;
   if (counts.dropped > 0) {

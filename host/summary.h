@@ -1,4 +1,4 @@
-// What a run came to.
+// The figures of a run.
 #pragma once
 
 #include <chrono>

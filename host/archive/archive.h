@@ -5,8 +5,8 @@
 
 namespace lm::host {
 
-// Works on every file that has no results yet, each in a process of its own, and goes on whatever happens to
-// one of them. Returns the program's exit status; throws Failure.
+// Processes every file that has no results yet, each in its own process; a failing file does not stop the
+// others. Returns the program's exit status; throws Failure.
 int run_archive(const RunOptions& options);
 
 }  // namespace lm::host

@@ -20,7 +20,7 @@ struct ArchiveOptions {
   std::chrono::microseconds file_timeout{0};  // per-file time limit; 0: none
   std::string figures;                        // file in which a child reports its figures to its parent
 
-  // The other options that were given, one argument each, for the runs over the single files.
+  // The other options given, one argument each, for the runs over the single files.
   std::vector<std::string> passed_on;
 };
 

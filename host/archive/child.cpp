@@ -18,13 +18,13 @@ namespace {
 
 constexpr int kNotStarted = 127;
 
-// Between fork and exec: nothing but system calls.
+// Between fork and exec: system calls only.
 [[noreturn]] void become(char* const* words, const char* messages, pid_t parent) {
   sigset_t none;
   sigemptyset(&none);
   sigprocmask(SIG_SETMASK, &none, nullptr);
   prctl(PR_SET_PDEATHSIG, SIGKILL);
-  if (getppid() != parent) _exit(kNotStarted);  // it died before we asked to be told
+  if (getppid() != parent) _exit(kNotStarted);  // the parent died before prctl
   const int input = open("/dev/null", O_RDONLY);
   const int output = open(messages, O_WRONLY | O_CREAT | O_APPEND, 0666);
   if (input < 0 || output < 0) _exit(kNotStarted);

@@ -75,7 +75,7 @@ class Expansion {
   }
 
  private:
-  // Lines end at the zero byte where there is one (find -print0), because names may hold line feeds.
+  // Lines end with a zero byte if there is one (find -print0), because names may contain line feeds.
   void add_lines(const std::string& text) {
     const char end = text.find('\0') != std::string::npos ? '\0' : '\n';
     for (std::size_t begin = 0; begin < text.size();) {
@@ -102,7 +102,7 @@ class Expansion {
     }
   }
 
-  // Links to folders are not followed: they may lead back up.
+  // Links to folders are not followed: they may form loops.
   void add_folder(const std::string& folder) {
     if (is_result(folder)) return;
     std::error_code error;

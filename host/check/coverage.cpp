@@ -9,13 +9,13 @@
 namespace lm::host::check {
 namespace {
 
-// Pixels times corners: a second's work or so.
+// Pixels times corners; about a second of work.
 constexpr double kMostWork = 1e9;
 
 double work_of(const Outlines& outlines, cv::Size frame) {
-  double corners = 16;  // to begin with: making a mask takes time as well
+  double corners = 16;  // the cost of creating a mask
   for (const Outline& region : outlines.included) corners += static_cast<double>(region.corners.size());
-  // Those of exclusions are looked at twice.
+  // Exclusion regions are drawn twice.
   for (const Outline& region : outlines.excluded) corners += 2.0 * static_cast<double>(region.corners.size());
   return corners * frame.width * frame.height;
 }
@@ -32,7 +32,7 @@ cv::Mat mask_of(const Outline& region, cv::Size frame) {
 
 bool overlap(const cv::Mat& a, const cv::Mat& b) { return cv::countNonZero(a & b) > 0; }
 
-// Regions that are too short of points have been told of before.
+// Regions with too few points have been reported before.
 bool worth_telling(const Outline& region) { return region.corners.size() >= 3; }
 
 cv::Mat all_excluded(const Outlines& outlines, cv::Size frame, Findings& findings) {

@@ -11,10 +11,10 @@
 namespace lm::host::check {
 namespace {
 
-// Of the plug-in's buffers, as measured (docs/performance.md); a test holds the plug-in against it.
+// Measured size of the plug-in's buffers (docs/performance.md); a test checks it.
 constexpr std::uint64_t kBytesPerPixel = 295;
 
-constexpr double kUsualRate = 30;  // frames a second
+constexpr double kUsualRate = 30;  // frames per second
 
 std::string in_pixels(cv::Size size) {
   return std::to_string(size.width) + " x " + std::to_string(size.height) + " pixels";

@@ -22,7 +22,7 @@ std::string lowered(std::string text) {
   return text;
 }
 
-// How many characters have to be put in, taken out or replaced.
+// The edit distance: characters inserted, deleted or replaced.
 std::size_t distance(const std::string& a, const std::string& b) {
   std::vector<std::size_t> row(b.size() + 1);
   std::iota(row.begin(), row.end(), std::size_t{0});
@@ -61,7 +61,7 @@ std::string nearest(const std::string& key, const std::vector<std::string>& know
   constexpr std::size_t kLongest = 64;
   if (key.size() > kLongest) return "";
   std::string best;
-  std::size_t least = (key.size() + 1) / 3;  // so much may differ, at most
+  std::size_t least = (key.size() + 1) / 3;  // the largest distance accepted
   for (const std::string& name : known) {
     const std::size_t differs = distance(lowered(key), lowered(name));
     if (differs > least || (differs == least && !best.empty())) continue;

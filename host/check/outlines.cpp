@@ -21,11 +21,11 @@ std::string numbered(const std::string& path, Json::ArrayIndex index) {
   return path + '[' + std::to_string(index) + ']';
 }
 
-// Coordinates of one region that lie outside the frame: told once, however many they are.
+// Coordinates of one region outside the frame, reported as one finding.
 class Strays {
  public:
   void look_at(float value, const std::string& path) {
-    constexpr float kFar = 1;  // a region may well reach one frame beyond it, to have its edge inside
+    constexpr float kFar = 1;  // a region may extend one frame beyond, so that its edge counts as inside
     if (value >= 0 && value <= 1) return;
     const bool near = value >= -kFar && value <= 1 + kFar;
     std::string& first = near ? near_ : far_;

@@ -22,7 +22,7 @@ std::string without_blanks_around(const std::string& text) {
   return begin == std::string::npos ? "" : text.substr(begin, text.find_last_not_of(kBlanks) + 1 - begin);
 }
 
-// What stays in effect when a value of this key is refused.
+// The value that stays in effect when a value of this key is refused.
 std::string kept(const std::string& key, const Settings& settings) {
   if (key == "lifeStatic") return std::to_string(settings.lifeStatic) + " seconds are kept";
   return shown(static_cast<double>(key == "minBoxW" ? settings.minObjW : settings.minObjH)) + " is kept";
@@ -34,7 +34,7 @@ class Reader {
 
   void read(const std::string& key, const std::string& text, bool is_size) {
     const bool own = entry_.scan(key + ' ' + text);
-    if (!own && is_size) return;  // complained of already: the plug-in converts it before
+    if (!own && is_size) return;  // reported already: the plug-in converts sizes first
     if (!own) {
       findings_.add(Severity::kWarning, key,
                     "is empty: the plug-in reuses " + in_quotes(entry_.value) + " from \"" + giver_ + "\"",
@@ -85,7 +85,7 @@ class Reader {
     findings_.add(Severity::kWarning, key, number + " is out of range: " + outcome, hint);
   }
 
-  // A value that is accepted, with consequences that its name does not tell.
+  // A value that is accepted but has unexpected consequences.
   void remark(const std::string& key, double number) {
     if (key == "sensitivity" && number == autoSensitivityLevel) {
       findings_.add(Severity::kNote, key,
@@ -106,7 +106,7 @@ class Reader {
   Findings& findings_;
   Settings& settings_;
   EntryScanner entry_;
-  std::string giver_;  // of the value that an empty one takes over
+  std::string giver_;  // key of the value that an empty value reuses
 };
 
 }  // namespace

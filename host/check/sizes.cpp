@@ -10,12 +10,12 @@
 namespace lm::host::check {
 namespace {
 
-constexpr int kChannels = 3;  // of the frames that this program hands over
+constexpr int kChannels = 3;  // of the frames that this program passes
 constexpr const char* kWidth = "frmW";
 constexpr const char* kHeight = "frmH";
 constexpr const char* kDepth = "frmChn";
 
-// The number that a document states; none, and a complaint, where it states something else.
+// The number in the configuration; none, and a finding, if it is something else.
 std::optional<int> stated_number(const Json::Value& value, const std::string& key, Findings& findings) {
   try {
     if (value.isString()) return static_cast<int>(convertParam(Conversion::integer, value.asString()));
@@ -29,7 +29,7 @@ std::optional<int> stated_number(const Json::Value& value, const std::string& ke
   return std::nullopt;
 }
 
-// The document's own number, if it can be one; `actual`: the source's.
+// The configuration's number, if valid; `actual`: the source's.
 std::optional<int> check_size(const Json::Value& document, const std::string& key, std::optional<int> actual,
                               Findings& findings) {
   if (!document.isMember(key)) return std::nullopt;

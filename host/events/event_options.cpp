@@ -11,7 +11,7 @@ namespace {
 
 constexpr double kDay = 24 * 60 * 60;
 
-// The number that all of `text` is.
+// `text` as a number, if all of it is one.
 std::optional<std::chrono::microseconds> seconds(std::string_view text) {
   double value = 0;
   const auto [rest, error] = std::from_chars(text.data(), text.data() + text.size(), value);

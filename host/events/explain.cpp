@@ -9,9 +9,9 @@
 namespace lm::host {
 namespace {
 
-constexpr double kSmallestSide = 0.05;  // the plug-in's own, where the document has none
+constexpr double kSmallestSide = 0.05;  // the plug-in's default
 
-// As the plug-in does: texts only, each to the first character that does not belong to the number.
+// Reads as the plug-in does: strings only, up to the first character that is not part of the number.
 double side(const Json::Value& value) {
   try {
     const float number = value.isString() ? std::stof(value.asString()) : 0;

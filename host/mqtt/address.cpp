@@ -46,7 +46,7 @@ void read_account(std::string_view account, Address& address) {
   if (colon != std::string_view::npos) address.password = decoded(account.substr(colon + 1));
 }
 
-// An IPv6 address stands in brackets, because it has colons itself.
+// An IPv6 address is in brackets, because it contains colons.
 void read_host(std::string_view text, Address& address) {
   std::string_view port;
   if (text.starts_with('[')) {
@@ -93,7 +93,7 @@ Address parse_address(const std::string& text) {
   const std::size_t slash = rest.find('/');
   if (slash != std::string_view::npos) read_prefix(rest.substr(slash + 1), address);
   std::string_view authority = rest.substr(0, slash);
-  // The last one, because people forget to encode those in passwords.
+  // The last @, because it is often not encoded in passwords.
   if (const std::size_t at = authority.rfind('@'); at != std::string_view::npos) {
     read_account(cut_before(authority, at), address);
   }

@@ -30,7 +30,7 @@ Reply json_reply(const Json::Value& value, int status = 200) {
   return {.status = status, .body = json_text(value)};
 }
 
-// Seconds that a video may last.
+// Longest video, in seconds.
 std::optional<microseconds> time_of(double value) {
   if (!(value >= 0 && value < 1e9)) return std::nullopt;
   return microseconds(std::llround(value * 1e6));
@@ -71,7 +71,7 @@ Json::Value source_value(const SourceInfo& source) {
   return value;
 }
 
-// Says why a document cannot be used, in the words of the first finding that is an error.
+// The first error among the findings on a configuration.
 Reply refusal(const check::Verdict& verdict) {
   Json::Value value = parse_json(check::to_json(verdict));
   value.removeMember("effective");

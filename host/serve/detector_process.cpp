@@ -96,7 +96,7 @@ DetectorProcess::~DetectorProcess() { end(); }
 int DetectorProcess::end() {
   if (socket_ >= 0) close(std::exchange(socket_, -1));
   if (process_ <= 0) return 0;
-  kill(process_, SIGKILL);  // of no effect on one that has died already
+  kill(process_, SIGKILL);  // no effect if it has exited already
   int status = 0;
   waitpid(std::exchange(process_, -1), &status, 0);
   return exit_status(status);
@@ -128,7 +128,7 @@ DetectorProcess::Answer DetectorProcess::ask(const std::string& text, const unsi
   return answer;
 }
 
-// Says what became of a process that does not answer.
+// Reports why a process does not answer.
 void DetectorProcess::fail(bool too_late) {
   if (stop_.stop_requested()) throw Failure(kTrouble, "stopped");
   const int status = end();

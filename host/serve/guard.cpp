@@ -16,7 +16,7 @@ std::string lower(std::string text) {
   return text;
 }
 
-// Takes the same time wherever the texts differ.
+// Takes the same time wherever the strings differ.
 bool same(const std::string& given, const std::string& secret) {
   unsigned difference = given.size() == secret.size() ? 0 : 1;
   for (std::size_t i = 0; i < secret.size(); ++i) {

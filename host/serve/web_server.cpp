@@ -20,8 +20,8 @@ using httplib::Response;
 using Routing = httplib::Server::HandlerResponse;
 
 constexpr std::size_t kLongestBody = std::size_t{1} << 20;
-constexpr int kSlowest = 5;  // seconds that a client may take for a part of its request
-// Enough for everybody who may wait for pictures, and then for those who ask for something else.
+constexpr int kSlowest = 5;  // timeout for a part of a request, in seconds
+// Enough for all viewers that wait for pictures, and some for other requests.
 constexpr std::size_t kThreads = 2 * Viewers::kMost * Viewers::kMostWaiting;
 
 constexpr const char* kPolicy =
@@ -73,7 +73,7 @@ struct Body {
   bool too_long = false;
 };
 
-// Counted as it is unpacked, since little can be packed into much.
+// The decompressed size is limited, since little can be unpacked into much.
 Body body_of(const httplib::ContentReader& read) {
   Body body;
   body.whole = read([&body](const char* data, std::size_t length) {
@@ -100,11 +100,11 @@ void limit(httplib::Server& server) {
   server.set_read_timeout(kSlowest);
   server.set_write_timeout(kSlowest);
   server.set_keep_alive_timeout(1);
-  // One request a connection: the body of one that was turned away can never pass for the next one.
+  // One request per connection: the body of a refused request cannot be read as the next request.
   server.set_keep_alive_max_count(1);
   server.set_tcp_nodelay(true);
   server.new_task_queue = [] { return new httplib::ThreadPool(kThreads); };
-  // Without the library's SO_REUSEPORT, which shares the port with whoever has it already.
+  // Without the library's SO_REUSEPORT, which would share the port with another process.
   server.set_socket_options([](int socket) {
     const int yes = 1;
     setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &yes, sizeof yes);
@@ -155,7 +155,7 @@ WebServer::WebServer(Api& api, Gate gate)
 
 WebServer::~WebServer() { stop(); }
 
-// The answer to everything that needs no body; nothing for what does.
+// The answer to requests without a body; none for those with one.
 std::optional<Reply> WebServer::at_once(const Request& request) const {
   const bool data = request.path.starts_with("/api/");
   if (const auto turned = turned_away(gate_, shown_by(request), data)) {
@@ -184,7 +184,7 @@ void WebServer::work() {
   working_ = false;
 }
 
-// The library's own stop does nothing while its server is about to begin.
+// The library's stop has no effect while its server is starting.
 void WebServer::stop() {
   stopped_ = true;
   while (working_ && !server_->is_running()) std::this_thread::yield();

@@ -141,6 +141,35 @@ TEST(Program, ShowsAProgressBarOnATerminalAndTakesItAway) {
   EXPECT_NE(shown.find("\r\x1b[Kbuilt-in scene: 500 frames"), std::string::npos) << shown;
 }
 
+// What the program writes to a terminal as its standard output.
+std::string shown_on_a_terminal(std::vector<std::string> arguments) {
+  int terminal = -1;
+  int other = -1;
+  EXPECT_EQ(openpty(&terminal, &other, nullptr, nullptr, nullptr), 0);
+  const int nowhere = open("/dev/null", O_WRONLY);
+  arguments.insert(arguments.begin(), {"run", "--plugin", LIGHTMOTION_FAKE_PLUGIN});
+  const pid_t process = program::start(arguments, other, nowhere);
+  close(other);
+  std::string shown;
+  char piece[512];
+  for (ssize_t length = 0; (length = ::read(terminal, piece, sizeof piece)) > 0;)
+    shown.append(piece, piece + length);
+  EXPECT_EQ(program::wait_for(process), 0);
+  close(terminal);
+  close(nowhere);
+  return shown;
+}
+
+TEST(Program, KeepsResultLinesOffATerminalThatHasOtherOutputs) {
+  const Folder folder;
+  const std::string clip = short_clip(folder);
+  EXPECT_EQ(program::lines(shown_on_a_terminal({clip})).size(), 18U);
+  EXPECT_EQ(shown_on_a_terminal({clip, "--events", folder / "a.csv"}), "");
+  EXPECT_EQ(program::lines(shown_on_a_terminal({clip, "--events", folder / "a.csv", "-o", "-"})).size(), 18U);
+  const Outcome piped = run_fake({clip, "--events", folder / "a.csv"});
+  EXPECT_EQ(program::lines(piped.output).size(), 18U) << "a pipe has them";
+}
+
 struct RefusedCase {
   const char* name;
   const char* document;
