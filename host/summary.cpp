@@ -25,6 +25,20 @@ std::string account(const SourceCounts& counts) {
   return text;
 }
 
+std::string outputs(const RunOptions& options) {
+  const ReportOptions& report = options.report;
+  std::string text;
+  for (const auto& [what, name] : {std::pair{"annotated video", &options.annotate},
+                                   {"events", &options.events.file},
+                                   {"report", &report.page},
+                                   {"heat map", &report.heatmap},
+                                   {"snapshots", &report.snapshots},
+                                   {"clips", &report.clips}}) {
+    if (!name->empty()) text.append(what).append(": ").append(*name).append("\n");
+  }
+  return text;
+}
+
 }  // namespace
 
 double speed(const Figures& figures) {
@@ -44,8 +58,7 @@ std::string summary(const std::string& source, const Figures& figures, const Run
           std::to_string(figures.events) + (figures.events == 1 ? " event" : " events");
   if (!options.results.empty() && options.results != "-") text += ", listed in " + options.results;
   text += "\n";
-  if (!options.annotate.empty()) text += "annotated video: " + options.annotate + "\n";
-  return text;
+  return text + outputs(options);
 }
 
 }  // namespace lm::host

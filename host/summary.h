@@ -22,7 +22,7 @@ struct Figures {
 // Frames per second of work; 0 when no time has passed.
 double speed(const Figures& figures);
 
-// Two to five lines, each with its line feed: the figures, and where the outputs are.
+// Several lines, each with its line feed: the figures, and the names of the outputs.
 std::string summary(const std::string& source, const Figures& figures, const RunOptions& options);
 
 }  // namespace lm::host

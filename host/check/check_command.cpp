@@ -42,15 +42,6 @@ std::string read_config(const std::string& file) {
   throw Failure(kRefused, file + ": " + std::generic_category().message(errno));
 }
 
-// Status 1 would mean a warning.
-cv::Size size_of_source(const std::string& name) {
-  try {
-    return open_source(name)->info().size;
-  } catch (const Failure& failure) {
-    throw Failure(kRefused, failure.what());
-  }
-}
-
 CheckStatus status_of(const check::Verdict& verdict) {
   CheckStatus status = kFine;
   for (const check::Finding& finding : verdict.findings) {
@@ -63,7 +54,7 @@ CheckStatus status_of(const check::Verdict& verdict) {
 int check_config(const CheckOptions& options) {
   const std::string text = read_config(options.config);
   std::optional<cv::Size> size = options.size;
-  if (options.source) size = size_of_source(*options.source);
+  if (options.source) size = open_source(*options.source)->info().size;
   const check::Verdict verdict = check::check_document(text, size);
   const std::string report =
       options.json ? check::to_json(verdict) + '\n' : check::to_text(options.config, verdict);
@@ -71,6 +62,15 @@ int check_config(const CheckOptions& options) {
     throw Failure(kRefused, "standard output: " + std::generic_category().message(errno));
   }
   return status_of(verdict);
+}
+
+// Any failure is an error here: status 1 would mean a warning.
+int check_or_fail(const CheckOptions& options) {
+  try {
+    return check_config(options);
+  } catch (const std::exception& error) {
+    throw Failure(kRefused, error.what());
+  }
 }
 
 bool is_size(const std::string& text) {
@@ -99,7 +99,7 @@ void add_check_command(CLI::App& app, std::function<int()>& chosen) {
       });
   command->add_flag("--json", options->json, "Print one JSON object, for programs");
   command->footer(kFooter);
-  command->callback([options, &chosen] { chosen = [options] { return check_config(*options); }; });
+  command->callback([options, &chosen] { chosen = [options] { return check_or_fail(*options); }; });
 }
 
 }  // namespace lm::host

@@ -119,6 +119,10 @@ TEST(Program, SumsUpOnStandardErrorUnlessQuiet) {
   EXPECT_EQ(outcome.errors.find('\r'), std::string::npos) << "no progress bar without a terminal";
   const Folder folder;
   EXPECT_EQ(run_fake({short_clip(folder), "-o", "/dev/null", "--quiet"}).errors, "");
+  const std::string table = folder / "a.csv";
+  const Outcome listed = run_fake({short_clip(folder), "--events", table});
+  EXPECT_TRUE(listed.errors.ends_with("motion in 18 frames, 1 event\nevents: " + table + "\n"))
+      << listed.errors;
 }
 
 TEST(Program, ShowsAProgressBarOnATerminalAndTakesItAway) {
