@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <new>
+#include <string_view>
 #include <thread>
 #include <utility>
 
@@ -23,7 +24,7 @@ namespace {
 using namespace std::chrono_literals;
 using Time = FrameClock::Time;
 
-// Paths get the prefix because a colon in a file's name would pass for a protocol.
+// The prefix keeps a colon in a file name from being read as a protocol.
 std::string url_of(const std::string& name) {
   return name.find("://") == std::string::npos && !is_camera(name) ? "file:" + name : name;
 }
@@ -32,7 +33,7 @@ Time to_time(std::int64_t value, AVRational base) {
   return Time(av_rescale_q(value, base, av::kMicroseconds));
 }
 
-// How often a picture has to be turned clockwise to stand upright, from what the camera wrote into the file.
+// Clockwise quarter turns that make the picture upright, from the file's display matrix.
 int quarter_turns(const AVStream& stream) {
   const std::uint8_t* matrix = av_stream_get_side_data(&stream, AV_PKT_DATA_DISPLAYMATRIX, nullptr);
   if (matrix == nullptr) return 0;
@@ -41,7 +42,7 @@ int quarter_turns(const AVStream& stream) {
   return static_cast<int>(std::lround(-anticlockwise / 90) + 4) % 4;
 }
 
-// 0 for what no camera states: more than a thousand frames a second, less than one a day.
+// 0 for implausible rates: more than a thousand frames per second or less than one per day.
 double nominal_rate(AVFormatContext& input, AVStream& stream) {
   const AVRational rate = av_guess_frame_rate(&input, &stream, nullptr);
   const double value = rate.den > 0 ? av_q2d(rate) : 0;
@@ -81,7 +82,21 @@ FfmpegSource::FfmpegSource(const std::string& name, const Reading& reading, cv::
     const std::string& cause = read_error_.empty() ? first_damage_ : read_error_;
     fail(name, "no frame could be decoded" + (cause.empty() ? "" : ": " + cause));
   }
+  if (is_single_picture()) {
+    fail(info_.name,
+         "a single picture cannot move; give a video or a picture sequence such as frame%04d.png");
+  }
   describe(size);
+}
+
+// Called after the first picture. A packet read ahead is kept for the decoder.
+bool FfmpegSource::is_single_picture() {
+  const std::string_view format = input_->iformat->name;
+  const bool pictures =
+      format == "image2" || format == "gif" || format == "apng" || format.ends_with("_pipe");
+  if (!pictures) return false;
+  if (packets_ == 1 && !packet_waits_ && !drained_) packet_waits_ = read_packet();
+  return packets_ == 1;
 }
 
 void FfmpegSource::start_deadline() {
@@ -103,16 +118,17 @@ void FfmpegSource::open_input() {
   if (input == nullptr) throw std::bad_alloc();
   input->interrupt_callback = {
       [](void* self) { return static_cast<const FfmpegSource*>(self)->gives_up() ? 1 : 0; }, this};
-  if (is_camera(address_)) input->flags |= AVFMT_FLAG_NONBLOCK;  // nothing can end its wait for a picture
+  if (is_camera(address_))
+    input->flags |= AVFMT_FLAG_NONBLOCK;  // a blocking read of a camera cannot be interrupted
   AVDictionary* settings = nullptr;
   av_dict_set(&settings, "rtsp_transport", "tcp", 0);  // lost packets would look like motion
   const AVInputFormat* format = is_camera(address_) ? av_find_input_format("v4l2") : nullptr;
   start_deadline();
   const int opened = avformat_open_input(&input, url_of(address_).c_str(), format, &settings);
   av_dict_free(&settings);
-  // The context is gone already when opening failed.
+  // On failure FFmpeg has freed the context.
   if (opened == AVERROR_INVALIDDATA && !deadline_.passed())
-    fail(info_.name, "not a video, or one too damaged to be read");
+    fail(info_.name, "not a video, or too damaged to read");
   if (opened < 0) fail(info_.name, error_text(opened));
   input_.reset(input);
   start_deadline();
@@ -124,20 +140,20 @@ void FfmpegSource::open_input() {
 void FfmpegSource::open_decoder() {
   const AVCodec* codec = nullptr;
   const int index = av_find_best_stream(input_.get(), AVMEDIA_TYPE_VIDEO, -1, -1, &codec, 0);
-  if (index == AVERROR_DECODER_NOT_FOUND) fail(info_.name, "no decoder for this kind of video");
-  if (index < 0) fail(info_.name, "holds no video");
+  if (index == AVERROR_DECODER_NOT_FOUND) fail(info_.name, "no decoder for this video format");
+  if (index < 0) fail(info_.name, "contains no video");
   stream_ = input_->streams[index];
-  if ((stream_->disposition & AV_DISPOSITION_ATTACHED_PIC) != 0) fail(info_.name, "holds no video");
+  if ((stream_->disposition & AV_DISPOSITION_ATTACHED_PIC) != 0) fail(info_.name, "contains no video");
   for (unsigned i = 0; i < input_->nb_streams; ++i) {
     if (input_->streams[i] != stream_) input_->streams[i]->discard = AVDISCARD_ALL;
   }
   info_.duration = stated_duration(*input_, *stream_);
-  info_.live = info_.live && !info_.duration;  // what states its length is a recording
+  info_.live = info_.live && !info_.duration;  // a source with a length is a recording
   untimed_ = info_.live && (input_->iformat->flags & AVFMT_NOTIMESTAMPS) != 0;
   whole_picture_needed_ = info_.live;
   decoder_ = av::new_codec(codec);
   decoder_->pkt_timebase = stream_->time_base;
-  decoder_->thread_count = info_.live ? 1 : 0;  // threads hold frames back
+  decoder_->thread_count = info_.live ? 1 : 0;  // threads delay frames
   int result = avcodec_parameters_to_context(decoder_.get(), stream_->codecpar);
   if (result >= 0) result = avcodec_open2(decoder_.get(), codec, nullptr);
   if (result < 0) fail(info_.name, av::error_text(result));
@@ -145,7 +161,7 @@ void FfmpegSource::open_decoder() {
 
 void FfmpegSource::describe(cv::Size size) {
   if (sws_isSupportedInput(static_cast<AVPixelFormat>(picture_->format)) == 0) {
-    fail(info_.name, "pictures of this pixel format cannot be converted");
+    fail(info_.name, "unsupported pixel format");
   }
   const int turns = quarter_turns(*stream_);
   cv::Size lying(picture_->width, picture_->height);
@@ -173,7 +189,7 @@ bool FfmpegSource::next(Frame& frame) {
     if (!picker_.wants(frame.time)) continue;
     frame.image = converter_->convert(*picture_);
     if (frame.image.empty()) {
-      note_damage("this pixel format cannot be converted");
+      note_damage("unsupported pixel format");
       continue;
     }
     frame.note = std::exchange(note_, "");
@@ -182,22 +198,22 @@ bool FfmpegSource::next(Frame& frame) {
   return false;
 }
 
-// Where the container promises that time only goes forward, a frame's place is known from its time. Elsewhere
-// it takes reading from the start to know it.
+// If the container guarantees increasing timestamps, a frame's number follows from its time. Otherwise it is
+// known only after reading from the start.
 bool FfmpegSource::can_leap() const {
   constexpr int kUncertain = AVFMT_TS_DISCONT | AVFMT_NOTIMESTAMPS;
   return !info_.live && first_time_ && (input_->iformat->flags & kUncertain) == 0;
 }
 
 bool FfmpegSource::seek(Time time) {
-  Frame first;  // which times are counted from
+  Frame first;  // the origin of times
   if (number_ == 0 && !next(first)) return false;
   if (!can_leap() || !leap(*first_time_ + time)) return false;
   not_before_ = time;
   return true;
 }
 
-// Goes on from the last whole picture before that time.
+// Continues from the last key frame before that time.
 bool FfmpegSource::leap(Time stated) {
   const std::int64_t place = av_rescale_q(stated.count(), av::kMicroseconds, stream_->time_base);
   if (av_seek_frame(input_.get(), stream_->index, place, AVSEEK_FLAG_BACKWARD) < 0) return false;
@@ -240,7 +256,7 @@ bool FfmpegSource::decode() {
   return false;
 }
 
-// Gives the decoder one more packet, or the sign that there are no more.
+// Sends the decoder one more packet, or the end-of-stream marker.
 void FfmpegSource::feed() {
   if (drained_) return;
   if (!packet_waits_ && !read_packet()) {
@@ -267,6 +283,7 @@ bool FfmpegSource::read_packet() {
     if (packet_->stream_index == stream_->index) break;
     av_packet_unref(packet_.get());
   }
+  ++packets_;
   if ((packet_->flags & AV_PKT_FLAG_CORRUPT) != 0) note_damage("a packet is incomplete");
   return true;
 }
@@ -275,7 +292,7 @@ int FfmpegSource::read_in_time() {
   for (;;) {
     const int result = av_read_frame(input_.get(), packet_.get());
     received_ = std::chrono::duration_cast<Time>(Deadline::Clock::now() - opened_);
-    if (result >= 0 && deadline_.passed()) {  // what was half read when the wait was given up
+    if (result >= 0 && deadline_.passed()) {  // incomplete: the read timed out
       av_packet_unref(packet_.get());
       return AVERROR_EXIT;
     }
@@ -285,14 +302,14 @@ int FfmpegSource::read_in_time() {
   }
 }
 
-// What follows a gap in a stream is built on what was lost, which makes pictures grey or smeared: that is no
+// After a loss, pictures that refer to lost data are grey or smeared until the next key frame. That is not
 // motion.
 void FfmpegSource::note_damage(const std::string& cause) {
   whole_picture_needed_ = info_.live;
   if (damaged_++ == 0) first_damage_ = cause;
 }
 
-// A file that was cut off often reads like one that simply ends; its own header knows better.
+// A truncated file often reads like one that ends normally; compare with the length in its header.
 std::string FfmpegSource::early_end() const {
   const bool states_video = stream_->duration > 0 || input_->nb_streams == 1;
   if (!info_.duration || !states_video) return "";
@@ -304,7 +321,7 @@ std::string FfmpegSource::early_end() const {
 std::string FfmpegSource::trouble() const {
   if (interrupted() != 0) return "";
   if (!read_error_.empty()) return "reading stopped: " + read_error_;
-  if (info_.live) return "";  // joining in the middle and losing packets is a stream's everyday life
+  if (info_.live) return "";  // starting mid-stream and losing packets is normal
   std::string text = early_end();
   if (damaged_ > 0) {
     text += (text.empty() ? "" : "; ") + std::to_string(damaged_) + (damaged_ == 1 ? " place" : " places") +

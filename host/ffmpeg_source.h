@@ -45,6 +45,7 @@ class FfmpegSource : public Source {
   bool gives_up() const;
   std::string error_text(int code) const;
   void note_damage(const std::string& cause);
+  bool is_single_picture();
   void describe(cv::Size size);
   void note_time();
   std::string early_end() const;
@@ -72,6 +73,7 @@ class FfmpegSource : public Source {
   bool untimed_ = false;               // a live stream that states no times: pictures count when they come
   bool whole_picture_needed_ = false;  // before any other is of use
   bool first_waits_ = true;            // the picture decoded by the constructor has not been handed out
+  std::int64_t packets_ = 0;           // of the video stream, read so far
   bool packet_waits_ = false;          // the decoder had no room for it
   bool drained_ = false;
   bool leapt_ = false;  // the next frame's number is as near as its time tells

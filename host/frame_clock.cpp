@@ -19,9 +19,9 @@ FrameClock::Time FrameClock::next(std::optional<Time> stated) {
     if (!origin_) origin_ = *stated - expected;
     now = *stated - *origin_;
     if (last_ && (now < *last_ - 1s || now > kFarthestTime)) {
-      note_ = now > kFarthestTime
-                  ? "a new part begins"
-                  : "a new part begins: the source's clock goes back by " + seconds_text(*last_ - now) + " s";
+      note_ = now > kFarthestTime ? "the source's clock jumped too far; time continues from the last frame"
+                                  : "the source's clock went back by " + seconds_text(*last_ - now) +
+                                        " s; time continues from the last frame";
       origin_ = *stated - expected;
       now = expected;
     } else if (last_ && now <= *last_) {

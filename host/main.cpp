@@ -2,12 +2,9 @@
 #include <exception>
 #include <string>
 
-#include "host/archive/archive.h"
 #include "host/failure.h"
 #include "host/interrupt.h"
 #include "host/options.h"
-#include "host/plugin_log.h"
-#include "host/run.h"
 #include "host/standard_streams.h"
 
 int main(int argc, char** argv) {
@@ -15,14 +12,12 @@ int main(int argc, char** argv) {
   occupy_standard_streams();
   try {
     const Command command = parse_command_line({argv + 1, argv + argc});
-    if (!command.options && !command.work) {
+    if (!command.work) {
       std::fputs(command.text.c_str(), command.status == kDone ? stdout : stderr);
       return command.status;
     }
     watch_for_interrupts();
-    if (command.work) return command.work();
-    show_plugin_log(command.options->verbose);
-    return command.options->archive.out.empty() ? run(*command.options) : run_archive(*command.options);
+    return command.work();
   } catch (const Failure& failure) {
     std::fprintf(stderr, "lightmotion: %s\n", failure.what());
     return interrupted() != 0 ? 128 + interrupted() : failure.status();

@@ -8,6 +8,7 @@ namespace lm::host {
 namespace {
 
 bool drawn = false;
+bool log_shown = false;
 
 }  // namespace
 
@@ -15,6 +16,10 @@ void warn(const std::string& text) {
   clear_bar();
   std::fprintf(stderr, "lightmotion: warning: %s\n", one_line(text).c_str());
 }
+
+void show_plugin_log(bool on) { log_shown = on; }
+
+bool shows_plugin_log() { return log_shown; }
 
 void draw_bar(const std::string& line) {
   std::fprintf(stderr, "\r%s\x1b[K", line.c_str());

@@ -17,7 +17,7 @@ namespace fs = std::filesystem;
 
 constexpr const char* kFileName = "liblightmotion.so.1";
 
-// Runs `call` and turns whatever it throws into a text; empty when it throws nothing.
+// Runs `call` and returns what it threw as text; empty when it threw nothing.
 template <typename Call>
 std::string thrown_by(Call call) {
   try {
@@ -26,7 +26,7 @@ std::string thrown_by(Call call) {
   } catch (const std::exception& error) {
     return std::string("exception \"") + error.what() + "\"";
   } catch (...) {
-    return "an exception of an unknown kind";
+    return "an unknown exception";
   }
 }
 
@@ -42,7 +42,8 @@ std::string find_plugin(const std::string& given, const std::string& program_fol
     if (fs::exists(folder / kFileName, missing)) return (folder / kFileName).string();
     searched += (searched.empty() ? "" : ", ") + folder.string();
   }
-  throw Failure(kRefused, std::string("no ") + kFileName + " in " + searched + "; --plugin PATH names it");
+  throw Failure(kRefused,
+                std::string(kFileName) + " not found in " + searched + "; give its path with --plugin");
 }
 
 std::string program_folder() {
@@ -56,14 +57,14 @@ template <typename Function>
 void Plugin::find(Function*& entry, const char* name) {
   entry = reinterpret_cast<Function*>(dlsym(library_.get(), name));
   if (entry == nullptr)
-    throw Failure(kRefused, path_ + ": not a plug-in for this program: it has no " + name);
+    throw Failure(kRefused, path_ + ": not a lightmotion plug-in: it has no function " + name);
 }
 
 Plugin::Plugin(const std::string& path) : path_(path) {
-  // A bare name would send dlopen through the system's library folders.
+  // For a name without a slash dlopen would search the system's library folders.
   std::error_code error;
   library_.reset(dlopen(fs::absolute(path, error).c_str(), RTLD_NOW | RTLD_LOCAL));
-  if (!library_) throw Failure(kRefused, std::string("the plug-in cannot be loaded: ") + dlerror());
+  if (!library_) throw Failure(kRefused, std::string("cannot load the plug-in: ") + dlerror());
   find(initialization_, "initialization");
   find(frame_proc_, "frameProc");
   find(get_res_, "getRes");
@@ -87,7 +88,7 @@ std::string Plugin::start(const std::string& document) {
 void Plugin::restart(const std::string& document) {
   terminate_();
   const std::string refusal = start(document);
-  if (!refusal.empty()) throw Failure(kTrouble, path_ + ": does not start anew: " + refusal);
+  if (!refusal.empty()) throw Failure(kTrouble, path_ + ": cannot be restarted: " + refusal);
 }
 
 std::string Plugin::process(const unsigned char* pixels, const std::string& timestamp) {

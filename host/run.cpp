@@ -16,6 +16,7 @@
 #include "host/check/before_run.h"
 #include "host/document.h"
 #include "host/events/event_watch.h"
+#include "host/failure.h"
 #include "host/interrupt.h"
 #include "host/line_sink.h"
 #include "host/notice.h"
@@ -55,14 +56,14 @@ struct Asked {
   std::string text;
 };
 
-Asked asked_document(const Options& options) {
+Asked asked_document(const RunOptions& options) {
   if (!options.config.empty()) return {options.config, read_file(options.config)};
   if (options.preset.empty()) return {"the built-in configuration", default_document()};
   return {"the preset " + options.preset, find_preset(options.preset)->document};
 }
 
-// The document that the plug-in works with. `analysed`: the size of its frames; empty when any will do.
-std::string start(Plugin& plugin, const Options& options, cv::Size analysed) {
+// Starts the plug-in; returns its completed configuration. `analysed`: the frame size; empty for any.
+std::string start(Plugin& plugin, const RunOptions& options, cv::Size analysed) {
   const auto [name, text] = asked_document(options);
   check::tell_before_run(name, text, analysed.empty() ? std::nullopt : std::optional(analysed));
   std::string document;
@@ -82,16 +83,20 @@ microseconds time_since(std::chrono::steady_clock::time_point begin) {
 
 class Run {
  public:
-  Run(const Options& options, Source& source, Plugin& plugin, const std::string& document)
+  Run(const RunOptions& options, Source& source, Plugin& plugin, const std::string& document)
       : options_(options),
         source_(source),
         plugin_(plugin),
         document_(document),
         analysed_(options.live.scale.of(source.info().size)),
-        lines_(options.results),
         events_({options, source.info(), document}),
         progress_(options.progress.value_or(options.quiet ? ProgressMode::kNone : ProgressMode::kBar)),
-        shares_terminal_(options.results.empty() && isatty(STDOUT_FILENO) != 0) {
+        to_terminal_(isatty(STDOUT_FILENO) != 0) {
+    if (prints_lines(options, to_terminal_)) {
+      lines_.emplace("");
+    } else if (!options.results.empty()) {
+      lines_.emplace(options.results);
+    }
     if (!options.annotate.empty()) video_.emplace(options.annotate, source.info());
     source.tell([this](const std::string& text) { warn(source_.info().name + ": " + text); });
   }
@@ -120,38 +125,43 @@ class Run {
     return {figures_.frames, figures_.video, source_.info().duration, speed(figures_), figures_.events};
   }
 
-  // No file takes its name before all of them are whole.
+  // No file gets its name before all are complete.
   void complete_outputs() {
-    lines_.finish();
+    if (lines_) lines_->finish();
     if (video_) video_->finish();
     events_.finish(interrupted() != 0);
     figures_.events = events_.events();
-    lines_.commit();
+    if (lines_) lines_->commit();
     if (video_) video_->commit();
     events_.commit();
   }
 
-  // The plug-in tells about its buffers on the first frame, which is of use to its developers only.
+  // The plug-in prints its buffers' sizes on the first frame, which only its developers need.
   std::string process(const Frame& frame) {
-    std::optional<CapturedStream> chatter;
-    if ((figures_.frames == 0 || frame.anew) && !options_.verbose) chatter.emplace(stderr);
+    std::optional<CapturedStream> printed;
+    if ((figures_.frames == 0 || frame.anew) && !options_.verbose) printed.emplace(stderr);
     if (frame.anew) plugin_.restart(document_);
     return plugin_.process(scaled(frame.image, analysed_).data, timestamp(source_.info(), frame));
   }
 
-  void tell_note(const Frame& frame) {
+  void report_note(const Frame& frame) {
     if (frame.note.empty()) return;
     warn(source_.info().name + ": at " + seconds_text(frame.time) + " s: " + frame.note);
-    lines_.write(note_line(frame.note, frame.number, frame.time));
+    write_line([&] { return note_line(frame.note, frame.number, frame.time); });
+  }
+
+  void write_line(const auto& make) {
+    if (!lines_) return;
+    if (to_terminal_) progress_.clear();
+    lines_->write(make());
   }
 
   void one_frame(Frame& frame) {
-    tell_note(frame);
+    report_note(frame);
     const std::string document = process(frame);
     const std::vector<cv::Rect2d> boxes = boxes_of(document);
     if (!boxes.empty()) {
-      if (shares_terminal_) progress_.clear();
-      lines_.write(result_line(document, frame.number, frame.time));
+      write_line([&] { return result_line(document, frame.number, frame.time); });
       ++figures_.frames_with_motion;
     }
     events_.frame(frame, frame.number, boxes);
@@ -160,24 +170,24 @@ class Run {
     ++figures_.frames;
   }
 
-  const Options& options_;
+  const RunOptions& options_;
   Source& source_;
   Plugin& plugin_;
   const std::string& document_;
   const cv::Size analysed_;
-  LineSink lines_;
   EventWatch events_;
   std::optional<Annotator> video_;
   Progress progress_;
-  bool shares_terminal_;
+  const bool to_terminal_;  // of standard output
+  std::optional<LineSink> lines_;
   Figures figures_;
 };
 
 }  // namespace
 
-void try_configuration(Plugin& plugin, const Options& options) { start(plugin, options, {}); }
+void try_configuration(Plugin& plugin, const RunOptions& options) { start(plugin, options, {}); }
 
-int run(const Options& options) {
+int run(const RunOptions& options) {
   av_log_set_level(options.verbose ? AV_LOG_INFO : AV_LOG_QUIET);
   Plugin plugin(find_plugin(options.plugin, program_folder()));
   const std::unique_ptr<Source> source = open_source(options.source, options.live.reading);

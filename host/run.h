@@ -1,16 +1,16 @@
 // `lightmotion run`.
 #pragma once
 
-#include "host/options.h"
 #include "host/plugin.h"
+#include "host/run_options.h"
 
 namespace lm::host {
 
-// From source to outputs. Returns the program's exit status; throws Failure.
-int run(const Options& options);
+// Processes one source. Returns the program's exit status; throws Failure.
+int run(const RunOptions& options);
 
-// Starts the plug-in with what would be its document for a source of any size. Throws Failure (kRefused) when
-// no source could be looked at with it.
-void try_configuration(Plugin& plugin, const Options& options);
+// Starts the plug-in with the configuration for a source of any size. Throws Failure (kRefused) if the
+// configuration is not usable for any source.
+void try_configuration(Plugin& plugin, const RunOptions& options);
 
 }  // namespace lm::host

@@ -10,17 +10,31 @@ namespace {
 
 double seconds(std::chrono::microseconds time) { return static_cast<double>(time.count()) / 1e6; }
 
-// What a live source went through, where it was anything.
+// Drops and reconnections of a live source, if any.
 std::string account(const SourceCounts& counts) {
   std::string text;
   if (counts.dropped > 0) {
     text += std::to_string(counts.dropped) + " of " + std::to_string(counts.frames) +
-            " frames dropped because newer ones came\n";
+            " frames dropped because analysis was slower than the source\n";
   }
   if (counts.reconnections > 0) {
-    text += "connected again " + std::to_string(counts.reconnections) +
+    text += "reconnected " + std::to_string(counts.reconnections) +
             (counts.reconnections == 1 ? " time, " : " times, ") + seconds_text(counts.away) +
             " s without pictures\n";
+  }
+  return text;
+}
+
+std::string outputs(const RunOptions& options) {
+  const ReportOptions& report = options.report;
+  std::string text;
+  for (const auto& [what, name] : {std::pair{"annotated video", &options.annotate},
+                                   {"events", &options.events.file},
+                                   {"report", &report.page},
+                                   {"heat map", &report.heatmap},
+                                   {"snapshots", &report.snapshots},
+                                   {"clips", &report.clips}}) {
+    if (!name->empty()) text.append(what).append(": ").append(*name).append("\n");
   }
   return text;
 }
@@ -31,7 +45,7 @@ double speed(const Figures& figures) {
   return figures.work.count() > 0 ? static_cast<double>(figures.frames) / seconds(figures.work) : 0;
 }
 
-std::string summary(const std::string& source, const Figures& figures, const Options& options) {
+std::string summary(const std::string& source, const Figures& figures, const RunOptions& options) {
   const double ratio = figures.work.count() > 0 ? seconds(figures.video) / seconds(figures.work) : 0;
   std::array<char, 160> line{};
   std::snprintf(line.data(), line.size(),
@@ -42,10 +56,9 @@ std::string summary(const std::string& source, const Figures& figures, const Opt
   text += account(figures.source);
   text += "motion in " + std::to_string(figures.frames_with_motion) + " frames, " +
           std::to_string(figures.events) + (figures.events == 1 ? " event" : " events");
-  if (!options.results.empty()) text += ", listed in " + options.results;
+  if (!options.results.empty() && options.results != "-") text += ", listed in " + options.results;
   text += "\n";
-  if (!options.annotate.empty()) text += "annotated video: " + options.annotate + "\n";
-  return text;
+  return text + outputs(options);
 }
 
 }  // namespace lm::host

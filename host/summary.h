@@ -1,11 +1,11 @@
-// What a run came to.
+// The figures of a run.
 #pragma once
 
 #include <chrono>
 #include <cstdint>
 #include <string>
 
-#include "host/options.h"
+#include "host/run_options.h"
 #include "host/source.h"
 
 namespace lm::host {
@@ -22,7 +22,7 @@ struct Figures {
 // Frames per second of work; 0 when no time has passed.
 double speed(const Figures& figures);
 
-// Two to five lines, each with its line feed: the figures, and where the outputs are.
-std::string summary(const std::string& source, const Figures& figures, const Options& options);
+// Several lines, each with its line feed: the figures, and the names of the outputs.
+std::string summary(const std::string& source, const Figures& figures, const RunOptions& options);
 
 }  // namespace lm::host

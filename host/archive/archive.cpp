@@ -22,6 +22,7 @@
 #include "host/archive/folder_name.h"
 #include "host/archive/shard.h"
 #include "host/archive/text_file.h"
+#include "host/failure.h"
 #include "host/interrupt.h"
 #include "host/plugin.h"
 #include "host/run.h"
@@ -31,13 +32,13 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// The processors that this process may use, which are fewer than the machine's in a batch job.
+// The processors available to this process; in a batch job fewer than the machine has.
 int processors() {
   cpu_set_t set;
   return sched_getaffinity(0, sizeof set, &set) == 0 ? std::max(1, CPU_COUNT(&set)) : 1;
 }
 
-// So that the end of a child can be waited for together with other signals.
+// SIGCHLD is blocked so that it can be waited for together with other signals.
 sigset_t hold_back_child_signals() {
   sigset_t set;
   sigemptyset(&set);
@@ -55,7 +56,7 @@ std::string made_folder(const std::string& name) {
   return fs::canonical(name).string();
 }
 
-ArchiveSettings settings_of(const Options& options) {
+ArchiveSettings settings_of(const RunOptions& options) {
   std::string configuration;
   if (!options.config.empty()) {
     const std::optional<std::string> text = read_text(options.config);
@@ -78,7 +79,7 @@ std::vector<ArchiveFile> files_of(const ArchiveOptions& options, const Shard& sh
 
 class ArchiveRun {
  public:
-  ArchiveRun(const Options& options, ArchiveSettings settings, const std::vector<ArchiveFile>& files)
+  ArchiveRun(const RunOptions& options, ArchiveSettings settings, const std::vector<ArchiveFile>& files)
       : options_(options),
         settings_(std::move(settings)),
         jobs_(static_cast<std::size_t>(options.archive.jobs > 0 ? options.archive.jobs : processors())),
@@ -93,7 +94,7 @@ class ArchiveRun {
     state_.files = files.size();
   }
 
-  // Until every file is done or the program is asked to stop. The rows are in the order of the files.
+  // Runs until every file is finished or the program is interrupted. The rows are in the order of the files.
   std::vector<TableRow> all_files() {
     const auto begin = std::chrono::steady_clock::now();
     while (interrupted() == 0 && (!waiting_.empty() || !running_.empty())) {
@@ -112,7 +113,7 @@ class ArchiveRun {
   }
 
  private:
-  // Fills the free places. A file that another run works on waits for its next turn.
+  // Starts files while there are free jobs. A file that another run processes goes back to the queue.
   void start_some() {
     for (std::size_t turns = waiting_.size(); turns > 0 && running_.size() < jobs_ && interrupted() == 0;
          --turns) {
@@ -126,7 +127,7 @@ class ArchiveRun {
     }
   }
 
-  // False while another run works on the file.
+  // False while another run processes the file.
   bool start(const ArchiveFile& file) {
     if (!file.why.empty()) throw Failure(kTrouble, file.why);
     const std::optional<SourceState> source = source_state(file.path);
@@ -149,7 +150,7 @@ class ArchiveRun {
     return true;
   }
 
-  // Until a child ends or a signal comes; not for long, because others' locks give no sign.
+  // Waits for a child's end or a signal; with a timeout, because released locks send no signal.
   void wait() const {
     const timespec patience{0, 200'000'000};
     sigtimedwait(&child_ended_, nullptr, &patience);
@@ -163,7 +164,7 @@ class ArchiveRun {
         ++run;
         continue;
       }
-      // A Ctrl-C reaches the children too, and what they have then is not whole.
+      // Ctrl-C reaches the children too, and their results are then incomplete.
       if (interrupted() == 0 || exit_status(status) <= kTrouble) {
         state_.bytes_done += run->bytes();
         done(run->finish(status), true);
@@ -189,7 +190,7 @@ class ArchiveRun {
     running_.clear();
   }
 
-  const Options& options_;
+  const RunOptions& options_;
   ArchiveSettings settings_;
   std::size_t jobs_;
   sigset_t child_ended_;
@@ -200,8 +201,8 @@ class ArchiveRun {
   ArchiveState state_;
 };
 
-// What no file could be looked at with is found out here and not by every child.
-void try_out(const Options& options) {
+// Reports a bad plug-in or configuration once instead of once per file.
+void try_out(const RunOptions& options) {
   Plugin plugin(find_plugin(options.plugin, program_folder()));
   try_configuration(plugin, options);
 }
@@ -213,7 +214,7 @@ std::string table_name(const Shard& shard) {
 
 }  // namespace
 
-int run_archive(const Options& options) {
+int run_archive(const RunOptions& options) {
   const Shard shard = parse_shard(options.archive.shard);
   const std::vector<ArchiveFile> files = files_of(options.archive, shard);
   try_out(options);
@@ -221,7 +222,7 @@ int run_archive(const Options& options) {
   const std::vector<TableRow> rows = ArchiveRun(options, settings, files).all_files();
   if (interrupted() != 0) {
     std::fprintf(stderr,
-                 "lightmotion: stopped with %zu of %zu files done; the same command goes on from there\n",
+                 "lightmotion: interrupted with %zu of %zu files finished; run the same command to resume\n",
                  rows.size(), files.size());
     return 128 + interrupted();
   }

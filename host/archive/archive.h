@@ -1,12 +1,12 @@
 // `lightmotion run ... --out DIR`: many files, one after another or several at a time.
 #pragma once
 
-#include "host/options.h"
+#include "host/run_options.h"
 
 namespace lm::host {
 
-// Works on every file that has no results yet, each in a process of its own, and goes on whatever happens to
-// one of them. Returns the program's exit status; throws Failure.
-int run_archive(const Options& options);
+// Processes every file that has no results yet, each in its own process; a failing file does not stop the
+// others. Returns the program's exit status; throws Failure.
+int run_archive(const RunOptions& options);
 
 }  // namespace lm::host

@@ -1,10 +1,13 @@
 #include "host/archive/archive_options.h"
 
+#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <array>
 #include <cmath>
 #include <filesystem>
 #include <string_view>
+
+#include "host/number_option.h"
 
 namespace lm::host {
 namespace {
@@ -22,7 +25,7 @@ bool contains(const auto& words, std::string_view word) {
   return std::ranges::find(words, word) != words.end();
 }
 
-// "--name=value" in its two parts; the value is empty where there is none.
+// Splits "--name=value"; the value is empty if there is none.
 std::pair<std::string, std::string> parts(const std::string& argument) {
   const std::size_t equals = std::min(argument.find('='), argument.size());
   return {argument.substr(0, equals), argument.substr(std::min(equals + 1, argument.size()))};
@@ -48,10 +51,10 @@ std::string misplaced_output(const std::vector<std::string>& arguments) {
   for (const std::string& argument : arguments) {
     if (!names_output(argument)) continue;
     const auto [name, value] = parts(argument);
-    const bool plain =
-        !value.empty() && value.find('/') == std::string::npos && value != "." && value != "..";
-    if (!plain) return name + " with --out takes a plain name, without a folder";
-    if (contains(kTaken, value)) return value + " among the results is the archive's own";
+    const bool plain = !value.empty() && value.find('/') == std::string::npos && value != "." &&
+                       value != ".." && value != "-";
+    if (!plain) return name + " with --out must be a plain file name, not \"" + value + "\"";
+    if (contains(kTaken, value)) return name + ": the name " + value + " is reserved with --out";
   }
   return "";
 }
@@ -60,7 +63,7 @@ std::string misplaced_output(const std::vector<std::string>& arguments) {
 std::string single_misuse(const ArchiveOptions& options) {
   std::error_code ignored;
   if (options.jobs != 0 || options.force || !options.shard.empty() || options.file_timeout > 0us) {
-    return "--jobs, --shard, --file-timeout and --force are of use with --out DIR only";
+    return "--jobs, --shard, --file-timeout and --force need --out DIR";
   }
   if (options.sources.size() > 1) return "several sources need --out DIR: " + options.sources[1];
   if (options.sources.empty()) return "";
@@ -73,44 +76,41 @@ std::string single_misuse(const ArchiveOptions& options) {
 }  // namespace
 
 void add_archive_options(CLI::App& run, ArchiveOptions& options) {
-  run.add_option("SOURCE", options.sources,
-                 "Video file, stream address or camera (/dev/video0);\nthe built-in scene when left out. "
-                 "With --out also folders,\npatterns, @LIST (a path a line) and several of these")
+  run.add_option(
+         "SOURCE", options.sources,
+         "Video file, stream address or camera (/dev/video0); default: the built-in scene. With --out also "
+         "folders, patterns and @LIST (a file with one path per line), and several of these")
       ->type_name("");
-  const char* group = "Archives of many files";
-  run.add_option("--out", options.out,
-                 "Each file's results go to a folder of their own in DIR;\ngoes on "
-                 "where an earlier run was stopped")
+  const char* group = "Many files";
+  run.add_option(
+         "--out", options.out,
+         "Process many files; each file's results go to its own folder in DIR. Resumes an interrupted run")
       ->type_name("DIR")
       ->group(group);
-  run.add_option("--jobs", options.jobs, "Files worked on at a time (default: the processors)")
-      ->type_name("N")
-      ->check(CLI::Range(1, 4096).description(""))
+  add_number(run,
+             {"--jobs", "N", "Files processed at the same time", {1, 4096, "", true}, "one per processor"},
+             [&options](double jobs) { options.jobs = static_cast<int>(jobs); })
       ->group(group);
   run.add_option("--shard", options.shard,
-                 "Only every Nth file from the Ith on, counted from 1;\n"
-                 "slurm: as the Slurm array task says")
+                 "Process only every Nth file, starting with the Ith (1 to N); slurm: take both from the "
+                 "Slurm array task")
       ->type_name("I/N")
       ->group(group);
-  run.add_option_function<double>(
-         "--file-timeout",
-         [&options](double seconds) {
-           options.file_timeout = std::chrono::microseconds(std::llround(seconds * 1e6));
-         },
-         "Give a file up that is not done after so long")
-      ->type_name("SECONDS")
-      ->check(CLI::Range(0.001, 1e9).description(""))
+  add_number(run, {"--file-timeout", "SECONDS", "Per-file time limit", {0.001, kUnlimited, "s"}, "none"},
+             [&options](double seconds) {
+               options.file_timeout = std::chrono::microseconds(std::llround(seconds * 1e6));
+             })
       ->group(group);
-  run.add_flag("--force", options.force, "Files that are done are done again")->group(group);
+  run.add_flag("--force", options.force, "Reprocess finished files")->group(group);
   run.add_option("--figures", options.figures)->group("");
 }
 
 std::string complete_archive_options(const CLI::App& run, ArchiveOptions& options) {
   if (options.out.empty()) return single_misuse(options);
-  if (options.sources.empty()) return "--out needs a source";
+  if (options.sources.empty()) return "--out needs at least one source";
   options.passed_on = given_options(run);
-  // A broker knows a camera by its name, and here many files are at work at once.
-  if (run.count("--mqtt") > 0) return "--mqtt is for a single source, not for --out";
+  // The broker identifies a camera by its name, and here many files are processed at once.
+  if (run.count("--mqtt") > 0) return "--mqtt needs a single source; it cannot be combined with --out";
   return misplaced_output(options.passed_on);
 }
 

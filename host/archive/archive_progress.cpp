@@ -30,7 +30,7 @@ bool can_redraw_lines() {
 
 std::string archive_progress_text(const ArchiveState& state) {
   std::string text = std::to_string(state.done) + " of " + std::to_string(state.files) + " files";
-  if (state.failed > 0) text += "  " + std::to_string(state.failed) + " not fine";
+  if (state.failed > 0) text += "  " + std::to_string(state.failed) + " with problems";
   if (state.events > 0)
     text += "  " + std::to_string(state.events) + (state.events == 1 ? " event" : " events");
   if (const auto left = time_left(state)) text += "  " + clock_text(*left) + " left";

@@ -18,13 +18,13 @@ namespace {
 
 constexpr int kNotStarted = 127;
 
-// Between fork and exec: nothing but system calls.
+// Between fork and exec: system calls only.
 [[noreturn]] void become(char* const* words, const char* messages, pid_t parent) {
   sigset_t none;
   sigemptyset(&none);
   sigprocmask(SIG_SETMASK, &none, nullptr);
   prctl(PR_SET_PDEATHSIG, SIGKILL);
-  if (getppid() != parent) _exit(kNotStarted);  // it died before we asked to be told
+  if (getppid() != parent) _exit(kNotStarted);  // the parent died before prctl
   const int input = open("/dev/null", O_RDONLY);
   const int output = open(messages, O_WRONLY | O_CREAT | O_APPEND, 0666);
   if (input < 0 || output < 0) _exit(kNotStarted);
@@ -47,7 +47,7 @@ pid_t start_child(const std::vector<std::string>& arguments, const std::string& 
   const pid_t child = fork();
   if (child == 0) become(words.data(), messages.c_str(), parent);
   if (child < 0) {
-    throw Failure(kTrouble, "no process can be started: " + std::generic_category().message(errno));
+    throw Failure(kTrouble, "cannot start a process: " + std::generic_category().message(errno));
   }
   return child;
 }
@@ -58,7 +58,7 @@ std::string cause_of(const std::string& messages, int status, const std::string&
   if (status == kDone) return "";
   if (status > 128) {
     const char* name = sigdescr_np(status - 128);
-    return std::string("the process was ended by a signal: ") + (name != nullptr ? name : "unknown");
+    return std::string("the process was terminated by a signal: ") + (name != nullptr ? name : "unknown");
   }
   const std::string program = "lightmotion: ";
   const std::string named = one_line(source) + ": ";
@@ -69,7 +69,7 @@ std::string cause_of(const std::string& messages, int status, const std::string&
     cause = line.substr(program.size());
     if (cause.starts_with(named)) cause.erase(0, named.size());
   }
-  return cause.empty() ? "the process ended with status " + std::to_string(status) : cause;
+  return cause.empty() ? "the process exited with status " + std::to_string(status) : cause;
 }
 
 }  // namespace lm::host

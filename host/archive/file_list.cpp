@@ -40,7 +40,7 @@ class Expansion {
 
   void add_named(const std::string& name) {
     if (name.find("://") != std::string::npos) {
-      throw Failure(kRefused, shown_address(name) + ": an archive run takes files, not addresses");
+      throw Failure(kRefused, shown_address(name) + ": --out needs files, not stream addresses");
     }
     std::error_code error;
     if (fs::is_directory(name, error)) {
@@ -75,7 +75,7 @@ class Expansion {
   }
 
  private:
-  // Lines end at the zero byte where there is one (find -print0), because names may hold line feeds.
+  // Lines end with a zero byte if there is one (find -print0), because names may contain line feeds.
   void add_lines(const std::string& text) {
     const char end = text.find('\0') != std::string::npos ? '\0' : '\n';
     for (std::size_t begin = 0; begin < text.size();) {
@@ -102,7 +102,7 @@ class Expansion {
     }
   }
 
-  // Links to folders are not followed: they may lead back up.
+  // Links to folders are not followed: they may form loops.
   void add_folder(const std::string& folder) {
     if (is_result(folder)) return;
     std::error_code error;
@@ -122,7 +122,7 @@ class Expansion {
   void add_file(const std::string& path) {
     std::error_code error;
     const fs::file_status status = fs::status(path, error);
-    const std::string why = error ? error.message() : fs::is_regular_file(status) ? "" : "not a file";
+    const std::string why = error ? error.message() : fs::is_regular_file(status) ? "" : "not a regular file";
     files_.push_back({real_path(path), why});
   }
 
@@ -149,7 +149,7 @@ std::vector<ArchiveFile> list_files(const std::vector<std::string>& sources, con
     source.starts_with('@') ? expansion.add_list(source.substr(1)) : expansion.add_named(source);
   }
   std::vector<ArchiveFile> files = expansion.sorted();
-  if (files.empty()) throw Failure(kRefused, "no video files there");
+  if (files.empty()) throw Failure(kRefused, "no video files found");
   return files;
 }
 

@@ -23,7 +23,7 @@ constexpr const char* kMessages = "/messages.txt";
 constexpr const char* kFigures = "/figures.json";
 constexpr const char* kRecord = "/run.json";
 
-// How much is said has no say in the results, and the configuration counts by its text.
+// These do not change the results; the configuration counts by its text, not by its name.
 constexpr std::array<std::string_view, 3> kNoSay{"--quiet", "--verbose", "--config"};
 
 bool has_say(const std::string& option) {
@@ -86,12 +86,13 @@ void FileRun::keep_time() {
 TableRow FileRun::finish(int status) {
   if (deadline_.passed() && exit_status(status) > kTrouble) {
     const std::string time = seconds_text(settings_.file_timeout);
-    return {path_, Outcome::kFailed, std::nullopt, "", "given up after " + time + " s (--file-timeout)"};
+    return {path_, Outcome::kFailed, std::nullopt, "",
+            "time limit of " + time + " s exceeded (--file-timeout)"};
   }
   const std::string messages =
       replaced(read_text(folder_.path() + kMessages).value_or(""), folder_.path(), folder_.final_path());
   TableRow row{path_, Outcome::kFailed, std::nullopt, "", cause_of(messages, exit_status(status), path_)};
-  // A run that told its figures has completed its outputs.
+  // A run that wrote its figures has completed its outputs.
   const std::optional<Figures> figures = read_figures(folder_.path() + kFigures);
   if (!figures || exit_status(status) > kTrouble) return row;
   row.figures = figures;

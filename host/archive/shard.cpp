@@ -19,7 +19,7 @@ std::optional<std::size_t> number(const std::string& text) {
 std::size_t from_slurm(const char* name) {
   const char* text = std::getenv(name);
   const std::optional<std::size_t> value = number(text != nullptr ? text : "");
-  if (!value) throw Failure(kRefused, std::string("--shard slurm: ") + name + " is not set to a number");
+  if (!value) throw Failure(kRefused, std::string("--shard slurm: ") + name + " is not a number");
   return *value;
 }
 
@@ -31,7 +31,7 @@ Shard slurm_shard() {
   const std::size_t step = from_slurm("SLURM_ARRAY_TASK_STEP");
   const std::size_t index = step > 0 && id >= first ? (id - first) / step : count;
   if (index >= count || (id - first) % step != 0) {
-    throw Failure(kRefused, "--shard slurm: the array has gaps, so parts of the archive would be left out");
+    throw Failure(kRefused, "--shard slurm: the job array has gaps, so some files would not be processed");
   }
   return {index, count};
 }

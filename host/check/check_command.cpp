@@ -24,13 +24,15 @@ struct CheckOptions {
 };
 
 constexpr const char* kFooter = R"(Examples:
-  lightmotion check night.json                       what the document says by itself
-  lightmotion check night.json --size 1280x720       with its regions laid on such frames
-  lightmotion check night.json --source street.avi   ... on frames of that video
+  lightmotion check night.json                       the configuration alone
+  lightmotion check night.json --size 1280x720       also its regions on such frames
+  lightmotion check night.json --source street.mp4   also on the frames of this video
 
-Exit status: 0 nothing but notes; 1 warnings: something has another effect than it
-seems; 2 errors: the plug-in refuses it or could never find anything, or a file
-could not be read.
+Exit status:
+  0  no findings, or notes only
+  1  warnings: a setting does not do what it appears to do
+  2  errors: the plug-in refuses the configuration or could never find anything, or
+     a file cannot be read
 )";
 
 enum CheckStatus { kFine = 0, kDoubtful = 1, kFaulty = 2 };
@@ -38,15 +40,6 @@ enum CheckStatus { kFine = 0, kDoubtful = 1, kFaulty = 2 };
 std::string read_config(const std::string& file) {
   if (std::optional<std::string> text = read_text(file)) return *std::move(text);
   throw Failure(kRefused, file + ": " + std::generic_category().message(errno));
-}
-
-// A source that cannot be opened is no warning.
-cv::Size size_of_source(const std::string& name) {
-  try {
-    return open_source(name)->info().size;
-  } catch (const Failure& failure) {
-    throw Failure(kRefused, failure.what());
-  }
 }
 
 CheckStatus status_of(const check::Verdict& verdict) {
@@ -61,7 +54,7 @@ CheckStatus status_of(const check::Verdict& verdict) {
 int check_config(const CheckOptions& options) {
   const std::string text = read_config(options.config);
   std::optional<cv::Size> size = options.size;
-  if (options.source) size = size_of_source(*options.source);
+  if (options.source) size = open_source(*options.source)->info().size;
   const check::Verdict verdict = check::check_document(text, size);
   const std::string report =
       options.json ? check::to_json(verdict) + '\n' : check::to_text(options.config, verdict);
@@ -69,6 +62,15 @@ int check_config(const CheckOptions& options) {
     throw Failure(kRefused, "standard output: " + std::generic_category().message(errno));
   }
   return status_of(verdict);
+}
+
+// Any failure is an error here: status 1 would mean a warning.
+int check_or_fail(const CheckOptions& options) {
+  try {
+    return check_config(options);
+  } catch (const std::exception& error) {
+    throw Failure(kRefused, error.what());
+  }
 }
 
 bool is_size(const std::string& text) {
@@ -79,24 +81,25 @@ bool is_size(const std::string& text) {
 }  // namespace
 
 void add_check_command(CLI::App& app, std::function<int()>& chosen) {
-  CLI::App* command = app.add_subcommand("check", "Say what the plug-in will make of a configuration");
+  CLI::App* command = app.add_subcommand("check", "Check how the plug-in will interpret a configuration");
   const auto options = std::make_shared<CheckOptions>();
-  command->add_option("CONFIG", options->config, "Configuration document (JSON)")->type_name("")->required();
+  command->add_option("CONFIG", options->config, "Configuration (JSON)")->type_name("")->required();
   CLI::Option* source =
-      command->add_option("--source", options->source, "Video, address or camera to watch with it")
+      command
+          ->add_option("--source", options->source, "Take the frame size from this video, stream or camera")
           ->type_name("SOURCE");
   command
       ->add_option_function<std::string>(
           "--size", [options](const std::string& text) { options->size = parse_scale(text)->size; },
-          "Size of the frames, such as 1280x720")
+          "Frame size, such as 1280x720")
       ->type_name("SIZE")
       ->excludes(source)
       ->check([](const std::string& text) {
         return is_size(text) ? "" : "must be a size such as 1280x720, not " + text;
       });
-  command->add_flag("--json", options->json, "For programs: one JSON object");
+  command->add_flag("--json", options->json, "Print one JSON object, for programs");
   command->footer(kFooter);
-  command->callback([options, &chosen] { chosen = [options] { return check_config(*options); }; });
+  command->callback([options, &chosen] { chosen = [options] { return check_or_fail(*options); }; });
 }
 
 }  // namespace lm::host

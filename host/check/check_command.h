@@ -1,4 +1,4 @@
-// lightmotion check: what the plug-in will make of a configuration document.
+// lightmotion check: checks how the plug-in will interpret a configuration.
 #pragma once
 
 #include <functional>

@@ -9,13 +9,13 @@
 namespace lm::host::check {
 namespace {
 
-// Pixels times corners: a second's work or so.
+// Pixels times corners; about a second of work.
 constexpr double kMostWork = 1e9;
 
 double work_of(const Outlines& outlines, cv::Size frame) {
-  double corners = 16;  // to begin with: making a mask takes time as well
+  double corners = 16;  // the cost of creating a mask
   for (const Outline& region : outlines.included) corners += static_cast<double>(region.corners.size());
-  // Those of exclusions are looked at twice.
+  // Exclusion regions are drawn twice.
   for (const Outline& region : outlines.excluded) corners += 2.0 * static_cast<double>(region.corners.size());
   return corners * frame.width * frame.height;
 }
@@ -32,7 +32,7 @@ cv::Mat mask_of(const Outline& region, cv::Size frame) {
 
 bool overlap(const cv::Mat& a, const cv::Mat& b) { return cv::countNonZero(a & b) > 0; }
 
-// Regions that are too short of points have been told of before.
+// Regions with too few points have been reported before.
 bool worth_telling(const Outline& region) { return region.corners.size() >= 3; }
 
 cv::Mat all_excluded(const Outlines& outlines, cv::Size frame, Findings& findings) {
@@ -54,10 +54,11 @@ cv::Mat all_included(const Outlines& outlines, const cv::Mat& excluded, Findings
     const cv::Mat mask = mask_of(region, excluded.size());
     if (worth_telling(region) && cv::countNonZero(mask) == 0) {
       findings.add(Severity::kWarning, region.path, region.name + " covers no pixel of the frame",
-                   "points in the frame that do not lie on one line");
+                   "use points inside the frame that are not on one line");
     } else if (cv::countNonZero(mask) > 0 && !overlap(mask, excluded == 0)) {
-      findings.add(Severity::kWarning, region.path, region.name + " is hidden: exclusions cover all of it",
-                   "an exclusion always wins");
+      findings.add(Severity::kWarning, region.path,
+                   region.name + " has no effect: exclusion regions cover all of it",
+                   "exclusion regions take precedence");
     }
     all |= mask;
   }
@@ -68,7 +69,8 @@ void tell_idle_exclusions(const Outlines& outlines, const cv::Mat& included, Fin
   for (const Outline& region : outlines.excluded) {
     const cv::Mat mask = mask_of(region, included.size());
     if (cv::countNonZero(mask) == 0 || overlap(mask, included)) continue;
-    findings.add(Severity::kNote, region.path, region.name + " excludes nothing: no region is watched there");
+    findings.add(Severity::kNote, region.path,
+                 region.name + " excludes nothing: it overlaps no region of interest");
   }
 }
 
@@ -77,7 +79,7 @@ void tell_idle_exclusions(const Outlines& outlines, const cv::Mat& included, Fin
 std::optional<Coverage> check_coverage(const Outlines& outlines, cv::Size frame, Findings& findings) {
   if (outlines.whole_frame && outlines.excluded.empty()) return Coverage{1, {{0, 0}, frame}};
   if (work_of(outlines, frame) > kMostWork) {
-    findings.add(Severity::kNote, "", "too many pixels and points to see what the regions cover");
+    findings.add(Severity::kNote, "", "too many pixels and points to check what the regions cover");
     return std::nullopt;
   }
   const cv::Mat excluded = all_excluded(outlines, frame, findings);
@@ -86,8 +88,9 @@ std::optional<Coverage> check_coverage(const Outlines& outlines, cv::Size frame,
   watched.setTo(0, excluded);
   const int pixels = cv::countNonZero(watched);
   if (pixels == 0) {
-    findings.add(Severity::kError, outlines.whole_frame ? excludedRegions.key : includedRegions.key,
-                 "nothing is watched: no pixel lies in a region and outside all exclusions");
+    findings.add(
+        Severity::kError, outlines.whole_frame ? excludedRegions.key : includedRegions.key,
+        "nothing is watched: no pixel is inside a region of interest and outside all exclusion regions");
   }
   return Coverage{pixels / (1.0 * frame.width * frame.height), cv::boundingRect(watched)};
 }

@@ -11,10 +11,10 @@
 namespace lm::host::check {
 namespace {
 
-// Of the plug-in's buffers, as measured (docs/performance.md); a test holds the plug-in against it.
+// Measured size of the plug-in's buffers (docs/performance.md); a test checks it.
 constexpr std::uint64_t kBytesPerPixel = 295;
 
-constexpr double kUsualRate = 30;  // frames a second
+constexpr double kUsualRate = 30;  // frames per second
 
 std::string in_pixels(cv::Size size) {
   return std::to_string(size.width) + " x " + std::to_string(size.height) + " pixels";
@@ -27,8 +27,8 @@ int largest(int begin, int length, int frame) { return begin + length >= frame ?
 void check_side(const Json::Value& document, const char* key, int pixels, Findings& findings) {
   if (!document[key].isString() || pixels > 0) return;
   findings.add(Severity::kWarning, key,
-               "comes to less than a pixel: no box is dropped, whatever the other side's least is",
-               "both sides at least a pixel, or leave both out");
+               "is less than a pixel: no box is dropped, whatever the minimum of the other side",
+               "make both at least a pixel, or remove both");
 }
 
 }  // namespace
@@ -69,9 +69,9 @@ void check_least_box(const Json::Value& document, const Effective& effective,
     if (document.isMember(stated)) key = stated;
   }
   findings.add(Severity::kError, key,
-               "no box can be large enough: the least is " + in_pixels(least) + ", what is watched spans " +
-                   in_pixels(watched.size()),
-               "a smaller minBoxW or minBoxH, or a larger region");
+               "no box can be large enough: the minimum box size is " + in_pixels(least) +
+                   ", the watched area spans " + in_pixels(watched.size()),
+               "reduce minBoxW or minBoxH, or enlarge the region");
 }
 
 void check_memory(const Effective& effective, std::uint64_t installed, Findings& findings) {
@@ -79,7 +79,7 @@ void check_memory(const Effective& effective, std::uint64_t installed, Findings&
   findings.add(Severity::kWarning, "",
                "the plug-in needs " + memory_text(effective.memory) + " for frames of " +
                    in_pixels(effective.frame) + "; this computer has " + memory_text(installed),
-               "smaller frames (--scale)");
+               "use smaller frames (--scale)");
 }
 
 std::uint64_t installed_memory() {

@@ -27,7 +27,7 @@ void Findings::add_to_key(Severity severity, const std::string& path, const std:
 void Findings::add_repeats() {
   for (const Places::Repeat& repeat : places_.repeats()) {
     add(Severity::kWarning, repeat.path, repeat.place,
-        "stands twice; the one in line " + std::to_string(repeat.before.line) + " does not count",
+        "appears twice; the one in line " + std::to_string(repeat.before.line) + " is ignored",
         "keep one of them");
   }
 }

@@ -22,7 +22,7 @@ std::string lowered(std::string text) {
   return text;
 }
 
-// How many characters have to be put in, taken out or replaced.
+// The edit distance: characters inserted, deleted or replaced.
 std::size_t distance(const std::string& a, const std::string& b) {
   std::vector<std::size_t> row(b.size() + 1);
   std::iota(row.begin(), row.end(), std::size_t{0});
@@ -42,8 +42,8 @@ std::string hint_for(const std::string& key, const std::vector<std::string>& kno
   const std::string near = nearest(key, known);
   if (!near.empty()) return "did you mean \"" + near + "\"?";
   if (findParam<Settings>(key) != nullptr)
-    return "the plug-in takes it from its parameter list only, not from a document";
-  std::string all = "known are ";
+    return "the plug-in reads it from its parameter list only, not from a configuration";
+  std::string all = "known keys: ";
   for (const std::string& name : known) all.append(&name == &known.front() ? "" : ", ").append(name);
   return all;
 }
@@ -61,7 +61,7 @@ std::string nearest(const std::string& key, const std::vector<std::string>& know
   constexpr std::size_t kLongest = 64;
   if (key.size() > kLongest) return "";
   std::string best;
-  std::size_t least = (key.size() + 1) / 3;  // so much may differ, at most
+  std::size_t least = (key.size() + 1) / 3;  // the largest distance accepted
   for (const std::string& name : known) {
     const std::size_t differs = distance(lowered(key), lowered(name));
     if (differs > least || (differs == least && !best.empty())) continue;
@@ -77,7 +77,7 @@ void check_keys(const Json::Value& object, const std::string& path, const std::v
     if (std::find(known.begin(), known.end(), key) != known.end()) continue;
     std::string member = path;
     member.append(path.empty() ? "" : ".").append(key);
-    findings.add_to_key(Severity::kWarning, member, "unknown, and passed over", hint_for(key, known));
+    findings.add_to_key(Severity::kWarning, member, "unknown key, ignored", hint_for(key, known));
   }
 }
 

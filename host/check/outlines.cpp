@@ -21,11 +21,11 @@ std::string numbered(const std::string& path, Json::ArrayIndex index) {
   return path + '[' + std::to_string(index) + ']';
 }
 
-// Coordinates of one region that lie outside the frame: told once, however many they are.
+// Coordinates of one region outside the frame, reported as one finding.
 class Strays {
  public:
   void look_at(float value, const std::string& path) {
-    constexpr float kFar = 1;  // a region may well reach one frame beyond it, to have its edge inside
+    constexpr float kFar = 1;  // a region may extend one frame beyond, so that its edge counts as inside
     if (value >= 0 && value <= 1) return;
     const bool near = value >= -kFar && value <= 1 + kFar;
     std::string& first = near ? near_ : far_;
@@ -35,20 +35,21 @@ class Strays {
 
   void tell(Findings& findings) const {
     if (far_count_ > 0) {
-      findings.add(Severity::kWarning, far_, "lies far outside the frame" + others(far_count_),
-                   "fractions of the frame: 0 is its left or upper end, 1 the other");
+      findings.add(
+          Severity::kWarning, far_, "is far outside the frame" + others(far_count_),
+          "coordinates are fractions of the frame: 0 is its left or top edge, 1 its right or bottom edge");
     }
     if (near_count_ > 0) {
       findings.add(Severity::kNote, near_,
-                   "lies outside the frame" + others(near_count_) + "; what reaches beyond it is cut off");
+                   "is outside the frame" + others(near_count_) + "; the region is clipped to the frame");
     }
   }
 
  private:
   static std::string others(int count) {
     if (count == 1) return "";
-    return count == 2 ? ", as does another of this region"
-                      : ", as do " + std::to_string(count - 1) + " others of this region";
+    return count == 2 ? ", as is another coordinate of this region"
+                      : ", as are " + std::to_string(count - 1) + " other coordinates of this region";
   }
 
   std::string near_, far_;
@@ -69,7 +70,7 @@ std::optional<float> read_coordinate(const Json::Value& point, const std::string
       const bool comma = text[used] == ',';
       findings.add(
           Severity::kWarning, place, shown(value) + " is read as " + shown(static_cast<double>(number)),
-          comma ? "a decimal point, not a comma" : "nothing but the number, a fraction of the frame");
+          comma ? "use a decimal point, not a comma" : "write only the number, a fraction of the frame");
     }
     return number;
   } catch (const std::exception&) {
@@ -83,7 +84,7 @@ std::optional<float> read_coordinate(const Json::Value& point, const std::string
 
 std::optional<Corner> read_corner(const Json::Value& point, const std::string& path, Findings& findings) {
   if (!point.isObject()) {
-    findings.add(Severity::kError, path, shown(point) + " is no point; the plug-in refuses it", kPoint);
+    findings.add(Severity::kError, path, shown(point) + " is not a point; the plug-in refuses it", kPoint);
     return std::nullopt;
   }
   check_keys(point, path, {"x", "y", "comment"}, findings);
@@ -106,15 +107,15 @@ void read_corners(const Json::Value& points, Outline& region, Findings& findings
   if (region.corners.size() != points.size()) return;
   if (const std::optional<Crossing> crossing = first_crossing(region.corners)) {
     findings.add(Severity::kWarning, region.path,
-                 "its outline crosses itself, behind points " + std::to_string(crossing->first) + " and " +
-                     std::to_string(crossing->second) + ": what it encloses twice is outside",
-                 "points in the order in which one walks around the region");
+                 "its outline crosses itself, after points " + std::to_string(crossing->first) + " and " +
+                     std::to_string(crossing->second) + ": areas enclosed twice are outside",
+                 "list the points in order around the region");
   }
 }
 
 void read_region(const Json::Value& value, const lm::RegionList& list, Outline& region, Findings& findings) {
   if (!value.isObject() && !value.isNull()) {
-    findings.add(Severity::kError, region.path, shown(value) + " is no region; the plug-in refuses it",
+    findings.add(Severity::kError, region.path, shown(value) + " is not a region; the plug-in refuses it",
                  kRegion);
     return;
   }
@@ -124,7 +125,8 @@ void read_region(const Json::Value& value, const lm::RegionList& list, Outline& 
     region.name = "region " + shown(name);
   } else if (value.isMember("name")) {
     findings.add(Severity::kWarning, region.path + ".name",
-                 shown(name) + " is no text: the region has no name", "a name in quotation marks");
+                 shown(name) + " is not a string: the region has no name",
+                 "write the name in quotation marks");
   }
   const Json::Value& points = value["points"];
   if (!points.isArray()) {
@@ -135,7 +137,7 @@ void read_region(const Json::Value& value, const lm::RegionList& list, Outline& 
     findings.add(Severity::kWarning, region.path + ".points",
                  "covers nothing: it has " + std::to_string(points.size()) +
                      (points.size() == 1 ? " point" : " points"),
-                 "three points or more");
+                 "at least three points are required");
   }
   if (points.size() >= list.leastPoints) read_corners(points, region, findings);
 }
@@ -162,14 +164,14 @@ Outlines read_outlines(const Json::Value& document, Findings& findings) {
     outlines.included = read_list(included, lm::includedRegions, findings);
   } else {
     findings.add(Severity::kError, lm::includedRegions.key,
-                 "holds no region; the plug-in refuses a document without one",
-                 "leave it out to watch the whole frame");
+                 "contains no region; the plug-in refuses the configuration",
+                 "remove it to watch the whole frame");
   }
   if (excluded.isArray()) {
     outlines.excluded = read_list(excluded, lm::excludedRegions, findings);
   } else if (document.isMember(lm::excludedRegions.key)) {
     findings.add(Severity::kWarning, lm::excludedRegions.key,
-                 shown(excluded) + " is no list of regions, and passed over",
+                 shown(excluded) + " is not a list of regions and is ignored",
                  "[" + std::string(kRegion) + "]");
   }
   return outlines;

@@ -14,7 +14,7 @@
 namespace lm::host::check {
 namespace {
 
-std::string quoted(const std::string& text) { return shown(Json::Value(text)); }
+std::string in_quotes(const std::string& text) { return shown(Json::Value(text)); }
 
 std::string without_blanks_around(const std::string& text) {
   constexpr const char* kBlanks = " \t\n\v\f\r";
@@ -22,10 +22,10 @@ std::string without_blanks_around(const std::string& text) {
   return begin == std::string::npos ? "" : text.substr(begin, text.find_last_not_of(kBlanks) + 1 - begin);
 }
 
-// What stays in effect when a value of this key is refused.
+// The value that stays in effect when a value of this key is refused.
 std::string kept(const std::string& key, const Settings& settings) {
-  if (key == "lifeStatic") return std::to_string(settings.lifeStatic) + " seconds stay";
-  return shown(static_cast<double>(key == "minBoxW" ? settings.minObjW : settings.minObjH)) + " stays";
+  if (key == "lifeStatic") return std::to_string(settings.lifeStatic) + " seconds are kept";
+  return shown(static_cast<double>(key == "minBoxW" ? settings.minObjW : settings.minObjH)) + " is kept";
 }
 
 class Reader {
@@ -34,16 +34,16 @@ class Reader {
 
   void read(const std::string& key, const std::string& text, bool is_size) {
     const bool own = entry_.scan(key + ' ' + text);
-    if (!own && is_size) return;  // complained of already: the plug-in converts it before
+    if (!own && is_size) return;  // reported already: the plug-in converts sizes first
     if (!own) {
       findings_.add(Severity::kWarning, key,
-                    "is empty: the plug-in takes over " + quoted(entry_.value) + " from \"" + giver_ + "\"",
-                    "a value, or leave the key out");
+                    "is empty: the plug-in reuses " + in_quotes(entry_.value) + " from \"" + giver_ + "\"",
+                    "set a value or remove the key");
     }
     const auto* row = findParam<Settings>(key);
     if (row == nullptr) {
-      findings_.add_to_key(Severity::kWarning, key, "has no effect: the plug-in reads it and never uses it",
-                           "leave it out");
+      findings_.add_to_key(Severity::kWarning, key, "has no effect: the plug-in reads it but never uses it",
+                           "remove it");
     } else {
       convert(*row, own ? text : entry_.value, is_size);
     }
@@ -61,13 +61,13 @@ class Reader {
       if (is_size) return;
       findings_.add(Severity::kError, key,
                     std::string("must be a ") + (row.conversion == Conversion::integer ? "whole " : "") +
-                        "number, not " + quoted(text) + "; the plug-in refuses it",
+                        "number, not " + in_quotes(text) + "; the plug-in refuses it",
                     row.range);
       return;
     }
     if (entry_.value.substr(0, used) != without_blanks_around(text)) {
-      findings_.add(Severity::kWarning, key, quoted(text) + " is read as " + shown(number),
-                    "nothing but the number");
+      findings_.add(Severity::kWarning, key, in_quotes(text) + " is read as " + shown(number),
+                    "write only the number");
     }
     const Settings before = settings_;
     if (applyParam(row, settings_, number)) {
@@ -80,33 +80,33 @@ class Reader {
   // A value that is out of range.
   void refuse(const ParamRow<Settings>& row, const std::string& number, const std::string& stays) {
     const std::string key(row.key);
-    const std::string outcome = row.fallBack != nullptr ? "the values of level 3 are taken" : stays;
-    const std::string hint = key == "lifeStatic" ? "leave it out for 3 seconds" : row.range;
+    const std::string outcome = row.fallBack != nullptr ? "the values of level 3 are used" : stays;
+    const std::string hint = key == "lifeStatic" ? "remove it for the default of 3 seconds" : row.range;
     findings_.add(Severity::kWarning, key, number + " is out of range: " + outcome, hint);
   }
 
-  // A value that is accepted, with consequences that its name does not tell.
+  // A value that is accepted but has unexpected consequences.
   void remark(const std::string& key, double number) {
     if (key == "sensitivity" && number == autoSensitivityLevel) {
       findings_.add(Severity::kNote, key,
-                    "-1: the values of level 5, and the least thing that counts adapts to what is seen");
+                    "-1: uses the values of level 5 and adapts the minimum component size to the video");
     }
     if (key != "lifeStatic") return;
     if (number < 0) {
       findings_.add(Severity::kError, key,
-                    shown(number) + " makes everything background at once: nothing is ever found",
-                    "leave it out for 3 seconds");
+                    shown(number) + " makes everything background at once: nothing is ever detected",
+                    "remove it for the default of 3 seconds");
     } else {
       findings_.add(Severity::kWarning, key,
-                    "0: whatever changes little for a moment becomes background at once",
-                    "leave it out for 3 seconds");
+                    "0: anything that stays nearly unchanged for a moment becomes background at once",
+                    "remove it for the default of 3 seconds");
     }
   }
 
   Findings& findings_;
   Settings& settings_;
   EntryScanner entry_;
-  std::string giver_;  // of the value that an empty one takes over
+  std::string giver_;  // key of the value that an empty value reuses
 };
 
 }  // namespace
@@ -122,9 +122,10 @@ Settings check_scalars(const Json::Value& document, const SettledSizes& sizes, F
     } else if (value.isString()) {
       reader.read(key.name, value.asString(), false);
     } else if (document.isMember(key.name)) {
-      findings.add(Severity::kWarning, key.name,
-                   shown(value) + " is no text: the plug-in passes it over, and the default stays",
-                   value.isNumeric() ? "write \"" + shown(value) + "\"" : "a number in quotation marks");
+      findings.add(
+          Severity::kWarning, key.name,
+          shown(value) + " is not a string: the plug-in ignores it and uses the default",
+          value.isNumeric() ? "write \"" + shown(value) + "\"" : "write a number in quotation marks");
     }
   }
   return settings;

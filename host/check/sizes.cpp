@@ -10,12 +10,12 @@
 namespace lm::host::check {
 namespace {
 
-constexpr int kChannels = 3;  // of the frames that this program hands over
+constexpr int kChannels = 3;  // of the frames that this program passes
 constexpr const char* kWidth = "frmW";
 constexpr const char* kHeight = "frmH";
 constexpr const char* kDepth = "frmChn";
 
-// The number that a document states; none, and a complaint, where it states something else.
+// The number in the configuration; none, and a finding, if it is something else.
 std::optional<int> stated_number(const Json::Value& value, const std::string& key, Findings& findings) {
   try {
     if (value.isString()) return static_cast<int>(convertParam(Conversion::integer, value.asString()));
@@ -24,12 +24,12 @@ std::optional<int> stated_number(const Json::Value& value, const std::string& ke
     findings.add(Severity::kError, key, "must be a whole number, not " + shown(value));
     return std::nullopt;
   }
-  findings.add(Severity::kWarning, key, shown(value) + " is passed over, and the source's own is taken",
-               "a number in quotation marks, or leave it out");
+  findings.add(Severity::kWarning, key, shown(value) + " is ignored; the source's value is used",
+               "write a number in quotation marks, or remove it");
   return std::nullopt;
 }
 
-// The document's own number, if it can be one; `actual`: the source's.
+// The configuration's number, if valid; `actual`: the source's.
 std::optional<int> check_size(const Json::Value& document, const std::string& key, std::optional<int> actual,
                               Findings& findings) {
   if (!document.isMember(key)) return std::nullopt;
@@ -38,17 +38,17 @@ std::optional<int> check_size(const Json::Value& document, const std::string& ke
   if (!stated) return std::nullopt;
   if (*stated < 1) {
     findings.add(Severity::kError, key, shown(value) + " is refused by the plug-in",
-                 "1 or more, or leave it out");
+                 "must be 1 or more; or remove it");
     return std::nullopt;
   }
   if (actual && *stated != *actual) {
     findings.add(Severity::kError, key,
                  "is " + std::to_string(*stated) + " but the source's frames have " + std::to_string(*actual),
-                 "leave it out, and the source's own is taken");
+                 "remove it to use the source's value");
   } else if (!value.isString()) {
     findings.add(Severity::kNote, key,
-                 "the plug-in reads texts only; this program makes one of " + shown(value),
-                 shown(Json::Value(std::to_string(*stated))) + " suits every host");
+                 "the plug-in reads strings only; this program converts " + shown(value),
+                 shown(Json::Value(std::to_string(*stated))) + " works in every host");
   }
   return stated;
 }
@@ -57,12 +57,12 @@ void check_channels_alone(std::optional<int> stated, Findings& findings) {
   if (!stated || *stated == kChannels) return;
   if (*stated == 1 || *stated == 4) {
     findings.add(Severity::kWarning, kDepth,
-                 "is " + std::to_string(*stated) + " but this program hands over frames of 3",
-                 "right for another host only; leave it out for this program");
+                 "is " + std::to_string(*stated) + " but this program passes frames with 3",
+                 "valid for other hosts only; remove it for this program");
     return;
   }
   findings.add(Severity::kError, kDepth,
-               "the plug-in refuses every frame of " + std::to_string(*stated) + " bytes a pixel",
+               "the plug-in refuses every frame of " + std::to_string(*stated) + " bytes per pixel",
                "3 for this program; 1 or 4 for others");
 }
 
@@ -72,8 +72,8 @@ void check_product(cv::Size frame, const Json::Value& document, Findings& findin
   if (std::int64_t{frame.width} * frame.height <= kMost) return;
   findings.add(Severity::kError, document.isMember(kWidth) ? kWidth : "",
                "frames of " + std::to_string(frame.width) + " x " + std::to_string(frame.height) +
-                   " pixels are more than the plug-in can hold",
-               std::to_string(kMost) + " pixels at most");
+                   " pixels exceed what the plug-in can process",
+               "at most " + std::to_string(kMost) + " pixels");
 }
 
 }  // namespace

@@ -18,7 +18,7 @@ std::string place(const std::string& name, const Finding& finding) {
   return name + ':' + std::to_string(finding.line) + ':' + std::to_string(finding.column) + ": ";
 }
 
-// Everything behind the place.
+// Everything after the place.
 std::string complaint(const Finding& finding) {
   std::string text;
   if (!finding.key.empty()) text.append("\"").append(finding.key).append("\": ");
@@ -51,12 +51,12 @@ std::vector<Row> rows(const Effective& effective) {
   std::vector<Row> table = {
       {"matches the background", "up to " + levels(effective.thr_match) + " (thrMatch)"},
       {"counts as unchanged", "up to " + levels(effective.thr_heuris) + " (thrHeuris)"},
-      {"change of light followed", "above " + levels(effective.thr_illum) + " (thrIllum)"},
-      {"least box", least_box(effective)},
-      {"stands still until", std::to_string(effective.life_static_seconds) + " seconds, " +
-                                 std::to_string(effective.life_static) + " frames at 30 a second"},
+      {"lighting change followed", "above " + levels(effective.thr_illum) + " (thrIllum)"},
+      {"minimum box size", least_box(effective)},
+      {"still objects kept for", std::to_string(effective.life_static_seconds) + " seconds, " +
+                                     std::to_string(effective.life_static) + " frames at 30 per second"},
   };
-  if (effective.auto_sensitivity) table.emplace_back("least thing", "adapts to what is seen");
+  if (effective.auto_sensitivity) table.emplace_back("minimum component size", "adapts to the video");
   if (effective.frame.empty()) return table;
   if (effective.watched) table.emplace_back("watched", percent(*effective.watched) + " of the frame");
   table.emplace_back("memory", memory_text(effective.memory));
@@ -86,7 +86,7 @@ std::string summary(const Verdict& verdict) {
     text.append(text.empty() ? "" : ", ").append(std::to_string(count)).append(" ");
     text.append(name_of(severity)).append(count == 1 ? "" : "s");
   }
-  return text.empty() ? "nothing to complain of" : text;
+  return text.empty() ? "no findings" : text;
 }
 
 }  // namespace

@@ -9,9 +9,9 @@
 namespace lm::host {
 namespace {
 
-constexpr double kSmallestSide = 0.05;  // the plug-in's own, where the document has none
+constexpr double kSmallestSide = 0.05;  // the plug-in's default
 
-// As the plug-in does: texts only, each to the first character that does not belong to the number.
+// Reads as the plug-in does: strings only, up to the first character that is not part of the number.
 double side(const Json::Value& value) {
   try {
     const float number = value.isString() ? std::stof(value.asString()) : 0;
@@ -83,28 +83,28 @@ void Explainer::ended(const Event& event) {
   if (!in_span(event)) return;
   events_ += "  " + event.id + ", " + seconds_text(event.start) + " to " + seconds_text(event.end) + " s. " +
              event.started + " " + event.ended + " Boxes in " + std::to_string(event.frames) + " of " +
-             counted(event.last_frame - event.first_frame + 1, "frame", "frames") +
-             "; --gap joins over up to " + rule_text(rules_.gap) + " without.\n";
+             counted(event.last_frame - event.first_frame + 1, "frame", "frames") + "; --gap bridges up to " +
+             rule_text(rules_.gap) + " without.\n";
 }
 
 void Explainer::dropped(const Event& event) {
   if (!in_span(event)) return;
   events_ += "  dropped: boxes in " + counted(event.frames, "frame", "frames") + " from " +
-             seconds_text(event.start) + " to " + seconds_text(event.end) + " s; --min-event asks for " +
-             rule_text(rules_.min_event) + " at least\n";
+             seconds_text(event.start) + " to " + seconds_text(event.end) + " s; --min-event requires " +
+             rule_text(rules_.min_event) + "\n";
 }
 
 std::string Explainer::settings() const {
   const cv::Size2d least = smallest_box(document_);
-  std::string text = "  smallest box that counts: " + percent_text(least.width) + " of the width or " +
-                     percent_text(least.height) + " of the height; smaller both ways, the plug-in drops it\n";
+  std::string text = "  minimum box size: " + percent_text(least.width) + " of the width or " +
+                     percent_text(least.height) + " of the height; the plug-in drops boxes below both\n";
   for (const HiddenPlace& place : hidden_.places()) {
-    text += "  not looked at: " + place.name + "; the picture changed there in " +
+    text += "  not watched: " + place.name + "; the picture changed there in " +
             counted(place.pictures, "frame", "frames") + "\n";
   }
   if (boxes_by_light_ > 0) {
-    text +=
-        "  taken for a change of light, not for motion: " + counted(boxes_by_light_, "box", "boxes") + "\n";
+    text += "  attributed to a lighting change, not to motion: " + counted(boxes_by_light_, "box", "boxes") +
+            "\n";
   }
   return text;
 }

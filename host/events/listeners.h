@@ -1,4 +1,4 @@
-// Everyone who listens to the events of a run, from what the command line asks for.
+// The event listeners of a run, as the command line requests them.
 #pragma once
 
 #include <memory>
@@ -6,19 +6,19 @@
 #include <vector>
 
 #include "host/events/listener.h"
-#include "host/options.h"
+#include "host/run_options.h"
 #include "host/source.h"
 
 namespace lm::host {
 
-// What a run is about. Outlives its listeners.
+// The context of a run. Outlives its listeners.
 struct RunContext {
-  const Options& options;
+  const RunOptions& options;
   const SourceInfo& source;
   const std::string& document;  // that the plug-in was started with
 };
 
-// Throws Failure when an output cannot be begun.
+// Throws Failure when an output cannot be created.
 std::vector<std::unique_ptr<EventListener>> make_listeners(const RunContext& context);
 
 }  // namespace lm::host

@@ -18,7 +18,7 @@ std::string why_started(const Event& event, std::optional<std::chrono::microseco
   const std::string at = " at " + seconds_text(event.start) + " s: ";
   if (event.kind == EventKind::kLight && event.light) {
     const LightChange& light = *event.light;
-    return std::string("The light became ") + (light.after >= light.before ? "brighter" : "darker") + at +
+    return std::string("The lighting became ") + (light.after >= light.before ? "brighter" : "darker") + at +
            "from " + tenths_text(light.before) + " to " + tenths_text(light.after) +
            " grey levels on average, changed over " + percent_text(light.share) +
            " of the watched picture, with boxes over " + percent_text(event.peak_share) + " of the frame.";
@@ -30,11 +30,11 @@ std::string why_started(const Event& event, std::optional<std::chrono::microseco
 }
 
 std::string why_quiet(const Event& event, std::chrono::microseconds gap, std::chrono::microseconds hidden) {
-  const char* what = event.kind == EventKind::kLight ? "No box of the change of light" : "Nothing moved";
+  const char* what = event.kind == EventKind::kLight ? "No box of the lighting change" : "Nothing moved";
   std::string text = std::string(what) + " for more than " + seconds_text(gap) + " s after " +
                      seconds_text(event.end) + " s";
   if (hidden.count() > 0) {
-    text += ", not counting " + seconds_text(hidden) + " s in which a change of light covered the picture";
+    text += ", not counting " + seconds_text(hidden) + " s in which a lighting change covered the picture";
   }
   return text + ".";
 }

@@ -1,4 +1,4 @@
-// How sources are read, as the command line has it.
+// Options of sources on the command line.
 #pragma once
 
 #include "host/live/scale.h"

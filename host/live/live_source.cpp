@@ -13,10 +13,10 @@ namespace {
 
 using namespace std::chrono_literals;
 
-// A connection that lasts so long counts as a good one, after whose loss attempts start close together again.
+// A connection that lasted this long is good: after its loss, the back-off starts over.
 constexpr auto kGoodConnection = BackOff::kLongest;
 
-// Signals end no wait, so nothing waits longer than this before it looks for them.
+// Signals do not end a wait, so they are polled at this interval.
 constexpr auto kGlance = 100ms;
 
 void wait_or_stop(std::chrono::milliseconds time, std::stop_token stop) {
@@ -54,7 +54,7 @@ bool LiveSource::next(Frame& frame) {
     for (const std::string& message : taken.messages) say(message);
     if (taken.frame) {
       frame = std::move(*taken.frame);
-      // Frames may have waited in buffers, but none comes before it is taken.
+      // Frames may have been buffered, but none arrives before it is captured.
       info_.start = std::min(*info_.start, std::chrono::system_clock::now() - frame.time);
       return true;
     }
@@ -111,7 +111,7 @@ void LiveSource::forward_frames() {
   if (surroundings_.now() - begin >= kGoodConnection) back_off_.reset();
 }
 
-// Tries until there is a connection; false when patience is at its end, or everything is.
+// Retries until connected; false when the time for it is over or the program is stopping.
 bool LiveSource::connect_again() {
   std::string cause = connection_->trouble();
   if (cause.empty()) cause = "the stream ended";
@@ -129,11 +129,11 @@ bool LiveSource::connect_again() {
       connected(since(last_frame_), lost_by);
       return true;
     }
-    if (refusal != cause) newest_.put_message("still away: " + refusal);
+    if (refusal != cause) newest_.put_message("still disconnected: " + refusal);
     cause = refusal;
   }
   const std::scoped_lock lock(mutex_);
-  trouble_ = "connection lost for good: " + cause;
+  trouble_ = "connection lost, gave up: " + cause;
   return false;
 }
 
@@ -152,7 +152,7 @@ std::string LiveSource::attempt() {
 void LiveSource::connected(Time away, const std::string& cause) {
   first_time_ = last_time_ + std::max<Time>(away, 1ms);
   first_number_ = last_number_ + 1;
-  news_ = "restarted: " + cause + "; " + seconds_text(away) + " s without pictures";
+  news_ = "reconnected after " + seconds_text(away) + " s without pictures: " + cause;
   const std::scoped_lock lock(mutex_);
   ++counts_.reconnections;
   counts_.away += away;

@@ -12,7 +12,7 @@ std::string Shedding::count(bool dropped, Time now) {
                          : std::to_string(dropped_) + " of " + std::to_string(frames_) +
                                " frames dropped in the last " +
                                std::to_string(std::chrono::round<std::chrono::seconds>(passed).count()) +
-                               " s, because analysing them takes longer than they take to come";
+                               " s, because analysis is slower than the source";
   *this = Shedding(now);
   return text;
 }

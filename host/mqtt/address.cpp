@@ -25,7 +25,7 @@ std::string decoded(std::string_view text) {
     }
     unsigned char code = 0;
     if (i + 2 >= text.size() || !read_number(text.substr(i + 1, 2), 16, code) || code == 0) {
-      refuse("% in the user or password must be followed by the character's code (% itself is %25)");
+      refuse("% in the user or password must be followed by two hexadecimal digits (% itself is %25)");
     }
     result += static_cast<char>(code);
     i += 2;
@@ -46,13 +46,13 @@ void read_account(std::string_view account, Address& address) {
   if (colon != std::string_view::npos) address.password = decoded(account.substr(colon + 1));
 }
 
-// An IPv6 address stands in brackets, because it has colons itself.
+// An IPv6 address is in brackets, because it contains colons.
 void read_host(std::string_view text, Address& address) {
   std::string_view port;
   if (text.starts_with('[')) {
     text.remove_prefix(1);
     const std::size_t bracket = text.find(']');
-    if (bracket == std::string_view::npos) refuse("the ] behind the address is missing");
+    if (bracket == std::string_view::npos) refuse("the ] after the address is missing");
     address.host = cut_before(text, bracket);
     port = text;
     if (!port.empty() && !port.starts_with(':')) refuse("only :PORT may follow the ]");
@@ -61,7 +61,7 @@ void read_host(std::string_view text, Address& address) {
     address.host = text.substr(0, colon);
     if (colon != std::string_view::npos) port = text.substr(colon);
   }
-  if (address.host.empty()) refuse("the broker's name is missing");
+  if (address.host.empty()) refuse("the broker's host name is missing");
   if (port.empty()) return;
   if (!read_number(port.substr(1), 10, address.port) || address.port < 1 || address.port > 65535) {
     refuse("the port must be a number from 1 to 65535");
@@ -72,7 +72,7 @@ void read_prefix(std::string_view prefix, Address& address) {
   while (prefix.ends_with('/')) prefix.remove_suffix(1);
   if (prefix.empty()) return;
   if (prefix.find_first_of("+#") != std::string_view::npos)
-    refuse("the prefix of topics must not hold + or #");
+    refuse("the topic prefix must not contain + or #");
   address.prefix = prefix;
 }
 
@@ -93,7 +93,7 @@ Address parse_address(const std::string& text) {
   const std::size_t slash = rest.find('/');
   if (slash != std::string_view::npos) read_prefix(rest.substr(slash + 1), address);
   std::string_view authority = rest.substr(0, slash);
-  // The last one, because people forget to encode those in passwords.
+  // The last @, because it is often not encoded in passwords.
   if (const std::size_t at = authority.rfind('@'); at != std::string_view::npos) {
     read_account(cut_before(authority, at), address);
   }

@@ -15,10 +15,10 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr int kKeepAlive = 20;  // seconds; the broker waits half as long again before it speaks the will
+constexpr int kKeepAlive = 20;  // seconds; the broker publishes the will after one and a half times this
 constexpr int kAtLeastOnce = 1;
 constexpr std::size_t kWindow = 20;  // as many as libmosquitto sends before the first is acknowledged
-constexpr std::chrono::milliseconds kLongestWait = 1s;  // libmosquitto wants to look at its own clock
+constexpr std::chrono::milliseconds kLongestWait = 1s;  // libmosquitto must be called regularly
 constexpr std::chrono::milliseconds kHastyInterval =
     200ms;  // between attempts while the program waits to end
 
@@ -30,7 +30,7 @@ std::string reason(int error) {
 }
 
 void check(int error, const std::string& what) {
-  if (error != MOSQ_ERR_SUCCESS) throw Failure(kRefused, "message bus: " + what + ": " + reason(error));
+  if (error != MOSQ_ERR_SUCCESS) throw Failure(kRefused, "MQTT: " + what + ": " + reason(error));
 }
 
 }  // namespace
@@ -40,7 +40,7 @@ Link::Link(const LinkSettings& settings, std::shared_ptr<Mailbox> mailbox)
   static const int once = mosquitto_lib_init();
   static_cast<void>(once);
   client_.reset(mosquitto_new(settings.client.c_str(), true, this));
-  if (!client_) throw Failure(kRefused, "message bus: " + std::generic_category().message(errno));
+  if (!client_) throw Failure(kRefused, "MQTT: " + std::generic_category().message(errno));
   mosquitto_connect_callback_set(client_.get(), [](mosquitto*, void* self, int refusal) {
     static_cast<Link*>(self)->connected(refusal);
   });
@@ -73,7 +73,7 @@ void Link::run() {
     const int error = mosquitto_loop(client_.get(), 0, 1);
     if (error != MOSQ_ERR_SUCCESS) lost(error);
   }
-  // Without this farewell the broker speaks the will.
+  // Without a disconnect the broker publishes the will.
   if (ready_ && !mailbox_->abandoned()) mosquitto_disconnect(client_.get());
   mailbox_->done(in_flight_);
 }
@@ -98,7 +98,7 @@ void Link::connected(int refusal) {
 
 void Link::lost(int error) {
   const std::string why = refusal_.empty() ? reason(error) : std::exchange(refusal_, "");
-  if (!std::exchange(complained_, true)) mailbox_->report(why + "; trying again");
+  if (!std::exchange(complained_, true)) mailbox_->report(why + "; retrying");
   open_ = false;
   ready_ = false;
   next_attempt_ = Clock::now() + back_off_.next();
@@ -108,7 +108,7 @@ void Link::hand_over() {
   while (in_flight_ < kWindow) {
     const std::optional<Message> message = mailbox_->pop();
     if (!message) return;
-    // A connection that breaks just now is no error here: libmosquitto sends the message over the next one.
+    // A connection lost here is not an error: libmosquitto sends the message over the next one.
     mosquitto_publish(client_.get(), nullptr, message->topic.c_str(),
                       static_cast<int>(message->payload.size()), message->payload.data(), kAtLeastOnce,
                       message->kind == MessageKind::kStanding);

@@ -3,6 +3,8 @@
 #include <sys/eventfd.h>
 #include <unistd.h>
 
+#include <cerrno>
+#include <system_error>
 #include <utility>
 
 #include "host/failure.h"
@@ -12,7 +14,8 @@ namespace lm::host::mqtt {
 using Lock = std::lock_guard<std::mutex>;
 
 Mailbox::Mailbox(std::size_t capacity) : wake_(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)), outbox_(capacity) {
-  if (wake_ < 0) throw Failure(kTrouble, "message bus: no handle left");
+  if (wake_ < 0)
+    throw Failure(kTrouble, "MQTT: cannot create eventfd: " + std::generic_category().message(errno));
 }
 
 Mailbox::~Mailbox() { ::close(wake_); }

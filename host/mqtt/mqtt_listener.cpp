@@ -18,7 +18,7 @@ mqtt::Topics topics_of(const MqttOptions& options, const std::string& source) {
           options.camera.empty() ? mqtt::camera_name(source) : options.camera};
 }
 
-// Signals are for the thread that looks at them between frames.
+// Signals are handled by the thread that processes frames.
 std::thread start_without_signals(std::unique_ptr<mqtt::Link> link) {
   sigset_t all;
   sigset_t before;
@@ -72,7 +72,7 @@ void MqttListener::leave(std::chrono::milliseconds deadline) {
     mailbox_->abandon();
     done = mailbox_->wait_done(kLittlePatience);
   }
-  // Looking up a name may take longer than anybody wants to wait. The thread owns all that it uses.
+  // Name resolution can take very long. The thread owns everything that it uses.
   if (done) {
     thread_.join();
   } else {
@@ -87,8 +87,8 @@ void MqttListener::tell_news() {
 void MqttListener::tell_losses() {
   const auto [updates, milestones] = mailbox_->drops();
   if (updates + milestones > 0) {
-    warn(broker_ + ": had no room for " + count(updates, "update") + " and for " +
-         count(milestones, "message") + " on the beginning or end of an event");
+    warn(broker_ + ": queue full, dropped " + count(updates, "update message") + " and " +
+         count(milestones, "begin or end message"));
   }
   if (const std::size_t left = mailbox_->unsent(); left > 0) {
     warn(broker_ + ": " + count(static_cast<std::int64_t>(left), "message") + " not sent");

@@ -17,7 +17,8 @@ std::string first_line(const std::string& path) {
   std::ifstream file(path);
   std::string line;
   if (!std::getline(file, line)) {
-    throw Failure(kRefused, path + ": " + (errno != 0 ? std::generic_category().message(errno) : "is empty"));
+    throw Failure(kRefused,
+                  path + ": " + (errno != 0 ? std::generic_category().message(errno) : "the file is empty"));
   }
   if (line.ends_with('\r')) line.pop_back();
   return line;
@@ -34,33 +35,36 @@ std::string fault(const std::string& address) {
 
 // One level of a topic that others can read.
 std::string camera_fault(const std::string& name) {
-  return name.find_first_of("/+#") == std::string::npos ? "" : "must not hold /, + or #";
+  return name.find_first_of("/+#") == std::string::npos ? "" : "must not contain /, + or #";
 }
 
 std::string discovery_fault(const std::string& topic) {
-  return topic.find_first_of("+#") == std::string::npos ? "" : "must not hold + or #";
+  return topic.find_first_of("+#") == std::string::npos ? "" : "must not contain + or #";
 }
 
 }  // namespace
 
 void add_mqtt_options(CLI::App& run, MqttOptions& options) {
   const auto add = [&run](const char* name, std::string& value, const char* kind, const char* help) {
-    return run.add_option(name, value, help)->type_name(kind)->group("Message bus");
+    return run.add_option(name, value, help)->type_name(kind)->group("MQTT");
   };
   const char* address =
-      "Tell events to the broker at mqtt://[USER[:PASSWORD]@]HOST[:PORT][/PREFIX]\n(mqtts: encrypted)";
-  CLI::Option* bus = add("--mqtt", options.address, "ADDRESS", address)->check(fault);
-  add("--mqtt-camera", options.camera, "NAME", "The camera's name in topics")
+      "Publish events to the broker at\nmqtt://[USER[:PASSWORD]@]HOST[:PORT][/PREFIX]\n(mqtts:// for an "
+      "encrypted connection)";
+  CLI::Option* broker = add("--mqtt", options.address, "ADDRESS", address)->check(fault);
+  add("--mqtt-camera", options.camera, "NAME", "The camera's name in topics (default: made from the source)")
       ->check(camera_fault)
-      ->needs(bus);
-  add("--mqtt-password-file", options.password_file, "FILE", "The password, kept out of the process list")
-      ->needs(bus);
-  add("--mqtt-ca", options.authorities, "FILE", "Certificates to trust, instead of the system's")->needs(bus);
+      ->needs(broker);
+  add("--mqtt-password-file", options.password_file, "FILE",
+      "Read the password from the first line of this file; an argument is visible in the process list")
+      ->needs(broker);
+  add("--mqtt-ca", options.authorities, "FILE", "Trust these certificates instead of the system's")
+      ->needs(broker);
   add("--mqtt-discovery", options.discovery, "TOPIC",
-      "Where home-automation software looks for devices;\nempty for nowhere")
+      "Topic under which home-automation software discovers devices; \"\" turns it off (default "
+      "homeassistant)")
       ->check(discovery_fault)
-      ->capture_default_str()
-      ->needs(bus);
+      ->needs(broker);
 }
 
 mqtt::Address broker_address(const MqttOptions& options) {

@@ -1,4 +1,4 @@
-// The message bus, as the command line has it.
+// Options of MQTT on the command line.
 #pragma once
 
 #include <string>
@@ -13,11 +13,11 @@ namespace lm::host {
 
 // An empty text: not given.
 struct MqttOptions {
-  std::string address{};                    // of mqtt::parse_address; no message bus when empty
+  std::string address{};                    // of mqtt::parse_address; no MQTT when empty
   std::string camera{};                     // its name in topics; made from the source when empty
-  std::string password_file{};              // holds the password in its first line
+  std::string password_file{};              // the password is its first line
   std::string authorities{};                // certificates that an encrypted connection trusts
-  std::string discovery = "homeassistant";  // topic that home-automation software watches
+  std::string discovery = "homeassistant";  // topic prefix that home-automation software watches
 };
 
 void add_mqtt_options(CLI::App& run, MqttOptions& options);

@@ -11,6 +11,17 @@
 namespace lm::host {
 namespace {
 
+constexpr const char* kFooter = R"(Examples:
+  lightmotion presets                                list all presets
+  lightmotion presets night > night.json             a preset to edit
+  lightmotion run street.mp4 --preset night          a preset as it is
+
+Exit status:
+  0  success
+  1  standard output cannot be written
+  2  invalid command line
+)";
+
 std::string list() {
   std::size_t widest = 0;
   for (const Preset& preset : presets()) widest = std::max(widest, preset.name.size());
@@ -30,10 +41,10 @@ int print(const std::string& text) {
 }  // namespace
 
 void add_presets_command(CLI::App& app, std::function<int()>& chosen) {
-  CLI::App* command = app.add_subcommand("presets", "Show the configurations for common places");
-  command->footer("Examples:\n  lightmotion presets night > night.json\n  lightmotion run --preset night\n");
+  CLI::App* command = app.add_subcommand("presets", "List or print configurations for common scenes");
+  command->footer(kFooter);
   const auto name = std::make_shared<std::string>();
-  command->add_option("NAME", *name, "The one whose document is printed; without it, all are listed")
+  command->add_option("NAME", *name, "Print this preset's configuration (default: list all presets)")
       ->type_name("")
       ->check(is_preset);
   command->callback([name, &chosen] {

@@ -34,8 +34,7 @@ void Clips::frame(const Frame& frame, const Observation& seen) {
   if (!copying_) recorder_.frame(frame.image, seen.time);
 }
 
-// Where the file's clock jumps, as in recordings that were joined, places in it can no longer be found by
-// their times.
+// If the file's timestamps jump, as in joined recordings, positions cannot be found by time.
 void Clips::follow_file_time(const Frame& frame) {
   if (!frame.stated) return;
   const microseconds offset = *frame.stated - frame.time;
@@ -45,13 +44,13 @@ void Clips::follow_file_time(const Frame& frame) {
   copied_to_ = frame.time - 1us;
 }
 
-// A clip that is analysed in its turn may have an event that begins when its own did.
+// A clip analysed again may have an event with the same start.
 void Clips::spare_source(const Event& event) const {
   for (const char* ending : {".mp4", ".mkv"}) {
     const std::string name = folder_ + "/" + event_stem(event) + ending;
     std::error_code ignored;
     if (std::filesystem::equivalent(name, file_, ignored))
-      throw Failure(kTrouble, name + " would overwrite the source; --clips takes another folder");
+      throw Failure(kTrouble, name + " would overwrite the source; choose another folder for --clips");
   }
 }
 

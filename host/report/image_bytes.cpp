@@ -7,7 +7,7 @@ namespace lm::host {
 namespace {
 
 void check(int result) {
-  if (result < 0) throw Failure(kTrouble, "a picture cannot be encoded: " + av::error_text(result));
+  if (result < 0) throw Failure(kTrouble, "cannot encode a picture: " + av::error_text(result));
 }
 
 av::Picture converted(const cv::Mat& image, AVPixelFormat format) {

@@ -80,7 +80,7 @@ std::string fill(std::string_view page, const Values& values) {
     const bool as_it_is = page.starts_with('{');
     const std::string_view end = as_it_is ? "}}}" : "}}";
     const std::size_t close = page.find(end);
-    if (close == std::string_view::npos) throw std::logic_error("a placeholder without an end");
+    if (close == std::string_view::npos) throw std::logic_error("unterminated placeholder");
     const std::string& value = value_of(values, page.substr(as_it_is, close - as_it_is));
     text += as_it_is ? value : escaped(value);
     page.remove_prefix(close + end.size());

@@ -65,7 +65,7 @@ std::string picture(const PageEvent& shown, std::size_t number) {
                {"w", std::to_string(shown.size.width)},
                {"h", std::to_string(shown.size.height)},
                {"alt", "Frame at " + moment(shown.event.peak) + " of event " + std::to_string(number) +
-                           ", with boxes around what was found"}});
+                           ", with boxes drawn"}});
 }
 
 std::string card(const PageEvent& shown, std::size_t number) {
@@ -94,14 +94,14 @@ std::string note(const PageData& data) {
   const auto bare = std::count_if(data.events.begin(), data.events.end(),
                                   [](const PageEvent& shown) { return shown.picture.empty(); });
   std::string text;
-  if (data.events.empty()) text = "Nothing that counts as an event was found.";
+  if (data.events.empty()) text = "No events were found.";
   if (bare > 0) {
     text = "To keep this page small, " + counted(bare, "event") + (bare == 1 ? " has" : " have") +
            " no picture. ";
   }
   if (data.more_events > 0) {
-    text += counted(data.more_events, "later event") + (data.more_events == 1 ? " is" : " are") +
-            " not listed at all.";
+    text +=
+        counted(data.more_events, "later event") + (data.more_events == 1 ? " is" : " are") + " not listed.";
   }
   return text.empty() ? "" : "<p class=\"note\">" + escaped(text) + "</p>";
 }
@@ -140,19 +140,19 @@ Values headline(const PageData& data) {
   const double length = seconds(data.length);
   const double work = seconds(data.work);
   const std::string pictures = std::to_string(data.frame.width) + " × " + std::to_string(data.frame.height);
-  return {
-      {"title", data.source},
-      {"about", pictures + " pixels" + (data.rate > 0 ? ", " + rounded(data.rate) + " frames a second" : "")},
-      {"events", std::to_string(std::int64_t(data.events.size()) + data.more_events)},
-      {"kinds", std::to_string(count_of(data, EventKind::kMotion)) + " of motion, " +
-                    std::to_string(count_of(data, EventKind::kLight)) + " of light"},
-      {"moving", duration(moving)},
-      {"moving_share", length > 0 ? percent(seconds(moving) / length) + " of the video" : ""},
-      {"length", duration(data.length)},
-      {"frames",
-       counted(data.frames, "frame") + ", " + std::to_string(data.frames_with_motion) + " with boxes"},
-      {"speed", work > 0 ? rounded(double(data.frames) / work) + " fps" : "–"},
-      {"speed_detail", work > 0 ? rounded(length / work) + " × real time, " + duration(data.work) : ""}};
+  return {{"title", data.source},
+          {"about",
+           pictures + " pixels" + (data.rate > 0 ? ", " + rounded(data.rate) + " frames per second" : "")},
+          {"events", std::to_string(std::int64_t(data.events.size()) + data.more_events)},
+          {"kinds", std::to_string(count_of(data, EventKind::kMotion)) + " motion, " +
+                        std::to_string(count_of(data, EventKind::kLight)) + " lighting"},
+          {"moving", duration(moving)},
+          {"moving_share", length > 0 ? percent(seconds(moving) / length) + " of the video" : ""},
+          {"length", duration(data.length)},
+          {"frames",
+           counted(data.frames, "frame") + ", " + std::to_string(data.frames_with_motion) + " with boxes"},
+          {"speed", work > 0 ? rounded(double(data.frames) / work) + " fps" : "–"},
+          {"speed_detail", work > 0 ? rounded(length / work) + " × real time, " + duration(data.work) : ""}};
 }
 
 }  // namespace
@@ -165,22 +165,21 @@ std::string render_page(const PageData& data) {
   for (const auto& [name, value] : data.settings) {
     settings += fill("<div><dt>{{name}}</dt><dd>{{value}}</dd></div>\n", {{"name", name}, {"value", value}});
   }
-  values.merge(Values{{"style", fill(templates::style, {{"colours", colours()}})},
-                      {"timeline", timeline(data)},
-                      {"heat", data_uri(data.heat)},
-                      {"heat_width", std::to_string(data.heat_size.width)},
-                      {"heat_height", std::to_string(data.heat_size.height)},
-                      {"heat_alt",
-                       "A frame of the video with colours where things moved; the busiest place had "
-                       "motion in " +
-                           percent(data.heat_highest) + " of the frames"},
-                      {"heat_middle", percent(heat_at(0.5) * data.heat_highest)},
-                      {"heat_highest", percent(data.heat_highest)},
-                      {"filter", filter(data)},
-                      {"note", note(data)},
-                      {"cards", cards},
-                      {"settings", settings},
-                      {"made", data.made}});
+  values.merge(Values{
+      {"style", fill(templates::style, {{"colours", colours()}})},
+      {"timeline", timeline(data)},
+      {"heat", data_uri(data.heat)},
+      {"heat_width", std::to_string(data.heat_size.width)},
+      {"heat_height", std::to_string(data.heat_size.height)},
+      {"heat_alt", "A frame of the video, coloured where there was motion; the busiest place had motion in " +
+                       percent(data.heat_highest) + " of the frames"},
+      {"heat_middle", percent(heat_at(0.5) * data.heat_highest)},
+      {"heat_highest", percent(data.heat_highest)},
+      {"filter", filter(data)},
+      {"note", note(data)},
+      {"cards", cards},
+      {"settings", settings},
+      {"made", data.made}});
   return fill(templates::page, values);
 }
 

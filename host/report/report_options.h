@@ -1,4 +1,4 @@
-// What a run leaves behind for people, as the command line has it.
+// Options of outputs for people on the command line.
 #pragma once
 
 #include <string>

@@ -25,8 +25,8 @@ std::string seconds(double value) {
 std::vector<std::pair<std::string, std::string>> shown_settings(const std::string& document,
                                                                 const EventRules& rules) {
   std::vector<std::pair<std::string, std::string>> shown{
-      {"Least length of an event", seconds(rules.min_event)},
-      {"Quiet that ends an event", seconds(rules.gap)}};
+      {"Minimum length of an event", seconds(rules.min_event)},
+      {"Quiet time that ends an event", seconds(rules.gap)}};
   const Json::Value root = parse_json(document);
   if (!root.isObject()) return shown;
   for (const std::string& key : root.getMemberNames()) {

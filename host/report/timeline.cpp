@@ -109,7 +109,7 @@ std::vector<microseconds> axis_times(microseconds length, int most) {
 std::string timeline(const PageData& data) {
   return "<div class=\"time\">\n<div class=\"lanes\">\n" + curves(data) + lane(data, EventKind::kMotion) +
          lane(data, EventKind::kLight) + axis(data.length) +
-         "</div>\n<p class=\"hint\">Each bar is an event and leads to its picture.</p>\n</div>\n";
+         "</div>\n<p class=\"hint\">Each bar is an event; select it to see its picture.</p>\n</div>\n";
 }
 
 }  // namespace lm::host

@@ -29,8 +29,8 @@ void make_folder(const std::string& path) {
   std::filesystem::create_directories(path, error);
   if (!error && !std::filesystem::is_directory(path))
     error = std::make_error_code(std::errc::not_a_directory);
-  if (error) throw Failure(kTrouble, path + " cannot be made: " + error.message());
-  const PendingFile trial(path + "/trial");  // a long run should not find out at its first event
+  if (error) throw Failure(kTrouble, path + " cannot be created: " + error.message());
+  const PendingFile trial(path + "/trial");  // report it now, not at the first event
 }
 
 }  // namespace lm::host

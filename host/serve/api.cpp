@@ -30,7 +30,7 @@ Reply json_reply(const Json::Value& value, int status = 200) {
   return {.status = status, .body = json_text(value)};
 }
 
-// Seconds that a video may last.
+// Longest video, in seconds.
 std::optional<microseconds> time_of(double value) {
   if (!(value >= 0 && value < 1e9)) return std::nullopt;
   return microseconds(std::llround(value * 1e6));
@@ -71,7 +71,7 @@ Json::Value source_value(const SourceInfo& source) {
   return value;
 }
 
-// Says why a document cannot be used, in the words of the first finding that is an error.
+// The first error among the findings on a configuration.
 Reply refusal(const check::Verdict& verdict) {
   Json::Value value = parse_json(check::to_json(verdict));
   value.removeMember("effective");
@@ -129,10 +129,10 @@ Reply Api::state() {
 Reply Api::frame(const Query& query) {
   const std::string viewer = parameter(query, "viewer");
   if (viewer.empty() || viewer.size() > kLongestId)
-    return error_reply(400, "\"viewer\" has to be 1 to 64 characters");
+    return error_reply(400, "\"viewer\" must be 1 to 64 characters");
   const long long after = std::strtoll(parameter(query, "after").c_str(), nullptr, 10);
   if (!viewers_.enter(viewer, Viewers::Clock::now())) {
-    return error_reply(503, "too many are watching: there is room for " + std::to_string(Viewers::kMost));
+    return error_reply(503, "too many viewers; the limit is " + std::to_string(Viewers::kMost));
   }
   const std::shared_ptr<void> until_the_end(nullptr,
                                             [&](void*) { viewers_.leave(viewer, Viewers::Clock::now()); });
@@ -152,12 +152,12 @@ Reply Api::nothing_new() const {
 
 Reply Api::still(const Query& query) {
   const std::optional<microseconds> time = time_of(parameter(query, "time"));
-  if (!time) return error_reply(400, "\"time\" has to be seconds of the video");
+  if (!time) return error_reply(400, "\"time\" must be a time in seconds");
   const SourceInfo source = player_.state().source;
   Frame frame;
   if (source.live) {
     const std::shared_ptr<const Shot> newest = player_.showcase().newest();
-    if (!newest) return error_reply(503, "there is no picture yet");
+    if (!newest) return error_reply(503, "no picture yet");
     frame.image = newest->image;
     frame.time = newest->time;
   } else {
@@ -194,10 +194,9 @@ Reply Api::play(const Query& query) {
   const Json::Value& playing = wish["playing"];
   const Json::Value& time = wish["time"];
   const std::optional<microseconds> moment = time_of(time.isNumeric() ? time.asDouble() : -1);
-  if (!playing.isNull() && !playing.isBool()) return error_reply(400, "\"playing\" has to be true or false");
-  if (!time.isNull() && !moment) return error_reply(400, "\"time\" has to be seconds of the video");
-  if (moment && player_.state().source.live)
-    return error_reply(409, "a live source has no other moment than now");
+  if (!playing.isNull() && !playing.isBool()) return error_reply(400, "\"playing\" must be true or false");
+  if (!time.isNull() && !moment) return error_reply(400, "\"time\" must be a time in seconds");
+  if (moment && player_.state().source.live) return error_reply(409, "a live source cannot seek");
   if (moment) player_.seek(*moment);
   if (playing.isBool()) player_.play(playing.asBool());
   return state();
@@ -234,7 +233,7 @@ Reply Api::compare(const Query& query) {
 
 Reply Api::save(const Query& query) {
   if (config_.empty()) {
-    return error_reply(409, "no file was named to save to: start lightmotion serve with --config FILE");
+    return error_reply(409, "no file to save to: start lightmotion serve with --config FILE");
   }
   const check::Verdict judged = verdict(query.body);
   if (judged.refused()) return refusal(judged);

@@ -68,7 +68,7 @@ pid_t spawn(const DetectorKind& kind, int socket) {
   pid_t process = -1;
   const int error = SpawnPlan(socket).run(process, kind.program, words.data());
   if (error == 0) return process;
-  throw Failure(kTrouble, "no detector can be started: " + std::generic_category().message(error));
+  throw Failure(kTrouble, "cannot start a detector: " + std::generic_category().message(error));
 }
 
 }  // namespace
@@ -77,7 +77,7 @@ DetectorProcess::DetectorProcess(const DetectorKind& kind, const std::string& do
     : kind_(kind), document_(document), stop_(std::move(stop)) {
   std::array<int, 2> ends{};
   if (socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends.data()) != 0) {
-    throw Failure(kTrouble, "no detector can be started: " + std::generic_category().message(errno));
+    throw Failure(kTrouble, "cannot start a detector: " + std::generic_category().message(errno));
   }
   socket_ = ends[0];
   try {
@@ -96,7 +96,7 @@ DetectorProcess::~DetectorProcess() { end(); }
 int DetectorProcess::end() {
   if (socket_ >= 0) close(std::exchange(socket_, -1));
   if (process_ <= 0) return 0;
-  kill(process_, SIGKILL);  // of no effect on one that has died already
+  kill(process_, SIGKILL);  // no effect if it has exited already
   int status = 0;
   waitpid(std::exchange(process_, -1), &status, 0);
   return exit_status(status);
@@ -110,7 +110,7 @@ DetectorProcess::Answer DetectorProcess::process(const cv::Mat& image, const std
 
 DetectorProcess::Answer DetectorProcess::ask(const std::string& text, const unsigned char* pixels,
                                              std::size_t length) {
-  if (process_ <= 0) throw Failure(kTrouble, "the detector is gone");
+  if (process_ <= 0) throw Failure(kTrouble, "the detector has ended");
   Deadline deadline;
   deadline.allow(kind_.patience);
   const auto gives_up = [&] { return stop_.stop_requested() || deadline.passed(); };
@@ -128,12 +128,12 @@ DetectorProcess::Answer DetectorProcess::ask(const std::string& text, const unsi
   return answer;
 }
 
-// Says what became of a process that does not answer.
+// Reports why a process does not answer.
 void DetectorProcess::fail(bool too_late) {
   if (stop_.stop_requested()) throw Failure(kTrouble, "stopped");
   const int status = end();
   if (too_late)
-    throw Failure(kTrouble, "the detector gave no answer for " + seconds_text(kind_.patience) + " s");
+    throw Failure(kTrouble, "no answer from the detector for " + seconds_text(kind_.patience) + " s");
   throw Failure(kTrouble, "the detector failed: " + cause_of("", status, ""));
 }
 

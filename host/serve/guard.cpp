@@ -16,7 +16,7 @@ std::string lower(std::string text) {
   return text;
 }
 
-// Takes the same time wherever the texts differ.
+// Takes the same time wherever the strings differ.
 bool same(const std::string& given, const std::string& secret) {
   unsigned difference = given.size() == secret.size() ? 0 : 1;
   for (std::size_t i = 0; i < secret.size(); ++i) {
@@ -51,16 +51,16 @@ std::optional<Turned> turned_away(const Gate& gate, const Credentials& shown, bo
   const std::string host = lower(shown.host);
   const std::string origin = lower(shown.origin);
   if (gate.token.empty() && !names_this_computer(gate, host)) {
-    return Turned{403, "the request is for the host \"" + shown.host + "\", which this server is not"};
+    return Turned{403, "unexpected Host header \"" + shown.host + "\""};
   }
   if (!origin.empty() && origin != "http://" + host && origin != "https://" + host) {
-    return Turned{403, "the request comes from the page of another server: " + shown.origin};
+    return Turned{403, "cross-origin request refused: " + shown.origin};
   }
   if (!shown.site.empty() && shown.site != "same-origin" && shown.site != "none") {
-    return Turned{403, "the request comes from the page of another server"};
+    return Turned{403, "cross-origin request refused"};
   }
   if (needs_token && !gate.token.empty() && !same(shown.authorization, "Bearer " + gate.token)) {
-    return Turned{401, "the token is missing or wrong: open the address that lightmotion serve printed"};
+    return Turned{401, "missing or wrong token: open the address that lightmotion serve printed"};
   }
   return std::nullopt;
 }
@@ -68,7 +68,7 @@ std::optional<Turned> turned_away(const Gate& gate, const Credentials& shown, bo
 std::string random_token() {
   std::array<unsigned char, 16> bytes{};
   if (getentropy(bytes.data(), bytes.size()) != 0)
-    throw Failure(kTrouble, "the system has no random numbers");
+    throw Failure(kTrouble, "cannot read random numbers from the system");
   std::string text;
   for (const unsigned char byte : bytes) {
     constexpr char kDigits[] = "0123456789abcdef";

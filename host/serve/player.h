@@ -1,4 +1,4 @@
-// Plays a source over and over, with one detector looking at it, or two for comparison.
+// Plays a source in a loop through one detector, or two for comparison.
 #pragma once
 
 #include <chrono>
@@ -15,7 +15,7 @@
 #include "host/events/event_watch.h"
 #include "host/live/back_off.h"
 #include "host/live/live_options.h"
-#include "host/options.h"
+#include "host/run_options.h"
 #include "host/serve/detector_process.h"
 #include "host/serve/event_log.h"
 #include "host/serve/pace.h"
@@ -35,9 +35,9 @@ struct PlayerState {
   std::chrono::microseconds time{0};  // of the picture that is shown
   bool playing = true;
   std::int64_t loop = 1;
-  std::string document;  // the user's text in force
+  std::string document;  // the user's text in effect
   bool comparing = false;
-  std::string problem;       // of the source or the detector; empty when all is well
+  std::string problem;       // of the source or the detector; empty if none
   std::uint64_t number = 1;  // changes whenever the rest may have, but for the time
 };
 
@@ -45,7 +45,7 @@ class Player {
  public:
   using Time = std::chrono::microseconds;
 
-  // Opens the source and starts the detector; throws Failure when that does not work.
+  // Opens the source and starts the detector; throws Failure.
   Player(PlayerPlan plan, const std::string& document);
   ~Player();
   Player(const Player&) = delete;
@@ -56,21 +56,21 @@ class Player {
   void play(bool playing);
   void seek(Time time);  // not for live sources
 
-  // The detector starts anew with this document; if it is refused all stays as it was. Throws Failure.
+  // Restarts the detector with this configuration; nothing changes if it is refused. Throws Failure.
   void apply(const std::string& document);
-  // A second detector looks at the same frames with this document; none for an empty one. Throws Failure.
+  // Runs a second detector with this configuration on the same frames; empty: none. Throws Failure.
   void compare(const std::string& document);
 
   Showcase& showcase() { return showcase_; }
   const EventLog& log() const { return log_; }
 
-  // Has everybody who watches ask for the state anew.
+  // Makes every viewer request the state again.
   void announce();
 
-  // The document as the plug-in is given it. Throws Failure (kRefused).
+  // The completed configuration that the plug-in gets. Throws Failure (kRefused).
   std::string completed(const std::string& document) const;
 
-  // Ends everything at once, whoever waits for a picture included.
+  // Ends everything at once, including waits for a picture.
   void stop();
 
  private:
@@ -111,7 +111,7 @@ class Player {
   void tell(std::string& problem, const std::string& text);
 
   const PlayerPlan plan_;
-  const Options event_options_;  // what makes an event: the defaults
+  const RunOptions event_options_;  // what makes an event: the defaults
   std::stop_source stop_;
 
   mutable std::mutex mutex_;

@@ -17,13 +17,13 @@ namespace {
 using namespace std::chrono_literals;
 using Clock = Pace::Clock;
 
-// The detector looks at so much before the moment that is shown, because it knows nothing at its first frame.
+// Video analysed before the position shown, so that the detector has learned the background.
 constexpr Player::Time kLead = 2s;
 
-// A detector that did well for so many frames has got over what ended the one before it.
+// After this many frames without a failure, a restarted detector counts as recovered.
 constexpr int kManyFrames = 25;
 
-// The span over which frames a second are counted.
+// The span over which frames per second are measured.
 constexpr auto kRateSpan = 2s;
 
 }  // namespace
@@ -40,8 +40,7 @@ void Player::work() {
   }
 }
 
-// While the video rests, nothing happens until somebody wants something. A camera does not rest: only its
-// picture does.
+// A paused file waits for the next request. A camera keeps being read; only its picture is paused.
 Player::Wishes Player::next_wishes() {
   std::unique_lock lock(mutex_);
   if (!state_.playing && !owing_ && !info_.live) {
@@ -54,7 +53,7 @@ Player::Wishes Player::next_wishes() {
 void Player::grant(Wishes wishes) {
   if (!wishes.any()) return;
   const Time here = owing_ ? show_from_ : state().time;
-  const char* why = wishes.seek ? "Another moment was chosen." : "The settings were changed.";
+  const char* why = wishes.seek ? "The playback position was changed." : "The settings were changed.";
   if (wishes.detector) {
     detector_ = std::move(*wishes.detector);
     tell(detector_trouble_, "");
@@ -69,7 +68,7 @@ Player::Time Player::before_the_end(Time time) const {
   return info_.duration ? std::max(Time(0), std::min(time, *info_.duration - interval)) : time;
 }
 
-// Everything starts anew from there, the detectors a little before. A camera goes on from where it is.
+// Restarts from that position, the detectors a little before it. A camera continues.
 void Player::start_at(Time time, const std::string& why) {
   owing_ = true;
   if (!info_.live) {
@@ -103,7 +102,7 @@ void Player::step() {
   if (frame_is_due()) one_frame();
 }
 
-// False when there is nothing to be had from the source now.
+// False when the source cannot be opened now.
 bool Player::open() {
   std::stop_source stop;
   {
@@ -124,7 +123,7 @@ bool Player::open() {
     const std::scoped_lock lock(mutex_);
     state_.source = info_;
   }
-  if (!same) detector_.process.reset();  // it was told another size
+  if (!same) detector_.process.reset();  // it was started for another size
   if (show_from_ > 0s) source_->seek(std::max(Time(0), show_from_ - kLead));
   return true;
 }
@@ -134,7 +133,7 @@ void Player::source_ended() {
   const std::string trouble = source_->trouble();
   const bool wait = info_.live || !heard_;
   if (wait) {
-    tell(away_, trouble.empty() ? "no picture comes from the source" : trouble);
+    tell(away_, trouble.empty() ? "no picture from the source" : trouble);
   } else {
     tell(damage_, trouble);
     count_loop();
@@ -180,7 +179,7 @@ void Player::one_frame() {
 bool Player::started(Detector& detector) {
   try {
     detector = start_detector(state().document);
-    begin_pass("The detector was started anew.");
+    begin_pass("The detector was restarted.");
     return true;
   } catch (const Failure& failure) {
     detector_failed(failure.what());
@@ -267,7 +266,7 @@ double Player::rate() {
   return double(analysed_.size() - 1) / std::chrono::duration<double>(now - analysed_.front()).count();
 }
 
-// With growing pauses, so that nothing is tried in vain all the time; new wishes end the wait.
+// With increasing pauses between attempts; a new request ends the wait.
 void Player::wait_a_while() {
   good_frames_ = 0;
   std::unique_lock lock(mutex_);

@@ -17,6 +17,7 @@
 #include "host/failure.h"
 #include "host/interrupt.h"
 #include "host/live/live_options.h"
+#include "host/number_option.h"
 #include "host/plugin.h"
 #include "host/serve/api.h"
 #include "host/serve/web_server.h"
@@ -31,13 +32,25 @@ namespace {
 
 constexpr int kGlance = 100;  // milliseconds
 
+constexpr const char* kFooter = R"(Examples:
+  lightmotion serve                                  try it on the built-in scene
+  lightmotion serve street.mp4 --config street.json  draw regions, save them to street.json
+  lightmotion serve rtsp://192.168.1.20/main         watch a network camera
+  lightmotion serve street.mp4 --host 0.0.0.0        open the page from other computers
+
+Exit status:
+  0  stopped by Ctrl-C
+  1  the source cannot be opened, or the address cannot be listened on
+  2  invalid command line or configuration, or no usable plug-in
+)";
+
 struct ServeOptions {
   PlayerPlan plan;
   std::string config;
   Gate gate{.port = 8420};
 };
 
-// A file that is not there yet is made when the page saves.
+// A file that does not exist yet is created when the page saves.
 std::string first_document(const std::string& config) {
   std::error_code error;
   if (config.empty() || !std::filesystem::exists(config, error)) return default_document();
@@ -55,7 +68,7 @@ std::unique_ptr<Player> begin(const ServeOptions& options) {
   }
 }
 
-// Ctrl-C is the way to end it, so that is no failure.
+// Ctrl-C is the normal way to end it, so the status is 0.
 int serve(ServeOptions options) {
   av_log_set_level(AV_LOG_QUIET);
   find_plugin(options.plan.detector.plugin, program_folder());
@@ -77,21 +90,23 @@ int serve(ServeOptions options) {
 
 void add_serve_command(CLI::App& app, std::function<int()>& chosen) {
   const auto options = std::make_shared<ServeOptions>();
-  CLI::App* serving = app.add_subcommand("serve", "See and tune the detection in a browser");
+  CLI::App* serving = app.add_subcommand("serve", "Watch and configure detection in a browser");
   const auto add = [serving](const char* name, std::string& value, const char* kind, const char* help) {
     return serving->add_option(name, value, help)->type_name(kind);
   };
   add("SOURCE", options->plan.source, "",
-      "Video file, stream address or camera; without it, the built-in scene");
-  add("-c,--config", options->config, "FILE", "Configuration document to begin with and to save to");
-  add("--host", options->gate.host, "ADDRESS", "Where to be reached (127.0.0.1: from this computer only)");
-  serving->add_option("--port", options->gate.port, "0: any that is free (8420)")
-      ->type_name("N")
-      ->check(CLI::Range(0, 65535));
-  add("--token", options->gate.token, "TEXT",
-      "What has to be known to be let in; made up by itself where others\ncan reach the page");
-  add("--plugin", options->plan.detector.plugin, "PATH", "The plug-in, when it is not in its usual place");
+      "Video file, stream address or camera (/dev/video0); default: the built-in scene");
+  add("-c,--config", options->config, "FILE",
+      "Configuration (JSON) to start with and to save to; need not exist yet");
+  add("--host", options->gate.host, "ADDRESS",
+      "Address to listen on (default 127.0.0.1: this computer only; 0.0.0.0: any computer)");
+  add_number(*serving, {"--port", "N", "Port; 0 picks a free one", {0, 65535, "", true}, "8420"},
+             [options](double port) { options->gate.port = static_cast<int>(port); });
+  add("--token", options->gate.token, "TEXT", "Access token (default: generated when not on loopback)");
+  add("--plugin", options->plan.detector.plugin, "PATH",
+      "The plug-in (default: beside the program, then the library folders)");
   add_live_options(*serving, options->plan.reading);
+  serving->footer(kFooter);
   serving->callback([options, &chosen] { chosen = [options] { return serve(*options); }; });
 
   CLI::App* detecting = app.add_subcommand("detect", "")->group("");

@@ -23,7 +23,7 @@ Frame Still::at(std::chrono::microseconds time) {
   const std::chrono::microseconds end = source_->info().duration.value_or(time);
   if (read_to(std::max(0us, std::min(time, end) - kLastFrames), time, frame)) return frame;
   source_.reset();
-  throw Failure(kTrouble, "the source has no picture at this moment");
+  throw Failure(kTrouble, "the source has no picture at this time");
 }
 
 // The last frame there is from `from` on, but none after the first one at `time`.

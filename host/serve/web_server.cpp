@@ -20,8 +20,8 @@ using httplib::Response;
 using Routing = httplib::Server::HandlerResponse;
 
 constexpr std::size_t kLongestBody = std::size_t{1} << 20;
-constexpr int kSlowest = 5;  // seconds that a client may take for a part of its request
-// Enough for everybody who may wait for pictures, and then for those who ask for something else.
+constexpr int kSlowest = 5;  // timeout for a part of a request, in seconds
+// Enough for all viewers that wait for pictures, and some for other requests.
 constexpr std::size_t kThreads = 2 * Viewers::kMost * Viewers::kMostWaiting;
 
 constexpr const char* kPolicy =
@@ -73,7 +73,7 @@ struct Body {
   bool too_long = false;
 };
 
-// Counted as it is unpacked, since little can be packed into much.
+// The decompressed size is limited, since little can be unpacked into much.
 Body body_of(const httplib::ContentReader& read) {
   Body body;
   body.whole = read([&body](const char* data, std::size_t length) {
@@ -87,11 +87,11 @@ Body body_of(const httplib::ContentReader& read) {
 std::string reason_of(int status) {
   switch (status) {
     case 413:
-      return "what was sent is longer than " + std::to_string(kLongestBody) + " bytes";
+      return "the request body exceeds " + std::to_string(kLongestBody) + " bytes";
     case 414:
-      return "the address is too long";
+      return "the request address is too long";
     default:
-      return "the request cannot be understood";
+      return "malformed request";
   }
 }
 
@@ -100,11 +100,11 @@ void limit(httplib::Server& server) {
   server.set_read_timeout(kSlowest);
   server.set_write_timeout(kSlowest);
   server.set_keep_alive_timeout(1);
-  // One request a connection: the body of one that was turned away can never pass for the next one.
+  // One request per connection: the body of a refused request cannot be read as the next request.
   server.set_keep_alive_max_count(1);
   server.set_tcp_nodelay(true);
   server.new_task_queue = [] { return new httplib::ThreadPool(kThreads); };
-  // Without the library's SO_REUSEPORT, which shares the port with whoever has it already.
+  // Without the library's SO_REUSEPORT, which would share the port with another process.
   server.set_socket_options([](int socket) {
     const int yes = 1;
     setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &yes, sizeof yes);
@@ -122,7 +122,7 @@ void take_address(httplib::Server& server, Gate& gate) {
   if (any) gate.port = server.bind_to_any_port(gate.host);
   if (any ? gate.port > 0 : server.bind_to_port(gate.host, gate.port)) return;
   const std::string cause = errno != 0 ? std::generic_category().message(errno) : "no such address";
-  throw Failure(kTrouble, authority(gate.host, gate.port) + " cannot be served on: " + cause);
+  throw Failure(kTrouble, "cannot listen on " + authority(gate.host, gate.port) + ": " + cause);
 }
 
 }  // namespace
@@ -148,29 +148,29 @@ WebServer::WebServer(Api& api, Gate gate)
     if (response.body.empty()) answer(response, error_reply(response.status, reason_of(response.status)));
   });
   server_->set_exception_handler([](const Request&, Response& response, const std::exception_ptr&) {
-    answer(response, error_reply(500, "the program failed to answer"));
+    answer(response, error_reply(500, "internal error"));
   });
   take_address(*server_, gate_);
 }
 
 WebServer::~WebServer() { stop(); }
 
-// The answer to everything that needs no body; nothing for what does.
+// The answer to requests without a body; none for those with one.
 std::optional<Reply> WebServer::at_once(const Request& request) const {
   const bool data = request.path.starts_with("/api/");
   if (const auto turned = turned_away(gate_, shown_by(request), data)) {
     return error_reply(turned->status, turned->reason);
   }
-  if (!request.ranges.empty()) return error_reply(416, "parts of an answer are not to be had");
+  if (!request.ranges.empty()) return error_reply(416, "range requests are not supported");
   if (request.method == "POST" && api_.posts().count(request.path) != 0) return std::nullopt;
   if (request.method != "GET" && request.method != "HEAD") {
-    return error_reply(405, request.method + " is not for " + request.path);
+    return error_reply(405, request.method + " is not allowed for " + request.path);
   }
   if (const auto get = api_.gets().find(request.path); get != api_.gets().end()) {
     return handled(get->second, query_of(request));
   }
   if (std::optional<Reply> page = page_reply(request.path)) return page;
-  return error_reply(404, "there is nothing at " + request.path);
+  return error_reply(404, "not found: " + request.path);
 }
 
 std::string WebServer::address() const {
@@ -184,7 +184,7 @@ void WebServer::work() {
   working_ = false;
 }
 
-// The library's own stop does nothing while its server is about to begin.
+// The library's stop has no effect while its server is starting.
 void WebServer::stop() {
   stopped_ = true;
   while (working_ && !server_->is_running()) std::this_thread::yield();

@@ -17,7 +17,7 @@
 namespace lm::host {
 namespace {
 
-// The longest document and the largest picture that anybody means.
+// Limits for the configuration and the picture.
 constexpr std::uint64_t kMostText = std::uint64_t{16} << 20;
 constexpr std::uint64_t kMostPixels = std::uint64_t{1} << 30;
 
@@ -40,7 +40,7 @@ class Worker {
  public:
   explicit Worker(std::string path) : path_(std::move(path)) {}
 
-  // Returns the plug-in's result document; throws Failure when it has none to give.
+  // Returns the plug-in's result document; throws Failure if there is none.
   std::string answer(const Question& question) {
     if (!plugin_) plugin_.emplace(find_plugin(path_, program_folder()));
     if (!question.pixels.empty()) return plugin_->process(question.pixels.data(), question.text);
@@ -65,11 +65,11 @@ bool send(int file, bool failed, const std::string& text, std::chrono::steady_cl
   return send_all(file, &answer, sizeof answer) && send_all(file, text.data(), text.size());
 }
 
-// Keeps the socket for the answers: what the plug-in prints goes nowhere.
+// Keeps standard output for the answers: what the plug-in prints is discarded.
 int take_over_standard_streams() {
   const int socket = fcntl(STDIN_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
   const int nowhere = open("/dev/null", O_RDWR | O_CLOEXEC);
-  if (socket < 0 || nowhere < 0) throw Failure(kTrouble, "no file can be opened");
+  if (socket < 0 || nowhere < 0) throw Failure(kTrouble, "cannot open a file");
   for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) dup2(nowhere, stream);
   close(nowhere);
   return socket;
@@ -78,7 +78,7 @@ int take_over_standard_streams() {
 }  // namespace
 
 int work_as_detector(const std::string& plugin) {
-  prctl(PR_SET_PDEATHSIG, SIGKILL);  // a plug-in that hangs would not notice that its server is gone
+  prctl(PR_SET_PDEATHSIG, SIGKILL);  // a hanging plug-in would not notice that its server has exited
   for (const int number : {SIGINT, SIGTERM, SIGHUP}) std::signal(number, SIG_IGN);  // the server ends it
   Worker worker(plugin);
   const int socket = take_over_standard_streams();

@@ -37,19 +37,19 @@ std::string frames_text(std::int64_t frames) {
 }
 
 std::string quiet_text(const Figures& figures, const Marks& marks) {
-  if (marks.quiet.empty()) return "No quiet span is known, so false boxes could not be counted.";
+  if (marks.quiet.empty()) return "No quiet span is known, so false boxes cannot be counted.";
   if (figures.quiet_frames == 0) return "It has no boxes in the quiet spans.";
-  return "No setting that finds motion stays without boxes in the quiet spans; this one has the fewest, in " +
+  return "Every setting that finds motion has boxes in the quiet spans; this one has the fewest, in " +
          frames_text(figures.quiet_frames) + ".";
 }
 
 std::string motion_text(const Figures& figures, const Marks& marks) {
   const std::string spans =
-      std::to_string(figures.found) + " of " + std::to_string(marks.motion.size()) + " spans of motion";
+      std::to_string(figures.found) + " of " + std::to_string(marks.motion.size()) + " motion spans";
   if (marks.motion.empty()) {
-    return "No span of motion is known, so it is the most sensitive setting of which that is true.";
+    return "No motion span is known, so it is the most sensitive setting with this result.";
   }
-  if (figures.found == 0) return "Nothing that was tried finds motion where there should be some.";
+  if (figures.found == 0) return "None of the settings finds motion in the motion spans.";
   return "It finds " + spans + ", with boxes in " + std::to_string(figures.motion_frames) +
          " of their frames.";
 }
@@ -66,7 +66,7 @@ std::string alternative_text(const std::vector<Candidate>& all, const Figures& c
   }
   if (better == nullptr) return "";
   return " Sensitivity " + std::to_string(better->setting.sensitivity) + " would find " +
-         std::to_string(better->figures.found) + ", with boxes in " +
+         std::to_string(better->figures.found) + ", but has boxes in " +
          frames_text(better->figures.quiet_frames) + " of the quiet spans.";
 }
 
@@ -92,15 +92,15 @@ std::size_t choose(const std::vector<Candidate>& all, const Marks& marks) {
 
 std::string why(const std::vector<Candidate>& all, std::size_t chosen, const Marks& marks) {
   if (marks.quiet.empty() && marks.motion.empty()) {
-    return "The sample has neither a quiet second nor one with motion that most settings agree on, so there "
-           "is nothing "
-           "to choose by; mark some with --quiet and --motion.";
+    return "The settings agree on neither a quiet nor a motion span, so there is nothing to choose by; mark "
+           "spans with --quiet and --motion.";
   }
   const Figures& figures = all[chosen].figures;
   std::string text = quiet_text(figures, marks);
   text += ' ' + motion_text(figures, marks) + alternative_text(all, figures);
   if (figures.found > 0)
-    text += " Among the settings that do as well, it is the least sensitive with the largest least box.";
+    text +=
+        " Of the settings with equal results, it is the least sensitive with the largest minimum box size.";
   return text;
 }
 

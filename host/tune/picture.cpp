@@ -77,10 +77,10 @@ class Chart {
     const struct {
       const char* text;
       cv::Scalar colour;
-    } entries[] = {{"boxes in spans of motion", kMotion},
-                   {"boxes in quiet spans: false", kFalse},
+    } entries[] = {{"boxes in motion spans", kMotion},
+                   {"boxes in quiet spans (false)", kFalse},
                    {"boxes elsewhere", kOther},
-                   {"boxes of a change of light", kLight}};
+                   {"boxes of a lighting change", kLight}};
     for (const auto& entry : entries) {
       fill(x, x + 12, 12, 12, entry.colour);
       write(entry.text, x + 18, 23);
@@ -93,7 +93,7 @@ class Chart {
     band("quiet", outcome_.marks.quiet, outcome_.marks.quiet_assumed, 40, kQuiet);
     band("motion", outcome_.marks.motion, outcome_.marks.motion_assumed, 58, kMotion);
     const int y = kHead - 10;
-    write("sens.  lcAdap  least box", 12, y);
+    write("sens.  lcAdap  min. box", 12, y);
     const int right = kLeft + kChart;
     write("frames", right + 60, y - 18);
     write_left_of("quiet", right + 62, y);

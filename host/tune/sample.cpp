@@ -28,9 +28,9 @@ Sample::Sample(std::string name, const Reading& reading, microseconds length, co
     ++frames_;
     length_ = frame.time + interval;
   }
-  if (interrupted() != 0) throw Failure(kTrouble, "stopped before anything was tried");
+  if (interrupted() != 0) throw Failure(kTrouble, "interrupted before any setting was tried");
   if (!more) trouble_ = source->trouble();  // otherwise it was left before its end
-  if (frames_ == 0) throw Failure(kTrouble, info_.name + ": no frames");
+  if (frames_ == 0) throw Failure(kTrouble, info_.name + ": contains no frames");
   info_.live = false;  // from now on a recording, with times of its own
 }
 
@@ -43,9 +43,9 @@ void Sample::keep(const Frame& frame) {
     return;
   }
   if (info_.live) {
-    throw Failure(kRefused, info_.name + ": more than a gigabyte of frames after " +
+    throw Failure(kRefused, info_.name + ": the frames exceed 1 GB after " +
                                 std::to_string(frame.time.count() / 1'000'000) +
-                                " s; --seconds or --fps makes it less, or record it to a file first");
+                                " s; reduce --seconds or --fps, or record to a file first");
   }
   kept_.reset();
 }

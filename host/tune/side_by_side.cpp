@@ -88,7 +88,7 @@ class Child {
     waitpid(process_, &status, 0);
     process_ = -1;
     if (!WIFEXITED(status)) {
-      throw Failure(kTrouble, "the plug-in was ended by signal " + std::to_string(WTERMSIG(status)));
+      throw Failure(kTrouble, "the plug-in was terminated by signal " + std::to_string(WTERMSIG(status)));
     }
     if (WEXITSTATUS(status) != kDone) throw Failure(static_cast<ExitStatus>(WEXITSTATUS(status)), answer_);
     return std::move(answer_);
@@ -96,7 +96,7 @@ class Child {
 
  private:
   [[noreturn]] static void fail() {
-    throw Failure(kTrouble, "no further process: " + std::generic_category().message(errno));
+    throw Failure(kTrouble, "cannot start a process: " + std::generic_category().message(errno));
   }
 
   std::size_t item_;
@@ -127,7 +127,7 @@ std::vector<std::string> side_by_side(std::size_t count, std::size_t jobs,
   std::size_t started = 0;
   std::size_t finished = 0;
   while (finished < count) {
-    if (interrupted() != 0) throw Failure(kTrouble, "stopped before a proposal was found");
+    if (interrupted() != 0) throw Failure(kTrouble, "interrupted before a proposal was found");
     while (started < count && running.size() < std::max<std::size_t>(jobs, 1)) {
       running.emplace_back(started++, work);
     }

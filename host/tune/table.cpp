@@ -107,7 +107,7 @@ std::string table_text(const Outcome& outcome) {
                      "; " + std::to_string(outcome.quiet_frames) +
                      " frames\nmotion, in seconds: " + text_of(marks.motion, marks.motion_assumed) + "; " +
                      std::to_string(outcome.motion_frames) + " frames\n\n";
-  std::vector<Cells> rows{{"", "", "least", "box", "quiet", "", "motion", "", "", "in all", ""},
+  std::vector<Cells> rows{{"", "", "min.", "box", "quiet", "", "motion", "", "", "total", ""},
                           {"sensitivity", "lcAdap", "width", "height", "frames", "events", "frames", "events",
                            "found", "frames", "events"}};
   const std::size_t heads = rows.size();

@@ -59,7 +59,7 @@ Seen try_document(const std::string& path, const std::string& document, const Sc
   if (const std::string refusal = plugin.start(document); !refusal.empty())
     throw Failure(kRefused, "the plug-in refuses " + document + ": " + refusal);
   Seen seen;
-  const Options options;
+  const RunOptions options;
   EventWatch events({options, sample.info(), document});
   events.add(std::make_unique<Recorder>(seen));
   const cv::Size analysed = scale.of(sample.info().size);

@@ -80,7 +80,7 @@ Sample read_sample(const TuneOptions& options) {
     for (const TimeSpan& span : *spans) {
       if (span.from < sample.length()) continue;
       throw Failure(kRefused, std::string(name) + " " + text_of({span}, false) +
-                                  " begins after the sample's end at " + seconds_text(sample.length()) +
+                                  " begins after the end of the sample at " + seconds_text(sample.length()) +
                                   " s");
     }
   }

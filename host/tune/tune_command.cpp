@@ -3,6 +3,7 @@
 #include <CLI/CLI.hpp>
 #include <memory>
 
+#include "host/number_option.h"
 #include "host/tune/tune.h"
 
 namespace lm::host {
@@ -10,14 +11,16 @@ namespace {
 
 constexpr const char* kFooter = R"(Examples:
   lightmotion tune hall.mp4 -o hall.json             settings for this camera
-  lightmotion tune hall.mp4 --quiet 0-20 --motion 31-36 --picture hall.png
-                                                     ... told what is in the sample
   lightmotion tune hall.mp4 --config old.json -o new.json
-                                                     regions as they are in old.json
+                                                     keep the regions of old.json
+  lightmotion tune hall.mp4 --quiet 0-20 --motion 31-36 --picture hall.png
+                                                     mark what the video shows
 
-Exit status: 0 fine; 1 the source could not be read to its end, or an output could
-not be written; 2 wrong use or a configuration that does not fit; 130 stopped by
-Ctrl-C, with nothing written.
+Exit status:
+  0    success
+  1    the source cannot be read to its end, or an output cannot be written
+  2    invalid command line or configuration, or no usable plug-in
+  130  stopped by Ctrl-C; nothing is written
 )";
 
 std::string not_a_span(const std::string& text) {
@@ -42,30 +45,35 @@ void add_spans(CLI::App& command, const char* name, tune::Spans& spans, const ch
 }  // namespace
 
 void add_tune_command(CLI::App& app, std::function<int()>& chosen) {
-  CLI::App* command = app.add_subcommand("tune", "Find settings that suit your own footage");
+  CLI::App* command = app.add_subcommand("tune", "Find settings for your own footage");
   const auto options = std::make_shared<tune::TuneOptions>();
   const auto add = [&](const char* name, std::string& value, const char* kind, const char* help) {
     return command->add_option(name, value, help)->type_name(kind);
   };
-  add("SOURCE", options->source, "", "As for run; the built-in scene when left out");
+  add("SOURCE", options->source, "",
+      "Video file, stream address or camera (/dev/video0); default: the built-in scene");
   add_spans(*command, "--quiet", options->marks.quiet,
-            "Seconds in which nothing moves; may be given several\ntimes, like --motion");
-  add_spans(*command, "--motion", options->marks.motion, "Seconds in which something does");
-  add("-c,--config", options->config, "FILE", "Document to start from: its regions and everything else stay");
-  add("-o,--output", options->output, "FILE", "The proposed document goes here, not to standard output");
-  add("--picture", options->picture, "FILE", "What each setting found when (.png)")
+            "Times in seconds between which nothing moves, such as 0-12.5; can be repeated");
+  add_spans(*command, "--motion", options->marks.motion,
+            "Times in seconds between which something moves; can be repeated");
+  add("-c,--config", options->config, "FILE",
+      "Configuration (JSON) to start from; its regions and other settings are kept");
+  add("-o,--output", options->output, "FILE",
+      "Write the proposed configuration to this file instead of standard output");
+  add("--picture", options->picture, "FILE", "Write a chart of what each setting found, and when (.png)")
       ->check([](const std::string& file) {
         return file.ends_with(".png") ? "" : "must end in .png, not " + file;
       });
-  command->add_flag("--json", options->json, "For programs: one JSON object on standard output");
-  command
-      ->add_option("--seconds", options->seconds, "How much of the source is looked at (60; of a camera 30)")
-      ->type_name("SECONDS")
-      ->check(CLI::Range(1.0, 86400.0));
-  command->add_option("--jobs", options->jobs, "Settings tried at a time (default: the processors)")
-      ->type_name("N")
-      ->check(CLI::Range(1, 4096).description(""));
-  add("--plugin", options->plugin, "PATH", "The plug-in, when it is not in its usual place");
+  command->add_flag("--json", options->json, "Print one JSON object on standard output, for programs");
+  add_number(
+      *command,
+      {"--seconds", "SECONDS", "How much of the source to analyse", {1, 86400, "s"}, "60; 30 of a camera"},
+      [options](double seconds) { options->seconds = seconds; });
+  add_number(*command,
+             {"--jobs", "N", "Settings tried at the same time", {1, 4096, "", true}, "one per processor"},
+             [options](double jobs) { options->jobs = static_cast<int>(jobs); });
+  add("--plugin", options->plugin, "PATH",
+      "The plug-in (default: beside the program, then the library folders)");
   add_live_options(*command, options->live);
   command->footer(kFooter);
   command->callback([options, &chosen] { chosen = [options] { return tune::tune(*options); }; });

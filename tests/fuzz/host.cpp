@@ -30,7 +30,7 @@ namespace {
 using namespace lm::host;
 using std::chrono::microseconds;
 
-// Arguments, one a line.
+// Arguments, one per line.
 void readArguments(const std::string& text) {
   std::vector<std::string> arguments;
   for (std::size_t at = 0; at <= text.size();) {
@@ -39,9 +39,8 @@ void readArguments(const std::string& text) {
     at = end + 1;
   }
   const Command command = parse_command_line(arguments);
-  fuzz::require((command.options.has_value() || command.work) == command.text.empty(),
+  fuzz::require(static_cast<bool>(command.work) == command.text.empty(),
                 "neither something to do nor a text, or both");
-  if (command.options) is_live(command.options->source);
 }
 
 // A configuration document for frames of 640 x 360.

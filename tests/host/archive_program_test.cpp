@@ -104,7 +104,7 @@ TEST_F(Archive, GoesOnAfterFilesThatAreBroken) {
   const Outcome outcome = run("out");
   EXPECT_EQ(outcome.status, 1);
   EXPECT_EQ(program::lines(outcome.errors).size(), 3U) << outcome.errors;
-  EXPECT_NE(outcome.errors.find("/in/sound.mp4: holds no video\n"), std::string::npos) << outcome.errors;
+  EXPECT_NE(outcome.errors.find("/in/sound.mp4: contains no video\n"), std::string::npos) << outcome.errors;
   EXPECT_NE(outcome.output.find("6 files: 3 fine, 1 with trouble, 2 failed;"), std::string::npos)
       << outcome.output;
   const std::string cut = results(folder_ / "out", folder_ / "in/cut.mkv");
@@ -121,7 +121,7 @@ TEST_F(Archive, GoesOnAfterProcessesThatDie) {
   const Outcome outcome = run("out", {"--jobs", "2"});
   EXPECT_EQ(outcome.status, 1);
   EXPECT_NE(outcome.output.find("3 files: 0 fine, 0 with trouble, 3 failed;"), std::string::npos);
-  EXPECT_NE(outcome.errors.find("the process was ended by a signal: Killed"), std::string::npos);
+  EXPECT_NE(outcome.errors.find("the process was terminated by a signal: Killed"), std::string::npos);
   EXPECT_EQ(tree(folder_ / "out").size(), 1U) << "the table and nothing half";
 }
 
@@ -150,7 +150,7 @@ TEST_F(Archive, GivesUpFilesThatTakeTooLong) {
   const Outcome outcome = run("out", {"--file-timeout", "0.5", "--jobs", "3"});
   EXPECT_EQ(outcome.status, 1);
   EXPECT_NE(outcome.output.find("3 files: 0 fine, 0 with trouble, 3 failed;"), std::string::npos);
-  EXPECT_NE(outcome.errors.find("/in/b/clip.mkv: given up after 0.500 s (--file-timeout)\n"),
+  EXPECT_NE(outcome.errors.find("/in/b/clip.mkv: time limit of 0.500 s exceeded (--file-timeout)\n"),
             std::string::npos)
       << outcome.errors;
   EXPECT_EQ(tree(folder_ / "out").size(), 1U) << "the table and nothing half";

@@ -49,12 +49,12 @@ TEST_P(CheckRegion, IsFoundWithItsPlace) {
 
 INSTANTIATE_TEST_SUITE_P(
     Lists, CheckRegion,
-    testing::Values(Case{R"({"roi": []})", "error 1:9 roi", "holds no region"},
-                    Case{R"({"roi": null})", "error 1:9 roi", "holds no region"},
-                    Case{R"({"roi": {"name": "a"}})", "error 1:9 roi", "holds no region"},
-                    Case{R"({"ror": 7})", "warning 1:9 ror", "7 is no list of regions"},
-                    Case{R"({"roi": [3]})", "error 1:10 roi[0]", "3 is no region; the plug-in refuses it"},
-                    Case{R"({"ror": ["a"]})", "error 1:10 ror[0]", "\"a\" is no region"},
+    testing::Values(Case{R"({"roi": []})", "error 1:9 roi", "contains no region"},
+                    Case{R"({"roi": null})", "error 1:9 roi", "contains no region"},
+                    Case{R"({"roi": {"name": "a"}})", "error 1:9 roi", "contains no region"},
+                    Case{R"({"ror": 7})", "warning 1:9 ror", "7 is not a list of regions"},
+                    Case{R"({"roi": [3]})", "error 1:10 roi[0]", "3 is not a region; the plug-in refuses it"},
+                    Case{R"({"ror": ["a"]})", "error 1:10 ror[0]", "\"a\" is not a region"},
                     Case{R"({"ror": [{}]})", "warning 1:10 ror[0]", "no list of points"},
                     Case{R"({"ror": [null]})", "warning 1:10 ror[0]", "no list of points"},
                     Case{R"({"ror": [{"points": []}]})", "warning 1:21 ror[0].points", "has 0 points"},
@@ -65,7 +65,7 @@ INSTANTIATE_TEST_SUITE_P(
     Points, CheckRegion,
     testing::Values(
         Case{R"({"roi": [{"points": [[0, 1], {"x": 0, "y": 1}, {"x": 1, "y": 0}]}]})",
-             "error 1:22 roi[0].points[0]", "[0,1] is no point"},
+             "error 1:22 roi[0].points[0]", "[0,1] is not a point"},
         Case{R"({"roi": [{"points": [{"x": "0"}, {"x": 0, "y": 1}, {"x": 1, "y": 0}]}]})",
              "error 1:22 roi[0].points[0]", "\"y\" is missing"},
         Case{R"({"ror": [{"points": [{"y": "a", "x": 0.5}, {"x": 0, "y": 1}, {"x": 1, "y": 0}]}]})",
@@ -79,9 +79,9 @@ INSTANTIATE_TEST_SUITE_P(
         Case{roi(points({{"320", "0"}, {"1", "1"}, {"0", "1"}})), "warning 1:25 roi[0].points[0].x",
              "far outside the frame"},
         Case{roi(points({{"0", "0"}, {"640", "360"}, {"0", "360"}})), "warning 1:43 roi[0].points[1].x",
-             "far outside the frame, as do 2 others of this region"},
+             "far outside the frame, as are 2 other coordinates of this region"},
         Case{roi(points({{"-0.5", "0"}, {"1", "0"}, {"1", "1"}})), "note 1:25 roi[0].points[0].x",
-             "outside the frame; what reaches beyond it is cut off"}));
+             "outside the frame; the region is clipped to the frame"}));
 
 // The rectangle of `kAll` has two coordinates of -1, of which there is a note.
 INSTANTIATE_TEST_SUITE_P(
@@ -89,11 +89,12 @@ INSTANTIATE_TEST_SUITE_P(
     testing::Values(
         // A bow tie.
         Case{roi(points({{"0", "0"}, {"1", "1"}, {"1", "0"}, {"0", "1"}})), "warning 1:9 roi[0]",
-             "crosses itself, behind points 0 and 2"},
+             "crosses itself, after points 0 and 2"},
         // The edge that closes the outline crosses the one from point 1.
         Case{roi(points({{"0", "0.5"}, {"0.5", "0"}, {"0.5", "1"}, {"1", "0.5"}})), "warning 1:9 roi[0]",
-             "crosses itself, behind points 1 and 3"},
-        Case{roi("\"name\":3," + rectangle("0", "0", "1", "1")), "warning 1:17 roi[0].name", "3 is no text"},
+             "crosses itself, after points 1 and 3"},
+        Case{roi("\"name\":3," + rectangle("0", "0", "1", "1")), "warning 1:17 roi[0].name",
+             "3 is not a string"},
         Case{roi("\"nam\":\"a\"," + rectangle("0", "0", "1", "1")), "warning 1:10 roi[0].nam", "unknown"},
         Case{roi(R"("points":[{"x":"0","y":"0","z":"0"},{"x":"1","y":"0"},{"x":"1","y":"1"}])"),
              "warning 1:37 roi[0].points[0].z", "unknown"}));
@@ -142,7 +143,7 @@ TEST(CheckRegions, OneThatIsHiddenByExclusionsIsNamed) {
       "}],\"ror\":[{" + rectangle("0", "0", "0.2", "1") + "},{" + rectangle("0.2", "0", "0.4", "1") + "}]}";
   const Finding finding = finding_on(check_document(document, kFrame), "roi[1]");
   EXPECT_EQ(finding.severity, Severity::kWarning);
-  EXPECT_EQ(finding.text, "region \"gate\" is hidden: exclusions cover all of it");
+  EXPECT_EQ(finding.text, "region \"gate\" has no effect: exclusion regions cover all of it");
 }
 
 // Its columns are 65 to 192 and its rows 36 to 107; the exclusion's columns are 1 to 191.
@@ -170,7 +171,7 @@ TEST(CheckRegions, AnExclusionWhereNothingIsWatchedIsNoted) {
   const Verdict verdict =
       check_document(roi_and_ror(rectangle("0", "0", "0.5", "1"), rectangle("0.6", "0", "0.8", "1")), kFrame);
   EXPECT_THAT(places_of(verdict), ElementsAre(testing::StartsWith("note 1:")));
-  EXPECT_THAT(finding_on(verdict, "ror[0]").text, HasSubstr("no region is watched there"));
+  EXPECT_THAT(finding_on(verdict, "ror[0]").text, HasSubstr("overlaps no region of interest"));
 }
 
 TEST(CheckRegions, NothingWatchedIsAnError) {
@@ -188,9 +189,9 @@ TEST(CheckRegions, ALeastBoxThatNoBoxInThemCanReachIsAnError) {
   };
   const Finding finding = finding_on(verdict_on(rectangle("0.25", "0.25", "0.75", "0.75")), "minBoxW");
   EXPECT_EQ(finding.severity, Severity::kError);
-  EXPECT_EQ(
-      finding.text,
-      "no box can be large enough: the least is 576 x 324 pixels, what is watched spans 320 x 180 pixels");
+  EXPECT_EQ(finding.text,
+            "no box can be large enough: the minimum box size is 576 x 324 pixels, the watched area spans "
+            "320 x 180 pixels");
   // A box that touches the right border is as wide as the frame, and one side is enough.
   EXPECT_FALSE(verdict_on(rectangle("0.5", "0.25", "1", "0.75")).refused());
 }

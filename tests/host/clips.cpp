@@ -1,10 +1,12 @@
 #include "tests/host/clips.h"
 
 #include <algorithm>
+#include <filesystem>
 #include <stdexcept>
 
 #include "host/av.h"
 #include "host/video_writer.h"
+#include "tests/host/program.h"
 
 namespace clips {
 
@@ -63,6 +65,13 @@ std::vector<Frame> read(lm::host::Source& source) {
 }
 
 std::vector<Frame> read(const std::string& file) { return read(*lm::host::open_source(file)); }
+
+cv::Mat still(const std::string& file) {
+  const program::Folder folder;
+  const std::string ending = std::filesystem::path(file).extension();
+  for (const char* name : {"1", "2"}) std::filesystem::copy_file(file, folder / (name + ending));
+  return read(folder / ("%d" + ending)).at(0).image;
+}
 
 Times times_of(const std::vector<Frame>& frames) {
   Times times;

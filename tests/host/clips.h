@@ -28,6 +28,9 @@ void write_busy(const std::string& file, cv::Size size, int count);
 // Whatever can be read.
 std::vector<lm::host::Frame> read(lm::host::Source& source);
 std::vector<lm::host::Frame> read(const std::string& file);
+// The picture in a file, which is no source by itself.
+cv::Mat still(const std::string& file);
+
 Times times_of(const std::vector<lm::host::Frame>& frames);
 
 // A still image as JPEG bytes; written one after another they are a video of the plainest kind, without

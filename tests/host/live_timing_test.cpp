@@ -135,9 +135,8 @@ TEST(Shedding, SaysHowManyFramesAPeriodLost) {
   Shedding shedding(start);
   EXPECT_EQ(shedding.count(true, start + 10s), "");
   EXPECT_EQ(shedding.count(false, start + 20s), "");
-  EXPECT_EQ(
-      shedding.count(true, start + 30s),
-      "2 of 3 frames dropped in the last 30 s, because analysing them takes longer than they take to come");
+  EXPECT_EQ(shedding.count(true, start + 30s),
+            "2 of 3 frames dropped in the last 30 s, because analysis is slower than the source");
   EXPECT_EQ(shedding.count(true, start + 31s), "") << "a new period";
 }
 

@@ -86,7 +86,7 @@ TEST_F(EncryptedMessageBus, WithoutTheFileOfCertificatesIsRefused) {
   const auto outcome =
       program::run_fake({"-o", "/dev/null", "--mqtt", options("").address, "--mqtt-ca", "/nowhere"});
   EXPECT_EQ(outcome.status, 2);
-  EXPECT_TRUE(outcome.errors.starts_with("lightmotion: message bus: /nowhere: ")) << outcome.errors;
+  EXPECT_TRUE(outcome.errors.starts_with("lightmotion: MQTT: /nowhere: ")) << outcome.errors;
 }
 
 }  // namespace

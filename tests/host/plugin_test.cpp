@@ -57,7 +57,7 @@ TEST(Plugin, NamesAFileThatCannotBeLoaded) {
 TEST(Plugin, NamesTheEntryPointThatALibraryLacks) {
   const std::string text = refusal([] { Plugin plugin("/lib/x86_64-linux-gnu/libm.so.6"); });
   EXPECT_EQ(text,
-            "/lib/x86_64-linux-gnu/libm.so.6: not a plug-in for this program: it has no initialization");
+            "/lib/x86_64-linux-gnu/libm.so.6: not a lightmotion plug-in: it has no function initialization");
 }
 
 TEST(Plugin, GivesTheResultOfEachFrame) {

@@ -10,6 +10,7 @@
 #include "host/document.h"
 #include "host/options.h"
 #include "tests/host/program.h"
+#include "tests/host/run_line.h"
 
 namespace {
 
@@ -65,9 +66,7 @@ TEST(Presets, OfTheStreetIsWhatRunsWithoutAConfiguration) {
 }
 
 TEST(Presets, AreNamedOnTheCommandLine) {
-  const Command command = parse_command_line({"run", "--preset", "night"});
-  ASSERT_TRUE(command.options);
-  EXPECT_EQ(command.options->preset, "night");
+  EXPECT_EQ(program::run_line({"--preset", "night"}).preset, "night");
 }
 
 TEST(Presets, ThatAreUnknownAreRefusedWithThoseThereAre) {
@@ -117,8 +116,7 @@ TEST(PresetsProgram, RunsWithADocumentAsIfItWereAConfiguration) {
 }
 
 TEST(PresetsArchive, CountForWhatIsDoneAlready) {
-  const Options options =
-      *parse_command_line({"run", "a.avi", "--out", "results", "--preset", "night"}).options;
+  const RunOptions options = program::run_line({"a.avi", "--out", "results", "--preset", "night"});
   EXPECT_EQ(options.archive.passed_on, std::vector<std::string>{"--preset=night"});
 }
 

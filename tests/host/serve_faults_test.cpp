@@ -31,7 +31,7 @@ serve::Setup with_fake(const char* behaviour) {
 TEST(ServeDetector, ThatDiesIsReportedUntilAnotherDocumentHelps) {
   Page page(with_fake("frame dies"));
   const Json::Value state = page.state_with(kProblem);
-  EXPECT_EQ(state["problem"], "the detector failed: the process was ended by a signal: Killed");
+  EXPECT_EQ(state["problem"], "the detector failed: the process was terminated by a signal: Killed");
   EXPECT_EQ(page.post("/api/apply", fake("well")).status, 200);
   EXPECT_FALSE(page.state_with(kNoProblem).isNull());
   EXPECT_FALSE(page.picture_with([](const Json::Value& one) { return !one["boxes"].empty(); }).isNull());
@@ -39,7 +39,7 @@ TEST(ServeDetector, ThatDiesIsReportedUntilAnotherDocumentHelps) {
 
 TEST(ServeDetector, ThatHangsIsGivenUp) {
   Page page(with_fake("frame waits"));
-  EXPECT_EQ(page.state_with(kProblem)["problem"], "the detector gave no answer for 0.500 s");
+  EXPECT_EQ(page.state_with(kProblem)["problem"], "no answer from the detector for 0.500 s");
 }
 
 TEST(ServeDetector, ThatThrowsIsReported) {

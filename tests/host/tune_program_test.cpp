@@ -39,7 +39,7 @@ TEST(TuneProgram, KeepsQuietWhatIsQuietAndFindsThePeople) {
                                             folder / "own.json", "--picture", folder / "p.png"});
   EXPECT_EQ(outcome.status, 0) << outcome.errors;
   EXPECT_EQ(outcome.output, "");
-  EXPECT_NE(outcome.errors.find("no boxes in the quiet spans. It finds 1 of 1 spans of motion"),
+  EXPECT_NE(outcome.errors.find("no boxes in the quiet spans. It finds 1 of 1 motion spans"),
             std::string::npos)
       << outcome.errors;
   EXPECT_TRUE(program::read(folder / "p.png").starts_with("\x89PNG"));

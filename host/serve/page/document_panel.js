@@ -38,12 +38,12 @@ export class DocumentPanel {
     if (this.#area.value !== text) this.#area.value = text;
     const list = findingsList(findings, (line) => this.#goTo(line));
     find("document-findings").replaceChildren(
-      list ?? element("p", { class: "small" }, fault ? "" : "Nothing to remark."),
+      list ?? element("p", { class: "small" }, fault ? "" : "No findings."),
     );
     find("progress").textContent = {
-      applied: "In force",
-      checking: "Being applied…",
-      refused: "Not applied: the document has a mistake",
+      applied: "Applied",
+      checking: "Applying…",
+      refused: "Not applied: the configuration has an error",
       unreachable: "Not applied: the program cannot be reached",
     }[progress];
     find("progress").className = progress;
@@ -67,7 +67,7 @@ export class DocumentPanel {
       const { file, backup } = await save(text);
       this.#saved = true;
       this.#savedText = text;
-      this.#tell(backup ? `Saved. The one before is kept as ${backup}.` : `Saved as ${file}.`, text);
+      this.#tell(backup ? `Saved. The previous version is kept as ${backup}.` : `Saved as ${file}.`, text);
       say(find("saved").textContent);
     } catch (problem) {
       this.#tell(`Not saved: ${problem.status ? problem.message : "the program cannot be reached"}`, text);

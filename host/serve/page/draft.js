@@ -49,7 +49,7 @@ export class Draft extends EventTarget {
     this.#step(this.#done, this.#undone, "Undone");
   }
   redo() {
-    this.#step(this.#undone, this.#done, "Done again");
+    this.#step(this.#undone, this.#done, "Redone");
   }
   endMerge() {
     this.#mergeKey = null;

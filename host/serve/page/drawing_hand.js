@@ -21,7 +21,7 @@ export class DrawingHand {
   start(kind) {
     this.#editor.select(null);
     this.drawn = { kind, points: [], end: null };
-    find("drawing-text").textContent = `Click the corners of what is to be ${kinds[kind].word}, or drag a rectangle.`;
+    find("drawing-text").textContent = `Click the corners of the area to be ${kinds[kind].word}, or drag a rectangle.`;
     this.#show();
     find("overlay").scrollIntoView({ block: "nearest" });
     say(`Drawing. Click corners on the picture. Enter finishes, Escape cancels.`);

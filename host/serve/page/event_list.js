@@ -1,7 +1,7 @@
 // The events that were found, newest first; each leads to its moment.
 import { clock, element, find, percent } from "./dom.js";
 
-const words = { motion: "Motion", light: "Change of light" };
+const words = { motion: "Motion", light: "Lighting change" };
 const keyOf = ({ id, start }) => `${id} ${start}`; // a program that was started anew counts anew
 const setText = (node, text) => node.textContent !== text && (node.textContent = text);
 

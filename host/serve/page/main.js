@@ -40,16 +40,16 @@ function tell(text) {
 }
 
 const reasons = {
-  401: "The program asks for a token. Open the whole address that lightmotion serve printed, with what follows the #.",
-  403: "The program refuses this page.",
-  503: "Too many windows look at this program already. This one goes on trying.",
+  401: "A token is required. Open the full address that lightmotion serve printed, including the part after #.",
+  403: "The program refused the request.",
+  503: "Too many windows are open. This one keeps trying.",
 };
 
 function showProblem(problem) {
   const reason = reasons[problem.status];
   if (reason) tell(problem.status === 403 ? `${reason} ${problem.message}` : reason);
-  else if (problem.status) tell(`The program answers: ${problem.message}`);
-  else tell("The connection to the program is lost. Trying to get it back…");
+  else if (problem.status) tell(`The program reports: ${problem.message}`);
+  else tell("Connection to the program lost. Reconnecting…");
 }
 
 // ---- what comes from the program ----------------------------------------------------------------------------
@@ -60,7 +60,7 @@ feed.addEventListener("lost", ({ detail }) => {
 });
 feed.addEventListener("found", () => {
   document.body.classList.remove("lost");
-  say("The connection is back.");
+  say("Reconnected.");
   draft.retry();
 });
 
@@ -73,7 +73,7 @@ feed.addEventListener("state", ({ detail }) => {
   find("source-name").title = name;
   find("source-about").textContent = [
     width && `${width} × ${height}`,
-    rate && `${Number(rate.toFixed(2))} frames a second`,
+    rate && `${Number(rate.toFixed(2))} frames per second`,
     live ? "live" : "file, looped",
   ]
     .filter(Boolean)

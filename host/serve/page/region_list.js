@@ -9,7 +9,7 @@ const nearlyAll = 0.995;
 function remarkOn(region, regions) {
   const others = regions.some((other) => other !== region && other.kind === region.kind);
   if (region.kind === "roi" && others && coverage(region) > nearlyAll) {
-    return "It covers the whole picture, so the other watched regions change nothing. Delete it to watch only them.";
+    return "It covers the whole picture, so the other watched regions have no effect. Delete it to watch only them.";
   }
   return "";
 }
@@ -43,7 +43,7 @@ export class RegionList {
       ? regions.length
         ? "Everything outside the ignored regions is watched."
         : "No regions: the whole picture is watched."
-      : "Only what lies in a watched region counts; ignored regions win.";
+      : "Only motion in a watched region counts; ignored regions take precedence.";
     const onLists = this.#draft.findings.filter(({ key }) => key in kinds);
     find("region-findings").replaceChildren(...[findingsList(onLists)].filter(Boolean));
     this.#showList(regions);

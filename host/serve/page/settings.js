@@ -13,29 +13,29 @@ export const settings = [
   {
     key: "sensitivity",
     title: "Sensitivity",
-    about: "How little a pixel has to change to count. Higher finds faint and distant things, and more noise.",
-    ends: ["calm", "keen"],
+    about: "How small a change of a pixel is detected. Higher finds faint and distant objects, but also more noise.",
+    ends: ["low", "high"],
     slider: { min: 1, max: 5, step: 1, unset: 3 },
     text: (value) => (value === "-1" ? "automatic" : value),
     effect: ({ thrMatch, thrHeuris }) =>
-      `A pixel counts when it differs by more than ${greyLevels(thrMatch)} from what was seen there before and has just changed by ${thrHeuris}.`,
-    extra: { value: "-1", label: "Automatic: keen, and adapts the smallest size to what is seen" },
+      `A pixel counts when it differs by more than ${greyLevels(thrMatch)} from the background there and has just changed by ${thrHeuris}.`,
+    extra: { value: "-1", label: "Automatic: level 5, adapts the minimum size to the video" },
   },
   {
     key: "lcAdap",
-    title: "Following the light",
+    title: "Adaptation to lighting changes",
     about:
-      "How small a change of light is taken up at once instead of being reported. Higher forgives lamps and clouds sooner.",
-    ends: ["slow", "quick"],
+      "How small a lighting change is absorbed at once instead of being reported. Higher ignores lamps and clouds sooner.",
+    ends: ["slow", "fast"],
     slider: { min: 1, max: 5, step: 1, unset: 4 },
     text: (value) => value,
-    effect: ({ thrIllum }) => `Changes from ${greyLevels(thrIllum)} on are followed.`,
+    effect: ({ thrIllum }) => `Lighting changes above ${greyLevels(thrIllum)} are absorbed.`,
   },
   {
     key: "minBoxW",
-    title: "Smallest width",
+    title: "Minimum width",
     about:
-      "Boxes that are both narrower and lower than this are dropped. The picture shows the size while you change it.",
+      "Boxes below both minimums are dropped. The picture shows the size while you change it.",
     ends: ["tiny", "large"],
     slider: { min: 3, max: 80, step: 1, unset: toPlace(0.05), toPlace, fromPlace: toFraction },
     text: (value) => percent(value, 1),
@@ -44,7 +44,7 @@ export const settings = [
   },
   {
     key: "minBoxH",
-    title: "Smallest height",
+    title: "Minimum height",
     about: "The same for the height.",
     ends: ["tiny", "large"],
     slider: { min: 3, max: 80, step: 1, unset: toPlace(0.05), toPlace, fromPlace: toFraction },
@@ -54,10 +54,10 @@ export const settings = [
   },
   {
     key: "lifeStatic",
-    title: "Things that stand still",
-    about: "A parked car or a bag that was put down belongs to the background after a while.",
+    title: "Still objects",
+    about: "When a parked car or a bag that was put down becomes background.",
     choices: [
-      { value: null, label: "after 3 seconds, as usual" },
+      { value: null, label: "after 3 seconds (default)" },
       { value: "0", label: "at once" },
     ],
     text: (value) => value,
@@ -178,7 +178,7 @@ export class Settings {
     const { fault, findings, effective } = this.#draft;
     control.disabled = Boolean(fault);
     row.reset.hidden = value === null || Boolean(fault);
-    row.value.textContent = value === null ? "not set: the default" : setting.text(value);
+    row.value.textContent = value === null ? "default" : setting.text(value);
     if (setting.slider) {
       const { unset, toPlace: place = Number } = setting.slider;
       const shown =
