@@ -2,20 +2,19 @@
 
 #include <unistd.h>
 
-#include <cerrno>
 #include <chrono>
 #include <cmath>
 #include <cstdio>
 #include <memory>
 #include <optional>
 #include <stdexcept>
-#include <system_error>
 
 #include "host/annotator.h"
 #include "host/archive/record.h"
 #include "host/check/before_run.h"
 #include "host/document.h"
 #include "host/events/event_watch.h"
+#include "host/events/regions.h"
 #include "host/interrupt.h"
 #include "host/line_sink.h"
 #include "host/notice.h"
@@ -28,6 +27,7 @@
 #include "host/summary.h"
 #include "host/time_text.h"
 #include "host/timestamp.h"
+#include "host/whole_file.h"
 
 extern "C" {
 #include <libavutil/log.h>
@@ -38,25 +38,13 @@ namespace {
 
 using std::chrono::microseconds;
 
-std::string read_file(const std::string& path) {
-  const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(path.c_str(), "re"), &std::fclose);
-  std::string text;
-  char piece[4096];
-  std::size_t length = 0;
-  while (file && (length = std::fread(piece, 1, sizeof piece, file.get())) > 0) text.append(piece, length);
-  if (!file || std::ferror(file.get()) != 0) {
-    throw Failure(kRefused, path + ": " + std::generic_category().message(errno));
-  }
-  return text;
-}
-
 struct Asked {
   std::string name;  // for messages
   std::string text;
 };
 
 Asked asked_document(const Options& options) {
-  if (!options.config.empty()) return {options.config, read_file(options.config)};
+  if (!options.config.empty()) return {options.config, required_text(options.config)};
   if (options.preset.empty()) return {"the built-in configuration", default_document()};
   return {"the preset " + options.preset, find_preset(options.preset)->document};
 }
@@ -88,6 +76,7 @@ class Run {
         plugin_(plugin),
         document_(document),
         analysed_(options.live.scale.of(source.info().size)),
+        regions_(document),
         lines_(options.results),
         events_({options, source.info(), document}),
         progress_(options.progress.value_or(options.quiet ? ProgressMode::kNone : ProgressMode::kBar)),
@@ -145,13 +134,20 @@ class Run {
     lines_.write(note_line(frame.note, frame.number, frame.time));
   }
 
+  std::vector<ReportedBox> with_regions(const std::vector<cv::Rect2d>& boxes) const {
+    std::vector<ReportedBox> reported;
+    for (const cv::Rect2d& box : boxes) regions_.touched(box, reported.emplace_back(box).regions);
+    return reported;
+  }
+
   void one_frame(Frame& frame) {
     tell_note(frame);
     const std::string document = process(frame);
     const std::vector<cv::Rect2d> boxes = boxes_of(document);
     if (!boxes.empty()) {
       if (shares_terminal_) progress_.clear();
-      lines_.write(result_line(document, frame.number, frame.time));
+      lines_.write(
+          result_line(frame.number, frame.time, with_regions(boxes), timestamp(source_.info(), frame)));
       ++figures_.frames_with_motion;
     }
     events_.frame(frame, frame.number, boxes);
@@ -165,6 +161,7 @@ class Run {
   Plugin& plugin_;
   const std::string& document_;
   const cv::Size analysed_;
+  const Regions regions_;
   LineSink lines_;
   EventWatch events_;
   std::optional<Annotator> video_;
