@@ -46,7 +46,7 @@ Json::Value event_value(const Event& event) {
   value["first_frame"] = Json::Int64(event.first_frame);
   value["last_frame"] = Json::Int64(event.last_frame);
   value["peak_frame"] = Json::Int64(event.peak_frame);
-  value["frames"] = Json::Int64(event.frames);
+  value["frames_with_boxes"] = Json::Int64(event.frames);
   value["most_boxes"] = Json::UInt64(event.most_boxes);
   value["peak_share"] = event.peak_share;
   value["envelope"] = box_value(event.envelope);

@@ -29,7 +29,7 @@ constexpr Column kColumns[] = {
     {"first_frame"},
     {"last_frame"},
     {"peak_frame"},
-    {"frames"},
+    {"frames_with_boxes"},
     {"most_boxes"},
     {"peak_share"},
     {"x", "envelope"},
@@ -51,12 +51,12 @@ constexpr Column kColumns[] = {
 };
 
 std::string heading(const Column& column) {
-  return (column.within != nullptr ? column.within + std::string("_") : "") + column.key;
+  return column.within == nullptr ? column.key : std::string(column.within).append("_").append(column.key);
 }
 
 std::string joined(const Json::Value& names) {
   std::string text;
-  for (const Json::Value& name : names) text += (text.empty() ? "" : ";") + name.asString();
+  for (const Json::Value& name : names) text.append(text.empty() ? "" : ";").append(name.asString());
   return text;
 }
 

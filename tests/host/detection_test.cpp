@@ -34,7 +34,8 @@ void copy(Source& source, int count, cv::Size size, const std::string& file) {
 bool covered(const std::string& line, cv::Point2d place) {
   const Json::Value boxes = parse_json(line)["boxes"];
   return std::any_of(boxes.begin(), boxes.end(), [&](const Json::Value& box) {
-    return cv::Rect2d(box["x"].asDouble(), box["y"].asDouble(), box["width"].asDouble(), box["height"].asDouble())
+    return cv::Rect2d(box["x"].asDouble(), box["y"].asDouble(), box["width"].asDouble(),
+                      box["height"].asDouble())
         .contains(place);
   });
 }

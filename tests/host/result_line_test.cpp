@@ -8,10 +8,11 @@ using namespace lm::host;
 using namespace std::chrono_literals;
 
 TEST(ResultLine, HasTheFrameItsTimeAndItsBoxes) {
-  EXPECT_EQ(result_line(7, 280ms, {{{0.1, 0.25, 1.0 / 3, 0.5}, {"door", "a \"b\""}}, {{0, 0, 1, 1}}}, "281"),
-            R"({"frame":7,"time":0.280,"boxes":[)"
-            R"({"x":0.100000,"y":0.250000,"width":0.333333,"height":0.500000,"regions":["door","a \"b\""]},)"
-            R"({"x":0.000000,"y":0.000000,"width":1.000000,"height":1.000000,"regions":[]}],"timestamp":"281"})");
+  EXPECT_EQ(
+      result_line(7, 280ms, {{{0.1, 0.25, 1.0 / 3, 0.5}, {"door", "a \"b\""}}, {{0, 0, 1, 1}}}, "281"),
+      R"({"frame":7,"time":0.280,"boxes":[)"
+      R"({"x":0.100000,"y":0.250000,"width":0.333333,"height":0.500000,"regions":["door","a \"b\""]},)"
+      R"({"x":0.000000,"y":0.000000,"width":1.000000,"height":1.000000,"regions":[]}],"timestamp":"281"})");
 }
 
 TEST(ResultLine, RoundsTheTimeToThousandths) {

@@ -197,12 +197,13 @@ TEST(ServeCompare, ShowsTheSameMomentsWithTheOtherDocument) {
   Page page;
   page.post("/api/play", R"({"playing":false,"time":6})");
   const std::string huge = R"({"minBoxW":"1","minBoxH":"1"})";
-  EXPECT_EQ(
-      page.post("/api/compare", Json::valueToQuotedString(huge.c_str()).insert(0, "{\"configuration\":") + "}")
-          .status,
-      200);
+  EXPECT_EQ(page.post("/api/compare",
+                      Json::valueToQuotedString(huge.c_str()).insert(0, "{\"configuration\":") + "}")
+                .status,
+            200);
   EXPECT_EQ(page.state()["comparing"], true);
-  const Json::Value about = page.picture_with([](const Json::Value& one) { return one.isMember("baseline"); });
+  const Json::Value about =
+      page.picture_with([](const Json::Value& one) { return one.isMember("baseline"); });
   EXPECT_TRUE(has_boxes(about));
   EXPECT_TRUE(about["baseline"]["boxes"].empty()) << "no box is as large as the frame";
   EXPECT_EQ(page.post("/api/compare", R"({"configuration":null})").status, 200);

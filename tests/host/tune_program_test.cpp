@@ -79,7 +79,8 @@ TEST(TuneProgram, FindsTheSpansItselfAndCountsForEachSettingWhatARunWithItFinds)
         with_small_scene({"run", "--quiet", "--config", folder / "c.json", "--events", folder / "e.json"});
     const auto lines = program::lines(run.output);
     EXPECT_EQ(trial["frames_with_boxes"].asUInt64(), lines.size()) << trial;
-    EXPECT_EQ(trial["event_count"].asUInt(), parsed(program::read(folder / "e.json"))["events"].size()) << trial;
+    EXPECT_EQ(trial["event_count"].asUInt(), parsed(program::read(folder / "e.json"))["events"].size())
+        << trial;
     for (const char* kind : {"quiet", "motion"}) {
       std::int64_t frames = 0;
       for (const Json::Value& span : root[kind]["spans"]) frames += frames_between(lines, span);

@@ -10,8 +10,8 @@
 //   frame throws  the fifth frame throws
 //   frame dies    ... ends the process
 //   frame waits   ... waits for a signal
-// It reports one box on every frame but the first and every tenth. Where the environment names a file LIGHTMOTION_FAKE_CONFIGURATION, the document
-// goes there.
+// It reports one box on every frame but the first and every tenth. Where the environment names a file
+// LIGHTMOTION_FAKE_CONFIGURATION, the document goes there.
 #include <json/json.h>
 #include <unistd.h>
 
@@ -61,10 +61,12 @@ int frameProc(const unsigned char* frame, const char* timestamp, int* resultLen)
   if (behaviour == "frame throws" && frames == 4) throw std::out_of_range("stoll");
   result.clear();
   if (frames % 10 != 0) {
-    const std::string height = behaviour == "pixel" ? std::to_string(frame[0] / 256.0) : "0.30000001192092896";
-    const std::string place = behaviour == "border" ? R"("width":1,"x":0.9,"y":0.75)" : R"("width":0.1,"x":0.5,"y":0.25)";
-    result = R"({"object":[{"height":)" + height + R"(,"inRoi":[],)" + place + R"(}],"timestamp":")" + timestamp +
-             "\"}\n";
+    const std::string height =
+        behaviour == "pixel" ? std::to_string(frame[0] / 256.0) : "0.30000001192092896";
+    const std::string place =
+        behaviour == "border" ? R"("width":1,"x":0.9,"y":0.75)" : R"("width":0.1,"x":0.5,"y":0.25)";
+    result = R"({"object":[{"height":)" + height + R"(,"inRoi":[],)" + place + R"(}],"timestamp":")" +
+             timestamp + "\"}\n";
   }
   ++frames;
   *resultLen = static_cast<int>(result.size());
