@@ -7,6 +7,7 @@
 #include <memory>
 #include <stdexcept>
 
+#include "host/json_text.h"
 #include "host/presets/presets.h"
 
 namespace lm::host {
@@ -95,9 +96,7 @@ std::string complete_document(const std::string& text, cv::Size frame) {
   settle_size(document, "frmH", size.height, !frame.empty());
   settle_size(document, "frmChn", 3);
   if (!document.isMember("roi")) document["roi"] = whole_frame();
-  Json::StreamWriterBuilder compact;
-  compact["indentation"] = "";
-  return Json::writeString(compact, document);
+  return verbatim_json(document);
 }
 
 }  // namespace lm::host

@@ -1,9 +1,6 @@
 #include "host/line_sink.h"
 
 #include <cerrno>
-#include <system_error>
-
-#include "host/failure.h"
 
 namespace lm::host {
 
@@ -34,10 +31,6 @@ void LineSink::commit() {
   if (pending_) pending_->commit();
 }
 
-void LineSink::fail() const {
-  const std::string cause = errno != 0 ? std::generic_category().message(errno) : "write error";
-  throw Failure(kTrouble,
-                (pending_ ? pending_->target() : "standard output") + " cannot be written: " + cause);
-}
+void LineSink::fail() const { cannot_write(pending_ ? pending_->target() : "standard output", errno); }
 
 }  // namespace lm::host

@@ -18,8 +18,6 @@ namespace fs = std::filesystem;
   throw Failure(kTrouble, target + " cannot be written: " + error.message());
 }
 
-std::error_code last_error() { return {errno, std::generic_category()}; }
-
 // Creates an empty file of a new name beside `target`.
 std::string create_beside(const fs::path& target) {
   for (int number = 0;; ++number) {
@@ -32,11 +30,16 @@ std::string create_beside(const fs::path& target) {
       close(file);
       return path.string();
     }
-    if (errno != EEXIST) fail(target.string(), last_error());
+    if (errno != EEXIST) cannot_write(target.string(), errno);
   }
 }
 
 }  // namespace
+
+void cannot_write(const std::string& target, int error) {
+  throw Failure(kTrouble, target + " cannot be written: " +
+                              (error != 0 ? std::generic_category().message(error) : "write error"));
+}
 
 PendingFile::PendingFile(const std::string& target) : target_(target), final_path_(target) {
   std::error_code error;

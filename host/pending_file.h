@@ -5,6 +5,10 @@
 
 namespace lm::host {
 
+// Throws Failure (kTrouble): the output `target` and the cause, which is `error` (errno) or, for 0, not
+// known.
+[[noreturn]] void cannot_write(const std::string& target, int error);
+
 // Reserves a hidden temporary name beside `target`. Whoever writes there commits at the end; without that the
 // destructor removes what was written, and a file that was at `target` before stays as it was.
 // A target that exists and is no ordinary file (a pipe, /dev/null) is written to directly.

@@ -9,6 +9,7 @@
 #include <cstdlib>
 #include <string_view>
 
+#include "host/json_text.h"
 #include "host/notice.h"
 #include "host/time_text.h"
 
@@ -86,15 +87,15 @@ std::string render_progress(int width, const ProgressState& state) {
 }
 
 std::string progress_line(const ProgressState& state, bool done) {
-  const auto left = done ? std::nullopt : time_left(state);
-  std::string line = "{\"frames\":" + std::to_string(state.frames) + ",\"time\":" + seconds_text(state.time);
-  if (state.duration) line += ",\"duration\":" + seconds_text(*state.duration);
-  if (left) line += ",\"left\":" + seconds_text(*left);
-  // Tenths, without the decimal comma that some locales have.
-  const long long tenths = std::llround(state.rate * 10);
-  line += ",\"fps\":" + std::to_string(tenths / 10) + "." + std::to_string(tenths % 10);
-  line += ",\"events\":" + std::to_string(state.events);
-  return line + (done ? ",\"done\":true}" : "}");
+  Json::Value line;
+  line["frames"] = Json::Int64(state.frames);
+  line["length"] = seconds_number(state.time);
+  if (state.duration) line["duration"] = seconds_number(*state.duration);
+  if (const auto left = done ? std::nullopt : time_left(state)) line["eta"] = seconds_number(*left);
+  line["fps"] = state.rate;
+  line["event_count"] = Json::Int64(state.events);
+  if (done) line["done"] = true;
+  return json_text(line);
 }
 
 std::optional<ProgressMode> progress_mode(const std::string& word) {

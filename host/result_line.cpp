@@ -1,7 +1,9 @@
 #include "host/result_line.h"
 
 #include <optional>
+#include <utility>
 
+#include "host/box_json.h"
 #include "host/json_text.h"
 #include "host/time_text.h"
 
@@ -13,24 +15,38 @@ std::optional<cv::Rect2d> box_of(const Json::Value& object) {
   for (const char* key : {"x", "y", "width", "height"}) {
     if (!object[key].isNumeric()) return std::nullopt;
   }
-  return cv::Rect2d(object["x"].asDouble(), object["y"].asDouble(), object["width"].asDouble(),
-                    object["height"].asDouble());
+  const cv::Rect2d box(object["x"].asDouble(), object["y"].asDouble(), object["width"].asDouble(),
+                       object["height"].asDouble());
+  const cv::Rect2d inside = box & cv::Rect2d(0, 0, 1, 1);
+  return inside.empty() ? std::nullopt : std::optional(inside);
+}
+
+Json::Value line_of_frame(std::int64_t frame, std::chrono::microseconds time) {
+  Json::Value line;
+  line["frame"] = Json::Int64(frame);
+  line["time"] = seconds_number(time);
+  return line;
 }
 
 }  // namespace
 
-std::string result_line(const std::string& document, std::int64_t frame, std::chrono::microseconds time) {
-  std::string line = document;
-  std::erase_if(line, [](char c) { return c == '\n' || c == '\r'; });
-  const std::size_t inside = line.find('{') + 1;
-  const bool has_members = line.find_first_not_of(" \t", inside) != line.find_last_of('}');
-  line.insert(inside, "\"frame\":" + std::to_string(frame) + ",\"time\":" + seconds_text(time) +
-                          (has_members ? "," : ""));
-  return line;
+std::string result_line(std::int64_t frame, std::chrono::microseconds time,
+                        const std::vector<ReportedBox>& boxes, const std::string& timestamp) {
+  Json::Value line = line_of_frame(frame, time);
+  for (const ReportedBox& reported : boxes) {
+    Json::Value box = box_value(reported.box);
+    box["regions"] = Json::arrayValue;
+    for (const std::string& name : reported.regions) box["regions"].append(name);
+    line["boxes"].append(std::move(box));
+  }
+  line["timestamp"] = timestamp;
+  return json_text(line);
 }
 
 std::string note_line(const std::string& note, std::int64_t frame, std::chrono::microseconds time) {
-  return result_line("{\"note\":" + Json::valueToQuotedString(note.c_str()) + "}", frame, time);
+  Json::Value line = line_of_frame(frame, time);
+  line["note"] = note;
+  return json_text(line);
 }
 
 std::vector<cv::Rect2d> boxes_of(const std::string& document) {

@@ -2,20 +2,19 @@
 
 #include <unistd.h>
 
-#include <cerrno>
 #include <chrono>
 #include <cmath>
 #include <cstdio>
 #include <memory>
 #include <optional>
 #include <stdexcept>
-#include <system_error>
 
 #include "host/annotator.h"
 #include "host/archive/record.h"
 #include "host/check/before_run.h"
 #include "host/document.h"
 #include "host/events/event_watch.h"
+#include "host/events/regions.h"
 #include "host/failure.h"
 #include "host/interrupt.h"
 #include "host/line_sink.h"
@@ -29,6 +28,7 @@
 #include "host/summary.h"
 #include "host/time_text.h"
 #include "host/timestamp.h"
+#include "host/whole_file.h"
 
 extern "C" {
 #include <libavutil/log.h>
@@ -39,25 +39,13 @@ namespace {
 
 using std::chrono::microseconds;
 
-std::string read_file(const std::string& path) {
-  const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(path.c_str(), "re"), &std::fclose);
-  std::string text;
-  char piece[4096];
-  std::size_t length = 0;
-  while (file && (length = std::fread(piece, 1, sizeof piece, file.get())) > 0) text.append(piece, length);
-  if (!file || std::ferror(file.get()) != 0) {
-    throw Failure(kRefused, path + ": " + std::generic_category().message(errno));
-  }
-  return text;
-}
-
 struct Asked {
   std::string name;  // for messages
   std::string text;
 };
 
 Asked asked_document(const RunOptions& options) {
-  if (!options.config.empty()) return {options.config, read_file(options.config)};
+  if (!options.config.empty()) return {options.config, required_text(options.config)};
   if (options.preset.empty()) return {"the built-in configuration", default_document()};
   return {"the preset " + options.preset, find_preset(options.preset)->document};
 }
@@ -89,6 +77,7 @@ class Run {
         plugin_(plugin),
         document_(document),
         analysed_(options.live.scale.of(source.info().size)),
+        regions_(document),
         events_({options, source.info(), document}),
         progress_(options.progress.value_or(options.quiet ? ProgressMode::kNone : ProgressMode::kBar)),
         to_terminal_(isatty(STDOUT_FILENO) != 0) {
@@ -137,11 +126,11 @@ class Run {
   }
 
   // The plug-in prints its buffers' sizes on the first frame, which only its developers need.
-  std::string process(const Frame& frame) {
+  std::string process(const Frame& frame, const std::string& stated) {
     std::optional<CapturedStream> printed;
     if ((figures_.frames == 0 || frame.anew) && !options_.verbose) printed.emplace(stderr);
     if (frame.anew) plugin_.restart(document_);
-    return plugin_.process(scaled(frame.image, analysed_).data, timestamp(source_.info(), frame));
+    return plugin_.process(scaled(frame.image, analysed_).data, stated);
   }
 
   void report_note(const Frame& frame) {
@@ -156,12 +145,22 @@ class Run {
     lines_->write(make());
   }
 
+  std::vector<ReportedBox> with_regions(const std::vector<cv::Rect2d>& boxes) const {
+    std::vector<ReportedBox> reported;
+    for (const cv::Rect2d& box : boxes) {
+      reported.push_back({box, {}});
+      regions_.touched(box, reported.back().regions);
+    }
+    return reported;
+  }
+
   void one_frame(Frame& frame) {
     report_note(frame);
-    const std::string document = process(frame);
+    const std::string stated = timestamp(source_.info(), frame);
+    const std::string document = process(frame, stated);
     const std::vector<cv::Rect2d> boxes = boxes_of(document);
     if (!boxes.empty()) {
-      write_line([&] { return result_line(document, frame.number, frame.time); });
+      write_line([&] { return result_line(frame.number, frame.time, with_regions(boxes), stated); });
       ++figures_.frames_with_motion;
     }
     events_.frame(frame, frame.number, boxes);
@@ -175,6 +174,7 @@ class Run {
   Plugin& plugin_;
   const std::string& document_;
   const cv::Size analysed_;
+  const Regions regions_;
   EventWatch events_;
   std::optional<Annotator> video_;
   Progress progress_;

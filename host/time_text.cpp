@@ -17,6 +17,10 @@ std::string seconds_text(microseconds time) {
   return std::to_string(thousandths / 1000) + "." + padded(thousandths % 1000, 3);
 }
 
+double seconds_number(microseconds time) {
+  return static_cast<double>(round<milliseconds>(time).count()) / 1000;
+}
+
 std::string clock_text(microseconds time) {
   const long long seconds = duration_cast<std::chrono::seconds>(time).count();
   const std::string rest = padded(seconds % 60, 2);

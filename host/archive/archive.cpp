@@ -21,11 +21,11 @@
 #include "host/archive/file_run.h"
 #include "host/archive/folder_name.h"
 #include "host/archive/shard.h"
-#include "host/archive/text_file.h"
 #include "host/failure.h"
 #include "host/interrupt.h"
 #include "host/plugin.h"
 #include "host/run.h"
+#include "host/whole_file.h"
 
 namespace lm::host {
 namespace {
@@ -57,12 +57,7 @@ std::string made_folder(const std::string& name) {
 }
 
 ArchiveSettings settings_of(const RunOptions& options) {
-  std::string configuration;
-  if (!options.config.empty()) {
-    const std::optional<std::string> text = read_text(options.config);
-    if (!text) throw Failure(kRefused, options.config + ": " + std::generic_category().message(errno));
-    configuration = *text;
-  }
+  const std::string configuration = options.config.empty() ? "" : required_text(options.config);
   const std::vector<std::string>& passed_on = options.archive.passed_on;
   return {made_folder(options.archive.out), passed_on, settings_digest(passed_on, configuration),
           options.archive.file_timeout};
@@ -227,7 +222,7 @@ int run_archive(const RunOptions& options) {
     return 128 + interrupted();
   }
   if (!options.quiet) std::fputs(table_text(rows).c_str(), stdout);
-  write_lines(settings.folder + table_name(shard), table_csv(rows));
+  write_file(settings.folder + table_name(shard), table_csv(rows));
   const bool all_fine = std::ranges::all_of(
       rows, [](Outcome outcome) { return outcome == Outcome::kFine; }, &TableRow::outcome);
   return all_fine ? kDone : kTrouble;

@@ -8,6 +8,7 @@
 #include <optional>
 #include <string_view>
 
+#include "host/json_text.h"
 #include "host/time_text.h"
 
 namespace lm::host {
@@ -38,11 +39,13 @@ std::string archive_progress_text(const ArchiveState& state) {
 }
 
 std::string archive_progress_line(const ArchiveState& state) {
-  std::string line = "{\"files\":" + std::to_string(state.files) + ",\"done\":" + std::to_string(state.done) +
-                     ",\"notFine\":" + std::to_string(state.failed) +
-                     ",\"events\":" + std::to_string(state.events);
-  if (const auto left = time_left(state)) line += ",\"left\":" + seconds_text(*left);
-  return line + "}";
+  Json::Value line;
+  line["files"] = Json::UInt64(state.files);
+  line["files_done"] = Json::UInt64(state.done);
+  line["files_not_fine"] = Json::UInt64(state.failed);
+  line["event_count"] = Json::Int64(state.events);
+  if (const auto left = time_left(state)) line["eta"] = seconds_number(*left);
+  return json_text(line);
 }
 
 ArchiveProgress::ArchiveProgress(ProgressMode mode) : mode_(mode) {

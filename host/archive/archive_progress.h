@@ -24,7 +24,7 @@ struct ArchiveState {
 // left out until the first file is finished.
 std::string archive_progress_text(const ArchiveState& state);
 
-// The same for programs: {"files":300,"done":12,"notFine":1,"events":7,"left":3723.000}
+// The same for programs: {"files":300,"files_done":12,"files_not_fine":1,"eta":3723.000,"event_count":7}
 std::string archive_progress_line(const ArchiveState& state);
 
 // Tells about it on standard error: as a line that is drawn again, or as a line for programs whenever a file

@@ -14,9 +14,9 @@
 #include <string_view>
 #include <system_error>
 
-#include "host/archive/text_file.h"
 #include "host/failure.h"
 #include "host/shown_address.h"
+#include "host/whole_file.h"
 
 namespace lm::host {
 namespace {

@@ -10,9 +10,9 @@
 #include "host/archive/archive_options.h"
 #include "host/archive/child.h"
 #include "host/archive/folder_name.h"
-#include "host/archive/text_file.h"
 #include "host/failure.h"
 #include "host/time_text.h"
+#include "host/whole_file.h"
 
 namespace lm::host {
 namespace {
@@ -108,9 +108,8 @@ TableRow FileRun::keep(TableRow row, int status) {
   std::error_code ignored;
   fs::remove(folder_.path() + kFigures, ignored);
   if (fs::is_empty(folder_.path() + kMessages, ignored)) fs::remove(folder_.path() + kMessages, ignored);
-  write_lines(
-      folder_.path() + kRecord,
-      {to_json({path_, source_, settings_.options, settings_.digest, status, row.why, *row.figures})});
+  const Record record{path_, source_, settings_.options, settings_.digest, status, row.why, *row.figures};
+  write_file(folder_.path() + kRecord, to_json(record) + "\n");
   folder_.publish();
   row.results = folder_name(path_);
   return row;

@@ -3,43 +3,38 @@
 #include <sys/stat.h>
 
 #include <array>
+#include <cmath>
 #include <cstdio>
 
-#include "host/archive/text_file.h"
 #include "host/frame_clock.h"
 #include "host/json_text.h"
+#include "host/time_text.h"
+#include "host/whole_file.h"
 
 namespace lm::host {
 namespace {
 
-std::string text_of(const Json::Value& value) {
-  Json::StreamWriterBuilder builder;
-  builder["indentation"] = "  ";
-  return Json::writeString(builder, value);
-}
+constexpr double kLongest = std::chrono::duration<double>(kFarthestTime).count();
 
-Json::Value json_of(const Figures& figures) {
-  Json::Value value;
+void add_figures(Json::Value& value, const Figures& figures) {
   value["frames"] = Json::Int64(figures.frames);
-  value["framesWithMotion"] = Json::Int64(figures.frames_with_motion);
-  value["events"] = Json::Int64(figures.events);
-  value["milliseconds"] = Json::Int64(std::chrono::round<std::chrono::milliseconds>(figures.video).count());
-  return value;
+  value["frames_with_boxes"] = Json::Int64(figures.frames_with_motion);
+  value["event_count"] = Json::Int64(figures.events);
+  value["length"] = seconds_number(figures.video);
 }
 
 std::optional<Figures> figures_from(const Json::Value& value) {
   Figures figures;
   if (!value.isObject()) return std::nullopt;
-  for (const char* name : {"frames", "framesWithMotion", "events", "milliseconds"}) {
+  for (const char* name : {"frames", "frames_with_boxes", "event_count"}) {
     if (!value[name].isInt64()) return std::nullopt;
   }
+  const double length = value["length"].isNumeric() ? value["length"].asDouble() : -1;
+  if (!(length >= 0 && length <= kLongest)) return std::nullopt;
   figures.frames = value["frames"].asInt64();
-  figures.frames_with_motion = value["framesWithMotion"].asInt64();
-  figures.events = value["events"].asInt64();
-  const std::chrono::milliseconds video(value["milliseconds"].asInt64());
-  if (video.count() < 0 || video > std::chrono::floor<std::chrono::milliseconds>(kFarthestTime))
-    return std::nullopt;
-  figures.video = video;
+  figures.frames_with_motion = value["frames_with_boxes"].asInt64();
+  figures.events = value["event_count"].asInt64();
+  figures.video = std::chrono::milliseconds(std::llround(length * 1000));
   return figures;
 }
 
@@ -56,41 +51,44 @@ std::optional<SourceState> source_state(const std::string& path) {
 
 std::string to_json(const Record& record) {
   Json::Value value;
-  value["source"] = record.path;
-  value["size"] = Json::Int64(record.source.size);
-  value["modified"] = record.source.modified;
+  value["source"]["name"] = record.path;
+  value["source"]["size"] = Json::Int64(record.source.size);
+  value["source"]["modified"] = record.source.modified;
   value["options"] = Json::Value(Json::arrayValue);
   for (const std::string& option : record.options) value["options"].append(option);
-  value["settings"] = record.settings;
-  value["status"] = record.status;
-  value["why"] = record.why;
-  value["figures"] = json_of(record.figures);
-  return text_of(value);
+  value["settings_digest"] = record.settings;
+  value["exit_status"] = record.status;
+  value["error"] = record.why;
+  add_figures(value, record.figures);
+  return json_text(value);
 }
 
 std::optional<Record> record_from(const std::string& json) {
   const Json::Value value = parse_json(json);
-  if (!value.isObject() || !value["size"].isInt64() || !value["status"].isInt()) return std::nullopt;
-  for (const char* name : {"source", "modified", "settings", "why"}) {
-    if (!value[name].isString()) return std::nullopt;
-  }
-  const std::optional<Figures> figures = figures_from(value["figures"]);
+  const std::optional<Figures> figures = figures_from(value);
   if (!figures) return std::nullopt;
+  const Json::Value& source = value["source"];
+  const bool whole = source.isObject() && source["name"].isString() && source["size"].isInt64() &&
+                     source["modified"].isString() && value["settings_digest"].isString() &&
+                     value["exit_status"].isInt() && value["error"].isString();
+  if (!whole) return std::nullopt;
   Record record;
-  record.path = value["source"].asString();
-  record.source = {value["size"].asInt64(), value["modified"].asString()};
+  record.path = source["name"].asString();
+  record.source = {source["size"].asInt64(), source["modified"].asString()};
   for (const Json::Value& option : value["options"]) {
     if (option.isString()) record.options.push_back(option.asString());
   }
-  record.settings = value["settings"].asString();
-  record.status = value["status"].asInt();
-  record.why = value["why"].asString();
+  record.settings = value["settings_digest"].asString();
+  record.status = value["exit_status"].asInt();
+  record.why = value["error"].asString();
   record.figures = *figures;
   return record;
 }
 
 void write_figures(const std::string& file, const Figures& figures) {
-  write_lines(file, {text_of(json_of(figures))});
+  Json::Value value;
+  add_figures(value, figures);
+  write_file(file, json_text(value) + "\n");
 }
 
 std::optional<Figures> read_figures(const std::string& file) {

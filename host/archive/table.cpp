@@ -4,6 +4,7 @@
 #include <array>
 #include <cstdio>
 
+#include "host/csv.h"
 #include "host/failure.h"
 #include "host/time_text.h"
 
@@ -59,13 +60,6 @@ std::string totals(const std::vector<TableRow>& rows) {
          clock_text(sum.video) + " of video\n";
 }
 
-std::string quoted(const std::string& text) {
-  if (text.find_first_of(",\"\r\n") == std::string::npos) return text;
-  std::string result = "\"";
-  for (const char c : text) result.append(c == '"' ? 2 : 1, c);
-  return result + "\"";
-}
-
 }  // namespace
 
 std::string table_text(const std::vector<TableRow>& rows) {
@@ -74,18 +68,20 @@ std::string table_text(const std::vector<TableRow>& rows) {
   return text + totals(rows);
 }
 
-std::vector<std::string> table_csv(const std::vector<TableRow>& rows) {
-  std::vector<std::string> lines{"file,status,frames,frames_with_motion,events,seconds,results,why"};
+std::string table_csv(const std::vector<TableRow>& rows) {
+  std::string text = csv_row(
+      {"source_name", "status", "frames", "frames_with_boxes", "event_count", "length", "results", "error"});
   for (const TableRow& row : rows) {
-    std::string figures = ",,,";
-    if (row.figures) {
-      figures = std::to_string(row.figures->frames) + "," + std::to_string(row.figures->frames_with_motion) +
-                "," + std::to_string(row.figures->events) + "," + seconds_text(row.figures->video);
+    std::vector<std::string> cells{row.path, word(row.outcome), "", "", "", "", row.results, row.why};
+    if (const auto& figures = row.figures) {
+      cells[2] = std::to_string(figures->frames);
+      cells[3] = std::to_string(figures->frames_with_motion);
+      cells[4] = std::to_string(figures->events);
+      cells[5] = seconds_text(figures->video);
     }
-    lines.push_back(quoted(row.path) + "," + word(row.outcome) + "," + figures + "," + row.results + "," +
-                    quoted(row.why));
+    text += csv_row(cells);
   }
-  return lines;
+  return text;
 }
 
 }  // namespace lm::host

@@ -27,8 +27,7 @@ struct TableRow {
 // For people: a line for each file, and the totals.
 std::string table_text(const std::vector<TableRow>& rows);
 
-// For programs: a line of names, then one for each file, without line feeds at their ends; fields quoted as
-// RFC 4180 has it.
-std::vector<std::string> table_csv(const std::vector<TableRow>& rows);
+// For programs: a row of names, then one for each file.
+std::string table_csv(const std::vector<TableRow>& rows);
 
 }  // namespace lm::host

@@ -6,12 +6,12 @@
 #include <memory>
 #include <system_error>
 
-#include "host/archive/text_file.h"
 #include "host/check/check.h"
 #include "host/check/text.h"
 #include "host/failure.h"
 #include "host/live/scale.h"
 #include "host/source.h"
+#include "host/whole_file.h"
 
 namespace lm::host {
 namespace {
@@ -37,11 +37,6 @@ Exit status:
 
 enum CheckStatus { kFine = 0, kDoubtful = 1, kFaulty = 2 };
 
-std::string read_config(const std::string& file) {
-  if (std::optional<std::string> text = read_text(file)) return *std::move(text);
-  throw Failure(kRefused, file + ": " + std::generic_category().message(errno));
-}
-
 CheckStatus status_of(const check::Verdict& verdict) {
   CheckStatus status = kFine;
   for (const check::Finding& finding : verdict.findings) {
@@ -52,7 +47,7 @@ CheckStatus status_of(const check::Verdict& verdict) {
 }
 
 int check_config(const CheckOptions& options) {
-  const std::string text = read_config(options.config);
+  const std::string text = required_text(options.config);
   std::optional<cv::Size> size = options.size;
   if (options.source) size = open_source(*options.source)->info().size;
   const check::Verdict verdict = check::check_document(text, size);

@@ -1,9 +1,15 @@
-#include <json/json.h>
-
 #include "host/check/check.h"
+#include "host/json_text.h"
 
 namespace lm::host::check {
 namespace {
+
+Json::Value size_value(cv::Size size) {
+  Json::Value object;
+  object["width"] = size.width;
+  object["height"] = size.height;
+  return object;
+}
 
 Json::Value described(const Finding& finding) {
   Json::Value object;
@@ -18,21 +24,19 @@ Json::Value described(const Finding& finding) {
 
 Json::Value described(const Effective& effective) {
   Json::Value object;
-  object["thrMatch"] = effective.thr_match;
-  object["thrHeuris"] = effective.thr_heuris;
-  object["thrIllum"] = effective.thr_illum;
-  object["autoSensitivity"] = effective.auto_sensitivity;
-  object["lifeStatic"]["seconds"] = effective.life_static_seconds;
-  object["lifeStatic"]["frames"] = effective.life_static;
-  object["leastBox"]["width"] = effective.least_box_width;
-  object["leastBox"]["height"] = effective.least_box_height;
+  object["match_threshold"] = effective.thr_match;
+  object["change_threshold"] = effective.thr_heuris;
+  object["lighting_threshold"] = effective.thr_illum;
+  object["auto_sensitivity"] = effective.auto_sensitivity;
+  object["static_lifetime"] = double(effective.life_static_seconds);
+  object["static_lifetime_frames"] = effective.life_static;
+  object["min_box"]["width"] = effective.least_box_width;
+  object["min_box"]["height"] = effective.least_box_height;
   if (effective.frame.empty()) return object;
-  object["frame"]["width"] = effective.frame.width;
-  object["frame"]["height"] = effective.frame.height;
-  object["leastBoxPixels"]["width"] = effective.least_box_pixels.width;
-  object["leastBoxPixels"]["height"] = effective.least_box_pixels.height;
+  object["frame_size"] = size_value(effective.frame);
+  object["min_box_pixels"] = size_value(effective.least_box_pixels);
   object["memory"] = Json::UInt64{effective.memory};
-  if (effective.watched) object["watched"] = *effective.watched;
+  if (effective.watched) object["watched_share"] = *effective.watched;
   return object;
 }
 
@@ -43,10 +47,7 @@ std::string to_json(const Verdict& verdict) {
   root["findings"] = Json::Value(Json::arrayValue);
   for (const Finding& finding : verdict.findings) root["findings"].append(described(finding));
   root["effective"] = verdict.effective ? described(*verdict.effective) : Json::Value();
-  Json::StreamWriterBuilder compact;
-  compact["indentation"] = "";
-  compact["precision"] = 6;
-  return Json::writeString(compact, root);
+  return json_text(root);
 }
 
 }  // namespace lm::host::check

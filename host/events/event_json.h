@@ -16,9 +16,6 @@ const char* kind_text(EventKind kind);
 
 Json::Value event_value(const Event& event);
 
-// On one line, without a line feed; numbers to six places after the point.
-std::string json_text(const Json::Value& value);
-
 std::string event_json(const Event& event);
 
 }  // namespace lm::host

@@ -1,25 +1,19 @@
 #include "host/mqtt/mqtt_options.h"
 
 #include <CLI/CLI.hpp>
-#include <cerrno>
 #include <cstdlib>
-#include <fstream>
 #include <stdexcept>
-#include <system_error>
 
 #include "host/failure.h"
+#include "host/whole_file.h"
 
 namespace lm::host {
 namespace {
 
 std::string first_line(const std::string& path) {
-  errno = 0;
-  std::ifstream file(path);
-  std::string line;
-  if (!std::getline(file, line)) {
-    throw Failure(kRefused,
-                  path + ": " + (errno != 0 ? std::generic_category().message(errno) : "the file is empty"));
-  }
+  const std::string text = required_text(path);
+  if (text.empty()) throw Failure(kRefused, path + ": the file is empty");
+  std::string line = text.substr(0, text.find('\n'));
   if (line.ends_with('\r')) line.pop_back();
   return line;
 }

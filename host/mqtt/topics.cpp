@@ -1,9 +1,8 @@
 #include "host/mqtt/topics.h"
 
-#include <json/json.h>
-
 #include <filesystem>
 
+#include "host/json_text.h"
 #include "host/shown_address.h"
 
 namespace lm::host::mqtt {
@@ -35,13 +34,6 @@ std::string cleaned(const std::string& text) {
   return name.empty() ? "camera" : name;
 }
 
-std::string compact(const Json::Value& value) {
-  Json::StreamWriterBuilder builder;
-  builder["indentation"] = "";
-  builder["emitUTF8"] = true;
-  return Json::writeString(builder, value);
-}
-
 }  // namespace
 
 std::string camera_name(const std::string& source) {
@@ -70,7 +62,7 @@ Message discovery_message(const std::string& discovery, const Topics& topics) {
   sensor["origin"]["name"] = "lightmotion";
   sensor["origin"]["sw_version"] = LIGHTMOTION_VERSION;
   return {MessageKind::kStanding, discovery + "/binary_sensor/" + topics.unique_id() + "/config",
-          compact(sensor)};
+          verbatim_json(sensor)};
 }
 
 }  // namespace lm::host::mqtt

@@ -8,7 +8,7 @@
 #include "host/report/clip_copier.h"
 #include "host/report/lookback.h"
 #include "host/report/output_names.h"
-#include "host/report/whole_file.h"
+#include "host/whole_file.h"
 
 namespace lm::host {
 namespace {

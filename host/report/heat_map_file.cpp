@@ -2,7 +2,7 @@
 
 #include "host/report/boxes_of_kind.h"
 #include "host/report/image_bytes.h"
-#include "host/report/whole_file.h"
+#include "host/whole_file.h"
 
 namespace lm::host {
 

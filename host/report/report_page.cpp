@@ -13,7 +13,7 @@
 #include "host/report/lookback.h"
 #include "host/report/settings.h"
 #include "host/report/shown_size.h"
-#include "host/report/whole_file.h"
+#include "host/whole_file.h"
 
 namespace lm::host {
 namespace {

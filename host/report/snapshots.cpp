@@ -5,8 +5,8 @@
 #include "host/report/lookback.h"
 #include "host/report/output_names.h"
 #include "host/report/shown_size.h"
-#include "host/report/whole_file.h"
 #include "host/time_text.h"
+#include "host/whole_file.h"
 
 namespace lm::host {
 namespace {

@@ -1,5 +1,6 @@
 #include "host/serve/api.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <cstdlib>
@@ -7,13 +8,13 @@
 #include <memory>
 #include <optional>
 
-#include "host/archive/text_file.h"
-#include "host/events/event_json.h"
 #include "host/failure.h"
 #include "host/json_text.h"
 #include "host/presets/presets.h"
 #include "host/serve/config_file.h"
 #include "host/shown_address.h"
+#include "host/time_text.h"
+#include "host/whole_file.h"
 
 namespace lm::host {
 namespace {
@@ -24,16 +25,15 @@ using std::chrono::microseconds;
 constexpr auto kLongestPoll = 5s;
 constexpr std::size_t kLongestId = 64;
 
-double seconds(microseconds time) { return std::chrono::duration<double>(time).count(); }
-
 Reply json_reply(const Json::Value& value, int status = 200) {
   return {.status = status, .body = json_text(value)};
 }
 
-// Longest video, in seconds.
+// Longest video, in seconds. Times are written to the thousandth: the frame whose time was rounded up to this
+// one is meant as well.
 std::optional<microseconds> time_of(double value) {
   if (!(value >= 0 && value < 1e9)) return std::nullopt;
-  return microseconds(std::llround(value * 1e6));
+  return std::max(microseconds(0), microseconds(std::llround(value * 1e6)) - 500us);
 }
 
 std::optional<microseconds> time_of(const std::string& text) {
@@ -54,7 +54,7 @@ Json::Value presets_value() {
     Json::Value value;
     value["name"] = preset.name;
     value["about"] = preset.about;
-    value["document"] = preset.document;
+    value["configuration"] = preset.document;
     list.append(value);
   }
   return list;
@@ -65,9 +65,9 @@ Json::Value source_value(const SourceInfo& source) {
   value["name"] = shown_address(source.name);
   value["width"] = source.size.width;
   value["height"] = source.size.height;
-  value["duration"] = source.duration ? Json::Value(seconds(*source.duration)) : Json::Value();
+  if (source.duration) value["duration"] = seconds_number(*source.duration);
   value["live"] = source.live;
-  value["rate"] = source.rate;
+  value["frame_rate"] = source.rate;
   return value;
 }
 
@@ -100,7 +100,7 @@ Api::Api(Player& player, const PlayerPlan& plan, std::string config)
            {"/api/frame", [this](const Query& query) { return frame(query); }},
            {"/api/still", [this](const Query& query) { return still(query); }},
            {"/api/events", [this](const Query&) { return events(); }},
-           {"/api/document", [this](const Query&) { return document(); }}};
+           {"/api/configuration", [this](const Query&) { return document(); }}};
   posts_ = {{"/api/play", [this](const Query& query) { return play(query); }},
             {"/api/check", [this](const Query& query) { return check(query); }},
             {"/api/apply", [this](const Query& query) { return apply(query); }},
@@ -111,12 +111,12 @@ Api::Api(Player& player, const PlayerPlan& plan, std::string config)
 Reply Api::state() {
   const PlayerState now = player_.state();
   Json::Value value;
-  value["version"] = LIGHTMOTION_VERSION;
+  value["program_version"] = LIGHTMOTION_VERSION;
   value["source"] = source_value(now.source);
-  value["time"] = seconds(now.time);
+  value["time"] = seconds_number(now.time);
   value["playing"] = now.playing;
   value["loop"] = Json::Int64(now.loop);
-  value["document"] = now.document;
+  value["configuration"] = now.document;
   value["saved"] = !config_.empty() && read_text(config_) == now.document;
   value["file"] = config_.empty() ? Json::Value() : Json::Value(config_);
   value["problem"] = now.problem;
@@ -164,7 +164,7 @@ Reply Api::still(const Query& query) {
     frame = still_.at(*time);
   }
   Json::Value value;
-  value["time"] = seconds(frame.time);
+  value["time"] = seconds_number(frame.time);
   return {.type = "image/jpeg",
           .body = page_picture(frame.image, source.pixel_aspect),
           .headers = {{"Lightmotion-Frame", json_text(value)}}};
@@ -174,7 +174,7 @@ Reply Api::events() const {
   const PlayerState now = player_.state();
   Json::Value value = player_.log().value();
   value["loop"] = Json::Int64(now.loop);
-  value["duration"] = now.source.duration ? Json::Value(seconds(*now.source.duration)) : Json::Value();
+  if (now.source.duration) value["duration"] = seconds_number(*now.source.duration);
   return json_reply(value);
 }
 
@@ -219,10 +219,10 @@ Reply Api::apply(const Query& query) {
 
 Reply Api::compare(const Query& query) {
   const Json::Value wish = parse_json(query.body);
-  if (!wish.isObject() || !(wish["document"].isNull() || wish["document"].isString())) {
-    return error_reply(400, "expected {\"document\":text or null}");
+  if (!wish.isObject() || !(wish["configuration"].isNull() || wish["configuration"].isString())) {
+    return error_reply(400, "expected {\"configuration\":text or null}");
   }
-  const std::string document = wish["document"].asString();
+  const std::string document = wish["configuration"].asString();
   if (!document.empty()) {
     const check::Verdict judged = verdict(document);
     if (judged.refused()) return refusal(judged);

@@ -1,11 +1,11 @@
 #include "host/serve/config_file.h"
 
+#include "host/whole_file.h"
+
 #include <filesystem>
 #include <optional>
 #include <system_error>
 
-#include "host/archive/text_file.h"
-#include "host/report/whole_file.h"
 
 namespace lm::host {
 namespace {

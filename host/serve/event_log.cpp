@@ -8,24 +8,13 @@
 namespace lm::host {
 namespace {
 
-double seconds(std::chrono::microseconds time) { return std::chrono::duration<double>(time).count(); }
-
-Json::Value names_value(const std::vector<std::string>& names) {
-  Json::Value list(Json::arrayValue);
-  for (const std::string& name : names) list.append(name);
-  return list;
-}
-
+// What the page shows of an event; `id` counts on over all passes.
 Json::Value entry_value(std::uint64_t number, const Event& event) {
+  const Json::Value whole = event_value(event);
   Json::Value value;
+  for (const char* key : {"kind", "start", "end", "peak", "peak_share", "regions", "started", "ended"})
+    value[key] = whole[key];
   value["id"] = std::to_string(number);
-  value["kind"] = kind_text(event.kind);
-  value["start"] = seconds(event.start);
-  value["end"] = event.ended.empty() ? Json::Value() : Json::Value(seconds(event.end));
-  value["peak"] = seconds(event.peak);
-  value["share"] = event.peak_share;
-  value["regions"] = names_value(event.regions);
-  value["why"] = event.ended.empty() ? event.started : event.started + " " + event.ended;
   return value;
 }
 

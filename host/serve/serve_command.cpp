@@ -12,7 +12,6 @@
 #include <system_error>
 #include <thread>
 
-#include "host/archive/text_file.h"
 #include "host/document.h"
 #include "host/failure.h"
 #include "host/interrupt.h"
@@ -22,6 +21,7 @@
 #include "host/serve/api.h"
 #include "host/serve/web_server.h"
 #include "host/serve/worker.h"
+#include "host/whole_file.h"
 
 extern "C" {
 #include <libavutil/log.h>
@@ -54,8 +54,7 @@ struct ServeOptions {
 std::string first_document(const std::string& config) {
   std::error_code error;
   if (config.empty() || !std::filesystem::exists(config, error)) return default_document();
-  if (std::optional<std::string> text = read_text(config)) return *text;
-  throw Failure(kRefused, config + ": " + std::generic_category().message(errno));
+  return required_text(config);
 }
 
 std::unique_ptr<Player> begin(const ServeOptions& options) {

@@ -1,12 +1,12 @@
 #include "host/serve/shot.h"
 
-#include <json/json.h>
-
 #include <opencv2/imgproc.hpp>
 
-#include "host/events/event_json.h"
+#include "host/box_json.h"
+#include "host/json_text.h"
 #include "host/report/image_bytes.h"
 #include "host/report/shown_size.h"
+#include "host/time_text.h"
 
 namespace lm::host {
 namespace {
@@ -14,17 +14,11 @@ namespace {
 constexpr int kLongestSide = 1280;
 constexpr int kCoarseness = 4;
 
-double seconds(std::chrono::microseconds time) { return std::chrono::duration<double>(time).count(); }
-
-double milliseconds(std::chrono::microseconds time) { return seconds(time) * 1000; }
+double milliseconds(std::chrono::microseconds time) { return static_cast<double>(time.count()) / 1000; }
 
 Json::Value boxes_value(const std::vector<cv::Rect2d>& boxes) {
   Json::Value list(Json::arrayValue);
-  for (const cv::Rect2d& box : boxes) {
-    Json::Value value(Json::arrayValue);
-    for (const double number : {box.x, box.y, box.width, box.height}) value.append(number);
-    list.append(value);
-  }
+  for (const cv::Rect2d& box : boxes) list.append(box_value(box));
   return list;
 }
 
@@ -42,15 +36,15 @@ std::string shot_json(const Shot& shot) {
   Json::Value value;
   value["sequence"] = Json::UInt64(shot.sequence);
   value["frame"] = Json::Int64(shot.frame);
-  value["time"] = seconds(shot.time);
+  value["time"] = seconds_number(shot.time);
   value["boxes"] = boxes_value(shot.found.boxes);
-  value["cost"] = milliseconds(shot.found.cost);
+  value["plugin_ms"] = milliseconds(shot.found.cost);
   value["fps"] = shot.rate;
-  value["events"] = Json::Int64(shot.events);
+  value["event_count"] = Json::Int64(shot.events);
   value["state"] = Json::UInt64(shot.state);
   if (shot.old) {
-    value["old"]["boxes"] = boxes_value(shot.old->boxes);
-    value["old"]["cost"] = milliseconds(shot.old->cost);
+    value["baseline"]["boxes"] = boxes_value(shot.old->boxes);
+    value["baseline"]["plugin_ms"] = milliseconds(shot.old->cost);
   }
   return json_text(value);
 }

@@ -1,10 +1,9 @@
 #include "host/tune/table.h"
 
-#include <json/json.h>
-
 #include <algorithm>
 #include <sstream>
 
+#include "host/json_text.h"
 #include "host/time_text.h"
 
 namespace lm::host::tune {
@@ -58,22 +57,23 @@ std::string aligned(const std::vector<Cells>& rows, std::size_t mark) {
   return text;
 }
 
-Json::Value figures_json(std::int64_t frames, std::size_t events) {
+Json::Value figures_json(std::int64_t frames_with_boxes, std::size_t events) {
   Json::Value value;
-  value["frames"] = Json::Int64(frames);
-  value["events"] = Json::UInt64(events);
+  value["frames_with_boxes"] = Json::Int64(frames_with_boxes);
+  value["event_count"] = Json::UInt64(events);
   return value;
 }
 
-Json::Value spans_json(const Spans& spans, bool assumed) {
+Json::Value spans_json(const Spans& spans, bool assumed, std::int64_t frames) {
   Json::Value value;
+  value["frames"] = Json::Int64(frames);
   value["assumed"] = assumed;
   value["spans"] = Json::arrayValue;
   for (const TimeSpan& span : spans) {
-    Json::Value pair(Json::arrayValue);
-    pair.append(double(span.from.count()) / 1e6);
-    pair.append(double(span.to.count()) / 1e6);
-    value["spans"].append(pair);
+    Json::Value ends;
+    ends["from"] = seconds_number(span.from);
+    ends["to"] = seconds_number(span.to);
+    value["spans"].append(ends);
   }
   return value;
 }
@@ -83,7 +83,7 @@ Json::Value trial_json(const Trial& trial) {
   for (const auto& [key, text] : members_of(trial.setting)) value["settings"][key] = text;
   value["quiet"] = figures_json(trial.figures.quiet_frames, trial.figures.quiet_events);
   value["motion"] = figures_json(trial.figures.motion_frames, trial.figures.motion_events);
-  value["motion"]["found"] = Json::UInt64(trial.figures.found);
+  value["motion"]["spans_found"] = Json::UInt64(trial.figures.found);
   return value;
 }
 
@@ -120,22 +120,16 @@ std::string table_text(const Outcome& outcome) {
 
 std::string to_json(const Outcome& outcome) {
   Json::Value root;
-  root["source"] = outcome.source;
+  root["source"]["name"] = outcome.source;
   root["frames"] = Json::Int64(outcome.frames);
-  root["seconds"] = double(outcome.length.count()) / 1e6;
-  root["quiet"] = spans_json(outcome.marks.quiet, outcome.marks.quiet_assumed);
-  root["quiet"]["frames"] = Json::Int64(outcome.quiet_frames);
-  root["motion"] = spans_json(outcome.marks.motion, outcome.marks.motion_assumed);
-  root["motion"]["frames"] = Json::Int64(outcome.motion_frames);
+  root["length"] = seconds_number(outcome.length);
+  root["quiet"] = spans_json(outcome.marks.quiet, outcome.marks.quiet_assumed, outcome.quiet_frames);
+  root["motion"] = spans_json(outcome.marks.motion, outcome.marks.motion_assumed, outcome.motion_frames);
   for (const Trial& trial : outcome.trials) root["trials"].append(trial_json(trial));
   root["chosen"] = Json::UInt64(outcome.chosen);
-  root["why"] = outcome.why;
-  std::istringstream(outcome.document) >> root["document"];
-  Json::StreamWriterBuilder compact;
-  compact["indentation"] = "";
-  compact["commentStyle"] = "None";
-  compact["precision"] = 9;
-  return Json::writeString(compact, root) + "\n";
+  root["reason"] = outcome.why;
+  std::istringstream(outcome.document) >> root["configuration"];
+  return json_text(root) + "\n";
 }
 
 }  // namespace lm::host::tune

@@ -12,7 +12,6 @@
 #include <system_error>
 #include <thread>
 
-#include "host/archive/text_file.h"
 #include "host/check/before_run.h"
 #include "host/document.h"
 #include "host/failure.h"
@@ -20,7 +19,6 @@
 #include "host/pending_file.h"
 #include "host/plugin.h"
 #include "host/report/image_bytes.h"
-#include "host/report/whole_file.h"
 #include "host/time_text.h"
 #include "host/tune/edit.h"
 #include "host/tune/picture.h"
@@ -29,6 +27,7 @@
 #include "host/tune/side_by_side.h"
 #include "host/tune/table.h"
 #include "host/tune/trial.h"
+#include "host/whole_file.h"
 
 extern "C" {
 #include <libavutil/log.h>
@@ -93,9 +92,7 @@ std::string base_text(const TuneOptions& options, const std::string& source) {
     const std::string comment = "Proposed by lightmotion tune for " + source;
     return "{\n  \"comment\": " + Json::valueToQuotedString(comment.c_str()) + "\n}\n";
   }
-  const std::optional<std::string> text = read_text(options.config);
-  if (!text) throw Failure(kRefused, options.config + ": " + std::generic_category().message(errno));
-  return *text;
+  return required_text(options.config);
 }
 
 class Tuning {

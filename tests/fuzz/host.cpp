@@ -15,6 +15,7 @@
 #include "host/events/regions.h"
 #include "host/failure.h"
 #include "host/frame_clock.h"
+#include "host/json_text.h"
 #include "host/live/scale.h"
 #include "host/mqtt/address.h"
 #include "host/options.h"
@@ -68,9 +69,12 @@ void readResult(const std::string& text) {
   fuzz::Choices choices(reinterpret_cast<const std::uint8_t*>(text.data()), text.size());
   const microseconds time(choices.number<std::int32_t>());
   const std::string document = text.substr(std::min(text.size(), sizeof(std::int32_t)));
-  const std::string line = result_line(document, choices.byte(), time);
-  fuzz::require(line.find('\n') == std::string::npos, "a result of several lines");
   const std::vector<cv::Rect2d> boxes = boxes_of(document);
+  std::vector<ReportedBox> reported;
+  for (const cv::Rect2d& box : boxes) reported.push_back({box, {document}});
+  const std::string line = result_line(choices.byte(), time, reported, document);
+  fuzz::require(line.find('\n') == std::string::npos, "a result of several lines");
+  fuzz::require(parse_json(line).isObject(), "a result line that is not JSON");
   fuzz::require(share_under(boxes) >= 0 && share_under(boxes) <= 1, "more than the whole frame");
   for (const cv::Rect2d& box : boxes) {
     const cv::Rect pixels = pixels_of(box, {640, 360});

@@ -69,11 +69,11 @@ TEST_F(Archive, GivesEachFileTheResultsOfARunOfItsOwn) {
     EXPECT_EQ(files.at("results.jsonl"), alone.output);
     Json::Value record;
     std::istringstream(files.at("run.json")) >> record;
-    EXPECT_EQ(record["source"].asString(), fs::canonical(clip));
-    EXPECT_EQ(record["size"].asUInt64(), archive::clip_bytes().size());
-    EXPECT_EQ(record["status"].asInt(), 0);
-    EXPECT_EQ(record["figures"]["frames"].asInt(), 20);
-    EXPECT_EQ(record["figures"]["framesWithMotion"].asInt(), 18);
+    EXPECT_EQ(record["source"]["name"].asString(), fs::canonical(clip));
+    EXPECT_EQ(record["source"]["size"].asUInt64(), archive::clip_bytes().size());
+    EXPECT_EQ(record["exit_status"].asInt(), 0);
+    EXPECT_EQ(record["frames"].asInt(), 20);
+    EXPECT_EQ(record["frames_with_boxes"].asInt(), 18);
   }
   EXPECT_EQ(tree(folder_ / "out").size(), 3U * 2 + 1) << "and the table";
 }

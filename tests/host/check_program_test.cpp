@@ -101,17 +101,17 @@ TEST_F(CheckProgram, GivesProgramsOneObject) {
   EXPECT_EQ(finding["column"], 17);
   EXPECT_EQ(finding["hint"], "1 to 5, or -1");
   const Json::Value& effective = root["effective"];
-  EXPECT_EQ(effective["thrMatch"], 13);
-  EXPECT_EQ(effective["thrHeuris"], 12);
-  EXPECT_EQ(effective["thrIllum"], 5);
-  EXPECT_EQ(effective["autoSensitivity"], false);
-  EXPECT_EQ(effective["lifeStatic"]["seconds"], 3);
-  EXPECT_EQ(effective["lifeStatic"]["frames"], 90);
-  EXPECT_EQ(effective["leastBox"]["width"], 0.05);
-  EXPECT_EQ(effective["leastBoxPixels"]["height"], 18);
-  EXPECT_EQ(effective["frame"]["width"], 640);
+  EXPECT_EQ(effective["match_threshold"], 13);
+  EXPECT_EQ(effective["change_threshold"], 12);
+  EXPECT_EQ(effective["lighting_threshold"], 5);
+  EXPECT_EQ(effective["auto_sensitivity"], false);
+  EXPECT_EQ(effective["static_lifetime"].asDouble(), 3);
+  EXPECT_EQ(effective["static_lifetime_frames"], 90);
+  EXPECT_EQ(effective["min_box"]["width"], 0.05);
+  EXPECT_EQ(effective["min_box_pixels"]["height"], 18);
+  EXPECT_EQ(effective["frame_size"]["width"], 640);
   EXPECT_EQ(effective["memory"].asUInt64(), 67'968'000U);
-  EXPECT_EQ(effective["watched"].asDouble(), 1.0);
+  EXPECT_EQ(effective["watched_share"].asDouble(), 1.0);
 }
 
 TEST_F(CheckProgram, HasNothingInEffectWhereThereIsAnError) {

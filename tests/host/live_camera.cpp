@@ -93,7 +93,7 @@ bool is_note(const std::string& line) {
   return line.find("\"note\":\"reconnected after ") != std::string::npos;
 }
 
-bool has_boxes(const std::string& line) { return line.find("\"object\":") != std::string::npos; }
+bool has_boxes(const std::string& line) { return line.find("\"boxes\":") != std::string::npos; }
 
 Camera::Camera(const program::Folder& folder, const std::string& file, std::string protocol)
     : process_({"python3", LIGHTMOTION_CAMERA, file}, folder / "camera.errors"),

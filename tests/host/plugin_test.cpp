@@ -62,11 +62,12 @@ TEST(Plugin, NamesTheEntryPointThatALibraryLacks) {
 
 TEST(Plugin, GivesTheResultOfEachFrame) {
   Plugin plugin(LIGHTMOTION_FAKE_PLUGIN);
-  ASSERT_EQ(plugin.start("{}"), "");
-  const unsigned char pixel = 77;
+  ASSERT_EQ(plugin.start(R"({"comment": "pixel"})"), "");
+  const unsigned char pixel = 64;
   EXPECT_EQ(plugin.process(&pixel, "1"), "");
-  const std::string result = plugin.process(&pixel, "41");
-  EXPECT_TRUE(result.ends_with("\"pixel\":77,\"timestamp\":\"41\"}\n")) << result;
+  EXPECT_EQ(plugin.process(&pixel, "41"),
+            "{\"object\":[{\"height\":0.250000,\"inRoi\":[],\"width\":0.1,\"x\":0.5,\"y\":0.25}],"
+            "\"timestamp\":\"41\"}\n");
 }
 
 TEST(Plugin, ReportsARefusalInThePluginsWords) {

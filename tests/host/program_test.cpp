@@ -58,19 +58,33 @@ TEST(Program, HandsOverTimesCountedFromOneAndReportsFramesCountedFromZero) {
   EXPECT_EQ(parsed(lines[2])["timestamp"], Json::Value("2001"));
 }
 
-TEST(Program, KeepsThePluginsNumbersAsTheyAre) {
+TEST(Program, RoundsBoxesAndNamesTheirRegions) {
   const Folder folder;
   const Outcome outcome = run_fake({short_clip(folder)});
-  EXPECT_NE(outcome.output.find("\"width\":0.10000000000000000001,\"x\":0.500,\"y\":2.5e-1}"),
-            std::string::npos);
+  EXPECT_EQ(program::lines(outcome.output).at(0),
+            "{\"frame\":1,\"time\":0.040,\"boxes\":[{\"x\":0.500000,\"y\":0.250000,\"width\":0.100000,"
+            "\"height\":0.300000,\"regions\":[\"frame\"]}],\"timestamp\":\"41\"}");
+}
+
+TEST(Program, ClipsBoxesToTheFrame) {
+  const Folder folder;
+  program::write(folder / "c.json", R"({"comment": "border"})");
+  const Outcome outcome = run_fake({short_clip(folder), "-c", folder / "c.json"});
+  const Json::Value box = parsed(program::lines(outcome.output).at(0))["boxes"][0];
+  EXPECT_EQ(box["x"].asDouble(), 0.9);
+  EXPECT_EQ(box["width"].asDouble(), 0.1) << "of 1";
+  EXPECT_EQ(box["y"].asDouble(), 0.75);
+  EXPECT_EQ(box["height"].asDouble(), 0.25) << "of 0.3";
 }
 
 TEST(Program, CompletesTheConfigurationFromTheSource) {
   const Folder folder;
   clips::write(folder / "a.mp4", {64, 48}, clips::regular(2, 40ms));
   program::write(folder / "c.json", R"({"sensitivity": "2"})");
+  setenv("LIGHTMOTION_FAKE_CONFIGURATION", (folder / "seen.json").c_str(), 1);
   const Outcome outcome = run_fake({folder / "a.mp4", "--config", folder / "c.json"});
-  const Json::Value config = parsed(outcome.output)["config"];
+  unsetenv("LIGHTMOTION_FAKE_CONFIGURATION");
+  const Json::Value config = parsed(program::read(folder / "seen.json"));
   EXPECT_EQ(config["frmW"], Json::Value("64"));
   EXPECT_EQ(config["frmH"], Json::Value("48"));
   EXPECT_EQ(config["frmChn"], Json::Value("3"));

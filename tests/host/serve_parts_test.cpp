@@ -187,12 +187,14 @@ TEST(EventLog, FollowsAnEventToItsEnd) {
   Event event = event_of("0001", 1s, 2s);
   event.started = "It began.";
   pass->begun(event);
-  EXPECT_TRUE(log.value()["events"][0]["end"].isNull());
+  EXPECT_EQ(log.value()["events"][0]["end"].asDouble(), 2);
+  EXPECT_EQ(log.value()["events"][0]["ended"], "");
   event.end = 3s;
   event.ended = "It ended.";
   pass->ended(event);
   EXPECT_EQ(log.value()["events"][0]["end"].asDouble(), 3);
-  EXPECT_EQ(log.value()["events"][0]["why"], "It began. It ended.");
+  EXPECT_EQ(log.value()["events"][0]["started"], "It began.");
+  EXPECT_EQ(log.value()["events"][0]["ended"], "It ended.");
 }
 
 TEST(EventLog, KeepsFiveHundredEvents) {

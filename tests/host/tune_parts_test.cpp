@@ -151,14 +151,14 @@ TEST(TuneTable, ShowsSpansFiguresAndTheProposal) {
 TEST(TuneTable, HasTheSameFiguresForPrograms) {
   Json::Value root;
   std::istringstream(to_json(small_outcome())) >> root;
-  EXPECT_EQ(root["document"]["sensitivity"], Json::Value("2"));
-  EXPECT_EQ(root["quiet"]["spans"][0][1].asDouble(), 1);
+  EXPECT_EQ(root["configuration"]["sensitivity"], Json::Value("2"));
+  EXPECT_EQ(root["quiet"]["spans"][0]["to"].asDouble(), 1);
   EXPECT_TRUE(root["quiet"]["assumed"].asBool());
   const Json::Value trial = root["trials"][root["chosen"].asUInt()];
   EXPECT_EQ(trial["settings"]["minBoxW"], Json::Value("0.04"));
-  EXPECT_EQ(trial["quiet"]["frames"].asInt(), 1);
-  EXPECT_EQ(trial["motion"]["frames"].asInt(), 1);
-  EXPECT_EQ(trial["frames"].asInt(), 3);
+  EXPECT_EQ(trial["quiet"]["frames_with_boxes"].asInt(), 1);
+  EXPECT_EQ(trial["motion"]["frames_with_boxes"].asInt(), 1);
+  EXPECT_EQ(trial["frames_with_boxes"].asInt(), 3);
 }
 
 // The chart is 760 pixels wide from 230 on, its only row 20 high from 118 on; each look lasts a quarter.

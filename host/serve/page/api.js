@@ -38,7 +38,7 @@ export const check = (text) => post("/api/check", text);
 export const apply = (text) => post("/api/apply", text);
 export const save = (text) => post("/api/save", text);
 export const play = (wish) => post("/api/play", JSON.stringify(wish));
-export const compareWith = (text) => post("/api/compare", JSON.stringify({ document: text }));
+export const compareWith = (text) => post("/api/compare", JSON.stringify({ configuration: text }));
 
 // The picture of a moment, without boxes.
 export async function getStill(time) {

@@ -3,8 +3,7 @@ import { compareWith } from "./api.js";
 import { count, find, say } from "./dom.js";
 import { Picture } from "./picture.js";
 
-const figures = (boxes, cost) =>
-  `${count(boxes.length, "box", "boxes")}${cost === undefined ? "" : ` · ${cost.toFixed(1)} ms`}`;
+const figures = ({ boxes, plugin_ms: cost }) => `${count(boxes.length, "box", "boxes")} · ${cost.toFixed(1)} ms`;
 
 export class Comparison {
   #picture = new Picture(find("old-canvas"), find("old-marks"));
@@ -30,11 +29,12 @@ export class Comparison {
     find("compare").textContent = on ? "End comparison" : "Compare settings";
   }
 
-  show(picture, { boxes, cost, old, time }) {
+  show(picture, about) {
     if (!this.#on) return;
-    find("new-figures").textContent = figures(boxes, cost);
-    if (!old) return;
-    find("old-figures").textContent = figures(old.boxes, old.cost);
-    this.#picture.show(picture, old.boxes, time);
+    find("new-figures").textContent = figures(about);
+    const { baseline, time } = about;
+    if (!baseline) return;
+    find("old-figures").textContent = figures(baseline);
+    this.#picture.show(picture, baseline.boxes, time);
   }
 }

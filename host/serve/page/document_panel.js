@@ -26,10 +26,10 @@ export class DocumentPanel {
     find("load-file").addEventListener("change", ({ target }) => this.#load(target));
   }
 
-  follow({ file, saved, document }) {
+  follow({ file, saved, configuration }) {
     this.#file = file;
     this.#saved = saved;
-    if (saved) this.#savedText = document;
+    if (saved) this.#savedText = configuration;
     this.show();
   }
 

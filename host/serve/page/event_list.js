@@ -36,11 +36,11 @@ export class EventList {
     return element("li", { class: kind }, box);
   }
 
-  #fill(item, { kind, start, end, share, regions, why }) {
+  #fill(item, { kind, start, end, peak_share: share, regions, started, ended }) {
     const [kindBox, span, about, whyBox] = item.firstChild.children;
     setText(kindBox, words[kind] ?? kind);
-    setText(span, `${clock(start)} – ${end === null ? "now" : clock(end)}`);
-    setText(about, [`${percent(share)} of the picture`, ...(regions ?? [])].join(", "));
-    setText(whyBox, why ?? "");
+    setText(span, `${clock(start)} – ${ended ? clock(end) : "now"}`);
+    setText(about, [`${percent(share)} of the picture`, ...regions].join(", "));
+    setText(whyBox, `${started} ${ended}`.trim());
   }
 }

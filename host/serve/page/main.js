@@ -66,7 +66,7 @@ feed.addEventListener("found", () => {
 
 feed.addEventListener("state", ({ detail }) => {
   state = detail;
-  const { name, width, height, rate, live } = state.source;
+  const { name, width, height, frame_rate: rate, live } = state.source;
   const shortName = name.includes("://") ? name : name.split("/").at(-1);
   document.title = `${shortName} – lightmotion`;
   find("source-name").textContent = shortName;
@@ -85,7 +85,7 @@ feed.addEventListener("state", ({ detail }) => {
   timeline.setSource(state.source);
   comparison.follow(state.comparing);
   documentPanel.follow(state);
-  draft.follow(state.document);
+  draft.follow(state.configuration);
   showPresets(state.presets);
   refreshEvents();
 });
@@ -98,7 +98,7 @@ feed.addEventListener("frame", ({ detail: { about, picture: image } }) => {
   timeline.setTime(about.time);
   find("boxes").textContent = about.boxes.length;
   find("fps").textContent = about.fps.toFixed(about.fps < 10 ? 1 : 0);
-  find("cost").textContent = `${about.cost.toFixed(1)} ms`;
+  find("cost").textContent = `${about.plugin_ms.toFixed(1)} ms`;
   if (performance.now() - eventsAt > eventsEvery) refreshEvents();
 });
 

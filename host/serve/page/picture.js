@@ -35,7 +35,7 @@ export class Picture {
   #remember(boxes, time) {
     const newest = this.#trail.at(-1)?.time ?? Infinity;
     if (time < newest || time > newest + 1) this.#trail = [];
-    const feet = boxes.map(([x, y, width, height]) => [x + width / 2, Math.min(1, y + height)]);
+    const feet = boxes.map(({ x, y, width, height }) => [x + width / 2, y + height]);
     this.#trail.push({ time, feet });
     this.#trail = this.#trail.filter((step) => step.time > time - trailSeconds);
   }
@@ -63,18 +63,15 @@ export class Picture {
     }
   }
 
-  // Boxes may reach past the picture.
-  #drawBox([x, y, boxWidth, boxHeight]) {
+  #drawBox({ x, y, width: boxWidth, height: boxHeight }) {
     const { width, height } = this.#canvas;
-    const [left, top] = [Math.max(0, x) * width, Math.max(0, y) * height];
-    const [right, bottom] = [Math.min(1, x + boxWidth) * width, Math.min(1, y + boxHeight) * height];
     for (const [style, thickness] of [
       [colours.casing, 4.5],
       [colours.box, 2],
     ]) {
       this.#context.strokeStyle = style;
       this.#context.lineWidth = thickness * devicePixelRatio;
-      this.#context.strokeRect(left, top, right - left, bottom - top);
+      this.#context.strokeRect(x * width, y * height, boxWidth * width, boxHeight * height);
     }
   }
 

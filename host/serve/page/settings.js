@@ -17,8 +17,8 @@ export const settings = [
     ends: ["low", "high"],
     slider: { min: 1, max: 5, step: 1, unset: 3 },
     text: (value) => (value === "-1" ? "automatic" : value),
-    effect: ({ thrMatch, thrHeuris }) =>
-      `A pixel counts when it differs by more than ${greyLevels(thrMatch)} from the background there and has just changed by ${thrHeuris}.`,
+    effect: ({ match_threshold: match, change_threshold: change }) =>
+      `A pixel counts when it differs by more than ${greyLevels(match)} from the background there and has just changed by ${change}.`,
     extra: { value: "-1", label: "Automatic: level 5, adapts the minimum size to the video" },
   },
   {
@@ -29,7 +29,7 @@ export const settings = [
     ends: ["slow", "fast"],
     slider: { min: 1, max: 5, step: 1, unset: 4 },
     text: (value) => value,
-    effect: ({ thrIllum }) => `Lighting changes above ${greyLevels(thrIllum)} are absorbed.`,
+    effect: ({ lighting_threshold: light }) => `Lighting changes above ${greyLevels(light)} are absorbed.`,
   },
   {
     key: "minBoxW",
@@ -39,7 +39,7 @@ export const settings = [
     ends: ["tiny", "large"],
     slider: { min: 3, max: 80, step: 1, unset: toPlace(0.05), toPlace, fromPlace: toFraction },
     text: (value) => percent(value, 1),
-    effect: ({ leastBoxPixels: size }) => (size ? `${count(size.width, "pixel")} of this picture.` : ""),
+    effect: ({ min_box_pixels: size }) => (size ? `${count(size.width, "pixel")} of this picture.` : ""),
     ghost: true,
   },
   {
@@ -49,7 +49,7 @@ export const settings = [
     ends: ["tiny", "large"],
     slider: { min: 3, max: 80, step: 1, unset: toPlace(0.05), toPlace, fromPlace: toFraction },
     text: (value) => percent(value, 1),
-    effect: ({ leastBoxPixels: size }) => (size ? `${count(size.height, "pixel")} of this picture.` : ""),
+    effect: ({ min_box_pixels: size }) => (size ? `${count(size.height, "pixel")} of this picture.` : ""),
     ghost: true,
   },
   {
@@ -87,8 +87,8 @@ export class Settings {
   }
 
   // Members of a preset that are settings; its regions and remarks are not taken.
-  usePreset({ name, document }) {
-    const preset = JSON.parse(document);
+  usePreset({ name, configuration }) {
+    const preset = JSON.parse(configuration);
     let { text } = this.#draft;
     for (const { key } of settings) {
       const value = presetValue(preset, key);

@@ -30,7 +30,7 @@ export class Timeline {
     });
   }
 
-  setSource({ duration, live, rate }) {
+  setSource({ duration, live, frame_rate: rate }) {
     find("timeline").hidden = false;
     this.#seek.disabled = live || !duration;
     this.#span = duration || liveSpan;
@@ -77,9 +77,9 @@ export class Timeline {
       return `M${place(second).toFixed(1)} 48v${-height.toFixed(1)}h${width.toFixed(1)}v${height.toFixed(1)}z`;
     });
     const now = this.#from + Number(this.#seek.value);
-    const spans = this.#events.map(({ kind, start, end }) => {
+    const spans = this.#events.map(({ kind, start, end, ended }) => {
       const from = place(start);
-      const width = Math.max(3, place(end ?? Math.max(now, start)) - from);
+      const width = Math.max(3, place(ended ? end : Math.max(now, end)) - from);
       return shape("rect", { class: kind, x: from, y: kind === "light" ? 62 : 52, width, height: 7, rx: 2 });
     });
     find("timeline-graph").replaceChildren(shape("path", { class: "activity", d: bars.join("") }), ...spans);

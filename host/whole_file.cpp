@@ -1,5 +1,6 @@
-#include "host/report/whole_file.h"
+#include "host/whole_file.h"
 
+#include <array>
 #include <cerrno>
 #include <cstdio>
 #include <filesystem>
@@ -9,13 +10,35 @@
 #include "host/failure.h"
 
 namespace lm::host {
+namespace {
+
+using Stream = std::unique_ptr<std::FILE, int (*)(std::FILE*)>;
+
+}  // namespace
+
+std::optional<std::string> read_text(const std::string& path) {
+  const Stream stream(std::fopen(path.c_str(), "re"), &std::fclose);
+  if (!stream) return std::nullopt;
+  std::string text;
+  std::array<char, 4096> piece{};
+  std::size_t length = 0;
+  while ((length = std::fread(piece.data(), 1, piece.size(), stream.get())) > 0)
+    text.append(piece.data(), length);
+  if (std::ferror(stream.get()) != 0) return std::nullopt;
+  return text;
+}
+
+std::string required_text(const std::string& path) {
+  if (std::optional<std::string> text = read_text(path)) return *std::move(text);
+  throw Failure(kRefused, path + ": " + std::generic_category().message(errno));
+}
 
 void write_bytes(const PendingFile& file, const std::string& bytes) {
-  std::unique_ptr<std::FILE, int (*)(std::FILE*)> out(std::fopen(file.path().c_str(), "we"), &std::fclose);
+  errno = 0;
+  Stream out(std::fopen(file.path().c_str(), "we"), &std::fclose);
   const bool taken = out && std::fwrite(bytes.data(), 1, bytes.size(), out.get()) == bytes.size() &&
                      std::fclose(out.release()) == 0;
-  if (taken) return;
-  throw Failure(kTrouble, file.target() + " cannot be written: " + std::generic_category().message(errno));
+  if (!taken) cannot_write(file.target(), errno);
 }
 
 void write_file(const std::string& path, const std::string& bytes) {
