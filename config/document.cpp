@@ -3,9 +3,9 @@
 
 #include <cstdio>
 
+#include "base/c_locale.h"
 #include "config/json_text.h"
 #include "config/scalar_keys.h"
-#include "engine/c_locale.h"
 #include "plugin/detector.h"
 
 std::vector<std::string> lightMotion::myjsonReader(std::string config) {

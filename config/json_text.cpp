@@ -6,7 +6,7 @@
 #include <locale>
 #include <string_view>
 
-#include "engine/c_locale.h"
+#include "base/c_locale.h"
 
 namespace lm {
 namespace {

@@ -1,9 +1,9 @@
 // The regions of the configuration document: from JSON arrays to polygons in pixels.
 #include <json/json.h>
 
+#include "base/c_locale.h"
 #include "config/json_text.h"
 #include "config/region_rules.h"
-#include "engine/c_locale.h"
 #include "plugin/detector.h"
 
 namespace {

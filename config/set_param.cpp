@@ -1,9 +1,9 @@
 // The door through which the engine receives its configuration.
 #include <cstring>
 
+#include "base/aligned.h"
+#include "base/c_locale.h"
 #include "config/param_entry.h"
-#include "engine/aligned.h"
-#include "engine/c_locale.h"
 #include "engine/kamble.h"
 #include "plugin/host_log.h"
 

@@ -3,10 +3,10 @@
 #include <cstdio>
 #include <cstring>
 
-#include "engine/aligned.h"
+#include "base/aligned.h"
+#include "base/integers.h"
 #include "engine/kamble.h"
 #include "engine/neighbours.h"
-#include "engine/rules.h"
 
 namespace {
 

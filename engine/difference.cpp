@@ -1,8 +1,8 @@
 // The differences that the model reads: frame to frame, and background to frame, on one channel.
-#include "engine/aligned.h"
+#include "base/aligned.h"
+#include "base/integers.h"
 #include "engine/kamble.h"
 #include "engine/ranges.h"
-#include "engine/rules.h"
 #include "simd/model_kernels.h"
 
 namespace {

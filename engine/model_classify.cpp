@@ -3,8 +3,9 @@
 #include <array>
 #include <bit>
 
-#include "engine/bits.h"
-#include "engine/fetch.h"
+#include "base/bits.h"
+#include "base/integers.h"
+#include "base/prefetch.h"
 #include "engine/kamble.h"
 #include "engine/ranges.h"
 #include "engine/rules.h"
@@ -14,13 +15,13 @@ namespace {
 
 // Asks for the samples that classifyBlock reads. Where most pixels are compared they are read in one go,
 // which the processor sees by itself.
-void fetchSamples(const kAMBLE& engine, const lm::BusyBlock& block) {
+void prefetchSamples(const kAMBLE& engine, const lm::BusyBlock& block) {
   if (std::popcount(block.pixels.compared) > static_cast<int>(lm::blockPixels / 2)) return;
   constexpr std::size_t line = 64;  // bytes that come from memory at once; a pixel's samples lie in two
   lm::forEachBit(block.pixels.compared, [&](std::size_t k) {
     const std::uint8_t* samples = engine.bgModel[block.begin + k].samples[0];
-    lm::fetch(samples);
-    lm::fetch(samples + line);
+    lm::prefetch(samples);
+    lm::prefetch(samples + line);
   });
 }
 
@@ -51,7 +52,7 @@ void lm::classifyRange(kAMBLE& engine, const std::uint8_t* frame, std::size_t be
   std::array<BusyBlock, 16> blocks;
   while (begin < end) {
     const std::size_t found = modelKernels().findBusy(planes, begin, end, blocks.data(), blocks.size());
-    for (std::size_t i = 0; i < found; ++i) fetchSamples(engine, blocks[i]);
+    for (std::size_t i = 0; i < found; ++i) prefetchSamples(engine, blocks[i]);
     for (std::size_t i = 0; i < found; ++i) classifyBlock(engine, frame, planes, blocks[i], end);
   }
 }

@@ -1,6 +1,7 @@
 // Seeding the model from the first frame.
 #include <cstring>
 
+#include "base/integers.h"
 #include "engine/kamble.h"
 #include "engine/rules.h"
 

@@ -4,8 +4,9 @@
 #include <bit>
 #include <cstring>
 
-#include "engine/bits.h"
-#include "engine/fetch.h"
+#include "base/bits.h"
+#include "base/integers.h"
+#include "base/prefetch.h"
 #include "engine/kamble.h"
 #include "engine/neighbours.h"
 #include "engine/ranges.h"
@@ -85,8 +86,8 @@ class PixelList {
 };
 
 template <typename T>
-void fetch(const T* plane, const PixelList& pixels) {
-  for (const std::uint32_t pixel : pixels) lm::fetch(plane + pixel);
+void prefetch(const T* plane, const PixelList& pixels) {
+  for (const std::uint32_t pixel : pixels) lm::prefetch(plane + pixel);
 }
 
 // Blocks with work, and their pixels by what has to be decided.
@@ -139,7 +140,7 @@ void sortPixels(kAMBLE& engine, const lm::NeighbourDistances& neighbours, Batch&
 
 // `distances`: of blocks whose neighbourhoods lie in the frame, which all pixels in question come from.
 void followLight(kAMBLE& engine, const int* distances, Batch& batch) {
-  for (const PixelList* pixels : {&batch.lit, &batch.both}) fetch(engine.nbrCursor, *pixels);
+  for (const PixelList* pixels : {&batch.lit, &batch.both}) prefetch(engine.nbrCursor, *pixels);
   for (const std::uint32_t pixel : batch.lit) {
     batch.written.append(pixel, neighbourChanged(engine, distances, pixel));
   }
@@ -151,8 +152,8 @@ void followLight(kAMBLE& engine, const int* distances, Batch& batch) {
 }
 
 void refresh(kAMBLE& engine, Batch& batch) {
-  fetch(engine.minDist, batch.changed);
-  fetch(engine.refreshCount, batch.changed);
+  prefetch(engine.minDist, batch.changed);
+  prefetch(engine.refreshCount, batch.changed);
   for (const std::uint32_t pixel : batch.changed) {
     if (!isRefreshDue(engine, pixel)) continue;
     engine.updTimer[pixel] = refreshRest;
@@ -161,9 +162,9 @@ void refresh(kAMBLE& engine, Batch& batch) {
 }
 
 void writeSamples(kAMBLE& engine, const std::uint8_t* frame, const PixelList& pixels) {
-  fetch(engine.sampleCursor, pixels);
+  prefetch(engine.sampleCursor, pixels);
   for (const std::uint32_t pixel : pixels) {
-    lm::fetchToWrite(engine.bgModel[pixel].samples[engine.sampleCursor[pixel]]);
+    lm::prefetchToWrite(engine.bgModel[pixel].samples[engine.sampleCursor[pixel]]);
   }
   for (const std::uint32_t pixel : pixels) writeSample(engine, frame, pixel);
 }

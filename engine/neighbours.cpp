@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <cstdlib>
 
+#include "base/integers.h"
 #include "engine/kamble.h"
-#include "engine/rules.h"
 #include "simd/model_kernels.h"
 
 namespace lm {

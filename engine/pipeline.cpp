@@ -4,12 +4,12 @@
 #include <cstring>
 #include <string>
 
-#include "engine/aligned.h"
-#include "engine/c_locale.h"
+#include "base/aligned.h"
+#include "base/c_locale.h"
+#include "base/integers.h"
 #include "engine/kamble.h"
 #include "engine/neighbours.h"
 #include "engine/ranges.h"
-#include "engine/rules.h"
 
 namespace {
 

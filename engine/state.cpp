@@ -1,5 +1,5 @@
 // Construction and destruction of the engine, and the exported variables.
-#include "engine/aligned.h"
+#include "base/aligned.h"
 #include "engine/kamble.h"
 #include "objects/scratch.h"
 

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "engine/rules.h"
+#include "base/integers.h"
 
 namespace {
 

@@ -1,8 +1,8 @@
 // Labelling the 4-connected regions of a map.
 #include <algorithm>
 
+#include "base/integers.h"
 #include "engine/kamble.h"
-#include "engine/rules.h"
 #include "objects/scratch.h"
 
 namespace {

@@ -1,7 +1,7 @@
 // From the foreground mask of a frame to the boxes of what moves.
-#include "engine/aligned.h"
+#include "base/aligned.h"
+#include "base/integers.h"
 #include "engine/kamble.h"
-#include "engine/rules.h"
 #include "objects/join.h"
 #include "objects/region_names.h"
 #include "objects/scratch.h"

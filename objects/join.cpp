@@ -4,7 +4,7 @@
 #include <cstdio>
 #include <utility>
 
-#include "engine/rules.h"
+#include "base/integers.h"
 
 namespace {
 

@@ -1,8 +1,8 @@
 // The list-based morphology: a pass changes no other pixels than those that it lists.
 #include <algorithm>
 
+#include "base/integers.h"
 #include "engine/kamble.h"
-#include "engine/rules.h"
 #include "objects/scratch.h"
 #include "simd/simd.h"
 

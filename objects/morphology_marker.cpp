@@ -2,8 +2,8 @@
 // it.
 #include <algorithm>
 
+#include "base/integers.h"
 #include "engine/kamble.h"
-#include "engine/rules.h"
 
 namespace {
 

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "engine/rules.h"
+#include "base/integers.h"
 
 namespace lm {
 namespace {

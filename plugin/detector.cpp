@@ -4,9 +4,9 @@
 #include <cstring>
 #include <utility>
 
-#include "engine/aligned.h"
+#include "base/aligned.h"
+#include "base/integers.h"
 #include "engine/kamble.h"
-#include "engine/rules.h"
 
 lightMotion::lightMotion() = default;
 
