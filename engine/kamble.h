@@ -24,6 +24,7 @@
 
 #include "config/polygon.h"
 #include "objects/box.h"
+#include "simd/samples.h"
 
 struct ccObj;  // objects/component.h
 namespace lm {
@@ -33,8 +34,8 @@ struct ObjectScratch;  // objects/scratch.h
 // Remembered samples of one pixel: slot s holds the pixel's bytes in the frame's own order, bytes beyond Ch
 // are 0.
 struct BgModel {
-  static constexpr int numSamples = 20;  // slots
-  std::uint8_t samples[numSamples][4];   // slot, byte
+  static constexpr int numSamples = lm::samplesPerPixel;  // slots
+  std::uint8_t samples[numSamples][4];                    // slot, byte
 };
 
 // Indices of a pixel's four direct neighbours, -1 outside the frame.

@@ -12,7 +12,10 @@ class kAMBLE;
 
 namespace lm {
 
-// The 25 offsets of the 5 x 5 neighbourhood, x outer and y inner, each from -2 to 2.
+// Of a pixel's neighbourhood, a square around it.
+inline constexpr std::int32_t neighbourRadius = 2;
+
+// The offsets of the neighbourhood, x outer and y inner, each from -neighbourRadius to neighbourRadius.
 std::vector<pnt> neighbourOffsets();
 
 // A frame of `count` pixels in rows of `width`; `height` rows, unless the product of the sizes wrapped.
@@ -55,7 +58,7 @@ class NeighbourDistances {
   const int* inside() const { return distances_; }
 
  private:
-  static constexpr std::uint32_t reach = 2;  // of a neighbourhood, pixels
+  static constexpr std::uint32_t reach = neighbourRadius;
 
   const int* distances_ = nullptr;
   std::uint32_t width_ = 1;

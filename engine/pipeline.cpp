@@ -88,7 +88,7 @@ bool kAMBLE::learnStrips(const std::uint8_t* frame, std::int32_t pixels) {
   std::size_t differed = 0;
   for (std::size_t begin = 0; begin < count;) {
     const std::size_t end = std::min(count, begin + rows * width);
-    const std::size_t ahead = std::min(count, end + 2 * width);
+    const std::size_t ahead = std::min(count, end + lm::neighbourRadius * width);
     lm::takeRange(*this, frame, channel, differed, ahead);
     differed = ahead;
     if (classify) lm::classifyRange(*this, values, begin, end);

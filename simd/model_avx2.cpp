@@ -1,6 +1,7 @@
 // AVX2 versions of the model's kernels.
 #include <immintrin.h>
 
+#include "simd/life.h"
 #include "simd/model_kernels.h"
 
 namespace {
@@ -195,7 +196,7 @@ template <int relation>
   if (planes.accountLife) {
     const __m256i absorbed = _mm256_cmpeq_epi8(load32(planes.absorbMask + begin), _mm256_set1_epi8(-1));
     lifeless = bitsOf(_mm256_andnot_si256(absorbed, background)) &
-               livesThat<_CMP_LT_OQ>(planes.fgLife + begin, 1.0F);
+               livesThat<_CMP_LT_OQ>(planes.fgLife + begin, lm::leastLife);
   }
   const std::uint32_t left = outside & ~bitsOf(background);
   const std::uint32_t stirred = ~outside & ~(still & lifeless);
@@ -236,8 +237,8 @@ struct LifeStep {
         absorbed(_mm256_set1_ps(rule.absorbed)) {}
 
   [[gnu::always_inline]] static __m256 decayed(__m256 life) {
-    const __m256 alive = _mm256_cmp_ps(life, _mm256_set1_ps(1.0F), _CMP_GE_OQ);
-    return _mm256_blendv_ps(life, _mm256_sub_ps(life, _mm256_set1_ps(0.8F)), alive);
+    const __m256 alive = _mm256_cmp_ps(life, _mm256_set1_ps(lm::leastLife), _CMP_GE_OQ);
+    return _mm256_blendv_ps(life, _mm256_sub_ps(life, _mm256_set1_ps(lm::lifeLoss)), alive);
   }
 
   [[gnu::always_inline]] __m256 gained(__m256 life, __m256i change) const {
@@ -246,9 +247,9 @@ struct LifeStep {
       const __m256 above = _mm256_castsi256_ps(_mm256_cmpgt_epi32(change, band));
       result = _mm256_blendv_ps(_mm256_add_ps(life, _mm256_set1_ps(gain)), result, above);
     };
-    upTo(band3, 0.2F);
-    upTo(band2, 0.5F);
-    upTo(_mm256_set1_epi32(10), 1.0F);
+    upTo(band3, lm::lifeGain3);
+    upTo(band2, lm::lifeGain2);
+    upTo(_mm256_set1_epi32(lm::lifeBand1), lm::lifeGain1);
     return result;
   }
 

@@ -9,6 +9,8 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "simd/samples.h"
+
 namespace lm {
 
 inline constexpr std::size_t blockPixels = 32;
@@ -86,13 +88,12 @@ using SettleBlockFn = void(const ClassifyPlanes& planes, std::size_t begin, std:
 // ---- matching
 // -----------------------------------------------------------------------------------------------
 
-inline constexpr std::size_t samplesPerPixel = 20;
 inline constexpr std::uint32_t nothingMatched = 999;
 
-// How pixels are compared with their samples (20 slots of 4 bytes). The distance is the sum of the absolute
-// differences of the first three bytes (of the first one, with one channel); a sample matches when none of
-// them is above `radius`. Slots are walked in order until `needed` have matched. With one channel the count
-// is tested after every slot, matched or not; with more, only after a match.
+// How pixels are compared with their samples (samplesPerPixel slots of 4 bytes). The distance is the sum of
+// the absolute differences of the first three bytes (of the first one, with one channel); a sample matches
+// when none of them is above `radius`. Slots are walked in order until `needed` have matched. With one
+// channel the count is tested after every slot, matched or not; with more, only after a match.
 struct MatchRule {
   std::int32_t channels;  // 1, 3 or 4
   std::int32_t radius;

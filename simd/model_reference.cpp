@@ -14,7 +14,7 @@ constexpr std::uint8_t foreground = 255;
 constexpr std::uint8_t background = 0;
 
 bool isIdle(const ClassifyPlanes& planes, std::size_t pixel) {
-  return planes.fgMask[pixel] == 0 && planes.absorbMask[pixel] != 255 && planes.fgLife[pixel] < 1.0F;
+  return planes.fgMask[pixel] == 0 && planes.absorbMask[pixel] != 255 && planes.fgLife[pixel] < leastLife;
 }
 
 // Adds `pixel`, bit `bit` of its block, to the mask that it belongs in, if any.
