@@ -18,20 +18,20 @@ int takeChannel(kAMBLE& engine) {
 
 }  // namespace
 
-int kAMBLE::prepareDifferences() {
-  skipFrame = false;
-  const std::int32_t framePixels = lm::wrapMul(szImgX, szImgY);
-  int channel = lm::noDifference;
-  if (prevFrame != nullptr) {
-    channel = takeChannel(*this);
-    lm::makeOnce(rdDiff, numPixel);
-    if (illumChange) lm::makeOnce(illumDiff, lm::wrapMul(framePixels, frmChn));
+int lm::prepareDifferences(kAMBLE& engine) {
+  engine.skipFrame = false;
+  const std::int32_t framePixels = wrapMul(engine.szImgX, engine.szImgY);
+  int channel = noDifference;
+  if (engine.prevFrame != nullptr) {
+    channel = takeChannel(engine);
+    makeOnce(engine.rdDiff, engine.numPixel);
+    if (engine.illumChange) makeOnce(engine.illumDiff, wrapMul(framePixels, engine.frmChn));
   } else {
-    lm::makeOnce(rdDiff, numPixel, 255);
+    makeOnce(engine.rdDiff, engine.numPixel, 255);
   }
-  if (prevFgMask == nullptr) {
-    lm::makeOnce(prevFgMask, framePixels, 1);
-    lm::makeOnce(fgMask, framePixels);
+  if (engine.prevFgMask == nullptr) {
+    makeOnce(engine.prevFgMask, framePixels, 1);
+    makeOnce(engine.fgMask, framePixels);
   }
   return channel;
 }
@@ -49,7 +49,7 @@ void lm::takeRange(kAMBLE& engine, const std::uint8_t* frame, int channel, std::
 }
 
 bool kAMBLE::heuristic_ncv() {
-  const int channel = prepareDifferences();
+  const int channel = lm::prepareDifferences(*this);
   lm::takeRange(*this, nullptr, channel, 0, lm::countOf(lm::wrapMul(szImgX, szImgY)));
   return skipFrame;
 }

@@ -28,7 +28,7 @@
 
 struct ccObj;  // objects/component.h
 namespace lm {
-struct ObjectScratch;  // objects/scratch.h
+struct EngineState;  // engine/engine_state.h
 }
 
 // Remembered samples of one pixel: slot s holds the pixel's bytes in the frame's own order, bytes beyond Ch
@@ -209,38 +209,5 @@ class kAMBLE {
   std::vector<int> morphList;       // scratch of the list-based morphology; room for a frame
   std::int32_t frmCount = 0;        // frames accepted; 0 means not yet sized
 
-  // ==== bookkeeping ==============================================================================
-
-  // What the engine itself allocated: a plane that a caller put in place is taken to be large enough.
-  struct Made {
-    const void* buffer = nullptr;
-    std::size_t bytes = 0;
-  };
-  Made curFrameMade, prevFrameMade, bgImgMade, roiMaskMade;
-
-  // Extends roiMask and the region masks that setParam made to `count` pixels: what is new is outside. False
-  // when memory is lacking. (buffers.cpp)
-  bool fitRegionMasks(std::int32_t count);
-  // Whether curFrame, prevFrame and bgImg hold numPixel pixels of frmChn bytes. (pipeline.cpp)
-  bool holdsFrames() const;
-  // Releases what initBuffer_ncv would otherwise replace without freeing it. (buffers.cpp)
-  void releaseModel();
-  // Makes the planes of the differences that are missing; returns the channel to compare, or
-  // lm::noDifference. (difference.cpp)
-  int prepareDifferences();
-  // Whether the planes that classification and update need are there. (model_classify.cpp, model_update.cpp)
-  bool canClassify() const;
-  bool canUpdate() const;
-  // Learns a frame of `pixels` pixels once the engine is sized, strip by strip; it is in curFrame already
-  // where `frame` is null. (pipeline.cpp)
-  bool learnStrips(const std::uint8_t* frame, std::int32_t pixels);
-  bool continues(const std::uint8_t* frame, std::int32_t pixels, int channels) const;
-  // Pixels of a strip, made up to whole rows: few enough for its planes to stay in a processor's own cache
-  // from one step to the next. Any number gives the same results.
-  std::size_t stripPixels = 8192;
-  std::vector<int> nbrDistances;  // see lm::neighbourDistances; empty unless initBuffer_ncv filled the arrays
-  std::size_t regionMaskBytes = 0;         // bytes of each region mask that setParam made
-  std::vector<std::uint32_t*> labelTable;  // the table that labelRows points to
-  // What object extraction keeps between frames; made when it is first needed. (objects/scratch.h)
-  std::unique_ptr<lm::ObjectScratch> objectScratch;
+  std::unique_ptr<lm::EngineState> state;  // the library's own; made when it is first needed
 };

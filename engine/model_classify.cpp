@@ -57,14 +57,15 @@ void lm::classifyRange(kAMBLE& engine, const std::uint8_t* frame, std::size_t be
   }
 }
 
-bool kAMBLE::canClassify() const {
-  return roiMask != nullptr && fgMask != nullptr && prevFgMask != nullptr && rdDiff != nullptr &&
-         curFrame != nullptr && absorbMask != nullptr && fgLife != nullptr && minDist != nullptr &&
-         bgModel.size() >= lm::countOf(numPixel);
+bool lm::canClassify(const kAMBLE& engine) {
+  return engine.roiMask != nullptr && engine.fgMask != nullptr && engine.prevFgMask != nullptr &&
+         engine.rdDiff != nullptr && engine.curFrame != nullptr && engine.absorbMask != nullptr &&
+         engine.fgLife != nullptr && engine.minDist != nullptr &&
+         engine.bgModel.size() >= lm::countOf(engine.numPixel);
 }
 
 bool kAMBLE::recogFg_ncv() {
-  if (!canClassify()) return false;
+  if (!lm::canClassify(*this)) return false;
   lm::classifyRange(*this, curFrame, 0, lm::countOf(numPixel));
   return true;
 }

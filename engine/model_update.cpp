@@ -200,16 +200,18 @@ void lm::updateRange(kAMBLE& engine, const std::uint8_t* frame, std::size_t begi
   }
 }
 
-bool kAMBLE::canUpdate() const {
-  const std::size_t count = lm::countOf(numPixel);
-  return roiMask != nullptr && fgMask != nullptr && prevFgMask != nullptr && rdDiff != nullptr &&
-         curFrame != nullptr && absorbMask != nullptr && minDist != nullptr && bgImg != nullptr &&
-         updTimer != nullptr && refreshCount != nullptr && sampleCursor != nullptr && nbrCursor != nullptr &&
-         (!illumChange || illumDiff != nullptr) && bgModel.size() >= count && nbrIdx.size() >= count;
+bool lm::canUpdate(const kAMBLE& engine) {
+  const std::size_t count = lm::countOf(engine.numPixel);
+  return engine.roiMask != nullptr && engine.fgMask != nullptr && engine.prevFgMask != nullptr &&
+         engine.rdDiff != nullptr && engine.curFrame != nullptr && engine.absorbMask != nullptr &&
+         engine.minDist != nullptr && engine.bgImg != nullptr && engine.updTimer != nullptr &&
+         engine.refreshCount != nullptr && engine.sampleCursor != nullptr && engine.nbrCursor != nullptr &&
+         (!engine.illumChange || engine.illumDiff != nullptr) && engine.bgModel.size() >= count &&
+         engine.nbrIdx.size() >= count;
 }
 
 bool kAMBLE::updateModel_ncv() {
-  if (!canUpdate()) return false;
+  if (!lm::canUpdate(*this)) return false;
   lm::LightCount light;
   lm::updateRange(*this, curFrame, 0, lm::countOf(numPixel), lm::NeighbourDistances(), light);
   illumRatio = light.ratio();

@@ -22,6 +22,14 @@ struct LightCount {
 // The channel when there is no frame before to differ from.
 inline constexpr int noDifference = -1;
 
+// Makes the planes of the differences that are missing; returns the channel to compare, or noDifference.
+// (difference.cpp)
+int prepareDifferences(kAMBLE& engine);
+
+// Whether the planes that classification and update need exist. (model_classify.cpp, model_update.cpp)
+bool canClassify(const kAMBLE& engine);
+bool canUpdate(const kAMBLE& engine);
+
 // Takes `frame` into curFrame, unless it is null because it is there already; then rdDiff, and illumDiff
 // where illumination handling is on, on `channel`. Reads no other pixels. (difference.cpp)
 void takeRange(kAMBLE& engine, const std::uint8_t* frame, int channel, std::size_t begin, std::size_t end);

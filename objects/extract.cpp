@@ -12,8 +12,9 @@ namespace {
 
 // Whether the engine was sized, and for the frame size that it states now.
 bool isSized(const kAMBLE& engine) {
-  const bool tableFits = engine.labelRows == nullptr || engine.labelRows != engine.labelTable.data() ||
-                         engine.labelTable.size() == lm::countOf(engine.szImgY);
+  const std::vector<std::uint32_t*>& table = lm::stateOf(engine).labelTable;
+  const bool tableFits = engine.labelRows == nullptr || engine.labelRows != table.data() ||
+                         table.size() == lm::countOf(engine.szImgY);
   return engine.szImgX >= 1 && engine.numPixel >= 1 && tableFits &&
          std::int64_t{engine.szImgX} * engine.szImgY == engine.numPixel && engine.roiMask != nullptr &&
          engine.nbr4Idx.size() >= lm::countOf(engine.numPixel);
@@ -34,8 +35,9 @@ bool makeLabels(kAMBLE& engine) {
   const bool blank = engine.labelMap == nullptr && engine.labelRows == nullptr;
   bool made = lm::makeOnce(engine.labelMap, engine.numPixel);
   if (engine.labelRows == nullptr) {
-    engine.labelTable.assign(lm::countOf(engine.szImgY), nullptr);
-    engine.labelRows = engine.labelTable.data();
+    std::vector<std::uint32_t*>& table = lm::stateOf(engine).labelTable;
+    table.assign(lm::countOf(engine.szImgY), nullptr);
+    engine.labelRows = table.data();
   }
   for (std::int32_t row = 0; row < engine.szImgY; ++row) {
     made &= lm::makeOnce(engine.labelRows[row], engine.szImgX);
@@ -68,7 +70,8 @@ std::vector<boxRect> kAMBLE::genFgObj_ncv(unsigned char* mask) {
   if (!makeLabels(*this)) return {};
 
   lm::SmallComponents small;
-  std::vector<boxRect> boxes = boxesOf(*this, objectScratch->labels.label(mask, objectScratch->mask), small);
+  lm::ObjectScratch& scratch = lm::scratchOf(*this);
+  std::vector<boxRect> boxes = boxesOf(*this, scratch.labels.label(mask, scratch.mask), small);
   lm::joinNear(boxes, thrConnect);
   lm::dropSmall(boxes, minObjWPxl, minObjHPxl);
   lm::joinOverlapping(boxes);

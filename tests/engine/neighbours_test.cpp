@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <set>
 
+#include "engine/engine_state.h"
 #include "engine/neighbours.h"
 #include "tests/support/engine_fixture.h"
 
@@ -154,7 +155,7 @@ bool followDistances(const SizedEngine& engine, std::size_t begin) {
   if (begin + 32 > engine.pixels()) return false;
   for (std::size_t i = begin; i < begin + 32; ++i) {
     for (std::size_t k = 0; k < 25; ++k) {
-      if (engine.nbrIdx[i][k] != static_cast<int>(i) + engine.nbrDistances[k]) return false;
+      if (engine.nbrIdx[i][k] != static_cast<int>(i) + stateOf(engine).nbrDistances[k]) return false;
     }
   }
   return true;
@@ -164,7 +165,7 @@ TEST(NeighbourDistances, AreGivenForBlocksInsideTheFrameOnly) {
   for (const auto& [width, height] :
        {std::pair{36, 5}, {37, 6}, {64, 5}, {100, 9}, {35, 7}, {50, 4}, {1, 200}}) {
     const SizedEngine engine(width, height, 1);
-    const NeighbourDistances distances(engine, engine.nbrDistances);
+    const NeighbourDistances distances(engine, stateOf(engine).nbrDistances);
     std::size_t given = 0;
     for (std::size_t begin = 0; begin < engine.pixels(); ++begin) {
       if (distances.of(begin) == nullptr) continue;
@@ -181,9 +182,9 @@ TEST(NeighbourDistances, AreGivenForBlocksInsideTheFrameOnly) {
 TEST(NeighbourDistances, AreNotGivenForArraysOfAnotherLength) {
   SizedEngine engine(40, 8, 1);
   const std::size_t inside = 3 * 40 + 4;
-  ASSERT_NE(NeighbourDistances(engine, engine.nbrDistances).of(inside), nullptr);
+  ASSERT_NE(NeighbourDistances(engine, stateOf(engine).nbrDistances).of(inside), nullptr);
   engine.numNbr = 9;
-  EXPECT_EQ(NeighbourDistances(engine, engine.nbrDistances).of(inside), nullptr);
+  EXPECT_EQ(NeighbourDistances(engine, stateOf(engine).nbrDistances).of(inside), nullptr);
 }
 
 }  // namespace
