@@ -2,6 +2,7 @@
 // has stayed still.
 #include <array>
 #include <bit>
+#include <cassert>
 
 #include "base/bits.h"
 #include "base/integers.h"
@@ -27,6 +28,7 @@ void prefetchSamples(const kAMBLE& engine, const lm::BusyBlock& block) {
 
 void classifyBlock(const kAMBLE& engine, const std::uint8_t* frame, const lm::ClassifyPlanes& planes,
                    const lm::BusyBlock& block, std::size_t end) {
+  assert(block.begin < end && lm::fitsIn(block.pixels.compared, end - block.begin));
   const lm::ModelKernels& kernels = lm::modelKernels();
   std::uint32_t matched = 0;
   if (block.pixels.compared != 0) {
@@ -48,10 +50,12 @@ lm::ClassifyPlanes planesOf(const kAMBLE& engine) {
 }  // namespace
 
 void lm::classifyRange(kAMBLE& engine, const std::uint8_t* frame, std::size_t begin, std::size_t end) {
+  assert(begin <= end && end <= engine.bgModel.size());
   const ClassifyPlanes planes = planesOf(engine);
   std::array<BusyBlock, 16> blocks;
   while (begin < end) {
     const std::size_t found = modelKernels().findBusy(planes, begin, end, blocks.data(), blocks.size());
+    assert(found <= blocks.size());
     for (std::size_t i = 0; i < found; ++i) prefetchSamples(engine, blocks[i]);
     for (std::size_t i = 0; i < found; ++i) classifyBlock(engine, frame, planes, blocks[i], end);
   }

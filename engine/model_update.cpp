@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <array>
 #include <bit>
+#include <cassert>
 #include <cstring>
 
 #include "base/bits.h"
@@ -34,6 +35,7 @@ void writeSample(kAMBLE& engine, const std::uint8_t* frame, std::size_t pixel) {
   const auto bytes = static_cast<std::size_t>(engine.frmChn);
   const std::uint8_t* value = frame + pixel * bytes;
   const std::uint32_t slot = engine.sampleCursor[pixel];
+  assert(slot < BgModel::numSamples);
   engine.sampleCursor[pixel] =
       lm::nextSlot(slot, engine.lockSegStart, engine.lockSegEnd, BgModel::numSamples);
   copyPixel(engine.bgModel[pixel].samples[slot], value, bytes);
@@ -60,6 +62,7 @@ class PixelList {
   // Those of the block at `begin` whose bits are set.
   void append(std::size_t begin, std::uint32_t bits) {
     const auto count = static_cast<std::size_t>(std::popcount(bits));
+    assert(size_ + count <= room);
     // Hardly a block has more than four; with these written, wanted or not, the processor need not guess.
     for (std::size_t done = 0; done < count; done += step) {
       for (std::size_t i = 0; i < step; ++i, bits &= bits - 1) {
@@ -71,6 +74,7 @@ class PixelList {
   }
 
   void append(std::uint32_t pixel, bool wanted) {
+    assert(size_ < room);
     pixels_[size_] = pixel;
     size_ += static_cast<std::size_t>(wanted);
   }
@@ -81,7 +85,8 @@ class PixelList {
 
  private:
   static constexpr std::size_t step = 4;
-  std::array<std::uint32_t, blocksAhead * lm::blockPixels + step> pixels_;
+  static constexpr std::size_t room = blocksAhead * lm::blockPixels;
+  std::array<std::uint32_t, room + step> pixels_;
   std::size_t size_ = 0;
 };
 
@@ -108,6 +113,7 @@ struct Batch {
 // pixel's block, or null.
 bool neighbourChanged(kAMBLE& engine, const int* distances, std::size_t pixel) {
   const std::uint32_t entry = engine.nbrCursor[pixel];
+  assert(entry < lm::countOf(engine.numNbr));
   engine.nbrCursor[pixel] = lm::nextInRing(entry, engine.numNbr);
   const std::int64_t neighbour = distances != nullptr ? static_cast<std::int64_t>(pixel) + distances[entry]
                                                       : engine.nbrIdx[pixel][entry];
@@ -120,6 +126,7 @@ void sortPixels(kAMBLE& engine, const lm::NeighbourDistances& neighbours, Batch&
   for (std::size_t i = 0; i < batch.size; ++i) {
     const std::size_t begin = batch.blocks[i].begin;
     const lm::UpdateWork& work = batch.blocks[i].work;
+    assert(lm::fitsIn(work.absorbed | work.lit | work.changed, engine.bgModel.size() - begin));
     for (std::uint32_t left = work.absorbed; left != 0; left &= left - 1) {
       engine.absorbMask[begin + static_cast<std::size_t>(std::countr_zero(left))] = 0;
     }
@@ -188,6 +195,7 @@ float lm::LightCount::ratio() const {
 
 void lm::updateRange(kAMBLE& engine, const std::uint8_t* frame, std::size_t begin, std::size_t end,
                      const NeighbourDistances& distances, LightCount& light) {
+  assert(begin <= end && end <= engine.bgModel.size());
   const ModelKernels& kernels = modelKernels();
   const UpdatePlanes planes{engine.roiMask,    engine.rdDiff,           engine.prevFgMask, engine.fgMask,
                             engine.absorbMask, engine.illumDiff,        engine.updTimer,   engine.thrHeuris,
@@ -195,6 +203,7 @@ void lm::updateRange(kAMBLE& engine, const std::uint8_t* frame, std::size_t begi
   Batch batch;
   while (begin < end) {
     batch.size = kernels.findUpdateWork(planes, begin, end, batch.blocks.data(), blocksAhead, light.examined);
+    assert(batch.size <= blocksAhead);
     for (std::size_t i = 0; i < batch.size; ++i) light.changed += std::popcount(batch.blocks[i].work.lit);
     updateBatch(engine, frame, distances, batch);
   }

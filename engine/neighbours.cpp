@@ -1,6 +1,7 @@
 #include "engine/neighbours.h"
 
 #include <algorithm>
+#include <cassert>
 #include <cstdlib>
 
 #include "base/integers.h"
@@ -64,6 +65,7 @@ NeighbourDistances::NeighbourDistances(const kAMBLE& engine, const std::vector<i
 
 void fillNeighbours(const std::vector<int*>& arrays, std::int32_t numEntries, const std::vector<pnt>& offsets,
                     const FrameShape& shape) {
+  assert(arrays.size() >= countOf(shape.count) && offsets.size() >= countOf(numEntries));
   const std::vector<int> distances = neighbourDistances(offsets, numEntries, shape);
   constexpr std::int32_t reach = neighbourRadius;
   std::int32_t x = 0;
@@ -85,6 +87,7 @@ void fillNeighbours(const std::vector<int*>& arrays, std::int32_t numEntries, co
 }
 
 void fillDirectNeighbours(std::vector<int128_t>& records, const FrameShape& shape) {
+  assert(records.size() >= countOf(shape.count));
   const auto store = [](std::int32_t& field, bool exists, std::int32_t index) {
     if (exists) field = index;
   };

@@ -1,5 +1,6 @@
 // One frame, in order.
 #include <algorithm>
+#include <cassert>
 #include <cstdio>
 #include <cstring>
 #include <string>
@@ -33,6 +34,7 @@ void copyBytes(std::uint8_t* to, const std::uint8_t* from, std::int32_t bytes) {
 // A mask that is the same is not written again.
 void rememberMask(kAMBLE& engine, std::size_t begin, std::size_t end) {
   if (engine.prevFgMask == nullptr || engine.fgMask == nullptr) return;
+  assert(begin <= end);
   if (std::memcmp(engine.prevFgMask + begin, engine.fgMask + begin, end - begin) == 0) return;
   std::memcpy(engine.prevFgMask + begin, engine.fgMask + begin, end - begin);
 }

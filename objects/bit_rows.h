@@ -2,6 +2,7 @@
 #pragma once
 
 #include <bit>
+#include <cassert>
 #include <cstddef>
 #include <cstdint>
 #include <vector>
@@ -25,7 +26,11 @@ class BitRows {
   const std::uint64_t* row(std::ptrdiff_t y) const { return bits_.data() + offset(y); }
 
  private:
-  std::size_t offset(std::ptrdiff_t y) const { return 1 + static_cast<std::size_t>(y + 1) * stride_; }
+  std::size_t offset(std::ptrdiff_t y) const {
+    const std::size_t begin = 1 + static_cast<std::size_t>(y + 1) * stride_;
+    assert(y >= -1 && begin + stride_ <= bits_.size());
+    return begin;
+  }
 
   std::size_t stride_ = 0;
   std::vector<std::uint64_t> bits_;

@@ -1,6 +1,7 @@
 #include "objects/label_map.h"
 
 #include <algorithm>
+#include <cassert>
 #include <cstring>
 
 #include "simd/simd.h"
@@ -66,6 +67,7 @@ void LabelMap::writeRow(const std::uint8_t* pixels, const RunsOfRow& runs) {
 }
 
 const std::vector<SpannedComponent>& LabelMap::label(const std::uint8_t* mask, const MaskBits& uncleaned) {
+  assert(planes_.map != nullptr && planes_.rows != nullptr);
   const auto width = static_cast<std::size_t>(planes_.width);
   runs_.start(planes_.width, 1);
   for (std::size_t y = 0; y < dueRows_.size(); ++y) {

@@ -1,6 +1,7 @@
 #include "objects/mask_bits.h"
 
 #include <algorithm>
+#include <cassert>
 
 namespace lm {
 namespace {
@@ -29,6 +30,7 @@ std::size_t MaskBits::pixelsInRow(std::size_t y) const { return std::min(width_,
 
 void MaskBits::read(const std::uint8_t* mask, std::size_t width, std::size_t pixels,
                     const MaskValues& values) {
+  assert(width > 0);
   values_ = values;
   if (width_ != width || pixels_ != pixels) {
     const std::size_t height = (pixels + width - 1) / width;

@@ -1,6 +1,7 @@
 // A byte mask as bits: what erosion works on.
 #pragma once
 
+#include <cassert>
 #include <cstddef>
 #include <cstdint>
 #include <vector>
@@ -24,7 +25,10 @@ class MaskBits {
   void write(std::uint8_t* mask) const;
 
   // Whether row `y` of the mask held anything but cleared pixels.
-  bool held(std::size_t y) const { return held_[y] != 0; }
+  bool held(std::size_t y) const {
+    assert(y < held_.size());
+    return held_[y] != 0;
+  }
 
  private:
   std::size_t pixelsInRow(std::size_t y) const;
