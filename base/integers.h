@@ -27,7 +27,7 @@ constexpr std::int64_t wrapMul(std::int64_t a, std::int64_t b) {
   return static_cast<std::int64_t>(static_cast<std::uint64_t>(a) * static_cast<std::uint64_t>(b));
 }
 
-// Bytes of a frame or plane, or nothing for a product that wrapped below zero.
+// Size of a frame or plane; 0 for a product that wrapped below zero.
 constexpr std::size_t countOf(std::int32_t product) {
   return product > 0 ? static_cast<std::size_t>(product) : 0;
 }

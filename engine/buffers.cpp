@@ -11,7 +11,7 @@
 
 namespace {
 
-// Makes `mask`, of `have` bytes, `need` bytes long: what is new counts as outside. False leaves it as it was.
+// Extends `mask` from `have` to `need` bytes: the new ones count as outside. False leaves it as it was.
 bool growRoiMask(std::uint8_t*& mask, std::size_t have, std::size_t need) {
   auto* larger = static_cast<std::uint8_t*>(lm::allocateAligned(static_cast<std::ptrdiff_t>(need)));
   if (larger == nullptr) return false;
@@ -52,8 +52,8 @@ void makeDirectNeighbours(kAMBLE& engine, const lm::FrameShape& shape) {
   if (shape.width >= 1) lm::fillDirectNeighbours(engine.nbr4Idx, shape);
 }
 
-// Extends roiMask and the region masks that setParam made to `count` pixels: what is new is outside. False
-// when an allocation fails.
+// Extends roiMask and the region masks that setParam made to `count` pixels: the new ones count as outside.
+// False when an allocation fails.
 bool fitRegionMasks(kAMBLE& engine, std::int32_t count) {
   const std::size_t need = lm::countOf(count);
   lm::EngineState& state = lm::stateOf(engine);

@@ -7,7 +7,7 @@
 
 namespace {
 
-// Channel of this frame's differences; moves the counter on. The fourth channel is never compared: its turn
+// Channel of this frame's differences; advances the counter. The fourth channel is never compared: its turn
 // uses channel 0 again.
 int takeChannel(kAMBLE& engine) {
   const int channel = engine.diffChn < 3 ? engine.diffChn : 0;

@@ -14,11 +14,11 @@
 
 namespace {
 
-// Asks for the samples that classifyBlock reads. Where most pixels are compared they are read in one go,
-// which the processor sees by itself.
+// Prefetches the samples that classifyBlock reads. Where most pixels are compared the reads are sequential
+// and the hardware prefetcher covers them.
 void prefetchSamples(const kAMBLE& engine, const lm::BusyBlock& block) {
   if (std::popcount(block.pixels.compared) > static_cast<int>(lm::blockPixels / 2)) return;
-  constexpr std::size_t line = 64;  // bytes that come from memory at once; a pixel's samples lie in two
+  constexpr std::size_t line = 64;  // bytes of a cache line; a pixel's samples are in two
   lm::forEachBit(block.pixels.compared, [&](std::size_t k) {
     const std::uint8_t* samples = engine.bgModel[block.begin + k].samples[0];
     lm::prefetch(samples);

@@ -1,4 +1,5 @@
-// Replacing samples: absorbed pixels and changes of light at once, slowly changing background now and then.
+// Replacing samples: at once for absorbed pixels and lighting changes, once in 16 frames for slowly changing
+// background.
 #include <algorithm>
 #include <array>
 #include <bit>
@@ -22,7 +23,7 @@ constexpr std::uint32_t refreshCycle = 16;  // a qualifying pixel is refreshed o
 constexpr std::uint32_t refreshTurn = 1;    // position in the cycle at which it is
 constexpr std::int32_t refreshRest = 15;    // frames that it then rests
 
-// Copies of a length that the compiler knows are a move or two.
+// A copy of constant length compiles to a move or two.
 void copyPixel(std::uint8_t* to, const std::uint8_t* from, std::size_t bytes) {
   if (bytes == 3) {
     std::memcpy(to, from, 3);
@@ -52,18 +53,18 @@ bool isRefreshDue(kAMBLE& engine, std::size_t pixel) {
   return turn == refreshTurn;
 }
 
-// Blocks that are found before the first of them is worked on, so that their cursors and samples come from
-// memory while others are searched for.
+// Blocks found before the first of them is processed, so that cursors and samples are prefetched during the
+// search.
 constexpr std::size_t blocksAhead = 64;
 
-// Pixels that wait for the same decision: memory is asked for all of them, and one loop decides them all.
+// Pixels that wait for the same decision, grouped so that their data can be prefetched together.
 class PixelList {
  public:
   // Those of the block at `begin` whose bits are set.
   void append(std::size_t begin, std::uint32_t bits) {
     const auto count = static_cast<std::size_t>(std::popcount(bits));
     assert(size_ + count <= room);
-    // Hardly a block has more than four; with these written, wanted or not, the processor need not guess.
+    // Few blocks have more than four; always writing four avoids a mispredicted branch.
     for (std::size_t done = 0; done < count; done += step) {
       for (std::size_t i = 0; i < step; ++i, bits &= bits - 1) {
         pixels_[size_ + done + i] =
@@ -99,9 +100,9 @@ void prefetch(const T* plane, const PixelList& pixels) {
 struct Batch {
   std::array<lm::UpdateBlock, blocksAhead> blocks;
   std::size_t size = 0;
-  PixelList lit;      // whose change of light is followed if a neighbour's changed as well
-  PixelList both;     // likewise, or else the slow refresh looks at them
-  PixelList changed;  // which the slow refresh looks at
+  PixelList lit;      // whose lighting change is followed if a neighbour changed as well
+  PixelList both;     // the same; otherwise candidates for the slow refresh
+  PixelList changed;  // candidates for the slow refresh
   PixelList written;  // whose samples are replaced
 
   void clear() {
@@ -120,7 +121,7 @@ bool neighbourChanged(kAMBLE& engine, const int* distances, std::size_t pixel) {
   return engine.illumDiff[neighbour == -1 ? pixel : static_cast<std::size_t>(neighbour)] > engine.thrIllum;
 }
 
-// A change of light over much of the scene is followed at once; elsewhere only together with a neighbour.
+// A lighting change over much of the scene is followed at once, a local one only together with a neighbour.
 void sortPixels(kAMBLE& engine, const lm::NeighbourDistances& neighbours, Batch& batch) {
   const bool everywhere = !(engine.illumRatio < globalChangeRatio);
   for (std::size_t i = 0; i < batch.size; ++i) {
@@ -145,7 +146,7 @@ void sortPixels(kAMBLE& engine, const lm::NeighbourDistances& neighbours, Batch&
   }
 }
 
-// `distances`: of blocks whose neighbourhoods lie in the frame, which all pixels in question come from.
+// `distances`: of interior blocks, where all of these pixels are.
 void followLight(kAMBLE& engine, const int* distances, Batch& batch) {
   for (const PixelList* pixels : {&batch.lit, &batch.both}) prefetch(engine.nbrCursor, *pixels);
   for (const std::uint32_t pixel : batch.lit) {

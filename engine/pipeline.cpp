@@ -15,8 +15,8 @@
 
 namespace {
 
-// Makes `plane` at least `bytes` long. A larger one replaces it only once it is there, so that running out of
-// memory loses nothing; a plane that the engine did not make is taken as it is.
+// Makes `plane` at least `bytes` long. A larger one replaces it only after its allocation, so that a failure
+// loses nothing; a plane that the engine did not make is used as it is.
 bool makeRoom(std::uint8_t*& plane, lm::Made& made, std::int32_t bytes) {
   if (plane != nullptr && !made.isTooSmall(plane, lm::countOf(bytes))) return true;
   std::uint8_t* fresh = nullptr;
@@ -31,7 +31,7 @@ void copyBytes(std::uint8_t* to, const std::uint8_t* from, std::int32_t bytes) {
   if (bytes > 0) std::memcpy(to, from, static_cast<std::size_t>(bytes));
 }
 
-// A mask that is the same is not written again.
+// An unchanged mask is not written again.
 void rememberMask(kAMBLE& engine, std::size_t begin, std::size_t end) {
   if (engine.prevFgMask == nullptr || engine.fgMask == nullptr) return;
   assert(begin <= end);
@@ -49,7 +49,7 @@ void rememberFrame(kAMBLE& engine, std::size_t begin, std::size_t end) {
 bool isKnownCount(int channels) { return channels == 1 || channels == 3 || channels == 4; }
 
 // Differences, classification and update of one frame, then the copies that the next frame compares with,
-// strip by strip; `frame` is null where it is in curFrame already. The update of a strip reads illumDiff two
+// strip by strip; `frame` is null when it is in curFrame already. The update of a strip reads illumDiff two
 // rows ahead, so the differences run that far ahead.
 bool learnStrips(kAMBLE& engine, const std::uint8_t* frame, std::int32_t pixels) {
   lm::EngineState& state = lm::stateOf(engine);
@@ -63,7 +63,7 @@ bool learnStrips(kAMBLE& engine, const std::uint8_t* frame, std::int32_t pixels)
 
   const std::size_t count = lm::countOf(engine.numPixel);
   const std::size_t width = std::max<std::size_t>(1, lm::countOf(engine.szImgX));
-  // A channel beyond the frame's reads across pixels, which only the frame as a whole can do.
+  // A channel beyond the frame's reads across pixels, so the whole frame is one strip.
   const std::size_t rows = channel < engine.frmChn ? state.stripPixels / width + 1 : count;
   const lm::NeighbourDistances distances(engine, state.nbrDistances);
   const std::uint8_t* values = frame != nullptr ? frame : engine.curFrame;
@@ -85,7 +85,7 @@ bool learnStrips(kAMBLE& engine, const std::uint8_t* frame, std::int32_t pixels)
   return learned;
 }
 
-// Whether a frame has the shape of the one before it, so that it can be copied while it is learned.
+// Whether a frame has the shape of the previous one, so that it can be copied while it is learned.
 bool continues(const kAMBLE& engine, const std::uint8_t* frame, std::int32_t pixels, int channels) {
   return engine.frmCount != 0 && frame != nullptr && engine.curFrame != nullptr &&
          pixels == engine.numPixel && channels == engine.frmChn && isKnownCount(channels);
@@ -127,7 +127,7 @@ bool kAMBLE::learnBg_ncv(const std::uint8_t* frame, int width, int height, int c
   if (sized) {
     learned = learnStrips(*this, copyLater ? frame : nullptr, pixels);
   } else {
-    // Nothing is there on a first frame, unless an earlier attempt ran out of memory half-way.
+    // Nothing exists on a first frame, unless an earlier attempt failed half-way.
     lm::releaseModel(*this);
     if (!initialization_ncv(width, height)) return false;
     const std::int32_t bytes = lm::wrapMul(pixels, channels);
@@ -143,7 +143,7 @@ int kAMBLE::preprocess_ncv(const std::uint8_t* frame, int width, int height, int
   const bool ready = frame != nullptr && makeRoom(curFrame, lm::stateOf(*this).curFrame, bytes);
   if (ready) copyBytes(curFrame, frame, bytes);
   frmChn = channels;
-  // Kept: the count is judged last, so a refused frame has been copied and its count stored all the same.
+  // Kept: the count is checked last, so a refused frame has been copied and its count stored.
   if (!isKnownCount(channels)) {
     std::fprintf(stderr, "Error: input frame in a wrong channel number! \n");
     return 0;

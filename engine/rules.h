@@ -32,7 +32,7 @@ struct LockSegment {
   std::int32_t last;
 };
 
-// Where a locked segment that starts at `first` moves to: right behind itself, or to the start where `width`
+// Where a locked segment that starts at `first` moves to: the slots after it, or the start where `width`
 // slots no longer fit.
 constexpr LockSegment moveLock(std::int32_t first, std::int32_t width, std::int32_t numSlots) {
   const std::int32_t next = wrapAdd(first, width);

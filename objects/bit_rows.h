@@ -1,4 +1,4 @@
-// A plane of bits in rows of 64-bit words, so that steps from pixel to pixel become steps of a word.
+// A plane of bits in rows of 64-bit words: 64 pixels are processed at a time.
 #pragma once
 
 #include <bit>
@@ -11,7 +11,7 @@
 
 namespace lm {
 
-// Every row has a blank word before and behind it, and there is a blank row above the first and one below the
+// Every row has a blank word before and after it, and there is a blank row above the first and one below the
 // last: the neighbours of pixels at the frame's edge read as 0.
 class BitRows {
  public:

@@ -30,7 +30,7 @@ void cleanMask(kAMBLE& engine, std::uint8_t* mask) {
   simd::pruneFgByRoi(mask, engine.roiMask, engine.numPixel);
 }
 
-// Makes the label map and the row table where they are missing. False when memory is lacking.
+// Makes the label map and the row table where they are missing. False when an allocation fails.
 bool makeLabels(kAMBLE& engine) {
   const bool blank = engine.labelMap == nullptr && engine.labelRows == nullptr;
   bool made = lm::makeOnce(engine.labelMap, engine.numPixel);
@@ -76,7 +76,7 @@ std::vector<boxRect> kAMBLE::genFgObj_ncv(unsigned char* mask) {
   lm::dropSmall(boxes, minObjWPxl, minObjHPxl);
   lm::joinOverlapping(boxes);
 
-  // Kept: the names are looked for where the mask holds 255, and by now foreground is 1, so none are found.
+  // Kept: names are looked up where the mask holds 255, and by now foreground is 1, so none are found.
   addRoiName2Obj(boxes, roiInclude, mask, szImgX, szImgY);
   lm::toFractions(boxes, szImgX, szImgY);
 

@@ -26,7 +26,7 @@ void forEachStretch(const std::uint8_t* due, std::size_t blocks, std::size_t wid
 
 void LabelMap::use(const LabelPlanes& planes, bool blank) {
   if (!blank && planes == planes_) return;
-  forget();  // should memory be lacking for the rest
+  forget();  // stay unset if an allocation below throws
   const auto height = static_cast<std::size_t>(planes.height);
   words_ = wordsFor(static_cast<std::size_t>(planes.width));
   const std::uint8_t due = blank ? 0 : 1;
@@ -54,7 +54,7 @@ void LabelMap::writeRow(const std::uint8_t* pixels, const RunsOfRow& runs) {
   std::uint32_t* const labels = planes_.map + y * width;
   std::uint32_t* const copy = planes_.rows[y];
   std::uint8_t* const due = blocksOf(y);
-  // Both while the row is in the cache.
+  // The map and its copy while the row is in the cache.
   forEachStretch(due, words_, width, [&](std::size_t begin, std::size_t count) {
     simd::cvt_u8_to_u32(pixels + begin, labels + begin, count);
   });

@@ -1,4 +1,4 @@
-// The list-based morphology: a pass changes no other pixels than those that it lists.
+// The list-based morphology: a pass changes only the pixels that it lists.
 #include <algorithm>
 
 #include "base/integers.h"

@@ -70,7 +70,7 @@ void RunLabeller::unite(std::uint32_t a, std::uint32_t b) {
   if (b < a) runs_[a].parent = b;
 }
 
-// Both rows' runs rise from left to right: one walk over the two finds every pair that shares a column.
+// The runs of both rows are sorted by column: one pass over the two finds every pair that shares a column.
 void RunLabeller::uniteWithRowAbove(const RunsOfRow& above, const RunsOfRow& below) {
   for (std::uint32_t a = above.begin, b = below.begin; a < above.end && b < below.end;) {
     const Run& upper = runs_[a];
