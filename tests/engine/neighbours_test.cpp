@@ -70,7 +70,7 @@ TEST(NeighbourTable, OnePixelFrameIsItsOwnNeighbourEverywhere) {
   EXPECT_EQ(neighboursOf(engine, 0), std::vector<int>(25, 0));
 }
 
-// The table worked out once more, entry by entry, with the draws that a pixel's missing entries make.
+// The table computed again, entry by entry, with the draws for a pixel's missing entries.
 std::vector<int> replayed(int width, int height, int x, int y) {
   std::vector<int> entries;
   for (int dx = -2; dx <= 2; ++dx) {
@@ -150,7 +150,7 @@ TEST(DirectNeighbours, RecordsEndInZeros) {
   }
 }
 
-// Whether the arrays of the 32 pixels from `begin` on say what the distances say.
+// Whether the arrays of the 32 pixels from `begin` on agree with the fixed offsets.
 bool followDistances(const SizedEngine& engine, std::size_t begin) {
   if (begin + 32 > engine.pixels()) return false;
   for (std::size_t i = begin; i < begin + 32; ++i) {
@@ -172,7 +172,7 @@ TEST(NeighbourDistances, AreGivenForBlocksInsideTheFrameOnly) {
       ++given;
       EXPECT_TRUE(followDistances(engine, begin)) << width << "x" << height << ", block at " << begin;
     }
-    // Two columns on either side and two rows above and below have no whole neighbourhood.
+    // Two columns on either side and two rows above and below have an incomplete neighbourhood.
     const std::size_t columns = width >= 36 ? static_cast<std::size_t>(width) - 35 : 0;
     const std::size_t rows = height >= 5 ? static_cast<std::size_t>(height) - 4 : 0;
     EXPECT_EQ(given, columns * rows) << width << "x" << height;
