@@ -1,11 +1,11 @@
 // The door through which the engine receives its configuration.
 #include <cstring>
 
+#include "config/host_log.h"
 #include "config/param_entry.h"
 #include "engine/aligned.h"
 #include "engine/c_locale.h"
 #include "engine/kamble.h"
-#include "plugin/host_log.h"
 
 // Called by the table of keys.
 static void enableAutoSensitivity(kAMBLE& engine) {
