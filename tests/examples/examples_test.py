@@ -125,7 +125,7 @@ class Examples(unittest.TestCase):
             for host in self.hosts:
                 with open("/dev/full", "w") as full:
                     done = subprocess.run([host], stdout=full, stderr=subprocess.PIPE, text=True, env=environment)
-                self.assert_fails(done, 1, "^host(.py)?: .*(cannot write|space).*\n$")
+                self.assert_fails(done, 1, "\nhost(.py)?: .*(cannot write|space).*\n$")
 
     def test_report_that_the_library_is_missing(self):
         nowhere = dict(os.environ, LC_ALL="C", LD_LIBRARY_PATH=str(self.folder))
