@@ -3,10 +3,10 @@
 
 #include "base/aligned.h"
 #include "base/c_locale.h"
+#include "config/host_log.h"
 #include "config/param_entry.h"
 #include "engine/engine_state.h"
 #include "engine/kamble.h"
-#include "plugin/host_log.h"
 
 // Called by the table of keys.
 static void enableAutoSensitivity(kAMBLE& engine) {
