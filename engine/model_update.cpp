@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <array>
 #include <bit>
+#include <cassert>
 #include <cstring>
 
 #include "engine/bits.h"
@@ -59,6 +60,7 @@ class PixelList {
   // Those of the block at `begin` whose bits are set.
   void append(std::size_t begin, std::uint32_t bits) {
     const auto count = static_cast<std::size_t>(std::popcount(bits));
+    assert(size_ + count <= capacity);
     // Hardly a block has more than four; with these written, wanted or not, the processor need not guess.
     for (std::size_t done = 0; done < count; done += step) {
       for (std::size_t i = 0; i < step; ++i, bits &= bits - 1) {
@@ -70,6 +72,7 @@ class PixelList {
   }
 
   void append(std::uint32_t pixel, bool wanted) {
+    assert(size_ + static_cast<std::size_t>(wanted) <= capacity);
     pixels_[size_] = pixel;
     size_ += static_cast<std::size_t>(wanted);
   }
@@ -80,7 +83,8 @@ class PixelList {
 
  private:
   static constexpr std::size_t step = 4;
-  std::array<std::uint32_t, blocksAhead * lm::blockPixels + step> pixels_;
+  static constexpr std::size_t capacity = blocksAhead * lm::blockPixels;
+  std::array<std::uint32_t, capacity + step> pixels_;
   std::size_t size_ = 0;
 };
 
@@ -188,9 +192,17 @@ float lm::LightCount::ratio() const {
 void lm::updateRange(kAMBLE& engine, const std::uint8_t* frame, std::size_t begin, std::size_t end,
                      const NeighbourDistances& distances, LightCount& light) {
   const ModelKernels& kernels = modelKernels();
-  const UpdatePlanes planes{engine.roiMask,    engine.rdDiff,           engine.prevFgMask, engine.fgMask,
-                            engine.absorbMask, engine.illumDiff,        engine.updTimer,   engine.thrHeuris,
-                            engine.thrIllum,   engine.ghostSuppression, engine.illumChange};
+  const UpdatePlanes planes{.roiMask = engine.roiMask,
+                            .rdDiff = engine.rdDiff,
+                            .prevFgMask = engine.prevFgMask,
+                            .fgMask = engine.fgMask,
+                            .absorbMask = engine.absorbMask,
+                            .illumDiff = engine.illumDiff,
+                            .updTimer = engine.updTimer,
+                            .unchanged = engine.thrHeuris,
+                            .sameLight = engine.thrIllum,
+                            .absorbing = engine.ghostSuppression,
+                            .watchLight = engine.illumChange};
   Batch batch;
   while (begin < end) {
     batch.size = kernels.findUpdateWork(planes, begin, end, batch.blocks.data(), blocksAhead, light.examined);

@@ -1,6 +1,7 @@
 #include "objects/runs.h"
 
 #include <algorithm>
+#include <cassert>
 
 #include "objects/bit_rows.h"
 
@@ -31,6 +32,7 @@ void RunLabeller::start(std::int32_t width, std::uint32_t value) {
 }
 
 void RunLabeller::addRow(const std::uint64_t* bits, std::size_t words, std::int32_t y) {
+  assert(rows_.empty() || y > rows_.back().y);
   edges_.resize(words + 1);
   for (std::size_t w = 0; w <= words; ++w) edges_[w] = bits[w] ^ leftOf(bits + w);
 
