@@ -42,10 +42,16 @@ void lm::takeRange(kAMBLE& engine, const std::uint8_t* frame, int channel, std::
   const bool differs = channel != noDifference;
   const bool lit = differs && engine.illumChange && engine.bgImg != nullptr;
   const bool keep = frame != nullptr && engine.prevFrame != nullptr;
-  modelKernels().takeFrame(
-      {frame, engine.curFrame, engine.prevFrame, engine.bgImg, differs ? engine.rdDiff : nullptr,
-       lit ? engine.illumDiff : nullptr, engine.frmChn, channel, keep},
-      begin, end);
+  const FramePlanes planes{.frame = frame,
+                           .curFrame = engine.curFrame,
+                           .prevFrame = engine.prevFrame,
+                           .bgImg = engine.bgImg,
+                           .rdDiff = differs ? engine.rdDiff : nullptr,
+                           .illumDiff = lit ? engine.illumDiff : nullptr,
+                           .channels = engine.frmChn,
+                           .channel = channel,
+                           .keep = keep};
+  modelKernels().takeFrame(planes, begin, end);
 }
 
 bool kAMBLE::heuristic_ncv() {

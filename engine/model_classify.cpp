@@ -32,7 +32,8 @@ void classifyBlock(const kAMBLE& engine, const std::uint8_t* frame, const lm::Cl
   const lm::ModelKernels& kernels = lm::modelKernels();
   std::uint32_t matched = 0;
   if (block.pixels.compared != 0) {
-    const lm::MatchRule rule{engine.frmChn, engine.thrMatch, engine.minMatchNum};
+    const lm::MatchRule rule{
+        .channels = engine.frmChn, .radius = engine.thrMatch, .needed = engine.minMatchNum};
     const std::uint8_t* values = frame + block.begin * static_cast<std::size_t>(engine.frmChn);
     matched = kernels.matchBlock(rule, engine.bgModel[block.begin].samples[0], values, block.pixels.compared,
                                  engine.minDist + block.begin);
@@ -41,10 +42,18 @@ void classifyBlock(const kAMBLE& engine, const std::uint8_t* frame, const lm::Cl
 }
 
 lm::ClassifyPlanes planesOf(const kAMBLE& engine) {
-  const lm::LifeRule life{static_cast<float>(engine.lifeStaticFrm), lm::absorbedLife(engine.lifeStaticFrm),
-                          THRESH_SAME_PIXEL_x2, THRESH_SAME_PIXEL_x3};
-  return {engine.roiMask, engine.rdDiff,    engine.prevFgMask,       engine.fgMask, engine.absorbMask,
-          engine.fgLife,  engine.thrHeuris, engine.ghostSuppression, life};
+  return {.roiMask = engine.roiMask,
+          .rdDiff = engine.rdDiff,
+          .prevFgMask = engine.prevFgMask,
+          .fgMask = engine.fgMask,
+          .absorbMask = engine.absorbMask,
+          .fgLife = engine.fgLife,
+          .unchanged = engine.thrHeuris,
+          .accountLife = engine.ghostSuppression,
+          .life = {.limit = static_cast<float>(engine.lifeStaticFrm),
+                   .absorbed = lm::absorbedLife(engine.lifeStaticFrm),
+                   .band2 = THRESH_SAME_PIXEL_x2,
+                   .band3 = THRESH_SAME_PIXEL_x3}};
 }
 
 }  // namespace

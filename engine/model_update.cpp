@@ -63,7 +63,7 @@ class PixelList {
   // Those of the block at `begin` whose bits are set.
   void append(std::size_t begin, std::uint32_t bits) {
     const auto count = static_cast<std::size_t>(std::popcount(bits));
-    assert(size_ + count <= room);
+    assert(size_ + count <= capacity);
     // Few blocks have more than four; always writing four avoids a mispredicted branch.
     for (std::size_t done = 0; done < count; done += step) {
       for (std::size_t i = 0; i < step; ++i, bits &= bits - 1) {
@@ -75,7 +75,7 @@ class PixelList {
   }
 
   void append(std::uint32_t pixel, bool wanted) {
-    assert(size_ < room);
+    assert(size_ + static_cast<std::size_t>(wanted) <= capacity);
     pixels_[size_] = pixel;
     size_ += static_cast<std::size_t>(wanted);
   }
@@ -86,8 +86,8 @@ class PixelList {
 
  private:
   static constexpr std::size_t step = 4;
-  static constexpr std::size_t room = blocksAhead * lm::blockPixels;
-  std::array<std::uint32_t, room + step> pixels_;
+  static constexpr std::size_t capacity = blocksAhead * lm::blockPixels;
+  std::array<std::uint32_t, capacity + step> pixels_;
   std::size_t size_ = 0;
 };
 
@@ -198,9 +198,17 @@ void lm::updateRange(kAMBLE& engine, const std::uint8_t* frame, std::size_t begi
                      const NeighbourDistances& distances, LightCount& light) {
   assert(begin <= end && end <= engine.bgModel.size());
   const ModelKernels& kernels = modelKernels();
-  const UpdatePlanes planes{engine.roiMask,    engine.rdDiff,           engine.prevFgMask, engine.fgMask,
-                            engine.absorbMask, engine.illumDiff,        engine.updTimer,   engine.thrHeuris,
-                            engine.thrIllum,   engine.ghostSuppression, engine.illumChange};
+  const UpdatePlanes planes{.roiMask = engine.roiMask,
+                            .rdDiff = engine.rdDiff,
+                            .prevFgMask = engine.prevFgMask,
+                            .fgMask = engine.fgMask,
+                            .absorbMask = engine.absorbMask,
+                            .illumDiff = engine.illumDiff,
+                            .updTimer = engine.updTimer,
+                            .unchanged = engine.thrHeuris,
+                            .sameLight = engine.thrIllum,
+                            .absorbing = engine.ghostSuppression,
+                            .watchLight = engine.illumChange};
   Batch batch;
   while (begin < end) {
     batch.size = kernels.findUpdateWork(planes, begin, end, batch.blocks.data(), blocksAhead, light.examined);

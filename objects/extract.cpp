@@ -24,7 +24,8 @@ bool isSized(const kAMBLE& engine) {
 // 1, 2), erode_ncv_fast(mask, 1, 0, 3) and pruning, the first two in one go.
 void cleanMask(kAMBLE& engine, std::uint8_t* mask) {
   lm::MaskBits& bits = lm::scratchOf(engine).mask;
-  bits.read(mask, lm::countOf(engine.szImgX), lm::countOf(engine.numPixel), {255, 1, 0});
+  bits.read(mask, lm::countOf(engine.szImgX), lm::countOf(engine.numPixel),
+            {.set = 255, .relabel = 1, .cleared = 0});
   bits.peel(3, engine.morphList);
   bits.write(mask);
   simd::pruneFgByRoi(mask, engine.roiMask, engine.numPixel);
@@ -43,7 +44,8 @@ bool makeLabels(kAMBLE& engine) {
     made &= lm::makeOnce(engine.labelRows[row], engine.szImgX);
   }
   if (!made) return false;
-  const lm::LabelPlanes planes{engine.labelMap, engine.labelRows, engine.szImgX, engine.szImgY};
+  const lm::LabelPlanes planes{
+      .map = engine.labelMap, .rows = engine.labelRows, .width = engine.szImgX, .height = engine.szImgY};
   lm::scratchOf(engine).labels.use(planes, blank);
   return true;
 }

@@ -38,7 +38,7 @@ void LabelMap::use(const LabelPlanes& planes, bool blank) {
 
 void LabelMap::readRow(const std::uint8_t* pixels, std::size_t y) {
   const auto width = static_cast<std::size_t>(planes_.width);
-  maskKernels().packRow(pixels, width, {1, 1, 0}, set_.row(0), cleared_.row(0));
+  maskKernels().packRow(pixels, width, {.set = 1, .relabel = 1, .cleared = 0}, set_.row(0), cleared_.row(0));
   std::uint8_t* const due = blocksOf(y);
   for (std::size_t w = 0; w < words_; ++w) {
     const std::size_t inBlock = std::min(wordPixels, width - w * wordPixels);

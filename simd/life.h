@@ -1,4 +1,4 @@
-// How the life of foreground that stays still moves. Pure; 32-bit floats throughout.
+// The life of a pixel: how long it has been still foreground. Pure; 32-bit floats throughout.
 #pragma once
 
 #include <cstdint>
@@ -14,7 +14,8 @@ inline constexpr float lifeGain3 = 0.2F;
 
 constexpr float decayLife(float life) { return life >= leastLife ? life - lifeLoss : life; }
 
-// Life of a foreground pixel whose frame difference is `change`: the stiller, the more it gains.
+// Life of a foreground pixel whose frame difference is `change`: the smaller the difference, the larger the
+// gain.
 constexpr float gainLife(float life, std::int32_t change, std::int32_t band2, std::int32_t band3) {
   if (change <= lifeBand1) return life + lifeGain1;
   if (change <= band2) return life + lifeGain2;
