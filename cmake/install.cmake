@@ -18,7 +18,7 @@ set(LIGHTMOTION_PUBLIC_HEADERS
   config/polygon.h
   engine/kamble.h
   objects/box.h objects/component.h objects/morphology.h objects/region_names.h
-  simd/cpu_level.h simd/simd.h)
+  simd/cpu_level.h simd/samples.h simd/simd.h)
 
 # ---- library and development files --------------------------------------------------------------------------
 set(cmake_folder ${CMAKE_INSTALL_LIBDIR}/cmake/lightmotion)

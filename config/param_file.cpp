@@ -4,8 +4,8 @@
 #include <sstream>
 #include <string_view>
 
+#include "base/integers.h"
 #include "engine/kamble.h"
-#include "engine/rules.h"
 
 namespace {
 

@@ -11,6 +11,7 @@
 #include <string_view>
 
 #include "engine/rules.h"
+#include "simd/samples.h"
 
 namespace lm {
 
@@ -141,10 +142,12 @@ inline constexpr ParamRow<S> paramTable[] = {
     {"sensitivity_auto", Conversion::integer, "1", within<1, 1>, storeAutoThresholds<S>},
     {"GHOST_SUPPRESSION", Conversion::integer, "any", isAny, storeSwitch<S, &S::ghostSuppression>},
     {"ILLUMINATION_CHANGE", Conversion::integer, "any", isAny, storeSwitch<S, &S::illumChange>},
-    {"MIN_MATCH_NUM", Conversion::integer, "1 to 20", within<1, 20>, storeInteger<S, &S::minMatchNum>},
+    {"MIN_MATCH_NUM", Conversion::integer, "1 to 20", within<1, samplesPerPixel>,
+     storeInteger<S, &S::minMatchNum>},
     {"MIN_MATCH_DIST", Conversion::integer, "1 or more", atLeast<1>, storeInteger<S, &S::thrMatch>},
     {"THR_DIFF_HEURISTIC", Conversion::integer, "0 or more", atLeast<0>, storeInteger<S, &S::thrHeuris>},
-    {"NUM_SEGMENT_LOCK", Conversion::integer, "1 to 20", within<1, 20>, storeInteger<S, &S::numSegmentLock>},
+    {"NUM_SEGMENT_LOCK", Conversion::integer, "1 to 20", within<1, samplesPerPixel>,
+     storeInteger<S, &S::numSegmentLock>},
     {"NUM_PERIOD_LOCK", Conversion::integer, "1 or more", atLeast<1>, storeInteger<S, &S::numPeriodLock>},
     {"MIN_BOUNDING_BOX_W", Conversion::real, "above 0, at most 1", isFraction, storeFraction<S, &S::minObjW>},
     {"MIN_BOUNDING_BOX_H", Conversion::real, "above 0, at most 1", isFraction, storeFraction<S, &S::minObjH>},

@@ -2,8 +2,8 @@
 #include <cstddef>
 #include <cstring>
 
+#include "base/integers.h"
 #include "config/polygon.h"
-#include "engine/rules.h"
 
 int pnpoly(int nvert, float* vertx, float* verty, float testx, float testy) {
   int inside = 0;

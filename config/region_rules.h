@@ -3,7 +3,7 @@
 
 #include <cstdint>
 
-#include "engine/rules.h"
+#include "base/integers.h"
 
 namespace lm {
 

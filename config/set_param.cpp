@@ -1,11 +1,12 @@
 // The door through which the engine receives its configuration.
 #include <cstring>
 
+#include "base/aligned.h"
+#include "base/c_locale.h"
+#include "config/host_log.h"
 #include "config/param_entry.h"
-#include "engine/aligned.h"
-#include "engine/c_locale.h"
+#include "engine/engine_state.h"
 #include "engine/kamble.h"
-#include "plugin/host_log.h"
 
 // Called by the table of keys.
 static void enableAutoSensitivity(kAMBLE& engine) {
@@ -33,12 +34,11 @@ void rasterise(polygon& region, std::int32_t width, std::int32_t height) {
 
 // Makes roiMask if it is missing and clears it. False when memory is lacking.
 bool clearRoiMask(kAMBLE& engine, std::int32_t count) {
-  const bool tooSmall =
-      engine.roiMaskMade.buffer == engine.roiMask && engine.roiMaskMade.bytes < lm::countOf(count);
-  if (tooSmall) lm::release(engine.roiMask);
+  lm::Made& made = lm::stateOf(engine).roiMask;
+  if (made.isTooSmall(engine.roiMask, lm::countOf(count))) lm::release(engine.roiMask);
   if (engine.roiMask == nullptr) {
     if (!lm::makeOnce(engine.roiMask, count)) return false;
-    engine.roiMaskMade = {engine.roiMask, lm::countOf(count)};
+    made = {engine.roiMask, lm::countOf(count)};
   }
   if (count > 0) std::memset(engine.roiMask, 0, lm::countOf(count));
   return true;
@@ -50,7 +50,7 @@ void buildRoiMask(kAMBLE& engine) {
   const std::int32_t height = engine.szImgY;
   const std::int32_t count = lm::wrapMul(width, height);
   const bool made = clearRoiMask(engine, count);
-  engine.regionMaskBytes = lm::countOf(count);
+  lm::stateOf(engine).regionMaskBytes = lm::countOf(count);
   for (polygon& region : engine.roiInclude) {
     rasterise(region, width, height);
     if (made) unionMask(engine.roiMask, region.mask, width, height);

@@ -3,14 +3,15 @@
 #include <cstdio>
 #include <cstring>
 
-#include "engine/aligned.h"
+#include "base/aligned.h"
+#include "base/integers.h"
+#include "engine/engine_state.h"
 #include "engine/kamble.h"
 #include "engine/neighbours.h"
-#include "engine/rules.h"
 
 namespace {
 
-// Makes `mask`, of `have` bytes, `need` bytes long: what is new counts as outside. False leaves it as it was.
+// Extends `mask` from `have` to `need` bytes: the new ones count as outside. False leaves it as it was.
 bool growRoiMask(std::uint8_t*& mask, std::size_t have, std::size_t need) {
   auto* larger = static_cast<std::uint8_t*>(lm::allocateAligned(static_cast<std::ptrdiff_t>(need)));
   if (larger == nullptr) return false;
@@ -43,7 +44,7 @@ void makeNeighbourArrays(kAMBLE& engine, const lm::FrameShape& shape) {
   if (shape.width < 1) return;
   for (int*& entries : engine.nbrIdx) entries = new int[static_cast<std::size_t>(engine.numNbr)];
   lm::fillNeighbours(engine.nbrIdx, engine.numNbr, engine.nbrOffset, shape);
-  engine.nbrDistances = lm::neighbourDistances(engine.nbrOffset, engine.numNbr, shape);
+  lm::stateOf(engine).nbrDistances = lm::neighbourDistances(engine.nbrOffset, engine.numNbr, shape);
 }
 
 void makeDirectNeighbours(kAMBLE& engine, const lm::FrameShape& shape) {
@@ -51,32 +52,35 @@ void makeDirectNeighbours(kAMBLE& engine, const lm::FrameShape& shape) {
   if (shape.width >= 1) lm::fillDirectNeighbours(engine.nbr4Idx, shape);
 }
 
-}  // namespace
-
-bool kAMBLE::fitRegionMasks(std::int32_t count) {
+// Extends roiMask and the region masks that setParam made to `count` pixels: the new ones count as outside.
+// False when an allocation fails.
+bool fitRegionMasks(kAMBLE& engine, std::int32_t count) {
   const std::size_t need = lm::countOf(count);
-  if (roiMaskMade.buffer == roiMask && roiMask != nullptr && roiMaskMade.bytes < need) {
-    if (!growRoiMask(roiMask, roiMaskMade.bytes, need)) return false;
-    roiMaskMade = {roiMask, need};
+  lm::EngineState& state = lm::stateOf(engine);
+  if (state.roiMask.isTooSmall(engine.roiMask, need)) {
+    if (!growRoiMask(engine.roiMask, state.roiMask.bytes, need)) return false;
+    state.roiMask = {engine.roiMask, need};
   }
-  if (regionMaskBytes == 0 || regionMaskBytes >= need) return true;
-  for (polygon& region : roiInclude) growRegionMask(region.mask, regionMaskBytes, need);
-  for (polygon& region : roiExclude) growRegionMask(region.mask, regionMaskBytes, need);
-  regionMaskBytes = need;
+  if (state.regionMaskBytes == 0 || state.regionMaskBytes >= need) return true;
+  for (polygon& region : engine.roiInclude) growRegionMask(region.mask, state.regionMaskBytes, need);
+  for (polygon& region : engine.roiExclude) growRegionMask(region.mask, state.regionMaskBytes, need);
+  state.regionMaskBytes = need;
   return true;
 }
+
+}  // namespace
 
 bool kAMBLE::initialization_ncv(int w, int h) {
   szImgX = w;
   szImgY = h;
   numPixel = lm::wrapMul(w, h);
   std::fprintf(stderr, "W, H, Pixels = %d, %d, %d\n", w, h, numPixel);
-  return initBuffer_ncv() && holdsFrames() && initModel_ncv();
+  return initBuffer_ncv() && lm::holdsFrames(*this) && initModel_ncv();
 }
 
 bool kAMBLE::initBuffer_ncv() {
   const std::int32_t count = lm::wrapMul(szImgX, szImgY);
-  if (!fitRegionMasks(count)) return false;
+  if (!fitRegionMasks(*this, count)) return false;
 
   bool made = true;
   for (std::uint8_t** plane : {&roiMask, &fgMask, &auxMask, &absorbMask}) made &= lm::makeOnce(*plane, count);
@@ -102,7 +106,7 @@ bool kAMBLE::initBuffer_ncv() {
   const std::int32_t bytes = lm::wrapMul(count, frmChn);
   bgImg = nullptr;
   made &= lm::makeOnce(bgImg, bytes);
-  bgImgMade = {bgImg, lm::countOf(bytes)};
+  lm::stateOf(*this).bgImg = {bgImg, lm::countOf(bytes)};
 
   thrConnect = 0.03125F * static_cast<float>(szImgX > szImgY ? szImgX : szImgY);
   minObjWPxl = lm::toInt32(static_cast<float>(szImgX) * minObjW);
@@ -110,9 +114,9 @@ bool kAMBLE::initBuffer_ncv() {
   return made;
 }
 
-void kAMBLE::releaseModel() {
-  lm::release(bgImg);
-  for (int*& entries : nbrIdx) lm::releaseArray(entries);
+void lm::releaseModel(kAMBLE& engine) {
+  lm::release(engine.bgImg);
+  for (int*& entries : engine.nbrIdx) lm::releaseArray(entries);
 }
 
 void kAMBLE::destoryBuffer() {
@@ -123,16 +127,18 @@ void kAMBLE::destoryBuffer() {
   }
   lm::releaseArray(fgLife);
   for (std::uint8_t** plane : {&curFrame, &prevFrame, &rdDiff, &illumDiff, &prevFgMask}) lm::release(*plane);
-  curFrameMade = prevFrameMade = bgImgMade = roiMaskMade = {};
   bgModel.clear();
   for (int*& entries : nbrIdx) lm::releaseArray(entries);
   nbrIdx.clear();
-  nbrDistances.clear();
   nbr4Idx.clear();
+  if (state != nullptr) {
+    state->curFrame = state->prevFrame = state->bgImg = state->roiMask = {};
+    state->nbrDistances.clear();
+  }
   lm::release(labelMap);
   if (labelRows == nullptr) return;
   for (std::int32_t row = 0; row < szImgY; ++row) lm::release(labelRows[row]);
   // Kept: only the rows are released here; the table of row pointers belongs to object extraction
-  // (labelTable).
+  // (EngineState::labelTable).
   labelRows = nullptr;
 }

@@ -1,6 +1,7 @@
 // Seeding the model from the first frame.
 #include <cstring>
 
+#include "base/integers.h"
 #include "engine/kamble.h"
 #include "engine/rules.h"
 
@@ -21,7 +22,7 @@ std::uint32_t sampleOf(const kAMBLE& engine, std::size_t pixel, std::size_t last
   return word & 0x00FFFFFFU;
 }
 
-// The pixel's own value, then its neighbours', in turn. Reads curFrame up to two rows and two columns away.
+// The pixel's own value, then its neighbours' in turn. Reads curFrame up to two rows and two columns away.
 template <int channels>
 void seedPixel(kAMBLE& engine, std::size_t pixel, std::size_t last) {
   std::uint32_t samples[BgModel::numSamples];

@@ -1,8 +1,8 @@
 // Labelling the 4-connected regions of a map.
 #include <algorithm>
 
+#include "base/integers.h"
 #include "engine/kamble.h"
-#include "engine/rules.h"
 #include "objects/scratch.h"
 
 namespace {
@@ -19,7 +19,7 @@ void findPixels(const std::uint32_t* row, std::size_t pixels, std::uint32_t valu
 std::vector<ccObj> kAMBLE::connectedComponent(std::uint32_t* labels, std::uint8_t value) {
   std::vector<ccObj> components;
   if (labels == nullptr || szImgX < 1) return components;
-  if (labels == labelMap && objectScratch != nullptr) objectScratch->labels.forget();
+  if (labels == labelMap) lm::scratchOf(*this).labels.forget();
   const std::size_t width = lm::countOf(szImgX);
   const std::size_t count = lm::countOf(numPixel);
   const std::size_t words = lm::wordsFor(width);

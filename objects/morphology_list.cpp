@@ -1,8 +1,8 @@
-// The list-based morphology: a pass changes no other pixels than those that it lists.
+// The list-based morphology: a pass changes only the pixels that it lists.
 #include <algorithm>
 
+#include "base/integers.h"
 #include "engine/kamble.h"
-#include "engine/rules.h"
 #include "objects/scratch.h"
 #include "simd/simd.h"
 
@@ -48,7 +48,8 @@ int kAMBLE::erode_ncv_fast(std::uint8_t* mask, std::uint8_t set, std::uint8_t cl
   if (mask == nullptr || !isSized(*this)) return 0;
   if (passes < 1) return 1;
   lm::MaskBits& bits = lm::scratchOf(*this).mask;
-  bits.read(mask, lm::countOf(szImgX), lm::countOf(numPixel), {set, set, cleared});
+  bits.read(mask, lm::countOf(szImgX), lm::countOf(numPixel),
+            {.set = set, .relabel = set, .cleared = cleared});
   bits.peel(passes, morphList);
   bits.write(mask);
   return 1;

@@ -1,9 +1,9 @@
-// The marker-based morphology: changed pixels carry a marker value until a sweep over the whole mask turns
+// The marker-based morphology: changed pixels hold a marker value until a pass over the whole mask replaces
 // it.
 #include <algorithm>
 
+#include "base/integers.h"
 #include "engine/kamble.h"
-#include "engine/rules.h"
 
 namespace {
 

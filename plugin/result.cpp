@@ -4,7 +4,7 @@
 
 #include <cmath>
 
-#include "engine/c_locale.h"
+#include "base/c_locale.h"
 #include "plugin/detector.h"
 
 namespace {

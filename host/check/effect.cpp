@@ -5,6 +5,7 @@
 
 #include <cmath>
 
+#include "base/integers.h"
 #include "engine/rules.h"
 #include "host/check/findings.h"
 

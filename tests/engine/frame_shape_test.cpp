@@ -125,6 +125,16 @@ TEST(ChangedSize, SmallerFrameOverwritesTheBeginningOnly) {
   EXPECT_EQ(engine.frmCount, 2);
 }
 
+TEST(ChangedSize, SmallerFrameRemembersTheMaskOfItsOwnPixelsOnly) {
+  Camera engine;
+  engine.learnPlain(50, 1);
+  ASSERT_TRUE(engine.learn(Bytes(7, 200), 7, 1, 1));
+  EXPECT_EQ(engine.drawn(engine.fgMask), picture({"####", "###.", "...."}));
+  EXPECT_EQ(Bytes(engine.prevFgMask, engine.prevFgMask + 12),
+            (Bytes{255, 255, 255, 255, 255, 255, 255, 1, 1, 1, 1, 1}))
+      << "1 is what the plane was made with";
+}
+
 TEST(ChangedSize, FewerChannelsAreAccepted) {
   Camera engine;
   engine.learnPlain(50, 3);

@@ -1,11 +1,11 @@
-// Numbers in texts mean the same whatever locale the host has set.
+// Conversion of numbers that does not depend on the locale of the host.
 #pragma once
 
 #include <clocale>
 
 namespace lm {
 
-// While it lives, this thread converts numbers by the rules of the "C" locale; other threads notice nothing.
+// During its lifetime this thread converts numbers by the "C" locale; other threads are not affected.
 class CLocaleScope {
  public:
   CLocaleScope() : plain_(newlocale(LC_ALL_MASK, "C", static_cast<locale_t>(nullptr))) {

@@ -13,4 +13,7 @@ void forEachBit(std::uint32_t bits, Act act) {
   for (; bits != 0; bits &= bits - 1) act(static_cast<std::size_t>(std::countr_zero(bits)));
 }
 
+// Whether no bit at position `count` or above is set.
+constexpr bool fitsIn(std::uint32_t bits, std::size_t count) { return count >= 32 || bits >> count == 0; }
+
 }  // namespace lm

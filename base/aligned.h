@@ -13,8 +13,8 @@ namespace lm {
 
 inline constexpr std::size_t planeAlignment = 32;
 
-// Asks for large pages where `bytes` from `memory` on span some: a frame's planes are a hundred thousand
-// small pages otherwise, and the first frame spends its time on faults. Only advice; nothing depends on it.
+// Advises huge pages for the aligned part: a frame's planes are a hundred thousand small pages otherwise, and
+// the first frame spends its time on page faults. Nothing depends on it.
 inline void adviseLarge(void* memory, std::size_t bytes) {
   constexpr std::uintptr_t largePage = std::uintptr_t{1} << 21;
   const auto address = reinterpret_cast<std::uintptr_t>(memory);
@@ -23,8 +23,8 @@ inline void adviseLarge(void* memory, std::size_t bytes) {
   if (begin < end) madvise(static_cast<char*>(memory) + (begin - address), end - begin, MADV_HUGEPAGE);
 }
 
-// `bytes` bytes at 32-byte alignment, to be released with free(); null on failure, silently. A count that
-// wrapped below zero is a request that no machine can meet.
+// `bytes` bytes at 32-byte alignment, to be released with free(); null on failure, without a message. A count
+// that wrapped below zero fails.
 inline void* allocateAligned(std::ptrdiff_t bytes) {
   if (bytes < 0) return nullptr;
   void* memory = nullptr;
@@ -33,7 +33,7 @@ inline void* allocateAligned(std::ptrdiff_t bytes) {
   return memory;
 }
 
-// Makes the plane `field` of `count` elements if it is null: every byte `fill`. A failure leaves it null, so
+// Makes the plane `field` of `count` elements if it is null, every byte `fill`. A failure leaves it null, so
 // that the next call tries again. Returns whether the plane exists.
 template <typename T>
 bool makeOnce(T*& field, std::int32_t count, int fill = 0) {
