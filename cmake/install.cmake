@@ -64,7 +64,7 @@ if(LIGHTMOTION_HOST)
           DESTINATION ${data}/zsh/vendor-completions COMPONENT program)
   install(FILES packaging/completion/lightmotion.fish
           DESTINATION ${data}/fish/vendor_completions.d COMPONENT program)
-  install(DIRECTORY host/presets DESTINATION ${data}/lightmotion COMPONENT program FILES_MATCHING PATTERN "*.json")
+  install(DIRECTORY host/detector/presets DESTINATION ${data}/lightmotion COMPONENT program FILES_MATCHING PATTERN "*.json")
   install(DIRECTORY docs/schema DESTINATION ${data}/lightmotion COMPONENT program)
   install(FILES examples/night.json DESTINATION ${data}/doc/lightmotion/examples COMPONENT program)
   install(PROGRAMS examples/cluster/archive.sbatch examples/cluster/parallel.sh

@@ -2,27 +2,29 @@
 #include <exception>
 #include <string>
 
-#include "host/failure.h"
-#include "host/interrupt.h"
-#include "host/options.h"
-#include "host/standard_streams.h"
+#include "host/base/failure.h"
+#include "host/base/interrupt.h"
+#include "host/commands/command_line.h"
+#include "host/base/standard_streams.h"
+
+namespace base = lm::host::base;
+namespace commands = lm::host::commands;
 
 int main(int argc, char** argv) {
-  using namespace lm::host;
-  occupy_standard_streams();
+  base::occupy_standard_streams();
   try {
-    const Command command = parse_command_line({argv + 1, argv + argc});
+    const commands::Command command = commands::parse_command_line({argv + 1, argv + argc});
     if (!command.work) {
-      std::fputs(command.text.c_str(), command.status == kDone ? stdout : stderr);
+      std::fputs(command.text.c_str(), command.status == base::kDone ? stdout : stderr);
       return command.status;
     }
-    watch_for_interrupts();
+    base::watch_for_interrupts();
     return command.work();
-  } catch (const Failure& failure) {
+  } catch (const base::Failure& failure) {
     std::fprintf(stderr, "lightmotion: %s\n", failure.what());
-    return interrupted() != 0 ? 128 + interrupted() : failure.status();
+    return base::interrupted() != 0 ? 128 + base::interrupted() : failure.status();
   } catch (const std::exception& error) {
-    std::fprintf(stderr, "lightmotion: %s\n", one_line(error.what()).c_str());
-    return kTrouble;
+    std::fprintf(stderr, "lightmotion: %s\n", base::one_line(error.what()).c_str());
+    return base::kTrouble;
   }
 }

@@ -9,7 +9,7 @@
 
 #include "bench/sections/sections.h"
 #include "bench/table.h"
-#include "host/standard_streams.h"
+#include "host/base/standard_streams.h"
 
 namespace lm::bench {
 namespace {
@@ -29,7 +29,7 @@ void reset_peak() { std::ofstream("/proc/self/clear_refs") << "5"; }
 // What the candidate takes beyond what the process had when its frames were ready.
 double peak_growth(const Candidate& candidate, const Scene& scene) {
   constexpr int frames = 20;
-  const host::CapturedStream chatter(stderr);
+  const host::base::CapturedStream chatter(stderr);
   malloc_trim(0);  // or the candidate would be given, uncounted, what making the frames left free
   const double idle = status_bytes("VmRSS");
   reset_peak();

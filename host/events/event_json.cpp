@@ -2,11 +2,11 @@
 
 #include <cstdio>
 
-#include "host/box_json.h"
-#include "host/json_text.h"
-#include "host/time_text.h"
+#include "host/events/box_json.h"
+#include "host/base/json_text.h"
+#include "host/base/time_text.h"
 
-namespace lm::host {
+namespace lm::host::events {
 namespace {
 
 Json::Value light_value(const LightChange& light) {
@@ -38,11 +38,11 @@ Json::Value event_value(const Event& event) {
   Json::Value value;
   value["id"] = event.id;
   value["kind"] = kind_text(event.kind);
-  value["start"] = seconds_number(event.start);
-  value["end"] = seconds_number(event.end);
-  value["peak"] = seconds_number(event.peak);
-  value["from"] = seconds_number(event.from);
-  value["to"] = seconds_number(event.to);
+  value["start"] = base::seconds_number(event.start);
+  value["end"] = base::seconds_number(event.end);
+  value["peak"] = base::seconds_number(event.peak);
+  value["from"] = base::seconds_number(event.from);
+  value["to"] = base::seconds_number(event.to);
   value["first_frame"] = Json::Int64(event.first_frame);
   value["last_frame"] = Json::Int64(event.last_frame);
   value["peak_frame"] = Json::Int64(event.peak_frame);
@@ -61,6 +61,6 @@ Json::Value event_value(const Event& event) {
   return value;
 }
 
-std::string event_json(const Event& event) { return json_text(event_value(event)); }
+std::string event_json(const Event& event) { return base::json_text(event_value(event)); }
 
-}  // namespace lm::host
+}  // namespace lm::host::events

@@ -7,7 +7,7 @@
 
 #include "host/events/event.h"
 
-namespace lm::host {
+namespace lm::host::events {
 
 // "2026-11-21T15:30:12.345Z"
 std::string utc_text(WallTime time);
@@ -18,4 +18,4 @@ Json::Value event_value(const Event& event);
 
 std::string event_json(const Event& event);
 
-}  // namespace lm::host
+}  // namespace lm::host::events

@@ -4,9 +4,9 @@
 #include <charconv>
 #include <cmath>
 
-#include "host/number_option.h"
+#include "host/base/number_option.h"
 
-namespace lm::host {
+namespace lm::host::events {
 namespace {
 
 constexpr double kDay = 24 * 60 * 60;
@@ -35,7 +35,7 @@ std::optional<TimeSpan> parse_span(const std::string& text) {
 void add_event_options(CLI::App& run, EventOptions& options) {
   const char* group = "Events";
   const auto add_time = [&](const char* name, double& value, const char* help, const char* preset) {
-    add_number(run, {name, "SECONDS", help, {0, kDay, "s"}, preset}, [&value](double seconds) {
+    base::add_number(run, {name, "SECONDS", help, {0, kDay, "s"}, preset}, [&value](double seconds) {
       value = seconds;
     })->group(group);
   };
@@ -60,4 +60,4 @@ void add_event_options(CLI::App& run, EventOptions& options) {
       });
 }
 
-}  // namespace lm::host
+}  // namespace lm::host::events

@@ -9,7 +9,7 @@ namespace CLI {
 class App;
 }
 
-namespace lm::host {
+namespace lm::host::events {
 
 struct TimeSpan {
   std::chrono::microseconds from{0};
@@ -35,4 +35,4 @@ struct EventOptions {
 
 void add_event_options(CLI::App& run, EventOptions& options);
 
-}  // namespace lm::host
+}  // namespace lm::host::events

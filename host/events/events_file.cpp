@@ -3,13 +3,13 @@
 #include <algorithm>
 #include <iterator>
 
-#include "host/csv.h"
+#include "host/base/csv.h"
 #include "host/events/event_json.h"
-#include "host/json_text.h"
-#include "host/time_text.h"
-#include "host/whole_file.h"
+#include "host/base/json_text.h"
+#include "host/base/time_text.h"
+#include "host/base/whole_file.h"
 
-namespace lm::host {
+namespace lm::host::events {
 namespace {
 
 // A column is a member of the event, or of a member of it.
@@ -65,15 +65,15 @@ std::string cell(const Json::Value& event, const Column& column) {
   const Json::Value& value = object[column.key];
   if (value.isNull()) return "";
   if (value.isString()) return value.asString();
-  return value.isArray() ? joined(value) : json_text(value, column.key);
+  return value.isArray() ? joined(value) : base::json_text(value, column.key);
 }
 
 }  // namespace
 
 EventsFile::EventsFile(const RunContext& context)
-    : rules_(context.options.events.rules), source_(context.source), pending_(context.options.events.file) {}
+    : rules_(context.options.rules), source_(context.source), pending_(context.options.file) {}
 
-void EventsFile::frame(const Frame&, const Observation& seen) {
+void EventsFile::frame(const source::Frame&, const Observation& seen) {
   ++frames_;
   last_ = seen.time;
 }
@@ -82,18 +82,18 @@ void EventsFile::finish() {
   std::stable_sort(events_.begin(), events_.end(),
                    [](const Event& a, const Event& b) { return a.start < b.start; });
   for (Event& event : events_) event.to = std::min(event.to, last_);
-  write_bytes(pending_, pending_.target().ends_with(".csv") ? csv() : json());
+  base::write_bytes(pending_, pending_.target().ends_with(".csv") ? csv() : json());
 }
 
 std::string EventsFile::csv() const {
   std::vector<std::string> cells;
   std::ranges::transform(kColumns, std::back_inserter(cells), heading);
-  std::string text = csv_row(cells);
+  std::string text = base::csv_row(cells);
   for (const Event& event : events_) {
     const Json::Value value = event_value(event);
     std::ranges::transform(kColumns, cells.begin(),
                            [&](const Column& column) { return cell(value, column); });
-    text += csv_row(cells);
+    text += base::csv_row(cells);
   }
   return text;
 }
@@ -106,17 +106,17 @@ std::string EventsFile::json() const {
   source["width"] = source_.size.width;
   source["height"] = source_.size.height;
   source["frames"] = Json::Int64(frames_);
-  source["last_time"] = seconds_number(last_);
+  source["last_time"] = base::seconds_number(last_);
   if (source_.start) source["wall_start"] = utc_text(*source_.start);
   Json::Value rules;
   rules["min_event"] = rules_.min_event;
   rules["gap"] = rules_.gap;
   rules["pre"] = rules_.pre;
   rules["post"] = rules_.post;
-  std::string text = "{\"format\":\"lightmotion-events\",\"version\":1,\n\"source\":" + json_text(source) +
-                     ",\n\"rules\":" + json_text(rules) + ",\n\"events\":[";
+  std::string text = "{\"format\":\"lightmotion-events\",\"version\":1,\n\"source\":" + base::json_text(source) +
+                     ",\n\"rules\":" + base::json_text(rules) + ",\n\"events\":[";
   for (const Event& event : events_) text += (&event == &events_.front() ? "\n" : ",\n") + event_json(event);
   return text + "\n]}\n";
 }
 
-}  // namespace lm::host
+}  // namespace lm::host::events

@@ -2,7 +2,7 @@
 
 #include <opencv2/imgproc.hpp>
 
-namespace lm::host {
+namespace lm::host::events {
 namespace {
 
 const cv::Size kSamples(320, 180);
@@ -52,4 +52,4 @@ void HiddenChange::look(const cv::Mat& image, bool counts) {
   last_ = small;
 }
 
-}  // namespace lm::host
+}  // namespace lm::host::events

@@ -5,30 +5,37 @@
 #include <memory>
 #include <stdexcept>
 
-#include "host/archive/record.h"
-#include "host/archive/shard.h"
-#include "host/check/check.h"
-#include "host/check/text.h"
-#include "host/document.h"
+#include "host/commands/archive/record.h"
+#include "host/commands/archive/shard.h"
+#include "host/detector/check/check.h"
+#include "host/detector/check/text.h"
+#include "host/detector/document.h"
 #include "host/events/event_options.h"
 #include "host/events/event_tracker.h"
 #include "host/events/regions.h"
-#include "host/failure.h"
-#include "host/frame_clock.h"
-#include "host/json_text.h"
-#include "host/live/scale.h"
-#include "host/mqtt/address.h"
-#include "host/options.h"
-#include "host/overlay.h"
-#include "host/progress.h"
-#include "host/result_line.h"
-#include "host/source.h"
-#include "host/time_text.h"
+#include "host/base/failure.h"
+#include "host/source/frame_clock.h"
+#include "host/base/json_text.h"
+#include "host/source/live/scale.h"
+#include "host/outputs/mqtt/address.h"
+#include "host/commands/command_line.h"
+#include "host/outputs/overlay.h"
+#include "host/outputs/progress.h"
+#include "host/outputs/result_line.h"
+#include "host/source/source.h"
+#include "host/base/time_text.h"
 #include "tests/fuzz/target.h"
 
 namespace {
 
-using namespace lm::host;
+using namespace lm::host::base;
+using namespace lm::host::commands;
+using namespace lm::host::commands::archive;
+using namespace lm::host::detector;
+using namespace lm::host::events;
+using namespace lm::host::outputs;
+using namespace lm::host::source;
+using namespace lm::host::source::live;
 using std::chrono::microseconds;
 
 // Arguments, one per line.

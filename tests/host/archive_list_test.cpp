@@ -3,15 +3,16 @@
 
 #include <cstdlib>
 
-#include "host/archive/file_list.h"
-#include "host/archive/folder_name.h"
-#include "host/archive/shard.h"
-#include "host/failure.h"
+#include "host/commands/archive/file_list.h"
+#include "host/commands/archive/folder_name.h"
+#include "host/commands/archive/shard.h"
+#include "host/base/failure.h"
 #include "tests/host/program.h"
 
 namespace {
 
-using namespace lm::host;
+using namespace lm::host::base;
+using namespace lm::host::commands::archive;
 namespace fs = std::filesystem;
 using Names = std::vector<std::string>;
 

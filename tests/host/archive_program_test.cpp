@@ -11,7 +11,7 @@
 #include <csignal>
 #include <sstream>
 
-#include "host/archive/folder_name.h"
+#include "host/commands/archive/folder_name.h"
 #include "tests/host/clips.h"
 
 namespace {
@@ -39,7 +39,7 @@ class Archive : public testing::Test {
   }
 
   static std::string results(const std::string& out, const std::string& clip) {
-    return out + "/" + lm::host::folder_name(fs::canonical(clip).string());
+    return out + "/" + lm::host::commands::archive::folder_name(fs::canonical(clip).string());
   }
 
   Names arguments(const std::string& out, const Names& more = {}) const {
@@ -289,7 +289,7 @@ TEST_F(EndedArchive, StoppedItEndsItsChildrenAndLeavesNothingHalf) {
 
 TEST_F(Archive, WaitsForFilesThatAnotherRunHas) {
   const std::string folder =
-      folder_ / "out/." + lm::host::folder_name(fs::canonical(clips()[0]).string()) + ".work";
+      folder_ / "out/." + lm::host::commands::archive::folder_name(fs::canonical(clips()[0]).string()) + ".work";
   fs::create_directories(folder);
   const int lock = open((folder + "/lock").c_str(), O_CREAT | O_RDWR | O_CLOEXEC, 0600);
   ASSERT_EQ(flock(lock, LOCK_EX), 0);

@@ -1,18 +1,19 @@
 // What an archive run writes down and shows of its files.
 #include <gtest/gtest.h>
 
-#include "host/archive/archive_options.h"
-#include "host/archive/archive_progress.h"
-#include "host/archive/child.h"
-#include "host/archive/file_run.h"
-#include "host/archive/record.h"
-#include "host/archive/table.h"
-#include "host/archive/work_folder.h"
+#include "host/commands/archive/archive_options.h"
+#include "host/commands/archive/archive_progress.h"
+#include "host/commands/archive/child.h"
+#include "host/commands/archive/file_run.h"
+#include "host/commands/archive/record.h"
+#include "host/commands/archive/table.h"
+#include "host/commands/archive/work_folder.h"
 #include "tests/host/program.h"
 
 namespace {
 
-using namespace lm::host;
+using namespace lm::host::commands::archive;
+using namespace lm::host::commands::run;
 using namespace std::chrono_literals;
 using Names = std::vector<std::string>;
 

@@ -4,7 +4,7 @@
 
 #include <sstream>
 
-#include "host/presets/presets.h"
+#include "host/detector/presets/presets.h"
 #include "tests/host/program.h"
 
 namespace {
@@ -122,7 +122,7 @@ TEST_F(CheckProgram, HasNothingInEffectWhereThereIsAnError) {
 }
 
 TEST_F(CheckProgram, FindsNothingInThePresets) {
-  for (const lm::host::Preset& preset : lm::host::presets())
+  for (const lm::host::detector::presets::Preset& preset : lm::host::detector::presets::presets())
     EXPECT_EQ(check(preset.document, {"--size", "640x360"}).status, 0) << preset.name;
 }
 

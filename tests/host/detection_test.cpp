@@ -4,14 +4,16 @@
 #include <cstdlib>
 #include <opencv2/imgproc.hpp>
 
-#include "host/builtin_scene.h"
-#include "host/json_text.h"
+#include "host/source/scene/builtin_scene.h"
+#include "host/base/json_text.h"
 #include "tests/host/clips.h"
 #include "tests/host/program.h"
 
 namespace {
 
-using namespace lm::host;
+using namespace lm::host::base;
+using namespace lm::host::source;
+using namespace lm::host::source::scene;
 using program::Folder;
 using program::Outcome;
 

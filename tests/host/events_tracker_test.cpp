@@ -4,7 +4,8 @@
 
 namespace {
 
-using namespace lm::host;
+using namespace lm::host::events;
+using namespace lm::host::source;
 using namespace std::chrono_literals;
 using Boxes = std::vector<cv::Rect2d>;
 using std::chrono::microseconds;

@@ -1,5 +1,5 @@
 // One vocabulary: the keys of host/keys.h, those of docs/results.md, and those of what every command writes.
-#include "host/keys.h"
+#include "host/base/keys.h"
 
 #include <gmock/gmock.h>
 #include <json/json.h>
@@ -8,14 +8,14 @@
 #include <regex>
 #include <set>
 
-#include "host/json_text.h"
+#include "host/base/json_text.h"
 #include "tests/host/clips.h"
 #include "tests/host/program.h"
 #include "tests/host/schemas.h"
 
 namespace {
 
-using namespace lm::host;
+using namespace lm::host::base;
 using namespace std::chrono_literals;
 using program::Folder;
 using program::Outcome;

@@ -1,15 +1,17 @@
 // Reconnection, with connections, a clock and chance of the tests' own.
-#include "host/live/live_source.h"
+#include "host/source/live/live_source.h"
 
 #include <gtest/gtest.h>
 
 #include <deque>
 
-#include "host/failure.h"
+#include "host/base/failure.h"
 
 namespace {
 
-using namespace lm::host;
+using namespace lm::host::base;
+using namespace lm::host::source;
+using namespace lm::host::source::live;
 using namespace std::chrono_literals;
 using Time = std::chrono::microseconds;
 

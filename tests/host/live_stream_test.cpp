@@ -5,8 +5,8 @@
 #include <cstdlib>
 #include <optional>
 
-#include "host/failure.h"
-#include "host/source.h"
+#include "host/base/failure.h"
+#include "host/source/source.h"
 #include "tests/host/live_camera.h"
 
 namespace {
@@ -99,12 +99,12 @@ TEST_P(Stream, ThatStaysAwayEndsTheProgram) {
 
 TEST_P(Stream, ThatNeverAnswersIsNamed) {
   Camera& camera = *camera_;
-  lm::host::Reading reading;
+  lm::host::source::Reading reading;
   reading.timeout = 300ms;
   try {
-    lm::host::open_source(camera.address(), reading);
+    lm::host::source::open_source(camera.address(), reading);
     ADD_FAILURE() << "opened";
-  } catch (const lm::host::Failure& failure) {
+  } catch (const lm::host::base::Failure& failure) {
     EXPECT_EQ(failure.what(), camera.address() + ": no data for 0.300 s");
   }
 }

@@ -1,16 +1,18 @@
 // Waiting, backing off and choosing frames, with clocks and chance of the tests' own.
 #include <gtest/gtest.h>
 
-#include "host/live/back_off.h"
-#include "host/live/deadline.h"
-#include "host/live/frame_picker.h"
-#include "host/live/newest_frame.h"
-#include "host/live/scale.h"
-#include "host/live/shedding.h"
+#include "host/source/live/back_off.h"
+#include "host/base/deadline.h"
+#include "host/source/live/frame_picker.h"
+#include "host/source/live/newest_frame.h"
+#include "host/source/live/scale.h"
+#include "host/source/live/shedding.h"
 
 namespace {
 
-using namespace lm::host;
+using namespace lm::host::base;
+using namespace lm::host::source;
+using namespace lm::host::source::live;
 using namespace std::chrono_literals;
 
 TEST(Deadline, PassesWhenItsTimeIsOver) {

@@ -1,5 +1,5 @@
 // What is said about events, and when.
-#include "host/mqtt/announcer.h"
+#include "host/outputs/mqtt/announcer.h"
 
 #include <gtest/gtest.h>
 #include <json/json.h>
@@ -11,7 +11,8 @@
 
 namespace {
 
-using namespace lm::host;
+using namespace lm::host::events;
+using namespace lm::host::outputs::mqtt;
 using namespace lm::host::mqtt;
 using namespace std::chrono_literals;
 using Lines = std::vector<std::string>;

@@ -4,13 +4,15 @@
 #include <cstdlib>
 #include <optional>
 
-#include "host/mqtt/mqtt_listener.h"
-#include "host/standard_streams.h"
+#include "host/outputs/mqtt/mqtt_listener.h"
+#include "host/base/standard_streams.h"
 #include "tests/host/broker.h"
 
 namespace {
 
-using namespace lm::host;
+using namespace lm::host::base;
+using namespace lm::host::events;
+using namespace lm::host::outputs::mqtt;
 using namespace std::chrono_literals;
 using broker::Broker;
 using broker::Subscriber;

@@ -1,17 +1,19 @@
-#include "host/options.h"
+#include "host/commands/command_line.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 
-#include "host/help_format.h"
-#include "host/number_option.h"
+#include "host/base/help_format.h"
+#include "host/base/number_option.h"
 #include "tests/host/program.h"
 #include "tests/host/run_line.h"
 
 namespace {
 
-using namespace lm::host;
+using namespace lm::host::base;
+using namespace lm::host::commands;
+using namespace lm::host::commands::run;
 using program::run_line;
 
 constexpr const char* kCommands[] = {"run", "serve", "tune", "check", "presets"};

@@ -1,15 +1,16 @@
-#include "host/plugin.h"
+#include "host/detector/plugin.h"
 
 #include <gtest/gtest.h>
 #include <unistd.h>
 
-#include "host/failure.h"
-#include "host/standard_streams.h"
+#include "host/base/failure.h"
+#include "host/base/standard_streams.h"
 #include "tests/host/program.h"
 
 namespace {
 
-using namespace lm::host;
+using namespace lm::host::base;
+using namespace lm::host::detector;
 using program::Folder;
 
 constexpr const char* kName = "liblightmotion.so.1";

@@ -1,4 +1,4 @@
-#include "host/presets/presets.h"
+#include "host/detector/presets/presets.h"
 
 #include <gtest/gtest.h>
 #include <json/json.h>
@@ -6,15 +6,19 @@
 #include <set>
 #include <sstream>
 
-#include "host/check/check.h"
-#include "host/document.h"
-#include "host/options.h"
+#include "host/detector/check/check.h"
+#include "host/detector/document.h"
+#include "host/commands/command_line.h"
 #include "tests/host/program.h"
 #include "tests/host/run_line.h"
 
 namespace {
 
-using namespace lm::host;
+using namespace lm::host::base;
+using namespace lm::host::commands;
+using namespace lm::host::commands::run;
+using namespace lm::host::detector;
+using namespace lm::host::detector::presets;
 using program::Folder;
 
 Json::Value parsed(const std::string& text) {

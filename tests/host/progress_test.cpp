@@ -1,12 +1,13 @@
-#include "host/progress.h"
+#include "host/outputs/progress.h"
 
 #include <gtest/gtest.h>
 
-#include "host/time_text.h"
+#include "host/base/time_text.h"
 
 namespace {
 
-using namespace lm::host;
+using namespace lm::host::base;
+using namespace lm::host::outputs;
 using namespace std::chrono_literals;
 
 const ProgressState kHalf{500, 33s, 66s, 250, 3};

@@ -1,16 +1,18 @@
 // Where things moved: counts, colours and the file.
 #include <gtest/gtest.h>
 
-#include "host/report/heat_map.h"
-#include "host/report/heat_map_file.h"
-#include "host/report/percent.h"
-#include "host/report/quiet_frame.h"
+#include "host/outputs/report/heat_map.h"
+#include "host/outputs/report/heat_map_file.h"
+#include "host/outputs/report/percent.h"
+#include "host/outputs/report/quiet_frame.h"
 #include "tests/host/clips.h"
 #include "tests/host/program.h"
 
 namespace {
 
-using namespace lm::host;
+using namespace lm::host::events;
+using namespace lm::host::outputs::report;
+using namespace lm::host::source;
 using program::Folder;
 
 // On 10 x 8 pixels: 2 to 4 across and 2 to 5 down, and 4 to 7 across and 4 to 5 down.

@@ -3,18 +3,20 @@
 
 #include <stdexcept>
 
-#include "host/report/activity.h"
-#include "host/report/markup.h"
-#include "host/report/page.h"
-#include "host/report/report_page.h"
-#include "host/report/settings.h"
-#include "host/report/shown_size.h"
-#include "host/report/timeline.h"
+#include "host/outputs/report/activity.h"
+#include "host/outputs/report/markup.h"
+#include "host/outputs/report/page.h"
+#include "host/outputs/report/report_page.h"
+#include "host/outputs/report/settings.h"
+#include "host/outputs/report/shown_size.h"
+#include "host/outputs/report/timeline.h"
 #include "tests/host/program.h"
 
 namespace {
 
-using namespace lm::host;
+using namespace lm::host::events;
+using namespace lm::host::outputs::report;
+using namespace lm::host::source;
 using namespace std::chrono_literals;
 using program::Folder;
 

@@ -1,17 +1,20 @@
 // The best frame of each event.
 #include <gtest/gtest.h>
 
-#include "host/failure.h"
-#include "host/report/best_frames.h"
-#include "host/report/image_bytes.h"
-#include "host/report/output_names.h"
-#include "host/report/snapshots.h"
+#include "host/base/failure.h"
+#include "host/outputs/report/best_frames.h"
+#include "host/outputs/report/image_bytes.h"
+#include "host/outputs/report/output_names.h"
+#include "host/outputs/report/snapshots.h"
 #include "tests/host/clips.h"
 #include "tests/host/program.h"
 
 namespace {
 
-using namespace lm::host;
+using namespace lm::host::base;
+using namespace lm::host::events;
+using namespace lm::host::outputs::report;
+using namespace lm::host::source;
 using namespace std::chrono_literals;
 using program::Folder;
 using Names = std::vector<std::string>;

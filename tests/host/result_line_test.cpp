@@ -1,10 +1,10 @@
-#include "host/result_line.h"
+#include "host/outputs/result_line.h"
 
 #include <gtest/gtest.h>
 
 namespace {
 
-using namespace lm::host;
+using namespace lm::host::outputs;
 using namespace std::chrono_literals;
 
 TEST(ResultLine, HasTheFrameItsTimeAndItsBoxes) {

@@ -6,12 +6,12 @@
 
 namespace program {
 
-lm::host::RunOptions run_line(const std::vector<std::string>& arguments) {
+lm::host::commands::run::RunOptions run_line(const std::vector<std::string>& arguments) {
   CLI::App run;
-  lm::host::RunOptions options;
-  lm::host::add_run_options(run, options);
+  lm::host::commands::run::RunOptions options;
+  lm::host::commands::run::add_run_options(run, options);
   EXPECT_NO_THROW(run.parse(std::vector<std::string>(arguments.rbegin(), arguments.rend())));
-  EXPECT_EQ(lm::host::complete_run_options(run, options), "");
+  EXPECT_EQ(lm::host::commands::run::complete_run_options(run, options), "");
   return options;
 }
 

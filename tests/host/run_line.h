@@ -4,11 +4,11 @@
 #include <string>
 #include <vector>
 
-#include "host/run_options.h"
+#include "host/commands/run/run_options.h"
 
 namespace program {
 
 // `arguments`: after `run`. Fails the test when they are refused.
-lm::host::RunOptions run_line(const std::vector<std::string>& arguments);
+lm::host::commands::run::RunOptions run_line(const std::vector<std::string>& arguments);
 
 }  // namespace program

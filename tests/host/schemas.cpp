@@ -2,8 +2,8 @@
 
 #include <cstdlib>
 
-#include "host/json_text.h"
-#include "host/keys.h"
+#include "host/base/json_text.h"
+#include "host/base/keys.h"
 #include "tests/host/program.h"
 
 namespace schemas {
@@ -29,9 +29,9 @@ std::string unknown_key(const Json::Value& value) {
   }
   if (!value.isObject()) return "";
   for (const std::string& name : value.getMemberNames()) {
-    const std::size_t place = lm::host::place_of(name);
-    if (place == lm::host::keys().size()) return "no key of the program: " + name;
-    if (lm::host::keys()[place].decimals == lm::host::kVerbatim) continue;
+    const std::size_t place = lm::host::base::place_of(name);
+    if (place == lm::host::base::keys().size()) return "no key of the program: " + name;
+    if (lm::host::base::keys()[place].decimals == lm::host::base::kVerbatim) continue;
     if (const std::string key = unknown_key(value[name]); !key.empty()) return key;
   }
   return "";
@@ -50,7 +50,7 @@ std::string fault(const std::string& name, const std::vector<std::string>& texts
   std::string all;
   for (const std::string& text : texts) {
     all.append(text).append(1, '\0');
-    if (const std::string key = unknown_key(lm::host::parse_json(text)); !key.empty()) return key;
+    if (const std::string key = unknown_key(lm::host::base::parse_json(text)); !key.empty()) return key;
   }
   program::write(folder / "texts", all);
   program::write(folder / "validate.py", kValidate);

@@ -4,15 +4,16 @@
 
 #include <filesystem>
 
-#include "host/failure.h"
-#include "host/serve/detector_process.h"
+#include "host/base/failure.h"
+#include "host/commands/serve/detector_process.h"
 #include "tests/host/clips.h"
 #include "tests/host/program.h"
 #include "tests/host/serve_page.h"
 
 namespace {
 
-using namespace lm::host;
+using namespace lm::host::base;
+using namespace lm::host::commands::serve;
 using namespace std::chrono_literals;
 using program::Folder;
 using serve::Answer;

@@ -3,18 +3,19 @@
 
 #include <filesystem>
 
-#include "host/serve/config_file.h"
-#include "host/serve/event_log.h"
-#include "host/serve/guard.h"
-#include "host/serve/pace.h"
-#include "host/serve/shot.h"
-#include "host/serve/showcase.h"
-#include "host/serve/viewers.h"
+#include "host/commands/serve/config_file.h"
+#include "host/commands/serve/event_log.h"
+#include "host/commands/serve/guard.h"
+#include "host/commands/serve/pace.h"
+#include "host/commands/serve/shot.h"
+#include "host/commands/serve/showcase.h"
+#include "host/commands/serve/viewers.h"
 #include "tests/host/program.h"
 
 namespace {
 
-using namespace lm::host;
+using namespace lm::host::commands::serve;
+using namespace lm::host::events;
 using namespace std::chrono_literals;
 
 int status_of(const Gate& gate, const Credentials& shown) {

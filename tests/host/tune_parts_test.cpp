@@ -5,20 +5,23 @@
 #include <csignal>
 #include <sstream>
 
-#include "host/document.h"
-#include "host/failure.h"
-#include "host/tune/edit.h"
-#include "host/tune/picture.h"
-#include "host/tune/sample.h"
-#include "host/tune/side_by_side.h"
-#include "host/tune/table.h"
-#include "host/tune/trial.h"
+#include "host/detector/document.h"
+#include "host/base/failure.h"
+#include "host/commands/tune/edit.h"
+#include "host/commands/tune/picture.h"
+#include "host/commands/tune/sample.h"
+#include "host/commands/tune/side_by_side.h"
+#include "host/commands/tune/table.h"
+#include "host/commands/tune/trial.h"
 #include "tests/host/clips.h"
 #include "tests/host/program.h"
 
 namespace {
 
-using namespace lm::host;
+using namespace lm::host::base;
+using namespace lm::host::commands::tune;
+using namespace lm::host::events;
+using namespace lm::host::source;
 using namespace lm::host::tune;
 using namespace std::chrono_literals;
 using program::Folder;

@@ -1,14 +1,15 @@
 // What tune counts, assumes and chooses, on figures made by hand.
 #include <gtest/gtest.h>
 
-#include "host/tune/assumption.h"
-#include "host/tune/choice.h"
-#include "host/tune/search.h"
-#include "host/tune/table.h"
+#include "host/commands/tune/assumption.h"
+#include "host/commands/tune/choice.h"
+#include "host/commands/tune/search.h"
+#include "host/commands/tune/table.h"
 
 namespace {
 
-using namespace lm::host;
+using namespace lm::host::commands::tune;
+using namespace lm::host::events;
 using namespace lm::host::tune;
 using std::chrono::microseconds;
 

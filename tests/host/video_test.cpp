@@ -3,16 +3,18 @@
 
 #include <cstdint>
 
-#include "host/failure.h"
-#include "host/ffmpeg_source.h"
-#include "host/report/image_bytes.h"
-#include "host/video_writer.h"
+#include "host/base/failure.h"
+#include "host/source/ffmpeg_source.h"
+#include "host/outputs/report/image_bytes.h"
+#include "host/outputs/video_writer.h"
 #include "tests/host/clips.h"
 #include "tests/host/program.h"
 
 namespace {
 
-using namespace lm::host;
+using namespace lm::host::base;
+using namespace lm::host::outputs::report;
+using namespace lm::host::source;
 using namespace std::chrono_literals;
 using clips::Times;
 using program::Folder;
