@@ -74,7 +74,7 @@ Command parse_command_line(const std::vector<std::string>& arguments) {
   app.require_subcommand(1);
   app.footer(kFooter);
   std::function<int()> work;
-  run::add_run_command(app, work);
+  add_run_command(app, work);
   serve::add_serve_command(app, work);
   tune::add_tune_command(app, work);
   add_check_command(app, work);

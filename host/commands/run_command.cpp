@@ -43,7 +43,7 @@ std::string complete(const CLI::App& command, Asked& asked) {
 }
 
 int work(const Asked& asked) {
-  detector::show_plugin_log(asked.run.verbose);
+  base::show_plugin_log(asked.run.verbose);
   return asked.archive.out.empty() ? run::run(asked.run) : archive::run_archive(asked.run, asked.archive);
 }
 
