@@ -1,5 +1,6 @@
 #include <cstdio>
 #include <exception>
+#include <new>
 #include <string>
 
 #include "host/failure.h"
@@ -21,6 +22,9 @@ int main(int argc, char** argv) {
   } catch (const Failure& failure) {
     std::fprintf(stderr, "lightmotion: %s\n", failure.what());
     return interrupted() != 0 ? 128 + interrupted() : failure.status();
+  } catch (const std::bad_alloc&) {
+    std::fputs("lightmotion: out of memory\n", stderr);
+    return kTrouble;
   } catch (const std::exception& error) {
     std::fprintf(stderr, "lightmotion: %s\n", one_line(error.what()).c_str());
     return kTrouble;
