@@ -1,5 +1,6 @@
 #include <cstdio>
 #include <exception>
+#include <new>
 #include <string>
 
 #include "host/base/failure.h"
@@ -23,6 +24,9 @@ int main(int argc, char** argv) {
   } catch (const base::Failure& failure) {
     std::fprintf(stderr, "lightmotion: %s\n", failure.what());
     return base::interrupted() != 0 ? 128 + base::interrupted() : failure.status();
+  } catch (const std::bad_alloc&) {
+    std::fputs("lightmotion: out of memory\n", stderr);
+    return base::kTrouble;
   } catch (const std::exception& error) {
     std::fprintf(stderr, "lightmotion: %s\n", base::one_line(error.what()).c_str());
     return base::kTrouble;

@@ -24,7 +24,8 @@ constexpr const char* kFooter = R"(Examples:
 )";
 
 bool is_command(const CLI::App& app, const std::string& name) {
-  return app.get_subcommand_no_throw(name) != nullptr;
+  return !app.get_subcommands([&name](const CLI::App* command) { return command->get_name() == name; })
+              .empty();
 }
 
 bool looks_like_source(const std::string& text) {

@@ -3,6 +3,7 @@
 #include <CLI/CLI.hpp>
 #include <chrono>
 #include <cmath>
+#include <utility>
 
 #include "host/base/number_option.h"
 
