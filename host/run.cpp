@@ -121,11 +121,11 @@ class Run {
   }
 
   // The plug-in tells about its buffers on the first frame, which is of use to its developers only.
-  std::string process(const Frame& frame) {
+  std::string process(const Frame& frame, const std::string& stated) {
     std::optional<CapturedStream> chatter;
     if ((figures_.frames == 0 || frame.anew) && !options_.verbose) chatter.emplace(stderr);
     if (frame.anew) plugin_.restart(document_);
-    return plugin_.process(scaled(frame.image, analysed_).data, timestamp(source_.info(), frame));
+    return plugin_.process(scaled(frame.image, analysed_).data, stated);
   }
 
   void tell_note(const Frame& frame) {
@@ -136,18 +136,21 @@ class Run {
 
   std::vector<ReportedBox> with_regions(const std::vector<cv::Rect2d>& boxes) const {
     std::vector<ReportedBox> reported;
-    for (const cv::Rect2d& box : boxes) regions_.touched(box, reported.emplace_back(box).regions);
+    for (const cv::Rect2d& box : boxes) {
+      reported.push_back({box, {}});
+      regions_.touched(box, reported.back().regions);
+    }
     return reported;
   }
 
   void one_frame(Frame& frame) {
     tell_note(frame);
-    const std::string document = process(frame);
+    const std::string stated = timestamp(source_.info(), frame);
+    const std::string document = process(frame, stated);
     const std::vector<cv::Rect2d> boxes = boxes_of(document);
     if (!boxes.empty()) {
       if (shares_terminal_) progress_.clear();
-      lines_.write(
-          result_line(frame.number, frame.time, with_regions(boxes), timestamp(source_.info(), frame)));
+      lines_.write(result_line(frame.number, frame.time, with_regions(boxes), stated));
       ++figures_.frames_with_motion;
     }
     events_.frame(frame, frame.number, boxes);
