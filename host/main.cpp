@@ -5,8 +5,8 @@
 
 #include "host/base/failure.h"
 #include "host/base/interrupt.h"
-#include "host/commands/command_line.h"
 #include "host/base/standard_streams.h"
+#include "host/commands/command_line.h"
 
 namespace base = lm::host::base;
 namespace commands = lm::host::commands;

@@ -26,6 +26,11 @@ void append_number(std::string& text, double number, int decimals) {
   text.append(digits.data(), end);
 }
 
+int decimals_of(std::string_view name) {
+  const std::size_t place = place_of(name);
+  return place < keys().size() ? keys()[place].decimals : kNoKey;
+}
+
 void append(std::string& text, const Json::Value& value, int decimals);
 
 void append_array(std::string& text, const Json::Value& array, int decimals) {
@@ -43,9 +48,8 @@ void append_object(std::string& text, const Json::Value& object) {
   text += '{';
   for (const std::string& name : names) {
     if (text.back() != '{') text += ',';
-    const std::size_t place = place_of(name);
     text += Json::valueToQuotedString(name.c_str()) + ':';
-    append(text, object[name], place < keys().size() ? keys()[place].decimals : kNoKey);
+    append(text, object[name], decimals_of(name));
   }
   text += '}';
 }
@@ -84,7 +88,7 @@ std::string json_text(const Json::Value& value) {
 
 std::string json_text(const Json::Value& value, std::string_view key) {
   std::string text;
-  append(text, value, keys()[place_of(key)].decimals);
+  append(text, value, decimals_of(key));
   return text;
 }
 

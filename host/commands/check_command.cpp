@@ -6,12 +6,12 @@
 #include <memory>
 #include <system_error>
 
+#include "host/base/failure.h"
+#include "host/base/whole_file.h"
 #include "host/detector/check/check.h"
 #include "host/detector/check/text.h"
-#include "host/base/failure.h"
 #include "host/source/live/scale.h"
 #include "host/source/source.h"
-#include "host/base/whole_file.h"
 
 namespace lm::host::commands {
 namespace {
@@ -51,8 +51,8 @@ int check_config(const CheckOptions& options) {
   std::optional<cv::Size> size = options.size;
   if (options.source) size = source::open_source(*options.source)->info().size;
   const detector::check::Verdict verdict = detector::check::check_document(text, size);
-  const std::string report =
-      options.json ? detector::check::to_json(verdict) + '\n' : detector::check::to_text(options.config, verdict);
+  const std::string report = options.json ? detector::check::to_json(verdict) + '\n'
+                                          : detector::check::to_text(options.config, verdict);
   if (std::fputs(report.c_str(), stdout) < 0 || std::fflush(stdout) != 0) {
     throw base::Failure(base::kRefused, "standard output: " + std::generic_category().message(errno));
   }
@@ -85,7 +85,8 @@ void add_check_command(CLI::App& app, std::function<int()>& chosen) {
           ->type_name("SOURCE");
   command
       ->add_option_function<std::string>(
-          "--size", [options](const std::string& text) { options->size = source::live::parse_scale(text)->size; },
+          "--size",
+          [options](const std::string& text) { options->size = source::live::parse_scale(text)->size; },
           "Frame size, such as 1280x720")
       ->type_name("SIZE")
       ->excludes(source)

@@ -4,12 +4,12 @@
 #include <algorithm>
 #include <filesystem>
 
-#include "host/commands/check_command.h"
 #include "host/base/help_format.h"
+#include "host/base/shown_address.h"
+#include "host/commands/check_command.h"
 #include "host/commands/presets_command.h"
 #include "host/commands/run_command.h"
 #include "host/commands/serve/serve_command.h"
-#include "host/base/shown_address.h"
 #include "host/commands/tune/tune_command.h"
 
 namespace lm::host::commands {

@@ -24,7 +24,8 @@ Exit status:
 
 std::string list() {
   std::size_t widest = 0;
-  for (const detector::presets::Preset& preset : detector::presets::presets()) widest = std::max(widest, preset.name.size());
+  for (const detector::presets::Preset& preset : detector::presets::presets())
+    widest = std::max(widest, preset.name.size());
   std::string lines;
   for (const detector::presets::Preset& preset : detector::presets::presets()) {
     lines.append(preset.name).append(widest + 2 - preset.name.size(), ' ').append(preset.about).append("\n");
@@ -48,7 +49,9 @@ void add_presets_command(CLI::App& app, std::function<int()>& chosen) {
       ->type_name("")
       ->check(detector::presets::is_preset);
   command->callback([name, &chosen] {
-    chosen = [name] { return print(name->empty() ? list() : detector::presets::find_preset(*name)->document); };
+    chosen = [name] {
+      return print(name->empty() ? list() : detector::presets::find_preset(*name)->document);
+    };
   });
 }
 

@@ -5,9 +5,9 @@
 #include <string>
 #include <vector>
 
+#include "host/base/notice.h"
 #include "host/commands/archive/archive.h"
 #include "host/commands/archive/archive_options.h"
-#include "host/base/notice.h"
 #include "host/commands/run/run.h"
 #include "host/commands/run/run_options.h"
 

@@ -43,7 +43,7 @@ std::string find_plugin(const std::string& given, const std::string& program_fol
     searched += (searched.empty() ? "" : ", ") + folder.string();
   }
   throw base::Failure(base::kRefused,
-                std::string(kFileName) + " not found in " + searched + "; give its path with --plugin");
+                      std::string(kFileName) + " not found in " + searched + "; give its path with --plugin");
 }
 
 std::string program_folder() {

@@ -2,9 +2,9 @@
 
 #include <cstdio>
 
-#include "host/events/box_json.h"
 #include "host/base/json_text.h"
 #include "host/base/time_text.h"
+#include "host/events/box_json.h"
 
 namespace lm::host::events {
 namespace {

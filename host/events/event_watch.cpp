@@ -13,7 +13,8 @@ EventWatch::EventWatch(const RunContext& context)
         regions_.touched(box, names);
       }) {}
 
-void EventWatch::frame(const source::Frame& frame, std::int64_t number, const std::vector<cv::Rect2d>& boxes) {
+void EventWatch::frame(const source::Frame& frame, std::int64_t number,
+                       const std::vector<cv::Rect2d>& boxes) {
   if (frame.anew || (!frame.note.empty() && frame.time - last_ > gap_)) {
     light_.forget();
     tracker_.interrupt("The source was interrupted: " + frame.note + ".");

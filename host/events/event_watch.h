@@ -10,8 +10,8 @@
 #include "host/events/event_tracker.h"
 #include "host/events/light.h"
 #include "host/events/listener.h"
-#include "host/events/run_context.h"
 #include "host/events/regions.h"
+#include "host/events/run_context.h"
 
 namespace lm::host::events {
 

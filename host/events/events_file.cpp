@@ -4,10 +4,10 @@
 #include <iterator>
 
 #include "host/base/csv.h"
-#include "host/events/event_json.h"
 #include "host/base/json_text.h"
 #include "host/base/time_text.h"
 #include "host/base/whole_file.h"
+#include "host/events/event_json.h"
 
 namespace lm::host::events {
 namespace {
@@ -113,8 +113,9 @@ std::string EventsFile::json() const {
   rules["gap"] = rules_.gap;
   rules["pre"] = rules_.pre;
   rules["post"] = rules_.post;
-  std::string text = "{\"format\":\"lightmotion-events\",\"version\":1,\n\"source\":" + base::json_text(source) +
-                     ",\n\"rules\":" + base::json_text(rules) + ",\n\"events\":[";
+  std::string text =
+      "{\"format\":\"lightmotion-events\",\"version\":1,\n\"source\":" + base::json_text(source) +
+      ",\n\"rules\":" + base::json_text(rules) + ",\n\"events\":[";
   for (const Event& event : events_) text += (&event == &events_.front() ? "\n" : ",\n") + event_json(event);
   return text + "\n]}\n";
 }

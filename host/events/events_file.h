@@ -6,10 +6,9 @@
 #include <string>
 #include <vector>
 
-#include "host/events/listener.h"
+#include "host/base/pending_file.h"
 #include "host/events/listener.h"
 #include "host/events/run_context.h"
-#include "host/base/pending_file.h"
 
 namespace lm::host::events {
 

@@ -2,9 +2,9 @@
 
 #include <cmath>
 
-#include "host/events/why.h"
 #include "host/base/json_text.h"
 #include "host/base/time_text.h"
+#include "host/events/why.h"
 
 namespace lm::host::events {
 namespace {
@@ -81,8 +81,9 @@ bool Explainer::in_span(const Event& event) const {
 
 void Explainer::ended(const Event& event) {
   if (!in_span(event)) return;
-  events_ += "  " + event.id + ", " + base::seconds_text(event.start) + " to " + base::seconds_text(event.end) + " s. " +
-             event.started + " " + event.ended + " Boxes in " + std::to_string(event.frames) + " of " +
+  events_ += "  " + event.id + ", " + base::seconds_text(event.start) + " to " +
+             base::seconds_text(event.end) + " s. " + event.started + " " + event.ended + " Boxes in " +
+             std::to_string(event.frames) + " of " +
              counted(event.last_frame - event.first_frame + 1, "frame", "frames") + "; --gap bridges up to " +
              rule_text(rules_.gap) + " without.\n";
 }
@@ -90,8 +91,8 @@ void Explainer::ended(const Event& event) {
 void Explainer::dropped(const Event& event) {
   if (!in_span(event)) return;
   events_ += "  dropped: boxes in " + counted(event.frames, "frame", "frames") + " from " +
-             base::seconds_text(event.start) + " to " + base::seconds_text(event.end) + " s; --min-event requires " +
-             rule_text(rules_.min_event) + "\n";
+             base::seconds_text(event.start) + " to " + base::seconds_text(event.end) +
+             " s; --min-event requires " + rule_text(rules_.min_event) + "\n";
 }
 
 std::string Explainer::settings() const {

@@ -7,9 +7,8 @@
 #include "host/events/event_options.h"
 #include "host/events/hidden_change.h"
 #include "host/events/listener.h"
-#include "host/events/listener.h"
-#include "host/events/run_context.h"
 #include "host/events/regions.h"
+#include "host/events/run_context.h"
 
 namespace lm::host::events {
 

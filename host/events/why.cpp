@@ -34,7 +34,8 @@ std::string why_quiet(const Event& event, std::chrono::microseconds gap, std::ch
   std::string text = std::string(what) + " for more than " + base::seconds_text(gap) + " s after " +
                      base::seconds_text(event.end) + " s";
   if (hidden.count() > 0) {
-    text += ", not counting " + base::seconds_text(hidden) + " s in which a lighting change covered the picture";
+    text +=
+        ", not counting " + base::seconds_text(hidden) + " s in which a lighting change covered the picture";
   }
   return text + ".";
 }

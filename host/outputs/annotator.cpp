@@ -1,7 +1,7 @@
 #include "host/outputs/annotator.h"
 
-#include "host/outputs/overlay.h"
 #include "host/base/time_text.h"
+#include "host/outputs/overlay.h"
 
 namespace lm::host::outputs {
 namespace {

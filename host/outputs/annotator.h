@@ -7,8 +7,8 @@
 #include <vector>
 
 #include "host/base/pending_file.h"
-#include "host/source/source.h"
 #include "host/outputs/video_writer.h"
+#include "host/source/source.h"
 
 namespace lm::host::outputs {
 

@@ -3,9 +3,9 @@
 #include <optional>
 #include <utility>
 
-#include "host/events/box_json.h"
 #include "host/base/json_text.h"
 #include "host/base/time_text.h"
+#include "host/events/box_json.h"
 
 namespace lm::host::outputs {
 namespace {

@@ -8,10 +8,10 @@
 #include <utility>
 
 #include "host/base/failure.h"
-#include "host/source/frame_clock.h"
 #include "host/base/interrupt.h"
 #include "host/base/shown_address.h"
 #include "host/base/time_text.h"
+#include "host/source/frame_clock.h"
 
 extern "C" {
 #include <libavdevice/avdevice.h>
@@ -315,7 +315,8 @@ std::string FfmpegSource::early_end() const {
   if (!info_.duration || !states_video) return "";
   const Time tolerance = std::max<Time>(500ms, *info_.duration / 50);
   if (end_ + tolerance >= *info_.duration) return "";
-  return "ends early, after " + base::seconds_text(end_) + " of " + base::seconds_text(*info_.duration) + " s";
+  return "ends early, after " + base::seconds_text(end_) + " of " + base::seconds_text(*info_.duration) +
+         " s";
 }
 
 std::string FfmpegSource::trouble() const {

@@ -6,9 +6,9 @@
 #include <stop_token>
 #include <string>
 
+#include "host/base/deadline.h"
 #include "host/source/av.h"
 #include "host/source/frame_clock.h"
-#include "host/base/deadline.h"
 #include "host/source/live/frame_picker.h"
 #include "host/source/picture_converter.h"
 #include "host/source/source.h"

@@ -1,8 +1,8 @@
 #include "host/source/source.h"
 
-#include "host/source/scene/builtin_scene.h"
 #include "host/source/ffmpeg_source.h"
 #include "host/source/live/live_source.h"
+#include "host/source/scene/builtin_scene.h"
 
 namespace lm::host::source {
 

@@ -5,25 +5,25 @@
 #include <memory>
 #include <stdexcept>
 
+#include "host/base/failure.h"
+#include "host/base/json_text.h"
+#include "host/base/time_text.h"
 #include "host/commands/archive/record.h"
 #include "host/commands/archive/shard.h"
+#include "host/commands/command_line.h"
 #include "host/detector/check/check.h"
 #include "host/detector/check/text.h"
 #include "host/detector/document.h"
 #include "host/events/event_options.h"
 #include "host/events/event_tracker.h"
 #include "host/events/regions.h"
-#include "host/base/failure.h"
-#include "host/source/frame_clock.h"
-#include "host/base/json_text.h"
-#include "host/source/live/scale.h"
 #include "host/outputs/mqtt/address.h"
-#include "host/commands/command_line.h"
 #include "host/outputs/overlay.h"
 #include "host/outputs/progress.h"
 #include "host/outputs/result_line.h"
+#include "host/source/frame_clock.h"
+#include "host/source/live/scale.h"
 #include "host/source/source.h"
-#include "host/base/time_text.h"
 #include "tests/fuzz/target.h"
 
 namespace {

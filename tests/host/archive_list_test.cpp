@@ -3,10 +3,10 @@
 
 #include <cstdlib>
 
+#include "host/base/failure.h"
 #include "host/commands/archive/file_list.h"
 #include "host/commands/archive/folder_name.h"
 #include "host/commands/archive/shard.h"
-#include "host/base/failure.h"
 #include "tests/host/program.h"
 
 namespace {

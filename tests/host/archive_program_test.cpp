@@ -288,8 +288,9 @@ TEST_F(EndedArchive, StoppedItEndsItsChildrenAndLeavesNothingHalf) {
 }
 
 TEST_F(Archive, WaitsForFilesThatAnotherRunHas) {
-  const std::string folder =
-      folder_ / "out/." + lm::host::commands::archive::folder_name(fs::canonical(clips()[0]).string()) + ".work";
+  const std::string folder = folder_ / "out/." +
+                             lm::host::commands::archive::folder_name(fs::canonical(clips()[0]).string()) +
+                             ".work";
   fs::create_directories(folder);
   const int lock = open((folder + "/lock").c_str(), O_CREAT | O_RDWR | O_CLOEXEC, 0600);
   ASSERT_EQ(flock(lock, LOCK_EX), 0);

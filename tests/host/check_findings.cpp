@@ -15,9 +15,11 @@ std::vector<std::string> places_of(const host::detector::check::Verdict& verdict
   return lines;
 }
 
-host::detector::check::Finding finding_on(const host::detector::check::Verdict& verdict, const std::string& key) {
-  const auto found = std::find_if(verdict.findings.begin(), verdict.findings.end(),
-                                  [&](const host::detector::check::Finding& finding) { return finding.key == key; });
+host::detector::check::Finding finding_on(const host::detector::check::Verdict& verdict,
+                                          const std::string& key) {
+  const auto found =
+      std::find_if(verdict.findings.begin(), verdict.findings.end(),
+                   [&](const host::detector::check::Finding& finding) { return finding.key == key; });
   return found == verdict.findings.end() ? host::detector::check::Finding{} : *found;
 }
 

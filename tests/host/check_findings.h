@@ -12,6 +12,7 @@ namespace lm::host::check {
 std::vector<std::string> places_of(const host::detector::check::Verdict& verdict);
 
 // The one on this key. Of several, the first; of none, one without a text.
-host::detector::check::Finding finding_on(const host::detector::check::Verdict& verdict, const std::string& key);
+host::detector::check::Finding finding_on(const host::detector::check::Verdict& verdict,
+                                          const std::string& key);
 
 }  // namespace lm::host::check

@@ -4,10 +4,10 @@
 
 #include <opencv2/imgproc.hpp>
 
+#include "host/base/standard_streams.h"
 #include "host/detector/check/check.h"
 #include "host/detector/document.h"
 #include "host/detector/plugin.h"
-#include "host/base/standard_streams.h"
 
 namespace {
 

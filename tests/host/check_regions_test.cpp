@@ -42,7 +42,8 @@ struct Case {
 class CheckRegion : public testing::TestWithParam<Case> {};
 
 TEST_P(CheckRegion, IsFoundWithItsPlace) {
-  const lm::host::detector::check::Verdict verdict = lm::host::detector::check::check_document(GetParam().document, kFrame);
+  const lm::host::detector::check::Verdict verdict =
+      lm::host::detector::check::check_document(GetParam().document, kFrame);
   ASSERT_THAT(places_of(verdict), ElementsAre(GetParam().place)) << GetParam().document;
   EXPECT_THAT(verdict.findings[0].text, HasSubstr(GetParam().text));
 }
@@ -117,22 +118,24 @@ TEST(CheckRegions, PointsOfARegionThatHasTooFewAreNotReadUnlessItExcludes) {
   const std::string two = R"("points":[{"x":"a","y":"0"},{"x":"1","y":"0"}])";
   EXPECT_THAT(places_of(lm::host::detector::check::check_document(roi_and_ror(kAll, two), kFrame)),
               testing::Contains(testing::StartsWith("error")));
-  EXPECT_THAT(without_notes(lm::host::detector::check::check_document("{\"roi\":[{" + kAll + "},{" + two + "}]}", kFrame)),
+  EXPECT_THAT(without_notes(lm::host::detector::check::check_document(
+                  "{\"roi\":[{" + kAll + "},{" + two + "}]}", kFrame)),
               ElementsAre(testing::StartsWith("warning")));
 }
 
 // The plug-in's own edge rule: from column 0.25 x 640 = 160, which lies outside, to 320, which lies inside,
 // and from row 90 up to row 179: 160 x 90 of 640 x 360 pixels.
 TEST(CheckRegions, ShareOfTheFrameIsCountedInPixels) {
-  const lm::host::detector::check::Verdict verdict = lm::host::detector::check::check_document(roi(rectangle("0.25", "0.25", "0.5", "0.5")), kFrame);
+  const lm::host::detector::check::Verdict verdict =
+      lm::host::detector::check::check_document(roi(rectangle("0.25", "0.25", "0.5", "0.5")), kFrame);
   EXPECT_EQ(verdict.effective->watched, 14400.0 / 230400);
   EXPECT_EQ(verdict.effective->memory, 230400U * 296);  // one region's mask more than none
 }
 
 // Without the right half and without column 0 there are columns 1 to 320.
 TEST(CheckRegions, ExclusionsTakeFromTheShare) {
-  const lm::host::detector::check::Verdict verdict =
-      lm::host::detector::check::check_document(roi_and_ror(rectangle("0", "0", "1", "1"), rectangle("0.5", "0", "1", "1")), kFrame);
+  const lm::host::detector::check::Verdict verdict = lm::host::detector::check::check_document(
+      roi_and_ror(rectangle("0", "0", "1", "1"), rectangle("0.5", "0", "1", "1")), kFrame);
   EXPECT_THAT(verdict.findings, IsEmpty());
   EXPECT_EQ(verdict.effective->watched, 0.5);
 }
@@ -141,7 +144,8 @@ TEST(CheckRegions, OneThatIsHiddenByExclusionsIsNamed) {
   const std::string document =
       "{\"roi\":[{" + kAll + "},{\"name\":\"gate\"," + rectangle("0.1", "0.1", "0.3", "0.3") +
       "}],\"ror\":[{" + rectangle("0", "0", "0.2", "1") + "},{" + rectangle("0.2", "0", "0.4", "1") + "}]}";
-  const lm::host::detector::check::Finding finding = finding_on(lm::host::detector::check::check_document(document, kFrame), "roi[1]");
+  const lm::host::detector::check::Finding finding =
+      finding_on(lm::host::detector::check::check_document(document, kFrame), "roi[1]");
   EXPECT_EQ(finding.severity, lm::host::detector::check::Severity::kWarning);
   EXPECT_EQ(finding.text, "region \"gate\" has no effect: exclusion regions cover all of it");
 }
@@ -150,7 +154,8 @@ TEST(CheckRegions, OneThatIsHiddenByExclusionsIsNamed) {
 TEST(CheckRegions, OneThatPeepsOutByAPixelIsNotHidden) {
   const std::string document =
       roi_and_ror(rectangle("0.1", "0.1", "0.3", "0.3"), rectangle("0", "0", "0.2999", "1"));
-  const lm::host::detector::check::Verdict verdict = lm::host::detector::check::check_document(document, kFrame);
+  const lm::host::detector::check::Verdict verdict =
+      lm::host::detector::check::check_document(document, kFrame);
   EXPECT_THAT(verdict.findings, IsEmpty());
   EXPECT_EQ(verdict.effective->watched, 72.0 / 230400);
 }
@@ -159,25 +164,32 @@ TEST(CheckRegions, ThatCoverNoPixelAreNamed) {
   const std::string line = points({{"0.1", "0.1"}, {"0.2", "0.1"}, {"0.3", "0.1"}});
   const std::string beside = rectangle("1.1", "0", "1.5", "1");
   for (const std::string& region : {line, beside}) {
-    const lm::host::detector::check::Verdict verdict = lm::host::detector::check::check_document("{\"roi\":[{" + kAll + "},{" + region + "}]}", kFrame);
+    const lm::host::detector::check::Verdict verdict =
+        lm::host::detector::check::check_document("{\"roi\":[{" + kAll + "},{" + region + "}]}", kFrame);
     EXPECT_THAT(finding_on(verdict, "roi[1]").text, HasSubstr("covers no pixel")) << region;
     EXPECT_FALSE(verdict.refused());
-    EXPECT_THAT(finding_on(lm::host::detector::check::check_document(roi_and_ror(kAll, region), kFrame), "ror[0]").text,
-                HasSubstr("excludes nothing"));
+    EXPECT_THAT(
+        finding_on(lm::host::detector::check::check_document(roi_and_ror(kAll, region), kFrame), "ror[0]")
+            .text,
+        HasSubstr("excludes nothing"));
   }
 }
 
 TEST(CheckRegions, AnExclusionWhereNothingIsWatchedIsNoted) {
-  const lm::host::detector::check::Verdict verdict =
-      lm::host::detector::check::check_document(roi_and_ror(rectangle("0", "0", "0.5", "1"), rectangle("0.6", "0", "0.8", "1")), kFrame);
+  const lm::host::detector::check::Verdict verdict = lm::host::detector::check::check_document(
+      roi_and_ror(rectangle("0", "0", "0.5", "1"), rectangle("0.6", "0", "0.8", "1")), kFrame);
   EXPECT_THAT(places_of(verdict), ElementsAre(testing::StartsWith("note 1:")));
   EXPECT_THAT(finding_on(verdict, "ror[0]").text, HasSubstr("overlaps no region of interest"));
 }
 
 TEST(CheckRegions, NothingWatchedIsAnError) {
-  EXPECT_THAT(finding_on(lm::host::detector::check::check_document("{\"ror\":[{" + kAll + "}]}", kFrame), "ror").text,
-              HasSubstr("nothing is watched"));
-  EXPECT_THAT(finding_on(lm::host::detector::check::check_document(roi(points({{"0", "0"}, {"1", "1"}})), std::nullopt), "roi").text,
+  EXPECT_THAT(
+      finding_on(lm::host::detector::check::check_document("{\"ror\":[{" + kAll + "}]}", kFrame), "ror").text,
+      HasSubstr("nothing is watched"));
+  EXPECT_THAT(finding_on(lm::host::detector::check::check_document(roi(points({{"0", "0"}, {"1", "1"}})),
+                                                                   std::nullopt),
+                         "roi")
+                  .text,
               HasSubstr("no region has three points"));
 }
 
@@ -187,7 +199,8 @@ TEST(CheckRegions, ALeastBoxThatNoBoxInThemCanReachIsAnError) {
   const auto verdict_on = [&](const std::string& region) {
     return lm::host::detector::check::check_document("{" + sizes + "\"roi\":[{" + region + "}]}", kFrame);
   };
-  const lm::host::detector::check::Finding finding = finding_on(verdict_on(rectangle("0.25", "0.25", "0.75", "0.75")), "minBoxW");
+  const lm::host::detector::check::Finding finding =
+      finding_on(verdict_on(rectangle("0.25", "0.25", "0.75", "0.75")), "minBoxW");
   EXPECT_EQ(finding.severity, lm::host::detector::check::Severity::kError);
   EXPECT_EQ(finding.text,
             "no box can be large enough: the minimum box size is 576 x 324 pixels, the watched area spans "
@@ -198,12 +211,14 @@ TEST(CheckRegions, ALeastBoxThatNoBoxInThemCanReachIsAnError) {
 
 TEST(CheckRegions, AreLookedAtBesideSettingsThatAreRefused) {
   const std::string line = points({{"0.1", "0.1"}, {"0.2", "0.1"}, {"0.3", "0.1"}});
-  const lm::host::detector::check::Verdict verdict = lm::host::detector::check::check_document("{\"lcAdap\":\"x\",\"ror\":[{" + line + "}]}", kFrame);
+  const lm::host::detector::check::Verdict verdict =
+      lm::host::detector::check::check_document("{\"lcAdap\":\"x\",\"ror\":[{" + line + "}]}", kFrame);
   EXPECT_THAT(places_of(verdict), ElementsAre("error 1:11 lcAdap", "warning 1:22 ror[0]"));
 }
 
 TEST(CheckRegions, AreNotLaidOnFramesOfAnUnknownSize) {
-  const lm::host::detector::check::Verdict verdict = lm::host::detector::check::check_document(roi(points({{"0", "0"}, {"0.5", "0"}, {"1", "0"}})), std::nullopt);
+  const lm::host::detector::check::Verdict verdict = lm::host::detector::check::check_document(
+      roi(points({{"0", "0"}, {"0.5", "0"}, {"1", "0"}})), std::nullopt);
   EXPECT_THAT(verdict.findings, IsEmpty());
   EXPECT_FALSE(verdict.effective->watched.has_value());
 }
@@ -216,7 +231,8 @@ TEST(CheckRegions, OfMorePointsThanCanBeLaidOnTheFrameAreTakenOnTrust) {
         .append(std::to_string(1000 + i))
         .append(R"(,"y":0.5})");
   }
-  const lm::host::detector::check::Verdict verdict = lm::host::detector::check::check_document(roi("\"points\":[" + many + "]"), kFrame);
+  const lm::host::detector::check::Verdict verdict =
+      lm::host::detector::check::check_document(roi("\"points\":[" + many + "]"), kFrame);
   EXPECT_THAT(finding_on(verdict, "").text, HasSubstr("too many"));
   EXPECT_FALSE(verdict.refused());
 }

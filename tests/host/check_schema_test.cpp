@@ -81,7 +81,8 @@ TEST(CheckSchema, MarksWhatCheckMarks) {
   ASSERT_EQ(verdicts.size(), documents.size());
   for (std::size_t i = 0; i < documents.size(); ++i) {
     bool fine = true;
-    for (const lm::host::detector::check::Finding& finding : lm::host::detector::check::check_document(documents[i], std::nullopt).findings)
+    for (const lm::host::detector::check::Finding& finding :
+         lm::host::detector::check::check_document(documents[i], std::nullopt).findings)
       fine = fine && finding.severity == lm::host::detector::check::Severity::kNote;
     EXPECT_EQ(verdicts[i], fine ? "1" : "0") << documents[i];
   }

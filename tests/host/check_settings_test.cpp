@@ -24,7 +24,8 @@ struct Case {
 class CheckSetting : public testing::TestWithParam<Case> {};
 
 TEST_P(CheckSetting, IsFoundWithItsPlaceAndWhatWouldBeRight) {
-  const lm::host::detector::check::Verdict verdict = lm::host::detector::check::check_document(GetParam().document, kFrame);
+  const lm::host::detector::check::Verdict verdict =
+      lm::host::detector::check::check_document(GetParam().document, kFrame);
   ASSERT_THAT(places_of(verdict), ElementsAre(GetParam().place)) << GetParam().document;
   EXPECT_THAT(verdict.findings[0].text, HasSubstr(GetParam().text));
   EXPECT_THAT(verdict.findings[0].hint, HasSubstr(GetParam().hint));
@@ -104,7 +105,8 @@ TEST(CheckSettings, AreFineAsTheyAreMeant) {
                                R"({"frmW": "640", "frmH": " 360", "frmChn": "3"})",
                                R"({"minBoxW": "0.0016", "minBoxH": "0.0028"})",  // 1.024 and 1.008 pixels
                                "/* by hand */ {\"comment\": [\"street\", 3]} // end"}) {
-    EXPECT_THAT(places_of(lm::host::detector::check::check_document(document, kFrame)), IsEmpty()) << document;
+    EXPECT_THAT(places_of(lm::host::detector::check::check_document(document, kFrame)), IsEmpty())
+        << document;
   }
 }
 
@@ -124,19 +126,21 @@ TEST(CheckSettings, FindsEveryFaultInTheOrderOfTheText) {
 
 // "minBoxW" is empty and takes the 4 of "lcAdap" over, which is out of its range.
 TEST(CheckSettings, JudgesWhatIsTakenOver) {
-  const lm::host::detector::check::Verdict verdict = lm::host::detector::check::check_document(R"({"lcAdap": "4", "minBoxW": ""})", kFrame);
+  const lm::host::detector::check::Verdict verdict =
+      lm::host::detector::check::check_document(R"({"lcAdap": "4", "minBoxW": ""})", kFrame);
   ASSERT_THAT(places_of(verdict), ElementsAre("warning 1:28 minBoxW", "warning 1:28 minBoxW"));
   EXPECT_THAT(verdict.findings[1].text, HasSubstr("4 is out of range: 0.05 is kept"));
 }
 
 TEST(CheckSettings, ThatAreEmptyOneAfterAnotherTakeTheSameValueOver) {
-  const lm::host::detector::check::Verdict verdict = lm::host::detector::check::check_document(R"({"sensitivity": "1", "lcAdap": "", "minBoxW": ""})", kFrame);
+  const lm::host::detector::check::Verdict verdict = lm::host::detector::check::check_document(
+      R"({"sensitivity": "1", "lcAdap": "", "minBoxW": ""})", kFrame);
   EXPECT_THAT(finding_on(verdict, "minBoxW").text, HasSubstr("reuses \"1\" from \"sensitivity\""));
 }
 
 TEST(CheckSettings, AreInEffectAsTheirTablesHaveIt) {
-  const lm::host::detector::check::Verdict verdict =
-      lm::host::detector::check::check_document(R"({"sensitivity": "4", "lcAdap": "2", "minBoxW": "0.1", "minBoxH": "0.25"})", kFrame);
+  const lm::host::detector::check::Verdict verdict = lm::host::detector::check::check_document(
+      R"({"sensitivity": "4", "lcAdap": "2", "minBoxW": "0.1", "minBoxH": "0.25"})", kFrame);
   ASSERT_TRUE(verdict.effective.has_value());
   const lm::host::detector::check::Effective& effective = *verdict.effective;
   EXPECT_EQ(effective.thr_match, 9);
@@ -154,14 +158,16 @@ TEST(CheckSettings, AreInEffectAsTheirTablesHaveIt) {
 }
 
 TEST(CheckSettings, OutOfRangeTakeLevelThree) {
-  const lm::host::detector::check::Effective effective = *lm::host::detector::check::check_document(R"({"sensitivity": "9", "lcAdap": "9"})", kFrame).effective;
+  const lm::host::detector::check::Effective effective =
+      *lm::host::detector::check::check_document(R"({"sensitivity": "9", "lcAdap": "9"})", kFrame).effective;
   EXPECT_EQ(effective.thr_match, 13);
   EXPECT_EQ(effective.thr_heuris, 12);
   EXPECT_EQ(effective.thr_illum, 10);
 }
 
 TEST(CheckSettings, LeftOutHaveTheDefaultsOfThePlugin) {
-  const lm::host::detector::check::Effective effective = *lm::host::detector::check::check_document("{}", std::nullopt).effective;
+  const lm::host::detector::check::Effective effective =
+      *lm::host::detector::check::check_document("{}", std::nullopt).effective;
   EXPECT_EQ(effective.thr_match, 20);
   EXPECT_EQ(effective.thr_heuris, 10);
   EXPECT_EQ(effective.thr_illum, 5);
@@ -171,9 +177,11 @@ TEST(CheckSettings, LeftOutHaveTheDefaultsOfThePlugin) {
 }
 
 TEST(CheckSettings, TheSizeIsThatOfTheDocumentWhereThereIsNoSource) {
-  const lm::host::detector::check::Verdict verdict = lm::host::detector::check::check_document(R"({"frmW": "800", "frmH": "600"})", std::nullopt);
+  const lm::host::detector::check::Verdict verdict =
+      lm::host::detector::check::check_document(R"({"frmW": "800", "frmH": "600"})", std::nullopt);
   EXPECT_EQ(verdict.effective->frame, cv::Size(800, 600));
-  EXPECT_TRUE(lm::host::detector::check::check_document(R"({"frmW": "800"})", std::nullopt).effective->frame.empty());
+  EXPECT_TRUE(
+      lm::host::detector::check::check_document(R"({"frmW": "800"})", std::nullopt).effective->frame.empty());
 }
 
 TEST(CheckSettings, OtherChannelsAreDoubtfulWithoutASourceAndTwoAreNone) {
@@ -186,12 +194,14 @@ TEST(CheckSettings, OtherChannelsAreDoubtfulWithoutASourceAndTwoAreNone) {
 // 26755 x 26755 x 3 = 2147490075, just above 2147483647; 26754 x 26754 x 3 = 2147329548, for which this
 // computer hardly has the memory.
 TEST(CheckSettings, FramesOfMoreBytesThanThePluginCountsAreRefused) {
-  EXPECT_EQ(finding_on(lm::host::detector::check::check_document("{}", cv::Size(26755, 26755)), "").severity, lm::host::detector::check::Severity::kError);
+  EXPECT_EQ(finding_on(lm::host::detector::check::check_document("{}", cv::Size(26755, 26755)), "").severity,
+            lm::host::detector::check::Severity::kError);
   EXPECT_FALSE(lm::host::detector::check::check_document("{}", cv::Size(26754, 26754)).refused());
-  EXPECT_EQ(
-      finding_on(lm::host::detector::check::check_document(R"({"frmW": "2147483647", "frmH": "2147483647"})", std::nullopt), "frmW")
-          .severity,
-      lm::host::detector::check::Severity::kError);
+  EXPECT_EQ(finding_on(lm::host::detector::check::check_document(
+                           R"({"frmW": "2147483647", "frmH": "2147483647"})", std::nullopt),
+                       "frmW")
+                .severity,
+            lm::host::detector::check::Severity::kError);
 }
 
 TEST(CheckSettings, MemoryThatTheComputerDoesNotHaveIsDoubtful) {

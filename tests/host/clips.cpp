@@ -4,14 +4,14 @@
 #include <filesystem>
 #include <stdexcept>
 
-#include "host/source/av.h"
 #include "host/outputs/video_writer.h"
+#include "host/source/av.h"
 #include "tests/host/program.h"
 
 namespace clips {
 
-using lm::host::source::Frame;
 using lm::host::outputs::VideoWriter;
+using lm::host::source::Frame;
 namespace av = lm::host::av;
 
 [[maybe_unused]] const bool quiet = [] {
@@ -80,14 +80,17 @@ Times times_of(const std::vector<Frame>& frames) {
 }
 
 std::string jpeg(const cv::Mat& image) {
-  const lm::host::source::av::Codec encoder = lm::host::source::av::new_codec(avcodec_find_encoder(AV_CODEC_ID_MJPEG));
+  const lm::host::source::av::Codec encoder =
+      lm::host::source::av::new_codec(avcodec_find_encoder(AV_CODEC_ID_MJPEG));
   encoder->width = image.cols;
   encoder->height = image.rows;
   encoder->pix_fmt = AV_PIX_FMT_YUVJ420P;
   encoder->time_base = {1, 25};
-  const lm::host::source::av::Picture picture = lm::host::source::av::new_picture(image.size(), encoder->pix_fmt);
-  const lm::host::source::av::Scaler scaler(sws_getContext(image.cols, image.rows, AV_PIX_FMT_BGR24, image.cols, image.rows,
-                                         encoder->pix_fmt, SWS_BILINEAR, nullptr, nullptr, nullptr));
+  const lm::host::source::av::Picture picture =
+      lm::host::source::av::new_picture(image.size(), encoder->pix_fmt);
+  const lm::host::source::av::Scaler scaler(sws_getContext(image.cols, image.rows, AV_PIX_FMT_BGR24,
+                                                           image.cols, image.rows, encoder->pix_fmt,
+                                                           SWS_BILINEAR, nullptr, nullptr, nullptr));
   const std::uint8_t* rows[] = {image.data, nullptr, nullptr, nullptr};
   const int strides[] = {static_cast<int>(image.step[0]), 0, 0, 0};
   sws_scale(scaler.get(), rows, strides, 0, image.rows, picture->data, picture->linesize);

@@ -4,8 +4,8 @@
 #include <cstdlib>
 #include <opencv2/imgproc.hpp>
 
-#include "host/source/scene/builtin_scene.h"
 #include "host/base/json_text.h"
+#include "host/source/scene/builtin_scene.h"
 #include "tests/host/clips.h"
 #include "tests/host/program.h"
 

@@ -9,8 +9,8 @@
 #include <sstream>
 
 #include "host/base/failure.h"
-#include "host/outputs/mqtt/mqtt_listener.h"
 #include "host/base/standard_streams.h"
+#include "host/outputs/mqtt/mqtt_listener.h"
 #include "tests/host/broker.h"
 
 namespace {

@@ -4,8 +4,8 @@
 #include <cstdlib>
 #include <optional>
 
-#include "host/outputs/mqtt/mqtt_listener.h"
 #include "host/base/standard_streams.h"
+#include "host/outputs/mqtt/mqtt_listener.h"
 #include "tests/host/broker.h"
 
 namespace {

@@ -6,9 +6,9 @@
 #include <set>
 #include <sstream>
 
+#include "host/commands/command_line.h"
 #include "host/detector/check/check.h"
 #include "host/detector/document.h"
-#include "host/commands/command_line.h"
 #include "tests/host/program.h"
 #include "tests/host/run_line.h"
 

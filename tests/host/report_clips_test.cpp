@@ -6,10 +6,10 @@
 #include <cmath>
 #include <sstream>
 
-#include "host/source/av.h"
 #include "host/outputs/report/clip_copier.h"
 #include "host/outputs/report/clip_recorder.h"
 #include "host/outputs/report/clips.h"
+#include "host/source/av.h"
 #include "tests/host/clips.h"
 #include "tests/host/program.h"
 

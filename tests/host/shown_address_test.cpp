@@ -2,8 +2,8 @@
 
 #include <gtest/gtest.h>
 
-#include "host/outputs/mqtt/topics.h"
 #include "host/commands/command_line.h"
+#include "host/outputs/mqtt/topics.h"
 #include "tests/host/program.h"
 
 namespace {

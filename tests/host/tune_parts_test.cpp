@@ -5,7 +5,6 @@
 #include <csignal>
 #include <sstream>
 
-#include "host/detector/document.h"
 #include "host/base/failure.h"
 #include "host/commands/tune/edit.h"
 #include "host/commands/tune/picture.h"
@@ -13,6 +12,7 @@
 #include "host/commands/tune/side_by_side.h"
 #include "host/commands/tune/table.h"
 #include "host/commands/tune/trial.h"
+#include "host/detector/document.h"
 #include "tests/host/clips.h"
 #include "tests/host/program.h"
 

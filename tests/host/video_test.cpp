@@ -4,9 +4,9 @@
 #include <cstdint>
 
 #include "host/base/failure.h"
-#include "host/source/ffmpeg_source.h"
 #include "host/outputs/report/image_bytes.h"
 #include "host/outputs/video_writer.h"
+#include "host/source/ffmpeg_source.h"
 #include "tests/host/clips.h"
 #include "tests/host/program.h"
 

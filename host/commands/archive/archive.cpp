@@ -15,17 +15,17 @@
 #include <system_error>
 #include <utility>
 
+#include "host/base/failure.h"
+#include "host/base/interrupt.h"
+#include "host/base/whole_file.h"
 #include "host/commands/archive/archive_progress.h"
 #include "host/commands/archive/child.h"
 #include "host/commands/archive/file_list.h"
 #include "host/commands/archive/file_run.h"
 #include "host/commands/archive/folder_name.h"
 #include "host/commands/archive/shard.h"
-#include "host/base/failure.h"
-#include "host/base/interrupt.h"
-#include "host/detector/plugin.h"
 #include "host/commands/run/run.h"
-#include "host/base/whole_file.h"
+#include "host/detector/plugin.h"
 
 namespace lm::host::commands::archive {
 namespace {
@@ -73,12 +73,14 @@ std::vector<ArchiveFile> files_of(const ArchiveOptions& options, const Shard& sh
 
 class ArchiveRun {
  public:
-  ArchiveRun(const run::RunOptions& options, const ArchiveOptions& archive, ArchiveSettings settings, const std::vector<ArchiveFile>& files)
+  ArchiveRun(const run::RunOptions& options, const ArchiveOptions& archive, ArchiveSettings settings,
+             const std::vector<ArchiveFile>& files)
       : force_(archive.force),
         settings_(std::move(settings)),
         jobs_(static_cast<std::size_t>(archive.jobs > 0 ? archive.jobs : processors())),
         child_ended_(hold_back_child_signals()),
-        progress_(options.progress.value_or(options.quiet ? outputs::ProgressMode::kNone : outputs::ProgressMode::kBar)) {
+        progress_(options.progress.value_or(options.quiet ? outputs::ProgressMode::kNone
+                                                          : outputs::ProgressMode::kBar)) {
     for (const ArchiveFile& file : files) {
       waiting_.push_back({file.path, file.why});
       std::error_code ignored;
@@ -109,8 +111,8 @@ class ArchiveRun {
  private:
   // Starts files while there are free jobs. A file that another run processes goes back to the queue.
   void start_some() {
-    for (std::size_t turns = waiting_.size(); turns > 0 && running_.size() < jobs_ && base::interrupted() == 0;
-         --turns) {
+    for (std::size_t turns = waiting_.size();
+         turns > 0 && running_.size() < jobs_ && base::interrupted() == 0; --turns) {
       const ArchiveFile file = std::move(waiting_.front());
       waiting_.pop_front();
       try {
@@ -173,7 +175,8 @@ class ArchiveRun {
     if (row.outcome != Outcome::kFine) {
       ++state_.failed;
       progress_.clear();
-      if (now) std::fprintf(stderr, "lightmotion: %s: %s\n", base::one_line(row.path).c_str(), row.why.c_str());
+      if (now)
+        std::fprintf(stderr, "lightmotion: %s: %s\n", base::one_line(row.path).c_str(), row.why.c_str());
     }
     rows_.push_back(std::move(row));
   }

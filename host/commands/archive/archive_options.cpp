@@ -87,19 +87,20 @@ void add_archive_options(CLI::App& run, ArchiveOptions& options) {
          "Process many files; each file's results go to its own folder in DIR. Resumes an interrupted run")
       ->type_name("DIR")
       ->group(group);
-  base::add_number(run,
-             {"--jobs", "N", "Files processed at the same time", {1, 4096, "", true}, "one per processor"},
-             [&options](double jobs) { options.jobs = static_cast<int>(jobs); })
+  base::add_number(
+      run, {"--jobs", "N", "Files processed at the same time", {1, 4096, "", true}, "one per processor"},
+      [&options](double jobs) { options.jobs = static_cast<int>(jobs); })
       ->group(group);
   run.add_option("--shard", options.shard,
                  "Process only every Nth file, starting with the Ith (1 to N); slurm: take both from the "
                  "Slurm array task")
       ->type_name("I/N")
       ->group(group);
-  base::add_number(run, {"--file-timeout", "SECONDS", "Per-file time limit", {0.001, base::kUnlimited, "s"}, "none"},
-             [&options](double seconds) {
-               options.file_timeout = std::chrono::microseconds(std::llround(seconds * 1e6));
-             })
+  base::add_number(
+      run, {"--file-timeout", "SECONDS", "Per-file time limit", {0.001, base::kUnlimited, "s"}, "none"},
+      [&options](double seconds) {
+        options.file_timeout = std::chrono::microseconds(std::llround(seconds * 1e6));
+      })
       ->group(group);
   run.add_flag("--force", options.force, "Reprocess finished files")->group(group);
 }

@@ -40,7 +40,8 @@ class Expansion {
 
   void add_named(const std::string& name) {
     if (name.find("://") != std::string::npos) {
-      throw base::Failure(base::kRefused, base::shown_address(name) + ": --out needs files, not stream addresses");
+      throw base::Failure(base::kRefused,
+                          base::shown_address(name) + ": --out needs files, not stream addresses");
     }
     std::error_code error;
     if (fs::is_directory(name, error)) {
@@ -62,7 +63,7 @@ class Expansion {
     }
     if (!text) {
       throw base::Failure(base::kRefused,
-                    "the list " + list + " cannot be read: " + std::generic_category().message(errno));
+                          "the list " + list + " cannot be read: " + std::generic_category().message(errno));
     }
     add_lines(*text);
   }

@@ -7,12 +7,12 @@
 #include <string_view>
 #include <utility>
 
-#include "host/commands/archive/archive_options.h"
-#include "host/commands/archive/child.h"
-#include "host/commands/archive/folder_name.h"
 #include "host/base/failure.h"
 #include "host/base/time_text.h"
 #include "host/base/whole_file.h"
+#include "host/commands/archive/archive_options.h"
+#include "host/commands/archive/child.h"
+#include "host/commands/archive/folder_name.h"
 
 namespace lm::host::commands::archive {
 namespace {
@@ -89,8 +89,8 @@ TableRow FileRun::finish(int status) {
     return {path_, Outcome::kFailed, std::nullopt, "",
             "time limit of " + time + " s exceeded (--file-timeout)"};
   }
-  const std::string messages =
-      replaced(base::read_text(folder_.path() + kMessages).value_or(""), folder_.path(), folder_.final_path());
+  const std::string messages = replaced(base::read_text(folder_.path() + kMessages).value_or(""),
+                                        folder_.path(), folder_.final_path());
   TableRow row{path_, Outcome::kFailed, std::nullopt, "", cause_of(messages, exit_status(status), path_)};
   // A run that wrote its figures has completed its outputs.
   const std::optional<run::Figures> figures = read_figures(folder_.path() + kFigures);

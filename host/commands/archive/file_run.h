@@ -6,10 +6,10 @@
 #include <string>
 #include <vector>
 
+#include "host/base/deadline.h"
 #include "host/commands/archive/record.h"
 #include "host/commands/archive/table.h"
 #include "host/commands/archive/work_folder.h"
-#include "host/base/deadline.h"
 
 namespace lm::host::commands::archive {
 

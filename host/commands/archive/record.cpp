@@ -5,10 +5,10 @@
 #include <array>
 #include <cstdio>
 
-#include "host/source/frame_clock.h"
 #include "host/base/json_text.h"
 #include "host/base/time_text.h"
 #include "host/base/whole_file.h"
+#include "host/source/frame_clock.h"
 
 namespace lm::host::commands::archive {
 

@@ -28,7 +28,7 @@ struct Record {
   std::string settings;              // the digest of everything that results depend on
   int status = 0;                    // of the process
   std::string why;                   // empty for status 0
-  run::Figures figures;                   // without the time that the work took, which no two runs share
+  run::Figures figures;              // without the time that the work took, which no two runs share
 };
 
 std::string to_json(const Record& record);

@@ -31,7 +31,8 @@ Shard slurm_shard() {
   const std::size_t step = from_slurm("SLURM_ARRAY_TASK_STEP");
   const std::size_t index = step > 0 && id >= first ? (id - first) / step : count;
   if (index >= count || (id - first) % step != 0) {
-    throw base::Failure(base::kRefused, "--shard slurm: the job array has gaps, so some files would not be processed");
+    throw base::Failure(base::kRefused,
+                        "--shard slurm: the job array has gaps, so some files would not be processed");
   }
   return {index, count};
 }

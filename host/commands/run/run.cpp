@@ -9,27 +9,27 @@
 #include <optional>
 #include <stdexcept>
 
-#include "host/outputs/annotator.h"
-#include "host/commands/run/figures.h"
-#include "host/detector/check/before_run.h"
-#include "host/detector/document.h"
-#include "host/events/event_watch.h"
-#include "host/events/regions.h"
 #include "host/base/failure.h"
 #include "host/base/interrupt.h"
 #include "host/base/line_sink.h"
 #include "host/base/notice.h"
+#include "host/base/standard_streams.h"
+#include "host/base/time_text.h"
+#include "host/base/whole_file.h"
+#include "host/commands/run/figures.h"
+#include "host/commands/run/summary.h"
+#include "host/detector/check/before_run.h"
+#include "host/detector/document.h"
 #include "host/detector/plugin.h"
 #include "host/detector/presets/presets.h"
+#include "host/events/event_watch.h"
+#include "host/events/regions.h"
+#include "host/outputs/annotator.h"
 #include "host/outputs/listeners.h"
 #include "host/outputs/progress.h"
 #include "host/outputs/result_line.h"
 #include "host/source/source.h"
-#include "host/base/standard_streams.h"
-#include "host/commands/run/summary.h"
-#include "host/base/time_text.h"
 #include "host/source/timestamp.h"
-#include "host/base/whole_file.h"
 
 extern "C" {
 #include <libavutil/log.h>
@@ -72,7 +72,8 @@ microseconds time_since(std::chrono::steady_clock::time_point begin) {
 
 class Run {
  public:
-  Run(const RunOptions& options, source::Source& source, detector::Plugin& plugin, const std::string& document)
+  Run(const RunOptions& options, source::Source& source, detector::Plugin& plugin,
+      const std::string& document)
       : options_(options),
         source_(source),
         plugin_(plugin),
@@ -80,7 +81,8 @@ class Run {
         analysed_(options.live.scale.of(source.info().size)),
         regions_(document),
         events_({options.events, source.info(), document}),
-        progress_(options.progress.value_or(options.quiet ? outputs::ProgressMode::kNone : outputs::ProgressMode::kBar)),
+        progress_(options.progress.value_or(options.quiet ? outputs::ProgressMode::kNone
+                                                          : outputs::ProgressMode::kBar)),
         to_terminal_(isatty(STDOUT_FILENO) != 0) {
     for (auto& listener : outputs::make_listeners({options.events, source.info(), document}, options.source,
                                                   options.mqtt, options.report)) {

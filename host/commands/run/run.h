@@ -1,8 +1,8 @@
 // `lightmotion run`.
 #pragma once
 
-#include "host/detector/plugin.h"
 #include "host/commands/run/run_options.h"
+#include "host/detector/plugin.h"
 
 namespace lm::host::commands::run {
 

@@ -35,7 +35,8 @@ bool has_other_outputs(const RunOptions& options) {
 
 void add_progress(CLI::App& run, RunOptions& options) {
   run.add_option_function<std::string>(
-         "--progress", [&options](const std::string& mode) { options.progress = outputs::progress_mode(mode); },
+         "--progress",
+         [&options](const std::string& mode) { options.progress = outputs::progress_mode(mode); },
          "bar (only on a terminal; the default), json (one line per second, for programs) or none")
       ->type_name("MODE")
       ->check([](const std::string& mode) {

@@ -5,10 +5,10 @@
 #include <string>
 
 #include "host/events/event_options.h"
-#include "host/source/live/live_options.h"
 #include "host/outputs/mqtt/mqtt_options.h"
 #include "host/outputs/progress.h"
 #include "host/outputs/report/report_options.h"
+#include "host/source/live/live_options.h"
 
 namespace CLI {
 class App;

@@ -10,11 +10,11 @@
 
 #include "host/base/failure.h"
 #include "host/base/json_text.h"
-#include "host/detector/presets/presets.h"
-#include "host/commands/serve/config_file.h"
 #include "host/base/shown_address.h"
 #include "host/base/time_text.h"
 #include "host/base/whole_file.h"
+#include "host/commands/serve/config_file.h"
+#include "host/detector/presets/presets.h"
 
 namespace lm::host::commands::serve {
 namespace {

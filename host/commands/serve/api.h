@@ -8,10 +8,10 @@
 #include <utility>
 #include <vector>
 
-#include "host/detector/check/check.h"
 #include "host/commands/serve/player.h"
 #include "host/commands/serve/still.h"
 #include "host/commands/serve/viewers.h"
+#include "host/detector/check/check.h"
 
 namespace lm::host::commands::serve {
 

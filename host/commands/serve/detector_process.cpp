@@ -14,11 +14,11 @@
 #include <utility>
 #include <vector>
 
-#include "host/commands/archive/child.h"
-#include "host/base/failure.h"
 #include "host/base/deadline.h"
-#include "host/commands/serve/wire.h"
+#include "host/base/failure.h"
 #include "host/base/time_text.h"
+#include "host/commands/archive/child.h"
+#include "host/commands/serve/wire.h"
 
 namespace lm::host::commands::serve {
 namespace {
@@ -123,7 +123,8 @@ DetectorProcess::Answer DetectorProcess::ask(const std::string& text, const unsi
                      receive_all(socket_, &head, sizeof head, gives_up) && head.text <= kMostText;
   if (heard) answer.result.resize(head.text);
   if (!heard || !receive_all(socket_, answer.result.data(), head.text, gives_up)) fail(deadline.passed());
-  if (head.failed != 0) throw base::Failure(pixels == nullptr ? base::kRefused : base::kTrouble, answer.result);
+  if (head.failed != 0)
+    throw base::Failure(pixels == nullptr ? base::kRefused : base::kTrouble, answer.result);
   answer.cost = std::chrono::microseconds(head.microseconds);
   return answer;
 }
@@ -133,7 +134,8 @@ void DetectorProcess::fail(bool too_late) {
   if (stop_.stop_requested()) throw base::Failure(base::kTrouble, "stopped");
   const int status = end();
   if (too_late)
-    throw base::Failure(base::kTrouble, "no answer from the detector for " + base::seconds_text(kind_.patience) + " s");
+    throw base::Failure(base::kTrouble,
+                        "no answer from the detector for " + base::seconds_text(kind_.patience) + " s");
   throw base::Failure(base::kTrouble, "the detector failed: " + archive::cause_of("", status, ""));
 }
 

@@ -3,8 +3,8 @@
 #include <stdexcept>
 #include <utility>
 
-#include "host/detector/document.h"
 #include "host/base/failure.h"
+#include "host/detector/document.h"
 
 namespace lm::host::commands::serve {
 Player::Player(PlayerPlan plan, const std::string& document)

@@ -12,14 +12,14 @@
 #include <string>
 #include <thread>
 
-#include "host/events/event_watch.h"
-#include "host/source/live/back_off.h"
-#include "host/source/live/live_options.h"
-#include "host/events/event_options.h"
 #include "host/commands/serve/detector_process.h"
 #include "host/commands/serve/event_log.h"
 #include "host/commands/serve/pace.h"
 #include "host/commands/serve/showcase.h"
+#include "host/events/event_options.h"
+#include "host/events/event_watch.h"
+#include "host/source/live/back_off.h"
+#include "host/source/live/live_options.h"
 #include "host/source/source.h"
 
 namespace lm::host::commands::serve {

@@ -7,8 +7,8 @@
 #include "host/base/failure.h"
 #include "host/base/interrupt.h"
 #include "host/base/notice.h"
-#include "host/outputs/result_line.h"
 #include "host/commands/serve/player.h"
+#include "host/outputs/result_line.h"
 #include "host/source/timestamp.h"
 
 namespace lm::host::commands::serve {

@@ -12,16 +12,16 @@
 #include <system_error>
 #include <thread>
 
-#include "host/detector/document.h"
 #include "host/base/failure.h"
 #include "host/base/interrupt.h"
-#include "host/source/live/live_options.h"
 #include "host/base/number_option.h"
-#include "host/detector/plugin.h"
+#include "host/base/whole_file.h"
 #include "host/commands/serve/api.h"
 #include "host/commands/serve/web_server.h"
 #include "host/commands/serve/worker.h"
-#include "host/base/whole_file.h"
+#include "host/detector/document.h"
+#include "host/detector/plugin.h"
+#include "host/source/live/live_options.h"
 
 extern "C" {
 #include <libavutil/log.h>
@@ -100,7 +100,7 @@ void add_serve_command(CLI::App& app, std::function<int()>& chosen) {
   add("--host", options->gate.host, "ADDRESS",
       "Address to listen on (default 127.0.0.1: this computer only; 0.0.0.0: any computer)");
   base::add_number(*serving, {"--port", "N", "Port; 0 picks a free one", {0, 65535, "", true}, "8420"},
-             [options](double port) { options->gate.port = static_cast<int>(port); });
+                   [options](double port) { options->gate.port = static_cast<int>(port); });
   add("--token", options->gate.token, "TEXT", "Access token (default: generated when not on loopback)");
   add("--plugin", options->plan.detector.plugin, "PATH",
       "The plug-in (default: beside the program, then the library folders)");

@@ -2,11 +2,11 @@
 
 #include <opencv2/imgproc.hpp>
 
-#include "host/events/box_json.h"
 #include "host/base/json_text.h"
+#include "host/base/time_text.h"
+#include "host/events/box_json.h"
 #include "host/outputs/report/image_bytes.h"
 #include "host/outputs/report/shown_size.h"
-#include "host/base/time_text.h"
 
 namespace lm::host::commands::serve {
 namespace {

@@ -11,8 +11,8 @@
 #include <vector>
 
 #include "host/base/failure.h"
-#include "host/detector/plugin.h"
 #include "host/commands/serve/wire.h"
+#include "host/detector/plugin.h"
 
 namespace lm::host::commands::serve {
 namespace {

@@ -28,7 +28,8 @@ Sample::Sample(std::string name, const source::Reading& reading, microseconds le
     ++frames_;
     length_ = frame.time + interval;
   }
-  if (base::interrupted() != 0) throw base::Failure(base::kTrouble, "interrupted before any setting was tried");
+  if (base::interrupted() != 0)
+    throw base::Failure(base::kTrouble, "interrupted before any setting was tried");
   if (!more) trouble_ = source->trouble();  // otherwise it was left before its end
   if (frames_ == 0) throw base::Failure(base::kTrouble, info_.name + ": contains no frames");
   info_.live = false;  // from now on a recording, with times of its own
@@ -44,8 +45,8 @@ void Sample::keep(const source::Frame& frame) {
   }
   if (info_.live) {
     throw base::Failure(base::kRefused, info_.name + ": the frames exceed 1 GB after " +
-                                std::to_string(frame.time.count() / 1'000'000) +
-                                " s; reduce --seconds or --fps, or record to a file first");
+                                            std::to_string(frame.time.count() / 1'000'000) +
+                                            " s; reduce --seconds or --fps, or record to a file first");
   }
   kept_.reset();
 }

@@ -18,7 +18,8 @@ class Sample {
   // Reads the first `length` of the source. Frames stay in memory when they fit; a recording whose frames do
   // not is read again each time. `each`: told of every frame that is read. Throws Failure when there is no
   // frame, when a live source's frames do not fit and when the program is interrupted.
-  Sample(std::string name, const source::Reading& reading, std::chrono::microseconds length, const Look& each);
+  Sample(std::string name, const source::Reading& reading, std::chrono::microseconds length,
+         const Look& each);
 
   const source::SourceInfo& info() const { return info_; }
   std::int64_t frames() const { return frames_; }
@@ -37,7 +38,8 @@ class Sample {
   std::int64_t frames_ = 0;
   std::chrono::microseconds length_{0};
   std::string trouble_;
-  std::optional<std::vector<source::Frame>> kept_ = std::vector<source::Frame>();  // none when they do not fit
+  std::optional<std::vector<source::Frame>> kept_ =
+      std::vector<source::Frame>();  // none when they do not fit
   std::size_t bytes_ = 0;
 };
 

@@ -44,8 +44,8 @@ Figures figures_of(const Seen& seen, const Marks& marks) {
   figures.events = seen.happenings.size();
   figures.quiet_events = events_touching(seen, marks.quiet);
   figures.motion_events = events_touching(seen, marks.motion);
-  figures.found = static_cast<std::size_t>(
-      std::ranges::count_if(marks.motion, [&](const events::TimeSpan& span) { return found_in(seen, span); }));
+  figures.found = static_cast<std::size_t>(std::ranges::count_if(
+      marks.motion, [&](const events::TimeSpan& span) { return found_in(seen, span); }));
   return figures;
 }
 

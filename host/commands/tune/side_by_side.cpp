@@ -88,9 +88,11 @@ class Child {
     waitpid(process_, &status, 0);
     process_ = -1;
     if (!WIFEXITED(status)) {
-      throw base::Failure(base::kTrouble, "the plug-in was terminated by signal " + std::to_string(WTERMSIG(status)));
+      throw base::Failure(base::kTrouble,
+                          "the plug-in was terminated by signal " + std::to_string(WTERMSIG(status)));
     }
-    if (WEXITSTATUS(status) != base::kDone) throw base::Failure(static_cast<base::ExitStatus>(WEXITSTATUS(status)), answer_);
+    if (WEXITSTATUS(status) != base::kDone)
+      throw base::Failure(static_cast<base::ExitStatus>(WEXITSTATUS(status)), answer_);
     return std::move(answer_);
   }
 
@@ -127,7 +129,8 @@ std::vector<std::string> side_by_side(std::size_t count, std::size_t jobs,
   std::size_t started = 0;
   std::size_t finished = 0;
   while (finished < count) {
-    if (base::interrupted() != 0) throw base::Failure(base::kTrouble, "interrupted before a proposal was found");
+    if (base::interrupted() != 0)
+      throw base::Failure(base::kTrouble, "interrupted before a proposal was found");
     while (started < count && running.size() < std::max<std::size_t>(jobs, 1)) {
       running.emplace_back(started++, work);
     }

@@ -6,12 +6,12 @@
 #include <optional>
 #include <type_traits>
 
-#include "host/events/event_watch.h"
 #include "host/base/failure.h"
 #include "host/base/interrupt.h"
-#include "host/detector/plugin.h"
-#include "host/outputs/result_line.h"
 #include "host/base/standard_streams.h"
+#include "host/detector/plugin.h"
+#include "host/events/event_watch.h"
+#include "host/outputs/result_line.h"
 #include "host/source/timestamp.h"
 
 namespace lm::host::commands::tune {

@@ -3,9 +3,9 @@
 
 #include <string>
 
-#include "host/source/live/scale.h"
 #include "host/commands/tune/sample.h"
 #include "host/commands/tune/seen.h"
+#include "host/source/live/scale.h"
 
 namespace lm::host::commands::tune {
 

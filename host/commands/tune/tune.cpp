@@ -12,14 +12,11 @@
 #include <system_error>
 #include <thread>
 
-#include "host/detector/check/before_run.h"
-#include "host/detector/document.h"
 #include "host/base/failure.h"
 #include "host/base/notice.h"
 #include "host/base/pending_file.h"
-#include "host/detector/plugin.h"
-#include "host/outputs/report/image_bytes.h"
 #include "host/base/time_text.h"
+#include "host/base/whole_file.h"
 #include "host/commands/tune/edit.h"
 #include "host/commands/tune/picture.h"
 #include "host/commands/tune/sample.h"
@@ -27,7 +24,10 @@
 #include "host/commands/tune/side_by_side.h"
 #include "host/commands/tune/table.h"
 #include "host/commands/tune/trial.h"
-#include "host/base/whole_file.h"
+#include "host/detector/check/before_run.h"
+#include "host/detector/document.h"
+#include "host/detector/plugin.h"
+#include "host/outputs/report/image_bytes.h"
 
 extern "C" {
 #include <libavutil/log.h>
@@ -79,8 +79,8 @@ Sample read_sample(const TuneOptions& options) {
     for (const events::TimeSpan& span : *spans) {
       if (span.from < sample.length()) continue;
       throw base::Failure(base::kRefused, std::string(name) + " " + text_of({span}, false) +
-                                  " begins after the end of the sample at " + base::seconds_text(sample.length()) +
-                                  " s");
+                                              " begins after the end of the sample at " +
+                                              base::seconds_text(sample.length()) + " s");
     }
   }
   return sample;

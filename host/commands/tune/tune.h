@@ -4,8 +4,8 @@
 #include <optional>
 #include <string>
 
-#include "host/source/live/live_options.h"
 #include "host/commands/tune/seen.h"
+#include "host/source/live/live_options.h"
 
 namespace lm::host::commands::tune {
 

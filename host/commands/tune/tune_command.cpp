@@ -69,9 +69,9 @@ void add_tune_command(CLI::App& app, std::function<int()>& chosen) {
       *command,
       {"--seconds", "SECONDS", "How much of the source to analyse", {1, 86400, "s"}, "60; 30 of a camera"},
       [options](double seconds) { options->seconds = seconds; });
-  base::add_number(*command,
-             {"--jobs", "N", "Settings tried at the same time", {1, 4096, "", true}, "one per processor"},
-             [options](double jobs) { options->jobs = static_cast<int>(jobs); });
+  base::add_number(
+      *command, {"--jobs", "N", "Settings tried at the same time", {1, 4096, "", true}, "one per processor"},
+      [options](double jobs) { options->jobs = static_cast<int>(jobs); });
   add("--plugin", options->plugin, "PATH",
       "The plug-in (default: beside the program, then the library folders)");
   source::live::add_live_options(*command, options->live);

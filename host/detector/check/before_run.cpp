@@ -2,10 +2,10 @@
 
 #include <vector>
 
-#include "host/detector/check/check.h"
-#include "host/detector/check/text.h"
 #include "host/base/failure.h"
 #include "host/base/notice.h"
+#include "host/detector/check/check.h"
+#include "host/detector/check/text.h"
 
 namespace lm::host::detector::check {
 

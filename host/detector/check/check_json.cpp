@@ -1,5 +1,5 @@
-#include "host/detector/check/check.h"
 #include "host/base/json_text.h"
+#include "host/detector/check/check.h"
 
 namespace lm::host::detector::check {
 namespace {

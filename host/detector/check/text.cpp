@@ -5,8 +5,8 @@
 #include <cstdio>
 #include <vector>
 
-#include "host/detector/check/effect.h"
 #include "host/base/failure.h"
+#include "host/detector/check/effect.h"
 
 namespace lm::host::detector::check {
 namespace {

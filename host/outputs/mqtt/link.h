@@ -7,9 +7,9 @@
 #include <memory>
 #include <string>
 
-#include "host/source/live/back_off.h"
 #include "host/outputs/mqtt/address.h"
 #include "host/outputs/mqtt/mailbox.h"
+#include "host/source/live/back_off.h"
 
 namespace lm::host::outputs::mqtt {
 

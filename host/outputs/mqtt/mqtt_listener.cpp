@@ -2,8 +2,8 @@
 
 #include <csignal>
 
-#include "host/outputs/mqtt/link.h"
 #include "host/base/notice.h"
+#include "host/outputs/mqtt/link.h"
 
 namespace lm::host::outputs::mqtt {
 namespace {
@@ -45,10 +45,9 @@ MqttListener::MqttListener(const MqttOptions& options, const std::string& source
   const Address address = broker_address(options);
   broker_ = shown(address);
   announcer_.introduce(options.discovery);
-  auto link =
-      std::make_unique<Link>(LinkSettings{address, options.authorities, topics.unique_id(),
-                                                      topics.availability(), kOffline},
-                                   mailbox_);
+  auto link = std::make_unique<Link>(
+      LinkSettings{address, options.authorities, topics.unique_id(), topics.availability(), kOffline},
+      mailbox_);
   thread_ = start_without_signals(std::move(link));
 }
 
@@ -88,7 +87,7 @@ void MqttListener::tell_losses() {
   const auto [updates, milestones] = mailbox_->drops();
   if (updates + milestones > 0) {
     base::warn(broker_ + ": queue full, dropped " + count(updates, "update message") + " and " +
-         count(milestones, "begin or end message"));
+               count(milestones, "begin or end message"));
   }
   if (const std::size_t left = mailbox_->unsent(); left > 0) {
     base::warn(broker_ + ": " + count(static_cast<std::int64_t>(left), "message") + " not sent");

@@ -5,8 +5,8 @@
 #include <limits>
 #include <memory>
 
-#include "host/source/av.h"
 #include "host/base/failure.h"
+#include "host/source/av.h"
 
 extern "C" {
 #include <libavutil/opt.h>
@@ -221,7 +221,8 @@ void copy_clip(const std::string& file, const char* container, std::chrono::micr
     copy.begin(container, clip.path());
     copy.write_file(from, to);
   } catch (const Refusal& refusal) {
-    throw base::Failure(base::kTrouble, clip.target() + " cannot be written: " + source::av::error_text(refusal.code));
+    throw base::Failure(base::kTrouble,
+                        clip.target() + " cannot be written: " + source::av::error_text(refusal.code));
   }
 }
 

@@ -8,10 +8,10 @@
 #include <opencv2/core.hpp>
 #include <string>
 
-#include "host/events/event.h"
 #include "host/base/pending_file.h"
-#include "host/source/source.h"
+#include "host/events/event.h"
 #include "host/outputs/video_writer.h"
+#include "host/source/source.h"
 
 namespace lm::host::outputs::report {
 

@@ -5,10 +5,10 @@
 #include <filesystem>
 
 #include "host/base/failure.h"
+#include "host/base/whole_file.h"
 #include "host/outputs/report/clip_copier.h"
 #include "host/outputs/report/lookback.h"
 #include "host/outputs/report/output_names.h"
-#include "host/base/whole_file.h"
 
 namespace lm::host::outputs::report {
 namespace {
@@ -50,7 +50,8 @@ void Clips::spare_source(const events::Event& event) const {
     const std::string name = folder_ + "/" + event_stem(event) + ending;
     std::error_code ignored;
     if (std::filesystem::equivalent(name, file_, ignored))
-      throw base::Failure(base::kTrouble, name + " would overwrite the source; choose another folder for --clips");
+      throw base::Failure(base::kTrouble,
+                          name + " would overwrite the source; choose another folder for --clips");
   }
 }
 

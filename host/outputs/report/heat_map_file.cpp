@@ -1,8 +1,8 @@
 #include "host/outputs/report/heat_map_file.h"
 
+#include "host/base/whole_file.h"
 #include "host/outputs/report/boxes_of_kind.h"
 #include "host/outputs/report/image_bytes.h"
-#include "host/base/whole_file.h"
 
 namespace lm::host::outputs::report {
 

@@ -3,8 +3,8 @@
 
 #include <string>
 
-#include "host/events/listener.h"
 #include "host/base/pending_file.h"
+#include "host/events/listener.h"
 #include "host/outputs/report/heat_map.h"
 #include "host/outputs/report/quiet_frame.h"
 

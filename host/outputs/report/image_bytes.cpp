@@ -1,20 +1,21 @@
 #include "host/outputs/report/image_bytes.h"
 
-#include "host/source/av.h"
 #include "host/base/failure.h"
+#include "host/source/av.h"
 
 namespace lm::host::outputs::report {
 namespace {
 
 void check(int result) {
-  if (result < 0) throw base::Failure(base::kTrouble, "cannot encode a picture: " + source::av::error_text(result));
+  if (result < 0)
+    throw base::Failure(base::kTrouble, "cannot encode a picture: " + source::av::error_text(result));
 }
 
 source::av::Picture converted(const cv::Mat& image, AVPixelFormat format) {
   source::av::Picture picture = source::av::new_picture(image.size(), format);
-  const source::av::Scaler scaler(sws_getContext(image.cols, image.rows, AV_PIX_FMT_BGR24, image.cols, image.rows,
-                                         format, SWS_BILINEAR | SWS_ACCURATE_RND | SWS_BITEXACT, nullptr,
-                                         nullptr, nullptr));
+  const source::av::Scaler scaler(
+      sws_getContext(image.cols, image.rows, AV_PIX_FMT_BGR24, image.cols, image.rows, format,
+                     SWS_BILINEAR | SWS_ACCURATE_RND | SWS_BITEXACT, nullptr, nullptr, nullptr));
   if (!scaler) check(AVERROR(ENOMEM));
   // The scaler reads whole vectors, past the end of a row that is packed.
   const source::av::Picture padded = source::av::new_picture(image.size(), AV_PIX_FMT_BGR24);

@@ -30,7 +30,9 @@ std::string on_the_clock(events::WallTime time) {
 
 }  // namespace
 
-const char* kind_name(events::EventKind kind) { return kind == events::EventKind::kLight ? "light" : "motion"; }
+const char* kind_name(events::EventKind kind) {
+  return kind == events::EventKind::kLight ? "light" : "motion";
+}
 
 std::string event_stem(const events::Event& event) {
   const std::string time = event.wall_start ? on_the_clock(*event.wall_start) : since_start(event.start);

@@ -7,13 +7,13 @@
 #include <ctime>
 #include <opencv2/imgproc.hpp>
 
+#include "host/base/time_text.h"
 #include "host/outputs/report/heat_map.h"
 #include "host/outputs/report/markup.h"
 #include "host/outputs/report/output_names.h"
 #include "host/outputs/report/percent.h"
 #include "host/outputs/report/templates.h"
 #include "host/outputs/report/timeline.h"
-#include "host/base/time_text.h"
 
 namespace lm::host::outputs::report {
 namespace {
@@ -24,7 +24,9 @@ using namespace std::chrono_literals;
 double seconds(microseconds time) { return double(time.count()) / 1e6; }
 
 // "0:12.4": to the tenth that has passed.
-std::string moment(microseconds time) { return base::clock_text(time) + "." + std::to_string(time / 100ms % 10); }
+std::string moment(microseconds time) {
+  return base::clock_text(time) + "." + std::to_string(time / 100ms % 10);
+}
 
 // "4.4 s", or "2 min 5 s" from a minute on.
 std::string duration(microseconds time) {
@@ -107,7 +109,8 @@ std::string note(const PageData& data) {
 }
 
 std::string filter(const PageData& data) {
-  if (count_of(data, events::EventKind::kMotion) == 0 || count_of(data, events::EventKind::kLight) == 0) return "";
+  if (count_of(data, events::EventKind::kMotion) == 0 || count_of(data, events::EventKind::kLight) == 0)
+    return "";
   std::string choices;
   for (const auto& [id, text] : {std::pair{"all", "all"}, {"motion", "motion"}, {"light", "light"}}) {
     choices += std::string("<label><input type=\"radio\" name=\"show\" id=\"show-") + id + "\"" +

@@ -17,8 +17,7 @@ void add_report_listeners(const ReportOptions& options, const std::string& sourc
     listeners.push_back(std::make_unique<Snapshots>(options.snapshots, context.source, rules));
   }
   if (!options.clips.empty()) {
-    listeners.push_back(
-        std::make_unique<Clips>(options.clips, source, context.source, rules));
+    listeners.push_back(std::make_unique<Clips>(options.clips, source, context.source, rules));
   }
   if (!options.page.empty()) {
     listeners.push_back(std::make_unique<ReportPage>(options.page, context.source, context.document, rules));

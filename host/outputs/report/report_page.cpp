@@ -6,6 +6,7 @@
 #include <ctime>
 #include <opencv2/imgproc.hpp>
 
+#include "host/base/whole_file.h"
 #include "host/events/event_tracker.h"
 #include "host/outputs/overlay.h"
 #include "host/outputs/report/boxes_of_kind.h"
@@ -13,7 +14,6 @@
 #include "host/outputs/report/lookback.h"
 #include "host/outputs/report/settings.h"
 #include "host/outputs/report/shown_size.h"
-#include "host/base/whole_file.h"
 
 namespace lm::host::outputs::report {
 namespace {
@@ -55,7 +55,8 @@ void ReportPage::frame(const source::Frame& frame, const events::Observation& se
   const std::vector<cv::Rect2d> moving = boxes_of_kind(seen, events::EventKind::kMotion);
   heat_.add(moving);
   data_.activity.add(seen.time, events::EventKind::kMotion, events::share_under(moving));
-  data_.activity.add(seen.time, events::EventKind::kLight, events::share_under(boxes_of_kind(seen, events::EventKind::kLight)));
+  data_.activity.add(seen.time, events::EventKind::kLight,
+                     events::share_under(boxes_of_kind(seen, events::EventKind::kLight)));
   ++data_.frames;
   data_.frames_with_motion += seen.boxes.empty() ? 0 : 1;
   // The last frame is shown as long as the one before it.

@@ -4,9 +4,9 @@
 #include <chrono>
 #include <string>
 
+#include "host/base/pending_file.h"
 #include "host/events/event_options.h"
 #include "host/events/listener.h"
-#include "host/base/pending_file.h"
 #include "host/outputs/report/best_frames.h"
 #include "host/outputs/report/heat_map.h"
 #include "host/outputs/report/page.h"

@@ -1,12 +1,12 @@
 #include "host/outputs/report/snapshots.h"
 
+#include "host/base/time_text.h"
+#include "host/base/whole_file.h"
 #include "host/outputs/overlay.h"
 #include "host/outputs/report/image_bytes.h"
 #include "host/outputs/report/lookback.h"
 #include "host/outputs/report/output_names.h"
 #include "host/outputs/report/shown_size.h"
-#include "host/base/time_text.h"
-#include "host/base/whole_file.h"
 
 namespace lm::host::outputs::report {
 namespace {
@@ -16,7 +16,8 @@ constexpr int kLongest = 65'500;  // what JPEG can hold
 
 }  // namespace
 
-Snapshots::Snapshots(const std::string& folder, const source::SourceInfo& source, const events::EventRules& rules)
+Snapshots::Snapshots(const std::string& folder, const source::SourceInfo& source,
+                     const events::EventRules& rules)
     : folder_(folder), best_(lookback(rules), shown_size(source.size, source.pixel_aspect, kLongest)) {
   base::make_folder(folder);
 }

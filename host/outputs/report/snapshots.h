@@ -15,7 +15,9 @@ class Snapshots : public events::EventListener {
   // `folder`: made when it is missing.
   Snapshots(const std::string& folder, const source::SourceInfo& source, const events::EventRules& rules);
 
-  void frame(const source::Frame& frame, const events::Observation& seen) override { best_.frame(frame.image, seen); }
+  void frame(const source::Frame& frame, const events::Observation& seen) override {
+    best_.frame(frame.image, seen);
+  }
   void begun(const events::Event& event) override { best_.follow(event); }
   void changed(const events::Event& event) override { best_.follow(event); }
   void ended(const events::Event& event) override;

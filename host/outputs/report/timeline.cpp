@@ -4,10 +4,10 @@
 #include <array>
 #include <charconv>
 
+#include "host/base/time_text.h"
 #include "host/outputs/report/markup.h"
 #include "host/outputs/report/output_names.h"
 #include "host/outputs/report/percent.h"
-#include "host/base/time_text.h"
 
 namespace lm::host::outputs::report {
 namespace {
@@ -107,8 +107,8 @@ std::vector<microseconds> axis_times(microseconds length, int most) {
 }
 
 std::string timeline(const PageData& data) {
-  return "<div class=\"time\">\n<div class=\"lanes\">\n" + curves(data) + lane(data, events::EventKind::kMotion) +
-         lane(data, events::EventKind::kLight) + axis(data.length) +
+  return "<div class=\"time\">\n<div class=\"lanes\">\n" + curves(data) +
+         lane(data, events::EventKind::kMotion) + lane(data, events::EventKind::kLight) + axis(data.length) +
          "</div>\n<p class=\"hint\">Each bar is an event; select it to see its picture.</p>\n</div>\n";
 }
 

@@ -24,11 +24,12 @@ void add_live_options(CLI::App& run, LiveOptions& options) {
   const auto add_time = [&run](const char* name, double least, std::string help, const char* preset,
                                auto& value) {
     base::add_number(run, {name, "SECONDS", std::move(help), {least, base::kUnlimited, "s"}, preset},
-               [&value](double seconds) { value = from_seconds(seconds); })
+                     [&value](double seconds) { value = from_seconds(seconds); })
         ->group(kGroup);
   };
-  base::add_number(run, {"--fps", "N", "Analyse at most this many frames per second", {kShortest, 1e3}, "all"},
-             [&reading](double rate) { reading.fps = rate; })
+  base::add_number(run,
+                   {"--fps", "N", "Analyse at most this many frames per second", {kShortest, 1e3}, "all"},
+                   [&reading](double rate) { reading.fps = rate; })
       ->group(kGroup);
   run.add_option_function<std::string>(
          "--scale", [&options](const std::string& text) { options.scale = *parse_scale(text); },

@@ -11,8 +11,8 @@
 #include <string>
 #include <thread>
 
-#include "host/source/live/back_off.h"
 #include "host/base/deadline.h"
+#include "host/source/live/back_off.h"
 #include "host/source/live/newest_frame.h"
 #include "host/source/live/shedding.h"
 #include "host/source/source.h"

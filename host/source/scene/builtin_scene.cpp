@@ -41,11 +41,7 @@ std::vector<std::int8_t> make_noise() {
 }  // namespace
 
 BuiltinScene::BuiltinScene(double fps)
-    : fps_(fps),
-      street_(paint_street()),
-      light_(lamp_light()),
-      noise_(make_noise()),
-      picker_(fps) {
+    : fps_(fps), street_(paint_street()), light_(lamp_light()), noise_(make_noise()), picker_(fps) {
   info_.name = "built-in scene";
   info_.size = {kWidth, kHeight};
   info_.rate = kFramesPerSecond;
