@@ -93,7 +93,7 @@ TableRow FileRun::finish(int status) {
                                         folder_.path(), folder_.final_path());
   TableRow row{path_, Outcome::kFailed, std::nullopt, "", cause_of(messages, exit_status(status), path_)};
   // A run that wrote its figures has completed its outputs.
-  const std::optional<run::Figures> figures = read_figures(folder_.path() + kFigures);
+  const std::optional<run::Figures> figures = run::read_figures(folder_.path() + kFigures);
   if (!figures || exit_status(status) > base::kTrouble) return row;
   row.figures = figures;
   row.outcome = outcome_of(exit_status(status));

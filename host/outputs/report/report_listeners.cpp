@@ -7,7 +7,8 @@
 
 namespace lm::host::outputs::report {
 
-void add_report_listeners(const ReportOptions& options, const std::string& source, const RunContext& context,
+void add_report_listeners(const ReportOptions& options, const std::string& source,
+                          const events::RunContext& context,
                           std::vector<std::unique_ptr<events::EventListener>>& listeners) {
   const events::EventRules& rules = context.options.rules;
   if (!options.heatmap.empty()) {

@@ -12,7 +12,8 @@
 namespace lm::host::outputs::report {
 
 // Throws Failure when an output cannot be begun.
-void add_report_listeners(const ReportOptions& options, const std::string& source, const RunContext& context,
+void add_report_listeners(const ReportOptions& options, const std::string& source,
+                          const events::RunContext& context,
                           std::vector<std::unique_ptr<events::EventListener>>& listeners);
 
 }  // namespace lm::host::outputs::report
