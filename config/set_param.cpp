@@ -1,4 +1,4 @@
-// The door through which the engine receives its configuration.
+// Configures an engine: parameters and regions.
 #include <cstring>
 
 #include "base/aligned.h"
@@ -8,7 +8,7 @@
 #include "engine/engine_state.h"
 #include "engine/kamble.h"
 
-// Called by the table of keys.
+// Called by storeSensitivity.
 static void enableAutoSensitivity(kAMBLE& engine) {
   if (log_File_Debug_s != nullptr) {
     log_File_Debug_s("/Kdbglog/.nera_motion_log/.md.log", 10485760, "enable AUTO sensitivity");
@@ -18,21 +18,21 @@ static void enableAutoSensitivity(kAMBLE& engine) {
 
 namespace {
 
-// Applies one entry; whether it was accepted.
+// Applies one entry. Returns whether it was accepted.
 bool apply(kAMBLE& engine, const std::string& key, const std::string& value) {
   const auto* row = lm::findParam<kAMBLE>(key);
   return row != nullptr && lm::applyParam(*row, engine, lm::convertParam(row->conversion, value));
 }
 
-// Makes the region's mask. Sizes whose product does not fit 32 bits have no mask that could hold them: it
-// stays as it was made, and the frame is refused later.
+// Makes the mask of the region. When the product of the sizes exceeds 32 bits, the mask is left empty and the
+// frame is refused later.
 void rasterise(polygon& region, std::int32_t width, std::int32_t height) {
   const std::int32_t count = lm::wrapMul(width, height);
   if (region.mask == nullptr) region.mask = new std::uint8_t[static_cast<std::size_t>(count)]();
   if (std::int64_t{width} * height == count) cvtPoly2Mask(region.points, region.mask, width, height);
 }
 
-// Makes roiMask if it is missing and clears it. False when memory is lacking.
+// Makes roiMask if it is missing and clears it. Returns false when the allocation fails.
 bool clearRoiMask(kAMBLE& engine, std::int32_t count) {
   lm::Made& made = lm::stateOf(engine).roiMask;
   if (made.isTooSmall(engine.roiMask, lm::countOf(count))) lm::release(engine.roiMask);
@@ -44,7 +44,7 @@ bool clearRoiMask(kAMBLE& engine, std::int32_t count) {
   return true;
 }
 
-// All inclusions come before any exclusion, so that an exclusion always wins.
+// All inclusions precede all exclusions, so an exclusion always wins.
 void buildRoiMask(kAMBLE& engine) {
   const std::int32_t width = engine.szImgX;
   const std::int32_t height = engine.szImgY;
@@ -66,7 +66,7 @@ void buildRoiMask(kAMBLE& engine) {
 std::vector<bool> kAMBLE::setParam(std::vector<std::string>& paramList, std::vector<polygon>& include,
                                    std::vector<polygon>& exclude) {
   std::vector<bool> accepted(paramList.size(), false);
-  // Kept: masks that an earlier call made are dropped with the old lists, not freed.
+  // Kept: masks made by an earlier call are dropped with the old lists, not freed.
   roiInclude = include;
   roiExclude = exclude;
 

@@ -66,7 +66,7 @@ int lightMotion::frameProc(const unsigned char* frame, const char* timestamp, in
   const std::int32_t pixels = lm::wrapMul(frmW, frmH);
   const bool copyMade = lm::makeOnce(fgMaskCopy, pixels);
   objList.clear();
-  // Without a mask (no frame was accepted yet, or memory is lacking) nothing moved.
+  // Without a mask (no frame was accepted yet, or an allocation failed) nothing moved.
   if (!copyMade || engine->fgMask == nullptr || engine->numPixel != pixels) return 1;
   std::memcpy(fgMaskCopy, engine->fgMask, lm::countOf(pixels));
   objList = engine->genFgObj_ncv(fgMaskCopy);
