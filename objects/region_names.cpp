@@ -78,7 +78,9 @@ void addRoiName2Obj(std::vector<boxRect>& boxes, const std::vector<polygon>& reg
   if (fgMask == nullptr) return;
   for (boxRect& box : boxes) {
     for (const polygon& region : regions) {
-      if (region.mask == nullptr || !boxTouches(box, {fgMask, region.mask, width, height})) continue;
+      if (region.mask == nullptr ||
+          !boxTouches(box, {.fgMask = fgMask, .regionMask = region.mask, .width = width, .height = height}))
+        continue;
       box.names.push_back(region.name);
     }
   }

@@ -3,6 +3,6 @@
 
 namespace lm {
 
-inline constexpr int samplesPerPixel = 20;
+inline constexpr int samplesPerPixel = 20;  // slots of BgModel
 
 }  // namespace lm

@@ -1,7 +1,6 @@
 # Doxygen input filter: turns the plain comments of the public headers into documentation. The first comment of a file
 # describes the file, a comment line the declaration that follows, a comment after code that code. Indented lines within
-# a comment keep their layout. Banners stay plain. Deleted functions and everything after the bookkeeping banner are not
-# part of the interface.
+# a comment keep their layout. Banners stay plain. Deleted functions are not part of the interface.
 
 # One declaration for each name of `type a, b, c;`, all with the same comment.
 function print_each(type, names, comment,    name, count, i) {
@@ -11,8 +10,6 @@ function print_each(type, names, comment,    name, count, i) {
 
 /= delete;$/            { next }
 /^(class|struct) [^{]*;/ { sub(/ *\/\/.*/, ""); print; next }
-/^ *\/\/ ==== bookkeep/ { print "/// @cond"; hidden = 1; next }
-hidden && /^};/         { print "/// @endcond"; hidden = 0 }
 /^ *\/\/ *(----|====)/  { print "//"; next }
 FNR == 1 && /^\/\//     { print "/// @file" }
 FNR == 1 && /^\/\*/     { sub(/^\/\*/, "/** @file\n *"); print; next }

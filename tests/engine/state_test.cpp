@@ -166,8 +166,8 @@ TEST(EngineState, ReleasedEngineCanBeSizedAgain) {
   EXPECT_NE(engine.labelRows, nullptr);
 }
 
-// Fails by the leak checker of the sanitizer build: region masks, neighbour arrays and the table of label rows
-// are released with the engine.
+// Fails by the leak checker of the sanitizer build: region masks, neighbour arrays and the table of label
+// rows are released with the engine.
 TEST(EngineState, DestructionReleasesRegionMasksAndEverythingElse) {
   RunningEngine engine;
   engine.roiInclude = {polygon{"in", {}, new std::uint8_t[12]}, polygon{"no mask", {}, nullptr}};
