@@ -30,7 +30,7 @@ template <int relation>
   const __m256i foreground = load32(planes.fgMask + begin);
   const __m256i background = isZero(foreground);
   if (outside == ~0U) {
-    busy = {~bitsOf(background), 0, 0, 0};
+    busy = {.outside = ~bitsOf(background), .unchanged = 0, .absorbed = 0, .compared = 0};
     return busy.outside != 0;
   }
   prefetchAhead(planes.prevFgMask, begin);
@@ -52,7 +52,10 @@ template <int relation>
   const std::uint32_t absorbed =
       planes.accountLife ? stirred & ~still & livesThat<_CMP_GT_OQ>(planes.fgLife + begin, planes.life.limit)
                          : 0;
-  busy = {left, stirred & still, absorbed, stirred & ~still & ~absorbed};
+  busy = {.outside = left,
+          .unchanged = stirred & still,
+          .absorbed = absorbed,
+          .compared = stirred & ~still & ~absorbed};
   return true;
 }
 

@@ -120,7 +120,7 @@ std::size_t findBusy_c(const ClassifyPlanes& planes, std::size_t& from, std::siz
     BusyPixels busy{};
     const std::size_t pixels = std::min(blockPixels, end - from);
     for (std::size_t k = 0; k < pixels; ++k) judge(planes, from + k, 1U << k, busy);
-    if (busy.any()) found[count++] = {from, busy};
+    if (busy.any()) found[count++] = {.begin = from, .pixels = busy};
   }
   return count;
 }
@@ -154,7 +154,7 @@ std::size_t findUpdateWork_c(const UpdatePlanes& planes, std::size_t& from, std:
     UpdateWork work{};
     const std::size_t pixels = std::min(blockPixels, end - from);
     for (std::size_t k = 0; k < pixels; ++k) findWork(planes, from + k, 1U << k, work, examined);
-    if (work.any()) found[count++] = {from, work};
+    if (work.any()) found[count++] = {.begin = from, .work = work};
   }
   return count;
 }

@@ -25,7 +25,7 @@ using std::size_t;
   }
   const std::uint32_t still = bitsOf(_mm256_and_si256(isAtMost(load32(planes.rdDiff + begin), unchanged),
                                                       isZero(load32(planes.prevFgMask + begin))));
-  return {absorbed, lit, background & ~still};
+  return {.absorbed = absorbed, .lit = lit, .changed = background & ~still};
 }
 
 // Decrements the timers of the pixels that are not `outside`.
@@ -61,7 +61,7 @@ size_t findUpdateWork_avx2(const UpdatePlanes& planes, size_t& from, size_t end,
     prefetchAhead(planes.updTimer, from);
     countDown(planes.updTimer + from, outside);
     const UpdateWork work = updateWork(planes, unchanged, sameLight, from, outside, examined);
-    if ((work.absorbed | work.lit | work.changed) != 0) found[count++] = {from, work};
+    if ((work.absorbed | work.lit | work.changed) != 0) found[count++] = {.begin = from, .work = work};
   }
   if (count == room) return count;
   return count + findUpdateWork_c(planes, from, end, found + count, room - count, examined);

@@ -87,6 +87,7 @@ TEST(LeveledObjects, DefineExactlyTheTablesVersionsAboveTheBaseLevel) {
   });
   std::set<std::string> defined;
   for (const auto& symbol : symbolsOf("--extern-only " LEVELED_OBJECTS)) {
+    if (symbol.name.starts_with("DW.ref.")) continue;  // data that unoptimised code refers to for exceptions
     EXPECT_EQ(symbol.type, 'T') << symbol.name;
     defined.insert(symbol.name.substr(0, symbol.name.find('(')));
   }
