@@ -14,8 +14,11 @@ namespace {
 // The frame size of a detector. Changes go back to the detector, also when an exception ends the call.
 class SizeOf : public lm::FrameSize {
  public:
-  explicit SizeOf(lightMotion& detector)
-      : FrameSize{detector.frmW, detector.frmH, detector.frmChn}, detector_(detector) {}
+  explicit SizeOf(lightMotion& detector) : detector_(detector) {
+    frmW = detector.frmW;
+    frmH = detector.frmH;
+    frmChn = detector.frmChn;
+  }
   ~SizeOf() {
     detector_.frmW = frmW;
     detector_.frmH = frmH;

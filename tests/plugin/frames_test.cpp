@@ -1,4 +1,4 @@
-// What the detector makes of frames.
+// Frames and their results.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -31,7 +31,7 @@ class Frames : public ::testing::Test {
     ASSERT_TRUE(detector_.init(documentFor(size, more, regions).c_str()));
   }
 
-  // Hands a frame over and returns the reported length, which must be that of the text for the host.
+  // Passes a frame and returns the reported length, which must be that of the text for the host.
   int feed(const std::vector<Rect>& objects, const char* timestamp = "1000") {
     int length = -77;
     EXPECT_EQ(detector_.frameProc(frameWith(size_, objects).data(), timestamp, &length), 1);
