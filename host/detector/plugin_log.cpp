@@ -8,7 +8,7 @@
 extern "C" __attribute__((format(printf, 3, 4))) void log_File_Debug_s(const char* /*path*/,
                                                                        int /*size_limit*/, const char* format,
                                                                        ...) {
-  if (!base::shows_plugin_log()) return;
+  if (!lm::host::base::shows_plugin_log()) return;
   std::fputs("lightmotion: plug-in: ", stderr);
   va_list arguments;
   va_start(arguments, format);
