@@ -1,5 +1,7 @@
 // The door through which the engine receives its configuration.
+#include <algorithm>
 #include <cstring>
+#include <utility>
 
 #include "config/param_entry.h"
 #include "engine/aligned.h"
@@ -23,12 +25,30 @@ bool apply(kAMBLE& engine, const std::string& key, const std::string& value) {
   return row != nullptr && lm::applyParam(*row, engine, lm::convertParam(row->conversion, value));
 }
 
-// Makes the region's mask. Sizes whose product does not fit 32 bits have no mask that could hold them: it
-// stays as it was made, and the frame is refused later.
-void rasterise(polygon& region, std::int32_t width, std::int32_t height) {
-  const std::int32_t count = lm::wrapMul(width, height);
-  if (region.mask == nullptr) region.mask = new std::uint8_t[static_cast<std::size_t>(count)]();
-  if (std::int64_t{width} * height == count) cvtPoly2Mask(region.points, region.mask, width, height);
+// The record of a mask that the engine made, or null.
+const kAMBLE::Made* recordOf(const std::uint8_t* mask, const std::vector<kAMBLE::Made>& masks) {
+  const auto found = std::find_if(masks.begin(), masks.end(),
+                                  [mask](const kAMBLE::Made& made) { return made.buffer == mask; });
+  return mask == nullptr || found == masks.end() ? nullptr : &*found;
+}
+
+// Makes the region's mask unless it brings one along, and draws it. `before`: the masks that earlier calls
+// made; one that is too small by now is dropped. Sizes whose product does not fit 32 bits have no mask that
+// could hold them: it stays as it was made, and the frame is refused later.
+void rasterise(kAMBLE& engine, polygon& region, const std::vector<kAMBLE::Made>& before) {
+  const std::int32_t count = lm::wrapMul(engine.szImgX, engine.szImgY);
+  // An engine that is sized already may get its sides back.
+  const std::size_t bytes = std::max(static_cast<std::size_t>(count), engine.nbr4Idx.size());
+  const kAMBLE::Made* known = recordOf(region.mask, before);
+  if (known != nullptr && known->bytes < bytes) region.mask = nullptr;
+  if (region.mask == nullptr) {
+    region.mask = new std::uint8_t[bytes]();
+    engine.regionMasksMade.push_back({region.mask, bytes});
+  } else if (known != nullptr) {
+    engine.regionMasksMade.push_back(*known);
+  }
+  if (std::int64_t{engine.szImgX} * engine.szImgY != count) return;
+  cvtPoly2Mask(region.points, region.mask, engine.szImgX, engine.szImgY);
 }
 
 // Makes roiMask if it is missing and clears it. False when memory is lacking.
@@ -50,13 +70,14 @@ void buildRoiMask(kAMBLE& engine) {
   const std::int32_t height = engine.szImgY;
   const std::int32_t count = lm::wrapMul(width, height);
   const bool made = clearRoiMask(engine, count);
-  engine.regionMaskBytes = lm::countOf(count);
+  const std::vector<kAMBLE::Made> before = std::move(engine.regionMasksMade);
+  engine.regionMasksMade.clear();
   for (polygon& region : engine.roiInclude) {
-    rasterise(region, width, height);
+    rasterise(engine, region, before);
     if (made) unionMask(engine.roiMask, region.mask, width, height);
   }
   for (polygon& region : engine.roiExclude) {
-    rasterise(region, width, height);
+    rasterise(engine, region, before);
     if (made) unionNegMask(engine.roiMask, region.mask, width, height);
   }
 }

@@ -21,12 +21,14 @@ bool growRoiMask(std::uint8_t*& mask, std::size_t have, std::size_t need) {
   return true;
 }
 
-void growRegionMask(std::uint8_t*& mask, std::size_t have, std::size_t need) {
-  if (mask == nullptr) return;
+// Likewise for a region's mask, where it is the one that was `made`.
+void growRegionMask(std::uint8_t*& mask, kAMBLE::Made& made, std::size_t need) {
+  if (mask == nullptr || mask != made.buffer || made.bytes >= need) return;
   auto* larger = new std::uint8_t[need]();
-  std::memcpy(larger, mask, have);
+  std::copy_n(mask, made.bytes, larger);
   delete[] mask;
   mask = larger;
+  made = {mask, need};
 }
 
 // `list` with `count` elements; new ones are `value`.
@@ -40,6 +42,7 @@ void resizeLarge(std::vector<T>& list, std::size_t count, const T& value) {
 // Kept: arrays from an earlier call are replaced, not freed.
 void makeNeighbourArrays(kAMBLE& engine, const lm::FrameShape& shape) {
   resizeLarge<int*>(engine.nbrIdx, static_cast<std::size_t>(shape.count), nullptr);
+  engine.nbrWidth = shape.width;
   if (shape.width < 1) return;
   for (int*& entries : engine.nbrIdx) entries = new int[static_cast<std::size_t>(engine.numNbr)];
   lm::fillNeighbours(engine.nbrIdx, engine.numNbr, engine.nbrOffset, shape);
@@ -59,10 +62,11 @@ bool kAMBLE::fitRegionMasks(std::int32_t count) {
     if (!growRoiMask(roiMask, roiMaskMade.bytes, need)) return false;
     roiMaskMade = {roiMask, need};
   }
-  if (regionMaskBytes == 0 || regionMaskBytes >= need) return true;
-  for (polygon& region : roiInclude) growRegionMask(region.mask, regionMaskBytes, need);
-  for (polygon& region : roiExclude) growRegionMask(region.mask, regionMaskBytes, need);
-  regionMaskBytes = need;
+  for (std::vector<polygon>* regions : {&roiInclude, &roiExclude}) {
+    for (polygon& region : *regions) {
+      for (Made& made : regionMasksMade) growRegionMask(region.mask, made, need);
+    }
+  }
   return true;
 }
 
@@ -77,9 +81,13 @@ bool kAMBLE::initialization_ncv(int w, int h) {
 bool kAMBLE::initBuffer_ncv() {
   const std::int32_t count = lm::wrapMul(szImgX, szImgY);
   if (!fitRegionMasks(count)) return false;
+  if (planePixels != 0 && planePixels < count) releasePlanes();
+  planePixels = planePixels == 0 ? count : std::min(planePixels, count);
 
   bool made = true;
-  for (std::uint8_t** plane : {&roiMask, &fgMask, &auxMask, &absorbMask}) made &= lm::makeOnce(*plane, count);
+  if (roiMask == nullptr && lm::makeOnce(roiMask, count)) roiMaskMade = {roiMask, lm::countOf(count)};
+  made &= roiMask != nullptr;
+  for (std::uint8_t** plane : {&fgMask, &auxMask, &absorbMask}) made &= lm::makeOnce(*plane, count);
   made &= lm::makeOnce(updTimer, count);
   for (std::uint32_t** plane : {&auxMap, &nbrCursor, &sampleCursor, &refreshCount}) {
     made &= lm::makeOnce(*plane, count);
@@ -115,24 +123,32 @@ void kAMBLE::releaseModel() {
   for (int*& entries : nbrIdx) lm::releaseArray(entries);
 }
 
-void kAMBLE::destoryBuffer() {
-  for (std::uint8_t** plane : {&roiMask, &fgMask, &auxMask, &absorbMask, &bgImg}) lm::release(*plane);
+void kAMBLE::releasePlanes() {
+  planePixels = 0;
+  for (std::uint8_t** plane : {&fgMask, &auxMask, &absorbMask}) lm::release(*plane);
   lm::release(updTimer);
   for (std::uint32_t** plane : {&auxMap, &nbrCursor, &sampleCursor, &refreshCount, &minDist}) {
     lm::release(*plane);
   }
   lm::releaseArray(fgLife);
-  for (std::uint8_t** plane : {&curFrame, &prevFrame, &rdDiff, &illumDiff, &prevFgMask}) lm::release(*plane);
+  for (std::uint8_t** plane : {&rdDiff, &illumDiff, &prevFgMask}) lm::release(*plane);
+  lm::release(labelMap);
+  if (labelRows == nullptr) return;
+  // A table of the engine's own keeps its height, whatever height was configured since.
+  const std::size_t rows = labelRows == labelTable.data() ? labelTable.size() : lm::countOf(szImgY);
+  for (std::size_t row = 0; row < rows; ++row) lm::release(labelRows[row]);
+  // Kept: only the rows are released here; the table of row pointers belongs to object extraction
+  // (labelTable).
+  labelRows = nullptr;
+}
+
+void kAMBLE::destoryBuffer() {
+  for (std::uint8_t** plane : {&roiMask, &bgImg, &curFrame, &prevFrame}) lm::release(*plane);
   curFrameMade = prevFrameMade = bgImgMade = roiMaskMade = {};
+  releasePlanes();
   bgModel.clear();
   for (int*& entries : nbrIdx) lm::releaseArray(entries);
   nbrIdx.clear();
   nbrDistances.clear();
   nbr4Idx.clear();
-  lm::release(labelMap);
-  if (labelRows == nullptr) return;
-  for (std::int32_t row = 0; row < szImgY; ++row) lm::release(labelRows[row]);
-  // Kept: only the rows are released here; the table of row pointers belongs to object extraction
-  // (labelTable).
-  labelRows = nullptr;
 }

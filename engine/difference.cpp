@@ -1,4 +1,6 @@
 // The differences that the model reads: frame to frame, and background to frame, on one channel.
+#include <algorithm>
+
 #include "engine/aligned.h"
 #include "engine/kamble.h"
 #include "engine/ranges.h"
@@ -21,17 +23,19 @@ int takeChannel(kAMBLE& engine) {
 int kAMBLE::prepareDifferences() {
   skipFrame = false;
   const std::int32_t framePixels = lm::wrapMul(szImgX, szImgY);
+  // Planes are made for all pixels of the model, whatever size was configured since.
+  const std::int32_t pixels = std::max(numPixel, framePixels);
   int channel = lm::noDifference;
   if (prevFrame != nullptr) {
     channel = takeChannel(*this);
     lm::makeOnce(rdDiff, numPixel);
-    if (illumChange) lm::makeOnce(illumDiff, lm::wrapMul(framePixels, frmChn));
+    if (illumChange) lm::makeOnce(illumDiff, lm::wrapMul(pixels, frmChn));
   } else {
     lm::makeOnce(rdDiff, numPixel, 255);
   }
   if (prevFgMask == nullptr) {
-    lm::makeOnce(prevFgMask, framePixels, 1);
-    lm::makeOnce(fgMask, framePixels);
+    lm::makeOnce(prevFgMask, pixels, 1);
+    lm::makeOnce(fgMask, pixels);
   }
   return channel;
 }
@@ -49,7 +53,12 @@ void lm::takeRange(kAMBLE& engine, const std::uint8_t* frame, int channel, std::
 }
 
 bool kAMBLE::heuristic_ncv() {
+  skipFrame = false;
+  const std::int32_t framePixels = lm::wrapMul(szImgX, szImgY);
+  // There are no planes for what was configured, or refused, since the engine was sized.
+  const bool fits = framePixels <= numPixel && (prevFrame == nullptr || holdsFrames());
+  if (!hasModel() || !fits) return false;
   const int channel = prepareDifferences();
-  lm::takeRange(*this, nullptr, channel, 0, lm::countOf(lm::wrapMul(szImgX, szImgY)));
+  lm::takeRange(*this, nullptr, channel, 0, lm::countOf(framePixels));
   return skipFrame;
 }

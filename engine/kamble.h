@@ -220,8 +220,13 @@ class kAMBLE {
   // Extends roiMask and the region masks that setParam made to `count` pixels: what is new is outside. False
   // when memory is lacking. (buffers.cpp)
   bool fitRegionMasks(std::int32_t count);
-  // Whether curFrame, prevFrame and bgImg hold numPixel pixels of frmChn bytes. (pipeline.cpp)
+  // Whether the model has numPixel pixels. (pipeline.cpp)
+  bool hasModel() const;
+  // Whether frmChn is a count that frames may have, and curFrame, prevFrame and bgImg, where they are there,
+  // hold numPixel pixels of so many bytes. (pipeline.cpp)
   bool holdsFrames() const;
+  // Releases the planes whose size is planePixels. (buffers.cpp)
+  void releasePlanes();
   // Releases what initBuffer_ncv would otherwise replace without freeing it. (buffers.cpp)
   void releaseModel();
   // Makes the planes of the differences that are missing; returns the channel to compare, or
@@ -234,11 +239,14 @@ class kAMBLE {
   // where `frame` is null. (pipeline.cpp)
   bool learnStrips(const std::uint8_t* frame, std::int32_t pixels);
   bool continues(const std::uint8_t* frame, std::int32_t pixels, int channels) const;
+  bool canLearn(std::int32_t pixels) const;
   // Pixels of a strip, made up to whole rows: few enough for its planes to stay in a processor's own cache
   // from one step to the next. Any number gives the same results.
   std::size_t stripPixels = 8192;
   std::vector<int> nbrDistances;  // see lm::neighbourDistances; empty unless initBuffer_ncv filled the arrays
-  std::size_t regionMaskBytes = 0;         // bytes of each region mask that setParam made
+  std::int32_t nbrWidth = 0;      // width of the frame that the neighbour tables were made for
+  std::int32_t planePixels = 0;   // pixels that the planes were made for; 0 without planes
+  std::vector<Made> regionMasksMade;       // masks of roiInclude and roiExclude that setParam made
   std::vector<std::uint32_t*> labelTable;  // the table that labelRows points to
   // What object extraction keeps between frames; made when it is first needed. (objects/scratch.h)
   std::unique_ptr<lm::ObjectScratch> objectScratch;

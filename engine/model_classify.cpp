@@ -59,7 +59,7 @@ void lm::classifyRange(kAMBLE& engine, const std::uint8_t* frame, std::size_t be
 bool kAMBLE::canClassify() const {
   return roiMask != nullptr && fgMask != nullptr && prevFgMask != nullptr && rdDiff != nullptr &&
          curFrame != nullptr && absorbMask != nullptr && fgLife != nullptr && minDist != nullptr &&
-         bgModel.size() >= lm::countOf(numPixel);
+         hasModel() && holdsFrames();
 }
 
 bool kAMBLE::recogFg_ncv() {

@@ -200,11 +200,11 @@ void lm::updateRange(kAMBLE& engine, const std::uint8_t* frame, std::size_t begi
 }
 
 bool kAMBLE::canUpdate() const {
-  const std::size_t count = lm::countOf(numPixel);
   return roiMask != nullptr && fgMask != nullptr && prevFgMask != nullptr && rdDiff != nullptr &&
          curFrame != nullptr && absorbMask != nullptr && minDist != nullptr && bgImg != nullptr &&
          updTimer != nullptr && refreshCount != nullptr && sampleCursor != nullptr && nbrCursor != nullptr &&
-         (!illumChange || illumDiff != nullptr) && bgModel.size() >= count && nbrIdx.size() >= count;
+         (!illumChange || illumDiff != nullptr) && nbrIdx.size() == bgModel.size() && hasModel() &&
+         holdsFrames();
 }
 
 bool kAMBLE::updateModel_ncv() {

@@ -26,6 +26,8 @@ bool makeRoom(std::uint8_t*& plane, kAMBLE::Made& made, std::int32_t bytes) {
   return true;
 }
 
+bool isKnownCount(int channels) { return channels == 1 || channels == 3 || channels == 4; }
+
 bool holds(const std::uint8_t* plane, const kAMBLE::Made& made, std::size_t bytes) {
   return plane == nullptr || made.buffer != plane || made.bytes >= bytes;
 }
@@ -48,8 +50,6 @@ void rememberFrame(kAMBLE& engine, std::size_t begin, std::size_t end) {
               (end - begin) * channels);
 }
 
-bool isKnownCount(int channels) { return channels == 1 || channels == 3 || channels == 4; }
-
 }  // namespace
 
 bool kAMBLE::setTimestamp(const char* timestamp) {
@@ -60,10 +60,12 @@ bool kAMBLE::setTimestamp(const char* timestamp) {
   return milliseconds >= 0;
 }
 
+bool kAMBLE::hasModel() const { return numPixel >= 1 && bgModel.size() == lm::countOf(numPixel); }
+
 bool kAMBLE::holdsFrames() const {
   const std::size_t bytes = lm::countOf(numPixel) * lm::countOf(frmChn);
-  return holds(curFrame, curFrameMade, bytes) && holds(prevFrame, prevFrameMade, bytes) &&
-         holds(bgImg, bgImgMade, bytes);
+  return isKnownCount(frmChn) && holds(curFrame, curFrameMade, bytes) &&
+         holds(prevFrame, prevFrameMade, bytes) && holds(bgImg, bgImgMade, bytes);
 }
 
 // Differences, classification and update of one frame, then the copies that the next frame compares with,
@@ -79,7 +81,7 @@ bool kAMBLE::learnStrips(const std::uint8_t* frame, std::int32_t pixels) {
   learned &= makeRoom(prevFrame, prevFrameMade, bytes);
 
   const std::size_t count = lm::countOf(numPixel);
-  const std::size_t width = std::max<std::size_t>(1, lm::countOf(szImgX));
+  const std::size_t width = std::max<std::size_t>(1, lm::countOf(nbrWidth));
   // A channel beyond the frame's reads across pixels, which only the frame as a whole can do.
   const std::size_t rows = channel < frmChn ? stripPixels / width + 1 : count;
   const lm::NeighbourDistances distances(*this, nbrDistances);
@@ -102,10 +104,15 @@ bool kAMBLE::learnStrips(const std::uint8_t* frame, std::int32_t pixels) {
   return learned;
 }
 
-// Whether a frame has the shape of the one before it, so that it can be copied while it is learned.
+// Whether a frame has the shape of the one before it and will be learned, so that it can be copied meanwhile.
 bool kAMBLE::continues(const std::uint8_t* frame, std::int32_t pixels, int channels) const {
   return frmCount != 0 && frame != nullptr && curFrame != nullptr && pixels == numPixel &&
-         channels == frmChn && isKnownCount(channels);
+         channels == frmChn && canLearn(pixels);
+}
+
+// Whether an engine that has seen frames can learn one of `pixels` pixels.
+bool kAMBLE::canLearn(std::int32_t pixels) const {
+  return hasModel() && pixels <= numPixel && lm::wrapMul(szImgX, szImgY) == numPixel && holdsFrames();
 }
 
 bool kAMBLE::learnBg_ncv(const std::uint8_t* frame, int width, int height, int channels) {
@@ -113,7 +120,7 @@ bool kAMBLE::learnBg_ncv(const std::uint8_t* frame, int width, int height, int c
   const bool copyLater = continues(frame, pixels, channels);
   if (!copyLater && preprocess_ncv(frame, width, height, channels) == 0) return false;
   const bool sized = frmCount != 0;
-  if (sized && (pixels > numPixel || lm::wrapMul(szImgX, szImgY) != numPixel || !holdsFrames())) return false;
+  if (sized && !canLearn(pixels)) return false;
   estFrameRate();
   updateLock();
 
