@@ -4,6 +4,7 @@
 
 #include <algorithm>
 
+#include "engine/engine_state.h"
 #include "engine/kamble.h"
 #include "plugin/detector.h"
 #include "tests/plugin/scene.h"
@@ -66,7 +67,7 @@ TEST_F(SecondInit, OfTurnedFramesLooksForLightWhereTheFirstFrameHasNeighbours) {
 TEST_F(SecondInit, OfNarrowerFramesComparesLightTwoRowsOfTheFirstFrameAhead) {
   learn(dark_);
   configure({40, 100, 1});
-  detector_.engine->stripPixels = 40;
+  stateOf(*detector_.engine).stripPixels = 40;
   Bytes lit = dark_;
   for (const std::size_t pixel : {1050, 1050 + 201}) lit[pixel] = 58;
   learn(lit);
