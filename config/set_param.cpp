@@ -1,5 +1,7 @@
 // Configures an engine: parameters and regions.
+#include <algorithm>
 #include <cstring>
+#include <utility>
 
 #include "base/aligned.h"
 #include "base/c_locale.h"
@@ -24,12 +26,30 @@ bool apply(kAMBLE& engine, const std::string& key, const std::string& value) {
   return row != nullptr && lm::applyParam(*row, engine, lm::convertParam(row->conversion, value));
 }
 
-// Makes the mask of the region. When the product of the sizes exceeds 32 bits, the mask is left empty and the
-// frame is refused later.
-void rasterise(polygon& region, std::int32_t width, std::int32_t height) {
-  const std::int32_t count = lm::wrapMul(width, height);
-  if (region.mask == nullptr) region.mask = new std::uint8_t[static_cast<std::size_t>(count)]();
-  if (std::int64_t{width} * height == count) cvtPoly2Mask(region.points, region.mask, width, height);
+// The record of a mask that the engine made, or null.
+const lm::Made* recordOf(const std::uint8_t* mask, const std::vector<lm::Made>& masks) {
+  const auto found =
+      std::find_if(masks.begin(), masks.end(), [mask](const lm::Made& made) { return made.plane == mask; });
+  return mask == nullptr || found == masks.end() ? nullptr : &*found;
+}
+
+// Makes the mask of the region unless it has one, and draws it. `before`: the masks that earlier calls made;
+// one that is too small by now is dropped. When the product of the sizes exceeds 32 bits, the mask is left as
+// it is and the frame is refused later.
+void rasterise(kAMBLE& engine, polygon& region, const std::vector<lm::Made>& before) {
+  const std::int32_t count = lm::wrapMul(engine.szImgX, engine.szImgY);
+  // A sized engine may get its sides back.
+  const std::size_t bytes = std::max(static_cast<std::size_t>(count), engine.nbr4Idx.size());
+  const lm::Made* known = recordOf(region.mask, before);
+  if (known != nullptr && known->bytes < bytes) region.mask = nullptr;
+  if (region.mask == nullptr) {
+    region.mask = new std::uint8_t[bytes]();
+    lm::stateOf(engine).regionMasks.push_back({region.mask, bytes});
+  } else if (known != nullptr) {
+    lm::stateOf(engine).regionMasks.push_back(*known);
+  }
+  if (std::int64_t{engine.szImgX} * engine.szImgY != count) return;
+  cvtPoly2Mask(region.points, region.mask, engine.szImgX, engine.szImgY);
 }
 
 // Makes roiMask if it is missing and clears it. Returns false when the allocation fails.
@@ -50,13 +70,13 @@ void buildRoiMask(kAMBLE& engine) {
   const std::int32_t height = engine.szImgY;
   const std::int32_t count = lm::wrapMul(width, height);
   const bool made = clearRoiMask(engine, count);
-  lm::stateOf(engine).regionMaskBytes = lm::countOf(count);
+  const std::vector<lm::Made> before = std::exchange(lm::stateOf(engine).regionMasks, {});
   for (polygon& region : engine.roiInclude) {
-    rasterise(region, width, height);
+    rasterise(engine, region, before);
     if (made) unionMask(engine.roiMask, region.mask, width, height);
   }
   for (polygon& region : engine.roiExclude) {
-    rasterise(region, width, height);
+    rasterise(engine, region, before);
     if (made) unionNegMask(engine.roiMask, region.mask, width, height);
   }
 }

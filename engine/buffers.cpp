@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstring>
+#include <utility>
 
 #include "base/aligned.h"
 #include "base/integers.h"
@@ -22,12 +23,14 @@ bool growRoiMask(std::uint8_t*& mask, std::size_t have, std::size_t need) {
   return true;
 }
 
-void growRegionMask(std::uint8_t*& mask, std::size_t have, std::size_t need) {
-  if (mask == nullptr) return;
+// The same for a region's mask, if it is the one that was `made`.
+void growRegionMask(std::uint8_t*& mask, lm::Made& made, std::size_t need) {
+  if (!made.isTooSmall(mask, need)) return;
   auto* larger = new std::uint8_t[need]();
-  std::memcpy(larger, mask, have);
+  std::copy_n(mask, made.bytes, larger);
   delete[] mask;
   mask = larger;
+  made = {mask, need};
 }
 
 // `list` with `count` elements; new ones are `value`.
@@ -41,6 +44,7 @@ void resizeLarge(std::vector<T>& list, std::size_t count, const T& value) {
 // Kept: arrays from an earlier call are replaced, not freed.
 void makeNeighbourArrays(kAMBLE& engine, const lm::FrameShape& shape) {
   resizeLarge<int*>(engine.nbrIdx, static_cast<std::size_t>(shape.count), nullptr);
+  lm::stateOf(engine).nbrWidth = shape.width;
   if (shape.width < 1) return;
   for (int*& entries : engine.nbrIdx) entries = new int[static_cast<std::size_t>(engine.numNbr)];
   lm::fillNeighbours(engine.nbrIdx, engine.numNbr, engine.nbrOffset, shape);
@@ -61,11 +65,35 @@ bool fitRegionMasks(kAMBLE& engine, std::int32_t count) {
     if (!growRoiMask(engine.roiMask, state.roiMask.bytes, need)) return false;
     state.roiMask = {engine.roiMask, need};
   }
-  if (state.regionMaskBytes == 0 || state.regionMaskBytes >= need) return true;
-  for (polygon& region : engine.roiInclude) growRegionMask(region.mask, state.regionMaskBytes, need);
-  for (polygon& region : engine.roiExclude) growRegionMask(region.mask, state.regionMaskBytes, need);
-  state.regionMaskBytes = need;
+  for (std::vector<polygon>* regions : {&engine.roiInclude, &engine.roiExclude}) {
+    for (polygon& region : *regions) {
+      for (lm::Made& made : state.regionMasks) growRegionMask(region.mask, made, need);
+    }
+  }
   return true;
+}
+
+// Releases the planes whose size is planePixels.
+void releasePlanes(kAMBLE& engine) {
+  for (std::uint8_t** plane : {&engine.fgMask, &engine.auxMask, &engine.absorbMask, &engine.rdDiff,
+                               &engine.illumDiff, &engine.prevFgMask}) {
+    lm::release(*plane);
+  }
+  lm::release(engine.updTimer);
+  for (std::uint32_t** plane : {&engine.auxMap, &engine.nbrCursor, &engine.sampleCursor, &engine.refreshCount,
+                                &engine.minDist, &engine.labelMap}) {
+    lm::release(*plane);
+  }
+  lm::releaseArray(engine.fgLife);
+  if (engine.state != nullptr) engine.state->planePixels = 0;
+  if (engine.labelRows == nullptr) return;
+  // A table of the engine's own keeps its height, whatever height was configured since.
+  const std::vector<std::uint32_t*>& table = lm::stateOf(std::as_const(engine)).labelTable;
+  const std::size_t rows = engine.labelRows == table.data() ? table.size() : lm::countOf(engine.szImgY);
+  for (std::size_t row = 0; row < rows; ++row) lm::release(engine.labelRows[row]);
+  // Kept: only the rows are released here; the table of row pointers belongs to object extraction
+  // (EngineState::labelTable).
+  engine.labelRows = nullptr;
 }
 
 }  // namespace
@@ -81,6 +109,9 @@ bool kAMBLE::initialization_ncv(int w, int h) {
 bool kAMBLE::initBuffer_ncv() {
   const std::int32_t count = lm::wrapMul(szImgX, szImgY);
   if (!fitRegionMasks(*this, count)) return false;
+  std::int32_t& planePixels = lm::stateOf(*this).planePixels;
+  if (planePixels < count) releasePlanes(*this);
+  planePixels = planePixels == 0 ? count : std::min(planePixels, count);
 
   bool made = true;
   for (std::uint8_t** plane : {&roiMask, &fgMask, &auxMask, &absorbMask}) made &= lm::makeOnce(*plane, count);
@@ -120,25 +151,13 @@ void lm::releaseModel(kAMBLE& engine) {
 }
 
 void kAMBLE::destoryBuffer() {
-  for (std::uint8_t** plane : {&roiMask, &fgMask, &auxMask, &absorbMask, &bgImg}) lm::release(*plane);
-  lm::release(updTimer);
-  for (std::uint32_t** plane : {&auxMap, &nbrCursor, &sampleCursor, &refreshCount, &minDist}) {
-    lm::release(*plane);
-  }
-  lm::releaseArray(fgLife);
-  for (std::uint8_t** plane : {&curFrame, &prevFrame, &rdDiff, &illumDiff, &prevFgMask}) lm::release(*plane);
+  for (std::uint8_t** plane : {&roiMask, &bgImg, &curFrame, &prevFrame}) lm::release(*plane);
+  releasePlanes(*this);
   bgModel.clear();
   for (int*& entries : nbrIdx) lm::releaseArray(entries);
   nbrIdx.clear();
   nbr4Idx.clear();
-  if (state != nullptr) {
-    state->curFrame = state->prevFrame = state->bgImg = state->roiMask = {};
-    state->nbrDistances.clear();
-  }
-  lm::release(labelMap);
-  if (labelRows == nullptr) return;
-  for (std::int32_t row = 0; row < szImgY; ++row) lm::release(labelRows[row]);
-  // Kept: only the rows are released here; the table of row pointers belongs to object extraction
-  // (EngineState::labelTable).
-  labelRows = nullptr;
+  if (state == nullptr) return;
+  state->curFrame = state->prevFrame = state->bgImg = state->roiMask = {};
+  state->nbrDistances.clear();
 }

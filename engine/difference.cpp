@@ -1,6 +1,9 @@
 // The differences that the model reads: frame to frame, and background to frame, on one channel.
+#include <algorithm>
+
 #include "base/aligned.h"
 #include "base/integers.h"
+#include "engine/engine_state.h"
 #include "engine/kamble.h"
 #include "engine/ranges.h"
 #include "simd/model_kernels.h"
@@ -21,17 +24,19 @@ int takeChannel(kAMBLE& engine) {
 int lm::prepareDifferences(kAMBLE& engine) {
   engine.skipFrame = false;
   const std::int32_t framePixels = wrapMul(engine.szImgX, engine.szImgY);
+  // Planes are made for all pixels of the model, whatever size was configured since.
+  const std::int32_t pixels = std::max(engine.numPixel, framePixels);
   int channel = noDifference;
   if (engine.prevFrame != nullptr) {
     channel = takeChannel(engine);
     makeOnce(engine.rdDiff, engine.numPixel);
-    if (engine.illumChange) makeOnce(engine.illumDiff, wrapMul(framePixels, engine.frmChn));
+    if (engine.illumChange) makeOnce(engine.illumDiff, wrapMul(pixels, engine.frmChn));
   } else {
     makeOnce(engine.rdDiff, engine.numPixel, 255);
   }
   if (engine.prevFgMask == nullptr) {
-    makeOnce(engine.prevFgMask, framePixels, 1);
-    makeOnce(engine.fgMask, framePixels);
+    makeOnce(engine.prevFgMask, pixels, 1);
+    makeOnce(engine.fgMask, pixels);
   }
   return channel;
 }
@@ -55,7 +60,12 @@ void lm::takeRange(kAMBLE& engine, const std::uint8_t* frame, int channel, std::
 }
 
 bool kAMBLE::heuristic_ncv() {
+  skipFrame = false;
+  const std::int32_t framePixels = lm::wrapMul(szImgX, szImgY);
+  // There are no planes for what was configured, or refused, since the engine was sized.
+  const bool fits = framePixels <= numPixel && (prevFrame == nullptr || lm::holdsFrames(*this));
+  if (!lm::hasModel(*this) || !fits) return false;
   const int channel = lm::prepareDifferences(*this);
-  lm::takeRange(*this, nullptr, channel, 0, lm::countOf(lm::wrapMul(szImgX, szImgY)));
+  lm::takeRange(*this, nullptr, channel, 0, lm::countOf(framePixels));
   return skipFrame;
 }

@@ -7,6 +7,7 @@
 #include "base/bits.h"
 #include "base/integers.h"
 #include "base/prefetch.h"
+#include "engine/engine_state.h"
 #include "engine/kamble.h"
 #include "engine/ranges.h"
 #include "engine/rules.h"
@@ -73,8 +74,8 @@ void lm::classifyRange(kAMBLE& engine, const std::uint8_t* frame, std::size_t be
 bool lm::canClassify(const kAMBLE& engine) {
   return engine.roiMask != nullptr && engine.fgMask != nullptr && engine.prevFgMask != nullptr &&
          engine.rdDiff != nullptr && engine.curFrame != nullptr && engine.absorbMask != nullptr &&
-         engine.fgLife != nullptr && engine.minDist != nullptr &&
-         engine.bgModel.size() >= lm::countOf(engine.numPixel);
+         engine.fgLife != nullptr && engine.minDist != nullptr && lm::hasModel(engine) &&
+         lm::holdsFrames(engine);
 }
 
 bool kAMBLE::recogFg_ncv() {

@@ -2,6 +2,7 @@
 #include <cstring>
 
 #include "base/integers.h"
+#include "engine/engine_state.h"
 #include "engine/kamble.h"
 #include "engine/rules.h"
 
@@ -49,8 +50,8 @@ void seedAll(kAMBLE& engine, std::size_t count) {
 
 bool kAMBLE::initModel_ncv() {
   const std::size_t count = lm::countOf(numPixel);
-  if (curFrame == nullptr || bgImg == nullptr || nbrCursor == nullptr || bgModel.size() < count ||
-      nbrIdx.size() < count || (count > 0 && nbrIdx.front() == nullptr)) {
+  if (curFrame == nullptr || bgImg == nullptr || nbrCursor == nullptr || bgModel.size() != count ||
+      nbrIdx.size() != count || (count > 0 && nbrIdx.front() == nullptr) || !lm::holdsFrames(*this)) {
     return false;
   }
   if (frmChn == 1) seedAll<1>(*this, count);

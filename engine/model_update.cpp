@@ -9,6 +9,7 @@
 #include "base/bits.h"
 #include "base/integers.h"
 #include "base/prefetch.h"
+#include "engine/engine_state.h"
 #include "engine/kamble.h"
 #include "engine/neighbours.h"
 #include "engine/ranges.h"
@@ -219,13 +220,12 @@ void lm::updateRange(kAMBLE& engine, const std::uint8_t* frame, std::size_t begi
 }
 
 bool lm::canUpdate(const kAMBLE& engine) {
-  const std::size_t count = lm::countOf(engine.numPixel);
   return engine.roiMask != nullptr && engine.fgMask != nullptr && engine.prevFgMask != nullptr &&
          engine.rdDiff != nullptr && engine.curFrame != nullptr && engine.absorbMask != nullptr &&
          engine.minDist != nullptr && engine.bgImg != nullptr && engine.updTimer != nullptr &&
          engine.refreshCount != nullptr && engine.sampleCursor != nullptr && engine.nbrCursor != nullptr &&
-         (!engine.illumChange || engine.illumDiff != nullptr) && engine.bgModel.size() >= count &&
-         engine.nbrIdx.size() >= count;
+         (!engine.illumChange || engine.illumDiff != nullptr) &&
+         engine.nbrIdx.size() == engine.bgModel.size() && lm::hasModel(engine) && lm::holdsFrames(engine);
 }
 
 bool kAMBLE::updateModel_ncv() {

@@ -5,6 +5,7 @@
 #include <cstdlib>
 
 #include "base/integers.h"
+#include "engine/engine_state.h"
 #include "engine/kamble.h"
 #include "simd/model_kernels.h"
 
@@ -51,7 +52,7 @@ std::vector<int> neighbourDistances(const std::vector<pnt>& offsets, std::int32_
 }
 
 NeighbourDistances::NeighbourDistances(const kAMBLE& engine, const std::vector<int>& distances) {
-  const std::size_t width = countOf(engine.szImgX);
+  const std::size_t width = countOf(stateOf(engine).nbrWidth);
   const std::size_t rows = width == 0 ? 0 : countOf(engine.numPixel) / width;
   constexpr std::size_t margins = 2 * std::size_t{reach};
   const bool roomForABlock = width >= blockPixels + margins && rows > margins;

@@ -62,7 +62,7 @@ bool learnStrips(kAMBLE& engine, const std::uint8_t* frame, std::int32_t pixels)
   learned &= makeRoom(engine.prevFrame, state.prevFrame, bytes);
 
   const std::size_t count = lm::countOf(engine.numPixel);
-  const std::size_t width = std::max<std::size_t>(1, lm::countOf(engine.szImgX));
+  const std::size_t width = std::max<std::size_t>(1, lm::countOf(state.nbrWidth));
   // A channel beyond the frame's reads across pixels, so the whole frame is one strip.
   const std::size_t rows = channel < engine.frmChn ? state.stripPixels / width + 1 : count;
   const lm::NeighbourDistances distances(engine, state.nbrDistances);
@@ -85,16 +85,16 @@ bool learnStrips(kAMBLE& engine, const std::uint8_t* frame, std::int32_t pixels)
   return learned;
 }
 
-// Whether a frame has the shape of the previous one, so that it can be copied while it is learned.
-bool continues(const kAMBLE& engine, const std::uint8_t* frame, std::int32_t pixels, int channels) {
-  return engine.frmCount != 0 && frame != nullptr && engine.curFrame != nullptr &&
-         pixels == engine.numPixel && channels == engine.frmChn && isKnownCount(channels);
+// Whether an engine that has seen frames can learn one of `pixels` pixels.
+bool canLearn(const kAMBLE& engine, std::int32_t pixels) {
+  return lm::hasModel(engine) && pixels <= engine.numPixel &&
+         lm::wrapMul(engine.szImgX, engine.szImgY) == engine.numPixel && lm::holdsFrames(engine);
 }
 
-// Whether a sized engine still has its size, and room for a frame of `pixels` pixels.
-bool hasRoomFor(const kAMBLE& engine, std::int32_t pixels) {
-  return pixels <= engine.numPixel && lm::wrapMul(engine.szImgX, engine.szImgY) == engine.numPixel &&
-         lm::holdsFrames(engine);
+// Whether a frame has the shape of the previous one and will be learned, so that it can be copied meanwhile.
+bool continues(const kAMBLE& engine, const std::uint8_t* frame, std::int32_t pixels, int channels) {
+  return engine.frmCount != 0 && frame != nullptr && engine.curFrame != nullptr &&
+         pixels == engine.numPixel && channels == engine.frmChn && canLearn(engine, pixels);
 }
 
 }  // namespace
@@ -107,10 +107,14 @@ bool kAMBLE::setTimestamp(const char* timestamp) {
   return milliseconds >= 0;
 }
 
+bool lm::hasModel(const kAMBLE& engine) {
+  return engine.numPixel >= 1 && engine.bgModel.size() == countOf(engine.numPixel);
+}
+
 bool lm::holdsFrames(const kAMBLE& engine) {
   const std::size_t bytes = countOf(engine.numPixel) * countOf(engine.frmChn);
   const EngineState& state = stateOf(engine);
-  return !state.curFrame.isTooSmall(engine.curFrame, bytes) &&
+  return isKnownCount(engine.frmChn) && !state.curFrame.isTooSmall(engine.curFrame, bytes) &&
          !state.prevFrame.isTooSmall(engine.prevFrame, bytes) && !state.bgImg.isTooSmall(engine.bgImg, bytes);
 }
 
@@ -119,7 +123,7 @@ bool kAMBLE::learnBg_ncv(const std::uint8_t* frame, int width, int height, int c
   const bool copyLater = continues(*this, frame, pixels, channels);
   if (!copyLater && preprocess_ncv(frame, width, height, channels) == 0) return false;
   const bool sized = frmCount != 0;
-  if (sized && !hasRoomFor(*this, pixels)) return false;
+  if (sized && !canLearn(*this, pixels)) return false;
   estFrameRate();
   updateLock();
 

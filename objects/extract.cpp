@@ -1,4 +1,6 @@
 // From the foreground mask of a frame to the boxes of what moves.
+#include <algorithm>
+
 #include "base/aligned.h"
 #include "base/integers.h"
 #include "engine/kamble.h"
@@ -17,14 +19,14 @@ bool isSized(const kAMBLE& engine) {
                          table.size() == lm::countOf(engine.szImgY);
   return engine.szImgX >= 1 && engine.numPixel >= 1 && tableFits &&
          std::int64_t{engine.szImgX} * engine.szImgY == engine.numPixel && engine.roiMask != nullptr &&
-         engine.nbr4Idx.size() >= lm::countOf(engine.numPixel);
+         engine.nbr4Idx.size() == lm::countOf(engine.numPixel);
 }
 
 // Foreground becomes 1 and loses three layers, then what lies outside the regions: dilate_ncv_fast(mask, 255,
 // 1, 2), erode_ncv_fast(mask, 1, 0, 3) and pruning, the first two in one go.
 void cleanMask(kAMBLE& engine, std::uint8_t* mask) {
   lm::MaskBits& bits = lm::scratchOf(engine).mask;
-  bits.read(mask, lm::countOf(engine.szImgX), lm::countOf(engine.numPixel),
+  bits.read(mask, lm::countOf(lm::stateOf(engine).nbrWidth), lm::countOf(engine.numPixel),
             {.set = 255, .relabel = 1, .cleared = 0});
   bits.peel(3, engine.morphList);
   bits.write(mask);
@@ -64,6 +66,28 @@ std::vector<boxRect> boxesOf(const kAMBLE& engine, const std::vector<lm::Spanned
   return boxes;
 }
 
+// The same where the sides of the frame were configured anew since the neighbour table was made: the table
+// says which pixels are neighbours, the sides say where they lie.
+std::vector<boxRect> turnedBoxesOf(kAMBLE& engine, const std::uint8_t* mask, lm::SmallComponents& small) {
+  const std::int32_t width = engine.szImgX;
+  simd::cvt_u8_to_u32(mask, engine.labelMap, lm::countOf(engine.numPixel));
+  const std::vector<ccObj> components = engine.connectedComponent(engine.labelMap, 1);
+  const std::uint32_t* row = engine.labelMap;
+  for (std::int32_t y = 0; y < engine.szImgY; ++y, row += width) std::copy_n(row, width, engine.labelRows[y]);
+  std::vector<boxRect> boxes;
+  for (const ccObj& component : components) {
+    const std::int32_t x = component.first % width;
+    const std::int32_t y = component.first / width;
+    if (component.count >= engine.thrCcPxl2) {
+      const auto label = static_cast<int>(component.label);
+      boxes.push_back(findBoundingBox(engine.labelRows, label, width, engine.szImgY, x, y));
+    } else if (engine.autoSensitivity) {
+      small.add(x, y);
+    }
+  }
+  return boxes;
+}
+
 }  // namespace
 
 std::vector<boxRect> kAMBLE::genFgObj_ncv(unsigned char* mask) {
@@ -73,7 +97,9 @@ std::vector<boxRect> kAMBLE::genFgObj_ncv(unsigned char* mask) {
 
   lm::SmallComponents small;
   lm::ObjectScratch& scratch = lm::scratchOf(*this);
-  std::vector<boxRect> boxes = boxesOf(*this, scratch.labels.label(mask, scratch.mask), small);
+  std::vector<boxRect> boxes = lm::stateOf(*this).nbrWidth == szImgX
+                                   ? boxesOf(*this, scratch.labels.label(mask, scratch.mask), small)
+                                   : turnedBoxesOf(*this, mask, small);
   lm::joinNear(boxes, thrConnect);
   lm::dropSmall(boxes, minObjWPxl, minObjHPxl);
   lm::joinOverlapping(boxes);

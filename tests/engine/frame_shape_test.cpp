@@ -215,5 +215,20 @@ TEST(SmallRegionMask, ExtractionReadsNeitherMaskBeyondItsEnd) {
   EXPECT_EQ(engine.genFgObj_ncv(engine.fgMask).size(), 1U);
 }
 
+TEST(SmallRegionMask, OfNoPixelsGrowsWithTheFirstFrameToo) {
+  kAMBLE engine;
+  std::vector<std::string> noSize;
+  std::vector<polygon> whole{polygon{"all", {{-1, -1}, {99, -1}, {99, 99}, {-1, 99}}, nullptr}};
+  std::vector<polygon> none;
+  engine.setParam(noSize, whole, none);
+  const Bytes frame = plainFrame(40, 20, 1, 50);
+  ASSERT_TRUE(engine.learnBg_ncv(frame.data(), 40, 20, 1));
+  engine.thrCcPxl2 = 1;
+  for (std::ptrdiff_t y = 5; y < 15; ++y) {
+    std::fill_n(engine.fgMask + y * 40 + 5, 20, std::uint8_t{255});
+  }
+  EXPECT_EQ(engine.genFgObj_ncv(engine.fgMask).size(), 1U);
+}
+
 }  // namespace
 }  // namespace lm::test
