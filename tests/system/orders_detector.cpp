@@ -29,16 +29,21 @@ std::string textOf(const plain::Document& document) {
   std::string text = "{";
   for (const std::string& entry : document.entries) {
     const std::size_t blank = entry.find(' ');
-    text += '"' + entry.substr(0, blank) + "\":\"" + entry.substr(blank + 1) + "\",";
+    text.append("\"").append(entry, 0, blank).append("\":\"").append(entry, blank + 1).append("\",");
   }
   const auto list = [&](const char* key, const std::vector<plain::RegionText>& regions) {
-    text += std::string("\"") + key + "\":[";
+    text.append("\"").append(key).append("\":[");
     for (const plain::RegionText& region : regions) {
       text +=
           (&region == regions.data() ? "{\"name\":\"" : ",{\"name\":\"") + region.name + "\",\"points\":[";
       for (const auto& point : region.points) {
         const char* comma = &point == region.points.data() ? "" : ",";
-        text += comma + std::string("{\"x\":\"") + point.first + "\",\"y\":\"" + point.second + "\"}";
+        text.append(comma)
+            .append("{\"x\":\"")
+            .append(point.first)
+            .append("\",\"y\":\"")
+            .append(point.second)
+            .append("\"}");
       }
       text += "]}";
     }

@@ -16,9 +16,11 @@ namespace {
 // What was called so far, told also when a sanitizer ends the program.
 std::string calls;
 
+#if defined(__SANITIZE_ADDRESS__)
 void tellCalls() {
   [[maybe_unused]] const ssize_t written = write(STDERR_FILENO, calls.data(), calls.size());
 }
+#endif
 
 // The library's lines about every size and every refusal would bury the report.
 class Quiet {
