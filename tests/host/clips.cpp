@@ -12,7 +12,7 @@ namespace clips {
 
 using lm::host::outputs::VideoWriter;
 using lm::host::source::Frame;
-namespace av = lm::host::av;
+namespace av = lm::host::source::av;
 
 [[maybe_unused]] const bool quiet = [] {
   av_log_set_level(AV_LOG_QUIET);
