@@ -1,7 +1,9 @@
 #include "host/base/help_format.h"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <sstream>
+#include <utility>
 
 namespace lm::host::base {
 namespace {
@@ -16,6 +18,14 @@ class HelpFormat : public CLI::Formatter {
     label("Positionals", "Arguments");
     label("OPTIONS", "OPTION...");
     label("SUBCOMMAND", "COMMAND");
+  }
+
+  // One blank line between groups, none at the end.
+  std::string make_help(const CLI::App* app, std::string name, CLI::AppFormatMode mode) const override {
+    std::string help = Formatter::make_help(app, std::move(name), mode);
+    for (std::size_t at = 0; (at = help.find("\n\n\n", at)) != std::string::npos;) help.erase(at, 1);
+    while (help.ends_with("\n\n")) help.pop_back();
+    return help;
   }
 
   std::string make_description(const CLI::App* app) const override {
@@ -33,6 +43,13 @@ class HelpFormat : public CLI::Formatter {
   }
 };
 
+// What is in parentheses stays together if it fits a line.
+std::size_t word_end(const std::string& line, std::size_t begin, std::size_t width) {
+  const std::size_t close = line[begin] == '(' ? line.find(')', begin) : std::string::npos;
+  const bool together = close != std::string::npos && close - begin < width;
+  return std::min(line.find(' ', together ? close : begin), line.size());
+}
+
 }  // namespace
 
 std::string wrapped(const std::string& text, std::size_t width) {
@@ -40,17 +57,14 @@ std::string wrapped(const std::string& text, std::size_t width) {
   std::istringstream lines(text);
   for (std::string line; std::getline(lines, line);) {
     if (!result.empty()) result += '\n';
-    std::istringstream words(line);
     std::size_t used = 0;
-    for (std::string word; words >> word; used += word.size()) {
-      if (used > 0 && used + 1 + word.size() > width) {
-        result += '\n';
-        used = 0;
-      } else if (used > 0) {
-        result += ' ';
-        ++used;
-      }
-      result += word;
+    for (std::size_t begin = line.find_first_not_of(' '), end = 0; begin != std::string::npos;
+         begin = line.find_first_not_of(' ', end)) {
+      end = word_end(line, begin, width);
+      const bool fits = used + 1 + end - begin <= width;
+      if (used > 0) result += fits ? ' ' : '\n';
+      used = used > 0 && fits ? used + 1 + end - begin : end - begin;
+      result.append(line, begin, end - begin);
     }
   }
   return result;

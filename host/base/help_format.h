@@ -11,8 +11,8 @@ class FormatterBase;
 
 namespace lm::host::base {
 
-// `text` broken at blanks into lines of at most `width` characters. Line feeds in it stay; a longer word has
-// a line of its own.
+// `text` broken at blanks into lines of at most `width` characters. Line feeds in it stay; what is in
+// parentheses stays together; a longer word has its own line.
 std::string wrapped(const std::string& text, std::size_t width);
 
 // For pages of 80 columns: options with the kind of their value, then the explanation.

@@ -25,14 +25,14 @@ struct CheckOptions {
 
 constexpr const char* kFooter = R"(Examples:
   lightmotion check night.json                       the configuration alone
-  lightmotion check night.json --size 1280x720       also its regions on such frames
-  lightmotion check night.json --source street.mp4   also on the frames of this video
+  lightmotion check night.json --size 1280x720       with regions on such frames
+  lightmotion check night.json --source street.mp4   with regions on this video
 
 Exit status:
   0  no findings, or notes only
   1  warnings: a setting does not do what it appears to do
-  2  errors: the plug-in refuses the configuration or could never find anything, or
-     a file cannot be read
+  2  errors: the plug-in refuses the configuration or could never find anything,
+     or a file cannot be read
 )";
 
 enum CheckStatus { kFine = 0, kDoubtful = 1, kFaulty = 2 };

@@ -42,18 +42,21 @@ std::string command_fault(const CLI::App& app, const std::vector<std::string>& a
   return looks_like_source(first) ? fault + "; did you mean \"lightmotion run " + first + "\"?" : fault;
 }
 
+std::string replaced(std::string text, const std::string& from, const std::string& to) {
+  const std::size_t at = text.find(from);
+  return at == std::string::npos ? text : text.replace(at, from.size(), to);
+}
+
 std::string cause(const CLI::App& app, const CLI::ParseError& error) {
-  std::string text = error.what();
-  if (dynamic_cast<const CLI::ExcludesError*>(&error) != nullptr) {
-    const std::string verb = " excludes ";
-    if (const std::size_t at = text.find(verb); at != std::string::npos)
-      text.replace(at, verb.size(), " cannot be combined with ");
-    return text;
-  }
-  const bool expected =
-      dynamic_cast<const CLI::ExtrasError*>(&error) == nullptr && !app.get_subcommands().empty();
+  const std::string text = error.what();
+  if (dynamic_cast<const CLI::ExcludesError*>(&error) != nullptr)
+    return replaced(text, " excludes ", " cannot be combined with ");
+  if (dynamic_cast<const CLI::ArgumentMismatch*>(&error) != nullptr)
+    return replaced(text, ": 1 required ", ": ");
+  const bool unexpected =
+      dynamic_cast<const CLI::ExtrasError*>(&error) != nullptr || app.get_subcommands().empty();
   const std::vector<std::string> extra = app.remaining(true);
-  if (expected || extra.empty()) return text;
+  if (!unexpected || extra.empty()) return text;
   return (extra.front().starts_with('-') ? "unknown option " : "unexpected argument ") + extra.front();
 }
 

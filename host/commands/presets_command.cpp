@@ -24,10 +24,10 @@ Exit status:
 
 std::string list() {
   std::size_t widest = 0;
-  for (const detector::presets::Preset& preset : detector::presets::presets())
+  for (const detector::presets::Preset& preset : detector::presets::all())
     widest = std::max(widest, preset.name.size());
   std::string lines;
-  for (const detector::presets::Preset& preset : detector::presets::presets()) {
+  for (const detector::presets::Preset& preset : detector::presets::all()) {
     lines.append(preset.name).append(widest + 2 - preset.name.size(), ' ').append(preset.about).append("\n");
   }
   return lines;

@@ -7,9 +7,7 @@
 
 #include "host/base/notice.h"
 #include "host/commands/archive/archive.h"
-#include "host/commands/archive/archive_options.h"
 #include "host/commands/run/run.h"
-#include "host/commands/run/run_options.h"
 
 namespace lm::host::commands {
 namespace {
@@ -29,36 +27,36 @@ Exit status:
   130  stopped by Ctrl-C; the outputs are complete up to that point
 )";
 
-struct Asked {
-  run::RunOptions run;              // of the only source, or of each
-  archive::ArchiveOptions archive;  // many files when its folder is not empty
-};
-
-std::string complete(const CLI::App& command, Asked& asked) {
-  const std::string fault = archive::complete_archive_options(command, asked.archive);
-  if (!fault.empty()) return fault;
-  const std::vector<std::string>& sources = asked.archive.sources;
-  if (asked.archive.out.empty() && !sources.empty()) asked.run.source = sources.front();
-  return run::conflict(asked.run);
-}
-
-int work(const Asked& asked) {
-  base::show_plugin_log(asked.run.verbose);
-  return asked.archive.out.empty() ? run::run(asked.run) : archive::run_archive(asked.run, asked.archive);
+int work(const RunRequest& request) {
+  base::show_plugin_log(request.run.verbose);
+  return request.archive.out.empty() ? run::run(request.run)
+                                     : archive::run_archive(request.run, request.archive);
 }
 
 }  // namespace
 
+void add_run_request(CLI::App& command, RunRequest& request) {
+  run::add_run_options(command, request.run);
+  archive::add_archive_options(command, request.archive);
+}
+
+std::string complete(const CLI::App& command, RunRequest& request) {
+  const std::string fault = archive::complete_archive_options(command, request.archive);
+  if (!fault.empty()) return fault;
+  const std::vector<std::string>& sources = request.archive.sources;
+  if (request.archive.out.empty() && !sources.empty()) request.run.source = sources.front();
+  return run::conflict(request.run);
+}
+
 void add_run_command(CLI::App& app, std::function<int()>& chosen) {
   CLI::App* command = app.add_subcommand("run", "Find motion in a video");
-  const auto asked = std::make_shared<Asked>();
-  run::add_run_options(*command, asked->run);
-  archive::add_archive_options(*command, asked->archive);
+  const auto request = std::make_shared<RunRequest>();
+  add_run_request(*command, *request);
   command->footer(kFooter);
-  command->callback([command, asked, &chosen] {
-    const std::string fault = complete(*command, *asked);
+  command->callback([command, request, &chosen] {
+    const std::string fault = complete(*command, *request);
     if (!fault.empty()) throw CLI::ValidationError(fault);
-    chosen = [asked] { return work(*asked); };
+    chosen = [request] { return work(*request); };
   });
 }
 

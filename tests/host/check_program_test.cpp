@@ -122,7 +122,7 @@ TEST_F(CheckProgram, HasNothingInEffectWhereThereIsAnError) {
 }
 
 TEST_F(CheckProgram, FindsNothingInThePresets) {
-  for (const lm::host::detector::presets::Preset& preset : lm::host::detector::presets::presets())
+  for (const lm::host::detector::presets::Preset& preset : lm::host::detector::presets::all())
     EXPECT_EQ(check(preset.document, {"--size", "640x360"}).status, 0) << preset.name;
 }
 

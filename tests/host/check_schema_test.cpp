@@ -65,7 +65,7 @@ TEST(CheckSchema, MarksWhatCheckMarks) {
       R"({"roi": [{"points": [{"y": "0"}, {"x": "1", "y": "0"}, {"x": "1", "y": "1"}]}]})",
       R"({"roi": [{"nam": "a", "points": [{"x": 0, "y": 0}, {"x": "1", "y": "0"}, {"x": "1", "y": "1"}]}]})",
       R"({"roi": [{"points": [{"x": 320, "y": 0}, {"x": "1", "y": "0"}, {"x": "1", "y": "1"}]}]})"};
-  for (const lm::host::detector::presets::Preset& preset : lm::host::detector::presets::presets()) {
+  for (const lm::host::detector::presets::Preset& preset : lm::host::detector::presets::all()) {
     documents.push_back(preset.document);
     std::erase(documents.back(), '\n');
   }

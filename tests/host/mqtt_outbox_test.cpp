@@ -5,30 +5,24 @@
 
 namespace {
 
-using namespace lm::host::mqtt;
+using namespace lm::host::outputs::mqtt;
 using Payloads = std::vector<std::string>;
 
-lm::host::outputs::mqtt::Message milestone(const std::string& payload) {
-  return {lm::host::outputs::mqtt::MessageKind::kMilestone, "event/new", payload};
-}
-lm::host::outputs::mqtt::Message update(const std::string& payload) {
-  return {lm::host::outputs::mqtt::MessageKind::kUpdate, "event/update", payload};
-}
-lm::host::outputs::mqtt::Message standing(const std::string& topic, const std::string& payload) {
-  return {lm::host::outputs::mqtt::MessageKind::kStanding, topic, payload};
+Message milestone(const std::string& payload) { return {MessageKind::kMilestone, "event/new", payload}; }
+Message update(const std::string& payload) { return {MessageKind::kUpdate, "event/update", payload}; }
+Message standing(const std::string& topic, const std::string& payload) {
+  return {MessageKind::kStanding, topic, payload};
 }
 
-Payloads all_of(lm::host::outputs::mqtt::Outbox& outbox) {
+Payloads all_of(Outbox& outbox) {
   Payloads payloads;
-  while (const std::optional<lm::host::outputs::mqtt::Message> message = outbox.pop())
-    payloads.push_back(message->payload);
+  while (const std::optional<Message> message = outbox.pop()) payloads.push_back(message->payload);
   return payloads;
 }
 
 TEST(Outbox, GivesMessagesInTheirOrder) {
-  lm::host::outputs::mqtt::Outbox outbox(10);
-  for (const lm::host::outputs::mqtt::Message& message :
-       {milestone("1"), update("2"), standing("a", "3"), milestone("4")})
+  Outbox outbox(10);
+  for (const Message& message : {milestone("1"), update("2"), standing("a", "3"), milestone("4")})
     outbox.push(message);
   EXPECT_EQ(outbox.size(), 4U);
   EXPECT_EQ(outbox.pop(), milestone("1"));
@@ -37,8 +31,8 @@ TEST(Outbox, GivesMessagesInTheirOrder) {
 }
 
 TEST(Outbox, DropsTheOldestUpdateFirst) {
-  lm::host::outputs::mqtt::Outbox outbox(4);
-  for (const lm::host::outputs::mqtt::Message& message :
+  Outbox outbox(4);
+  for (const Message& message :
        {milestone("new"), update("u1"), update("u2"), milestone("end"), update("u3"), milestone("new 2")})
     outbox.push(message);
   EXPECT_EQ(all_of(outbox), (Payloads{"new", "end", "u3", "new 2"}));
@@ -47,9 +41,8 @@ TEST(Outbox, DropsTheOldestUpdateFirst) {
 }
 
 TEST(Outbox, DropsTheOldestMilestoneWhereThereAreOnlyThose) {
-  lm::host::outputs::mqtt::Outbox outbox(2);
-  for (const lm::host::outputs::mqtt::Message& message :
-       {milestone("1"), milestone("2"), milestone("3"), update("4"), milestone("5")})
+  Outbox outbox(2);
+  for (const Message& message : {milestone("1"), milestone("2"), milestone("3"), update("4"), milestone("5")})
     outbox.push(message);
   // "3" pushes "1" out, "4" pushes "2" out, "5" pushes "4" out.
   EXPECT_EQ(all_of(outbox), (Payloads{"3", "5"}));
@@ -58,29 +51,26 @@ TEST(Outbox, DropsTheOldestMilestoneWhereThereAreOnlyThose) {
 }
 
 TEST(Outbox, KeepsOnlyTheLastStandingMessageOfATopicAtItsPlace) {
-  lm::host::outputs::mqtt::Outbox outbox(10);
-  for (const lm::host::outputs::mqtt::Message& message :
+  Outbox outbox(10);
+  for (const Message& message :
        {standing("state", "ON"), milestone("new"), standing("other", "x"), standing("state", "OFF")})
     outbox.push(message);
   EXPECT_EQ(all_of(outbox), (Payloads{"new", "x", "OFF"}));
 }
 
 TEST(Outbox, DropsNoStandingMessageAndCountsNoneAgainstTheLimit) {
-  lm::host::outputs::mqtt::Outbox outbox(1);
-  for (const lm::host::outputs::mqtt::Message& message :
-       {standing("a", "a"), standing("b", "b"), milestone("1"), milestone("2")})
+  Outbox outbox(1);
+  for (const Message& message : {standing("a", "a"), standing("b", "b"), milestone("1"), milestone("2")})
     outbox.push(message);
   EXPECT_EQ(all_of(outbox), (Payloads{"a", "b", "2"}));
   EXPECT_EQ(outbox.drops().milestones, 1);
 }
 
 TEST(Outbox, RenewsStandingMessagesInFrontOfTheOthers) {
-  lm::host::outputs::mqtt::Outbox outbox(10);
-  for (const lm::host::outputs::mqtt::Message& message : {standing("a", "a1"), standing("b", "b1")})
-    outbox.push(message);
+  Outbox outbox(10);
+  for (const Message& message : {standing("a", "a1"), standing("b", "b1")}) outbox.push(message);
   EXPECT_EQ(all_of(outbox), (Payloads{"a1", "b1"}));
-  for (const lm::host::outputs::mqtt::Message& message : {milestone("new"), standing("a", "a2")})
-    outbox.push(message);
+  for (const Message& message : {milestone("new"), standing("a", "a2")}) outbox.push(message);
   outbox.renew_standing();
   EXPECT_EQ(all_of(outbox), (Payloads{"a2", "b1", "new"}));
 }

@@ -5,14 +5,27 @@
 #include <CLI/CLI.hpp>
 
 namespace program {
+namespace {
 
-lm::host::commands::run::RunOptions run_line(const std::vector<std::string>& arguments) {
+namespace commands = lm::host::commands;
+
+commands::RunRequest request(const std::vector<std::string>& arguments) {
   CLI::App run;
-  lm::host::commands::run::RunOptions options;
-  lm::host::commands::run::add_run_options(run, options);
+  commands::RunRequest request;
+  commands::add_run_request(run, request);
   EXPECT_NO_THROW(run.parse(std::vector<std::string>(arguments.rbegin(), arguments.rend())));
-  EXPECT_EQ(lm::host::commands::run::complete_run_options(run, options), "");
-  return options;
+  EXPECT_EQ(commands::complete(run, request), "");
+  return request;
+}
+
+}  // namespace
+
+commands::run::RunOptions run_line(const std::vector<std::string>& arguments) {
+  return request(arguments).run;
+}
+
+commands::archive::ArchiveOptions archive_line(const std::vector<std::string>& arguments) {
+  return request(arguments).archive;
 }
 
 }  // namespace program

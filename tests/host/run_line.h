@@ -4,11 +4,12 @@
 #include <string>
 #include <vector>
 
-#include "host/commands/run/run_options.h"
+#include "host/commands/run_command.h"
 
 namespace program {
 
-// `arguments`: after `run`. Fails the test when they are refused.
+// `arguments`: after `run`. Fail the test when they are refused.
 lm::host::commands::run::RunOptions run_line(const std::vector<std::string>& arguments);
+lm::host::commands::archive::ArchiveOptions archive_line(const std::vector<std::string>& arguments);
 
 }  // namespace program

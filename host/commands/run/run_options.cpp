@@ -56,9 +56,8 @@ void add_run_options(CLI::App& run, RunOptions& options) {
       ->check(detector::presets::is_preset)
       ->excludes(config);
   add("-o,--output", options.results, "FILE",
-      "Write the result lines to this file; - for standard output (the default, except on a terminal when "
-      "there "
-      "are other outputs)");
+      "Write the result lines to this file; - is standard output, the default except on a terminal with "
+      "other outputs");
   add("-a,--annotate", options.annotate, "FILE", "Write the video with the boxes drawn (.mp4, .mkv or .mov)")
       ->check([](const std::string& file) {
         return outputs::video_format(file) ? "" : "must end in .mp4, .mkv or .mov, not " + file;

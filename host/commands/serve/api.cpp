@@ -50,7 +50,7 @@ std::string parameter(const Query& query, const std::string& name) {
 
 Json::Value presets_value() {
   Json::Value list(Json::arrayValue);
-  for (const detector::presets::Preset& preset : detector::presets::presets()) {
+  for (const detector::presets::Preset& preset : detector::presets::all()) {
     Json::Value value;
     value["name"] = preset.name;
     value["about"] = preset.about;

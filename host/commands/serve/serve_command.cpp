@@ -34,7 +34,7 @@ constexpr int kGlance = 100;  // milliseconds
 
 constexpr const char* kFooter = R"(Examples:
   lightmotion serve                                  try it on the built-in scene
-  lightmotion serve street.mp4 --config street.json  draw regions, save them to street.json
+  lightmotion serve street.mp4 --config street.json  draw regions and save them
   lightmotion serve rtsp://192.168.1.20/main         watch a network camera
   lightmotion serve street.mp4 --host 0.0.0.0        open the page from other computers
 

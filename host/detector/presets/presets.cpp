@@ -26,20 +26,20 @@ std::vector<Preset> read_presets() {
 
 }  // namespace
 
-const std::vector<Preset>& presets() {
+const std::vector<Preset>& all() {
   static const std::vector<Preset> all = read_presets();
   return all;
 }
 
 const Preset* find_preset(const std::string& name) {
-  const auto found = std::ranges::find(presets(), name, &Preset::name);
-  return found == presets().end() ? nullptr : &*found;
+  const auto found = std::ranges::find(all(), name, &Preset::name);
+  return found == all().end() ? nullptr : &*found;
 }
 
 std::string is_preset(const std::string& name) {
   if (find_preset(name) != nullptr) return "";
   std::string known;
-  for (const Preset& preset : presets()) known.append(known.empty() ? "" : ", ").append(preset.name);
+  for (const Preset& preset : all()) known.append(known.empty() ? "" : ", ").append(preset.name);
   return "must be one of " + known + ", not " + name;
 }
 

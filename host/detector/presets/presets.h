@@ -13,7 +13,7 @@ struct Preset {
 };
 
 // In the order in which they are listed.
-const std::vector<Preset>& presets();
+const std::vector<Preset>& all();
 
 // None of that name: a null pointer.
 const Preset* find_preset(const std::string& name);

@@ -49,7 +49,7 @@ function showProblem(problem) {
   const reason = reasons[problem.status];
   if (reason) tell(problem.status === 403 ? `${reason} ${problem.message}` : reason);
   else if (problem.status) tell(`The program reports: ${problem.message}`);
-  else tell("Connection to the program lost. Reconnecting…");
+  else tell("The connection to the program was lost. Reconnecting…");
 }
 
 // ---- what comes from the program ----------------------------------------------------------------------------
