@@ -1,5 +1,6 @@
 #include "host/archive/archive_options.h"
 
+#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <array>
 #include <cmath>

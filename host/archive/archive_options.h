@@ -1,10 +1,13 @@
 // What belongs to runs over many files on the command line.
 #pragma once
 
-#include <CLI/CLI.hpp>
 #include <chrono>
 #include <string>
 #include <vector>
+
+namespace CLI {
+class App;
+}
 
 namespace lm::host {
 
