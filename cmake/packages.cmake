@@ -39,7 +39,7 @@ set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS_POLICY ">=")
 # dpkg's trigger registers the library with the dynamic linker. CPack would write scripts that do so as well, unless
 # their names stand in this list; it passes over files that do not exist, with a warning.
 set(CPACK_DEBIAN_LIBRARY_PACKAGE_CONTROL_EXTRA
-    ${CMAKE_SOURCE_DIR}/packaging/symbols ${CMAKE_SOURCE_DIR}/packaging/triggers not-wanted/postinst not-wanted/postrm)
+    ${PROJECT_SOURCE_DIR}/packaging/symbols ${PROJECT_SOURCE_DIR}/packaging/triggers not-wanted/postinst not-wanted/postrm)
 
 package(development liblightmotion-dev libdevel "liblightmotion1 (= ${PROJECT_VERSION}), libjsoncpp-dev"
         "motion detection for video (development files)" "${what}
