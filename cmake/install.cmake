@@ -36,8 +36,8 @@ install(EXPORT lightmotion NAMESPACE lightmotion:: FILE lightmotion-targets.cmak
         DESTINATION ${cmake_folder} COMPONENT development)
 configure_package_config_file(packaging/lightmotion-config.cmake.in lightmotion-config.cmake
                               INSTALL_DESTINATION ${cmake_folder} NO_CHECK_REQUIRED_COMPONENTS_MACRO)
-write_basic_package_version_file(${CMAKE_BINARY_DIR}/lightmotion-config-version.cmake COMPATIBILITY SameMajorVersion)
-install(FILES ${CMAKE_BINARY_DIR}/lightmotion-config.cmake ${CMAKE_BINARY_DIR}/lightmotion-config-version.cmake
+write_basic_package_version_file(${PROJECT_BINARY_DIR}/lightmotion-config-version.cmake COMPATIBILITY SameMajorVersion)
+install(FILES ${PROJECT_BINARY_DIR}/lightmotion-config.cmake ${PROJECT_BINARY_DIR}/lightmotion-config-version.cmake
         DESTINATION ${cmake_folder} COMPONENT development)
 
 # Written while installing, because only then the prefix is known for certain.
@@ -46,9 +46,9 @@ install(CODE "
   set(description \"${PROJECT_DESCRIPTION}\")
   set(libdir ${CMAKE_INSTALL_LIBDIR})
   set(includedir ${CMAKE_INSTALL_INCLUDEDIR})
-  configure_file(${CMAKE_SOURCE_DIR}/packaging/lightmotion.pc.in ${CMAKE_BINARY_DIR}/lightmotion.pc @ONLY)"
+  configure_file(${PROJECT_SOURCE_DIR}/packaging/lightmotion.pc.in ${PROJECT_BINARY_DIR}/lightmotion.pc @ONLY)"
   COMPONENT development)
-install(FILES ${CMAKE_BINARY_DIR}/lightmotion.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)
+install(FILES ${PROJECT_BINARY_DIR}/lightmotion.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)
 
 set(examples ${CMAKE_INSTALL_DATADIR}/doc/liblightmotion-dev/examples)
 install(DIRECTORY examples/c examples/cpp DESTINATION ${examples} COMPONENT development)
@@ -77,14 +77,14 @@ function(compressed source target)
   add_custom_command(OUTPUT ${target} COMMAND gzip -9nc ${source} > ${target} DEPENDS ${source} VERBATIM)
 endfunction()
 
-set(man_page ${CMAKE_BINARY_DIR}/lightmotion.1)
+set(man_page ${PROJECT_BINARY_DIR}/lightmotion.1)
 configure_file(packaging/lightmotion.1.in ${man_page} @ONLY)
 compressed(${man_page} ${man_page}.gz)
 
-set(changelog ${CMAKE_BINARY_DIR}/changelog)
-set(to_debian ${CMAKE_SOURCE_DIR}/packaging/debian_changelog.awk)
+set(changelog ${PROJECT_BINARY_DIR}/changelog)
+set(to_debian ${PROJECT_SOURCE_DIR}/packaging/debian_changelog.awk)
 add_custom_command(OUTPUT ${changelog}
-  COMMAND awk -v maintainer=${LIGHTMOTION_MAINTAINER} -f ${to_debian} ${CMAKE_SOURCE_DIR}/CHANGELOG.md > ${changelog}
+  COMMAND awk -v maintainer=${LIGHTMOTION_MAINTAINER} -f ${to_debian} ${PROJECT_SOURCE_DIR}/CHANGELOG.md > ${changelog}
   DEPENDS ${to_debian} CHANGELOG.md VERBATIM)
 compressed(${changelog} ${changelog}.gz)
 add_custom_target(lightmotion_papers ALL DEPENDS ${man_page}.gz ${changelog}.gz)

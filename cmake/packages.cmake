@@ -37,7 +37,7 @@ set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS_POLICY ">=")
 # dpkg's trigger registers the library with the dynamic linker. Listing the names of missing scripts keeps CPack from
 # generating scripts that do the same; it skips missing files with a warning.
 set(CPACK_DEBIAN_LIBRARY_PACKAGE_CONTROL_EXTRA
-    ${CMAKE_SOURCE_DIR}/packaging/symbols ${CMAKE_SOURCE_DIR}/packaging/triggers not-wanted/postinst not-wanted/postrm)
+    ${PROJECT_SOURCE_DIR}/packaging/symbols ${PROJECT_SOURCE_DIR}/packaging/triggers not-wanted/postinst not-wanted/postrm)
 
 package(development liblightmotion-dev libdevel "liblightmotion1 (= ${PROJECT_VERSION}), libjsoncpp-dev"
         "motion detection for video (development files)" "${what}

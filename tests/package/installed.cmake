@@ -9,16 +9,16 @@ find_package(Python3 REQUIRED COMPONENTS Interpreter)
 set(installed_prefix ${CMAKE_CURRENT_BINARY_DIR}/prefix)
 set(installed_packages ${CMAKE_CURRENT_BINARY_DIR}/packages)
 add_test(NAME installed.by_cmake COMMAND sh ${CMAKE_CURRENT_SOURCE_DIR}/afresh.sh ${installed_prefix}
-         ${CMAKE_COMMAND} --install ${CMAKE_BINARY_DIR} --prefix ${installed_prefix})
+         ${CMAKE_COMMAND} --install ${PROJECT_BINARY_DIR} --prefix ${installed_prefix})
 add_test(NAME packages.by_cpack COMMAND sh ${CMAKE_CURRENT_SOURCE_DIR}/afresh.sh ${installed_packages}
-         ${CMAKE_CPACK_COMMAND} --config ${CMAKE_BINARY_DIR}/CPackConfig.cmake -B ${installed_packages})
+         ${CMAKE_CPACK_COMMAND} --config ${PROJECT_BINARY_DIR}/CPackConfig.cmake -B ${installed_packages})
 set_tests_properties(installed.by_cmake PROPERTIES FIXTURES_SETUP installation RESOURCE_LOCK install)
 set_tests_properties(packages.by_cpack PROPERTIES FIXTURES_SETUP packages RESOURCE_LOCK install)
 
 # usage: python_test(NAME SCRIPT FIXTURE): a script that looks at the installation, or at the packages.
 function(python_test name script fixture)
   add_test(NAME ${name} COMMAND ${Python3_EXECUTABLE} -B ${CMAKE_CURRENT_SOURCE_DIR}/${script})
-  set(variables PYTHONPATH=${CMAKE_SOURCE_DIR} LIGHTMOTION_PREFIX=${installed_prefix}
+  set(variables PYTHONPATH=${PROJECT_SOURCE_DIR} LIGHTMOTION_PREFIX=${installed_prefix}
       LIGHTMOTION_PACKAGES=${installed_packages} LIGHTMOTION_ARCH=${CMAKE_LIBRARY_ARCHITECTURE}
       LIGHTMOTION_VERSION=${PROJECT_VERSION})
   set_tests_properties(${name} PROPERTIES FIXTURES_REQUIRED ${fixture} ENVIRONMENT "${variables}")

@@ -1,8 +1,7 @@
 // A browser for the tests of one file, and windows on the page that remember what the program sent them.
-import { createRequire } from "node:module";
 import { after, before } from "node:test";
+import { launch } from "./chromium.js";
 
-const { chromium } = createRequire(process.env.LIGHTMOTION_MODULES)("playwright-core");
 const received = new WeakMap();
 let browser = null;
 
@@ -11,7 +10,7 @@ export const framesOf = (page) => received.get(page);
 
 export function useBrowser() {
   before(async () => {
-    browser = await chromium.launch({ executablePath: "/usr/bin/chromium", args: ["--no-sandbox"] });
+    browser = await launch();
   });
   after(() => browser.close());
 }
