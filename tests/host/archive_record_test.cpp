@@ -1,9 +1,9 @@
 // What an archive run writes down and shows of its files.
 #include <gtest/gtest.h>
 
+#include "host/base/child.h"
 #include "host/commands/archive/archive_options.h"
 #include "host/commands/archive/archive_progress.h"
-#include "host/commands/archive/child.h"
 #include "host/commands/archive/file_run.h"
 #include "host/commands/archive/record.h"
 #include "host/commands/archive/table.h"
@@ -12,6 +12,7 @@
 
 namespace {
 
+using namespace lm::host::base;
 using namespace lm::host::commands::archive;
 using namespace lm::host::commands::run;
 using namespace std::chrono_literals;

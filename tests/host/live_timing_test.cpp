@@ -1,8 +1,8 @@
 // Waiting, backing off and choosing frames, with clocks and chance of the tests' own.
 #include <gtest/gtest.h>
 
+#include "host/base/back_off.h"
 #include "host/base/deadline.h"
-#include "host/source/live/back_off.h"
 #include "host/source/live/frame_picker.h"
 #include "host/source/live/newest_frame.h"
 #include "host/source/live/scale.h"

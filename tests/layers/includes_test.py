@@ -7,6 +7,8 @@ import sys
 # Plain data that all parts of the library pass on.
 RECORDS = ["config/polygon.h", "objects/box.h", "objects/component.h"]
 
+BELOW_COMMANDS = ["host/base", "host/source", "host/detector", "host/events", "host/outputs"]
+
 # From the bottom to the top: a row lists only rows above it.
 MAY_INCLUDE = {
     "base": [],
@@ -15,6 +17,18 @@ MAY_INCLUDE = {
     "objects": ["base", "simd", "engine", *RECORDS],
     "config": ["base", "simd/samples.h", "engine", *RECORDS],
     "plugin": ["base", "engine", "objects", "config"],
+    # The program: it drives the library by its entry points, and `check` reads the tables of its configuration.
+    "host/base": [],
+    "host/source": ["host/base"],
+    "host/detector": ["host/base", "host/source", "base", "config", "engine/rules.h", "plugin/entry_points.h"],
+    "host/events": ["host/base", "host/source", "host/detector", "config"],
+    "host/outputs": ["host/base", "host/source", "host/events"],
+    "host/commands/run": [*BELOW_COMMANDS],
+    "host/commands/archive": [*BELOW_COMMANDS, "host/commands/run"],
+    "host/commands/serve": [*BELOW_COMMANDS],
+    "host/commands/tune": [*BELOW_COMMANDS],
+    "host/commands": [*BELOW_COMMANDS, "host/commands/run", "host/commands/archive", "host/commands/serve",
+                      "host/commands/tune"],
 }
 
 

@@ -15,11 +15,11 @@
 #include <system_error>
 #include <utility>
 
+#include "host/base/child.h"
 #include "host/base/failure.h"
 #include "host/base/interrupt.h"
 #include "host/base/whole_file.h"
 #include "host/commands/archive/archive_progress.h"
-#include "host/commands/archive/child.h"
 #include "host/commands/archive/file_list.h"
 #include "host/commands/archive/file_run.h"
 #include "host/commands/archive/folder_name.h"
@@ -161,7 +161,7 @@ class ArchiveRun {
         continue;
       }
       // Ctrl-C reaches the children too, and their results are then incomplete.
-      if (base::interrupted() == 0 || exit_status(status) <= base::kTrouble) {
+      if (base::interrupted() == 0 || base::exit_status(status) <= base::kTrouble) {
         state_.bytes_done += run->bytes();
         done(run->finish(status), true);
       }

@@ -7,11 +7,11 @@
 #include <string_view>
 #include <utility>
 
+#include "host/base/child.h"
 #include "host/base/failure.h"
 #include "host/base/time_text.h"
 #include "host/base/whole_file.h"
 #include "host/commands/archive/archive_options.h"
-#include "host/commands/archive/child.h"
 #include "host/commands/archive/folder_name.h"
 
 namespace lm::host::commands::archive {
@@ -75,7 +75,7 @@ FileRun::FileRun(const ArchiveSettings& settings, const std::string& path, const
       path_(path),
       source_(source),
       folder_(std::move(folder)),
-      process_(start_child(arguments_for(settings, folder_.path(), path), folder_.path() + kMessages)) {
+      process_(base::start_child(arguments_for(settings, folder_.path(), path), folder_.path() + kMessages)) {
   if (settings.file_timeout > std::chrono::microseconds(0)) deadline_.allow(settings.file_timeout);
 }
 
@@ -84,21 +84,22 @@ void FileRun::keep_time() {
 }
 
 TableRow FileRun::finish(int status) {
-  if (deadline_.passed() && exit_status(status) > base::kTrouble) {
+  if (deadline_.passed() && base::exit_status(status) > base::kTrouble) {
     const std::string time = base::seconds_text(settings_.file_timeout);
     return {path_, Outcome::kFailed, std::nullopt, "",
             "time limit of " + time + " s exceeded (--file-timeout)"};
   }
   const std::string messages = replaced(base::read_text(folder_.path() + kMessages).value_or(""),
                                         folder_.path(), folder_.final_path());
-  TableRow row{path_, Outcome::kFailed, std::nullopt, "", cause_of(messages, exit_status(status), path_)};
+  TableRow row{path_, Outcome::kFailed, std::nullopt, "",
+               base::cause_of(messages, base::exit_status(status), path_)};
   // A run that wrote its figures has completed its outputs.
   const std::optional<run::Figures> figures = run::read_figures(folder_.path() + kFigures);
-  if (!figures || exit_status(status) > base::kTrouble) return row;
+  if (!figures || base::exit_status(status) > base::kTrouble) return row;
   row.figures = figures;
-  row.outcome = outcome_of(exit_status(status));
+  row.outcome = outcome_of(base::exit_status(status));
   try {
-    return keep(row, exit_status(status));
+    return keep(row, base::exit_status(status));
   } catch (const base::Failure& failure) {
     return {path_, Outcome::kFailed, std::nullopt, "", failure.what()};
   }

@@ -14,10 +14,10 @@
 #include <utility>
 #include <vector>
 
+#include "host/base/child.h"
 #include "host/base/deadline.h"
 #include "host/base/failure.h"
 #include "host/base/time_text.h"
-#include "host/commands/archive/child.h"
 #include "host/commands/serve/wire.h"
 
 namespace lm::host::commands::serve {
@@ -99,7 +99,7 @@ int DetectorProcess::end() {
   kill(process_, SIGKILL);  // no effect if it has exited already
   int status = 0;
   waitpid(std::exchange(process_, -1), &status, 0);
-  return archive::exit_status(status);
+  return base::exit_status(status);
 }
 
 void DetectorProcess::restart() { ask(document_, nullptr, 0); }
@@ -136,7 +136,7 @@ void DetectorProcess::fail(bool too_late) {
   if (too_late)
     throw base::Failure(base::kTrouble,
                         "no answer from the detector for " + base::seconds_text(kind_.patience) + " s");
-  throw base::Failure(base::kTrouble, "the detector failed: " + archive::cause_of("", status, ""));
+  throw base::Failure(base::kTrouble, "the detector failed: " + base::cause_of("", status, ""));
 }
 
 }  // namespace lm::host::commands::serve

@@ -10,7 +10,7 @@ namespace lm::host::commands::serve {
 Player::Player(PlayerPlan plan, const std::string& document)
     : plan_(std::move(plan)),
       source_(source::open_source(plan_.source, plan_.reading.reading, source_stop_)),
-      back_off_(source::live::real_chance()),
+      back_off_(base::real_chance()),
       showcase_(source_->info().pixel_aspect) {
   source_->tell([this](const std::string& text) { tell(away_, text); });
   info_ = state_.source = source_->info();

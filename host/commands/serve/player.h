@@ -12,13 +12,13 @@
 #include <string>
 #include <thread>
 
+#include "host/base/back_off.h"
 #include "host/commands/serve/detector_process.h"
 #include "host/commands/serve/event_log.h"
 #include "host/commands/serve/pace.h"
 #include "host/commands/serve/showcase.h"
 #include "host/events/event_options.h"
 #include "host/events/event_watch.h"
-#include "host/source/live/back_off.h"
 #include "host/source/live/live_options.h"
 #include "host/source/source.h"
 
@@ -129,7 +129,7 @@ class Player {
   std::optional<events::EventWatch> events_;
   std::optional<source::Frame> frame_;  // read, and not yet shown
   Pace pace_;
-  source::live::BackOff back_off_;
+  base::BackOff back_off_;
   Time show_from_{0};                             // what comes before is for the detector to learn from
   bool owing_ = true;                             // a picture, even when the video rests
   bool heard_ = false;                            // a frame, since the source was opened

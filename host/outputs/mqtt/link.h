@@ -7,9 +7,9 @@
 #include <memory>
 #include <string>
 
+#include "host/base/back_off.h"
 #include "host/outputs/mqtt/address.h"
 #include "host/outputs/mqtt/mailbox.h"
-#include "host/source/live/back_off.h"
 
 namespace lm::host::outputs::mqtt {
 
@@ -49,7 +49,7 @@ class Link {
   Address address_;
   std::shared_ptr<Mailbox> mailbox_;
   std::unique_ptr<mosquitto, Free> client_;
-  source::live::BackOff back_off_{source::live::real_chance()};
+  base::BackOff back_off_{base::real_chance()};
   Clock::time_point last_attempt_{};
   Clock::time_point next_attempt_{};
   std::string refusal_;        // the broker's reason

@@ -14,7 +14,7 @@ namespace {
 using namespace std::chrono_literals;
 
 // A connection that lasted this long is good: after its loss, the back-off starts over.
-constexpr auto kGoodConnection = BackOff::kLongest;
+constexpr auto kGoodConnection = base::BackOff::kLongest;
 
 // Signals do not end a wait, so they are polled at this interval.
 constexpr auto kGlance = 100ms;

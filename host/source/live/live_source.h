@@ -11,8 +11,8 @@
 #include <string>
 #include <thread>
 
+#include "host/base/back_off.h"
 #include "host/base/deadline.h"
-#include "host/source/live/back_off.h"
 #include "host/source/live/newest_frame.h"
 #include "host/source/live/shedding.h"
 #include "host/source/source.h"
@@ -30,7 +30,7 @@ class LiveSource : public Source {
   struct Surroundings {
     base::Deadline::Now now = base::Deadline::Clock::now;
     std::function<void(std::chrono::milliseconds, std::stop_token)> wait;
-    BackOff::Chance chance = real_chance();
+    base::BackOff::Chance chance = base::real_chance();
     Surroundings();
   };
 
@@ -63,7 +63,7 @@ class LiveSource : public Source {
   std::optional<Time> patience_;
   std::stop_source stop_;
   Surroundings surroundings_;
-  BackOff back_off_;
+  base::BackOff back_off_;
 
   // Where this connection's count of time and frames begins, and what its first frame has to tell.
   Time first_time_{0};

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-namespace lm::host::commands::archive {
+namespace lm::host::base {
 
 // Starts this very program with these arguments. What it prints goes to `messages`, and it is killed when
 // this process dies. Throws Failure (kTrouble) when it cannot be started.
@@ -19,4 +19,4 @@ int exit_status(int status);
 // the source's names are left out, since whoever reports it names them, and so are warnings.
 std::string cause_of(const std::string& messages, int status, const std::string& source);
 
-}  // namespace lm::host::commands::archive
+}  // namespace lm::host::base

@@ -1,4 +1,4 @@
-#include "host/commands/archive/child.h"
+#include "host/base/child.h"
 
 #include <fcntl.h>
 #include <sys/prctl.h>
@@ -13,7 +13,7 @@
 
 #include "host/base/failure.h"
 
-namespace lm::host::commands::archive {
+namespace lm::host::base {
 namespace {
 
 constexpr int kNotStarted = 127;
@@ -47,7 +47,7 @@ pid_t start_child(const std::vector<std::string>& arguments, const std::string& 
   const pid_t child = fork();
   if (child == 0) become(words.data(), messages.c_str(), parent);
   if (child < 0) {
-    throw base::Failure(base::kTrouble, "cannot start a process: " + std::generic_category().message(errno));
+    throw Failure(kTrouble, "cannot start a process: " + std::generic_category().message(errno));
   }
   return child;
 }
@@ -55,13 +55,13 @@ pid_t start_child(const std::vector<std::string>& arguments, const std::string& 
 int exit_status(int status) { return WIFSIGNALED(status) ? 128 + WTERMSIG(status) : WEXITSTATUS(status); }
 
 std::string cause_of(const std::string& messages, int status, const std::string& source) {
-  if (status == base::kDone) return "";
+  if (status == kDone) return "";
   if (status > 128) {
     const char* name = sigdescr_np(status - 128);
     return std::string("the process was terminated by a signal: ") + (name != nullptr ? name : "unknown");
   }
   const std::string program = "lightmotion: ";
-  const std::string named = base::one_line(source) + ": ";
+  const std::string named = one_line(source) + ": ";
   std::string cause;
   std::istringstream lines(messages);
   for (std::string line; std::getline(lines, line);) {
@@ -72,4 +72,4 @@ std::string cause_of(const std::string& messages, int status, const std::string&
   return cause.empty() ? "the process exited with status " + std::to_string(status) : cause;
 }
 
-}  // namespace lm::host::commands::archive
+}  // namespace lm::host::base

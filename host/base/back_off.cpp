@@ -1,10 +1,10 @@
-#include "host/source/live/back_off.h"
+#include "host/base/back_off.h"
 
 #include <algorithm>
 #include <memory>
 #include <random>
 
-namespace lm::host::source::live {
+namespace lm::host::base {
 
 BackOff::Time BackOff::next() {
   const Time most = next_;
@@ -17,4 +17,4 @@ BackOff::Chance real_chance() {
   return [random] { return std::uniform_real_distribution<double>()(*random); };
 }
 
-}  // namespace lm::host::source::live
+}  // namespace lm::host::base

@@ -5,7 +5,7 @@
 #include <functional>
 #include <utility>
 
-namespace lm::host::source::live {
+namespace lm::host::base {
 
 // Twice as long after each attempt, up to a limit, and each time between half of that and all of it, by
 // chance: the cameras behind a switch that was restarted are not all asked at the same moment.
@@ -30,4 +30,4 @@ class BackOff {
 // From the system's source of random numbers.
 BackOff::Chance real_chance();
 
-}  // namespace lm::host::source::live
+}  // namespace lm::host::base
