@@ -16,9 +16,9 @@ namespace lm::host::commands {
 namespace {
 
 constexpr const char* kFooter = R"(Examples:
-  lightmotion run                                    try it on the built-in scene
+  lightmotion run                                    try the built-in scene
   lightmotion run street.mp4 --report street.html    a page with every event
-  lightmotion serve street.mp4                       watch and configure in a browser
+  lightmotion serve street.mp4                       watch and configure
 
 "lightmotion COMMAND --help" shows the options and more examples of a command.
 )";

@@ -130,7 +130,7 @@ TEST(Page, TellsTheFigures) {
   for (const char* text :
        {"<dd>2<small>1 motion, 1 lighting</small>", "<dd>2.5 s<small>12 % of the video</small>",
         "<dd>20.0 s<small>500 frames, 100 with boxes</small>",
-        "<dd>250 fps<small>10 × real time, 2.0 s</small>", "64 × 48 pixels, 25 frames a second"}) {
+        "<dd>250 fps<small>10 × real time, 2.0 s</small>", "64 × 48 pixels, 25 frames per second"}) {
     EXPECT_NE(html.find(text), std::string::npos) << text;
   }
 }

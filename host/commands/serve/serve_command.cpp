@@ -33,10 +33,10 @@ namespace {
 constexpr int kGlance = 100;  // milliseconds
 
 constexpr const char* kFooter = R"(Examples:
-  lightmotion serve                                  try it on the built-in scene
+  lightmotion serve                                  the built-in scene
   lightmotion serve street.mp4 --config street.json  draw regions and save them
   lightmotion serve rtsp://192.168.1.20/main         watch a network camera
-  lightmotion serve street.mp4 --host 0.0.0.0        open the page from other computers
+  lightmotion serve street.mp4 --host 0.0.0.0        open to other computers
 
 Exit status:
   0  stopped by Ctrl-C

@@ -12,7 +12,7 @@ namespace {
 constexpr const char* kFooter = R"(Examples:
   lightmotion tune hall.mp4 -o hall.json             settings for this camera
   lightmotion tune hall.mp4 --config old.json -o new.json
-                                                     keep the regions of old.json
+                                                     keep its regions
   lightmotion tune hall.mp4 --quiet 0-20 --motion 31-36 --picture hall.png
                                                      mark what the video shows
 
