@@ -11,6 +11,8 @@ namespace orders {
 namespace {
 
 bool withEngine(const Pair& pair) { return pair.hasEngine(); }
+// Most engines are configured before their first frame.
+bool unsized(const Pair& pair) { return pair.hasEngine() && !pair.hasTables(); }
 
 std::string anyEntry(Dice& dice) {
   struct Key {
@@ -145,6 +147,7 @@ std::vector<polygon> polygonsOf(const std::vector<plain::Region>& regions) {
 std::vector<Operation> configurationOperations() {
   return {
       {"setParam", 25, withEngine, setParam},
+      {"setParam", 800, unsized, setParam},
       {"ParserParams", 5, withEngine, parameterFile},
   };
 }

@@ -34,8 +34,8 @@ std::vector<T> blobs(const Pair& pair, Dice& dice, const std::vector<T>& values)
   for (int k = dice.below(9); k > 0; --k) {
     const T value = dice.oneOf(values);
     const std::size_t first = static_cast<std::size_t>(dice.below(static_cast<int>(map.size())));
-    const std::size_t columns = static_cast<std::size_t>(dice.between(1, 24));
-    const std::size_t rows = static_cast<std::size_t>(dice.between(1, 20));
+    const std::size_t columns = static_cast<std::size_t>(dice.between(1, 50));
+    const std::size_t rows = static_cast<std::size_t>(dice.between(1, 30));
     for (std::size_t i = first; i < map.size() && (i - first) / width < rows; ++i) {
       if ((i - first) % width < columns) map[i] = value;
     }
@@ -112,7 +112,7 @@ std::string morph(Pair& pair, Dice& dice, std::string& call) {
 
 std::vector<Operation> objectOperations() {
   return {
-      {"genFgObj_ncv", 60, withPixels, extract},
+      {"genFgObj_ncv", 120, withPixels, extract},
       {"connectedComponent", 15, withPixels, label},
       {"morphology", 30, withPixels, morph},
   };
