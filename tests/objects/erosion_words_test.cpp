@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <climits>
 
+#include "engine/engine_state.h"
 #include "tests/objects/speckle.h"
 #include "tests/support/engine_fixture.h"
 
@@ -100,8 +101,10 @@ TEST(ErosionShapes, EngineThatWasSizedAgainForgetsTheFormerShape) {
   SizedEngine wide(130, 9, 1);
   Bytes mask(130 * 9, 1);
   wide.erode_ncv_fast(mask.data(), 1, 0, 3);
+  wide.destoryBuffer();
   wide.szImgX = 65;  // as many pixels, in rows half as wide
   wide.szImgY = 18;
+  wide.initBuffer_ncv();
   mask.assign(130 * 9, 1);
   mask[65 * 5 + 64] = 0;
   const Eroded expected = eroded(mask, 65, {1, 0, 3});
@@ -112,7 +115,7 @@ TEST(ErosionShapes, EngineThatWasSizedAgainForgetsTheFormerShape) {
 // 3 rows of 5 pixels and one of 2, as a frame whose sizes do not multiply to its pixels has.
 TEST(ErosionShapes, LastRowMayBeShort) {
   SizedEngine engine(17, 1, 1);
-  engine.szImgX = 5;
+  stateOf(engine).nbrWidth = 5;
   Bytes mask(17, 1);
   mask[16] = 0;
   engine.erode_ncv_fast(mask.data(), 1, 0, 1);
