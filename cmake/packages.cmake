@@ -56,6 +56,9 @@ if(LIGHTMOTION_HOST)
 This package holds the program that shows the plug-in at work on files, streams
 and cameras, and draws the boxes into a video.")
   set(CPACK_DEBIAN_PROGRAM_PACKAGE_SHLIBDEPS ON)
+  # Loaded when a local camera is named. The number is that of the libavformat that the program is built with.
+  string(REGEX REPLACE "\\..*" "" ffmpeg_number "${FFMPEG_libavformat_VERSION}")
+  set(CPACK_DEBIAN_PROGRAM_PACKAGE_SUGGESTS libavdevice${ffmpeg_number})
 endif()
 
 include(CPack)
