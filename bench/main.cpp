@@ -10,7 +10,7 @@
 #include "bench/requirements.h"
 #include "bench/scene.h"
 #include "bench/sections/sections.h"
-#include "host/plugin.h"
+#include "host/detector/plugin.h"
 
 namespace {
 
@@ -49,7 +49,7 @@ void describe(CLI::App& app, Options& options) {
 Plan plan_of(const Options& options) {
   Plan plan{options.libraries, options.scenes, {}, options.frames};
   if (plan.libraries.plugin.empty()) {
-    plan.libraries.plugin = lm::host::find_plugin("", lm::host::program_folder());
+    plan.libraries.plugin = lm::host::detector::find_plugin("", lm::host::detector::program_folder());
   }
   std::ranges::transform(options.sizes, std::back_inserter(plan.sizes), size_of);
   return plan;

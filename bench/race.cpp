@@ -4,7 +4,7 @@
 #include <chrono>
 #include <numeric>
 
-#include "host/standard_streams.h"
+#include "host/base/standard_streams.h"
 
 namespace lm::bench {
 namespace {
@@ -61,7 +61,7 @@ double milliseconds_of(const std::function<void()>& work) {
 }
 
 std::vector<Lap> race(const std::vector<Candidate>& candidates, const Scene& scene, Rounds rounds) {
-  const host::CapturedStream chatter(stderr);  // what libraries say on their first frame
+  const host::base::CapturedStream chatter(stderr);  // what libraries say on their first frame
   std::vector<Runner> runners;
   runners.reserve(candidates.size());
   for (const Candidate& candidate : candidates) runners.emplace_back(candidate, scene.opening.size());

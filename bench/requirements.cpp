@@ -50,12 +50,12 @@ constexpr Requirement kRequirements[] = {
      [](const Records& r) { return against(r, "storm", "MOG2", "mask_ms"); }},
     {"first frame / a later one of MOG2", 10, 5,
      [](const Records& r) { return r.value("first_frame", "quiet", text_of(kFullHd), kPlugin, "per_mog2"); }},
-    {"peak memory, bytes a pixel", 310, 290,
+    {"peak memory, bytes per pixel", 310, 290,
      [](const Records& r) {
        return r.value("memory", "busy", text_of(kFullHd), kPlugin, "bytes_per_pixel");
      }},
-    {"time a pixel, 3840x2160 / 640x480", 2, 1.5, growth_with_size},
-    {"1000 objects, ms beyond none", 4, 1,
+    {"time per pixel, 3840x2160 / 640x480", 2, 1.5, growth_with_size},
+    {"1000 objects, ms more than none", 4, 1,
      [](const Records& r) { return r.value("objects", "", text_of(kFullHd), "1000", "beyond_none_ms"); }},
     {"street: region of a tenth / whole", 0.6, 0.4,
      [](const Records& r) { return tenth_of_the_frame(r, "street"); }},

@@ -6,7 +6,7 @@
 #include <stdexcept>
 
 #include "bench/scene.h"
-#include "host/source.h"
+#include "host/source/source.h"
 
 namespace lm::bench {
 namespace {
@@ -30,9 +30,9 @@ std::string street_origin() {
 
 // Forwards, then backwards, so that nothing jumps where the ring closes.
 Scene make_street(cv::Size size) {
-  const auto source = host::open_source(street_file());
+  const auto source = host::source::open_source(street_file());
   Scene scene;
-  host::Frame frame;
+  host::source::Frame frame;
   for (int n = 0; n < kSkipped + kFrames; ++n) {
     if (!source->next(frame)) throw std::runtime_error("the street is too short");
     if (n < kSkipped - 1) continue;

@@ -9,7 +9,7 @@ include(GNUInstallDirs)
 include(CMakePackageConfigHelpers)
 
 set(LIGHTMOTION_MAINTAINER "lightmotion developers <developers@lightmotion.invalid>"
-    CACHE STRING "Who stands behind the packages")
+    CACHE STRING "Maintainer of the packages")
 
 # The headers that declare an exported name, and the records that these use. They include each other from the root of
 # the tree, which they keep below include/lightmotion. The API pages are made from the same list.
@@ -18,7 +18,7 @@ set(LIGHTMOTION_PUBLIC_HEADERS
   config/polygon.h
   engine/kamble.h
   objects/box.h objects/component.h objects/morphology.h objects/region_names.h
-  simd/cpu_level.h simd/simd.h)
+  simd/cpu_level.h simd/samples.h simd/simd.h)
 
 # ---- library and development files --------------------------------------------------------------------------
 set(cmake_folder ${CMAKE_INSTALL_LIBDIR}/cmake/lightmotion)
@@ -64,7 +64,7 @@ if(LIGHTMOTION_HOST)
           DESTINATION ${data}/zsh/vendor-completions COMPONENT program)
   install(FILES packaging/completion/lightmotion.fish
           DESTINATION ${data}/fish/vendor_completions.d COMPONENT program)
-  install(DIRECTORY host/presets DESTINATION ${data}/lightmotion COMPONENT program FILES_MATCHING PATTERN "*.json")
+  install(DIRECTORY host/detector/presets DESTINATION ${data}/lightmotion COMPONENT program FILES_MATCHING PATTERN "*.json")
   install(DIRECTORY docs/schema DESTINATION ${data}/lightmotion COMPONENT program)
   install(FILES examples/night.json DESTINATION ${data}/doc/lightmotion/examples COMPONENT program)
   install(PROGRAMS examples/cluster/archive.sbatch examples/cluster/parallel.sh

@@ -1,5 +1,4 @@
-# `cpack` makes three Debian packages of what install.cmake installs: the library, what programs are built with, and the
-# program.
+# `cpack` builds three Debian packages from what install.cmake installs: the library, its development files and the program.
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME lightmotion)
 set(CPACK_PACKAGE_VERSION ${PROJECT_VERSION})
@@ -26,35 +25,34 @@ function(package component name section depends summary more)
   set(${prefix}_DESCRIPTION "${summary}\n${more}" PARENT_SCOPE)
 endfunction()
 
-set(what "lightmotion finds what moves in a video: an adaptive background model for
-every pixel, from whose foreground boxes are made. The same frames give the
-same bytes on every processor.")
+set(what "lightmotion detects motion in video: an adaptive background model of every
+pixel separates the foreground, which is grouped into boxes.")
 
 package(library liblightmotion1 libs "" "motion detection for video (shared library)" "${what}
 
-This package holds the plug-in that video-analytics hosts load.")
+This package contains the plug-in that video-analytics hosts load.")
 set(CPACK_DEBIAN_LIBRARY_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
 set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS_POLICY ">=")
-# dpkg's trigger registers the library with the dynamic linker. CPack would write scripts that do so as well, unless
-# their names stand in this list; it passes over files that do not exist, with a warning.
+# dpkg's trigger registers the library with the dynamic linker. Listing the names of missing scripts keeps CPack from
+# generating scripts that do the same; it skips missing files with a warning.
 set(CPACK_DEBIAN_LIBRARY_PACKAGE_CONTROL_EXTRA
     ${PROJECT_SOURCE_DIR}/packaging/symbols ${PROJECT_SOURCE_DIR}/packaging/triggers not-wanted/postinst not-wanted/postrm)
 
 package(development liblightmotion-dev libdevel "liblightmotion1 (= ${PROJECT_VERSION}), libjsoncpp-dev"
         "motion detection for video (development files)" "${what}
 
-This package holds what hosts are built with: headers, CMake and pkg-config
-files, and the smallest complete hosts in C, C++ and Python.")
+This package contains the development files for hosts: headers, CMake and
+pkg-config files, and minimal hosts in C, C++ and Python.")
 
 if(LIGHTMOTION_HOST)
   list(APPEND CPACK_COMPONENTS_ALL program)
-  # The library is loaded at run time, so this dependency is not found by itself.
+  # The library is loaded at run time, so dpkg-shlibdeps does not find this dependency.
   package(program lightmotion video "liblightmotion1 (= ${PROJECT_VERSION})"
           "motion detection for video (program)" "${what}
 
-This package holds the program that shows the plug-in at work on files, streams
-and cameras, and draws the boxes into a video.")
+This package contains the program, which runs the plug-in on files, streams
+and cameras and writes result lines, events, reports and annotated videos.")
   set(CPACK_DEBIAN_PROGRAM_PACKAGE_SHLIBDEPS ON)
   # Loaded when a local camera is named. The number is that of the libavformat that the program is built with.
   string(REGEX REPLACE "\\..*" "" ffmpeg_number "${FFMPEG_libavformat_VERSION}")

@@ -1,28 +1,50 @@
-// The scalar settings of the configuration document: from JSON members to the parameter list.
+#include "config/document.h"
+
 #include <json/json.h>
 
-#include <cstdio>
-
+#include "base/c_locale.h"
 #include "config/json_text.h"
 #include "config/scalar_keys.h"
-#include "engine/c_locale.h"
-#include "plugin/detector.h"
 
-std::vector<std::string> lightMotion::myjsonReader(std::string config) {
-  std::vector<std::string> entries;
+namespace lm {
+namespace {
+
+std::string invalidSizeMessage(const FrameSize& size) {
+  return "Error: invalid parameter[frmChn:" + std::to_string(size.frmChn) +
+         ",frmW:" + std::to_string(size.frmW) + ",frmH:" + std::to_string(size.frmH) + "] \n";
+}
+
+}  // namespace
+
+bool readScalars(const std::string& text, FrameSize& size, std::vector<std::string>& parameters) {
+  parameters.clear();
   Json::Value parsed;
-  if (!lm::parseDocument(config, parsed)) {
-    std::printf("Error: json configuration is incorrect format \n");
-    return entries;
-  }
+  if (!parseDocument(text, parsed)) return false;
   const Json::Value& root = parsed;
-  const lm::CLocaleScope plainNumbers;
-  for (const lm::ScalarKey<lightMotion>& key : lm::scalarKeys<lightMotion>) {
+  const CLocaleScope plainNumbers;
+  for (const ScalarKey<FrameSize>& key : scalarKeys<FrameSize>) {
     const Json::Value& member = root[key.name];
     if (!member.isString()) continue;
     const std::string value = member.asString();
-    entries.push_back(std::string(key.name) + " " + value);
-    if (key.field != nullptr) this->*key.field = std::stoi(value);
+    parameters.push_back(std::string(key.name) + " " + value);
+    if (key.field != nullptr) size.*key.field = std::stoi(value);
   }
-  return entries;
+  return true;
 }
+
+bool readConfiguration(const std::string& text, FrameSize& size, Configuration& configuration) {
+  configuration = {};
+  if (!readScalars(text, size, configuration.parameters)) configuration.messages = notJsonMessage;
+  if (size.frmChn < 1 || size.frmW < 1 || size.frmH < 1) {
+    configuration.messages += invalidSizeMessage(size);
+    return false;
+  }
+  readRegions(text, size, configuration.include, configuration.exclude);
+  if (configuration.include.empty()) {
+    configuration.messages += "Error: region of interest is empty! \n";
+    return false;
+  }
+  return true;
+}
+
+}  // namespace lm

@@ -2,11 +2,12 @@
 
 #include <json/json.h>
 
-#include <charconv>
+#include <algorithm>
+#include <cstdint>
 #include <locale>
 #include <string_view>
 
-#include "engine/c_locale.h"
+#include "base/c_locale.h"
 
 namespace lm {
 namespace {
@@ -20,48 +21,70 @@ std::size_t digitsEnd(std::string_view text, std::size_t from) {
 
 // End of the string or comment that begins at `from`; `from` when none does.
 std::size_t opaqueEnd(std::string_view text, std::size_t from) {
-  const auto behind = [&](std::string_view terminator, std::size_t start) {
+  const auto after = [&](std::string_view terminator, std::size_t start) {
     const std::size_t found = text.find(terminator, start);
     return found == std::string_view::npos ? text.size() : found + terminator.size();
   };
-  if (text.substr(from, 2) == "//") return behind("\n", from);
-  if (text.substr(from, 2) == "/*") return behind("*/", from + 2);
+  // jsoncpp ends these comments at a carriage return too.
+  if (text.substr(from, 2) == "//") return std::min(text.find_first_of("\r\n", from), text.size());
+  if (text.substr(from, 2) == "/*") return after("*/", from + 2);
   if (text[from] != '"') return from;
   std::size_t at = from + 1;
   while (at < text.size() && text[at] != '"') at += text[at] == '\\' ? 2 : 1;
   return std::min(at + 1, text.size());
 }
 
-// A number's text, from its first digit on.
+// The characters that jsoncpp takes for one number.
 struct Number {
-  std::string_view whole;
-  std::string_view fraction;
-  long exponent = 0;
+  std::string_view whole;  // with the sign
+  bool hasPoint = false;
+  std::string_view fraction;  // digits only
+  std::string_view exponent;  // with "e" and sign; empty when there is none
   std::size_t end = 0;
 };
 
-// Reads the number whose first digit is at `from`. An exponent too large to be read ends the number before
-// it.
 Number readNumber(std::string_view text, std::size_t from) {
   Number number;
-  number.end = digitsEnd(text, from);
-  number.whole = text.substr(from, number.end - from);
-  if (number.end < text.size() && text[number.end] == '.') {
-    const std::size_t start = number.end + 1;
-    number.end = digitsEnd(text, start);
-    number.fraction = text.substr(start, number.end - start);
+  std::size_t at = digitsEnd(text, text[from] == '-' ? from + 1 : from);
+  number.whole = text.substr(from, at - from);
+  if (at < text.size() && text[at] == '.') {
+    const std::size_t start = at + 1;
+    at = digitsEnd(text, start);
+    number.hasPoint = true;
+    number.fraction = text.substr(start, at - start);
   }
-  if (number.end < text.size() && (text[number.end] == 'e' || text[number.end] == 'E')) {
-    std::size_t start = number.end + 1;
-    if (start < text.size() && text[start] == '+') ++start;
-    const auto [stop, error] =
-        std::from_chars(text.data() + start, text.data() + text.size(), number.exponent);
-    if (error == std::errc()) number.end = static_cast<std::size_t>(stop - text.data());
+  if (at < text.size() && (text[at] == 'e' || text[at] == 'E')) {
+    const std::size_t start = at++;
+    if (at < text.size() && (text[at] == '+' || text[at] == '-')) ++at;
+    at = digitsEnd(text, at);
+    number.exponent = text.substr(start, at - start);
   }
+  number.end = at;
   return number;
 }
 
-// jsoncpp reads numbers through a stream that has the host's global locale.
+// Value of an exponent such as "e-12". One far beyond the range of a double is cut to `limit`, which no
+// fraction is long enough to bring back into that range.
+std::int64_t exponentValue(std::string_view exponent) {
+  constexpr std::int64_t limit = 1'000'000'000'000'000;
+  std::int64_t value = 0;
+  for (const char c : exponent) {
+    if (isDigit(c)) value = std::min(limit, value * 10 + (c - '0'));
+  }
+  return exponent.find('-') == std::string_view::npos ? value : -value;
+}
+
+void appendWithoutPoint(const Number& number, std::string& result) {
+  result.append(number.whole).append(number.fraction);
+  if (!number.exponent.empty() && !isDigit(number.exponent.back())) {
+    result.append(number.exponent);  // has no digits: refused, as it would be with the point
+    return;
+  }
+  const auto decimals = static_cast<std::int64_t>(number.fraction.size());
+  result.append("e").append(std::to_string(exponentValue(number.exponent) - decimals));
+}
+
+// jsoncpp reads numbers through a stream, which uses the host's global locale.
 bool globalLocaleIsPlain() {
   const std::locale current;
   const auto& numbers = std::use_facet<std::numpunct<char>>(current);
@@ -75,11 +98,10 @@ std::string withoutDecimalPoints(const std::string& text) {
   std::size_t at = 0;
   while (at < text.size()) {
     std::size_t end = opaqueEnd(text, at);
-    if (end == at && isDigit(text[at])) {
+    if (end == at && (isDigit(text[at]) || text[at] == '-')) {
       const Number number = readNumber(text, at);
-      if (!number.fraction.empty()) {
-        const long exponent = number.exponent - static_cast<long>(number.fraction.size());
-        result.append(number.whole).append(number.fraction).append("e").append(std::to_string(exponent));
+      if (number.hasPoint) {
+        appendWithoutPoint(number, result);
         at = number.end;
         continue;
       }

@@ -7,12 +7,13 @@
 
 namespace lm {
 
-// Parses `text` into `root`, comments allowed; false when it is not JSON. Numbers mean the same whatever
-// locale the host has set. Throws Json::Exception for a document nested too deeply.
+// Parses `text` into `root`, comments allowed; false when it is not JSON. The host's locale has no effect on
+// numbers. Throws Json::Exception for a document that is nested too deeply.
 bool parseDocument(const std::string& text, Json::Value& root);
 
-// `text` with every number that has a decimal point outside strings and comments written without one: 0.25
-// becomes 025e-2, the same value to the last bit. Everything else is copied.
+// Rewrites the numbers of `text` that have a decimal point, except in strings and comments: 0.25 becomes
+// 025e-2, which has the same value to the last bit. A number that jsoncpp refuses stays one that it refuses.
+// Everything else is copied.
 std::string withoutDecimalPoints(const std::string& text);
 
 }  // namespace lm

@@ -1,4 +1,4 @@
-// Reading one entry of the parameter list: its key, its value, and the number that the value is.
+// Reads one entry of the parameter list: its key, its value and the number in the value.
 #pragma once
 
 #include <algorithm>
@@ -12,11 +12,11 @@ namespace lm {
 
 // Key and value of the entry being read.
 //
-// Kept: both outlive the entry. One that holds only a key takes the value of the entry before it, and an
-// empty one repeats the entry before it.
+// Kept: both keep their text. An entry with only a key takes the value of the entry before it, and an empty
+// one repeats the entry before it.
 class EntryScanner {
  public:
-  // Whether the entry has a value of its own.
+  // Returns whether the entry has its own value.
   bool scan(const std::string& entry) {
     std::string_view rest(entry.c_str());  // an entry ends at its first NUL
     return takeToken(rest, key) && takeToken(rest, value);
@@ -38,7 +38,7 @@ class EntryScanner {
   }
 };
 
-// Throws std::invalid_argument or std::out_of_range. `used`: how much of the text belongs to the number.
+// Throws std::invalid_argument or std::out_of_range. `used`: length of the number.
 inline double convertParam(Conversion conversion, const std::string& value, std::size_t* used = nullptr) {
   if (conversion == Conversion::integer) return std::stoi(value, used);
   return static_cast<double>(std::stof(value, used));

@@ -4,19 +4,19 @@
 #include <sstream>
 #include <string_view>
 
+#include "base/integers.h"
 #include "engine/kamble.h"
-#include "engine/rules.h"
 
 namespace {
 
-constexpr std::streamsize lineBuffer = 4096;  // with the closing NUL; a longer line ends the reading
+constexpr std::streamsize lineBuffer = 4096;  // with the NUL; a longer line ends the reading
 
 struct FileKey {
   std::string_view name;
   void (*store)(kAMBLE& engine, float value);
 };
 
-// Values are taken without any range test.
+// Values have no range check.
 constexpr FileKey fileKeys[] = {
     {"thrMatch", [](kAMBLE& engine, float value) { engine.thrMatch = lm::toInt32(value); }},
     {"thrHeuris", [](kAMBLE& engine, float value) { engine.thrHeuris = lm::toInt32(value); }},
@@ -28,7 +28,7 @@ constexpr FileKey fileKeys[] = {
     {"thrConnect", [](kAMBLE& engine, float value) { engine.thrConnect = value; }},
 };
 
-// A line without a value gives -1; text that is no number gives 0.
+// A line without a value gives -1; text that is not a number gives 0.
 void applyLine(kAMBLE& engine, const char* line) {
   std::istringstream words{std::string(line)};
   words.imbue(std::locale::classic());

@@ -1,7 +1,7 @@
 // The keys of the parameter list: how each value is converted, which values are accepted and what they set.
 //
-// A template over who holds the settings: the engine (kAMBLE), or a record with fields of the same names
-// (config/settings.h) where no engine is wanted.
+// A template over the holder of the settings: the engine (kAMBLE), or a record with fields of the same names
+// (config/settings.h) where there is no engine.
 #pragma once
 
 #include <algorithm>
@@ -11,6 +11,7 @@
 #include <string_view>
 
 #include "engine/rules.h"
+#include "simd/samples.h"
 
 namespace lm {
 
@@ -43,7 +44,7 @@ constexpr const Row* findLevel(const Row (&rows)[count], double level) {
   return nullptr;
 }
 
-enum class Conversion { integer, real };  // std::stoi or std::stof; either value fits a double exactly
+enum class Conversion { integer, real };  // std::stoi or std::stof; a double holds both exactly
 
 template <typename Settings>
 struct ParamRow {
@@ -52,7 +53,7 @@ struct ParamRow {
   const char* range;                                // the accepted values, in words
   bool (*accepts)(double value);                    // a NaN is in no range
   void (*store)(Settings& settings, double value);  // of an accepted value
-  void (*fallBack)(Settings& settings) = nullptr;   // of a refused one; null leaves the settings as they are
+  void (*fallBack)(Settings& settings) = nullptr;   // of a refused one; null changes nothing
 };
 
 // ---- ranges -----------------------------------------------------------------------------------------------
@@ -67,7 +68,7 @@ bool within(double value) {
 }
 inline bool isFraction(double value) { return value > 0.0 && value <= 1.0; }
 inline bool isAny(double /*value*/) { return true; }
-// Kept: a positive life is refused, zero and below are stored.
+// Kept: a positive life is refused, zero and negative ones are stored.
 inline bool isNotPositive(double value) { return value <= 0.0; }
 inline bool isSensitivity(double value) { return findLevel(sensitivityLevels, value) != nullptr; }
 inline bool isAdaptation(double value) { return findLevel(adaptationLevels, value) != nullptr; }
@@ -94,11 +95,11 @@ void storeThresholds(Settings& settings, const SensitivityLevel& level) {
 }
 template <typename Settings>
 void storeSensitivity(Settings& settings, double value) {
-  // A function of the settings' own namespace: the engine tells the host's log.
+  // Found in the namespace of the settings: the one for the engine writes to the host's log.
   if (value == autoSensitivityLevel) enableAutoSensitivity(settings);
   storeThresholds(settings, *findLevel(sensitivityLevels, value));
 }
-// Kept: a sensitivity that is refused sets the thresholds of level 3 all the same.
+// Kept: a refused sensitivity still sets the thresholds of level 3.
 template <typename Settings>
 void fallBackSensitivity(Settings& settings) {
   storeThresholds(settings, sensitivityFallback);
@@ -112,7 +113,7 @@ template <typename Settings>
 void storeAdaptation(Settings& settings, double value) {
   settings.thrIllum = findLevel(adaptationLevels, value)->thrIllum;
 }
-// Kept: an adaptation level that is refused sets the threshold of level 3 all the same.
+// Kept: a refused adaptation level still sets the threshold of level 3.
 template <typename Settings>
 void fallBackAdaptation(Settings& settings) {
   settings.thrIllum = adaptationFallback.thrIllum;
@@ -126,7 +127,7 @@ void storeStaticLife(Settings& settings, double value) {
 
 // ---- the table --------------------------------------------------------------------------------------------
 
-// In the order in which a key is looked up.
+// In order of lookup.
 template <typename S>
 inline constexpr ParamRow<S> paramTable[] = {
     {"frmW", Conversion::integer, "1 or more", atLeast<1>, storeInteger<S, &S::szImgX>},
@@ -141,10 +142,12 @@ inline constexpr ParamRow<S> paramTable[] = {
     {"sensitivity_auto", Conversion::integer, "1", within<1, 1>, storeAutoThresholds<S>},
     {"GHOST_SUPPRESSION", Conversion::integer, "any", isAny, storeSwitch<S, &S::ghostSuppression>},
     {"ILLUMINATION_CHANGE", Conversion::integer, "any", isAny, storeSwitch<S, &S::illumChange>},
-    {"MIN_MATCH_NUM", Conversion::integer, "1 to 20", within<1, 20>, storeInteger<S, &S::minMatchNum>},
+    {"MIN_MATCH_NUM", Conversion::integer, "1 to 20", within<1, samplesPerPixel>,
+     storeInteger<S, &S::minMatchNum>},
     {"MIN_MATCH_DIST", Conversion::integer, "1 or more", atLeast<1>, storeInteger<S, &S::thrMatch>},
     {"THR_DIFF_HEURISTIC", Conversion::integer, "0 or more", atLeast<0>, storeInteger<S, &S::thrHeuris>},
-    {"NUM_SEGMENT_LOCK", Conversion::integer, "1 to 20", within<1, 20>, storeInteger<S, &S::numSegmentLock>},
+    {"NUM_SEGMENT_LOCK", Conversion::integer, "1 to 20", within<1, samplesPerPixel>,
+     storeInteger<S, &S::numSegmentLock>},
     {"NUM_PERIOD_LOCK", Conversion::integer, "1 or more", atLeast<1>, storeInteger<S, &S::numPeriodLock>},
     {"MIN_BOUNDING_BOX_W", Conversion::real, "above 0, at most 1", isFraction, storeFraction<S, &S::minObjW>},
     {"MIN_BOUNDING_BOX_H", Conversion::real, "above 0, at most 1", isFraction, storeFraction<S, &S::minObjH>},
@@ -159,7 +162,7 @@ const ParamRow<Settings>* findParam(std::string_view key) {
   return row == std::end(table) ? nullptr : row;
 }
 
-// Gives the settings what was read for a row; whether it was accepted.
+// Applies the value of a row to the settings. Returns whether it was accepted.
 template <typename Settings>
 bool applyParam(const ParamRow<Settings>& row, Settings& settings, double value) {
   if (row.accepts(value)) {

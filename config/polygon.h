@@ -1,6 +1,6 @@
-// Regions of the frame: the polygon record and the five functions that turn polygons into byte masks.
+// Regions of the frame: the polygon record and the five functions that convert polygons to byte masks.
 //
-// Masks are plain arrays of w x h bytes in row order (index y * w + x), 0 outside and 1 inside, owned by the
+// Masks are arrays of w x h bytes in row order (index y * w + x), 0 outside and 1 inside, owned by the
 // caller. No function here allocates, keeps a pointer, prints or throws.
 #pragma once
 
@@ -14,27 +14,27 @@ struct pnt {
   std::int32_t y;  // row
 };
 
-// A named region. The outline is closed implicitly (last vertex to first); orientation is free and outlines
-// that cross themselves fill by the even-odd rule.
+// A named region. The outline is closed implicitly (last vertex to first), in either orientation; one that
+// crosses itself is filled by the even-odd rule.
 struct polygon {
-  std::string name;         // as the document gives it; may be empty
+  std::string name;         // as in the document; may be empty
   std::vector<pnt> points;  // vertices in drawing order
   // The region's own mask, frame-sized, or null until kAMBLE::setParam rasterises it. Made with `new[]`.
-  // Copying a polygon copies the pointer, not the bytes: the engine's copies own the masks and release them
-  // in its destructor; every other copy only borrows.
+  // Copying a polygon copies the pointer, not the bytes: the copies in the engine own the masks, which its
+  // destructor releases; every other copy borrows.
   std::uint8_t* mask = nullptr;
 };
 
 // Whether (testx, testy) lies inside the polygon with vertices (vertx[i], verty[i]), 0 <= i < nvert.
 // Even-odd crossing test after W. R. Franklin; an edge counts where its crossing lies strictly right of the
 // point: of an axis-aligned square the left and top edges are inside, the right and bottom edges outside.
-// Returns 1 inside, 0 outside; 0 when nvert < 1 (the arrays are not read then). Not used by the library
-// itself.
+// Returns 1 inside, 0 outside; 0 without reading the arrays when nvert < 1. The library itself does not use
+// it.
 int pnpoly(int nvert, float* vertx, float* verty, float testx, float testy);
 
 // The same test on a vertex list, except that an edge through the point counts as well (>= instead of >):
 // of an axis-aligned square the right and top edges are inside, the left and bottom edges outside.
-// Returns 1 inside, 0 outside; an empty list has no inside.
+// Returns 1 inside, 0 outside; 0 for an empty list.
 int isWithinPoly(const std::vector<pnt>& poly, float x, float y);
 
 // Rasterises `poly` into `mask` (w x h bytes): 1 where isWithinPoly holds for the pixel's integer coordinates

@@ -1,9 +1,9 @@
-// Point in polygon, rasterising, and combining masks.
+// Point in polygon, rasterisation and combination of masks.
 #include <cstddef>
 #include <cstring>
 
+#include "base/integers.h"
 #include "config/polygon.h"
-#include "engine/rules.h"
 
 int pnpoly(int nvert, float* vertx, float* verty, float testx, float testy) {
   int inside = 0;
@@ -24,7 +24,7 @@ int isWithinPoly(const std::vector<pnt>& poly, float x, float y) {
     const auto dx = static_cast<float>(lm::wrapSub(poly[j].x, poly[i].x));
     const auto dy = static_cast<float>(lm::wrapSub(poly[j].y, poly[i].y));
     const float crossing = dx * (y - yi) / dy + static_cast<float>(poly[i].x);
-    // Kept: >= where pnpoly has >, so that a point on an edge counts that edge.
+    // Kept: >= where pnpoly has >, so a point on an edge counts that edge.
     if (crossing >= x) inside = !inside;
   }
   return inside;

@@ -1,16 +1,17 @@
 // The regions of the configuration document: from JSON arrays to polygons in pixels.
 #include <json/json.h>
 
+#include "base/c_locale.h"
+#include "config/document.h"
 #include "config/json_text.h"
 #include "config/region_rules.h"
-#include "engine/c_locale.h"
-#include "plugin/detector.h"
 
+namespace lm {
 namespace {
 
-// Replaces `regions` by those of the document. A region with too few points keeps its name but no points.
-void readRegions(const Json::Value& root, const lightMotion& detector, const lm::RegionList& list,
-                 std::vector<polygon>& regions) {
+// Replaces `regions`. A region with too few points keeps its name but no points.
+void readList(const Json::Value& root, const FrameSize& size, const RegionList& list,
+              std::vector<polygon>& regions) {
   regions.clear();
   const Json::Value& array = root[list.key];
   if (!array.isArray()) return;
@@ -22,21 +23,23 @@ void readRegions(const Json::Value& root, const lightMotion& detector, const lm:
     if (!points.isArray() || points.size() < list.leastPoints) continue;
     regions[i].points.resize(points.size());
     for (Json::ArrayIndex k = 0; k < points.size(); ++k) {
-      regions[i].points[k].x = lm::toPixels(std::stof(points[k]["x"].asString()), detector.frmW);
-      regions[i].points[k].y = lm::toPixels(std::stof(points[k]["y"].asString()), detector.frmH);
+      regions[i].points[k].x = toPixels(std::stof(points[k]["x"].asString()), size.frmW);
+      regions[i].points[k].y = toPixels(std::stof(points[k]["y"].asString()), size.frmH);
     }
   }
 }
 
 }  // namespace
 
-bool lightMotion::jsonReaderRoi(std::string config, std::vector<polygon>& include,
-                                std::vector<polygon>& exclude) {
+bool readRegions(const std::string& text, const FrameSize& size, std::vector<polygon>& include,
+                 std::vector<polygon>& exclude) {
   Json::Value parsed;
-  if (!lm::parseDocument(config, parsed)) return false;
+  if (!parseDocument(text, parsed)) return false;
   const Json::Value& root = parsed;
-  const lm::CLocaleScope plainNumbers;
-  readRegions(root, *this, lm::includedRegions, include);
-  readRegions(root, *this, lm::excludedRegions, exclude);
+  const CLocaleScope plainNumbers;
+  readList(root, size, includedRegions, include);
+  readList(root, size, excludedRegions, exclude);
   return true;
 }
+
+}  // namespace lm

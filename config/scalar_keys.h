@@ -1,15 +1,15 @@
-// The scalar settings that a configuration document may have, in the order of the parameter list.
+// The scalar settings of a configuration document, in the order of the parameter list.
 #pragma once
 
 #include <cstdint>
 
 namespace lm {
 
-// `Sizes`: who keeps the frame's size, the detector for one.
+// `Sizes`: the record that holds the frame size.
 template <typename Sizes>
 struct ScalarKey {
   const char* name;
-  std::int32_t Sizes::*field;  // where the value is kept as well, or null
+  std::int32_t Sizes::*field;  // where the value is stored too, or null
 };
 
 template <typename S>

@@ -1,13 +1,16 @@
-// The door through which the engine receives its configuration.
+// Configures an engine: parameters and regions.
+#include <algorithm>
 #include <cstring>
+#include <utility>
 
+#include "base/aligned.h"
+#include "base/c_locale.h"
+#include "config/host_log.h"
 #include "config/param_entry.h"
-#include "engine/aligned.h"
-#include "engine/c_locale.h"
+#include "engine/engine_state.h"
 #include "engine/kamble.h"
-#include "plugin/host_log.h"
 
-// Called by the table of keys.
+// Called by storeSensitivity.
 static void enableAutoSensitivity(kAMBLE& engine) {
   if (log_File_Debug_s != nullptr) {
     log_File_Debug_s("/Kdbglog/.nera_motion_log/.md.log", 10485760, "enable AUTO sensitivity");
@@ -17,46 +20,63 @@ static void enableAutoSensitivity(kAMBLE& engine) {
 
 namespace {
 
-// Applies one entry; whether it was accepted.
+// Applies one entry. Returns whether it was accepted.
 bool apply(kAMBLE& engine, const std::string& key, const std::string& value) {
   const auto* row = lm::findParam<kAMBLE>(key);
   return row != nullptr && lm::applyParam(*row, engine, lm::convertParam(row->conversion, value));
 }
 
-// Makes the region's mask. Sizes whose product does not fit 32 bits have no mask that could hold them: it
-// stays as it was made, and the frame is refused later.
-void rasterise(polygon& region, std::int32_t width, std::int32_t height) {
-  const std::int32_t count = lm::wrapMul(width, height);
-  if (region.mask == nullptr) region.mask = new std::uint8_t[static_cast<std::size_t>(count)]();
-  if (std::int64_t{width} * height == count) cvtPoly2Mask(region.points, region.mask, width, height);
+// The record of a mask that the engine made, or null.
+const lm::Made* recordOf(const std::uint8_t* mask, const std::vector<lm::Made>& masks) {
+  const auto found =
+      std::find_if(masks.begin(), masks.end(), [mask](const lm::Made& made) { return made.plane == mask; });
+  return mask == nullptr || found == masks.end() ? nullptr : &*found;
 }
 
-// Makes roiMask if it is missing and clears it. False when memory is lacking.
+// Makes the mask of the region unless it has one, and draws it. `before`: the masks that earlier calls made;
+// one that is too small by now is dropped. When the product of the sizes exceeds 32 bits, the mask is left as
+// it is and the frame is refused later.
+void rasterise(kAMBLE& engine, polygon& region, const std::vector<lm::Made>& before) {
+  const std::int32_t count = lm::wrapMul(engine.szImgX, engine.szImgY);
+  // A sized engine may get its sides back.
+  const std::size_t bytes = std::max(static_cast<std::size_t>(count), engine.nbr4Idx.size());
+  const lm::Made* known = recordOf(region.mask, before);
+  if (known != nullptr && known->bytes < bytes) region.mask = nullptr;
+  if (region.mask == nullptr) {
+    region.mask = new std::uint8_t[bytes]();
+    lm::stateOf(engine).regionMasks.push_back({region.mask, bytes});
+  } else if (known != nullptr) {
+    lm::stateOf(engine).regionMasks.push_back(*known);
+  }
+  if (std::int64_t{engine.szImgX} * engine.szImgY != count) return;
+  cvtPoly2Mask(region.points, region.mask, engine.szImgX, engine.szImgY);
+}
+
+// Makes roiMask if it is missing and clears it. Returns false when the allocation fails.
 bool clearRoiMask(kAMBLE& engine, std::int32_t count) {
-  const bool tooSmall =
-      engine.roiMaskMade.buffer == engine.roiMask && engine.roiMaskMade.bytes < lm::countOf(count);
-  if (tooSmall) lm::release(engine.roiMask);
+  lm::Made& made = lm::stateOf(engine).roiMask;
+  if (made.isTooSmall(engine.roiMask, lm::countOf(count))) lm::release(engine.roiMask);
   if (engine.roiMask == nullptr) {
     if (!lm::makeOnce(engine.roiMask, count)) return false;
-    engine.roiMaskMade = {engine.roiMask, lm::countOf(count)};
+    made = {engine.roiMask, lm::countOf(count)};
   }
   if (count > 0) std::memset(engine.roiMask, 0, lm::countOf(count));
   return true;
 }
 
-// All inclusions come before any exclusion, so that an exclusion always wins.
+// All inclusions precede all exclusions, so an exclusion always wins.
 void buildRoiMask(kAMBLE& engine) {
   const std::int32_t width = engine.szImgX;
   const std::int32_t height = engine.szImgY;
   const std::int32_t count = lm::wrapMul(width, height);
   const bool made = clearRoiMask(engine, count);
-  engine.regionMaskBytes = lm::countOf(count);
+  const std::vector<lm::Made> before = std::exchange(lm::stateOf(engine).regionMasks, {});
   for (polygon& region : engine.roiInclude) {
-    rasterise(region, width, height);
+    rasterise(engine, region, before);
     if (made) unionMask(engine.roiMask, region.mask, width, height);
   }
   for (polygon& region : engine.roiExclude) {
-    rasterise(region, width, height);
+    rasterise(engine, region, before);
     if (made) unionNegMask(engine.roiMask, region.mask, width, height);
   }
 }
@@ -66,7 +86,7 @@ void buildRoiMask(kAMBLE& engine) {
 std::vector<bool> kAMBLE::setParam(std::vector<std::string>& paramList, std::vector<polygon>& include,
                                    std::vector<polygon>& exclude) {
   std::vector<bool> accepted(paramList.size(), false);
-  // Kept: masks that an earlier call made are dropped with the old lists, not freed.
+  // Kept: masks made by an earlier call are dropped with the old lists, not freed.
   roiInclude = include;
   roiExclude = exclude;
 

@@ -1,4 +1,4 @@
-// The settings that the parameter list sets, without an engine: fields and defaults of kAMBLE.
+// The settings of the parameter list without an engine: fields and defaults of kAMBLE.
 #pragma once
 
 #include <cstdint>

@@ -2,15 +2,17 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstring>
+#include <utility>
 
-#include "engine/aligned.h"
+#include "base/aligned.h"
+#include "base/integers.h"
+#include "engine/engine_state.h"
 #include "engine/kamble.h"
 #include "engine/neighbours.h"
-#include "engine/rules.h"
 
 namespace {
 
-// Makes `mask`, of `have` bytes, `need` bytes long: what is new counts as outside. False leaves it as it was.
+// Extends `mask` from `have` to `need` bytes: the new ones count as outside. False leaves it as it was.
 bool growRoiMask(std::uint8_t*& mask, std::size_t have, std::size_t need) {
   auto* larger = static_cast<std::uint8_t*>(lm::allocateAligned(static_cast<std::ptrdiff_t>(need)));
   if (larger == nullptr) return false;
@@ -21,12 +23,14 @@ bool growRoiMask(std::uint8_t*& mask, std::size_t have, std::size_t need) {
   return true;
 }
 
-void growRegionMask(std::uint8_t*& mask, std::size_t have, std::size_t need) {
-  if (mask == nullptr) return;
+// The same for a region's mask, if it is the one that was `made`.
+void growRegionMask(std::uint8_t*& mask, lm::Made& made, std::size_t need) {
+  if (!made.isTooSmall(mask, need)) return;
   auto* larger = new std::uint8_t[need]();
-  std::memcpy(larger, mask, have);
+  std::copy_n(mask, made.bytes, larger);
   delete[] mask;
   mask = larger;
+  made = {mask, need};
 }
 
 // `list` with `count` elements; new ones are `value`.
@@ -40,10 +44,11 @@ void resizeLarge(std::vector<T>& list, std::size_t count, const T& value) {
 // Kept: arrays from an earlier call are replaced, not freed.
 void makeNeighbourArrays(kAMBLE& engine, const lm::FrameShape& shape) {
   resizeLarge<int*>(engine.nbrIdx, static_cast<std::size_t>(shape.count), nullptr);
+  lm::stateOf(engine).nbrWidth = shape.width;
   if (shape.width < 1) return;
   for (int*& entries : engine.nbrIdx) entries = new int[static_cast<std::size_t>(engine.numNbr)];
   lm::fillNeighbours(engine.nbrIdx, engine.numNbr, engine.nbrOffset, shape);
-  engine.nbrDistances = lm::neighbourDistances(engine.nbrOffset, engine.numNbr, shape);
+  lm::stateOf(engine).nbrDistances = lm::neighbourDistances(engine.nbrOffset, engine.numNbr, shape);
 }
 
 void makeDirectNeighbours(kAMBLE& engine, const lm::FrameShape& shape) {
@@ -51,32 +56,62 @@ void makeDirectNeighbours(kAMBLE& engine, const lm::FrameShape& shape) {
   if (shape.width >= 1) lm::fillDirectNeighbours(engine.nbr4Idx, shape);
 }
 
-}  // namespace
-
-bool kAMBLE::fitRegionMasks(std::int32_t count) {
+// Extends roiMask and the region masks that setParam made to `count` pixels: the new ones count as outside.
+// False when an allocation fails.
+bool fitRegionMasks(kAMBLE& engine, std::int32_t count) {
   const std::size_t need = lm::countOf(count);
-  if (roiMaskMade.buffer == roiMask && roiMask != nullptr && roiMaskMade.bytes < need) {
-    if (!growRoiMask(roiMask, roiMaskMade.bytes, need)) return false;
-    roiMaskMade = {roiMask, need};
+  lm::EngineState& state = lm::stateOf(engine);
+  if (state.roiMask.isTooSmall(engine.roiMask, need)) {
+    if (!growRoiMask(engine.roiMask, state.roiMask.bytes, need)) return false;
+    state.roiMask = {engine.roiMask, need};
   }
-  if (regionMaskBytes == 0 || regionMaskBytes >= need) return true;
-  for (polygon& region : roiInclude) growRegionMask(region.mask, regionMaskBytes, need);
-  for (polygon& region : roiExclude) growRegionMask(region.mask, regionMaskBytes, need);
-  regionMaskBytes = need;
+  for (std::vector<polygon>* regions : {&engine.roiInclude, &engine.roiExclude}) {
+    for (polygon& region : *regions) {
+      for (lm::Made& made : state.regionMasks) growRegionMask(region.mask, made, need);
+    }
+  }
   return true;
 }
+
+// Releases the planes whose size is planePixels.
+void releasePlanes(kAMBLE& engine) {
+  for (std::uint8_t** plane : {&engine.fgMask, &engine.auxMask, &engine.absorbMask, &engine.rdDiff,
+                               &engine.illumDiff, &engine.prevFgMask}) {
+    lm::release(*plane);
+  }
+  lm::release(engine.updTimer);
+  for (std::uint32_t** plane : {&engine.auxMap, &engine.nbrCursor, &engine.sampleCursor, &engine.refreshCount,
+                                &engine.minDist, &engine.labelMap}) {
+    lm::release(*plane);
+  }
+  lm::releaseArray(engine.fgLife);
+  if (engine.state != nullptr) engine.state->planePixels = 0;
+  if (engine.labelRows == nullptr) return;
+  // A table of the engine's own keeps its height, whatever height was configured since.
+  const std::vector<std::uint32_t*>& table = lm::stateOf(std::as_const(engine)).labelTable;
+  const std::size_t rows = engine.labelRows == table.data() ? table.size() : lm::countOf(engine.szImgY);
+  for (std::size_t row = 0; row < rows; ++row) lm::release(engine.labelRows[row]);
+  // Kept: only the rows are released here; the table of row pointers belongs to object extraction
+  // (EngineState::labelTable).
+  engine.labelRows = nullptr;
+}
+
+}  // namespace
 
 bool kAMBLE::initialization_ncv(int w, int h) {
   szImgX = w;
   szImgY = h;
   numPixel = lm::wrapMul(w, h);
   std::fprintf(stderr, "W, H, Pixels = %d, %d, %d\n", w, h, numPixel);
-  return initBuffer_ncv() && holdsFrames() && initModel_ncv();
+  return initBuffer_ncv() && lm::holdsFrames(*this) && initModel_ncv();
 }
 
 bool kAMBLE::initBuffer_ncv() {
   const std::int32_t count = lm::wrapMul(szImgX, szImgY);
-  if (!fitRegionMasks(count)) return false;
+  if (!fitRegionMasks(*this, count)) return false;
+  std::int32_t& planePixels = lm::stateOf(*this).planePixels;
+  if (planePixels < count) releasePlanes(*this);
+  planePixels = planePixels == 0 ? count : std::min(planePixels, count);
 
   bool made = true;
   for (std::uint8_t** plane : {&roiMask, &fgMask, &auxMask, &absorbMask}) made &= lm::makeOnce(*plane, count);
@@ -102,7 +137,7 @@ bool kAMBLE::initBuffer_ncv() {
   const std::int32_t bytes = lm::wrapMul(count, frmChn);
   bgImg = nullptr;
   made &= lm::makeOnce(bgImg, bytes);
-  bgImgMade = {bgImg, lm::countOf(bytes)};
+  lm::stateOf(*this).bgImg = {bgImg, lm::countOf(bytes)};
 
   thrConnect = 0.03125F * static_cast<float>(szImgX > szImgY ? szImgX : szImgY);
   minObjWPxl = lm::toInt32(static_cast<float>(szImgX) * minObjW);
@@ -110,29 +145,19 @@ bool kAMBLE::initBuffer_ncv() {
   return made;
 }
 
-void kAMBLE::releaseModel() {
-  lm::release(bgImg);
-  for (int*& entries : nbrIdx) lm::releaseArray(entries);
+void lm::releaseModel(kAMBLE& engine) {
+  lm::release(engine.bgImg);
+  for (int*& entries : engine.nbrIdx) lm::releaseArray(entries);
 }
 
 void kAMBLE::destoryBuffer() {
-  for (std::uint8_t** plane : {&roiMask, &fgMask, &auxMask, &absorbMask, &bgImg}) lm::release(*plane);
-  lm::release(updTimer);
-  for (std::uint32_t** plane : {&auxMap, &nbrCursor, &sampleCursor, &refreshCount, &minDist}) {
-    lm::release(*plane);
-  }
-  lm::releaseArray(fgLife);
-  for (std::uint8_t** plane : {&curFrame, &prevFrame, &rdDiff, &illumDiff, &prevFgMask}) lm::release(*plane);
-  curFrameMade = prevFrameMade = bgImgMade = roiMaskMade = {};
+  for (std::uint8_t** plane : {&roiMask, &bgImg, &curFrame, &prevFrame}) lm::release(*plane);
+  releasePlanes(*this);
   bgModel.clear();
   for (int*& entries : nbrIdx) lm::releaseArray(entries);
   nbrIdx.clear();
-  nbrDistances.clear();
   nbr4Idx.clear();
-  lm::release(labelMap);
-  if (labelRows == nullptr) return;
-  for (std::int32_t row = 0; row < szImgY; ++row) lm::release(labelRows[row]);
-  // Kept: only the rows are released here; the table of row pointers belongs to object extraction
-  // (labelTable).
-  labelRows = nullptr;
+  if (state == nullptr) return;
+  state->curFrame = state->prevFrame = state->bgImg = state->roiMask = {};
+  state->nbrDistances.clear();
 }

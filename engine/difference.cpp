@@ -1,13 +1,16 @@
 // The differences that the model reads: frame to frame, and background to frame, on one channel.
-#include "engine/aligned.h"
+#include <algorithm>
+
+#include "base/aligned.h"
+#include "base/integers.h"
+#include "engine/engine_state.h"
 #include "engine/kamble.h"
 #include "engine/ranges.h"
-#include "engine/rules.h"
 #include "simd/model_kernels.h"
 
 namespace {
 
-// Channel of this frame's differences; moves the counter on. The fourth channel is never compared: its turn
+// Channel of this frame's differences; advances the counter. The fourth channel is never compared: its turn
 // uses channel 0 again.
 int takeChannel(kAMBLE& engine) {
   const int channel = engine.diffChn < 3 ? engine.diffChn : 0;
@@ -18,20 +21,22 @@ int takeChannel(kAMBLE& engine) {
 
 }  // namespace
 
-int kAMBLE::prepareDifferences() {
-  skipFrame = false;
-  const std::int32_t framePixels = lm::wrapMul(szImgX, szImgY);
-  int channel = lm::noDifference;
-  if (prevFrame != nullptr) {
-    channel = takeChannel(*this);
-    lm::makeOnce(rdDiff, numPixel);
-    if (illumChange) lm::makeOnce(illumDiff, lm::wrapMul(framePixels, frmChn));
+int lm::prepareDifferences(kAMBLE& engine) {
+  engine.skipFrame = false;
+  const std::int32_t framePixels = wrapMul(engine.szImgX, engine.szImgY);
+  // Planes are made for all pixels of the model, whatever size was configured since.
+  const std::int32_t pixels = std::max(engine.numPixel, framePixels);
+  int channel = noDifference;
+  if (engine.prevFrame != nullptr) {
+    channel = takeChannel(engine);
+    makeOnce(engine.rdDiff, engine.numPixel);
+    if (engine.illumChange) makeOnce(engine.illumDiff, wrapMul(pixels, engine.frmChn));
   } else {
-    lm::makeOnce(rdDiff, numPixel, 255);
+    makeOnce(engine.rdDiff, engine.numPixel, 255);
   }
-  if (prevFgMask == nullptr) {
-    lm::makeOnce(prevFgMask, framePixels, 1);
-    lm::makeOnce(fgMask, framePixels);
+  if (engine.prevFgMask == nullptr) {
+    makeOnce(engine.prevFgMask, pixels, 1);
+    makeOnce(engine.fgMask, pixels);
   }
   return channel;
 }
@@ -42,14 +47,25 @@ void lm::takeRange(kAMBLE& engine, const std::uint8_t* frame, int channel, std::
   const bool differs = channel != noDifference;
   const bool lit = differs && engine.illumChange && engine.bgImg != nullptr;
   const bool keep = frame != nullptr && engine.prevFrame != nullptr;
-  modelKernels().takeFrame(
-      {frame, engine.curFrame, engine.prevFrame, engine.bgImg, differs ? engine.rdDiff : nullptr,
-       lit ? engine.illumDiff : nullptr, engine.frmChn, channel, keep},
-      begin, end);
+  const FramePlanes planes{.frame = frame,
+                           .curFrame = engine.curFrame,
+                           .prevFrame = engine.prevFrame,
+                           .bgImg = engine.bgImg,
+                           .rdDiff = differs ? engine.rdDiff : nullptr,
+                           .illumDiff = lit ? engine.illumDiff : nullptr,
+                           .channels = engine.frmChn,
+                           .channel = channel,
+                           .keep = keep};
+  modelKernels().takeFrame(planes, begin, end);
 }
 
 bool kAMBLE::heuristic_ncv() {
-  const int channel = prepareDifferences();
-  lm::takeRange(*this, nullptr, channel, 0, lm::countOf(lm::wrapMul(szImgX, szImgY)));
+  skipFrame = false;
+  const std::int32_t framePixels = lm::wrapMul(szImgX, szImgY);
+  // There are no planes for what was configured, or refused, since the engine was sized.
+  const bool fits = framePixels <= numPixel && (prevFrame == nullptr || lm::holdsFrames(*this));
+  if (!lm::hasModel(*this) || !fits) return false;
+  const int channel = lm::prepareDifferences(*this);
+  lm::takeRange(*this, nullptr, channel, 0, lm::countOf(framePixels));
   return skipFrame;
 }

@@ -3,6 +3,7 @@
 // Kept: the two differ. Timestamps give the momentary rate, unsmoothed, and the static life follows only
 // while the rate is a usual one; the wall clock gives a smoothed, clamped rate and the static life follows
 // every time.
+#include "base/integers.h"
 #include "engine/kamble.h"
 #include "engine/rules.h"
 

@@ -10,7 +10,7 @@
 // One thread at a time. W is szImgX, H is szImgY, Ch is frmChn; a pixel's index is y * W + x. Products of
 // sizes are 32-bit and wrap. "Plane" below means an array of W * H elements made with posix_memalign at
 // 32-byte alignment, zero-filled, freed with free(), null until made and after a failed allocation; an
-// operation that finds a plane missing which it needs returns false, 0 or an empty list. Array and container
+// operation that needs a missing plane returns false, 0 or an empty list. Array and container
 // allocations throw std::bad_alloc or std::length_error.
 #pragma once
 
@@ -24,17 +24,18 @@
 
 #include "config/polygon.h"
 #include "objects/box.h"
+#include "simd/samples.h"
 
 struct ccObj;  // objects/component.h
 namespace lm {
-struct ObjectScratch;  // objects/scratch.h
+struct EngineState;  // engine/engine_state.h
 }
 
 // Remembered samples of one pixel: slot s holds the pixel's bytes in the frame's own order, bytes beyond Ch
 // are 0.
 struct BgModel {
-  static constexpr int numSamples = 20;  // slots
-  std::uint8_t samples[numSamples][4];   // slot, byte
+  static constexpr int numSamples = lm::samplesPerPixel;  // slots
+  std::uint8_t samples[numSamples][4];                    // slot, byte
 };
 
 // Indices of a pixel's four direct neighbours, -1 outside the frame.
@@ -48,7 +49,7 @@ extern std::int32_t THRESH_SAME_PIXEL_x3;  // 30
 extern std::int32_t THRESH_SAME_PIXEL_x2;  // 20
 extern std::int32_t g_seed;                // 0; neither read nor written by the library
 
-// The engine; its life is told at the top of this file.
+// The engine; see its life at the top of this file.
 class kAMBLE {
  public:
   kAMBLE();   // defaults as listed with the fields; allocates nothing
@@ -82,7 +83,7 @@ class kAMBLE {
   // and every neighbour array without freeing them, and appends to nbrOffset again: release them first.
   bool initBuffer_ncv();
 
-  // Releases all planes, the model and the neighbour arrays. The table behind labelRows stays with its owner.
+  // Releases all planes, the model and the neighbour arrays. The table that labelRows points to is kept.
   void destoryBuffer();
 
   // ---- one frame (engine/pipeline.cpp, frame_rate.cpp) ------------------------------------------
@@ -93,7 +94,7 @@ class kAMBLE {
 
   // Learns one frame of width x height pixels of `channels` bytes: all frames have the size of the first.
   // True when it was accepted; fgMask then holds its foreground, from the second accepted frame on. False
-  // when the channel count is none of 1, 3, 4 (a line goes to standard error), when memory is lacking, or
+  // when the channel count is none of 1, 3, 4 (a line goes to standard error), when an allocation fails, or
   // when the frame needs more room than the engine was sized for.
   bool learnBg_ncv(const std::uint8_t* frame, int width, int height, int channels);
 
@@ -141,7 +142,7 @@ class kAMBLE {
   bool illumChange = true;           // illumination-change handling on
   bool ghostSuppression = true;      // foreground that stays still is absorbed
   bool skipFrame = false;            // skip classification and update of this frame; nothing sets it
-  std::int32_t frmChn = 0;           // bytes a pixel of the last frame seen
+  std::int32_t frmChn = 0;           // bytes per pixel of the last frame seen
   std::int32_t diffChn = 0;          // channel counter of the difference images, 0 <= diffChn < frmChn
   std::int32_t numPixel = 0;         // W * H of the first frame
   std::int32_t szImgX = 0;           // frame width, pixels
@@ -167,7 +168,7 @@ class kAMBLE {
   std::int32_t holdCcPxl = 0;        // frames left before thrCcPxl2 may rise again
   bool autoSensitivity = false;      // adapt thrCcPxl2
 
-  // ==== planes and lists, one element a pixel unless said otherwise =======================
+  // ==== planes and lists, one element per pixel unless noted =======================
 
   std::uint8_t* fgMask = nullptr;      // plane; 255 foreground, 0 background; 0 outside roiMask
   std::uint8_t* prevFgMask = nullptr;  // plane; fgMask of the frame before, 1 before the first classification
@@ -198,7 +199,7 @@ class kAMBLE {
   float thrConnect = 10.0F;  // largest gap between boxes that are joined, pixels; longer side / 32 once sized
   std::vector<polygon> roiInclude;  // regions of interest; own their masks
   std::vector<polygon> roiExclude;  // exclusion regions; own their masks
-  double frmRate = 30.0;            // frames a second
+  double frmRate = 30.0;            // frames per second
   std::int64_t curTimestamp = -1;   // time of the current frame, ms; -1 when unknown
   std::int64_t prevTimestamp = -1;  // time of the last frame used for the rate, ms
   timeval prevTime{};               // wall clock at the previous frame
@@ -208,38 +209,5 @@ class kAMBLE {
   std::vector<int> morphList;       // scratch of the list-based morphology; room for a frame
   std::int32_t frmCount = 0;        // frames accepted; 0 means not yet sized
 
-  // ==== bookkeeping ==============================================================================
-
-  // What the engine itself allocated: a plane that a caller put in place is taken to be large enough.
-  struct Made {
-    const void* buffer = nullptr;
-    std::size_t bytes = 0;
-  };
-  Made curFrameMade, prevFrameMade, bgImgMade, roiMaskMade;
-
-  // Extends roiMask and the region masks that setParam made to `count` pixels: what is new is outside. False
-  // when memory is lacking. (buffers.cpp)
-  bool fitRegionMasks(std::int32_t count);
-  // Whether curFrame, prevFrame and bgImg hold numPixel pixels of frmChn bytes. (pipeline.cpp)
-  bool holdsFrames() const;
-  // Releases what initBuffer_ncv would otherwise replace without freeing it. (buffers.cpp)
-  void releaseModel();
-  // Makes the planes of the differences that are missing; returns the channel to compare, or
-  // lm::noDifference. (difference.cpp)
-  int prepareDifferences();
-  // Whether the planes that classification and update need are there. (model_classify.cpp, model_update.cpp)
-  bool canClassify() const;
-  bool canUpdate() const;
-  // Learns a frame of `pixels` pixels once the engine is sized, strip by strip; it is in curFrame already
-  // where `frame` is null. (pipeline.cpp)
-  bool learnStrips(const std::uint8_t* frame, std::int32_t pixels);
-  bool continues(const std::uint8_t* frame, std::int32_t pixels, int channels) const;
-  // Pixels of a strip, made up to whole rows: few enough for its planes to stay in a processor's own cache
-  // from one step to the next. Any number gives the same results.
-  std::size_t stripPixels = 8192;
-  std::vector<int> nbrDistances;  // see lm::neighbourDistances; empty unless initBuffer_ncv filled the arrays
-  std::size_t regionMaskBytes = 0;         // bytes of each region mask that setParam made
-  std::vector<std::uint32_t*> labelTable;  // the table that labelRows points to
-  // What object extraction keeps between frames; made when it is first needed. (objects/scratch.h)
-  std::unique_ptr<lm::ObjectScratch> objectScratch;
+  std::unique_ptr<lm::EngineState> state;  // the library's own; made when it is first needed
 };

@@ -1,6 +1,8 @@
 // Seeding the model from the first frame.
 #include <cstring>
 
+#include "base/integers.h"
+#include "engine/engine_state.h"
 #include "engine/kamble.h"
 #include "engine/rules.h"
 
@@ -21,7 +23,7 @@ std::uint32_t sampleOf(const kAMBLE& engine, std::size_t pixel, std::size_t last
   return word & 0x00FFFFFFU;
 }
 
-// The pixel's own value, then its neighbours', in turn. Reads curFrame up to two rows and two columns away.
+// The pixel's own value, then its neighbours' in turn. Reads curFrame up to two rows and two columns away.
 template <int channels>
 void seedPixel(kAMBLE& engine, std::size_t pixel, std::size_t last) {
   std::uint32_t samples[BgModel::numSamples];
@@ -48,8 +50,8 @@ void seedAll(kAMBLE& engine, std::size_t count) {
 
 bool kAMBLE::initModel_ncv() {
   const std::size_t count = lm::countOf(numPixel);
-  if (curFrame == nullptr || bgImg == nullptr || nbrCursor == nullptr || bgModel.size() < count ||
-      nbrIdx.size() < count || (count > 0 && nbrIdx.front() == nullptr)) {
+  if (curFrame == nullptr || bgImg == nullptr || nbrCursor == nullptr || bgModel.size() != count ||
+      nbrIdx.size() != count || (count > 0 && nbrIdx.front() == nullptr) || !lm::holdsFrames(*this)) {
     return false;
   }
   if (frmChn == 1) seedAll<1>(*this, count);

@@ -1,11 +1,15 @@
-// Replacing samples: absorbed pixels and changes of light at once, slowly changing background now and then.
+// Replacing samples: at once for absorbed pixels and lighting changes, once in 16 frames for slowly changing
+// background.
 #include <algorithm>
 #include <array>
 #include <bit>
+#include <cassert>
 #include <cstring>
 
-#include "engine/bits.h"
-#include "engine/fetch.h"
+#include "base/bits.h"
+#include "base/integers.h"
+#include "base/prefetch.h"
+#include "engine/engine_state.h"
 #include "engine/kamble.h"
 #include "engine/neighbours.h"
 #include "engine/ranges.h"
@@ -20,7 +24,7 @@ constexpr std::uint32_t refreshCycle = 16;  // a qualifying pixel is refreshed o
 constexpr std::uint32_t refreshTurn = 1;    // position in the cycle at which it is
 constexpr std::int32_t refreshRest = 15;    // frames that it then rests
 
-// Copies of a length that the compiler knows are a move or two.
+// A copy of constant length compiles to a move or two.
 void copyPixel(std::uint8_t* to, const std::uint8_t* from, std::size_t bytes) {
   if (bytes == 3) {
     std::memcpy(to, from, 3);
@@ -33,6 +37,7 @@ void writeSample(kAMBLE& engine, const std::uint8_t* frame, std::size_t pixel) {
   const auto bytes = static_cast<std::size_t>(engine.frmChn);
   const std::uint8_t* value = frame + pixel * bytes;
   const std::uint32_t slot = engine.sampleCursor[pixel];
+  assert(slot < BgModel::numSamples);
   engine.sampleCursor[pixel] =
       lm::nextSlot(slot, engine.lockSegStart, engine.lockSegEnd, BgModel::numSamples);
   copyPixel(engine.bgModel[pixel].samples[slot], value, bytes);
@@ -49,17 +54,18 @@ bool isRefreshDue(kAMBLE& engine, std::size_t pixel) {
   return turn == refreshTurn;
 }
 
-// Blocks that are found before the first of them is worked on, so that their cursors and samples come from
-// memory while others are searched for.
+// Blocks found before the first of them is processed, so that cursors and samples are prefetched during the
+// search.
 constexpr std::size_t blocksAhead = 64;
 
-// Pixels that wait for the same decision: memory is asked for all of them, and one loop decides them all.
+// Pixels that wait for the same decision, grouped so that their data can be prefetched together.
 class PixelList {
  public:
   // Those of the block at `begin` whose bits are set.
   void append(std::size_t begin, std::uint32_t bits) {
     const auto count = static_cast<std::size_t>(std::popcount(bits));
-    // Hardly a block has more than four; with these written, wanted or not, the processor need not guess.
+    assert(size_ + count <= capacity);
+    // Few blocks have more than four; always writing four avoids a mispredicted branch.
     for (std::size_t done = 0; done < count; done += step) {
       for (std::size_t i = 0; i < step; ++i, bits &= bits - 1) {
         pixels_[size_ + done + i] =
@@ -70,6 +76,7 @@ class PixelList {
   }
 
   void append(std::uint32_t pixel, bool wanted) {
+    assert(size_ + static_cast<std::size_t>(wanted) <= capacity);
     pixels_[size_] = pixel;
     size_ += static_cast<std::size_t>(wanted);
   }
@@ -80,22 +87,23 @@ class PixelList {
 
  private:
   static constexpr std::size_t step = 4;
-  std::array<std::uint32_t, blocksAhead * lm::blockPixels + step> pixels_;
+  static constexpr std::size_t capacity = blocksAhead * lm::blockPixels;
+  std::array<std::uint32_t, capacity + step> pixels_;
   std::size_t size_ = 0;
 };
 
 template <typename T>
-void fetch(const T* plane, const PixelList& pixels) {
-  for (const std::uint32_t pixel : pixels) lm::fetch(plane + pixel);
+void prefetch(const T* plane, const PixelList& pixels) {
+  for (const std::uint32_t pixel : pixels) lm::prefetch(plane + pixel);
 }
 
 // Blocks with work, and their pixels by what has to be decided.
 struct Batch {
   std::array<lm::UpdateBlock, blocksAhead> blocks;
   std::size_t size = 0;
-  PixelList lit;      // whose change of light is followed if a neighbour's changed as well
-  PixelList both;     // likewise, or else the slow refresh looks at them
-  PixelList changed;  // which the slow refresh looks at
+  PixelList lit;      // whose lighting change is followed if a neighbour changed as well
+  PixelList both;     // the same; otherwise candidates for the slow refresh
+  PixelList changed;  // candidates for the slow refresh
   PixelList written;  // whose samples are replaced
 
   void clear() {
@@ -107,18 +115,20 @@ struct Batch {
 // pixel's block, or null.
 bool neighbourChanged(kAMBLE& engine, const int* distances, std::size_t pixel) {
   const std::uint32_t entry = engine.nbrCursor[pixel];
+  assert(entry < lm::countOf(engine.numNbr));
   engine.nbrCursor[pixel] = lm::nextInRing(entry, engine.numNbr);
   const std::int64_t neighbour = distances != nullptr ? static_cast<std::int64_t>(pixel) + distances[entry]
                                                       : engine.nbrIdx[pixel][entry];
   return engine.illumDiff[neighbour == -1 ? pixel : static_cast<std::size_t>(neighbour)] > engine.thrIllum;
 }
 
-// A change of light over much of the scene is followed at once; elsewhere only together with a neighbour.
+// A lighting change over much of the scene is followed at once, a local one only together with a neighbour.
 void sortPixels(kAMBLE& engine, const lm::NeighbourDistances& neighbours, Batch& batch) {
   const bool everywhere = !(engine.illumRatio < globalChangeRatio);
   for (std::size_t i = 0; i < batch.size; ++i) {
     const std::size_t begin = batch.blocks[i].begin;
     const lm::UpdateWork& work = batch.blocks[i].work;
+    assert(lm::fitsIn(work.absorbed | work.lit | work.changed, engine.bgModel.size() - begin));
     for (std::uint32_t left = work.absorbed; left != 0; left &= left - 1) {
       engine.absorbMask[begin + static_cast<std::size_t>(std::countr_zero(left))] = 0;
     }
@@ -137,9 +147,9 @@ void sortPixels(kAMBLE& engine, const lm::NeighbourDistances& neighbours, Batch&
   }
 }
 
-// `distances`: of blocks whose neighbourhoods lie in the frame, which all pixels in question come from.
+// `distances`: of interior blocks, where all of these pixels are.
 void followLight(kAMBLE& engine, const int* distances, Batch& batch) {
-  for (const PixelList* pixels : {&batch.lit, &batch.both}) fetch(engine.nbrCursor, *pixels);
+  for (const PixelList* pixels : {&batch.lit, &batch.both}) prefetch(engine.nbrCursor, *pixels);
   for (const std::uint32_t pixel : batch.lit) {
     batch.written.append(pixel, neighbourChanged(engine, distances, pixel));
   }
@@ -151,8 +161,8 @@ void followLight(kAMBLE& engine, const int* distances, Batch& batch) {
 }
 
 void refresh(kAMBLE& engine, Batch& batch) {
-  fetch(engine.minDist, batch.changed);
-  fetch(engine.refreshCount, batch.changed);
+  prefetch(engine.minDist, batch.changed);
+  prefetch(engine.refreshCount, batch.changed);
   for (const std::uint32_t pixel : batch.changed) {
     if (!isRefreshDue(engine, pixel)) continue;
     engine.updTimer[pixel] = refreshRest;
@@ -161,9 +171,9 @@ void refresh(kAMBLE& engine, Batch& batch) {
 }
 
 void writeSamples(kAMBLE& engine, const std::uint8_t* frame, const PixelList& pixels) {
-  fetch(engine.sampleCursor, pixels);
+  prefetch(engine.sampleCursor, pixels);
   for (const std::uint32_t pixel : pixels) {
-    lm::fetchToWrite(engine.bgModel[pixel].samples[engine.sampleCursor[pixel]]);
+    lm::prefetchToWrite(engine.bgModel[pixel].samples[engine.sampleCursor[pixel]]);
   }
   for (const std::uint32_t pixel : pixels) writeSample(engine, frame, pixel);
 }
@@ -187,28 +197,39 @@ float lm::LightCount::ratio() const {
 
 void lm::updateRange(kAMBLE& engine, const std::uint8_t* frame, std::size_t begin, std::size_t end,
                      const NeighbourDistances& distances, LightCount& light) {
+  assert(begin <= end && end <= engine.bgModel.size());
   const ModelKernels& kernels = modelKernels();
-  const UpdatePlanes planes{engine.roiMask,    engine.rdDiff,           engine.prevFgMask, engine.fgMask,
-                            engine.absorbMask, engine.illumDiff,        engine.updTimer,   engine.thrHeuris,
-                            engine.thrIllum,   engine.ghostSuppression, engine.illumChange};
+  const UpdatePlanes planes{.roiMask = engine.roiMask,
+                            .rdDiff = engine.rdDiff,
+                            .prevFgMask = engine.prevFgMask,
+                            .fgMask = engine.fgMask,
+                            .absorbMask = engine.absorbMask,
+                            .illumDiff = engine.illumDiff,
+                            .updTimer = engine.updTimer,
+                            .unchanged = engine.thrHeuris,
+                            .sameLight = engine.thrIllum,
+                            .absorbing = engine.ghostSuppression,
+                            .watchLight = engine.illumChange};
   Batch batch;
   while (begin < end) {
     batch.size = kernels.findUpdateWork(planes, begin, end, batch.blocks.data(), blocksAhead, light.examined);
+    assert(batch.size <= blocksAhead);
     for (std::size_t i = 0; i < batch.size; ++i) light.changed += std::popcount(batch.blocks[i].work.lit);
     updateBatch(engine, frame, distances, batch);
   }
 }
 
-bool kAMBLE::canUpdate() const {
-  const std::size_t count = lm::countOf(numPixel);
-  return roiMask != nullptr && fgMask != nullptr && prevFgMask != nullptr && rdDiff != nullptr &&
-         curFrame != nullptr && absorbMask != nullptr && minDist != nullptr && bgImg != nullptr &&
-         updTimer != nullptr && refreshCount != nullptr && sampleCursor != nullptr && nbrCursor != nullptr &&
-         (!illumChange || illumDiff != nullptr) && bgModel.size() >= count && nbrIdx.size() >= count;
+bool lm::canUpdate(const kAMBLE& engine) {
+  return engine.roiMask != nullptr && engine.fgMask != nullptr && engine.prevFgMask != nullptr &&
+         engine.rdDiff != nullptr && engine.curFrame != nullptr && engine.absorbMask != nullptr &&
+         engine.minDist != nullptr && engine.bgImg != nullptr && engine.updTimer != nullptr &&
+         engine.refreshCount != nullptr && engine.sampleCursor != nullptr && engine.nbrCursor != nullptr &&
+         (!engine.illumChange || engine.illumDiff != nullptr) &&
+         engine.nbrIdx.size() == engine.bgModel.size() && lm::hasModel(engine) && lm::holdsFrames(engine);
 }
 
 bool kAMBLE::updateModel_ncv() {
-  if (!canUpdate()) return false;
+  if (!lm::canUpdate(*this)) return false;
   lm::LightCount light;
   lm::updateRange(*this, curFrame, 0, lm::countOf(numPixel), lm::NeighbourDistances(), light);
   illumRatio = light.ratio();

@@ -1,10 +1,12 @@
 #include "engine/neighbours.h"
 
 #include <algorithm>
+#include <cassert>
 #include <cstdlib>
 
+#include "base/integers.h"
+#include "engine/engine_state.h"
 #include "engine/kamble.h"
-#include "engine/rules.h"
 #include "simd/model_kernels.h"
 
 namespace lm {
@@ -26,8 +28,9 @@ void fillAtBorder(int* entries, std::int32_t numEntries, const std::vector<pnt>&
 
 std::vector<pnt> neighbourOffsets() {
   std::vector<pnt> offsets;
-  for (std::int32_t dx = -2; dx <= 2; ++dx) {
-    for (std::int32_t dy = -2; dy <= 2; ++dy) offsets.push_back({dx, dy});
+  constexpr std::int32_t reach = neighbourRadius;
+  for (std::int32_t dx = -reach; dx <= reach; ++dx) {
+    for (std::int32_t dy = -reach; dy <= reach; ++dy) offsets.push_back({dx, dy});
   }
   return offsets;
 }
@@ -49,7 +52,7 @@ std::vector<int> neighbourDistances(const std::vector<pnt>& offsets, std::int32_
 }
 
 NeighbourDistances::NeighbourDistances(const kAMBLE& engine, const std::vector<int>& distances) {
-  const std::size_t width = countOf(engine.szImgX);
+  const std::size_t width = countOf(stateOf(engine).nbrWidth);
   const std::size_t rows = width == 0 ? 0 : countOf(engine.numPixel) / width;
   constexpr std::size_t margins = 2 * std::size_t{reach};
   const bool roomForABlock = width >= blockPixels + margins && rows > margins;
@@ -63,13 +66,15 @@ NeighbourDistances::NeighbourDistances(const kAMBLE& engine, const std::vector<i
 
 void fillNeighbours(const std::vector<int*>& arrays, std::int32_t numEntries, const std::vector<pnt>& offsets,
                     const FrameShape& shape) {
+  assert(arrays.size() >= countOf(shape.count) && offsets.size() >= countOf(numEntries));
   const std::vector<int> distances = neighbourDistances(offsets, numEntries, shape);
+  constexpr std::int32_t reach = neighbourRadius;
   std::int32_t x = 0;
   std::int32_t y = 0;
   for (std::int32_t pixel = 0; pixel < shape.count; ++pixel) {
     int* entries = arrays[static_cast<std::size_t>(pixel)];
-    const bool interior =
-        x >= 2 && x + 2 < shape.width && y >= 2 && shape.indexAt(x + 2, std::int64_t{y} + 2) != -1;
+    const bool interior = x >= reach && x + reach < shape.width && y >= reach &&
+                          shape.indexAt(x + reach, std::int64_t{y} + reach) != -1;
     if (interior) {
       for (std::size_t k = 0; k < distances.size(); ++k) entries[k] = pixel + distances[k];
     } else {
@@ -83,6 +88,7 @@ void fillNeighbours(const std::vector<int*>& arrays, std::int32_t numEntries, co
 }
 
 void fillDirectNeighbours(std::vector<int128_t>& records, const FrameShape& shape) {
+  assert(records.size() >= countOf(shape.count));
   const auto store = [](std::int32_t& field, bool exists, std::int32_t index) {
     if (exists) field = index;
   };

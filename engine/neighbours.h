@@ -12,7 +12,10 @@ class kAMBLE;
 
 namespace lm {
 
-// The 25 offsets of the 5 x 5 neighbourhood, x outer and y inner, each from -2 to 2.
+// Of a pixel's neighbourhood, a square around it.
+inline constexpr std::int32_t neighbourRadius = 2;
+
+// The offsets of the neighbourhood, x outer and y inner, each from -neighbourRadius to neighbourRadius.
 std::vector<pnt> neighbourOffsets();
 
 // A frame of `count` pixels in rows of `width`; `height` rows, unless the product of the sizes wrapped.
@@ -25,46 +28,44 @@ struct FrameShape {
   std::int32_t indexAt(std::int64_t x, std::int64_t y) const;
 };
 
-// Fills every pixel's array of `numEntries` with the indices of its neighbours at `offsets`; positions
-// outside the frame take a random other entry of the same pixel, drawn from rand() in index order.
+// Fills every pixel's array of `numEntries` with the indices of its neighbours at `offsets`; an entry outside
+// the frame becomes a copy of another entry of the same pixel, drawn from rand() in index order.
 void fillNeighbours(const std::vector<int*>& arrays, std::int32_t numEntries, const std::vector<pnt>& offsets,
                     const FrameShape& shape);
 
-// The entries of a pixel whose whole neighbourhood lies in the frame, less its own index: they are the same
-// for all such pixels.
+// Index offsets of the neighbours of an interior pixel: the same for all of them.
 std::vector<int> neighbourDistances(const std::vector<pnt>& offsets, std::int32_t numEntries,
                                     const FrameShape& shape);
 
-// Knows of which blocks of pixels the neighbours need not be looked up in the pixels' arrays, a visit to
-// memory that nothing else asks for.
+// Fixed neighbour offsets for interior blocks; they save the reads of the pixels' arrays.
 class NeighbourDistances {
  public:
-  // Of no block.
+  // For no block.
   NeighbourDistances() = default;
-  // Of those whose neighbourhoods lie in the frame; of none where `distances` is empty.
+  // For blocks whose neighbourhoods are inside the frame; for none when `distances` is empty.
   NeighbourDistances(const kAMBLE& engine, const std::vector<int>& distances);
 
-  // The distances for the 32 pixels from `begin` on, or null where their arrays have to be read.
+  // The offsets for the 32 pixels from `begin` on, or null when their arrays must be read.
   const int* of(std::size_t begin) const {
     if (begin < first_ || begin >= last_) return nullptr;
     const std::uint32_t column = static_cast<std::uint32_t>(begin) % width_;
     return column >= reach && column <= lastColumn_ ? distances_ : nullptr;
   }
 
-  // Those that `of` gives where it gives any.
+  // Offsets of an interior block, or null.
   const int* inside() const { return distances_; }
 
  private:
-  static constexpr std::uint32_t reach = 2;  // of a neighbourhood, pixels
+  static constexpr std::uint32_t reach = neighbourRadius;
 
   const int* distances_ = nullptr;
   std::uint32_t width_ = 1;
-  std::uint32_t lastColumn_ = 0;  // at which a block may start
+  std::uint32_t lastColumn_ = 0;  // where a block may start
   std::size_t first_ = 0;         // blocks start at [first_, last_)
   std::size_t last_ = 0;
 };
 
-// Fills the direct neighbours of every pixel that exist; fields of those that do not are left as they are.
+// Fills the direct neighbours of every pixel that are inside the frame; other fields keep their values.
 void fillDirectNeighbours(std::vector<int128_t>& records, const FrameShape& shape);
 
 }  // namespace lm

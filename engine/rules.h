@@ -1,52 +1,14 @@
-// The small pure rules of the engine: wrapping integer arithmetic, conversions that are defined for every
-// value, and the rules by which cursors, lives and rates move. Everything is inline, allocates nothing and
-// throws nothing.
+// The rules of the engine as small pure functions: how cursors, lives and rates move. They allocate nothing
+// and throw nothing.
 #pragma once
 
-#include <cstddef>
 #include <cstdint>
-#include <limits>
+
+#include "base/integers.h"
 
 namespace lm {
 
-// ---- arithmetic that wraps
-// ---------------------------------------------------------------------------
-
-constexpr std::int32_t wrapAdd(std::int32_t a, std::int32_t b) {
-  return static_cast<std::int32_t>(static_cast<std::uint32_t>(a) + static_cast<std::uint32_t>(b));
-}
-constexpr std::int32_t wrapSub(std::int32_t a, std::int32_t b) {
-  return static_cast<std::int32_t>(static_cast<std::uint32_t>(a) - static_cast<std::uint32_t>(b));
-}
-constexpr std::int32_t wrapMul(std::int32_t a, std::int32_t b) {
-  return static_cast<std::int32_t>(static_cast<std::uint32_t>(a) * static_cast<std::uint32_t>(b));
-}
-
-constexpr std::int64_t wrapAdd(std::int64_t a, std::int64_t b) {
-  return static_cast<std::int64_t>(static_cast<std::uint64_t>(a) + static_cast<std::uint64_t>(b));
-}
-constexpr std::int64_t wrapSub(std::int64_t a, std::int64_t b) {
-  return static_cast<std::int64_t>(static_cast<std::uint64_t>(a) - static_cast<std::uint64_t>(b));
-}
-constexpr std::int64_t wrapMul(std::int64_t a, std::int64_t b) {
-  return static_cast<std::int64_t>(static_cast<std::uint64_t>(a) * static_cast<std::uint64_t>(b));
-}
-
-// Bytes of a frame or plane, or nothing for a product that wrapped below zero.
-constexpr std::size_t countOf(std::int32_t product) {
-  return product > 0 ? static_cast<std::size_t>(product) : 0;
-}
-
-// Truncation toward zero; what does not fit (NaN too) gives INT32_MIN, as the processor's own conversion
-// does.
-constexpr std::int32_t toInt32(double value) {
-  constexpr double limit = 2147483648.0;
-  const bool fits = value > -limit - 1.0 && value < limit;
-  return fits ? static_cast<std::int32_t>(value) : std::numeric_limits<std::int32_t>::min();
-}
-
-// ---- samples
-// ------------------------------------------------------------------------------------------------
+// ---- samples ----------------------------------------------------------------------------------------------
 
 // Slot that the sample cursor moves to after writing `slot`.
 // Kept: only one slot of the locked segment [lockStart, lockEnd] is stepped over, so every other slot of a
@@ -70,7 +32,7 @@ struct LockSegment {
   std::int32_t last;
 };
 
-// Where a locked segment that starts at `first` moves to: right behind itself, or to the start where `width`
+// Where a locked segment that starts at `first` moves to: the slots after it, or the start where `width`
 // slots no longer fit.
 constexpr LockSegment moveLock(std::int32_t first, std::int32_t width, std::int32_t numSlots) {
   const std::int32_t next = wrapAdd(first, width);
@@ -79,16 +41,14 @@ constexpr LockSegment moveLock(std::int32_t first, std::int32_t width, std::int3
   return {start, wrapSub(wrapAdd(start, width), 1)};
 }
 
-// ---- life of still foreground
-// -------------------------------------------------------------------------------
+// ---- life of still foreground -----------------------------------------------------------------------------
 
 // Life that a pixel holds once it was absorbed.
 constexpr float absorbedLife(std::int32_t lifeStaticFrm) {
   return static_cast<float>(wrapAdd(lifeStaticFrm, 1));
 }
 
-// ---- frame rate
-// ---------------------------------------------------------------------------------------------
+// ---- frame rate -------------------------------------------------------------------------------------------
 
 inline constexpr double minRate = 3.0;
 inline constexpr double maxRate = 40.0;

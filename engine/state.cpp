@@ -1,7 +1,7 @@
 // Construction and destruction of the engine, and the exported variables.
-#include "engine/aligned.h"
+#include "base/aligned.h"
+#include "engine/engine_state.h"
 #include "engine/kamble.h"
-#include "objects/scratch.h"
 
 std::int32_t THRESH_SAME_PIXEL_x3 = 30;
 std::int32_t THRESH_SAME_PIXEL_x2 = 20;
@@ -13,4 +13,14 @@ kAMBLE::~kAMBLE() {
   destoryBuffer();
   for (polygon& region : roiInclude) lm::releaseArray(region.mask);
   for (polygon& region : roiExclude) lm::releaseArray(region.mask);
+}
+
+lm::EngineState& lm::stateOf(kAMBLE& engine) {
+  if (engine.state == nullptr) engine.state = std::make_unique<EngineState>();
+  return *engine.state;
+}
+
+const lm::EngineState& lm::stateOf(const kAMBLE& engine) {
+  static const EngineState initial;
+  return engine.state != nullptr ? *engine.state : initial;
 }

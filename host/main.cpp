@@ -1,33 +1,34 @@
 #include <cstdio>
 #include <exception>
+#include <new>
 #include <string>
 
-#include "host/archive/archive.h"
-#include "host/failure.h"
-#include "host/interrupt.h"
-#include "host/options.h"
-#include "host/plugin_log.h"
-#include "host/run.h"
-#include "host/standard_streams.h"
+#include "host/base/failure.h"
+#include "host/base/interrupt.h"
+#include "host/base/standard_streams.h"
+#include "host/commands/command_line.h"
+
+namespace base = lm::host::base;
+namespace commands = lm::host::commands;
 
 int main(int argc, char** argv) {
-  using namespace lm::host;
-  occupy_standard_streams();
+  base::occupy_standard_streams();
   try {
-    const Command command = parse_command_line({argv + 1, argv + argc});
-    if (!command.options && !command.work) {
-      std::fputs(command.text.c_str(), command.status == kDone ? stdout : stderr);
+    const commands::Command command = commands::parse_command_line({argv + 1, argv + argc});
+    if (!command.work) {
+      std::fputs(command.text.c_str(), command.status == base::kDone ? stdout : stderr);
       return command.status;
     }
-    watch_for_interrupts();
-    if (command.work) return command.work();
-    show_plugin_log(command.options->verbose);
-    return command.options->archive.out.empty() ? run(*command.options) : run_archive(*command.options);
-  } catch (const Failure& failure) {
+    base::watch_for_interrupts();
+    return command.work();
+  } catch (const base::Failure& failure) {
     std::fprintf(stderr, "lightmotion: %s\n", failure.what());
-    return interrupted() != 0 ? 128 + interrupted() : failure.status();
+    return base::interrupted() != 0 ? 128 + base::interrupted() : failure.status();
+  } catch (const std::bad_alloc&) {
+    std::fputs("lightmotion: out of memory\n", stderr);
+    return base::kTrouble;
   } catch (const std::exception& error) {
-    std::fprintf(stderr, "lightmotion: %s\n", one_line(error.what()).c_str());
-    return kTrouble;
+    std::fprintf(stderr, "lightmotion: %s\n", base::one_line(error.what()).c_str());
+    return base::kTrouble;
   }
 }

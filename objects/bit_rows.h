@@ -1,7 +1,8 @@
-// A plane of bits in rows of 64-bit words, so that steps from pixel to pixel become steps of a word.
+// A plane of bits in rows of 64-bit words: 64 pixels are processed at a time.
 #pragma once
 
 #include <bit>
+#include <cassert>
 #include <cstddef>
 #include <cstdint>
 #include <vector>
@@ -10,7 +11,7 @@
 
 namespace lm {
 
-// Every row has a blank word before and behind it, and there is a blank row above the first and one below the
+// Every row has a blank word before and after it, and there is a blank row above the first and one below the
 // last: the neighbours of pixels at the frame's edge read as 0.
 class BitRows {
  public:
@@ -25,7 +26,11 @@ class BitRows {
   const std::uint64_t* row(std::ptrdiff_t y) const { return bits_.data() + offset(y); }
 
  private:
-  std::size_t offset(std::ptrdiff_t y) const { return 1 + static_cast<std::size_t>(y + 1) * stride_; }
+  std::size_t offset(std::ptrdiff_t y) const {
+    const std::size_t begin = 1 + static_cast<std::size_t>(y + 1) * stride_;
+    assert(y >= -1 && begin + stride_ <= bits_.size());
+    return begin;
+  }
 
   std::size_t stride_ = 0;
   std::vector<std::uint64_t> bits_;

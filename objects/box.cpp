@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "engine/rules.h"
+#include "base/integers.h"
 
 namespace {
 
@@ -22,8 +22,8 @@ bool startsWithin(Span a, Span b) { return (a.start - b.start) * (a.start - b.en
 
 AxisGap gapBetween(Span a, Span b) {
   const std::int32_t before = lm::toInt32(std::fabs(a.start - b.end));
-  const std::int32_t behind = lm::toInt32(std::fabs(b.start - a.end));
-  return {startsWithin(a, b) || startsWithin(b, a), std::min(before, behind)};
+  const std::int32_t after = lm::toInt32(std::fabs(b.start - a.end));
+  return {startsWithin(a, b) || startsWithin(b, a), std::min(before, after)};
 }
 
 }  // namespace

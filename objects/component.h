@@ -17,7 +17,7 @@ struct ccObj {
 namespace lm {
 
 // Box of a component in a frame of width x height: from the last empty column and row before it to the first
-// behind it. -1 stands for none before it, the frame's side (or more) for none behind it.
+// after it. -1 means none before it, the frame's side (or more) none after it.
 boxRect boxBetween(int left, int top, int right, int bottom, int width, int height);
 
 }  // namespace lm

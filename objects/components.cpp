@@ -1,8 +1,8 @@
 // Labelling the 4-connected regions of a map.
 #include <algorithm>
 
+#include "base/integers.h"
 #include "engine/kamble.h"
-#include "engine/rules.h"
 #include "objects/scratch.h"
 
 namespace {
@@ -18,14 +18,15 @@ void findPixels(const std::uint32_t* row, std::size_t pixels, std::uint32_t valu
 
 std::vector<ccObj> kAMBLE::connectedComponent(std::uint32_t* labels, std::uint8_t value) {
   std::vector<ccObj> components;
-  if (labels == nullptr || szImgX < 1) return components;
-  if (labels == labelMap && objectScratch != nullptr) objectScratch->labels.forget();
-  const std::size_t width = lm::countOf(szImgX);
+  const std::int32_t rowPixels = lm::stateOf(*this).nbrWidth;
+  if (labels == nullptr || rowPixels < 1 || nbr4Idx.size() != lm::countOf(numPixel)) return components;
+  if (labels == labelMap) lm::scratchOf(*this).labels.forget();
+  const std::size_t width = lm::countOf(rowPixels);
   const std::size_t count = lm::countOf(numPixel);
   const std::size_t words = lm::wordsFor(width);
   lm::BitRows bits;
   lm::RunLabeller labeller;
-  labeller.start(szImgX, value);
+  labeller.start(rowPixels, value);
   for (std::size_t begin = 0, y = 0; begin < count; begin += width, ++y) {
     bits.reset(words, 1);
     findPixels(labels + begin, std::min(width, count - begin), value, bits.row(0));

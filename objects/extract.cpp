@@ -1,7 +1,9 @@
 // From the foreground mask of a frame to the boxes of what moves.
-#include "engine/aligned.h"
+#include <algorithm>
+
+#include "base/aligned.h"
+#include "base/integers.h"
 #include "engine/kamble.h"
-#include "engine/rules.h"
 #include "objects/join.h"
 #include "objects/region_names.h"
 #include "objects/scratch.h"
@@ -12,36 +14,40 @@ namespace {
 
 // Whether the engine was sized, and for the frame size that it states now.
 bool isSized(const kAMBLE& engine) {
-  const bool tableFits = engine.labelRows == nullptr || engine.labelRows != engine.labelTable.data() ||
-                         engine.labelTable.size() == lm::countOf(engine.szImgY);
+  const std::vector<std::uint32_t*>& table = lm::stateOf(engine).labelTable;
+  const bool tableFits = engine.labelRows == nullptr || engine.labelRows != table.data() ||
+                         table.size() == lm::countOf(engine.szImgY);
   return engine.szImgX >= 1 && engine.numPixel >= 1 && tableFits &&
          std::int64_t{engine.szImgX} * engine.szImgY == engine.numPixel && engine.roiMask != nullptr &&
-         engine.nbr4Idx.size() >= lm::countOf(engine.numPixel);
+         engine.nbr4Idx.size() == lm::countOf(engine.numPixel);
 }
 
 // Foreground becomes 1 and loses three layers, then what lies outside the regions: dilate_ncv_fast(mask, 255,
 // 1, 2), erode_ncv_fast(mask, 1, 0, 3) and pruning, the first two in one go.
 void cleanMask(kAMBLE& engine, std::uint8_t* mask) {
   lm::MaskBits& bits = lm::scratchOf(engine).mask;
-  bits.read(mask, lm::countOf(engine.szImgX), lm::countOf(engine.numPixel), {255, 1, 0});
+  bits.read(mask, lm::countOf(lm::stateOf(engine).nbrWidth), lm::countOf(engine.numPixel),
+            {.set = 255, .relabel = 1, .cleared = 0});
   bits.peel(3, engine.morphList);
   bits.write(mask);
   simd::pruneFgByRoi(mask, engine.roiMask, engine.numPixel);
 }
 
-// Makes the label map and the row table where they are missing. False when memory is lacking.
+// Makes the label map and the row table where they are missing. False when an allocation fails.
 bool makeLabels(kAMBLE& engine) {
   const bool blank = engine.labelMap == nullptr && engine.labelRows == nullptr;
   bool made = lm::makeOnce(engine.labelMap, engine.numPixel);
   if (engine.labelRows == nullptr) {
-    engine.labelTable.assign(lm::countOf(engine.szImgY), nullptr);
-    engine.labelRows = engine.labelTable.data();
+    std::vector<std::uint32_t*>& table = lm::stateOf(engine).labelTable;
+    table.assign(lm::countOf(engine.szImgY), nullptr);
+    engine.labelRows = table.data();
   }
   for (std::int32_t row = 0; row < engine.szImgY; ++row) {
     made &= lm::makeOnce(engine.labelRows[row], engine.szImgX);
   }
   if (!made) return false;
-  const lm::LabelPlanes planes{engine.labelMap, engine.labelRows, engine.szImgX, engine.szImgY};
+  const lm::LabelPlanes planes{
+      .map = engine.labelMap, .rows = engine.labelRows, .width = engine.szImgX, .height = engine.szImgY};
   lm::scratchOf(engine).labels.use(planes, blank);
   return true;
 }
@@ -60,6 +66,28 @@ std::vector<boxRect> boxesOf(const kAMBLE& engine, const std::vector<lm::Spanned
   return boxes;
 }
 
+// The same where the sides of the frame were configured anew since the neighbour table was made: the table
+// says which pixels are neighbours, the sides say where they lie.
+std::vector<boxRect> turnedBoxesOf(kAMBLE& engine, const std::uint8_t* mask, lm::SmallComponents& small) {
+  const std::int32_t width = engine.szImgX;
+  simd::cvt_u8_to_u32(mask, engine.labelMap, lm::countOf(engine.numPixel));
+  const std::vector<ccObj> components = engine.connectedComponent(engine.labelMap, 1);
+  const std::uint32_t* row = engine.labelMap;
+  for (std::int32_t y = 0; y < engine.szImgY; ++y, row += width) std::copy_n(row, width, engine.labelRows[y]);
+  std::vector<boxRect> boxes;
+  for (const ccObj& component : components) {
+    const std::int32_t x = component.first % width;
+    const std::int32_t y = component.first / width;
+    if (component.count >= engine.thrCcPxl2) {
+      const auto label = static_cast<int>(component.label);
+      boxes.push_back(findBoundingBox(engine.labelRows, label, width, engine.szImgY, x, y));
+    } else if (engine.autoSensitivity) {
+      small.add(x, y);
+    }
+  }
+  return boxes;
+}
+
 }  // namespace
 
 std::vector<boxRect> kAMBLE::genFgObj_ncv(unsigned char* mask) {
@@ -68,12 +96,15 @@ std::vector<boxRect> kAMBLE::genFgObj_ncv(unsigned char* mask) {
   if (!makeLabels(*this)) return {};
 
   lm::SmallComponents small;
-  std::vector<boxRect> boxes = boxesOf(*this, objectScratch->labels.label(mask, objectScratch->mask), small);
+  lm::ObjectScratch& scratch = lm::scratchOf(*this);
+  std::vector<boxRect> boxes = lm::stateOf(*this).nbrWidth == szImgX
+                                   ? boxesOf(*this, scratch.labels.label(mask, scratch.mask), small)
+                                   : turnedBoxesOf(*this, mask, small);
   lm::joinNear(boxes, thrConnect);
   lm::dropSmall(boxes, minObjWPxl, minObjHPxl);
   lm::joinOverlapping(boxes);
 
-  // Kept: the names are looked for where the mask holds 255, and by now foreground is 1, so none are found.
+  // Kept: names are looked up where the mask holds 255, and by now foreground is 1, so none are found.
   addRoiName2Obj(boxes, roiInclude, mask, szImgX, szImgY);
   lm::toFractions(boxes, szImgX, szImgY);
 

@@ -4,13 +4,13 @@
 #include <cstdio>
 #include <utility>
 
-#include "engine/rules.h"
+#include "base/integers.h"
 
 namespace {
 
-// Boxes come in the raster order of their components, so mostly sorted by y, and joining keeps that. Then the
-// search for a partner may end at the first box that begins too far below. `limit` keeps the squares of the
-// gaps within 32 bits: beyond, a gap may come out as anything.
+// Boxes come in raster order of their components, so mostly sorted by y, and joining keeps that order. Then
+// the search for a partner ends at the first box that begins too far below. Below `limit` the squares of the
+// gaps fit 32 bits; above it a gap can come out as any number.
 bool isSortedByTop(const std::vector<boxRect>& boxes) {
   constexpr float limit = 16384.0F;
   const auto inBounds = [](const boxRect& box) {
@@ -21,8 +21,8 @@ bool isSortedByTop(const std::vector<boxRect>& boxes) {
                         [](const boxRect& a, const boxRect& b) { return a.y < b.y; });
 }
 
-// One pass; returns whether it joined anything. `reach`: boxes that begin more than that below another's end
-// are not related to it.
+// One pass; returns whether it joined anything. `reach`: a box that begins more than this below another's end
+// is not related to it.
 template <typename Related>
 bool joinPass(std::vector<boxRect>& boxes, float reach, Related related) {
   std::vector<boxRect> joined;

@@ -1,6 +1,7 @@
 #include "objects/label_map.h"
 
 #include <algorithm>
+#include <cassert>
 #include <cstring>
 
 #include "simd/simd.h"
@@ -25,7 +26,7 @@ void forEachStretch(const std::uint8_t* due, std::size_t blocks, std::size_t wid
 
 void LabelMap::use(const LabelPlanes& planes, bool blank) {
   if (!blank && planes == planes_) return;
-  forget();  // should memory be lacking for the rest
+  forget();  // stay unset if an allocation below throws
   const auto height = static_cast<std::size_t>(planes.height);
   words_ = wordsFor(static_cast<std::size_t>(planes.width));
   const std::uint8_t due = blank ? 0 : 1;
@@ -37,7 +38,7 @@ void LabelMap::use(const LabelPlanes& planes, bool blank) {
 
 void LabelMap::readRow(const std::uint8_t* pixels, std::size_t y) {
   const auto width = static_cast<std::size_t>(planes_.width);
-  maskKernels().packRow(pixels, width, {1, 1, 0}, set_.row(0), cleared_.row(0));
+  maskKernels().packRow(pixels, width, {.set = 1, .relabel = 1, .cleared = 0}, set_.row(0), cleared_.row(0));
   std::uint8_t* const due = blocksOf(y);
   for (std::size_t w = 0; w < words_; ++w) {
     const std::size_t inBlock = std::min(wordPixels, width - w * wordPixels);
@@ -53,7 +54,7 @@ void LabelMap::writeRow(const std::uint8_t* pixels, const RunsOfRow& runs) {
   std::uint32_t* const labels = planes_.map + y * width;
   std::uint32_t* const copy = planes_.rows[y];
   std::uint8_t* const due = blocksOf(y);
-  // Both while the row is in the cache.
+  // The map and its copy while the row is in the cache.
   forEachStretch(due, words_, width, [&](std::size_t begin, std::size_t count) {
     simd::cvt_u8_to_u32(pixels + begin, labels + begin, count);
   });
@@ -66,6 +67,7 @@ void LabelMap::writeRow(const std::uint8_t* pixels, const RunsOfRow& runs) {
 }
 
 const std::vector<SpannedComponent>& LabelMap::label(const std::uint8_t* mask, const MaskBits& uncleaned) {
+  assert(planes_.map != nullptr && planes_.rows != nullptr);
   const auto width = static_cast<std::size_t>(planes_.width);
   runs_.start(planes_.width, 1);
   for (std::size_t y = 0; y < dueRows_.size(); ++y) {

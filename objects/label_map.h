@@ -24,15 +24,15 @@ struct LabelPlanes {
 // Its storage is kept from one mask to the next.
 class LabelMap {
  public:
-  // Labels are written to `planes` from now on. `blank`: they hold nothing but 0. Otherwise, unless they are
-  // those of the mask before, they may hold anything.
+  // Labels are written to `planes` from now on. `blank`: they hold only 0. Otherwise, unless they are those
+  // of the previous mask, they may hold anything.
   void use(const LabelPlanes& planes, bool blank);
 
-  // The planes were written by somebody else.
+  // For planes that were written by other code.
   void forget() { planes_ = {}; }
 
   // Labels the regions of 1 in a mask and lists them; other pixels keep their values. `uncleaned`: the mask
-  // before pixels were cleared, which tells the rows that may hold anything.
+  // before pixels were cleared; rows that it did not hold are empty.
   const std::vector<SpannedComponent>& label(const std::uint8_t* mask, const MaskBits& uncleaned);
 
  private:
@@ -42,8 +42,8 @@ class LabelMap {
 
   LabelPlanes planes_;
   std::size_t words_ = 0;  // blocks in a row
-  // How many masks on a block (a row) is due to be written: 2 when the mask holds anything there, 1 when the
-  // planes do.
+  // For how many masks a block (a row) must still be written: 2 when the mask holds anything there, 1 when
+  // only the planes do.
   std::vector<std::uint8_t> dueBlocks_, dueRows_;
   BitRows set_, cleared_;  // a row
   RunLabeller runs_;

@@ -1,6 +1,7 @@
 #include "objects/mask_bits.h"
 
 #include <algorithm>
+#include <cassert>
 
 namespace lm {
 namespace {
@@ -29,10 +30,11 @@ std::size_t MaskBits::pixelsInRow(std::size_t y) const { return std::min(width_,
 
 void MaskBits::read(const std::uint8_t* mask, std::size_t width, std::size_t pixels,
                     const MaskValues& values) {
+  assert(width > 0);
   values_ = values;
   if (width_ != width || pixels_ != pixels) {
     const std::size_t height = (pixels + width - 1) / width;
-    width_ = pixels_ = 0;  // should memory be lacking for the rest
+    width_ = pixels_ = 0;  // stay 0 if an allocation below throws
     words_ = wordsFor(width);
     held_.assign(height, 0);
     for (BitRows* rows : {&set_, &cleared_, &layer_}) rows->reset(words_, height);
@@ -77,7 +79,7 @@ void MaskBits::list(std::vector<int>& pixels) const {
 
 void MaskBits::peel(int passes, std::vector<int>& last) {
   last.clear();
-  // A value cleared into itself stays, so that every pass finds what the first one found.
+  // If set == cleared nothing changes, and every pass finds what the first one found.
   const bool stays = values_.set == values_.cleared;
   for (int pass = stays ? passes - 1 : 0; pass < passes && findLayer(); ++pass) clearLayer();
   if (passes >= 1) list(last);

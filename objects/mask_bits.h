@@ -1,6 +1,7 @@
 // A byte mask as bits: what erosion works on.
 #pragma once
 
+#include <cassert>
 #include <cstddef>
 #include <cstdint>
 #include <vector>
@@ -12,7 +13,7 @@ namespace lm {
 // Its storage is kept from one mask to the next.
 class MaskBits {
  public:
-  // Takes a mask of `pixels` bytes in rows of `width`, the last of which may be short.
+  // Reads a mask of `pixels` bytes in rows of `width`; the last row may be short.
   void read(const std::uint8_t* mask, std::size_t width, std::size_t pixels, const MaskValues& values);
 
   // Peels `passes` layers off the set regions where they border cleared pixels: each pass clears all set
@@ -24,7 +25,10 @@ class MaskBits {
   void write(std::uint8_t* mask) const;
 
   // Whether row `y` of the mask held anything but cleared pixels.
-  bool held(std::size_t y) const { return held_[y] != 0; }
+  bool held(std::size_t y) const {
+    assert(y < held_.size());
+    return held_[y] != 0;
+  }
 
  private:
   std::size_t pixelsInRow(std::size_t y) const;
@@ -36,9 +40,9 @@ class MaskBits {
   std::size_t width_ = 0;
   std::size_t pixels_ = 0;
   std::size_t words_ = 0;
-  std::vector<std::uint8_t> held_;  // one a row
+  std::vector<std::uint8_t> held_;  // one per row
   BitRows set_, cleared_;
-  BitRows layer_;  // what a pass clears; rows that were not held are not looked at
+  BitRows layer_;  // what a pass clears; rows that were not held are skipped
 };
 
 }  // namespace lm

@@ -6,7 +6,7 @@
 //
 // All use the 4-neighbourhood; neighbours outside the frame are skipped, so the frame edge neither erodes nor
 // dilates. Masks may hold any byte values; each call says which value is set and which is cleared. The
-// contracts of the engine's members stand in engine/kamble.h.
+// contracts of the engine's members are in engine/kamble.h.
 #pragma once
 
 #include <cstdint>

@@ -1,9 +1,9 @@
-// The marker-based morphology: changed pixels carry a marker value until a sweep over the whole mask turns
+// The marker-based morphology: changed pixels hold a marker value until a pass over the whole mask replaces
 // it.
 #include <algorithm>
 
+#include "base/integers.h"
 #include "engine/kamble.h"
-#include "engine/rules.h"
 
 namespace {
 
@@ -32,7 +32,7 @@ void markAndTurn(const kAMBLE& engine, std::uint8_t* mask, std::uint8_t set, std
 
 int kAMBLE::dilate_ncv(std::uint8_t* mask, std::uint8_t set, std::uint8_t relabel, int passes) {
   const std::size_t count = lm::countOf(numPixel);
-  if (mask == nullptr || nbr4Idx.size() < count) return 0;
+  if (mask == nullptr || nbr4Idx.size() != count) return 0;
   const auto marker = static_cast<std::uint8_t>(set - 1);
   const auto notSet = [set](std::uint8_t value) { return value != set; };
   for (int pass = 0; pass < passes; ++pass) markAndTurn(*this, mask, set, marker, set, notSet);
@@ -41,7 +41,7 @@ int kAMBLE::dilate_ncv(std::uint8_t* mask, std::uint8_t set, std::uint8_t relabe
 }
 
 int kAMBLE::erode_ncv(std::uint8_t* mask, std::uint8_t set, std::uint8_t cleared, int passes) {
-  if (mask == nullptr || nbr4Idx.size() < lm::countOf(numPixel)) return 0;
+  if (mask == nullptr || nbr4Idx.size() != lm::countOf(numPixel)) return 0;
   auto marker = static_cast<std::uint8_t>(cleared + 1);
   if (marker == set) marker = static_cast<std::uint8_t>(cleared + 2);
   const auto isCleared = [cleared](std::uint8_t value) { return value == cleared; };

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "engine/rules.h"
+#include "base/integers.h"
 #include "simd/simd.h"
 
 namespace {
@@ -19,8 +19,8 @@ struct Planes {
   std::int64_t pixels() const { return std::int64_t{width} * height; }
 };
 
-// The part of one row of a box that lies before the first or behind the last pixel of the frame must not be
-// read: such a row is tested on a copy in which nothing there matches. Row: indices [start, start + columns).
+// The part of a row before the first or after the last pixel of the frame must not be read: such a row is
+// tested on a copy in which nothing there matches. Row: indices [start, start + columns).
 bool edgeRowTouches(const Planes& planes, std::int64_t start, std::int64_t columns) {
   constexpr std::int64_t chunk =
       64;  // a multiple of the kernels' blocks, so that what is left out moves no block
@@ -49,7 +49,7 @@ bool boxTouches(const boxRect& box, const Planes& planes) {
   const std::int64_t rows = lm::toInt32(box.height);
   if (columns < 1 || planes.width < 1 || planes.height < 1) return false;
 
-  // Rows that end before the first pixel are passed over.
+  // Rows that end before the first pixel are skipped.
   std::int64_t row = std::max<std::int64_t>(0, -y - (x + columns) / planes.width);
   while (row < rows) {
     const std::int64_t start = (y + row) * planes.width + x;
@@ -78,7 +78,9 @@ void addRoiName2Obj(std::vector<boxRect>& boxes, const std::vector<polygon>& reg
   if (fgMask == nullptr) return;
   for (boxRect& box : boxes) {
     for (const polygon& region : regions) {
-      if (region.mask == nullptr || !boxTouches(box, {fgMask, region.mask, width, height})) continue;
+      if (region.mask == nullptr ||
+          !boxTouches(box, {.fgMask = fgMask, .regionMask = region.mask, .width = width, .height = height}))
+        continue;
       box.names.push_back(region.name);
     }
   }

@@ -1,6 +1,7 @@
 #include "objects/runs.h"
 
 #include <algorithm>
+#include <cassert>
 
 #include "objects/bit_rows.h"
 
@@ -31,6 +32,9 @@ void RunLabeller::start(std::int32_t width, std::uint32_t value) {
 }
 
 void RunLabeller::addRow(const std::uint64_t* bits, std::size_t words, std::int32_t y) {
+  assert(rows_.empty() || rows_.back().y < y);
+  assert(bits[-1] == 0 && bits[words] == 0);
+  assert(static_cast<std::size_t>(width_) <= words * wordPixels);
   edges_.resize(words + 1);
   for (std::size_t w = 0; w <= words; ++w) edges_[w] = bits[w] ^ leftOf(bits + w);
 
@@ -66,7 +70,7 @@ void RunLabeller::unite(std::uint32_t a, std::uint32_t b) {
   if (b < a) runs_[a].parent = b;
 }
 
-// Both rows' runs rise from left to right: one walk over the two finds every pair that shares a column.
+// The runs of both rows are sorted by column: one pass over the two finds every pair that shares a column.
 void RunLabeller::uniteWithRowAbove(const RunsOfRow& above, const RunsOfRow& below) {
   for (std::uint32_t a = above.begin, b = below.begin; a < above.end && b < below.end;) {
     const Run& upper = runs_[a];
@@ -78,6 +82,7 @@ void RunLabeller::uniteWithRowAbove(const RunsOfRow& above, const RunsOfRow& bel
 }
 
 const std::vector<SpannedComponent>& RunLabeller::number() {
+  assert(components_.empty());
   for (const RunsOfRow& row : rows_) {
     for (std::uint32_t i = row.begin; i < row.end; ++i) {
       Run& run = runs_[i];
@@ -98,6 +103,7 @@ const std::vector<SpannedComponent>& RunLabeller::number() {
 void RunLabeller::paint(const RunsOfRow& row, std::uint32_t* labels) const {
   for (std::uint32_t i = row.begin; i < row.end; ++i) {
     const Run& run = runs_[i];
+    assert(run.parent < components_.size() && run.end <= width_);
     std::fill(labels + run.begin, labels + run.end, labelOf(run.parent, value_));
   }
 }

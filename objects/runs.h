@@ -31,10 +31,10 @@ struct RunsOfRow {
 // Its storage is kept from one map to the next.
 class RunLabeller {
  public:
-  // Forgets all runs. `width`: pixels in a row; `value`: what labels must leave out.
+  // Forgets all runs. `width`: pixels in a row; `value`: a label that is not used.
   void start(std::int32_t width, std::uint32_t value);
 
-  // Takes the runs of row `y`, `words` words of bits with a blank word before and behind. Rows come in rising
+  // Adds the runs of row `y`, `words` words of bits with a blank word before and after. Rows come in rising
   // order; rows without a run may be left out.
   void addRow(const std::uint64_t* bits, std::size_t words, std::int32_t y);
 
@@ -45,7 +45,7 @@ class RunLabeller {
   // The rows that were added, in order.
   const std::vector<RunsOfRow>& rows() const { return rows_; }
 
-  // Writes the labels of a row, once they are numbered.
+  // Writes the labels of a row; after number().
   void paint(const RunsOfRow& row, std::uint32_t* labels) const;
 
  private:

@@ -1,7 +1,7 @@
 // What object extraction keeps from one frame to the next.
 #pragma once
 
-#include "engine/kamble.h"
+#include "engine/engine_state.h"
 #include "objects/label_map.h"
 #include "objects/mask_bits.h"
 
@@ -14,8 +14,11 @@ struct ObjectScratch {
 
 // The engine's own, made on the first call.
 inline ObjectScratch& scratchOf(kAMBLE& engine) {
-  if (engine.objectScratch == nullptr) engine.objectScratch = std::make_unique<ObjectScratch>();
-  return *engine.objectScratch;
+  auto& objects = stateOf(engine).objects;
+  if (objects == nullptr) {
+    objects = {new ObjectScratch, [](ObjectScratch* scratch) { delete scratch; }};
+  }
+  return *objects;
 }
 
 }  // namespace lm

@@ -1,8 +1,9 @@
 #include "objects/small_components.h"
 
 #include <algorithm>
+#include <cassert>
 
-#include "engine/rules.h"
+#include "base/integers.h"
 
 namespace lm {
 namespace {
@@ -40,6 +41,7 @@ void SmallComponents::add(std::int32_t x, std::int32_t y) {
 }
 
 bool SmallComponents::huddle(std::int32_t frameWidth) {
+  assert(judgeable());
   const auto count = static_cast<float>(entries_.size());
   boxRect centre;
   centre.x = sumX_ / count;

@@ -1,6 +1,6 @@
 // The adaptive minimum component size: when a frame has no box but several small components close together,
-// pieces of a quarter of the size count from the next frame on; the minimum climbs back once that is no
-// longer so.
+// components of a quarter of the minimum count from the next frame on; afterwards the minimum rises
+// again.
 #pragma once
 
 #include <cstdint>
@@ -16,10 +16,10 @@ class SmallComponents {
   // Adds the component whose first pixel is at column `x` and row `y`.
   void add(std::int32_t x, std::int32_t y);
 
-  // Whether there are enough of them to judge.
+  // Whether there are enough of them to decide.
   bool judgeable() const { return entries_.size() >= 2; }
 
-  // Whether they lie close together around their common centre in a frame of `frameWidth` pixels.
+  // Whether they are close to their common centre in a frame of `frameWidth` pixels; when judgeable().
   bool huddle(std::int32_t frameWidth);
 
  private:
@@ -34,7 +34,7 @@ struct ComponentMinimum {
   std::int32_t hold;
 };
 
-// What the minimum becomes after a frame. `configured`: where it climbs back to.
+// The minimum after a frame. `configured`: where it rises back to.
 ComponentMinimum adaptMinimum(ComponentMinimum minimum, std::int32_t configured, bool anyBox,
                               SmallComponents& small, std::int32_t frameWidth);
 

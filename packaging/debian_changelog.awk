@@ -1,6 +1,6 @@
 # CHANGELOG.md as a Debian changelog. Variable: maintainer.
-# A section is "## VERSION (YYYY-MM-DD)" or "## VERSION (unreleased)" with "- " items; what is not released yet carries
-# SOURCE_DATE_EPOCH, or else the time of the run.
+# A section is "## VERSION (YYYY-MM-DD)" or "## VERSION (unreleased)" with "- " items. An unreleased version is dated
+# SOURCE_DATE_EPOCH or, without it, the current time.
 
 function date_of(stamp,    command, date) {
   if (stamp == "unreleased") stamp = ENVIRON["SOURCE_DATE_EPOCH"] == "" ? "now" : "@" ENVIRON["SOURCE_DATE_EPOCH"]
@@ -10,7 +10,7 @@ function date_of(stamp,    command, date) {
   return date
 }
 
-# Prints the words of `text` in lines of at most 78 characters, the first behind "  * ".
+# Prints the words of `text` in lines of at most 78 characters, the first after "  * ".
 function print_item(text,    words, count, i, line) {
   count = split(text, words, " ")
   line = "  *"

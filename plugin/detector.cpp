@@ -4,9 +4,34 @@
 #include <cstring>
 #include <utility>
 
-#include "engine/aligned.h"
+#include "base/aligned.h"
+#include "base/integers.h"
+#include "config/document.h"
 #include "engine/kamble.h"
-#include "engine/rules.h"
+
+namespace {
+
+// The frame size of a detector. Changes go back to the detector, also when an exception ends the call.
+class SizeOf : public lm::FrameSize {
+ public:
+  explicit SizeOf(lightMotion& detector) : detector_(detector) {
+    frmW = detector.frmW;
+    frmH = detector.frmH;
+    frmChn = detector.frmChn;
+  }
+  ~SizeOf() {
+    detector_.frmW = frmW;
+    detector_.frmH = frmH;
+    detector_.frmChn = frmChn;
+  }
+  SizeOf(const SizeOf&) = delete;
+  SizeOf& operator=(const SizeOf&) = delete;
+
+ private:
+  lightMotion& detector_;
+};
+
+}  // namespace
 
 lightMotion::lightMotion() = default;
 
@@ -14,20 +39,24 @@ lightMotion::~lightMotion() { terminate(); }
 
 bool lightMotion::init(const char* config) {
   if (engine == nullptr) engine = new kAMBLE;
-  std::vector<polygon> include;
-  std::vector<polygon> exclude;
-  std::vector<std::string> parameters = myjsonReader(config);
-  if (frmChn < 1 || frmW < 1 || frmH < 1) {
-    std::printf("Error: invalid parameter[frmChn:%d,frmW:%d,frmH:%d] \n", frmChn, frmW, frmH);
-    return false;
-  }
-  jsonReaderRoi(config, include, exclude);
-  if (include.empty()) {
-    std::printf("Error: region of interest is empty! \n");
-    return false;
-  }
-  engine->setParam(parameters, include, exclude);
-  return true;
+  SizeOf size(*this);
+  lm::Configuration configuration;
+  const bool accepted = lm::readConfiguration(config, size, configuration);
+  std::fputs(configuration.messages.c_str(), stdout);
+  if (accepted) engine->setParam(configuration.parameters, configuration.include, configuration.exclude);
+  return accepted;
+}
+
+std::vector<std::string> lightMotion::myjsonReader(std::string config) {
+  SizeOf size(*this);
+  std::vector<std::string> parameters;
+  if (!lm::readScalars(config, size, parameters)) std::fputs(lm::notJsonMessage, stdout);
+  return parameters;
+}
+
+bool lightMotion::jsonReaderRoi(std::string config, std::vector<polygon>& include,
+                                std::vector<polygon>& exclude) {
+  return lm::readRegions(config, {frmW, frmH, frmChn}, include, exclude);
 }
 
 int lightMotion::frameProc(const unsigned char* frame, const char* timestamp, int* resultLen) {
@@ -40,7 +69,7 @@ int lightMotion::frameProc(const unsigned char* frame, const char* timestamp, in
   const std::int32_t pixels = lm::wrapMul(frmW, frmH);
   const bool copyMade = lm::makeOnce(fgMaskCopy, pixels);
   objList.clear();
-  // Without a mask (no frame was accepted yet, or memory is lacking) nothing moved.
+  // Without a mask (no frame was accepted yet, or an allocation failed) nothing moved.
   if (!copyMade || engine->fgMask == nullptr || engine->numPixel != pixels) return 1;
   std::memcpy(fgMaskCopy, engine->fgMask, lm::countOf(pixels));
   objList = engine->genFgObj_ncv(fgMaskCopy);

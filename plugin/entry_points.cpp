@@ -8,7 +8,7 @@
 
 namespace {
 
-// The one detector of the process. Not destroyed when the library is unloaded: only terminate() empties it.
+// The one detector of the process. Only terminate() destroys it, not unloading the library.
 CInstance* instance = nullptr;
 
 lightMotion* currentDetector() { return instance == nullptr ? nullptr : instance->detector; }
@@ -25,7 +25,7 @@ CInstance::~CInstance() {
 
 bool initialization(const char* config) {
   if (instance != nullptr) return false;
-  // The unique pointer tears everything down when init refuses the document or throws.
+  // Destroys everything when init refuses the document or throws.
   std::unique_ptr<CInstance> holder(new (std::nothrow) CInstance);
   if (holder == nullptr) return false;
   holder->detector = new (std::nothrow) lightMotion;

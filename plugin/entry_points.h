@@ -3,18 +3,24 @@
  *
  * Conventions
  *  1. Order: initialization once; then frameProc for every frame, each optionally followed by getRes while
- *     *resultLen > 0; then terminate. After terminate, initialization may start over. There is one detector a
- *     process.
- *  2. Texts are NUL-terminated. Nothing is shared: the frame is read during frameProc only, the texts during
- * the call only, and the result is copied into the caller's buffer.
- *  3. One thread: call from one thread at a time. Nothing is locked. The library starts no threads.
- *  4. Pixels are 8-bit interleaved, rows top to bottom without padding, 1 (grey), 3 (blue, green, red) or
- *     4 (blue, green, red, anything) bytes a pixel. Every frame has the size that the configuration gave.
+ *     *resultLen > 0; then terminate. After terminate, initialization may start again. There is one detector
+ *     per process.
+ *  2. Texts are NUL-terminated. Nothing is shared: the frame is read during frameProc only, texts during the
+ *     call only, and the result is copied into the caller's buffer.
+ *  3. Threads: call from one thread at a time. Nothing is locked. The library starts no threads.
+ *  4. Pixels are 8-bit interleaved, rows top to bottom without padding, with 1 (grey), 3 (blue, green, red)
+ * or 4 bytes per pixel (blue, green, red, anything). Every frame has the configured size.
  *  5. Errors are return values, with a line on standard output (configuration) or standard error (engine).
- * Input that breaks the rules below raises C++ exceptions through these functions; a C host cannot catch them
- * and must therefore hand over valid input.
- *  6. The host may export a logging function `log_File_Debug_s` (C linkage): it is called once when the
- *     configuration asks for automatic sensitivity. Hosts without it work as well.
+ *     Input that breaks the rules below raises C++ exceptions through these functions. A C host cannot catch
+ *     them and must pass valid input.
+ *  6. Clip every box to the frame before any use: x + width and y + height can exceed 1, because a box at the
+ *     right or bottom border is as wide or as high as the whole frame.
+ *  7. The same document, frames and timestamps give the same bytes, with two exceptions. For pixels near the
+ *     border, neighbours are drawn with the C library's rand() on the first frame, so boxes there can differ
+ *     slightly in a second detector of a process or in a host that calls rand(). For some frame sizes, boxes
+ * in the bottom right corner can differ between processors with and without AVX2.
+ *  8. The host may export a logging function `log_File_Debug_s` (C linkage). It is called once when the
+ *     configuration asks for automatic sensitivity.
  */
 #ifndef LIGHTMOTION_PLUGIN_ENTRY_POINTS_H
 #define LIGHTMOTION_PLUGIN_ENTRY_POINTS_H
@@ -27,11 +33,12 @@ extern "C" {
 
 /*
  * Creates and configures the detector from the JSON document `config`.
- * Returns true when the detector stands; false when one exists already (which stays as it is), when the
- * document is refused (one or two lines on standard output say why) or when memory for the detector itself is
- * lacking. Throws, with no detector left behind: std::logic_error for a null document; std::invalid_argument
- * or std::out_of_range ("stoi", "stof") for a value that holds no number or one out of range; Json::Exception
- * for a document whose root, regions or points are of the wrong JSON kind; std::bad_alloc.
+ * Returns true when the detector is ready; false when one exists already (which is not changed), when the
+ * document is refused (one or two lines on standard output give the reason) or when the detector itself
+ * cannot be allocated. Throws, and leaves no detector: std::logic_error for a null document;
+ * std::invalid_argument or std::out_of_range ("stoi", "stof") for a value that is not a number or out of
+ * range; Json::Exception for a document whose root, regions or points have the wrong JSON type;
+ * std::bad_alloc and std::length_error.
  */
 bool initialization(const char* config);
 
@@ -39,16 +46,17 @@ bool initialization(const char* config);
  * Processes one frame. `frame`: width x height x channels bytes as configured. `timestamp`: the frame's time
  * in milliseconds as a decimal number; "0" or a negative number means "unknown", and the wall clock is used
  * instead. Sets *resultLen to the length of the result document in bytes without its NUL, or to 0 when
- * nothing moved. Returns 1, or 0 without touching *resultLen when there is no detector. Throws, with the
- * detector left as it was: std::logic_error for a null timestamp; std::invalid_argument or std::out_of_range
- * ("stoll") for one that holds no number or one out of range; std::bad_alloc.
+ * nothing moved. Returns 1, or 0 without changing *resultLen when there is no detector. Throws, with
+ * *resultLen 0 and an empty result document: std::logic_error for a null timestamp and std::invalid_argument
+ * or std::out_of_range ("stoll") for one that is not a number or out of range, before the frame is learned;
+ * std::bad_alloc and std::length_error, possibly after. The detector continues with the next frame.
  */
 int frameProc(const unsigned char* frame, const char* timestamp, int* resultLen);
 
 /*
  * Copies the result document of the last frame, with its NUL, into `out`: *resultLen + 1 bytes. The document
- * is empty when the last frame had no boxes or no frame was seen. Returns 1, or 0 without touching `out` when
- * there is no detector.
+ * is empty when the last frame had no boxes or there was no frame yet. Returns 1, or 0 without writing to
+ * `out` when there is no detector.
  */
 int getRes(char* out);
 

@@ -4,7 +4,7 @@
 
 #include <cmath>
 
-#include "engine/c_locale.h"
+#include "base/c_locale.h"
 #include "plugin/detector.h"
 
 namespace {
@@ -42,7 +42,7 @@ int lightMotion::genRes(const char* timestamp) {
   Json::Value root;
   write_query_result_data(objList, timestamp, root);
 #pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wdeprecated-declarations"  // the writer whose one-line form hosts rely on
+#pragma GCC diagnostic ignored "-Wdeprecated-declarations"  // hosts rely on its one-line form
   Json::FastWriter writer;
 #pragma GCC diagnostic pop
   const std::string text = writer.write(root);

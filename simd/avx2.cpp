@@ -13,7 +13,7 @@ void replace_if_u8_avx2(std::uint8_t* begin, std::uint8_t* end, std::uint8_t fro
     auto* const block = reinterpret_cast<__m256i*>(begin);
     const __m256i bytes = _mm256_loadu_si256(block);
     const __m256i match = _mm256_cmpeq_epi8(bytes, old);
-    // Masks hold little to replace; what is not written need not go back to memory.
+    // Most blocks hold nothing to replace; skipping the store avoids a write-back.
     if (_mm256_testz_si256(match, match) != 0) continue;
     _mm256_storeu_si256(block, _mm256_blendv_epi8(bytes, replacement, match));
   }

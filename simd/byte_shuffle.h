@@ -1,6 +1,6 @@
-// What the SSSE3 and the SSE4.1 versions share. Internal linkage: each of the two sources has its own copy,
-// compiled for its own level; always inlined, so that no instruction of it stands outside a function whose
-// name says its level.
+// What the SSSE3 and SSE4.1 versions share. Internal linkage: each of the two sources has its own copy,
+// compiled for its own level. Always inlined, so that its instructions are only in functions whose names
+// state their level.
 #pragma once
 
 #include <tmmintrin.h>
@@ -13,8 +13,8 @@
 
 // ---- temporal difference ----------------------------------------------------------------------------------
 
-// Shuffle masks that pick one channel of 16 interleaved pixels: masks[t] takes the wanted bytes of the t-th
-// 16 bytes to the places that they have among the 16 results, and leaves 0 in the others.
+// Shuffle masks that extract one channel of 16 interleaved pixels: masks[t] moves the wanted bytes of the
+// t-th 16 bytes to their positions among the 16 results and sets the others to 0.
 template <std::ptrdiff_t channels>
 [[gnu::always_inline]] static inline void makeGatherMasks(__m128i (&masks)[channels], int channel) {
   for (std::ptrdiff_t t = 0; t < channels; ++t) {
@@ -46,7 +46,7 @@ template <std::ptrdiff_t channels>
   for (; pixels >= 16; pixels -= 16) {
     const __m128i left = gather(a, masks);
     const __m128i right = gather(b, masks);
-    // One of the two saturates to 0, the other is the difference.
+    // One of the two subtractions saturates to 0, the other gives the difference.
     store16(out, _mm_or_si128(_mm_subs_epu8(left, right), _mm_subs_epu8(right, left)));
     a += 16 * channels;
     b += 16 * channels;
@@ -54,8 +54,7 @@ template <std::ptrdiff_t channels>
   }
 }
 
-// Whether a block's bytes lie where the gather looks for them. Other channels and counts take the strided
-// loop.
+// Whether the gather supports this layout. The strided loop does the others.
 [[gnu::always_inline]] static inline bool canGather(int channels, int channel) {
   return channels == 1 ? channel == 0 : (channels == 3 || channels == 4) && channel >= 0 && channel <= 2;
 }

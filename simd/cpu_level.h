@@ -1,4 +1,4 @@
-// Instruction-set level of the processor, as the kernels' dispatchers use it.
+// The processor's instruction-set level, which decides the version that each kernel runs.
 #pragma once
 
 #include <cstdint>
@@ -12,15 +12,29 @@ struct CpuidWords {
   std::uint32_t leaf7Ebx = 0;  // leaf 7, subleaf 0, EBX
 };
 
-// 0 none usable, 1 SSE, 2 SSE2, 3 SSE3, 4 SSSE3, 5 SSE4.1, 6 SSE4.2 with POPCNT, 7 AVX (enabled by the
-// system), 8 AVX2. Each level needs all the lower ones. Pure. Feature bits: Intel 64 and IA-32 Architectures
-// Software Developer's Manual, volume 2A, CPUID.
+// One of simd::level. Pure. Feature bits: Intel 64 and IA-32 Architectures Software Developer's Manual,
+// volume 2A, CPUID.
 int levelOf(const CpuidWords& words);
 
-// Level of this processor; probed on the first call, then remembered. Reachable as simd::GetCpuInstructionSet
-// too.
+// Level of this processor; probed on the first call, then cached. Also available as
+// simd::GetCpuInstructionSet.
 int GetCpuInstructionSet();
 
 namespace simd {
+
 using ::GetCpuInstructionSet;
-}
+
+// The levels. Each includes all lower ones.
+namespace level {
+inline constexpr int none = 0;   // a base feature is missing
+inline constexpr int sse = 1;    // SSE
+inline constexpr int sse2 = 2;   // SSE2: every x86-64 processor
+inline constexpr int sse3 = 3;   // SSE3
+inline constexpr int ssse3 = 4;  // SSSE3
+inline constexpr int sse41 = 5;  // SSE4.1
+inline constexpr int sse42 = 6;  // SSE4.2 and POPCNT
+inline constexpr int avx = 7;    // AVX, enabled by the operating system
+inline constexpr int avx2 = 8;   // AVX2
+}  // namespace level
+
+}  // namespace simd

@@ -1,51 +1,52 @@
-// Which version a kernel runs: the tables, the dispatchers and the entry points.
+// Chooses the version that each kernel runs: the dispatchers and the public entry points.
 #include "simd/kernels.h"
+#include "simd/versions.h"
 
 constinit lm::Kernels lm::kernels;
+
+namespace lm {
+
+Kernels kernelsFor(int level) {
+  return {.replace = versionFor(level, replaceVersions).function,
+          .genRdDiff = versionFor(level, genRdDiffVersions).function,
+          .prune = versionFor(level, pruneVersions).function,
+          .match = versionFor(level, matchVersions).function,
+          .touch = versionFor(level, touchVersions).function};
+}
+
+ModelKernels modelKernelsFor(int level) {
+  return {.takeFrame = versionFor(level, takeFrameVersions).function,
+          .findBusy = versionFor(level, findBusyVersions).function,
+          .settleBlock = versionFor(level, settleBlockVersions).function,
+          .matchBlock = versionFor(level, matchBlockVersions).function,
+          .findUpdateWork = versionFor(level, findUpdateWorkVersions).function};
+}
+
+MaskKernels maskKernelsFor(int level) {
+  return {.packRow = versionFor(level, packRowVersions).function,
+          .unpackRow = versionFor(level, unpackRowVersions).function};
+}
+
+const ModelKernels& modelKernels() {
+  static const ModelKernels chosen = modelKernelsFor(GetCpuInstructionSet());
+  return chosen;
+}
+
+const MaskKernels& maskKernels() {
+  static const MaskKernels chosen = maskKernelsFor(GetCpuInstructionSet());
+  return chosen;
+}
+
+}  // namespace lm
 
 namespace simd {
 namespace {
 
-template <class Function>
-struct Version {
-  int level;  // the lowest that has its instructions
-  Function* function;
-};
-
-// The reference first, then up the levels: the last row that the processor reaches is taken.
-constexpr Version<ReplaceFn> replaceVersions[] = {
-    {0, replace_if_u8_c}, {2, replace_if_u8_sse2}, {5, replace_if_u8_sse41}, {8, replace_if_u8_avx2}};
-constexpr Version<GenRdDiffFn> genRdDiffVersions[] = {
-    {0, genRdDiff_c}, {4, genRdDiff_ssse3}, {5, genRdDiff_sse41}};
-constexpr Version<PruneFn> pruneVersions[] = {
-    {0, pruneFgByRoi_c}, {2, pruneFgByRoi_sse2}, {5, pruneFgByRoi_sse41}, {8, pruneFgByRoi_avx2}};
-constexpr Version<MatchFn> matchVersions[] = {
-    {0, isMatchVal_bgr24_c}, {4, isMatchVal_bgr24_ssse3}, {5, isMatchVal_bgr24_sse41}};
-constexpr Version<TouchFn> touchVersions[] = {{0, isTouch_c}, {2, isTouch_sse2}};
-
-template <class Function, std::size_t count>
-Function* versionFor(int level, const Version<Function> (&versions)[count]) {
-  Function* chosen = versions[0].function;
-  for (const auto& version : versions) {
-    if (version.level <= level) chosen = version.function;
-  }
-  return chosen;
-}
+using lm::kernels;
 
 lm::Kernels choose() { return lm::kernelsFor(GetCpuInstructionSet()); }
 
-using lm::kernels;
-
 }  // namespace
-}  // namespace simd
-
-lm::Kernels lm::kernelsFor(int level) {
-  return {simd::versionFor(level, simd::replaceVersions), simd::versionFor(level, simd::genRdDiffVersions),
-          simd::versionFor(level, simd::pruneVersions), simd::versionFor(level, simd::matchVersions),
-          simd::versionFor(level, simd::touchVersions)};
-}
-
-namespace simd {
 
 namespace detail {
 

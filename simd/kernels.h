@@ -1,12 +1,11 @@
-// The versions in use: one pointer per kernel, written by the dispatchers. Not exported.
+// The versions in use of the public kernels: one pointer per kernel, written by its dispatcher. Not exported.
 #pragma once
 
 #include "simd/simd.h"
 
 namespace lm {
 
-// Plain variables, written without a lock: threads that make a first call at the same moment store the same
-// values.
+// Plain variables, written without a lock: threads whose first calls coincide store the same values.
 struct Kernels {
   simd::ReplaceFn* replace = simd::detail::replace_if_u8_dispatch;
   simd::GenRdDiffFn* genRdDiff = simd::detail::gen_rd_diff_dispatch;

@@ -1,6 +1,6 @@
-// Loads and stores of the vector versions. Internal linkage: each including source has its own copies,
-// compiled for its own level. All are the unaligned forms: on aligned addresses, which the engine's buffers
-// have, they cost the same as the aligned ones, and no address makes them fault.
+// 16-byte loads and stores. Internal linkage: each including source has its own copies, compiled for its own
+// level. All are the unaligned forms: they are as fast as the aligned ones on aligned addresses and never
+// fault.
 #pragma once
 
 #include <emmintrin.h>

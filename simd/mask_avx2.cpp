@@ -1,13 +1,14 @@
 // AVX2 versions of object extraction's kernels.
-#include <immintrin.h>
+#include <cassert>
 
-#include "simd/mask_kernels.h"
+#include "simd/avx2_lanes.h"
+#include "simd/contracts.h"
 
 namespace {
 
 using std::size_t;
 
-// The values of a mask, in every byte of a vector.
+// The values of a mask, each in every byte of a vector.
 struct Values {
   __m256i set;
   __m256i relabel;
@@ -24,23 +25,9 @@ struct Values {
   [[gnu::always_inline]] __m256i isCleared(__m256i bytes) const { return _mm256_cmpeq_epi8(bytes, cleared); }
 };
 
-[[gnu::always_inline]] inline __m256i load32(const std::uint8_t* bytes) {
-  return _mm256_loadu_si256(reinterpret_cast<const __m256i*>(bytes));
-}
-
-// One bit for each byte of two vectors; bytes are 0 or 255.
+// One bit for each byte of two vectors; each byte is 0 or 0xFF.
 [[gnu::always_inline]] inline std::uint64_t wordOf(__m256i low, __m256i high) {
-  return static_cast<std::uint32_t>(_mm256_movemask_epi8(low)) |
-         static_cast<std::uint64_t>(static_cast<std::uint32_t>(_mm256_movemask_epi8(high))) << 32;
-}
-
-// 255 in the bytes whose bit is 1.
-[[gnu::always_inline]] inline __m256i bytesOf(std::uint32_t bits) {
-  const __m256i eachByteEightTimes =
-      _mm256_setr_epi64x(0, 0x0101010101010101, 0x0202020202020202, 0x0303030303030303);
-  const __m256i ownBit = _mm256_set1_epi64x(static_cast<long long>(0x8040201008040201ULL));
-  const __m256i spread = _mm256_shuffle_epi8(_mm256_set1_epi32(static_cast<int>(bits)), eachByteEightTimes);
-  return _mm256_cmpeq_epi8(_mm256_and_si256(spread, ownBit), ownBit);
+  return bitsOf(low) | std::uint64_t{bitsOf(high)} << 32;
 }
 
 [[gnu::always_inline]] inline void unpack32(std::uint8_t* bytes, const Values& values, std::uint32_t kept) {
@@ -48,7 +35,7 @@ struct Values {
   const __m256i set = values.isSet(before);
   if (_mm256_testz_si256(set, set) != 0) return;
   const __m256i after = _mm256_blendv_epi8(values.cleared, values.relabel, bytesOf(kept));
-  _mm256_storeu_si256(reinterpret_cast<__m256i*>(bytes), _mm256_blendv_epi8(before, after, set));
+  store32(bytes, _mm256_blendv_epi8(before, after, set));
 }
 
 }  // namespace
@@ -57,6 +44,7 @@ namespace lm {
 
 bool packRow_avx2(const std::uint8_t* row, size_t pixels, const MaskValues& values, std::uint64_t* set,
                   std::uint64_t* cleared) {
+  assert(canPackRow(pixels, set, cleared));
   const Values wanted(values);
   std::uint64_t held = 0;
   for (; pixels >= wordPixels; pixels -= wordPixels, row += wordPixels, ++set, ++cleared) {
@@ -71,6 +59,7 @@ bool packRow_avx2(const std::uint8_t* row, size_t pixels, const MaskValues& valu
 }
 
 void unpackRow_avx2(std::uint8_t* row, size_t pixels, const MaskValues& values, const std::uint64_t* kept) {
+  assert(canUnpackRow(pixels, kept));
   const Values wanted(values);
   for (; pixels >= wordPixels; pixels -= wordPixels, row += wordPixels, ++kept) {
     unpack32(row, wanted, static_cast<std::uint32_t>(*kept));

@@ -1,8 +1,8 @@
-// The plain versions of object extraction's kernels, and the choice between versions.
+// The reference versions of object extraction's kernels.
 #include <algorithm>
+#include <cassert>
 
-#include "simd/cpu_level.h"
-#include "simd/mask_kernels.h"
+#include "simd/contracts.h"
 
 namespace lm {
 namespace {
@@ -11,7 +11,7 @@ bool isSet(std::uint8_t byte, const MaskValues& values) {
   return byte == values.set || byte == values.relabel;
 }
 
-// Whether all `count` bytes are `value`. Most of a mask is blank; this loop is turned into vectors.
+// Whether all `count` bytes are `value`: most of a mask is blank, and the compiler vectorises this loop.
 bool isAll(const std::uint8_t* bytes, std::size_t count, std::uint8_t value) {
   std::uint8_t difference = 0;
   for (std::size_t k = 0; k < count; ++k) difference |= static_cast<std::uint8_t>(bytes[k] ^ value);
@@ -22,6 +22,7 @@ bool isAll(const std::uint8_t* bytes, std::size_t count, std::uint8_t value) {
 
 bool packRow_c(const std::uint8_t* row, std::size_t pixels, const MaskValues& values, std::uint64_t* set,
                std::uint64_t* cleared) {
+  assert(canPackRow(pixels, set, cleared));
   bool holds = false;
   for (std::size_t begin = 0; begin < pixels; begin += wordPixels, ++set, ++cleared) {
     const std::size_t count = std::min(wordPixels, pixels - begin);
@@ -44,21 +45,12 @@ bool packRow_c(const std::uint8_t* row, std::size_t pixels, const MaskValues& va
 }
 
 void unpackRow_c(std::uint8_t* row, std::size_t pixels, const MaskValues& values, const std::uint64_t* kept) {
+  assert(canUnpackRow(pixels, kept));
   for (std::size_t i = 0; i < pixels; ++i) {
     if (!isSet(row[i], values)) continue;
     const bool stays = (kept[i / wordPixels] >> (i % wordPixels) & 1) != 0;
     row[i] = stays ? values.relabel : values.cleared;
   }
-}
-
-MaskKernels maskKernelsFor(int level) {
-  if (level >= 8) return {packRow_avx2, unpackRow_avx2};
-  return {packRow_c, unpackRow_c};
-}
-
-const MaskKernels& maskKernels() {
-  static const MaskKernels kernels = maskKernelsFor(GetCpuInstructionSet());
-  return kernels;
 }
 
 }  // namespace lm

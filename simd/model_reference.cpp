@@ -1,10 +1,10 @@
-// The plain versions of the model's kernels, and the choice between versions.
+// The reference versions of the model's kernels.
 #include <algorithm>
+#include <cassert>
 #include <cstring>
 
-#include "simd/cpu_level.h"
+#include "simd/contracts.h"
 #include "simd/life.h"
-#include "simd/model_kernels.h"
 #include "simd/simd.h"
 
 namespace lm {
@@ -14,10 +14,10 @@ constexpr std::uint8_t foreground = 255;
 constexpr std::uint8_t background = 0;
 
 bool isIdle(const ClassifyPlanes& planes, std::size_t pixel) {
-  return planes.fgMask[pixel] == 0 && planes.absorbMask[pixel] != 255 && planes.fgLife[pixel] < 1.0F;
+  return planes.fgMask[pixel] == 0 && planes.absorbMask[pixel] != 255 && planes.fgLife[pixel] < leastLife;
 }
 
-// Adds `pixel`, bit `bit` of its block, to the mask that it belongs in, if any.
+// Adds `pixel`, bit `bit` of its block, to its mask in `busy` unless it is idle.
 void judge(const ClassifyPlanes& planes, std::size_t pixel, std::uint32_t bit, BusyPixels& busy) {
   if (planes.roiMask[pixel] == 0) {
     if (planes.fgMask[pixel] != 0) busy.outside |= bit;
@@ -52,9 +52,9 @@ void settle(const ClassifyPlanes& planes, std::size_t pixel, std::uint32_t bit, 
   if (planes.accountLife && ((busy.compared | busy.unchanged) & bit) != 0) accountLife(planes, pixel);
 }
 
-// Counts the pixel's timer down and adds it, bit `bit` of its block, to the work that it needs.
-void lookFor(const UpdatePlanes& planes, std::size_t pixel, std::uint32_t bit, UpdateWork& work,
-             std::int64_t& examined) {
+// Decrements the timer of `pixel` and adds it, bit `bit` of its block, to its masks in `work`.
+void findWork(const UpdatePlanes& planes, std::size_t pixel, std::uint32_t bit, UpdateWork& work,
+              std::int64_t& examined) {
   if (planes.roiMask[pixel] == 0) return;
   planes.updTimer[pixel] = static_cast<std::int32_t>(static_cast<std::uint32_t>(planes.updTimer[pixel]) - 1U);
   if (planes.absorbing && planes.absorbMask[pixel] == 255) {
@@ -97,6 +97,7 @@ bool matchPixel(const MatchRule& rule, const std::uint8_t* samples, const std::u
 }  // namespace
 
 void takeFrame_c(const FramePlanes& planes, std::size_t begin, std::size_t end) {
+  assert(canTakeFrame(planes, begin, end));
   if (begin >= end) return;
   const auto channels = static_cast<std::size_t>(planes.channels);
   const std::size_t offset = begin * channels;
@@ -113,18 +114,20 @@ void takeFrame_c(const FramePlanes& planes, std::size_t begin, std::size_t end) 
 
 std::size_t findBusy_c(const ClassifyPlanes& planes, std::size_t& from, std::size_t end, BusyBlock* found,
                        std::size_t room) {
+  assert(canFindBusy(found, room));
   std::size_t count = 0;
   for (; count < room && from < end; from += blockPixels) {
     BusyPixels busy{};
     const std::size_t pixels = std::min(blockPixels, end - from);
     for (std::size_t k = 0; k < pixels; ++k) judge(planes, from + k, 1U << k, busy);
-    if (busy.any()) found[count++] = {from, busy};
+    if (busy.any()) found[count++] = {.begin = from, .pixels = busy};
   }
   return count;
 }
 
 void settleBlock_c(const ClassifyPlanes& planes, std::size_t begin, std::size_t end, const BusyPixels& busy,
                    std::uint32_t matched) {
+  assert(canSettleBlock(planes, begin, end, busy, matched));
   const std::size_t count = std::min(blockPixels, end - begin);
   for (std::size_t k = 0; k < count; ++k) {
     settle(planes, begin + k, 1U << k, busy, (matched >> k & 1U) != 0);
@@ -133,6 +136,7 @@ void settleBlock_c(const ClassifyPlanes& planes, std::size_t begin, std::size_t 
 
 std::uint32_t matchBlock_c(const MatchRule& rule, const std::uint8_t* samples, const std::uint8_t* values,
                            std::uint32_t wanted, std::uint32_t* minDist) {
+  assert(canMatchBlock(rule, wanted, minDist));
   std::uint32_t enough = 0;
   for (std::size_t k = 0; k < blockPixels; ++k) {
     if ((wanted >> k & 1U) == 0) continue;
@@ -144,25 +148,15 @@ std::uint32_t matchBlock_c(const MatchRule& rule, const std::uint8_t* samples, c
 
 std::size_t findUpdateWork_c(const UpdatePlanes& planes, std::size_t& from, std::size_t end,
                              UpdateBlock* found, std::size_t room, std::int64_t& examined) {
+  assert(canFindUpdateWork(planes, found, room));
   std::size_t count = 0;
   for (; count < room && from < end; from += blockPixels) {
     UpdateWork work{};
     const std::size_t pixels = std::min(blockPixels, end - from);
-    for (std::size_t k = 0; k < pixels; ++k) lookFor(planes, from + k, 1U << k, work, examined);
-    if (work.any()) found[count++] = {from, work};
+    for (std::size_t k = 0; k < pixels; ++k) findWork(planes, from + k, 1U << k, work, examined);
+    if (work.any()) found[count++] = {.begin = from, .work = work};
   }
   return count;
-}
-
-ModelKernels modelKernelsFor(int level) {
-  if (level >= 8)
-    return {takeFrame_avx2, findBusy_avx2, settleBlock_avx2, matchBlock_avx2, findUpdateWork_avx2};
-  return {takeFrame_c, findBusy_c, settleBlock_c, matchBlock_c, findUpdateWork_c};
-}
-
-const ModelKernels& modelKernels() {
-  static const ModelKernels kernels = modelKernelsFor(GetCpuInstructionSet());
-  return kernels;
 }
 
 }  // namespace lm

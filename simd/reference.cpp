@@ -1,4 +1,6 @@
-// The reference versions: one element at a time, and the meaning of every other version.
+// The reference versions, one element at a time. They define what the other versions compute.
+#include <cassert>
+
 #include "simd/rest.h"
 #include "simd/simd.h"
 
@@ -9,6 +11,7 @@ int lm::imageBytes(int width, int height, int channels) {
 
 void lm::stridedDiff(const std::uint8_t* a, const std::uint8_t* b, std::uint8_t* out, std::ptrdiff_t begin,
                      std::ptrdiff_t end, std::ptrdiff_t step) {
+  assert(begin >= 0);
   if (step < 1) return;
   for (std::ptrdiff_t k = begin; k < end; k += step) {
     *out++ = static_cast<std::uint8_t>(a[k] > b[k] ? a[k] - b[k] : b[k] - a[k]);
@@ -24,6 +27,7 @@ void lm::pruneTail(std::uint8_t* mask, const std::uint8_t* roi, int count, int b
 namespace simd {
 
 void replace_if_u8_c(std::uint8_t* begin, std::uint8_t* end, std::uint8_t from, std::uint8_t to) {
+  assert(begin <= end);
   for (; begin != end; ++begin) {
     if (*begin == from) *begin = to;
   }

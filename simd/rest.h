@@ -1,4 +1,4 @@
-// What the vector versions leave to the base level: defined in reference.cpp, so that none of it can be
+// What the vector versions delegate to the base level: defined in reference.cpp, so that none of it is
 // compiled for a higher level. Not exported.
 #pragma once
 
@@ -10,14 +10,13 @@ namespace lm {
 // The 32-bit product width * height * channels, wrapping.
 int imageBytes(int width, int height, int channels);
 
-// out[i] = |a[k] - b[k]| for k = begin + i * step below `end`. Nothing when step is below 1.
+// out[i] = |a[k] - b[k]| for k = begin + i * step below `end`. Writes nothing if step < 1. begin >= 0.
 void stridedDiff(const std::uint8_t* a, const std::uint8_t* b, std::uint8_t* out, std::ptrdiff_t begin,
                  std::ptrdiff_t end, std::ptrdiff_t step);
 
 // Region pruning as the vector versions do it.
-// Kept: whole blocks stay as they are, and byte k of the tail is tested against roi[k], not against the
-// region byte beside it. Every processor has at least one vector version, so this is what callers get and
-// rely on.
+// Kept: whole blocks are left unchanged, and byte k of the tail is tested against roi[k], not against its own
+// region byte. Every processor has a vector version, so callers depend on this.
 void pruneTail(std::uint8_t* mask, const std::uint8_t* roi, int count, int block);
 
 }  // namespace lm

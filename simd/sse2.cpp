@@ -22,8 +22,8 @@ void pruneFgByRoi_sse2(std::uint8_t* mask, const std::uint8_t* roi, int count) {
   lm::pruneTail(mask, roi, count, 16);
 }
 
-// Kept: the last w mod 16 columns of a row are not looked at. Every processor has this version, so this is
-// what callers get and rely on.
+// Kept: the last w mod 16 columns of a row are ignored. Every processor has this version, so callers depend
+// on this.
 bool isTouch_sse2(std::tuple<int, int, int, int> box, const std::uint8_t* first, const std::uint8_t* second,
                   int stride, int /*height*/) {
   const auto [x, y, w, h] = box;

@@ -1,4 +1,4 @@
-// Registers a benchmark for every version of a kernel, beside a copy of the same bytes.
+// Registers a benchmark for every version of a kernel, and one for a copy of the same bytes.
 #pragma once
 
 #include <benchmark/benchmark.h>
@@ -24,12 +24,12 @@ inline void set_speed(benchmark::State& state, std::size_t bytes_each) {
                           static_cast<std::int64_t>(state.iterations()));
 }
 
-// `run(state, function)` is the loop of one benchmark; state.range(0) is the count of elements. Versions
+// `run(state, function)` is the loop of one benchmark; state.range(0) is the number of elements. Versions
 // above the processor's level are left out.
-template <class Function, class Run>
-void add_versions(const std::vector<Version<Function>>& versions, Run run) {
-  for (const Version<Function>& version : versions) {
-    if (!version.isRunnable()) continue;
+template <class Function, std::size_t count, class Run>
+void add_versions(const lm::Version<Function> (&versions)[count], Run run) {
+  for (const lm::Version<Function>& version : versions) {
+    if (!lm::isRunnable(version)) continue;
     Function* const function = version.function;
     benchmark::RegisterBenchmark(version.name, [=](benchmark::State& state) { run(state, function); })
         ->Arg(kRow)
@@ -37,9 +37,10 @@ void add_versions(const std::vector<Version<Function>>& versions, Run run) {
   }
 }
 
-// One registration for each source; called by main.
+// One function per source; called by main.
 void add_copy();
 void add_pixel_kernels();
 void add_model_kernels();
+void add_mask_kernels();
 
 }  // namespace lm::bench

@@ -11,13 +11,13 @@ void replace(benchmark::State& state, simd::ReplaceFn* function) {
   std::uint8_t from = 255;
   while (state.KeepRunning()) {
     function(mask.data(), mask.data() + mask.size(), from, static_cast<std::uint8_t>(from ^ 254));
-    from ^= 254;  // 255 and 1 in turn, so that there always is something to replace
+    from ^= 254;  // alternates between 255 and 1, so that there is something to replace
     benchmark::ClobberMemory();
   }
   set_speed(state, mask.size());
 }
 
-// Three channels: a pixel of output for three bytes of each input.
+// Three channels: one output byte for three bytes of each input.
 void difference(benchmark::State& state, simd::GenRdDiffFn* function) {
   const std::size_t count = count_of(state);
   const Bytes a = filled(count * 3, 1);
@@ -40,7 +40,7 @@ void prune(benchmark::State& state, simd::PruneFn* function) {
   set_speed(state, mask.size());
 }
 
-// One pixel against each sample, as many bytes as the others.
+// One pixel against each sample; the samples have as many bytes as the other inputs.
 void match(benchmark::State& state, simd::MatchFn* function) {
   const std::size_t count = count_of(state) / 4;
   const Bytes samples = filled(count * 4, 1);
@@ -53,7 +53,7 @@ void match(benchmark::State& state, simd::MatchFn* function) {
   set_speed(state, count * 4);
 }
 
-// Nothing touches, so that every row is looked at.
+// Nothing touches, so that every row is read.
 void touch(benchmark::State& state, simd::TouchFn* function) {
   constexpr int width = 1024;
   const int height = static_cast<int>(state.range(0)) / width;
@@ -64,11 +64,11 @@ void touch(benchmark::State& state, simd::TouchFn* function) {
   set_speed(state, first.size());
 }
 
-void widen(benchmark::State& state) {
+void widen(benchmark::State& state, simd::WidenFn* function) {
   const Bytes from = filled(count_of(state), 1);
   std::vector<std::uint32_t> to(from.size());
   while (state.KeepRunning()) {
-    simd::cvt_u8_to_u32(from.data(), to.data(), from.size());
+    function(from.data(), to.data(), from.size());
     benchmark::ClobberMemory();
   }
   set_speed(state, from.size());
@@ -84,10 +84,6 @@ void copy(benchmark::State& state) {
   set_speed(state, from.size());
 }
 
-void add_plain(const char* name, void (*run)(benchmark::State&)) {
-  benchmark::RegisterBenchmark(name, run)->Arg(kRow)->Arg(kPicture);
-}
-
 }  // namespace
 
 Bytes filled(std::size_t count, std::uint64_t seed) {
@@ -97,15 +93,15 @@ Bytes filled(std::size_t count, std::uint64_t seed) {
   return bytes;
 }
 
-void add_copy() { add_plain("memcpy", copy); }
+void add_copy() { benchmark::RegisterBenchmark("memcpy", copy)->Arg(kRow)->Arg(kPicture); }
 
 void add_pixel_kernels() {
-  add_versions(replaceVersions, replace);
-  add_versions(genRdDiffVersions, difference);
-  add_versions(pruneVersions, prune);
-  add_versions(matchVersions, match);
-  add_versions(touchVersions, touch);
-  add_plain("cvt_u8_to_u32", widen);
+  add_versions(lm::replaceVersions, replace);
+  add_versions(lm::genRdDiffVersions, difference);
+  add_versions(lm::pruneVersions, prune);
+  add_versions(lm::matchVersions, match);
+  add_versions(lm::touchVersions, touch);
+  add_versions(lm::widenVersions, widen);
 }
 
 }  // namespace lm::bench

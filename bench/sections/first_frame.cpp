@@ -1,6 +1,6 @@
 #include "bench/sections/sections.h"
 #include "bench/table.h"
-#include "host/standard_streams.h"
+#include "host/base/standard_streams.h"
 
 namespace lm::bench {
 namespace {
@@ -10,7 +10,7 @@ constexpr int kTimes = 5;
 double first_frame(const Candidate& candidate, const Scene& scene) {
   std::vector<double> times;
   for (int i = 0; i < kTimes; ++i) {
-    const host::CapturedStream chatter(stderr);
+    const host::base::CapturedStream chatter(stderr);
     const auto peer = candidate.make(scene.opening.size());
     times.push_back(milliseconds_of([&] {
       peer->find_mask(scene.opening, time_of(0));

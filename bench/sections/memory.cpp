@@ -9,7 +9,7 @@
 
 #include "bench/sections/sections.h"
 #include "bench/table.h"
-#include "host/standard_streams.h"
+#include "host/base/standard_streams.h"
 
 namespace lm::bench {
 namespace {
@@ -29,7 +29,7 @@ void reset_peak() { std::ofstream("/proc/self/clear_refs") << "5"; }
 // What the candidate takes beyond what the process had when its frames were ready.
 double peak_growth(const Candidate& candidate, const Scene& scene) {
   constexpr int frames = 20;
-  const host::CapturedStream chatter(stderr);
+  const host::base::CapturedStream chatter(stderr);
   malloc_trim(0);  // or the candidate would be given, uncounted, what making the frames left free
   const double idle = status_bytes("VmRSS");
   reset_peak();
@@ -63,7 +63,7 @@ double in_child(const std::function<double()>& measure) {
 
 void measure_memory(const Plan& plan, Records& records) {
   const Scene scene = make_scene("busy", kFullHd);
-  const Table table("Peak memory beyond an idle process, busy, 1920x1080: bytes a pixel",
+  const Table table("Peak memory beyond an idle process, busy, 1920x1080: bytes per pixel",
                     {"candidate", "bytes"}, 1);
   for (const Candidate& candidate : all_candidates(plan.libraries)) {
     std::fflush(stdout);

@@ -7,7 +7,7 @@
 #include "bench/engine.h"
 #include "bench/sections/sections.h"
 #include "bench/table.h"
-#include "host/standard_streams.h"
+#include "host/base/standard_streams.h"
 
 namespace lm::bench {
 namespace {
@@ -57,7 +57,7 @@ class Scratch {
 void measure_objects(Records& records) {
   const auto engine = make_engine(kFullHd);
   {
-    const host::CapturedStream chatter(stderr);
+    const host::base::CapturedStream chatter(stderr);
     learn(*engine, cv::Mat(kFullHd, CV_8UC3, cv::Scalar::all(90)), 0);
   }
   std::array<cv::Mat, kCounts.size()> masks;

@@ -7,7 +7,7 @@
 #include "bench/engine.h"
 #include "bench/sections/sections.h"
 #include "bench/table.h"
-#include "host/standard_streams.h"
+#include "host/base/standard_streams.h"
 
 namespace lm::bench {
 namespace {
@@ -61,7 +61,7 @@ struct Medians {
 };
 
 Medians measure(const Scene& scene, int timed) {
-  const host::CapturedStream chatter(stderr);
+  const host::base::CapturedStream chatter(stderr);
   const auto divided = make_engine(scene.opening.size());
   const auto whole = make_engine(scene.opening.size());
   cv::Mat scratch(scene.opening.size(), CV_8UC1);  // 64-byte aligned

@@ -1,7 +1,6 @@
-# Doxygen's filter: shows it the plain comments of the public headers as documentation. The first comment of a file
-# describes the file; a comment line describes what follows, a comment behind code what it stands behind. Lines that are
-# indented within a comment keep their layout. Banners stay plain. Deleted functions and what a banner calls bookkeeping
-# are no part of the interface.
+# Doxygen input filter: turns the plain comments of the public headers into documentation. The first comment of a file
+# describes the file, a comment line the declaration that follows, a comment after code that code. Indented lines within
+# a comment keep their layout. Banners stay plain. Deleted functions are not part of the interface.
 
 # One declaration for each name of `type a, b, c;`, all with the same comment.
 function print_each(type, names, comment,    name, count, i) {
@@ -11,8 +10,6 @@ function print_each(type, names, comment,    name, count, i) {
 
 /= delete;$/            { next }
 /^(class|struct) [^{]*;/ { sub(/ *\/\/.*/, ""); print; next }
-/^ *\/\/ ==== bookkeep/ { print "/// @cond"; hidden = 1; next }
-hidden && /^};/         { print "/// @endcond"; hidden = 0 }
 /^ *\/\/ *(----|====)/  { print "//"; next }
 FNR == 1 && /^\/\//     { print "/// @file" }
 FNR == 1 && /^\/\*/     { sub(/^\/\*/, "/** @file\n *"); print; next }
@@ -20,7 +17,7 @@ FNR == 1 && /^\/\*/     { sub(/^\/\*/, "/** @file\n *"); print; next }
 /^ *\/\/   /            { if (!laid_out) print "///"; laid_out = 1; sub(/\/\/ /, "///     "); print; next }
 /^ *\/\/( |$)/          { if (laid_out) print "///"; laid_out = 0; sub(/\/\//, "///"); print; next }
                         { laid_out = 0 }
-/^[A-Z][A-Za-z]*Fn [^=]*;$/ {  # functions that share a type have their contract with the type
+/^[A-Z][A-Za-z]*Fn [^=]*;$/ {  # functions that share a type: the contract is at the type
   names = substr($0, length($1) + 2)
   sub(/;$/, "", names)
   print_each($1, names, "See #" $1 ".")

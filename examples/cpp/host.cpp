@@ -1,14 +1,18 @@
-// The smallest complete host in C++: linked against the library, shows it raw frames and prints what moves.
+// The smallest complete host in C++: linked to the library, passes it raw frames and prints what moves.
 //   cmake -B build && cmake --build build
-//   build/host                                     a moving square of its own
+//   build/host                                     a built-in moving square
 //   build/host WIDTH HEIGHT CHANNELS <frames.raw   8-bit frames, rows without padding; 1, 3 or 4 channels
-// Exit status: 0 fine, 1 trouble, 2 wrong use. Without the library the program does not start: 127.
+// Prints one line per box: timestamp, left, top, width and height in pixels.
+// Exit status: 0 success, 1 failure, 2 wrong usage. Without the library the program does not start: 127.
+#include <json/json.h>
 #include <plugin/entry_points.h>
 
 #include <algorithm>
 #include <charconv>
 #include <climits>
+#include <cmath>
 #include <iostream>
+#include <sstream>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -16,7 +20,7 @@
 
 using Frame = std::vector<unsigned char>;
 
-// 40 frames of 160 x 120 grey pixels: from the second on, a bright square walks to the right.
+// 40 frames of 160 x 120 grey pixels; from the second on, a bright square moves to the right.
 static bool draw(Frame& frame, int number) {
   frame.assign(160 * 120, 60);
   for (int y = 48; number > 0 && y < 72; ++y) std::fill_n(frame.begin() + y * 160 + 2 * number, 24, 200);
@@ -29,10 +33,10 @@ static bool read(Frame& frame) {
   return false;
 }
 
-// The process's one detector.
+// The one detector of the process.
 struct Detector {
   explicit Detector(const std::string& config) {
-    if (!initialization(config.c_str())) throw std::runtime_error("the plug-in refuses its configuration");
+    if (!initialization(config.c_str())) throw std::runtime_error("the plug-in refused the configuration");
   }
   ~Detector() { terminate(); }
   Detector(const Detector&) = delete;
@@ -46,24 +50,41 @@ static long size_from(std::string_view text) {
   return size;
 }
 
+// Start or length of a box in pixels.
+static long pixels(double fraction, long size) { return std::lround(fraction * static_cast<double>(size)); }
+
+static void print_boxes(const char* document, long width, long height) {
+  Json::Value result;
+  std::istringstream(document) >> result;
+  for (const Json::Value& box : result["object"]) {
+    const double x = box["x"].asDouble();
+    const double y = box["y"].asDouble();
+    // A box can extend beyond the right or bottom border: clip it before any use.
+    const double right = std::min(x + box["width"].asDouble(), 1.0);
+    const double bottom = std::min(y + box["height"].asDouble(), 1.0);
+    std::cout << result["timestamp"].asString() << ' ' << pixels(x, width) << ' ' << pixels(y, height) << ' '
+              << pixels(right - x, width) << ' ' << pixels(bottom - y, height) << '\n';
+  }
+}
+
 static void show(long width, long height, long channels, bool from_input) {
-  if (channels == 2 || channels > 4) throw std::invalid_argument("channels have to be 1, 3 or 4");
-  if (width > INT_MAX / channels / height) throw std::invalid_argument("no frame can be that large");
-  // The whole frame counts; it starts left of itself because a region's own left edge lies outside it.
+  if (channels == 2 || channels > 4) throw std::invalid_argument("channels must be 1, 3 or 4");
+  if (width > INT_MAX / channels / height) throw std::invalid_argument("the frame is too large");
+  // The region is larger than the frame, because a region's own left edge is outside it.
   const Detector detector(R"({"frmW":")" + std::to_string(width) + R"(","frmH":")" + std::to_string(height) +
                           R"(","frmChn":")" + std::to_string(channels) +
                           R"(","roi":[{"name":"","points":[{"x":"-1","y":"-1"},{"x":"2","y":"-1"},)" +
                           R"({"x":"2","y":"2"},{"x":"-1","y":"2"}]}]})");
   Frame frame(static_cast<std::size_t>(width * height * channels));
   for (int number = 0; from_input ? read(frame) : draw(frame, number); ++number) {
-    const std::string timestamp = std::to_string(1 + 40LL * number);  // milliseconds, at 25 frames a second
+    const std::string timestamp = std::to_string(1 + 40LL * number);  // milliseconds, at 25 frames per second
     int length = 0;
-    if (frameProc(frame.data(), timestamp.c_str(), &length) != 1) throw std::runtime_error("no detector");
+    if (frameProc(frame.data(), timestamp.c_str(), &length) != 1)
+      throw std::runtime_error("the plug-in lost its detector");
     std::vector<char> document(static_cast<std::size_t>(length) + 1);
-    if (length > 0) getRes(document.data());
-    std::cout << document.data();
+    if (length > 0 && getRes(document.data()) == 1) print_boxes(document.data(), width, height);
   }
-  if (!std::cout.flush()) throw std::runtime_error("the results cannot be written");
+  if (!std::cout.flush()) throw std::runtime_error("cannot write the results");
 }
 
 int main(int argc, char** argv) {

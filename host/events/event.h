@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-namespace lm::host {
+namespace lm::host::events {
 
 using WallTime = std::chrono::system_clock::time_point;
 
@@ -61,4 +61,4 @@ struct Event {
   std::string ended;    // why it ended; empty while it goes on
 };
 
-}  // namespace lm::host
+}  // namespace lm::host::events

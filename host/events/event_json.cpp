@@ -1,24 +1,13 @@
 #include "host/events/event_json.h"
 
-#include <cmath>
 #include <cstdio>
 
-namespace lm::host {
+#include "host/base/json_text.h"
+#include "host/base/time_text.h"
+#include "host/events/box_json.h"
+
+namespace lm::host::events {
 namespace {
-
-// To the thousandth.
-double seconds(std::chrono::microseconds time) {
-  return static_cast<double>(std::chrono::round<std::chrono::milliseconds>(time).count()) / 1000;
-}
-
-Json::Value box_value(const cv::Rect2d& box) {
-  Json::Value value;
-  value["x"] = box.x;
-  value["y"] = box.y;
-  value["width"] = box.width;
-  value["height"] = box.height;
-  return value;
-}
 
 Json::Value light_value(const LightChange& light) {
   Json::Value value;
@@ -49,15 +38,15 @@ Json::Value event_value(const Event& event) {
   Json::Value value;
   value["id"] = event.id;
   value["kind"] = kind_text(event.kind);
-  value["start"] = seconds(event.start);
-  value["end"] = seconds(event.end);
-  value["peak"] = seconds(event.peak);
-  value["from"] = seconds(event.from);
-  value["to"] = seconds(event.to);
+  value["start"] = base::seconds_number(event.start);
+  value["end"] = base::seconds_number(event.end);
+  value["peak"] = base::seconds_number(event.peak);
+  value["from"] = base::seconds_number(event.from);
+  value["to"] = base::seconds_number(event.to);
   value["first_frame"] = Json::Int64(event.first_frame);
   value["last_frame"] = Json::Int64(event.last_frame);
   value["peak_frame"] = Json::Int64(event.peak_frame);
-  value["frames"] = Json::Int64(event.frames);
+  value["frames_with_boxes"] = Json::Int64(event.frames);
   value["most_boxes"] = Json::UInt64(event.most_boxes);
   value["peak_share"] = event.peak_share;
   value["envelope"] = box_value(event.envelope);
@@ -72,14 +61,6 @@ Json::Value event_value(const Event& event) {
   return value;
 }
 
-std::string json_text(const Json::Value& value) {
-  Json::StreamWriterBuilder format;
-  format["indentation"] = "";
-  format["precision"] = 6;
-  format["precisionType"] = "decimal";
-  return Json::writeString(format, value);
-}
+std::string event_json(const Event& event) { return base::json_text(event_value(event)); }
 
-std::string event_json(const Event& event) { return json_text(event_value(event)); }
-
-}  // namespace lm::host
+}  // namespace lm::host::events

@@ -7,7 +7,7 @@
 
 #include "host/events/event.h"
 
-namespace lm::host {
+namespace lm::host::events {
 
 // "2026-11-21T15:30:12.345Z"
 std::string utc_text(WallTime time);
@@ -16,9 +16,6 @@ const char* kind_text(EventKind kind);
 
 Json::Value event_value(const Event& event);
 
-// On one line, without a line feed; numbers to six places after the point.
-std::string json_text(const Json::Value& value);
-
 std::string event_json(const Event& event);
 
-}  // namespace lm::host
+}  // namespace lm::host::events

@@ -4,12 +4,14 @@
 #include <charconv>
 #include <cmath>
 
-namespace lm::host {
+#include "host/base/number_option.h"
+
+namespace lm::host::events {
 namespace {
 
 constexpr double kDay = 24 * 60 * 60;
 
-// The number that all of `text` is.
+// `text` as a number, if all of it is one.
 std::optional<std::chrono::microseconds> seconds(std::string_view text) {
   double value = 0;
   const auto [rest, error] = std::from_chars(text.data(), text.data() + text.size(), value);
@@ -31,31 +33,31 @@ std::optional<TimeSpan> parse_span(const std::string& text) {
 }
 
 void add_event_options(CLI::App& run, EventOptions& options) {
-  const auto add = [&run](const char* name, double& value, const char* help) {
-    run.add_option(name, value, help)
-        ->type_name("SECONDS")
-        ->check(CLI::Range(0.0, kDay))
-        ->capture_default_str()
-        ->group("Events");
+  const char* group = "Events";
+  const auto add_time = [&](const char* name, double& value, const char* help, const char* preset) {
+    base::add_number(run, {name, "SECONDS", help, {0, kDay, "s"}, preset}, [&value](double seconds) {
+      value = seconds;
+    })->group(group);
   };
-  run.add_option("--events", options.file, "Table of events (.json or .csv)")
+  run.add_option("--events", options.file, "Write a table of events (.json or .csv)")
       ->type_name("FILE")
-      ->group("Events")
+      ->group(group)
       ->check([](const std::string& file) {
         return file.ends_with(".json") || file.ends_with(".csv") ? ""
                                                                  : "must end in .json or .csv, not " + file;
       });
-  add("--min-event", options.rules.min_event, "Shorter events do not count");
-  add("--gap", options.rules.gap, "An event ends after so long without boxes");
-  add("--pre", options.rules.pre, "Shown before each event");
-  add("--post", options.rules.post, "Shown after each event");
-  run.add_option("--explain", options.explain,
-                 "Why there were boxes and events, or none,\nin a span of seconds")
+  add_time("--min-event", options.rules.min_event, "Minimum length of an event", "0.5");
+  add_time("--gap", options.rules.gap, "Quiet time that ends an event", "2");
+  add_time("--pre", options.rules.pre, "Time shown before each event", "2");
+  add_time("--post", options.rules.post, "Time shown after each event", "2");
+  run.add_option(
+         "--explain", options.explain,
+         "Explain why there were boxes and events, or none, between these times in seconds, such as 11-13.5")
       ->type_name("FROM-TO")
-      ->group("Events")
+      ->group(group)
       ->check([](const std::string& span) {
         return parse_span(span) ? "" : "must be two times in seconds, such as 11-13.5, not " + span;
       });
 }
 
-}  // namespace lm::host
+}  // namespace lm::host::events

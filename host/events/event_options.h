@@ -1,4 +1,4 @@
-// What makes an event, as the command line has it.
+// Options of events on the command line.
 #pragma once
 
 #include <chrono>
@@ -9,21 +9,21 @@ namespace CLI {
 class App;
 }
 
-namespace lm::host {
+namespace lm::host::events {
 
 struct TimeSpan {
   std::chrono::microseconds from{0};
   std::chrono::microseconds to{0};
 };
 
-// "11-13.5": seconds of video; none for what is no such span.
+// "11-13.5": seconds of video; none for any other text.
 std::optional<TimeSpan> parse_span(const std::string& text);
 
 // Seconds of video.
 struct EventRules {
-  double min_event = 0.5;  // from the first to the last frame with boxes
-  double gap = 2;          // without boxes, that ends an event
-  double pre = 2;          // shown before the event
+  double min_event = 0.5;  // minimum length, from the first to the last frame with boxes
+  double gap = 2;          // time without boxes that ends an event
+  double pre = 2;          // time shown before the event
   double post = 2;         // ... and after it
 };
 
@@ -35,4 +35,4 @@ struct EventOptions {
 
 void add_event_options(CLI::App& run, EventOptions& options);
 
-}  // namespace lm::host
+}  // namespace lm::host::events

@@ -6,7 +6,7 @@
 #include "host/events/event_json.h"
 #include "host/events/why.h"
 
-namespace lm::host {
+namespace lm::host::events {
 namespace {
 
 using std::chrono::microseconds;
@@ -78,7 +78,7 @@ void EventTracker::tell(Call call) {
   for (const auto& listener : listeners_) call(*listener);
 }
 
-void EventTracker::observe(const Frame& frame, const Observation& seen) {
+void EventTracker::observe(const source::Frame& frame, const Observation& seen) {
   tell([&](EventListener& listener) { listener.frame(frame, seen); });
   const bool hidden = std::find(seen.by_light.begin(), seen.by_light.end(), true) != seen.by_light.end();
   for (Track& track : tracks_) {
@@ -177,4 +177,4 @@ void EventTracker::commit() {
   tell([](EventListener& listener) { listener.commit(); });
 }
 
-}  // namespace lm::host
+}  // namespace lm::host::events

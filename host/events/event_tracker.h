@@ -11,7 +11,7 @@
 #include "host/events/event_options.h"
 #include "host/events/listener.h"
 
-namespace lm::host {
+namespace lm::host::events {
 
 // Boxes that things that move made become events of motion, those that a change of light made events of
 // light. An event goes on until it was quiet for longer than --gap. While boxes of a change of light last,
@@ -27,7 +27,7 @@ class EventTracker {
   void add(std::unique_ptr<EventListener> listener) { listeners_.push_back(std::move(listener)); }
 
   // The next frame, with its boxes.
-  void observe(const Frame& frame, const Observation& seen);
+  void observe(const source::Frame& frame, const Observation& seen);
 
   // What comes next has nothing to do with what came before: events end here. `why`: a sentence.
   void interrupt(const std::string& why);
@@ -66,4 +66,4 @@ class EventTracker {
 // The part of the frame under boxes, 0 to 1. Boxes may overlap each other and reach past the frame.
 double share_under(const std::vector<cv::Rect2d>& boxes);
 
-}  // namespace lm::host
+}  // namespace lm::host::events

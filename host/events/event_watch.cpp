@@ -2,20 +2,19 @@
 
 #include <cmath>
 
-namespace lm::host {
+namespace lm::host::events {
 
 EventWatch::EventWatch(const RunContext& context)
     : source_(context.source),
-      gap_(std::llround(context.options.events.rules.gap * 1e6)),
+      gap_(std::llround(context.options.rules.gap * 1e6)),
       regions_(context.document),
       light_(regions_),
-      tracker_(context.options.events.rules, [this](const cv::Rect2d& box, std::vector<std::string>& names) {
+      tracker_(context.options.rules, [this](const cv::Rect2d& box, std::vector<std::string>& names) {
         regions_.touched(box, names);
-      }) {
-  for (auto& listener : make_listeners(context)) tracker_.add(std::move(listener));
-}
+      }) {}
 
-void EventWatch::frame(const Frame& frame, std::int64_t number, const std::vector<cv::Rect2d>& boxes) {
+void EventWatch::frame(const source::Frame& frame, std::int64_t number,
+                       const std::vector<cv::Rect2d>& boxes) {
   if (frame.anew || (!frame.note.empty() && frame.time - last_ > gap_)) {
     light_.forget();
     tracker_.interrupt("The source was interrupted: " + frame.note + ".");
@@ -34,4 +33,4 @@ void EventWatch::finish(bool stopped) {
   tracker_.finish(stopped ? "The program was stopped." : "The video ended.");
 }
 
-}  // namespace lm::host
+}  // namespace lm::host::events

@@ -9,10 +9,11 @@
 
 #include "host/events/event_tracker.h"
 #include "host/events/light.h"
-#include "host/events/listeners.h"
+#include "host/events/listener.h"
 #include "host/events/regions.h"
+#include "host/events/run_context.h"
 
-namespace lm::host {
+namespace lm::host::events {
 
 class EventWatch {
  public:
@@ -23,7 +24,7 @@ class EventWatch {
   void add(std::unique_ptr<EventListener> listener) { tracker_.add(std::move(listener)); }
 
   // The next frame, as the source gave it, with the boxes that the plug-in found.
-  void frame(const Frame& frame, std::int64_t number, const std::vector<cv::Rect2d>& boxes);
+  void frame(const source::Frame& frame, std::int64_t number, const std::vector<cv::Rect2d>& boxes);
 
   // Events end here. `why`: a sentence.
   void interrupt(const std::string& why) { tracker_.interrupt(why); }
@@ -34,7 +35,7 @@ class EventWatch {
   std::int64_t events() const { return tracker_.events(); }
 
  private:
-  const SourceInfo& source_;
+  const source::SourceInfo& source_;
   const std::chrono::microseconds gap_;
   Regions regions_;
   LightWatch light_;
@@ -42,4 +43,4 @@ class EventWatch {
   std::chrono::microseconds last_{0};
 };
 
-}  // namespace lm::host
+}  // namespace lm::host::events

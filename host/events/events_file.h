@@ -6,18 +6,18 @@
 #include <string>
 #include <vector>
 
+#include "host/base/pending_file.h"
 #include "host/events/listener.h"
-#include "host/events/listeners.h"
-#include "host/pending_file.h"
+#include "host/events/run_context.h"
 
-namespace lm::host {
+namespace lm::host::events {
 
 class EventsFile : public EventListener {
  public:
   // Throws Failure (kTrouble) when nothing can be written there.
   explicit EventsFile(const RunContext& context);
 
-  void frame(const Frame& frame, const Observation& seen) override;
+  void frame(const source::Frame& frame, const Observation& seen) override;
   void ended(const Event& event) override { events_.push_back(event); }
   void finish() override;
   void commit() override { pending_.commit(); }
@@ -27,11 +27,11 @@ class EventsFile : public EventListener {
   std::string csv() const;
 
   const EventRules rules_;
-  const SourceInfo& source_;
-  PendingFile pending_;
+  const source::SourceInfo& source_;
+  base::PendingFile pending_;
   std::vector<Event> events_;
   std::int64_t frames_ = 0;
   std::chrono::microseconds last_{0};
 };
 
-}  // namespace lm::host
+}  // namespace lm::host::events

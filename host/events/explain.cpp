@@ -2,16 +2,16 @@
 
 #include <cmath>
 
+#include "host/base/json_text.h"
+#include "host/base/time_text.h"
 #include "host/events/why.h"
-#include "host/json_text.h"
-#include "host/time_text.h"
 
-namespace lm::host {
+namespace lm::host::events {
 namespace {
 
-constexpr double kSmallestSide = 0.05;  // the plug-in's own, where the document has none
+constexpr double kSmallestSide = 0.05;  // the plug-in's default
 
-// As the plug-in does: texts only, each to the first character that does not belong to the number.
+// Reads as the plug-in does: strings only, up to the first character that is not part of the number.
 double side(const Json::Value& value) {
   try {
     const float number = value.isString() ? std::stof(value.asString()) : 0;
@@ -26,7 +26,7 @@ std::string counted(std::int64_t count, const char* one, const char* many) {
 }
 
 std::string rule_text(double seconds) {
-  return seconds_text(std::chrono::microseconds(std::llround(seconds * 1e6))) + " s";
+  return base::seconds_text(std::chrono::microseconds(std::llround(seconds * 1e6))) + " s";
 }
 
 std::string box_text(const cv::Rect2d& box) {
@@ -37,20 +37,20 @@ std::string box_text(const cv::Rect2d& box) {
 }  // namespace
 
 cv::Size2d smallest_box(const std::string& document) {
-  const Json::Value root = parse_json(document);
+  const Json::Value root = base::parse_json(document);
   if (!root.isObject()) return {kSmallestSide, kSmallestSide};
   return {side(root["minBoxW"]), side(root["minBoxH"])};
 }
 
 Explainer::Explainer(const RunContext& context, std::FILE* out)
-    : span_(parse_span(context.options.events.explain).value_or(TimeSpan{})),
-      rules_(context.options.events.rules),
+    : span_(parse_span(context.options.explain).value_or(TimeSpan{})),
+      rules_(context.options.rules),
       document_(context.document),
       regions_(context.document),
       hidden_(regions_),
       out_(out) {}
 
-void Explainer::frame(const Frame& frame, const Observation& seen) {
+void Explainer::frame(const source::Frame& frame, const Observation& seen) {
   const bool inside = seen.time >= span_.from && seen.time <= span_.to;
   hidden_.look(frame.image, inside);
   if (!inside) return;
@@ -64,7 +64,7 @@ void Explainer::frame(const Frame& frame, const Observation& seen) {
 }
 
 std::string Explainer::frame_line(const Observation& seen) const {
-  std::string text = "  " + seconds_text(seen.time) + " s, frame " + std::to_string(seen.frame) + ":";
+  std::string text = "  " + base::seconds_text(seen.time) + " s, frame " + std::to_string(seen.frame) + ":";
   for (std::size_t i = 0; i < seen.boxes.size(); ++i) {
     std::vector<std::string> names;
     regions_.touched(seen.boxes[i], names);
@@ -81,40 +81,41 @@ bool Explainer::in_span(const Event& event) const {
 
 void Explainer::ended(const Event& event) {
   if (!in_span(event)) return;
-  events_ += "  " + event.id + ", " + seconds_text(event.start) + " to " + seconds_text(event.end) + " s. " +
-             event.started + " " + event.ended + " Boxes in " + std::to_string(event.frames) + " of " +
-             counted(event.last_frame - event.first_frame + 1, "frame", "frames") +
-             "; --gap joins over up to " + rule_text(rules_.gap) + " without.\n";
+  events_ += "  " + event.id + ", " + base::seconds_text(event.start) + " to " +
+             base::seconds_text(event.end) + " s. " + event.started + " " + event.ended + " Boxes in " +
+             std::to_string(event.frames) + " of " +
+             counted(event.last_frame - event.first_frame + 1, "frame", "frames") + "; --gap bridges up to " +
+             rule_text(rules_.gap) + " without.\n";
 }
 
 void Explainer::dropped(const Event& event) {
   if (!in_span(event)) return;
   events_ += "  dropped: boxes in " + counted(event.frames, "frame", "frames") + " from " +
-             seconds_text(event.start) + " to " + seconds_text(event.end) + " s; --min-event asks for " +
-             rule_text(rules_.min_event) + " at least\n";
+             base::seconds_text(event.start) + " to " + base::seconds_text(event.end) +
+             " s; --min-event requires " + rule_text(rules_.min_event) + "\n";
 }
 
 std::string Explainer::settings() const {
   const cv::Size2d least = smallest_box(document_);
-  std::string text = "  smallest box that counts: " + percent_text(least.width) + " of the width or " +
-                     percent_text(least.height) + " of the height; smaller both ways, the plug-in drops it\n";
+  std::string text = "  minimum box size: " + percent_text(least.width) + " of the width or " +
+                     percent_text(least.height) + " of the height; the plug-in drops boxes below both\n";
   for (const HiddenPlace& place : hidden_.places()) {
-    text += "  not looked at: " + place.name + "; the picture changed there in " +
+    text += "  not watched: " + place.name + "; the picture changed there in " +
             counted(place.pictures, "frame", "frames") + "\n";
   }
   if (boxes_by_light_ > 0) {
-    text +=
-        "  taken for a change of light, not for motion: " + counted(boxes_by_light_, "box", "boxes") + "\n";
+    text += "  attributed to a lighting change, not to motion: " + counted(boxes_by_light_, "box", "boxes") +
+            "\n";
   }
   return text;
 }
 
 void Explainer::commit() {
-  const std::string text = "From " + seconds_text(span_.from) + " to " + seconds_text(span_.to) +
+  const std::string text = "From " + base::seconds_text(span_.from) + " to " + base::seconds_text(span_.to) +
                            " s: " + counted(frames_seen_, "frame", "frames") + ", " +
                            std::to_string(frames_without_boxes_) + " without boxes\n" + frames_ + settings() +
                            (events_.empty() ? "  no event\n" : events_);
   std::fputs(text.c_str(), out_);
 }
 
-}  // namespace lm::host
+}  // namespace lm::host::events

@@ -7,17 +7,17 @@
 #include "host/events/event_options.h"
 #include "host/events/hidden_change.h"
 #include "host/events/listener.h"
-#include "host/events/listeners.h"
 #include "host/events/regions.h"
+#include "host/events/run_context.h"
 
-namespace lm::host {
+namespace lm::host::events {
 
 // Writes to standard error when the run is over, so that result lines and progress stay whole.
 class Explainer : public EventListener {
  public:
   explicit Explainer(const RunContext& context, std::FILE* out = stderr);
 
-  void frame(const Frame& frame, const Observation& seen) override;
+  void frame(const source::Frame& frame, const Observation& seen) override;
   void ended(const Event& event) override;
   void dropped(const Event& event) override;
   void commit() override;
@@ -43,4 +43,4 @@ class Explainer : public EventListener {
 // The smallest size that counts, in fractions of the frame, as the plug-in reads it from the document.
 cv::Size2d smallest_box(const std::string& document);
 
-}  // namespace lm::host
+}  // namespace lm::host::events

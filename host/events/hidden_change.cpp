@@ -2,7 +2,7 @@
 
 #include <opencv2/imgproc.hpp>
 
-namespace lm::host {
+namespace lm::host::events {
 namespace {
 
 const cv::Size kSamples(320, 180);
@@ -26,7 +26,7 @@ cv::Mat mask_of(Inside inside) {
 HiddenChange::HiddenChange(const Regions& regions) {
   for (const Region& region : regions.excluded()) {
     const cv::Mat mask = mask_of([&](cv::Point2d point) { return region.contains(point); });
-    places_.push_back({"the exclusion \"" + region.name + "\"", mask, 0});
+    places_.push_back({"the exclusion region \"" + region.name + "\"", mask, 0});
   }
   const cv::Mat outside = mask_of([&](cv::Point2d point) {
     for (const Region& region : regions.included()) {
@@ -34,7 +34,7 @@ HiddenChange::HiddenChange(const Regions& regions) {
     }
     return true;
   });
-  if (cv::countNonZero(outside) > 0) places_.push_back({"the part outside every region", outside, 0});
+  if (cv::countNonZero(outside) > 0) places_.push_back({"the area outside all regions", outside, 0});
 }
 
 void HiddenChange::look(const cv::Mat& image, bool counts) {
@@ -52,4 +52,4 @@ void HiddenChange::look(const cv::Mat& image, bool counts) {
   last_ = small;
 }
 
-}  // namespace lm::host
+}  // namespace lm::host::events

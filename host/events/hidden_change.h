@@ -7,7 +7,7 @@
 
 #include "host/events/regions.h"
 
-namespace lm::host {
+namespace lm::host::events {
 
 // A place that is not watched, and in how many pictures something changed there.
 struct HiddenPlace {
@@ -31,4 +31,4 @@ class HiddenChange {
   cv::Mat last_;
 };
 
-}  // namespace lm::host
+}  // namespace lm::host::events

@@ -6,7 +6,7 @@
 
 #include "host/events/event_tracker.h"
 
-namespace lm::host {
+namespace lm::host::events {
 namespace {
 
 using namespace std::chrono_literals;
@@ -159,4 +159,4 @@ void LightWatch::look(const cv::Mat& image, Observation& seen) {
   looks_.push_back(std::move(now));
 }
 
-}  // namespace lm::host
+}  // namespace lm::host::events

@@ -17,7 +17,7 @@
 #include "host/events/event.h"
 #include "host/events/regions.h"
 
-namespace lm::host {
+namespace lm::host::events {
 
 class LightWatch {
  public:
@@ -54,4 +54,4 @@ class LightWatch {
   std::optional<LightChange> change_;
 };
 
-}  // namespace lm::host
+}  // namespace lm::host::events

@@ -2,9 +2,9 @@
 #pragma once
 
 #include "host/events/event.h"
-#include "host/source.h"
+#include "host/source/source.h"
 
-namespace lm::host {
+namespace lm::host::events {
 
 // Called in the order of time, from one thread. Functions may throw Failure, which ends the run.
 // A change of light and motion may go on at the same time: two events, to be told apart by their ids.
@@ -14,7 +14,7 @@ class EventListener {
 
   // Every frame that was analysed, before the events that it begins, changes or ends. The boxes are drawn
   // into the image afterwards: who keeps it takes a copy.
-  virtual void frame(const Frame&, const Observation&) {}
+  virtual void frame(const source::Frame&, const Observation&) {}
 
   // An event that is long enough to count; it began some time ago.
   virtual void begun(const Event&) {}
@@ -30,4 +30,4 @@ class EventListener {
   virtual void commit() {}
 };
 
-}  // namespace lm::host
+}  // namespace lm::host::events

@@ -2,9 +2,9 @@
 
 #include <algorithm>
 
-#include "host/json_text.h"
+#include "host/base/json_text.h"
 
-namespace lm::host {
+namespace lm::host::events {
 namespace {
 
 // The plug-in reads texts only, each to the first character that does not belong to the number.
@@ -45,7 +45,7 @@ bool Region::contains(cv::Point2d point) const {
 }
 
 Regions::Regions(const std::string& document) {
-  const Json::Value root = parse_json(document);
+  const Json::Value root = base::parse_json(document);
   if (!root.isObject()) return;
   included_ = regions_of(root["roi"]);
   excluded_ = regions_of(root["ror"]);
@@ -83,4 +83,4 @@ void Regions::touched(const cv::Rect2d& box, std::vector<std::string>& names) co
   names = std::move(all);
 }
 
-}  // namespace lm::host
+}  // namespace lm::host::events

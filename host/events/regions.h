@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-namespace lm::host {
+namespace lm::host::events {
 
 struct Region {
   std::string name;
@@ -39,4 +39,4 @@ class Regions {
   std::vector<Region> excluded_;
 };
 
-}  // namespace lm::host
+}  // namespace lm::host::events

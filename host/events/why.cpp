@@ -2,9 +2,9 @@
 
 #include <cmath>
 
-#include "host/time_text.h"
+#include "host/base/time_text.h"
 
-namespace lm::host {
+namespace lm::host::events {
 
 std::string tenths_text(double value) {
   const long long tenths = std::llround(std::abs(value) * 10);
@@ -15,10 +15,10 @@ std::string tenths_text(double value) {
 std::string percent_text(double share) { return tenths_text(share * 100) + " %"; }
 
 std::string why_started(const Event& event, std::optional<std::chrono::microseconds> since) {
-  const std::string at = " at " + seconds_text(event.start) + " s: ";
+  const std::string at = " at " + base::seconds_text(event.start) + " s: ";
   if (event.kind == EventKind::kLight && event.light) {
     const LightChange& light = *event.light;
-    return std::string("The light became ") + (light.after >= light.before ? "brighter" : "darker") + at +
+    return std::string("The lighting became ") + (light.after >= light.before ? "brighter" : "darker") + at +
            "from " + tenths_text(light.before) + " to " + tenths_text(light.after) +
            " grey levels on average, changed over " + percent_text(light.share) +
            " of the watched picture, with boxes over " + percent_text(event.peak_share) + " of the frame.";
@@ -26,17 +26,18 @@ std::string why_started(const Event& event, std::optional<std::chrono::microseco
   const std::string boxes =
       event.most_boxes == 1 ? "A box appeared" : std::to_string(event.most_boxes) + " boxes appeared";
   return boxes + at + "over " + percent_text(event.peak_share) + " of the frame, where nothing had moved " +
-         (since ? "for " + seconds_text(event.start - *since) + " s." : "before.");
+         (since ? "for " + base::seconds_text(event.start - *since) + " s." : "before.");
 }
 
 std::string why_quiet(const Event& event, std::chrono::microseconds gap, std::chrono::microseconds hidden) {
-  const char* what = event.kind == EventKind::kLight ? "No box of the change of light" : "Nothing moved";
-  std::string text = std::string(what) + " for more than " + seconds_text(gap) + " s after " +
-                     seconds_text(event.end) + " s";
+  const char* what = event.kind == EventKind::kLight ? "No box of the lighting change" : "Nothing moved";
+  std::string text = std::string(what) + " for more than " + base::seconds_text(gap) + " s after " +
+                     base::seconds_text(event.end) + " s";
   if (hidden.count() > 0) {
-    text += ", not counting " + seconds_text(hidden) + " s in which a change of light covered the picture";
+    text +=
+        ", not counting " + base::seconds_text(hidden) + " s in which a lighting change covered the picture";
   }
   return text + ".";
 }
 
-}  // namespace lm::host
+}  // namespace lm::host::events

@@ -7,7 +7,7 @@
 
 #include "host/events/event.h"
 
-namespace lm::host {
+namespace lm::host::events {
 
 // "4.1 %" for 0.041, "56.0" for 56.
 std::string percent_text(double share);
@@ -19,4 +19,4 @@ std::string why_started(const Event& event, std::optional<std::chrono::microseco
 // `hidden`: how long, after its last frame, boxes of a change of light would have hidden it.
 std::string why_quiet(const Event& event, std::chrono::microseconds gap, std::chrono::microseconds hidden);
 
-}  // namespace lm::host
+}  // namespace lm::host::events

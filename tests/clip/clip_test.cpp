@@ -5,17 +5,17 @@
 #include <filesystem>
 #include <memory>
 
-#include "host/source.h"
+#include "host/source/source.h"
 #include "tests/system/driver.h"
 
 namespace {
 
 // The clip's first frames, as blue, green, red.
 Sequence sequenceOf(const std::string& file, int frames) {
-  const std::shared_ptr<lm::host::Source> source = lm::host::open_source(file);
+  const std::shared_ptr<lm::host::source::Source> source = lm::host::source::open_source(file);
   const cv::Size size = source->info().size;
   const auto next = [source](int number) {
-    lm::host::Frame frame;
+    lm::host::source::Frame frame;
     EXPECT_TRUE(source->next(frame)) << "frame " << number;
     const std::uint8_t* pixels = frame.image.data;
     const std::size_t bytes = frame.image.total() * frame.image.elemSize();

@@ -29,7 +29,7 @@ class ParamFile : public ::testing::Test {
     EXPECT_EQ(saidDuring([&] { engine.ParserParams(path_.c_str()); }), Said{});
   }
 
-  // Reads a file of this text into a new engine and expects nothing to change but `changes`.
+  // Reads a file with this text into a new engine and expects only `changes`.
   void expectChanges(const std::string& text, const Settings& changes) {
     kAMBLE engine;
     readInto(engine, text);
@@ -142,7 +142,7 @@ TEST_F(ParamFile, TheLastLineNeedsNoLineFeed) {
 
 TEST_F(ParamFile, AnEmptyFileChangesNothing) { expectChanges("", {}); }
 
-// "thrMatch 12" and blanks up to `length` characters.
+// "thrMatch 12", padded with blanks to `length` characters.
 std::string lineOf(std::size_t length) {
   std::string line = "thrMatch 12";
   return line + std::string(length - line.size(), ' ');

@@ -1,4 +1,4 @@
-// Settings without an engine follow the same table as the engine's own.
+// Settings without an engine follow the same table as those of the engine.
 #include "config/settings.h"
 
 #include <gtest/gtest.h>

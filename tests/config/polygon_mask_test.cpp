@@ -1,4 +1,4 @@
-// Polygons into masks.
+// Polygons and their masks.
 #include <gmock/gmock.h>
 
 #include <algorithm>
@@ -29,7 +29,7 @@ int withinByArrays(const Outline& outline, float x, float y) {
   return pnpoly(static_cast<int>(outline.size()), xs.data(), ys.data(), x, y);
 }
 
-// Draws the outline over old bytes, and expects the picture.
+// Rasterises the outline over old bytes and expects the picture.
 void expectMask(const Outline& outline, const Rows& expected) {
   const int width = static_cast<int>(expected[0].size());
   const int height = static_cast<int>(expected.size());

@@ -1,4 +1,4 @@
-// How an entry is split into key and value, and what a value that cannot be converted leaves behind.
+// How an entry is split into key and value, and the state after a value that cannot be converted.
 #include <gmock/gmock.h>
 
 #include "engine/kamble.h"
@@ -19,7 +19,7 @@ std::string thrownApplying(kAMBLE& engine, const std::vector<std::string>& entri
   return thrownBy([&] { apply(engine, entries); });
 }
 
-// The frame width that a new engine holds after the entries.
+// The frame width of a new engine after the entries.
 int widthAfter(const std::vector<std::string>& entries) {
   kAMBLE engine;
   apply(engine, entries);

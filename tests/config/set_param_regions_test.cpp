@@ -1,4 +1,4 @@
-// The region masks that setParam makes, and who owns them.
+// The region masks that setParam makes, and their ownership.
 #include <gmock/gmock.h>
 
 #include <algorithm>
@@ -15,8 +15,8 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
-// Columns left to right - 1, rows top to bottom - 1: the rule of the masks leaves the left edge out and takes
-// the right edge in, and the other way round for top and bottom.
+// Columns left to right - 1, rows top to bottom - 1: masks exclude the left edge and include the right one,
+// and include the top edge and exclude the bottom one.
 polygon area(const std::string& name, int left, int top, int right, int bottom) {
   const int x0 = left - 1;
   const int x1 = right - 1;
@@ -226,8 +226,8 @@ TEST_F(RegionMasks, PixelsBeyondTheUsableMaskAreOutsideEveryRegion) {
   EXPECT_EQ(drawn(engine_.fgMask, expected), picture(expected));
 }
 
-// Pixel counts that wrap in 32 bits: 2^32 to 0, 50000^2 = 2500000000 below zero, 65537^2 to 131073. Whatever
-// comes of such a frame, memory stays intact.
+// Pixel counts that wrap in 32 bits: 2^32 to 0, 50000^2 = 2500000000 below zero, 65537^2 to 131073. Such a
+// frame may have any result, but nothing is written outside the buffers.
 TEST_F(RegionMasks, APixelCountThatWrapsIsSafe) {
   const FailingAlloc absurdRequestsThrow;
   for (const std::string side : {"65536", "50000", "65537"}) {

@@ -1,4 +1,4 @@
-// The table of keys: what each accepts, and what it writes.
+// The table of keys: what each accepts and what it writes.
 #include <gmock/gmock.h>
 
 #include "engine/kamble.h"

@@ -164,8 +164,8 @@ INSTANTIATE_TEST_SUITE_P(
         MinimumCase{"notANumber", std::numeric_limits<float>::quiet_NaN(), 100, unfit}),
     byName);
 
-// A second set-up drops the background image and the neighbour arrays without freeing them, so the test keeps
-// hold of them and does it.
+// A second set-up drops the background image and the neighbour arrays without freeing them, so the test frees
+// them.
 class SecondSetUp : public ::testing::Test {
  protected:
   void again() {

@@ -1,4 +1,4 @@
-// The two per-frame differences, on one channel a frame.
+// The two per-frame differences, on one channel per frame.
 #include <gtest/gtest.h>
 #include <malloc.h>
 

@@ -125,6 +125,16 @@ TEST(ChangedSize, SmallerFrameOverwritesTheBeginningOnly) {
   EXPECT_EQ(engine.frmCount, 2);
 }
 
+TEST(ChangedSize, SmallerFrameRemembersTheMaskOfItsOwnPixelsOnly) {
+  Camera engine;
+  engine.learnPlain(50, 1);
+  ASSERT_TRUE(engine.learn(Bytes(7, 200), 7, 1, 1));
+  EXPECT_EQ(engine.drawn(engine.fgMask), picture({"####", "###.", "...."}));
+  EXPECT_EQ(Bytes(engine.prevFgMask, engine.prevFgMask + 12),
+            (Bytes{255, 255, 255, 255, 255, 255, 255, 1, 1, 1, 1, 1}))
+      << "1 is what the plane was made with";
+}
+
 TEST(ChangedSize, FewerChannelsAreAccepted) {
   Camera engine;
   engine.learnPlain(50, 3);
@@ -196,6 +206,21 @@ TEST(SmallRegionMask, ExtractionReadsNeitherMaskBeyondItsEnd) {
   std::vector<polygon> whole{polygon{"all", {{-1, -1}, {99, -1}, {99, 99}, {-1, 99}}, nullptr}};
   std::vector<polygon> none;
   engine.setParam(settings, whole, none);
+  const Bytes frame = plainFrame(40, 20, 1, 50);
+  ASSERT_TRUE(engine.learnBg_ncv(frame.data(), 40, 20, 1));
+  engine.thrCcPxl2 = 1;
+  for (std::ptrdiff_t y = 5; y < 15; ++y) {
+    std::fill_n(engine.fgMask + y * 40 + 5, 20, std::uint8_t{255});
+  }
+  EXPECT_EQ(engine.genFgObj_ncv(engine.fgMask).size(), 1U);
+}
+
+TEST(SmallRegionMask, OfNoPixelsGrowsWithTheFirstFrameToo) {
+  kAMBLE engine;
+  std::vector<std::string> noSize;
+  std::vector<polygon> whole{polygon{"all", {{-1, -1}, {99, -1}, {99, 99}, {-1, 99}}, nullptr}};
+  std::vector<polygon> none;
+  engine.setParam(noSize, whole, none);
   const Bytes frame = plainFrame(40, 20, 1, 50);
   ASSERT_TRUE(engine.learnBg_ncv(frame.data(), 40, 20, 1));
   engine.thrCcPxl2 = 1;

@@ -1,4 +1,5 @@
-// How an update tells a change of light from noise: local changes need a neighbour, scene-wide ones do not.
+// How an update separates a lighting change from noise: local changes need a neighbour, scene-wide ones do
+// not.
 #include <gtest/gtest.h>
 #include <unistd.h>
 
@@ -149,12 +150,12 @@ TEST(Illumination, NothingIsExaminedWhenItsHandlingIsOff) {
   EXPECT_EQ(engine.nbrCursor[0], 0U);
 }
 
-// Memory that 2^24 pixels of model take, with room to spare.
+// Enough memory for 2^24 pixels of model.
 bool hasGigabytes(long gigabytes) {
   return sysconf(_SC_AVPHYS_PAGES) / 1024 * sysconf(_SC_PAGESIZE) / 1024 / 1024 >= gigabytes;
 }
 
-// 2^24 unchanged pixels and two changed ones behind them, whose own neighbour is the unchanged first pixel.
+// 2^24 unchanged pixels and two changed ones after them, whose own neighbour is the unchanged first pixel.
 // Planes that the update only reads stay the zero pages that they are made of.
 TEST(Illumination, CountersAre32BitFloatsThatStopAtTwoToThe24) {
   if (!hasGigabytes(4)) {

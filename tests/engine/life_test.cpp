@@ -9,7 +9,7 @@
 namespace lm::test {
 namespace {
 
-// Foreground whatever its life: no sample is near.
+// Foreground with any life: no sample matches.
 struct ForegroundPixel : OnePixel {
   ForegroundPixel() : OnePixel({200}, {0}) {}
   float lifeAfter(int change, float before) {
@@ -20,12 +20,12 @@ struct ForegroundPixel : OnePixel {
   }
 };
 
-// Background: every sample is the pixel.
+// Background: every sample equals the pixel.
 struct BackgroundPixel : OnePixel {
   BackgroundPixel() : OnePixel({200}, {200}) {}
 };
 
-// Gives the exported bands other values for a while.
+// Sets the exported bands during its lifetime.
 struct Bands {
   Bands(int x2, int x3) {
     THRESH_SAME_PIXEL_x2 = x2;
@@ -206,7 +206,7 @@ TEST(Absorption, ParkedObjectLeavesTheMaskAndEntersModelAndBackground) {
     masks.push_back(engine.fgMask[0]);
     lives.push_back(engine.fgLife[0]);
   }
-  // Frame 1 changes by 150 and earns nothing; frames 2 to 5 earn one each; at frame 6 the life of 4
+  // Frame 1 changes by 150 and gains nothing; frames 2 to 5 gain one each; at frame 6 the life of 4
   // exceeds 3.
   EXPECT_EQ(masks, (std::vector<int>{0, 255, 255, 255, 255, 255, 0, 0, 0}));
   EXPECT_EQ(lives, (std::vector<float>{0, 0, 1, 2, 3, 4, 4, 4.0F - 0.8F, 4.0F - 0.8F - 0.8F}));

@@ -1,4 +1,4 @@
-// The segment of sample slots that writing steps over, and its moves.
+// The segment of sample slots that writes skip, and its moves.
 #include <gtest/gtest.h>
 
 #include <limits>

@@ -68,7 +68,7 @@ TEST(Classify, PixelsAreJudgedOneByOne) {
 struct MatchCase {
   const char* name;
   Bytes pixel;
-  Bytes rest;                                // what every slot holds that is not listed
+  Bytes rest;                                // in every slot that is not listed
   std::vector<std::pair<int, Bytes>> slots;  //
   int needed;                                // minMatchNum
   int mask;
@@ -131,7 +131,7 @@ INSTANTIATE_TEST_SUITE_P(
         MatchCase{"oneMatchIsTooFew", {100, 100, 100}, farColour, {{5, {101, 102, 103}}}, 2, 255, 6},
         MatchCase{"walkStopsAtTheCount", {9, 9, 9}, {9, 9, 9}, {{0, {10, 9, 9}}, {1, {9, 11, 9}}}, 2, 0, 1},
         MatchCase{"allTwenty", {100, 100, 100}, {100, 100, 101}, {}, 20, 0, 1},
-        // Here the count is looked at after a match only.
+        // Here the count is checked only after a match.
         MatchCase{"zeroNeededNoMatch", {100, 100, 100}, farColour, {}, 0, 255, nothingMatched},
         MatchCase{"zeroNeededMatch", {100, 100, 100}, farColour, {{6, {100, 100, 104}}}, 0, 0, 4}),
     byName);

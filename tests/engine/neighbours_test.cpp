@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <set>
 
+#include "engine/engine_state.h"
 #include "engine/neighbours.h"
 #include "tests/support/engine_fixture.h"
 
@@ -69,7 +70,7 @@ TEST(NeighbourTable, OnePixelFrameIsItsOwnNeighbourEverywhere) {
   EXPECT_EQ(neighboursOf(engine, 0), std::vector<int>(25, 0));
 }
 
-// The table worked out once more, entry by entry, with the draws that a pixel's missing entries make.
+// The table computed again, entry by entry, with the draws for a pixel's missing entries.
 std::vector<int> replayed(int width, int height, int x, int y) {
   std::vector<int> entries;
   for (int dx = -2; dx <= 2; ++dx) {
@@ -149,12 +150,12 @@ TEST(DirectNeighbours, RecordsEndInZeros) {
   }
 }
 
-// Whether the arrays of the 32 pixels from `begin` on say what the distances say.
+// Whether the arrays of the 32 pixels from `begin` on agree with the fixed offsets.
 bool followDistances(const SizedEngine& engine, std::size_t begin) {
   if (begin + 32 > engine.pixels()) return false;
   for (std::size_t i = begin; i < begin + 32; ++i) {
     for (std::size_t k = 0; k < 25; ++k) {
-      if (engine.nbrIdx[i][k] != static_cast<int>(i) + engine.nbrDistances[k]) return false;
+      if (engine.nbrIdx[i][k] != static_cast<int>(i) + stateOf(engine).nbrDistances[k]) return false;
     }
   }
   return true;
@@ -164,14 +165,14 @@ TEST(NeighbourDistances, AreGivenForBlocksInsideTheFrameOnly) {
   for (const auto& [width, height] :
        {std::pair{36, 5}, {37, 6}, {64, 5}, {100, 9}, {35, 7}, {50, 4}, {1, 200}}) {
     const SizedEngine engine(width, height, 1);
-    const NeighbourDistances distances(engine, engine.nbrDistances);
+    const NeighbourDistances distances(engine, stateOf(engine).nbrDistances);
     std::size_t given = 0;
     for (std::size_t begin = 0; begin < engine.pixels(); ++begin) {
       if (distances.of(begin) == nullptr) continue;
       ++given;
       EXPECT_TRUE(followDistances(engine, begin)) << width << "x" << height << ", block at " << begin;
     }
-    // Two columns on either side and two rows above and below have no whole neighbourhood.
+    // Two columns on either side and two rows above and below have an incomplete neighbourhood.
     const std::size_t columns = width >= 36 ? static_cast<std::size_t>(width) - 35 : 0;
     const std::size_t rows = height >= 5 ? static_cast<std::size_t>(height) - 4 : 0;
     EXPECT_EQ(given, columns * rows) << width << "x" << height;
@@ -181,9 +182,9 @@ TEST(NeighbourDistances, AreGivenForBlocksInsideTheFrameOnly) {
 TEST(NeighbourDistances, AreNotGivenForArraysOfAnotherLength) {
   SizedEngine engine(40, 8, 1);
   const std::size_t inside = 3 * 40 + 4;
-  ASSERT_NE(NeighbourDistances(engine, engine.nbrDistances).of(inside), nullptr);
+  ASSERT_NE(NeighbourDistances(engine, stateOf(engine).nbrDistances).of(inside), nullptr);
   engine.numNbr = 9;
-  EXPECT_EQ(NeighbourDistances(engine, engine.nbrDistances).of(inside), nullptr);
+  EXPECT_EQ(NeighbourDistances(engine, stateOf(engine).nbrDistances).of(inside), nullptr);
 }
 
 }  // namespace

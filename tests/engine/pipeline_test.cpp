@@ -1,4 +1,4 @@
-// One frame through the engine: the order of the steps, and what a refused frame leaves behind.
+// One frame through the engine: the order of the steps, and the state after a refused frame.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -13,7 +13,7 @@ namespace {
 
 TEST(FirstFrame, SizesTheEngineAndSaysSo) {
   Camera engine;
-  engine.szImgX = 640;  // what a configuration may have said
+  engine.szImgX = 640;  // as a configuration may have set it
   engine.szImgY = 480;
   const Said said = saidDuring([&] { EXPECT_TRUE(engine.learnPlain(50, 3)); });
   EXPECT_EQ(said, (Said{"", "W, H, Pixels = 4, 3, 12\n"}));
@@ -124,7 +124,7 @@ TEST(LaterFrame, ModelIsUpdatedWithTheMaskOfTheSameFrame) {
   Camera engine;
   engine.learnPlain(50, 1);
   engine.learnPlain(60,
-                    1);  // background everywhere, 10 brighter than the background image: a change of light
+                    1);  // background everywhere, 10 brighter than the background image: a lighting change
   EXPECT_EQ(engine.drawn(engine.fgMask), picture({"....", "....", "...."}));
   EXPECT_EQ(engine.bgImg[0], 60);
   EXPECT_EQ(engine.bgModel[0].samples[0][0], 60);

@@ -1,4 +1,4 @@
-// The slow refresh of background that changes, and the timer that it waits for.
+// The slow refresh of background that changes, and its timer.
 #include <gtest/gtest.h>
 
 #include <cstdint>

@@ -16,7 +16,7 @@ timeval ScriptedClock::next() { return times_.at(std::min(taken_++, times_.size(
 
 }  // namespace lm::test
 
-// Takes the place of the C library's function in this test program.
+// Replaces the C library's function in this test program.
 extern "C" int gettimeofday(timeval* time, void* /*zone*/) noexcept {
   if (lm::test::installed != nullptr) {
     *time = lm::test::installed->next();

@@ -107,7 +107,7 @@ TEST(EngineState, FreshEngineHasNoBuffersAndNoLists) {
   EXPECT_TRUE(engine.roiExclude.empty());
 }
 
-// A 4 x 3 engine in full work: every buffer that exists at all has been made.
+// A running 4 x 3 engine: every buffer has been made.
 struct RunningEngine : SizedEngine {
   RunningEngine() : SizedEngine(4, 3, 3) {
     addFrames();
@@ -166,8 +166,8 @@ TEST(EngineState, ReleasedEngineCanBeSizedAgain) {
   EXPECT_NE(engine.labelRows, nullptr);
 }
 
-// The leak checker of the sanitizer build is what judges this one: region masks, neighbour arrays and the
-// table of label rows all go with the engine.
+// Fails by the leak checker of the sanitizer build: region masks, neighbour arrays and the table of label
+// rows are released with the engine.
 TEST(EngineState, DestructionReleasesRegionMasksAndEverythingElse) {
   RunningEngine engine;
   engine.roiInclude = {polygon{"in", {}, new std::uint8_t[12]}, polygon{"no mask", {}, nullptr}};

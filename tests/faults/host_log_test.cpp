@@ -1,4 +1,4 @@
-// A host whose logging function throws: its exception comes back to it, and nothing else happens.
+// A host whose logging function throws receives its own exception; nothing else happens.
 #include <gtest/gtest.h>
 
 #include "engine/kamble.h"

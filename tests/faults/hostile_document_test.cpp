@@ -1,4 +1,4 @@
-// Documents that nobody writes by hand: nested, long, full of vertices, in broken encodings.
+// Hostile documents: deeply nested, long, with many vertices, with invalid encodings.
 #include <gtest/gtest.h>
 
 #include "engine/kamble.h"
@@ -15,7 +15,7 @@ constexpr FrameSize tiny{16, 16, 1};
 
 const std::string tooDeep = "Json::RuntimeError: Exceeded stackLimit in readValue().";
 
-// A good document in which something unread lies `levels` levels deep, the document itself being the first.
+// A good document with an unused value nested `levels` levels deep, counting the document itself.
 std::string nested(std::size_t levels, bool closed = true) {
   const std::string inner = std::string(levels - 1, '[') + (closed ? std::string(levels - 1, ']') : "");
   return documentFor(tiny, ",\"unread\":" + inner);
@@ -97,8 +97,8 @@ TEST(NulByte, WrittenIntoAValueEndsIt) {
   EXPECT_EQ(detector.engine->minObjW, 0.5F);
 }
 
-// A comb: 50,000 teeth of no width at the left border, from which the outline returns along the bottom.
-// Even-odd, all that is left is the frame.
+// A comb with 50,000 teeth of zero width at the left border; the outline returns along the bottom. By the
+// even-odd rule it covers exactly the frame.
 TEST(RegionOf100000Vertices, IsDrawn) {
   std::string points = R"({"x":"2","y":"-1"},{"x":"2","y":"2"},{"x":"-1","y":"2"})";
   for (int i = 0; i < 49'998; ++i) points += R"(,{"x":"-1","y":"0.5"},{"x":"-1","y":"1"})";

@@ -1,5 +1,5 @@
-// Memory that is lacking in places that plugin/allocation_failure_test.cpp does not come to: in a frame long
-// after the first, and below the library, in what malloc gives to the JSON library and to the C++ runtime.
+// Failing allocations that plugin/allocation_failure_test.cpp does not reach: in a frame long after the
+// first, and in malloc below the library, as used by the JSON library and the C++ runtime.
 #include <gtest/gtest.h>
 #include <json/json.h>
 
@@ -18,7 +18,7 @@ namespace {
 
 constexpr FrameSize size{96, 64, 3};
 
-// Two objects that are near enough to be joined, one by itself, and two too small to count.
+// Two objects close enough to be joined, one apart, and two below the minimum box size.
 const std::vector<Rect> objects = {
     {8, 8, 14, 16}, {24, 8, 14, 16}, {60, 30, 16, 20}, {80, 8, 8, 8}, {80, 50, 8, 8}};
 
@@ -41,7 +41,7 @@ class ObjectExtraction : public ::testing::TestWithParam<Setting> {
     detector_.frameProc(frame.data(), "0", &length);
     return detector_.resText;
   }
-  // Whether request number `failAt` of the frame was refused.
+  // Whether allocation number `failAt` of the frame failed.
   bool feedFailing(const Bytes& frame, std::uint64_t failAt) {
     FailingAlloc alloc(failAt, Reach::all);
     try {
@@ -86,7 +86,7 @@ TEST_P(ObjectExtraction, GivesTheNextFramesBoxesWhicheverOfItsRequestsFailed) {
   EXPECT_GT(refused, 20);
 }
 
-// The rows that a frame leaves behind are what the next frame takes as blank.
+// The next frame assumes that the rows which a frame leaves behind are blank.
 TEST_P(ObjectExtraction, LeavesNoLabelsOfObjectsThatWentWhileMemoryWasLacking) {
   for (std::uint64_t failAt = 1;; ++failAt) {
     start();

@@ -1,4 +1,4 @@
-// Frame sizes at both ends, through the entry points.
+// Very small and very large frame sizes, through the entry points.
 #include <gtest/gtest.h>
 
 #include <new>
@@ -42,8 +42,8 @@ INSTANTIATE_TEST_SUITE_P(Of, OverflowingSize,
                                            Side{65536, 65537, 65536}, Side{2147483647, 2147483647, 1},
                                            Side{46341, 46341, -2147479015}, Side{2147483647, 2, -2}));
 
-// No machine has the pixels, so the document may be refused for lack of memory or its frames may give
-// nothing; memory stays as it is. A frame holds as many pixels as the product in 32 bits says.
+// No machine has that many pixels, so initialization may run out of memory or frames may have no results, but
+// nothing is written outside the buffers. A frame has as many pixels as the product in 32 bits.
 TEST_P(OverflowingSize, IsSurvived) {
   const auto [width, height, pixels] = GetParam();
   const FailingAlloc absurdRequestsThrow;

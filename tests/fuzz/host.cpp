@@ -5,32 +5,40 @@
 #include <memory>
 #include <stdexcept>
 
-#include "host/archive/record.h"
-#include "host/archive/shard.h"
-#include "host/check/check.h"
-#include "host/check/text.h"
-#include "host/document.h"
+#include "host/base/failure.h"
+#include "host/base/json_text.h"
+#include "host/base/time_text.h"
+#include "host/commands/archive/record.h"
+#include "host/commands/archive/shard.h"
+#include "host/commands/command_line.h"
+#include "host/detector/check/check.h"
+#include "host/detector/check/text.h"
+#include "host/detector/document.h"
 #include "host/events/event_options.h"
 #include "host/events/event_tracker.h"
 #include "host/events/regions.h"
-#include "host/failure.h"
-#include "host/frame_clock.h"
-#include "host/live/scale.h"
-#include "host/mqtt/address.h"
-#include "host/options.h"
-#include "host/overlay.h"
-#include "host/progress.h"
-#include "host/result_line.h"
-#include "host/source.h"
-#include "host/time_text.h"
+#include "host/outputs/mqtt/address.h"
+#include "host/outputs/overlay.h"
+#include "host/outputs/progress.h"
+#include "host/outputs/result_line.h"
+#include "host/source/frame_clock.h"
+#include "host/source/live/scale.h"
+#include "host/source/source.h"
 #include "tests/fuzz/target.h"
 
 namespace {
 
-using namespace lm::host;
+using namespace lm::host::base;
+using namespace lm::host::commands;
+using namespace lm::host::commands::archive;
+using namespace lm::host::detector;
+using namespace lm::host::events;
+using namespace lm::host::outputs;
+using namespace lm::host::source;
+using namespace lm::host::source::live;
 using std::chrono::microseconds;
 
-// Arguments, one a line.
+// Arguments, one per line.
 void readArguments(const std::string& text) {
   std::vector<std::string> arguments;
   for (std::size_t at = 0; at <= text.size();) {
@@ -39,9 +47,8 @@ void readArguments(const std::string& text) {
     at = end + 1;
   }
   const Command command = parse_command_line(arguments);
-  fuzz::require((command.options.has_value() || command.work) == command.text.empty(),
+  fuzz::require(static_cast<bool>(command.work) == command.text.empty(),
                 "neither something to do nor a text, or both");
-  if (command.options) is_live(command.options->source);
 }
 
 // A configuration document for frames of 640 x 360.
@@ -69,9 +76,12 @@ void readResult(const std::string& text) {
   fuzz::Choices choices(reinterpret_cast<const std::uint8_t*>(text.data()), text.size());
   const microseconds time(choices.number<std::int32_t>());
   const std::string document = text.substr(std::min(text.size(), sizeof(std::int32_t)));
-  const std::string line = result_line(document, choices.byte(), time);
-  fuzz::require(line.find('\n') == std::string::npos, "a result of several lines");
   const std::vector<cv::Rect2d> boxes = boxes_of(document);
+  std::vector<ReportedBox> reported;
+  for (const cv::Rect2d& box : boxes) reported.push_back({box, {document}});
+  const std::string line = result_line(choices.byte(), time, reported, document);
+  fuzz::require(line.find('\n') == std::string::npos, "a result of several lines");
+  fuzz::require(parse_json(line).isObject(), "a result line that is not JSON");
   fuzz::require(share_under(boxes) >= 0 && share_under(boxes) <= 1, "more than the whole frame");
   for (const cv::Rect2d& box : boxes) {
     const cv::Rect pixels = pixels_of(box, {640, 360});

@@ -3,15 +3,16 @@
 
 #include <cstdlib>
 
-#include "host/archive/file_list.h"
-#include "host/archive/folder_name.h"
-#include "host/archive/shard.h"
-#include "host/failure.h"
+#include "host/base/failure.h"
+#include "host/commands/archive/file_list.h"
+#include "host/commands/archive/folder_name.h"
+#include "host/commands/archive/shard.h"
 #include "tests/host/program.h"
 
 namespace {
 
-using namespace lm::host;
+using namespace lm::host::base;
+using namespace lm::host::commands::archive;
 namespace fs = std::filesystem;
 using Names = std::vector<std::string>;
 
@@ -101,11 +102,11 @@ TEST_F(FileList, NamesWhatCannotBeUsed) {
   EXPECT_EQ(listed({folder_ / "none.mp4", folder_ / "in"}),
             (Names{"in/a.AVI", "in/b.mp4", "in/broken.mp4: No such file or directory", "in/deep/er/d.mkv",
                    "none.mp4: No such file or directory"}));
-  EXPECT_EQ(list_files({"/dev/null"}, "results").front().why, "not a file");
+  EXPECT_EQ(list_files({"/dev/null"}, "results").front().why, "not a regular file");
 }
 
 TEST_F(FileList, RefusesWhatCannotBeMeant) {
-  EXPECT_EQ(refusal("rtsp://camera/1"), "rtsp://camera/1: an archive run takes files, not addresses");
+  EXPECT_EQ(refusal("rtsp://camera/1"), "rtsp://camera/1: --out needs files, not stream addresses");
   EXPECT_EQ(refusal(folder_ / "*.webm"), (folder_ / "*.webm") + " matches no file");
   EXPECT_EQ(refusal(list("none")),
             "the list " + (folder_ / "none") + " cannot be read: No such file or directory");
@@ -113,7 +114,7 @@ TEST_F(FileList, RefusesWhatCannotBeMeant) {
   EXPECT_EQ(refusal(folder_ / "in/.hidden/.."), "accepted");
   EXPECT_EQ(refusal(folder_ / "in/deep/er/../../.hidden"), "accepted") << "named, so not left out";
   program::write(folder_ / "empty", "");
-  EXPECT_EQ(refusal(list("empty")), "no video files there");
+  EXPECT_EQ(refusal(list("empty")), "no video files found");
 }
 
 TEST(Digest, IsThePublishedFunction) {
@@ -193,9 +194,9 @@ TEST_F(SlurmShard, CountsFromWhereTheArrayStartsInItsSteps) {
 }
 
 TEST_F(SlurmShard, IsRefusedOutsideOfAnArrayAndWhereTheArrayHasGaps) {
-  EXPECT_EQ(shard_refusal("slurm"), "--shard slurm: SLURM_ARRAY_TASK_ID is not set to a number");
+  EXPECT_EQ(shard_refusal("slurm"), "--shard slurm: SLURM_ARRAY_TASK_ID is not a number");
   array("7", "2", "3", "1");  // --array=3,7
-  EXPECT_NE(shard_refusal("slurm").find("the array has gaps"), std::string::npos);
+  EXPECT_NE(shard_refusal("slurm").find("the job array has gaps"), std::string::npos);
 }
 
 }  // namespace

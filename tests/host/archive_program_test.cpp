@@ -11,7 +11,7 @@
 #include <csignal>
 #include <sstream>
 
-#include "host/archive/folder_name.h"
+#include "host/commands/archive/folder_name.h"
 #include "tests/host/clips.h"
 
 namespace {
@@ -39,7 +39,7 @@ class Archive : public testing::Test {
   }
 
   static std::string results(const std::string& out, const std::string& clip) {
-    return out + "/" + lm::host::folder_name(fs::canonical(clip).string());
+    return out + "/" + lm::host::commands::archive::folder_name(fs::canonical(clip).string());
   }
 
   Names arguments(const std::string& out, const Names& more = {}) const {
@@ -69,11 +69,11 @@ TEST_F(Archive, GivesEachFileTheResultsOfARunOfItsOwn) {
     EXPECT_EQ(files.at("results.jsonl"), alone.output);
     Json::Value record;
     std::istringstream(files.at("run.json")) >> record;
-    EXPECT_EQ(record["source"].asString(), fs::canonical(clip));
-    EXPECT_EQ(record["size"].asUInt64(), archive::clip_bytes().size());
-    EXPECT_EQ(record["status"].asInt(), 0);
-    EXPECT_EQ(record["figures"]["frames"].asInt(), 20);
-    EXPECT_EQ(record["figures"]["framesWithMotion"].asInt(), 18);
+    EXPECT_EQ(record["source"]["name"].asString(), fs::canonical(clip));
+    EXPECT_EQ(record["source"]["size"].asUInt64(), archive::clip_bytes().size());
+    EXPECT_EQ(record["exit_status"].asInt(), 0);
+    EXPECT_EQ(record["frames"].asInt(), 20);
+    EXPECT_EQ(record["frames_with_boxes"].asInt(), 18);
   }
   EXPECT_EQ(tree(folder_ / "out").size(), 3U * 2 + 1) << "and the table";
 }
@@ -104,7 +104,7 @@ TEST_F(Archive, GoesOnAfterFilesThatAreBroken) {
   const Outcome outcome = run("out");
   EXPECT_EQ(outcome.status, 1);
   EXPECT_EQ(program::lines(outcome.errors).size(), 3U) << outcome.errors;
-  EXPECT_NE(outcome.errors.find("/in/sound.mp4: holds no video\n"), std::string::npos) << outcome.errors;
+  EXPECT_NE(outcome.errors.find("/in/sound.mp4: contains no video\n"), std::string::npos) << outcome.errors;
   EXPECT_NE(outcome.output.find("6 files: 3 fine, 1 with trouble, 2 failed;"), std::string::npos)
       << outcome.output;
   const std::string cut = results(folder_ / "out", folder_ / "in/cut.mkv");
@@ -121,7 +121,7 @@ TEST_F(Archive, GoesOnAfterProcessesThatDie) {
   const Outcome outcome = run("out", {"--jobs", "2"});
   EXPECT_EQ(outcome.status, 1);
   EXPECT_NE(outcome.output.find("3 files: 0 fine, 0 with trouble, 3 failed;"), std::string::npos);
-  EXPECT_NE(outcome.errors.find("the process was ended by a signal: Killed"), std::string::npos);
+  EXPECT_NE(outcome.errors.find("the process was terminated by a signal: Killed"), std::string::npos);
   EXPECT_EQ(tree(folder_ / "out").size(), 1U) << "the table and nothing half";
 }
 
@@ -150,7 +150,7 @@ TEST_F(Archive, GivesUpFilesThatTakeTooLong) {
   const Outcome outcome = run("out", {"--file-timeout", "0.5", "--jobs", "3"});
   EXPECT_EQ(outcome.status, 1);
   EXPECT_NE(outcome.output.find("3 files: 0 fine, 0 with trouble, 3 failed;"), std::string::npos);
-  EXPECT_NE(outcome.errors.find("/in/b/clip.mkv: given up after 0.500 s (--file-timeout)\n"),
+  EXPECT_NE(outcome.errors.find("/in/b/clip.mkv: time limit of 0.500 s exceeded (--file-timeout)\n"),
             std::string::npos)
       << outcome.errors;
   EXPECT_EQ(tree(folder_ / "out").size(), 1U) << "the table and nothing half";
@@ -288,8 +288,9 @@ TEST_F(EndedArchive, StoppedItEndsItsChildrenAndLeavesNothingHalf) {
 }
 
 TEST_F(Archive, WaitsForFilesThatAnotherRunHas) {
-  const std::string folder =
-      folder_ / "out/." + lm::host::folder_name(fs::canonical(clips()[0]).string()) + ".work";
+  const std::string folder = folder_ / "out/." +
+                             lm::host::commands::archive::folder_name(fs::canonical(clips()[0]).string()) +
+                             ".work";
   fs::create_directories(folder);
   const int lock = open((folder + "/lock").c_str(), O_CREAT | O_RDWR | O_CLOEXEC, 0600);
   ASSERT_EQ(flock(lock, LOCK_EX), 0);

@@ -4,10 +4,10 @@
 
 namespace lm::host::check {
 
-std::vector<std::string> places_of(const Verdict& verdict) {
+std::vector<std::string> places_of(const host::detector::check::Verdict& verdict) {
   std::vector<std::string> lines;
-  for (const Finding& finding : verdict.findings) {
-    std::string line = name_of(finding.severity);
+  for (const host::detector::check::Finding& finding : verdict.findings) {
+    std::string line = host::detector::check::name_of(finding.severity);
     line.append(" ").append(std::to_string(finding.line)).append(":");
     line.append(std::to_string(finding.column)).append(" ").append(finding.key);
     lines.push_back(line);
@@ -15,10 +15,12 @@ std::vector<std::string> places_of(const Verdict& verdict) {
   return lines;
 }
 
-Finding finding_on(const Verdict& verdict, const std::string& key) {
-  const auto found = std::find_if(verdict.findings.begin(), verdict.findings.end(),
-                                  [&](const Finding& finding) { return finding.key == key; });
-  return found == verdict.findings.end() ? Finding{} : *found;
+host::detector::check::Finding finding_on(const host::detector::check::Verdict& verdict,
+                                          const std::string& key) {
+  const auto found =
+      std::find_if(verdict.findings.begin(), verdict.findings.end(),
+                   [&](const host::detector::check::Finding& finding) { return finding.key == key; });
+  return found == verdict.findings.end() ? host::detector::check::Finding{} : *found;
 }
 
 }  // namespace lm::host::check

@@ -1,11 +1,11 @@
-#include "host/check/places.h"
+#include "host/detector/check/places.h"
 
 #include <gtest/gtest.h>
 
 namespace {
 
-using lm::host::check::Place;
-using lm::host::check::Places;
+using lm::host::detector::check::Place;
+using lm::host::detector::check::Places;
 
 void expect_place(Place place, int line, int column) {
   EXPECT_EQ(place.line, line);

@@ -4,14 +4,15 @@
 
 #include <opencv2/imgproc.hpp>
 
-#include "host/check/check.h"
-#include "host/document.h"
-#include "host/plugin.h"
-#include "host/standard_streams.h"
+#include "host/base/standard_streams.h"
+#include "host/detector/check/check.h"
+#include "host/detector/document.h"
+#include "host/detector/plugin.h"
 
 namespace {
 
-using namespace lm::host;
+using namespace lm::host::base;
+using namespace lm::host::detector;
 
 const cv::Size kFrame(160, 120);
 

@@ -4,7 +4,7 @@
 
 #include <sstream>
 
-#include "host/presets/presets.h"
+#include "host/detector/presets/presets.h"
 #include "tests/host/program.h"
 
 namespace {
@@ -32,17 +32,17 @@ TEST_F(CheckProgram, PrintsTheWorstFirstThenWhatIsInEffectThenASummary) {
   EXPECT_EQ(outcome.errors, "");
   EXPECT_EQ(
       outcome.output,
-      file_ + ":1:33: warning: \"lcAdap\": 9 is out of range: the values of level 3 are taken (1 to 5)\n" +
+      file_ + ":1:33: warning: \"lcAdap\": 9 is out of range: the values of level 3 are used (1 to 5)\n" +
           file_ +
-          ":1:17: note: \"sensitivity\": -1: the values of level 5, and the least thing that counts adapts "
-          "to what is seen\n"
+          ":1:17: note: \"sensitivity\": -1: uses the values of level 5 and adapts the minimum component "
+          "size to the video\n"
           "in effect at 1280x720:\n"
           "  matches the background    up to 7 grey levels (thrMatch)\n"
           "  counts as unchanged       up to 10 grey levels (thrHeuris)\n"
-          "  change of light followed  above 10 grey levels (thrIllum)\n"
-          "  least box                 2 % across, 5 % down: 25 x 36 pixels\n"
-          "  stands still until        3 seconds, 90 frames at 30 a second\n"
-          "  least thing               adapts to what is seen\n"
+          "  lighting change followed  above 10 grey levels (thrIllum)\n"
+          "  minimum box size          2 % across, 5 % down: 25 x 36 pixels\n"
+          "  still objects kept for    3 seconds, 90 frames at 30 per second\n"
+          "  minimum component size    adapts to the video\n"
           "  watched                   100 % of the frame\n"
           "  memory                    272 MB\n" +
           file_ + ": 1 warning, 1 note\n");
@@ -58,7 +58,7 @@ TEST_F(CheckProgram, EndsWithAStatusForTheWorst) {
 }
 
 TEST_F(CheckProgram, SaysThatThereIsNothingToSay) {
-  EXPECT_THAT(check("{}").output, HasSubstr(file_ + ": nothing to complain of\n"));
+  EXPECT_THAT(check("{}").output, HasSubstr(file_ + ": no findings\n"));
 }
 
 TEST_F(CheckProgram, NamesFilesThatCannotBeRead) {
@@ -101,17 +101,17 @@ TEST_F(CheckProgram, GivesProgramsOneObject) {
   EXPECT_EQ(finding["column"], 17);
   EXPECT_EQ(finding["hint"], "1 to 5, or -1");
   const Json::Value& effective = root["effective"];
-  EXPECT_EQ(effective["thrMatch"], 13);
-  EXPECT_EQ(effective["thrHeuris"], 12);
-  EXPECT_EQ(effective["thrIllum"], 5);
-  EXPECT_EQ(effective["autoSensitivity"], false);
-  EXPECT_EQ(effective["lifeStatic"]["seconds"], 3);
-  EXPECT_EQ(effective["lifeStatic"]["frames"], 90);
-  EXPECT_EQ(effective["leastBox"]["width"], 0.05);
-  EXPECT_EQ(effective["leastBoxPixels"]["height"], 18);
-  EXPECT_EQ(effective["frame"]["width"], 640);
+  EXPECT_EQ(effective["match_threshold"], 13);
+  EXPECT_EQ(effective["change_threshold"], 12);
+  EXPECT_EQ(effective["lighting_threshold"], 5);
+  EXPECT_EQ(effective["auto_sensitivity"], false);
+  EXPECT_EQ(effective["static_lifetime"].asDouble(), 3);
+  EXPECT_EQ(effective["static_lifetime_frames"], 90);
+  EXPECT_EQ(effective["min_box"]["width"], 0.05);
+  EXPECT_EQ(effective["min_box_pixels"]["height"], 18);
+  EXPECT_EQ(effective["frame_size"]["width"], 640);
   EXPECT_EQ(effective["memory"].asUInt64(), 67'968'000U);
-  EXPECT_EQ(effective["watched"].asDouble(), 1.0);
+  EXPECT_EQ(effective["watched_share"].asDouble(), 1.0);
 }
 
 TEST_F(CheckProgram, HasNothingInEffectWhereThereIsAnError) {
@@ -122,7 +122,7 @@ TEST_F(CheckProgram, HasNothingInEffectWhereThereIsAnError) {
 }
 
 TEST_F(CheckProgram, FindsNothingInThePresets) {
-  for (const lm::host::Preset& preset : lm::host::presets())
+  for (const lm::host::detector::presets::Preset& preset : lm::host::detector::presets::all())
     EXPECT_EQ(check(preset.document, {"--size", "640x360"}).status, 0) << preset.name;
 }
 

@@ -42,19 +42,20 @@ struct Case {
 class CheckRegion : public testing::TestWithParam<Case> {};
 
 TEST_P(CheckRegion, IsFoundWithItsPlace) {
-  const Verdict verdict = check_document(GetParam().document, kFrame);
+  const lm::host::detector::check::Verdict verdict =
+      lm::host::detector::check::check_document(GetParam().document, kFrame);
   ASSERT_THAT(places_of(verdict), ElementsAre(GetParam().place)) << GetParam().document;
   EXPECT_THAT(verdict.findings[0].text, HasSubstr(GetParam().text));
 }
 
 INSTANTIATE_TEST_SUITE_P(
     Lists, CheckRegion,
-    testing::Values(Case{R"({"roi": []})", "error 1:9 roi", "holds no region"},
-                    Case{R"({"roi": null})", "error 1:9 roi", "holds no region"},
-                    Case{R"({"roi": {"name": "a"}})", "error 1:9 roi", "holds no region"},
-                    Case{R"({"ror": 7})", "warning 1:9 ror", "7 is no list of regions"},
-                    Case{R"({"roi": [3]})", "error 1:10 roi[0]", "3 is no region; the plug-in refuses it"},
-                    Case{R"({"ror": ["a"]})", "error 1:10 ror[0]", "\"a\" is no region"},
+    testing::Values(Case{R"({"roi": []})", "error 1:9 roi", "contains no region"},
+                    Case{R"({"roi": null})", "error 1:9 roi", "contains no region"},
+                    Case{R"({"roi": {"name": "a"}})", "error 1:9 roi", "contains no region"},
+                    Case{R"({"ror": 7})", "warning 1:9 ror", "7 is not a list of regions"},
+                    Case{R"({"roi": [3]})", "error 1:10 roi[0]", "3 is not a region; the plug-in refuses it"},
+                    Case{R"({"ror": ["a"]})", "error 1:10 ror[0]", "\"a\" is not a region"},
                     Case{R"({"ror": [{}]})", "warning 1:10 ror[0]", "no list of points"},
                     Case{R"({"ror": [null]})", "warning 1:10 ror[0]", "no list of points"},
                     Case{R"({"ror": [{"points": []}]})", "warning 1:21 ror[0].points", "has 0 points"},
@@ -65,7 +66,7 @@ INSTANTIATE_TEST_SUITE_P(
     Points, CheckRegion,
     testing::Values(
         Case{R"({"roi": [{"points": [[0, 1], {"x": 0, "y": 1}, {"x": 1, "y": 0}]}]})",
-             "error 1:22 roi[0].points[0]", "[0,1] is no point"},
+             "error 1:22 roi[0].points[0]", "[0,1] is not a point"},
         Case{R"({"roi": [{"points": [{"x": "0"}, {"x": 0, "y": 1}, {"x": 1, "y": 0}]}]})",
              "error 1:22 roi[0].points[0]", "\"y\" is missing"},
         Case{R"({"ror": [{"points": [{"y": "a", "x": 0.5}, {"x": 0, "y": 1}, {"x": 1, "y": 0}]}]})",
@@ -79,9 +80,9 @@ INSTANTIATE_TEST_SUITE_P(
         Case{roi(points({{"320", "0"}, {"1", "1"}, {"0", "1"}})), "warning 1:25 roi[0].points[0].x",
              "far outside the frame"},
         Case{roi(points({{"0", "0"}, {"640", "360"}, {"0", "360"}})), "warning 1:43 roi[0].points[1].x",
-             "far outside the frame, as do 2 others of this region"},
+             "far outside the frame, as are 2 other coordinates of this region"},
         Case{roi(points({{"-0.5", "0"}, {"1", "0"}, {"1", "1"}})), "note 1:25 roi[0].points[0].x",
-             "outside the frame; what reaches beyond it is cut off"}));
+             "outside the frame; the region is clipped to the frame"}));
 
 // The rectangle of `kAll` has two coordinates of -1, of which there is a note.
 INSTANTIATE_TEST_SUITE_P(
@@ -89,23 +90,24 @@ INSTANTIATE_TEST_SUITE_P(
     testing::Values(
         // A bow tie.
         Case{roi(points({{"0", "0"}, {"1", "1"}, {"1", "0"}, {"0", "1"}})), "warning 1:9 roi[0]",
-             "crosses itself, behind points 0 and 2"},
+             "crosses itself, after points 0 and 2"},
         // The edge that closes the outline crosses the one from point 1.
         Case{roi(points({{"0", "0.5"}, {"0.5", "0"}, {"0.5", "1"}, {"1", "0.5"}})), "warning 1:9 roi[0]",
-             "crosses itself, behind points 1 and 3"},
-        Case{roi("\"name\":3," + rectangle("0", "0", "1", "1")), "warning 1:17 roi[0].name", "3 is no text"},
+             "crosses itself, after points 1 and 3"},
+        Case{roi("\"name\":3," + rectangle("0", "0", "1", "1")), "warning 1:17 roi[0].name",
+             "3 is not a string"},
         Case{roi("\"nam\":\"a\"," + rectangle("0", "0", "1", "1")), "warning 1:10 roi[0].nam", "unknown"},
         Case{roi(R"("points":[{"x":"0","y":"0","z":"0"},{"x":"1","y":"0"},{"x":"1","y":"1"}])"),
              "warning 1:37 roi[0].points[0].z", "unknown"}));
 
-std::vector<std::string> without_notes(const Verdict& verdict) {
+std::vector<std::string> without_notes(const lm::host::detector::check::Verdict& verdict) {
   std::vector<std::string> places = places_of(verdict);
   std::erase_if(places, [](const std::string& place) { return place.starts_with("note"); });
   return places;
 }
 
 TEST(CheckRegions, AreFineWhenPointsAreGivenAsNumbersOrWithSpareBlanks) {
-  EXPECT_THAT(places_of(check_document(
+  EXPECT_THAT(places_of(lm::host::detector::check::check_document(
                   R"({"roi": [{"comment": "gate", "points": [{"x": 0, "y": " 0 "}, {"x": 1, "y": 0},)"
                   R"( {"x": 1, "y": 1}]}], "ror": []})",
                   kFrame)),
@@ -114,24 +116,26 @@ TEST(CheckRegions, AreFineWhenPointsAreGivenAsNumbersOrWithSpareBlanks) {
 
 TEST(CheckRegions, PointsOfARegionThatHasTooFewAreNotReadUnlessItExcludes) {
   const std::string two = R"("points":[{"x":"a","y":"0"},{"x":"1","y":"0"}])";
-  EXPECT_THAT(places_of(check_document(roi_and_ror(kAll, two), kFrame)),
+  EXPECT_THAT(places_of(lm::host::detector::check::check_document(roi_and_ror(kAll, two), kFrame)),
               testing::Contains(testing::StartsWith("error")));
-  EXPECT_THAT(without_notes(check_document("{\"roi\":[{" + kAll + "},{" + two + "}]}", kFrame)),
+  EXPECT_THAT(without_notes(lm::host::detector::check::check_document(
+                  "{\"roi\":[{" + kAll + "},{" + two + "}]}", kFrame)),
               ElementsAre(testing::StartsWith("warning")));
 }
 
 // The plug-in's own edge rule: from column 0.25 x 640 = 160, which lies outside, to 320, which lies inside,
 // and from row 90 up to row 179: 160 x 90 of 640 x 360 pixels.
 TEST(CheckRegions, ShareOfTheFrameIsCountedInPixels) {
-  const Verdict verdict = check_document(roi(rectangle("0.25", "0.25", "0.5", "0.5")), kFrame);
+  const lm::host::detector::check::Verdict verdict =
+      lm::host::detector::check::check_document(roi(rectangle("0.25", "0.25", "0.5", "0.5")), kFrame);
   EXPECT_EQ(verdict.effective->watched, 14400.0 / 230400);
   EXPECT_EQ(verdict.effective->memory, 230400U * 296);  // one region's mask more than none
 }
 
 // Without the right half and without column 0 there are columns 1 to 320.
 TEST(CheckRegions, ExclusionsTakeFromTheShare) {
-  const Verdict verdict =
-      check_document(roi_and_ror(rectangle("0", "0", "1", "1"), rectangle("0.5", "0", "1", "1")), kFrame);
+  const lm::host::detector::check::Verdict verdict = lm::host::detector::check::check_document(
+      roi_and_ror(rectangle("0", "0", "1", "1"), rectangle("0.5", "0", "1", "1")), kFrame);
   EXPECT_THAT(verdict.findings, IsEmpty());
   EXPECT_EQ(verdict.effective->watched, 0.5);
 }
@@ -140,16 +144,18 @@ TEST(CheckRegions, OneThatIsHiddenByExclusionsIsNamed) {
   const std::string document =
       "{\"roi\":[{" + kAll + "},{\"name\":\"gate\"," + rectangle("0.1", "0.1", "0.3", "0.3") +
       "}],\"ror\":[{" + rectangle("0", "0", "0.2", "1") + "},{" + rectangle("0.2", "0", "0.4", "1") + "}]}";
-  const Finding finding = finding_on(check_document(document, kFrame), "roi[1]");
-  EXPECT_EQ(finding.severity, Severity::kWarning);
-  EXPECT_EQ(finding.text, "region \"gate\" is hidden: exclusions cover all of it");
+  const lm::host::detector::check::Finding finding =
+      finding_on(lm::host::detector::check::check_document(document, kFrame), "roi[1]");
+  EXPECT_EQ(finding.severity, lm::host::detector::check::Severity::kWarning);
+  EXPECT_EQ(finding.text, "region \"gate\" has no effect: exclusion regions cover all of it");
 }
 
 // Its columns are 65 to 192 and its rows 36 to 107; the exclusion's columns are 1 to 191.
 TEST(CheckRegions, OneThatPeepsOutByAPixelIsNotHidden) {
   const std::string document =
       roi_and_ror(rectangle("0.1", "0.1", "0.3", "0.3"), rectangle("0", "0", "0.2999", "1"));
-  const Verdict verdict = check_document(document, kFrame);
+  const lm::host::detector::check::Verdict verdict =
+      lm::host::detector::check::check_document(document, kFrame);
   EXPECT_THAT(verdict.findings, IsEmpty());
   EXPECT_EQ(verdict.effective->watched, 72.0 / 230400);
 }
@@ -158,25 +164,32 @@ TEST(CheckRegions, ThatCoverNoPixelAreNamed) {
   const std::string line = points({{"0.1", "0.1"}, {"0.2", "0.1"}, {"0.3", "0.1"}});
   const std::string beside = rectangle("1.1", "0", "1.5", "1");
   for (const std::string& region : {line, beside}) {
-    const Verdict verdict = check_document("{\"roi\":[{" + kAll + "},{" + region + "}]}", kFrame);
+    const lm::host::detector::check::Verdict verdict =
+        lm::host::detector::check::check_document("{\"roi\":[{" + kAll + "},{" + region + "}]}", kFrame);
     EXPECT_THAT(finding_on(verdict, "roi[1]").text, HasSubstr("covers no pixel")) << region;
     EXPECT_FALSE(verdict.refused());
-    EXPECT_THAT(finding_on(check_document(roi_and_ror(kAll, region), kFrame), "ror[0]").text,
-                HasSubstr("excludes nothing"));
+    EXPECT_THAT(
+        finding_on(lm::host::detector::check::check_document(roi_and_ror(kAll, region), kFrame), "ror[0]")
+            .text,
+        HasSubstr("excludes nothing"));
   }
 }
 
 TEST(CheckRegions, AnExclusionWhereNothingIsWatchedIsNoted) {
-  const Verdict verdict =
-      check_document(roi_and_ror(rectangle("0", "0", "0.5", "1"), rectangle("0.6", "0", "0.8", "1")), kFrame);
+  const lm::host::detector::check::Verdict verdict = lm::host::detector::check::check_document(
+      roi_and_ror(rectangle("0", "0", "0.5", "1"), rectangle("0.6", "0", "0.8", "1")), kFrame);
   EXPECT_THAT(places_of(verdict), ElementsAre(testing::StartsWith("note 1:")));
-  EXPECT_THAT(finding_on(verdict, "ror[0]").text, HasSubstr("no region is watched there"));
+  EXPECT_THAT(finding_on(verdict, "ror[0]").text, HasSubstr("overlaps no region of interest"));
 }
 
 TEST(CheckRegions, NothingWatchedIsAnError) {
-  EXPECT_THAT(finding_on(check_document("{\"ror\":[{" + kAll + "}]}", kFrame), "ror").text,
-              HasSubstr("nothing is watched"));
-  EXPECT_THAT(finding_on(check_document(roi(points({{"0", "0"}, {"1", "1"}})), std::nullopt), "roi").text,
+  EXPECT_THAT(
+      finding_on(lm::host::detector::check::check_document("{\"ror\":[{" + kAll + "}]}", kFrame), "ror").text,
+      HasSubstr("nothing is watched"));
+  EXPECT_THAT(finding_on(lm::host::detector::check::check_document(roi(points({{"0", "0"}, {"1", "1"}})),
+                                                                   std::nullopt),
+                         "roi")
+                  .text,
               HasSubstr("no region has three points"));
 }
 
@@ -184,25 +197,28 @@ TEST(CheckRegions, NothingWatchedIsAnError) {
 TEST(CheckRegions, ALeastBoxThatNoBoxInThemCanReachIsAnError) {
   const std::string sizes = R"("minBoxW":"0.9","minBoxH":"0.9",)";
   const auto verdict_on = [&](const std::string& region) {
-    return check_document("{" + sizes + "\"roi\":[{" + region + "}]}", kFrame);
+    return lm::host::detector::check::check_document("{" + sizes + "\"roi\":[{" + region + "}]}", kFrame);
   };
-  const Finding finding = finding_on(verdict_on(rectangle("0.25", "0.25", "0.75", "0.75")), "minBoxW");
-  EXPECT_EQ(finding.severity, Severity::kError);
-  EXPECT_EQ(
-      finding.text,
-      "no box can be large enough: the least is 576 x 324 pixels, what is watched spans 320 x 180 pixels");
+  const lm::host::detector::check::Finding finding =
+      finding_on(verdict_on(rectangle("0.25", "0.25", "0.75", "0.75")), "minBoxW");
+  EXPECT_EQ(finding.severity, lm::host::detector::check::Severity::kError);
+  EXPECT_EQ(finding.text,
+            "no box can be large enough: the minimum box size is 576 x 324 pixels, the watched area spans "
+            "320 x 180 pixels");
   // A box that touches the right border is as wide as the frame, and one side is enough.
   EXPECT_FALSE(verdict_on(rectangle("0.5", "0.25", "1", "0.75")).refused());
 }
 
 TEST(CheckRegions, AreLookedAtBesideSettingsThatAreRefused) {
   const std::string line = points({{"0.1", "0.1"}, {"0.2", "0.1"}, {"0.3", "0.1"}});
-  const Verdict verdict = check_document("{\"lcAdap\":\"x\",\"ror\":[{" + line + "}]}", kFrame);
+  const lm::host::detector::check::Verdict verdict =
+      lm::host::detector::check::check_document("{\"lcAdap\":\"x\",\"ror\":[{" + line + "}]}", kFrame);
   EXPECT_THAT(places_of(verdict), ElementsAre("error 1:11 lcAdap", "warning 1:22 ror[0]"));
 }
 
 TEST(CheckRegions, AreNotLaidOnFramesOfAnUnknownSize) {
-  const Verdict verdict = check_document(roi(points({{"0", "0"}, {"0.5", "0"}, {"1", "0"}})), std::nullopt);
+  const lm::host::detector::check::Verdict verdict = lm::host::detector::check::check_document(
+      roi(points({{"0", "0"}, {"0.5", "0"}, {"1", "0"}})), std::nullopt);
   EXPECT_THAT(verdict.findings, IsEmpty());
   EXPECT_FALSE(verdict.effective->watched.has_value());
 }
@@ -215,7 +231,8 @@ TEST(CheckRegions, OfMorePointsThanCanBeLaidOnTheFrameAreTakenOnTrust) {
         .append(std::to_string(1000 + i))
         .append(R"(,"y":0.5})");
   }
-  const Verdict verdict = check_document(roi("\"points\":[" + many + "]"), kFrame);
+  const lm::host::detector::check::Verdict verdict =
+      lm::host::detector::check::check_document(roi("\"points\":[" + many + "]"), kFrame);
   EXPECT_THAT(finding_on(verdict, "").text, HasSubstr("too many"));
   EXPECT_FALSE(verdict.refused());
 }

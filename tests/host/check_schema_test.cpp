@@ -5,8 +5,8 @@
 #include <cstdlib>
 #include <fstream>
 
-#include "host/check/known_keys.h"
-#include "host/presets/presets.h"
+#include "host/detector/check/known_keys.h"
+#include "host/detector/presets/presets.h"
 #include "tests/host/check_findings.h"
 #include "tests/host/program.h"
 
@@ -29,7 +29,7 @@ with open(sys.argv[3], "w") as verdicts:
 TEST(CheckSchema, HasTheKeysOfADocumentButThoseOfNoEffect) {
   Json::Value schema;
   std::ifstream(kSchema) >> schema;
-  std::vector<std::string> keys = document_keys();
+  std::vector<std::string> keys = lm::host::detector::check::document_keys();
   std::erase_if(keys, [](const std::string& key) { return key.starts_with("maxBox"); });
   EXPECT_THAT(schema["properties"].getMemberNames(), testing::UnorderedElementsAreArray(keys));
 }
@@ -65,7 +65,7 @@ TEST(CheckSchema, MarksWhatCheckMarks) {
       R"({"roi": [{"points": [{"y": "0"}, {"x": "1", "y": "0"}, {"x": "1", "y": "1"}]}]})",
       R"({"roi": [{"nam": "a", "points": [{"x": 0, "y": 0}, {"x": "1", "y": "0"}, {"x": "1", "y": "1"}]}]})",
       R"({"roi": [{"points": [{"x": 320, "y": 0}, {"x": "1", "y": "0"}, {"x": "1", "y": "1"}]}]})"};
-  for (const lm::host::Preset& preset : lm::host::presets()) {
+  for (const lm::host::detector::presets::Preset& preset : lm::host::detector::presets::all()) {
     documents.push_back(preset.document);
     std::erase(documents.back(), '\n');
   }
@@ -81,8 +81,9 @@ TEST(CheckSchema, MarksWhatCheckMarks) {
   ASSERT_EQ(verdicts.size(), documents.size());
   for (std::size_t i = 0; i < documents.size(); ++i) {
     bool fine = true;
-    for (const Finding& finding : check_document(documents[i], std::nullopt).findings)
-      fine = fine && finding.severity == Severity::kNote;
+    for (const lm::host::detector::check::Finding& finding :
+         lm::host::detector::check::check_document(documents[i], std::nullopt).findings)
+      fine = fine && finding.severity == lm::host::detector::check::Severity::kNote;
     EXPECT_EQ(verdicts[i], fine ? "1" : "0") << documents[i];
   }
 }

@@ -1,8 +1,8 @@
 // What is found in the plain settings of a configuration document.
 #include <gmock/gmock.h>
 
-#include "host/check/effect.h"
-#include "host/check/findings.h"
+#include "host/detector/check/effect.h"
+#include "host/detector/check/findings.h"
 #include "tests/host/check_findings.h"
 
 namespace {
@@ -24,7 +24,8 @@ struct Case {
 class CheckSetting : public testing::TestWithParam<Case> {};
 
 TEST_P(CheckSetting, IsFoundWithItsPlaceAndWhatWouldBeRight) {
-  const Verdict verdict = check_document(GetParam().document, kFrame);
+  const lm::host::detector::check::Verdict verdict =
+      lm::host::detector::check::check_document(GetParam().document, kFrame);
   ASSERT_THAT(places_of(verdict), ElementsAre(GetParam().place)) << GetParam().document;
   EXPECT_THAT(verdict.findings[0].text, HasSubstr(GetParam().text));
   EXPECT_THAT(verdict.findings[0].hint, HasSubstr(GetParam().hint));
@@ -34,26 +35,26 @@ INSTANTIATE_TEST_SUITE_P(
     Keys, CheckSetting,
     testing::Values(Case{R"({"sensitivty": "5"})", "warning 1:2 sensitivty", "unknown", "\"sensitivity\"?"},
                     Case{R"({"LCADAP": "5"})", "warning 1:2 LCADAP", "unknown", "\"lcAdap\"?"},
-                    Case{R"({"colour": "5"})", "warning 1:2 colour", "unknown", "known are frmW, frmH"},
+                    Case{R"({"colour": "5"})", "warning 1:2 colour", "unknown", "known keys: frmW, frmH"},
                     Case{R"({"MIN_MATCH_NUM": "3"})", "warning 1:2 MIN_MATCH_NUM", "unknown",
                          "parameter list only"},
-                    Case{R"({"maxBoxW": "0.5"})", "warning 1:2 maxBoxW", "never uses it", "leave it out"},
+                    Case{R"({"maxBoxW": "0.5"})", "warning 1:2 maxBoxW", "never uses it", "remove it"},
                     Case{"{\"lcAdap\": \"2\",\n  \"lcAdap\": \"3\"}", "warning 2:3 lcAdap",
-                         "twice; the one in line 1 does not count", "keep one"}));
+                         "twice; the one in line 1 is ignored", "keep one"}));
 
 INSTANTIATE_TEST_SUITE_P(
     Kinds, CheckSetting,
-    testing::Values(Case{R"({"sensitivity": 5})", "warning 1:17 sensitivity", "5 is no text", "write \"5\""},
-                    Case{R"({"minBoxW": 0.25})", "warning 1:13 minBoxW", "0.25 is no text", "\"0.25\""},
-                    Case{R"({"lcAdap": null})", "warning 1:12 lcAdap", "null is no text", "quotation marks"},
-                    Case{R"({"maxBoxH": 1})", "warning 1:13 maxBoxH", "1 is no text", "\"1\""},
-                    Case{R"({"sensitivity": "high"})", "error 1:17 sensitivity",
-                         "must be a whole number, not \"high\"", "1 to 5, or -1"},
-                    Case{R"({"lcAdap": "99999999999"})", "error 1:12 lcAdap", "not \"99999999999\"",
-                         "1 to 5"},
-                    Case{R"({"minBoxH": "wide"})", "error 1:13 minBoxH", "must be a number, not \"wide\"",
-                         "above 0, at most 1"},
-                    Case{R"({"minBoxH": "1e99"})", "error 1:13 minBoxH", "not \"1e99\"", "at most 1"}));
+    testing::Values(
+        Case{R"({"sensitivity": 5})", "warning 1:17 sensitivity", "5 is not a string", "write \"5\""},
+        Case{R"({"minBoxW": 0.25})", "warning 1:13 minBoxW", "0.25 is not a string", "\"0.25\""},
+        Case{R"({"lcAdap": null})", "warning 1:12 lcAdap", "null is not a string", "quotation marks"},
+        Case{R"({"maxBoxH": 1})", "warning 1:13 maxBoxH", "1 is not a string", "\"1\""},
+        Case{R"({"sensitivity": "high"})", "error 1:17 sensitivity", "must be a whole number, not \"high\"",
+             "1 to 5, or -1"},
+        Case{R"({"lcAdap": "99999999999"})", "error 1:12 lcAdap", "not \"99999999999\"", "1 to 5"},
+        Case{R"({"minBoxH": "wide"})", "error 1:13 minBoxH", "must be a number, not \"wide\"",
+             "above 0, at most 1"},
+        Case{R"({"minBoxH": "1e99"})", "error 1:13 minBoxH", "not \"1e99\"", "at most 1"}));
 
 INSTANTIATE_TEST_SUITE_P(
     Values, CheckSetting,
@@ -65,35 +66,32 @@ INSTANTIATE_TEST_SUITE_P(
              "9 is out of range: the values of level 3", "1 to 5, or -1"},
         Case{R"({"lcAdap": "0"})", "warning 1:12 lcAdap", "0 is out of range: the values of level 3",
              "1 to 5"},
-        Case{R"({"lifeStatic": "5"})", "warning 1:16 lifeStatic", "5 is out of range: 3 seconds stay",
-             "leave it out"},
-        Case{R"({"lifeStatic": "0"})", "warning 1:16 lifeStatic", "background at once", "leave it out"},
-        Case{R"({"lifeStatic": "-1"})", "error 1:16 lifeStatic", "nothing is ever found", "leave it out"},
-        Case{R"({"minBoxW": "1.5"})", "warning 1:13 minBoxW", "1.5 is out of range: 0.05 stays", "at most 1"},
+        Case{R"({"lifeStatic": "5"})", "warning 1:16 lifeStatic", "5 is out of range: 3 seconds are kept",
+             "remove it"},
+        Case{R"({"lifeStatic": "0"})", "warning 1:16 lifeStatic", "background at once", "remove it"},
+        Case{R"({"lifeStatic": "-1"})", "error 1:16 lifeStatic", "nothing is ever detected", "remove it"},
+        Case{R"({"minBoxW": "1.5"})", "warning 1:13 minBoxW", "1.5 is out of range: 0.05 is kept",
+             "at most 1"},
         Case{R"({"minBoxH": "nan"})", "warning 1:13 minBoxH", "nan is out of range", "at most 1"},
         Case{R"({"sensitivity": "-1"})", "note 1:17 sensitivity", "adapts", ""},
         // The program puts "frmChn" in front, which is 3.
-        Case{R"({"sensitivity": ""})", "warning 1:17 sensitivity", "takes over \"3\" from \"frmChn\"",
-             "value"},
+        Case{R"({"sensitivity": ""})", "warning 1:17 sensitivity", "reuses \"3\" from \"frmChn\"", "value"},
         Case{R"({"lcAdap": " \t", "sensitivity": "4"})", "warning 1:12 lcAdap",
-             "takes over \"4\" from \"sensitivity\"", "value"}));
+             "reuses \"4\" from \"sensitivity\"", "value"}));
 
 INSTANTIATE_TEST_SUITE_P(
     Sizes, CheckSetting,
-    testing::Values(Case{R"({"frmW": "641"})", "error 1:10 frmW", "is 641 but the source's frames have 640",
-                         "leave it out"},
-                    Case{R"({"frmH": 361})", "error 1:10 frmH", "is 361 but the source's frames have 360",
-                         "leave it out"},
-                    Case{R"({"frmChn": "1"})", "error 1:12 frmChn", "is 1 but the source's frames have 3",
-                         "leave it out"},
-                    Case{R"({"frmW": "wide"})", "error 1:10 frmW", "must be a whole number, not \"wide\"",
-                         ""},
-                    Case{R"({"frmW": ""})", "error 1:10 frmW", "must be a whole number, not \"\"", ""},
-                    Case{R"({"frmW": 12345678901})", "error 1:10 frmW", "not 12345678901", ""},
-                    Case{R"({"frmW": "0"})", "error 1:10 frmW", "\"0\" is refused", "1 or more"},
-                    Case{R"({"frmW": 640})", "note 1:10 frmW", "makes one of 640", "\"640\""},
-                    Case{R"({"frmW": null})", "warning 1:10 frmW", "null is passed over", "leave it out"},
-                    Case{R"({"frmW": "640px"})", "warning 1:10 frmW", "\"640px\" is read as 640", "number"}));
+    testing::Values(
+        Case{R"({"frmW": "641"})", "error 1:10 frmW", "is 641 but the source's frames have 640", "remove it"},
+        Case{R"({"frmH": 361})", "error 1:10 frmH", "is 361 but the source's frames have 360", "remove it"},
+        Case{R"({"frmChn": "1"})", "error 1:12 frmChn", "is 1 but the source's frames have 3", "remove it"},
+        Case{R"({"frmW": "wide"})", "error 1:10 frmW", "must be a whole number, not \"wide\"", ""},
+        Case{R"({"frmW": ""})", "error 1:10 frmW", "must be a whole number, not \"\"", ""},
+        Case{R"({"frmW": 12345678901})", "error 1:10 frmW", "not 12345678901", ""},
+        Case{R"({"frmW": "0"})", "error 1:10 frmW", "\"0\" is refused", "1 or more"},
+        Case{R"({"frmW": 640})", "note 1:10 frmW", "converts 640", "\"640\""},
+        Case{R"({"frmW": null})", "warning 1:10 frmW", "null is ignored", "remove it"},
+        Case{R"({"frmW": "640px"})", "warning 1:10 frmW", "\"640px\" is read as 640", "number"}));
 
 // 0.0015 of 640 is 0.96 of a pixel, 0.0027 of 360 is 0.972.
 INSTANTIATE_TEST_SUITE_P(LeastBoxes, CheckSetting,
@@ -107,12 +105,13 @@ TEST(CheckSettings, AreFineAsTheyAreMeant) {
                                R"({"frmW": "640", "frmH": " 360", "frmChn": "3"})",
                                R"({"minBoxW": "0.0016", "minBoxH": "0.0028"})",  // 1.024 and 1.008 pixels
                                "/* by hand */ {\"comment\": [\"street\", 3]} // end"}) {
-    EXPECT_THAT(places_of(check_document(document, kFrame)), IsEmpty()) << document;
+    EXPECT_THAT(places_of(lm::host::detector::check::check_document(document, kFrame)), IsEmpty())
+        << document;
   }
 }
 
 TEST(CheckSettings, FindsEveryFaultInTheOrderOfTheText) {
-  const Verdict verdict = check_document(
+  const lm::host::detector::check::Verdict verdict = lm::host::detector::check::check_document(
       "{\n"
       "  \"lifeStatic\": \"5\",\n"
       "  \"minBoxW\": \"wide\",\n"
@@ -127,21 +126,23 @@ TEST(CheckSettings, FindsEveryFaultInTheOrderOfTheText) {
 
 // "minBoxW" is empty and takes the 4 of "lcAdap" over, which is out of its range.
 TEST(CheckSettings, JudgesWhatIsTakenOver) {
-  const Verdict verdict = check_document(R"({"lcAdap": "4", "minBoxW": ""})", kFrame);
+  const lm::host::detector::check::Verdict verdict =
+      lm::host::detector::check::check_document(R"({"lcAdap": "4", "minBoxW": ""})", kFrame);
   ASSERT_THAT(places_of(verdict), ElementsAre("warning 1:28 minBoxW", "warning 1:28 minBoxW"));
-  EXPECT_THAT(verdict.findings[1].text, HasSubstr("4 is out of range: 0.05 stays"));
+  EXPECT_THAT(verdict.findings[1].text, HasSubstr("4 is out of range: 0.05 is kept"));
 }
 
 TEST(CheckSettings, ThatAreEmptyOneAfterAnotherTakeTheSameValueOver) {
-  const Verdict verdict = check_document(R"({"sensitivity": "1", "lcAdap": "", "minBoxW": ""})", kFrame);
-  EXPECT_THAT(finding_on(verdict, "minBoxW").text, HasSubstr("takes over \"1\" from \"sensitivity\""));
+  const lm::host::detector::check::Verdict verdict = lm::host::detector::check::check_document(
+      R"({"sensitivity": "1", "lcAdap": "", "minBoxW": ""})", kFrame);
+  EXPECT_THAT(finding_on(verdict, "minBoxW").text, HasSubstr("reuses \"1\" from \"sensitivity\""));
 }
 
 TEST(CheckSettings, AreInEffectAsTheirTablesHaveIt) {
-  const Verdict verdict =
-      check_document(R"({"sensitivity": "4", "lcAdap": "2", "minBoxW": "0.1", "minBoxH": "0.25"})", kFrame);
+  const lm::host::detector::check::Verdict verdict = lm::host::detector::check::check_document(
+      R"({"sensitivity": "4", "lcAdap": "2", "minBoxW": "0.1", "minBoxH": "0.25"})", kFrame);
   ASSERT_TRUE(verdict.effective.has_value());
-  const Effective& effective = *verdict.effective;
+  const lm::host::detector::check::Effective& effective = *verdict.effective;
   EXPECT_EQ(effective.thr_match, 9);
   EXPECT_EQ(effective.thr_heuris, 11);
   EXPECT_EQ(effective.thr_illum, 15);
@@ -157,14 +158,16 @@ TEST(CheckSettings, AreInEffectAsTheirTablesHaveIt) {
 }
 
 TEST(CheckSettings, OutOfRangeTakeLevelThree) {
-  const Effective effective = *check_document(R"({"sensitivity": "9", "lcAdap": "9"})", kFrame).effective;
+  const lm::host::detector::check::Effective effective =
+      *lm::host::detector::check::check_document(R"({"sensitivity": "9", "lcAdap": "9"})", kFrame).effective;
   EXPECT_EQ(effective.thr_match, 13);
   EXPECT_EQ(effective.thr_heuris, 12);
   EXPECT_EQ(effective.thr_illum, 10);
 }
 
 TEST(CheckSettings, LeftOutHaveTheDefaultsOfThePlugin) {
-  const Effective effective = *check_document("{}", std::nullopt).effective;
+  const lm::host::detector::check::Effective effective =
+      *lm::host::detector::check::check_document("{}", std::nullopt).effective;
   EXPECT_EQ(effective.thr_match, 20);
   EXPECT_EQ(effective.thr_heuris, 10);
   EXPECT_EQ(effective.thr_illum, 5);
@@ -174,41 +177,45 @@ TEST(CheckSettings, LeftOutHaveTheDefaultsOfThePlugin) {
 }
 
 TEST(CheckSettings, TheSizeIsThatOfTheDocumentWhereThereIsNoSource) {
-  const Verdict verdict = check_document(R"({"frmW": "800", "frmH": "600"})", std::nullopt);
+  const lm::host::detector::check::Verdict verdict =
+      lm::host::detector::check::check_document(R"({"frmW": "800", "frmH": "600"})", std::nullopt);
   EXPECT_EQ(verdict.effective->frame, cv::Size(800, 600));
-  EXPECT_TRUE(check_document(R"({"frmW": "800"})", std::nullopt).effective->frame.empty());
+  EXPECT_TRUE(
+      lm::host::detector::check::check_document(R"({"frmW": "800"})", std::nullopt).effective->frame.empty());
 }
 
 TEST(CheckSettings, OtherChannelsAreDoubtfulWithoutASourceAndTwoAreNone) {
-  EXPECT_THAT(places_of(check_document(R"({"frmChn": "4"})", std::nullopt)),
+  EXPECT_THAT(places_of(lm::host::detector::check::check_document(R"({"frmChn": "4"})", std::nullopt)),
               ElementsAre("warning 1:12 frmChn"));
-  EXPECT_THAT(places_of(check_document(R"({"frmChn": "2"})", std::nullopt)),
+  EXPECT_THAT(places_of(lm::host::detector::check::check_document(R"({"frmChn": "2"})", std::nullopt)),
               ElementsAre("error 1:12 frmChn"));
 }
 
 // 26755 x 26755 x 3 = 2147490075, just above 2147483647; 26754 x 26754 x 3 = 2147329548, for which this
 // computer hardly has the memory.
 TEST(CheckSettings, FramesOfMoreBytesThanThePluginCountsAreRefused) {
-  EXPECT_EQ(finding_on(check_document("{}", cv::Size(26755, 26755)), "").severity, Severity::kError);
-  EXPECT_FALSE(check_document("{}", cv::Size(26754, 26754)).refused());
-  EXPECT_EQ(
-      finding_on(check_document(R"({"frmW": "2147483647", "frmH": "2147483647"})", std::nullopt), "frmW")
-          .severity,
-      Severity::kError);
+  EXPECT_EQ(finding_on(lm::host::detector::check::check_document("{}", cv::Size(26755, 26755)), "").severity,
+            lm::host::detector::check::Severity::kError);
+  EXPECT_FALSE(lm::host::detector::check::check_document("{}", cv::Size(26754, 26754)).refused());
+  EXPECT_EQ(finding_on(lm::host::detector::check::check_document(
+                           R"({"frmW": "2147483647", "frmH": "2147483647"})", std::nullopt),
+                       "frmW")
+                .severity,
+            lm::host::detector::check::Severity::kError);
 }
 
 TEST(CheckSettings, MemoryThatTheComputerDoesNotHaveIsDoubtful) {
-  Effective effective;
+  lm::host::detector::check::Effective effective;
   effective.frame = kFrame;
   effective.memory = 12'000'000'001;
-  Findings enough("{}");
-  check_memory(effective, 12'000'000'001, enough);
-  check_memory(effective, 0, enough);  // not known
+  lm::host::detector::check::Findings enough("{}");
+  lm::host::detector::check::check_memory(effective, 12'000'000'001, enough);
+  lm::host::detector::check::check_memory(effective, 0, enough);  // not known
   EXPECT_THAT(enough.in_order(), IsEmpty());
-  Findings short_of("{}");
-  check_memory(effective, 8'000'000'000, short_of);
+  lm::host::detector::check::Findings short_of("{}");
+  lm::host::detector::check::check_memory(effective, 8'000'000'000, short_of);
   ASSERT_EQ(short_of.in_order().size(), 1U);
-  EXPECT_EQ(short_of.in_order()[0].severity, Severity::kWarning);
+  EXPECT_EQ(short_of.in_order()[0].severity, lm::host::detector::check::Severity::kWarning);
   EXPECT_EQ(short_of.in_order()[0].text,
             "the plug-in needs 12 GB for frames of 640 x 360 pixels; this computer has 8000 MB");
 }

@@ -1,16 +1,18 @@
 #include "tests/host/clips.h"
 
 #include <algorithm>
+#include <filesystem>
 #include <stdexcept>
 
-#include "host/av.h"
-#include "host/video_writer.h"
+#include "host/outputs/video_writer.h"
+#include "host/source/av.h"
+#include "tests/host/program.h"
 
 namespace clips {
 
-using lm::host::Frame;
-using lm::host::VideoWriter;
-namespace av = lm::host::av;
+using lm::host::outputs::VideoWriter;
+using lm::host::source::Frame;
+namespace av = lm::host::source::av;
 
 [[maybe_unused]] const bool quiet = [] {
   av_log_set_level(AV_LOG_QUIET);
@@ -34,7 +36,7 @@ cv::Mat picture(cv::Size size, int number) {
 void write(const std::string& file, const std::vector<cv::Mat>& images, const Times& times) {
   VideoWriter::Shape shape;
   shape.size = images.front().size();
-  VideoWriter video(file, lm::host::video_format(file), shape, file);
+  VideoWriter video(file, lm::host::outputs::video_format(file), shape, file);
   for (std::size_t i = 0; i < times.size(); ++i) video.write(images[i], times[i]);
   video.finish();
 }
@@ -56,13 +58,20 @@ void write_busy(const std::string& file, cv::Size size, int count) {
   write(file, images, regular(count, std::chrono::milliseconds(40)));
 }
 
-std::vector<Frame> read(lm::host::Source& source) {
+std::vector<Frame> read(lm::host::source::Source& source) {
   std::vector<Frame> frames;
   for (Frame frame; source.next(frame);) frames.push_back(frame);
   return frames;
 }
 
-std::vector<Frame> read(const std::string& file) { return read(*lm::host::open_source(file)); }
+std::vector<Frame> read(const std::string& file) { return read(*lm::host::source::open_source(file)); }
+
+cv::Mat still(const std::string& file) {
+  const program::Folder folder;
+  const std::string ending = std::filesystem::path(file).extension();
+  for (const char* name : {"1", "2"}) std::filesystem::copy_file(file, folder / (name + ending));
+  return read(folder / ("%d" + ending)).at(0).image;
+}
 
 Times times_of(const std::vector<Frame>& frames) {
   Times times;
@@ -71,19 +80,22 @@ Times times_of(const std::vector<Frame>& frames) {
 }
 
 std::string jpeg(const cv::Mat& image) {
-  const av::Codec encoder = av::new_codec(avcodec_find_encoder(AV_CODEC_ID_MJPEG));
+  const lm::host::source::av::Codec encoder =
+      lm::host::source::av::new_codec(avcodec_find_encoder(AV_CODEC_ID_MJPEG));
   encoder->width = image.cols;
   encoder->height = image.rows;
   encoder->pix_fmt = AV_PIX_FMT_YUVJ420P;
   encoder->time_base = {1, 25};
-  const av::Picture picture = av::new_picture(image.size(), encoder->pix_fmt);
-  const av::Scaler scaler(sws_getContext(image.cols, image.rows, AV_PIX_FMT_BGR24, image.cols, image.rows,
-                                         encoder->pix_fmt, SWS_BILINEAR, nullptr, nullptr, nullptr));
+  const lm::host::source::av::Picture picture =
+      lm::host::source::av::new_picture(image.size(), encoder->pix_fmt);
+  const lm::host::source::av::Scaler scaler(sws_getContext(image.cols, image.rows, AV_PIX_FMT_BGR24,
+                                                           image.cols, image.rows, encoder->pix_fmt,
+                                                           SWS_BILINEAR, nullptr, nullptr, nullptr));
   const std::uint8_t* rows[] = {image.data, nullptr, nullptr, nullptr};
   const int strides[] = {static_cast<int>(image.step[0]), 0, 0, 0};
   sws_scale(scaler.get(), rows, strides, 0, image.rows, picture->data, picture->linesize);
   picture->pts = 0;
-  const av::Packet packet = av::new_packet();
+  const lm::host::source::av::Packet packet = lm::host::source::av::new_packet();
   if (avcodec_open2(encoder.get(), nullptr, nullptr) < 0 ||
       avcodec_send_frame(encoder.get(), picture.get()) < 0 ||
       avcodec_receive_packet(encoder.get(), packet.get()) < 0) {

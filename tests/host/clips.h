@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "host/source.h"
+#include "host/source/source.h"
 
 namespace clips {
 
@@ -26,9 +26,12 @@ void write(const std::string& file, const std::vector<cv::Mat>& images, const Ti
 void write_busy(const std::string& file, cv::Size size, int count);
 
 // Whatever can be read.
-std::vector<lm::host::Frame> read(lm::host::Source& source);
-std::vector<lm::host::Frame> read(const std::string& file);
-Times times_of(const std::vector<lm::host::Frame>& frames);
+std::vector<lm::host::source::Frame> read(lm::host::source::Source& source);
+std::vector<lm::host::source::Frame> read(const std::string& file);
+// The picture in a file, which is no source by itself.
+cv::Mat still(const std::string& file);
+
+Times times_of(const std::vector<lm::host::source::Frame>& frames);
 
 // A still image as JPEG bytes; written one after another they are a video of the plainest kind, without
 // times.

@@ -4,14 +4,16 @@
 #include <cstdlib>
 #include <opencv2/imgproc.hpp>
 
-#include "host/builtin_scene.h"
-#include "host/result_line.h"
+#include "host/base/json_text.h"
+#include "host/source/scene/builtin_scene.h"
 #include "tests/host/clips.h"
 #include "tests/host/program.h"
 
 namespace {
 
-using namespace lm::host;
+using namespace lm::host::base;
+using namespace lm::host::source;
+using namespace lm::host::source::scene;
 using program::Folder;
 using program::Outcome;
 
@@ -32,10 +34,12 @@ void copy(Source& source, int count, cv::Size size, const std::string& file) {
 }
 
 bool covered(const std::string& line, cv::Point2d place) {
-  for (const cv::Rect2d& box : boxes_of(line)) {
-    if (box.contains(place)) return true;
-  }
-  return false;
+  const Json::Value boxes = parse_json(line)["boxes"];
+  return std::any_of(boxes.begin(), boxes.end(), [&](const Json::Value& box) {
+    return cv::Rect2d(box["x"].asDouble(), box["y"].asDouble(), box["width"].asDouble(),
+                      box["height"].asDouble())
+        .contains(place);
+  });
 }
 
 std::string line_of_frame(const std::string& output, int frame) {

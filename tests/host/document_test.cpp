@@ -1,4 +1,4 @@
-#include "host/document.h"
+#include "host/detector/document.h"
 
 #include <gtest/gtest.h>
 #include <json/json.h>
@@ -6,11 +6,11 @@
 #include <sstream>
 #include <stdexcept>
 
-#include "host/check/check.h"
+#include "host/detector/check/check.h"
 
 namespace {
 
-using namespace lm::host;
+using namespace lm::host::detector;
 
 Json::Value completed(const std::string& text, cv::Size frame = {640, 360}) {
   Json::Value document;

@@ -4,7 +4,7 @@
 
 namespace {
 
-using namespace lm::host;
+using namespace lm::host::events;
 using namespace std::chrono_literals;
 using std::chrono::microseconds;
 using Flags = std::vector<bool>;

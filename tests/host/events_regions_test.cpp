@@ -4,7 +4,7 @@
 
 namespace {
 
-using namespace lm::host;
+using namespace lm::host::events;
 using Names = std::vector<std::string>;
 
 // The left half, a triangle in the upper right with corners (0.5, 0), (1, 0) and (1, 0.5), and an exclusion

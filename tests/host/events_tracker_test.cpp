@@ -4,7 +4,8 @@
 
 namespace {
 
-using namespace lm::host;
+using namespace lm::host::events;
+using namespace lm::host::source;
 using namespace std::chrono_literals;
 using Boxes = std::vector<cv::Rect2d>;
 using std::chrono::microseconds;
@@ -149,7 +150,7 @@ TEST_F(Tracked, LightIsAnEventOfItsOwn) {
   ASSERT_EQ(events_.size(), 1U);
   EXPECT_EQ(events_[0].kind, EventKind::kLight);
   EXPECT_TRUE(events_[0].started.starts_with(
-      "The light became brighter at 0.000 s: from 100.0 to 120.0 grey levels"));
+      "The lighting became brighter at 0.000 s: from 100.0 to 120.0 grey levels"));
 }
 
 TEST_F(Tracked, LightDoesNotEndMotionThatGoesOnAfterIt) {

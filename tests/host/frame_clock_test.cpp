@@ -1,10 +1,10 @@
-#include "host/frame_clock.h"
+#include "host/source/frame_clock.h"
 
 #include <gtest/gtest.h>
 
 namespace {
 
-using lm::host::FrameClock;
+using lm::host::source::FrameClock;
 using namespace std::chrono_literals;
 
 TEST(FrameClock, CountsFromTheFirstFrame) {
@@ -14,12 +14,12 @@ TEST(FrameClock, CountsFromTheFirstFrame) {
 }
 
 TEST(BelievableLength, IsThatOfAVideo) {
-  using lm::host::believable_length;
-  EXPECT_EQ(believable_length(1us), 1us);
-  EXPECT_EQ(believable_length(std::chrono::years(100)), std::chrono::years(100));
-  EXPECT_EQ(believable_length(0us), std::nullopt);
-  EXPECT_EQ(believable_length(-1us), std::nullopt);
-  EXPECT_EQ(believable_length(std::chrono::years(100) + 1us), std::nullopt);
+  using lm::host::source::believable_length;
+  EXPECT_EQ(lm::host::source::believable_length(1us), 1us);
+  EXPECT_EQ(lm::host::source::believable_length(std::chrono::years(100)), std::chrono::years(100));
+  EXPECT_EQ(lm::host::source::believable_length(0us), std::nullopt);
+  EXPECT_EQ(lm::host::source::believable_length(-1us), std::nullopt);
+  EXPECT_EQ(lm::host::source::believable_length(std::chrono::years(100) + 1us), std::nullopt);
 }
 
 TEST(FrameClock, KeepsUnevenTimes) {

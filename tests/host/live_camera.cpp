@@ -89,9 +89,11 @@ std::string still_scenes(const program::Folder& folder, const char* coding) {
   return std::system(command.c_str()) == 0 ? file : "";
 }
 
-bool is_note(const std::string& line) { return line.find("\"note\":\"restarted: ") != std::string::npos; }
+bool is_note(const std::string& line) {
+  return line.find("\"note\":\"reconnected after ") != std::string::npos;
+}
 
-bool has_boxes(const std::string& line) { return line.find("\"object\":") != std::string::npos; }
+bool has_boxes(const std::string& line) { return line.find("\"boxes\":") != std::string::npos; }
 
 Camera::Camera(const program::Folder& folder, const std::string& file, std::string protocol)
     : process_({"python3", LIGHTMOTION_CAMERA, file}, folder / "camera.errors"),

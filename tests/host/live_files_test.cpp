@@ -71,7 +71,7 @@ TEST(Files, OfSoundOnlyHoldNoVideo) {
   ASSERT_TRUE(ffmpeg("-f lavfi -i sine=d=0.5 -c:a aac " + (folder / "a.m4a")));
   const auto outcome = program::run_fake({folder / "a.m4a"});
   EXPECT_EQ(outcome.status, 1);
-  EXPECT_EQ(outcome.errors, "lightmotion: " + (folder / "a.m4a") + ": holds no video\n");
+  EXPECT_EQ(outcome.errors, "lightmotion: " + (folder / "a.m4a") + ": contains no video\n");
 }
 
 TEST(Files, WithoutABytePassForNoVideo) {
@@ -103,10 +103,9 @@ TEST(Files, JoinedFromTwoRecordingsGoOnAndSaySo) {
   ASSERT_TRUE(ffmpeg(halves(50) + "-c:v mpeg2video " + (folder / "1.ts")));
   program::write(folder / "a.ts", program::read(folder / "1.ts") + program::read(folder / "1.ts"));
   const auto outcome = program::run_fake({folder / "a.ts"});
-  EXPECT_NE(
-      outcome.output.find("{\"frame\":50,\"time\":2.000,\"note\":\"a new part begins: the source's clock "
-                          "goes back by 1.960 s\"}"),
-      std::string::npos)
+  EXPECT_NE(outcome.output.find("{\"frame\":50,\"time\":2.000,\"note\":\"the source's clock went back by "
+                                "1.960 s; time continues from the last frame\"}"),
+            std::string::npos)
       << outcome.errors;
 }
 

@@ -1,15 +1,17 @@
 // Reconnection, with connections, a clock and chance of the tests' own.
-#include "host/live/live_source.h"
+#include "host/source/live/live_source.h"
 
 #include <gtest/gtest.h>
 
 #include <deque>
 
-#include "host/failure.h"
+#include "host/base/failure.h"
 
 namespace {
 
-using namespace lm::host;
+using namespace lm::host::base;
+using namespace lm::host::source;
+using namespace lm::host::source::live;
 using namespace std::chrono_literals;
 using Time = std::chrono::microseconds;
 
@@ -81,15 +83,16 @@ TEST(LiveSource, TriesAgainMoreAndMoreSeldomUntilItsPatienceEnds) {
   const Watched watched = watch({{1, "broken"}, {0, "refused"}}, 10s);
   EXPECT_EQ(watched.waits, (std::vector{500ms, 1000ms, 2000ms, 4000ms}));
   EXPECT_EQ(watched.frames.size(), 1U);
-  EXPECT_EQ(watched.trouble, "connection lost for good: refused");
-  EXPECT_EQ(watched.messages, (std::vector<std::string>{"connection lost: broken", "still away: refused"}))
+  EXPECT_EQ(watched.trouble, "connection lost, gave up: refused");
+  EXPECT_EQ(watched.messages,
+            (std::vector<std::string>{"connection lost: broken", "still disconnected: refused"}))
       << "the same refusal is told once";
 }
 
 TEST(LiveSource, NeverTriesAgainWithoutPatience) {
   const Watched watched = watch({{1, ""}, {1, ""}}, 0s);
   EXPECT_TRUE(watched.waits.empty());
-  EXPECT_EQ(watched.trouble, "connection lost for good: the stream ended");
+  EXPECT_EQ(watched.trouble, "connection lost, gave up: the stream ended");
 }
 
 TEST(LiveSource, StartsAnewAfterALossAndSaysSo) {
@@ -101,7 +104,7 @@ TEST(LiveSource, StartsAnewAfterALossAndSaysSo) {
   int anew = 0;
   for (const Frame& frame : watched.frames) {
     anew += frame.anew ? 1 : 0;
-    EXPECT_EQ(frame.anew, frame.note == "restarted: broken; 1.500 s without pictures") << frame.note;
+    EXPECT_EQ(frame.anew, frame.note == "reconnected after 1.500 s without pictures: broken") << frame.note;
   }
   EXPECT_EQ(anew, 1);
 }

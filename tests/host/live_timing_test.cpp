@@ -1,16 +1,18 @@
 // Waiting, backing off and choosing frames, with clocks and chance of the tests' own.
 #include <gtest/gtest.h>
 
-#include "host/live/back_off.h"
-#include "host/live/deadline.h"
-#include "host/live/frame_picker.h"
-#include "host/live/newest_frame.h"
-#include "host/live/scale.h"
-#include "host/live/shedding.h"
+#include "host/base/back_off.h"
+#include "host/base/deadline.h"
+#include "host/source/live/frame_picker.h"
+#include "host/source/live/newest_frame.h"
+#include "host/source/live/scale.h"
+#include "host/source/live/shedding.h"
 
 namespace {
 
-using namespace lm::host;
+using namespace lm::host::base;
+using namespace lm::host::source;
+using namespace lm::host::source::live;
 using namespace std::chrono_literals;
 
 TEST(Deadline, PassesWhenItsTimeIsOver) {
@@ -135,9 +137,8 @@ TEST(Shedding, SaysHowManyFramesAPeriodLost) {
   Shedding shedding(start);
   EXPECT_EQ(shedding.count(true, start + 10s), "");
   EXPECT_EQ(shedding.count(false, start + 20s), "");
-  EXPECT_EQ(
-      shedding.count(true, start + 30s),
-      "2 of 3 frames dropped in the last 30 s, because analysing them takes longer than they take to come");
+  EXPECT_EQ(shedding.count(true, start + 30s),
+            "2 of 3 frames dropped in the last 30 s, because analysis is slower than the source");
   EXPECT_EQ(shedding.count(true, start + 31s), "") << "a new period";
 }
 

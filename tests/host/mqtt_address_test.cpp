@@ -1,20 +1,19 @@
 // Addresses of brokers, where passwords come from, and names of cameras.
-#include "host/mqtt/address.h"
+#include "host/outputs/mqtt/address.h"
 
 #include <gtest/gtest.h>
 
 #include <cstdlib>
 #include <stdexcept>
 
-#include "host/failure.h"
-#include "host/mqtt/mqtt_options.h"
-#include "host/mqtt/topics.h"
+#include "host/base/failure.h"
+#include "host/outputs/mqtt/mqtt_options.h"
+#include "host/outputs/mqtt/topics.h"
 #include "tests/host/program.h"
 
 namespace {
 
-using namespace lm::host::mqtt;
-using lm::host::broker_address;
+using namespace lm::host::outputs::mqtt;
 using program::Folder;
 
 TEST(BrokerAddress, NeedsAHostOnly) {
@@ -108,8 +107,8 @@ TEST(BrokerPassword, InAFileThatCannotBeReadIsSaidAtOnce) {
     try {
       broker_address({.address = "mqtt://me@b", .password_file = file});
       return std::string("no failure");
-    } catch (const lm::host::Failure& failure) {
-      EXPECT_EQ(failure.status(), lm::host::kRefused);
+    } catch (const lm::host::base::Failure& failure) {
+      EXPECT_EQ(failure.status(), lm::host::base::kRefused);
       return std::string(failure.what());
     }
   };

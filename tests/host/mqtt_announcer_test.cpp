@@ -1,15 +1,18 @@
 // What is said about events, and when.
-#include "host/mqtt/announcer.h"
+#include "host/outputs/mqtt/announcer.h"
 
 #include <gtest/gtest.h>
 #include <json/json.h>
 
 #include <sstream>
 
+#include "host/events/event_json.h"
+#include "tests/host/schemas.h"
+
 namespace {
 
-using namespace lm::host;
-using namespace lm::host::mqtt;
+using namespace lm::host::events;
+using namespace lm::host::outputs::mqtt;
 using namespace std::chrono_literals;
 using Lines = std::vector<std::string>;
 
@@ -51,6 +54,18 @@ TEST_F(AnnouncerTest, SaysThatItIsThereAndThatNothingMoves) {
   EXPECT_EQ(said(), (Lines{"p/cam/availability=online", "p/cam/motion=OFF"}));
   announcer_.leave();
   EXPECT_EQ(said(), (Lines{"p/cam/availability=offline"}));
+}
+
+TEST_F(AnnouncerTest, SendsAnEventAsTheEventsFileHasIt) {
+  if (!schemas::available()) GTEST_SKIP() << "needs python3-jsonschema";
+  Event light = event("0001", 2s, EventKind::kLight);
+  light.frames = light.most_boxes = 1;
+  light.light = LightChange{1, 2, 0.5};
+  light.started = "The light became brighter.";
+  announcer_.begun(light);
+  ASSERT_EQ(messages_.size(), 1U);
+  EXPECT_EQ(messages_[0].payload, event_json(light));
+  EXPECT_EQ(schemas::fault("events", {messages_[0].payload}, "event"), "");
 }
 
 TEST_F(AnnouncerTest, TellsTheLifeOfAnEvent) {

@@ -8,14 +8,16 @@
 #include <csignal>
 #include <sstream>
 
-#include "host/failure.h"
-#include "host/mqtt/mqtt_listener.h"
-#include "host/standard_streams.h"
+#include "host/base/failure.h"
+#include "host/base/standard_streams.h"
+#include "host/outputs/mqtt/mqtt_listener.h"
 #include "tests/host/broker.h"
 
 namespace {
 
-using namespace lm::host;
+using namespace lm::host::base;
+using namespace lm::host::events;
+using namespace lm::host::outputs::mqtt;
 using namespace std::chrono_literals;
 using broker::Broker;
 using broker::Subscriber;
@@ -148,7 +150,7 @@ TEST_F(MessageBus, KeepsBeginningsAndEndsForABrokerThatComesLate) {
   ASSERT_TRUE(reader.wait_for("home/hall/event/end", "\"a\""));
   EXPECT_EQ(without_repetitions(ids(reader.payloads("home/hall/event/new"))), Lines{"a"});
   EXPECT_EQ(without_repetitions(ids(reader.payloads("home/hall/event/end"))), Lines{"a"});
-  EXPECT_NE(errors.text().find("had no room for 102 updates and for 0 messages on the beginning"),
+  EXPECT_NE(errors.text().find("queue full, dropped 102 update messages and 0 begin or end messages"),
             std::string::npos)
       << errors.text();
 }
@@ -160,7 +162,7 @@ TEST_F(MessageBus, ThatNobodyServesIsSaidOnceAndLeavesTheRunInPeace) {
   listener.finish();
   const std::string broker = "lightmotion: warning: " + broker_.address() + ": ";
   // Discovery, availability, motion and the event.
-  EXPECT_EQ(errors.text(), broker + "Connection refused; trying again\n" + broker + "4 messages not sent\n");
+  EXPECT_EQ(errors.text(), broker + "Connection refused; retrying\n" + broker + "4 messages not sent\n");
 }
 
 TEST_F(MessageBus, TakesThePasswordFromAFile) {
@@ -241,7 +243,7 @@ TEST(MessageBusTopic, ThatIsNoTextIsRefused) {
     FAIL() << "no failure";
   } catch (const Failure& failure) {
     EXPECT_EQ(failure.status(), kRefused);
-    EXPECT_TRUE(std::string(failure.what()).starts_with("message bus: topic ")) << failure.what();
+    EXPECT_TRUE(std::string(failure.what()).starts_with("MQTT: topic ")) << failure.what();
   }
 }
 

@@ -4,13 +4,15 @@
 #include <cstdlib>
 #include <optional>
 
-#include "host/mqtt/mqtt_listener.h"
-#include "host/standard_streams.h"
+#include "host/base/standard_streams.h"
+#include "host/outputs/mqtt/mqtt_listener.h"
 #include "tests/host/broker.h"
 
 namespace {
 
-using namespace lm::host;
+using namespace lm::host::base;
+using namespace lm::host::events;
+using namespace lm::host::outputs::mqtt;
 using namespace std::chrono_literals;
 using broker::Broker;
 using broker::Subscriber;
@@ -86,7 +88,7 @@ TEST_F(EncryptedMessageBus, WithoutTheFileOfCertificatesIsRefused) {
   const auto outcome =
       program::run_fake({"-o", "/dev/null", "--mqtt", options("").address, "--mqtt-ca", "/nowhere"});
   EXPECT_EQ(outcome.status, 2);
-  EXPECT_TRUE(outcome.errors.starts_with("lightmotion: message bus: /nowhere: ")) << outcome.errors;
+  EXPECT_TRUE(outcome.errors.starts_with("lightmotion: MQTT: /nowhere: ")) << outcome.errors;
 }
 
 }  // namespace

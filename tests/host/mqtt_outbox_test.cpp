@@ -1,11 +1,11 @@
 // What waits for the broker, and what has to go when there is no room.
-#include "host/mqtt/outbox.h"
+#include "host/outputs/mqtt/outbox.h"
 
 #include <gtest/gtest.h>
 
 namespace {
 
-using namespace lm::host::mqtt;
+using namespace lm::host::outputs::mqtt;
 using Payloads = std::vector<std::string>;
 
 Message milestone(const std::string& payload) { return {MessageKind::kMilestone, "event/new", payload}; }

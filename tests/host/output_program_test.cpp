@@ -137,9 +137,9 @@ TEST_P(EachFolder, ThatTakesNoFilesIsFoundOutBeforeTheFirstFrame) {
 
 TEST_P(EachFolder, ThatIsAFileIsNamed) {
   program::write(folder_ / "file", "");
-  expect_complaint(run_with(folder_ / "file"), (folder_ / "file") + " cannot be made: Not a directory");
+  expect_complaint(run_with(folder_ / "file"), (folder_ / "file") + " cannot be created: Not a directory");
   expect_complaint(run_with(folder_ / "file/out"),
-                   (folder_ / "file/out") + " cannot be made: Not a directory");
+                   (folder_ / "file/out") + " cannot be created: Not a directory");
 }
 
 INSTANTIATE_TEST_SUITE_P(All, EachFolder, testing::ValuesIn(kFolders),

@@ -2,14 +2,14 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
-#include "host/failure.h"
-#include "host/line_sink.h"
-#include "host/pending_file.h"
+#include "host/base/failure.h"
+#include "host/base/line_sink.h"
+#include "host/base/pending_file.h"
 #include "tests/host/program.h"
 
 namespace {
 
-using namespace lm::host;
+using namespace lm::host::base;
 using program::Folder;
 using Names = std::vector<std::string>;
 

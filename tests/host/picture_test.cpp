@@ -1,12 +1,13 @@
 // Converting decoded pictures, and drawing on them.
 #include <gtest/gtest.h>
 
-#include "host/overlay.h"
-#include "host/picture_converter.h"
+#include "host/outputs/overlay.h"
+#include "host/source/picture_converter.h"
 
 namespace {
 
-using namespace lm::host;
+using namespace lm::host::outputs;
+using namespace lm::host::source;
 
 av::Picture plain_picture(cv::Size size, std::uint8_t luma, AVColorRange range = AVCOL_RANGE_UNSPECIFIED) {
   av::Picture picture = av::new_picture(size, AV_PIX_FMT_YUV420P);

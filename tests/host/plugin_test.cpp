@@ -1,15 +1,16 @@
-#include "host/plugin.h"
+#include "host/detector/plugin.h"
 
 #include <gtest/gtest.h>
 #include <unistd.h>
 
-#include "host/failure.h"
-#include "host/standard_streams.h"
+#include "host/base/failure.h"
+#include "host/base/standard_streams.h"
 #include "tests/host/program.h"
 
 namespace {
 
-using namespace lm::host;
+using namespace lm::host::base;
+using namespace lm::host::detector;
 using program::Folder;
 
 constexpr const char* kName = "liblightmotion.so.1";
@@ -57,16 +58,17 @@ TEST(Plugin, NamesAFileThatCannotBeLoaded) {
 TEST(Plugin, NamesTheEntryPointThatALibraryLacks) {
   const std::string text = refusal([] { Plugin plugin("/lib/x86_64-linux-gnu/libm.so.6"); });
   EXPECT_EQ(text,
-            "/lib/x86_64-linux-gnu/libm.so.6: not a plug-in for this program: it has no initialization");
+            "/lib/x86_64-linux-gnu/libm.so.6: not a lightmotion plug-in: it has no function initialization");
 }
 
 TEST(Plugin, GivesTheResultOfEachFrame) {
   Plugin plugin(LIGHTMOTION_FAKE_PLUGIN);
-  ASSERT_EQ(plugin.start("{}"), "");
-  const unsigned char pixel = 77;
+  ASSERT_EQ(plugin.start(R"({"comment": "pixel"})"), "");
+  const unsigned char pixel = 64;
   EXPECT_EQ(plugin.process(&pixel, "1"), "");
-  const std::string result = plugin.process(&pixel, "41");
-  EXPECT_TRUE(result.ends_with("\"pixel\":77,\"timestamp\":\"41\"}\n")) << result;
+  EXPECT_EQ(plugin.process(&pixel, "41"),
+            "{\"object\":[{\"height\":0.250000,\"inRoi\":[],\"width\":0.1,\"x\":0.5,\"y\":0.25}],"
+            "\"timestamp\":\"41\"}\n");
 }
 
 TEST(Plugin, ReportsARefusalInThePluginsWords) {

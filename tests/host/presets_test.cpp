@@ -1,4 +1,4 @@
-#include "host/presets/presets.h"
+#include "host/detector/presets/presets.h"
 
 #include <gtest/gtest.h>
 #include <json/json.h>
@@ -6,14 +6,18 @@
 #include <set>
 #include <sstream>
 
-#include "host/check/check.h"
-#include "host/document.h"
-#include "host/options.h"
+#include "host/commands/command_line.h"
+#include "host/detector/check/check.h"
+#include "host/detector/document.h"
 #include "tests/host/program.h"
+#include "tests/host/run_line.h"
 
 namespace {
 
-using namespace lm::host;
+using namespace lm::host::base;
+using namespace lm::host::commands;
+using namespace lm::host::detector;
+using namespace lm::host::detector::presets;
 using program::Folder;
 
 Json::Value parsed(const std::string& text) {
@@ -24,20 +28,20 @@ Json::Value parsed(const std::string& text) {
 
 TEST(Presets, HaveNamesOfTheirOwnAndALineEach) {
   std::set<std::string> names;
-  for (const Preset& preset : presets()) {
+  for (const Preset& preset : all()) {
     names.insert(preset.name);
     EXPECT_FALSE(preset.about.empty()) << preset.name;
     EXPECT_EQ(preset.about.find('\n'), std::string::npos) << preset.name;
     EXPECT_EQ(find_preset(preset.name), &preset);
   }
-  EXPECT_EQ(names.size(), presets().size());
+  EXPECT_EQ(names.size(), all().size());
   for (const char* name : {"street", "indoor", "night", "sensitive"})
     EXPECT_EQ(names.count(name), 1U) << name;
   EXPECT_EQ(find_preset("nowhere"), nullptr);
 }
 
 TEST(Presets, HoldNothingButSettingsThatThePluginReadsAndTheirLine) {
-  for (const Preset& preset : presets()) {
+  for (const Preset& preset : all()) {
     const std::vector<std::string> keys = parsed(preset.document).getMemberNames();
     const std::vector<std::string> expected{"comment", "lcAdap", "minBoxH", "minBoxW", "sensitivity"};
     EXPECT_EQ(keys, expected) << preset.name;
@@ -47,7 +51,7 @@ TEST(Presets, HoldNothingButSettingsThatThePluginReadsAndTheirLine) {
 
 // The plug-in accepts 1 to 5 for both levels, and least boxes above 0 up to 1.
 TEST(Presets, StayInTheRangesThatThePluginAccepts) {
-  for (const Preset& preset : presets()) {
+  for (const Preset& preset : all()) {
     const Json::Value root = parsed(preset.document);
     for (const char* key : {"sensitivity", "lcAdap"}) {
       const int level = std::stoi(root[key].asString());
@@ -65,9 +69,7 @@ TEST(Presets, OfTheStreetIsWhatRunsWithoutAConfiguration) {
 }
 
 TEST(Presets, AreNamedOnTheCommandLine) {
-  const Command command = parse_command_line({"run", "--preset", "night"});
-  ASSERT_TRUE(command.options);
-  EXPECT_EQ(command.options->preset, "night");
+  EXPECT_EQ(program::run_line({"--preset", "night"}).preset, "night");
 }
 
 TEST(Presets, ThatAreUnknownAreRefusedWithThoseThereAre) {
@@ -86,10 +88,10 @@ TEST(PresetsProgram, ListsNamesAndLines) {
   const program::Outcome outcome = program::run({"presets"});
   EXPECT_EQ(outcome.status, 0);
   const auto lines = program::lines(outcome.output);
-  ASSERT_EQ(lines.size(), presets().size());
+  ASSERT_EQ(lines.size(), all().size());
   for (std::size_t i = 0; i < lines.size(); ++i) {
-    EXPECT_TRUE(lines[i].starts_with(presets()[i].name + " ")) << lines[i];
-    EXPECT_TRUE(lines[i].ends_with(" " + presets()[i].about)) << lines[i];
+    EXPECT_TRUE(lines[i].starts_with(all()[i].name + " ")) << lines[i];
+    EXPECT_TRUE(lines[i].ends_with(" " + all()[i].about)) << lines[i];
   }
 }
 
@@ -117,9 +119,8 @@ TEST(PresetsProgram, RunsWithADocumentAsIfItWereAConfiguration) {
 }
 
 TEST(PresetsArchive, CountForWhatIsDoneAlready) {
-  const Options options =
-      *parse_command_line({"run", "a.avi", "--out", "results", "--preset", "night"}).options;
-  EXPECT_EQ(options.archive.passed_on, std::vector<std::string>{"--preset=night"});
+  const auto options = program::archive_line({"a.avi", "--out", "results", "--preset", "night"});
+  EXPECT_EQ(options.passed_on, std::vector<std::string>{"--preset=night"});
 }
 
 }  // namespace

@@ -58,19 +58,33 @@ TEST(Program, HandsOverTimesCountedFromOneAndReportsFramesCountedFromZero) {
   EXPECT_EQ(parsed(lines[2])["timestamp"], Json::Value("2001"));
 }
 
-TEST(Program, KeepsThePluginsNumbersAsTheyAre) {
+TEST(Program, RoundsBoxesAndNamesTheirRegions) {
   const Folder folder;
   const Outcome outcome = run_fake({short_clip(folder)});
-  EXPECT_NE(outcome.output.find("\"width\":0.10000000000000000001,\"x\":0.500,\"y\":2.5e-1}"),
-            std::string::npos);
+  EXPECT_EQ(program::lines(outcome.output).at(0),
+            "{\"frame\":1,\"time\":0.040,\"boxes\":[{\"x\":0.500000,\"y\":0.250000,\"width\":0.100000,"
+            "\"height\":0.300000,\"regions\":[\"frame\"]}],\"timestamp\":\"41\"}");
+}
+
+TEST(Program, ClipsBoxesToTheFrame) {
+  const Folder folder;
+  program::write(folder / "c.json", R"({"comment": "border"})");
+  const Outcome outcome = run_fake({short_clip(folder), "-c", folder / "c.json"});
+  const Json::Value box = parsed(program::lines(outcome.output).at(0))["boxes"][0];
+  EXPECT_EQ(box["x"].asDouble(), 0.9);
+  EXPECT_EQ(box["width"].asDouble(), 0.1) << "of 1";
+  EXPECT_EQ(box["y"].asDouble(), 0.75);
+  EXPECT_EQ(box["height"].asDouble(), 0.25) << "of 0.3";
 }
 
 TEST(Program, CompletesTheConfigurationFromTheSource) {
   const Folder folder;
   clips::write(folder / "a.mp4", {64, 48}, clips::regular(2, 40ms));
   program::write(folder / "c.json", R"({"sensitivity": "2"})");
+  setenv("LIGHTMOTION_FAKE_CONFIGURATION", (folder / "seen.json").c_str(), 1);
   const Outcome outcome = run_fake({folder / "a.mp4", "--config", folder / "c.json"});
-  const Json::Value config = parsed(outcome.output)["config"];
+  unsetenv("LIGHTMOTION_FAKE_CONFIGURATION");
+  const Json::Value config = parsed(program::read(folder / "seen.json"));
   EXPECT_EQ(config["frmW"], Json::Value("64"));
   EXPECT_EQ(config["frmH"], Json::Value("48"));
   EXPECT_EQ(config["frmChn"], Json::Value("3"));
@@ -119,6 +133,10 @@ TEST(Program, SumsUpOnStandardErrorUnlessQuiet) {
   EXPECT_EQ(outcome.errors.find('\r'), std::string::npos) << "no progress bar without a terminal";
   const Folder folder;
   EXPECT_EQ(run_fake({short_clip(folder), "-o", "/dev/null", "--quiet"}).errors, "");
+  const std::string table = folder / "a.csv";
+  const Outcome listed = run_fake({short_clip(folder), "--events", table});
+  EXPECT_TRUE(listed.errors.ends_with("motion in 18 frames, 1 event\nevents: " + table + "\n"))
+      << listed.errors;
 }
 
 TEST(Program, ShowsAProgressBarOnATerminalAndTakesItAway) {
@@ -139,6 +157,35 @@ TEST(Program, ShowsAProgressBarOnATerminalAndTakesItAway) {
   close(nowhere);
   EXPECT_TRUE(shown.starts_with("\r0% [---")) << shown;
   EXPECT_NE(shown.find("\r\x1b[Kbuilt-in scene: 500 frames"), std::string::npos) << shown;
+}
+
+// What the program writes to a terminal as its standard output.
+std::string shown_on_a_terminal(std::vector<std::string> arguments) {
+  int terminal = -1;
+  int other = -1;
+  EXPECT_EQ(openpty(&terminal, &other, nullptr, nullptr, nullptr), 0);
+  const int nowhere = open("/dev/null", O_WRONLY);
+  arguments.insert(arguments.begin(), {"run", "--plugin", LIGHTMOTION_FAKE_PLUGIN});
+  const pid_t process = program::start(arguments, other, nowhere);
+  close(other);
+  std::string shown;
+  char piece[512];
+  for (ssize_t length = 0; (length = ::read(terminal, piece, sizeof piece)) > 0;)
+    shown.append(piece, piece + length);
+  EXPECT_EQ(program::wait_for(process), 0);
+  close(terminal);
+  close(nowhere);
+  return shown;
+}
+
+TEST(Program, KeepsResultLinesOffATerminalThatHasOtherOutputs) {
+  const Folder folder;
+  const std::string clip = short_clip(folder);
+  EXPECT_EQ(program::lines(shown_on_a_terminal({clip})).size(), 18U);
+  EXPECT_EQ(shown_on_a_terminal({clip, "--events", folder / "a.csv"}), "");
+  EXPECT_EQ(program::lines(shown_on_a_terminal({clip, "--events", folder / "a.csv", "-o", "-"})).size(), 18U);
+  const Outcome piped = run_fake({clip, "--events", folder / "a.csv"});
+  EXPECT_EQ(program::lines(piped.output).size(), 18U) << "a pipe has them";
 }
 
 struct RefusedCase {
@@ -164,10 +211,9 @@ INSTANTIATE_TEST_SUITE_P(
     testing::Values(
         RefusedCase{"NotJson", "{", "1:2: not JSON: Missing '}' or object member name"},
         RefusedCase{"NoObject", "[]", " not a JSON object"},
-        RefusedCase{
-            "OtherSize", R"({"frmW": "1"})",
-            "1:10: \"frmW\": is 1 but the source's frames have 640 (leave it out, and the source's own is "
-            "taken)"},
+        RefusedCase{"OtherSize", R"({"frmW": "1"})",
+                    "1:10: \"frmW\": is 1 but the source's frames have 640 (remove it to use the source's "
+                    "value)"},
         RefusedCase{
             "Faulty", R"({"comment": "throw", "sensitivity": "high"})",
             "1:37: \"sensitivity\": must be a whole number, not \"high\"; the plug-in refuses it (1 to 5, or "
@@ -178,8 +224,8 @@ INSTANTIATE_TEST_SUITE_P(
                     "(lightmotion check lists all)"},
         RefusedCase{
             "Useless", R"({"ror": [], "lifeStatic": "-1"})",
-            "1:27: \"lifeStatic\": -1 makes everything background at once: nothing is ever found (leave it "
-            "out for 3 seconds)"},
+            "1:27: \"lifeStatic\": -1 makes everything background at once: nothing is ever detected (remove "
+            "it for the default of 3 seconds)"},
         RefusedCase{"Refusing", R"({"comment": "refuse"})",
                     " the plug-in refuses it: Error: this document is refused"},
         RefusedCase{"Throwing", R"({"comment": "throw"})", " the plug-in refuses it: exception \"stoi\""}),
@@ -200,8 +246,8 @@ TEST(Program, WarnsOfSettingsThatHaveNoEffect) {
   EXPECT_EQ(outcome.status, 0);
   EXPECT_EQ(complaint(outcome),
             "lightmotion: warning: " + (folder / "c.json") +
-                ":1:17: \"sensitivity\": 5 is no text: the plug-in passes it over, and the "
-                "default stays (write \"5\")\n");
+                ":1:17: \"sensitivity\": 5 is not a string: the plug-in ignores it and uses the "
+                "default (write \"5\")\n");
 }
 
 TEST(Program, KeepsThePluginsChatterOutOfTheResults) {

@@ -1,12 +1,13 @@
-#include "host/progress.h"
+#include "host/outputs/progress.h"
 
 #include <gtest/gtest.h>
 
-#include "host/time_text.h"
+#include "host/base/time_text.h"
 
 namespace {
 
-using namespace lm::host;
+using namespace lm::host::base;
+using namespace lm::host::outputs;
 using namespace std::chrono_literals;
 
 const ProgressState kHalf{500, 33s, 66s, 250, 3};
@@ -63,10 +64,10 @@ TEST(TimeLeft, IsNotMadeUp) {
 
 TEST(ProgressLine, IsAnObjectForPrograms) {
   EXPECT_EQ(progress_line(kHalf, false),
-            R"({"frames":500,"time":33.000,"duration":66.000,"left":2.000,"fps":250.0,"events":3})");
-  EXPECT_EQ(progress_line(kLive, false), R"({"frames":1234,"time":49.000,"fps":24.6,"events":1})");
+            R"({"frames":500,"length":33.000,"duration":66.000,"eta":2.000,"fps":250.0,"event_count":3})");
+  EXPECT_EQ(progress_line(kLive, false), R"({"frames":1234,"length":49.000,"fps":24.6,"event_count":1})");
   EXPECT_EQ(progress_line(kHalf, true),
-            R"({"frames":500,"time":33.000,"duration":66.000,"fps":250.0,"events":3,"done":true})");
+            R"({"frames":500,"length":33.000,"duration":66.000,"fps":250.0,"event_count":3,"done":true})");
 }
 
 TEST(Progress, StaysWithinItsEnds) {

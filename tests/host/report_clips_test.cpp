@@ -6,16 +6,19 @@
 #include <cmath>
 #include <sstream>
 
-#include "host/av.h"
-#include "host/report/clip_copier.h"
-#include "host/report/clip_recorder.h"
-#include "host/report/clips.h"
+#include "host/outputs/report/clip_copier.h"
+#include "host/outputs/report/clip_recorder.h"
+#include "host/outputs/report/clips.h"
+#include "host/source/av.h"
 #include "tests/host/clips.h"
 #include "tests/host/program.h"
 
 namespace {
 
-using namespace lm::host;
+using namespace lm::host::base;
+using namespace lm::host::events;
+using namespace lm::host::outputs::report;
+using namespace lm::host::source;
 using namespace std::chrono_literals;
 using program::Folder;
 using std::chrono::microseconds;

@@ -3,18 +3,20 @@
 
 #include <stdexcept>
 
-#include "host/report/activity.h"
-#include "host/report/markup.h"
-#include "host/report/page.h"
-#include "host/report/report_page.h"
-#include "host/report/settings.h"
-#include "host/report/shown_size.h"
-#include "host/report/timeline.h"
+#include "host/outputs/report/activity.h"
+#include "host/outputs/report/markup.h"
+#include "host/outputs/report/page.h"
+#include "host/outputs/report/report_page.h"
+#include "host/outputs/report/settings.h"
+#include "host/outputs/report/shown_size.h"
+#include "host/outputs/report/timeline.h"
 #include "tests/host/program.h"
 
 namespace {
 
-using namespace lm::host;
+using namespace lm::host::events;
+using namespace lm::host::outputs::report;
+using namespace lm::host::source;
 using namespace std::chrono_literals;
 using program::Folder;
 
@@ -126,7 +128,7 @@ TEST(Page, HasNoMarkupOfTheOutside) {
 TEST(Page, TellsTheFigures) {
   const std::string html = render_page(page_data());
   for (const char* text :
-       {"<dd>2<small>1 of motion, 1 of light</small>", "<dd>2.5 s<small>12 % of the video</small>",
+       {"<dd>2<small>1 motion, 1 lighting</small>", "<dd>2.5 s<small>12 % of the video</small>",
         "<dd>20.0 s<small>500 frames, 100 with boxes</small>",
         "<dd>250 fps<small>10 × real time, 2.0 s</small>", "64 × 48 pixels, 25 frames a second"}) {
     EXPECT_NE(html.find(text), std::string::npos) << text;
@@ -148,7 +150,7 @@ TEST(Page, WithoutEventsSaysSo) {
   data.events.clear();
   const std::string html = render_page(data);
   expect_balanced(html);
-  EXPECT_NE(html.find("Nothing that counts as an event was found."), std::string::npos);
+  EXPECT_NE(html.find("No events were found."), std::string::npos);
 }
 
 // From 5 to 7.5 seconds of 20: a quarter from the left, an eighth wide.
@@ -207,8 +209,8 @@ TEST(Settings, AreTheRulesAndTheDocuments) {
   const auto shown = shown_settings(R"({"sensitivity":"4","roi":[{"name":"door"},{"name":"<b>"}],"x":{}})",
                                     {.min_event = 0.5, .gap = 2});
   using Shown = std::vector<std::pair<std::string, std::string>>;
-  EXPECT_EQ(shown, (Shown{{"Least length of an event", "0.500 s"},
-                          {"Quiet that ends an event", "2.000 s"},
+  EXPECT_EQ(shown, (Shown{{"Minimum length of an event", "0.500 s"},
+                          {"Quiet time that ends an event", "2.000 s"},
                           {"roi", "door, <b>"},
                           {"sensitivity", "4"}}));
 }

@@ -4,13 +4,14 @@
 #include <map>
 #include <set>
 
-#include "host/builtin_scene.h"
-#include "host/scene_canvas.h"
-#include "host/scene_street.h"
+#include "host/source/scene/builtin_scene.h"
+#include "host/source/scene/scene_canvas.h"
+#include "host/source/scene/scene_street.h"
 
 namespace {
 
-using namespace lm::host;
+using namespace lm::host::source;
+using namespace lm::host::source::scene;
 using namespace std::chrono_literals;
 using scene::Canvas;
 

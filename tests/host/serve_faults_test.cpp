@@ -4,15 +4,16 @@
 
 #include <filesystem>
 
-#include "host/failure.h"
-#include "host/serve/detector_process.h"
+#include "host/base/failure.h"
+#include "host/commands/serve/detector_process.h"
 #include "tests/host/clips.h"
 #include "tests/host/program.h"
 #include "tests/host/serve_page.h"
 
 namespace {
 
-using namespace lm::host;
+using namespace lm::host::base;
+using namespace lm::host::commands::serve;
 using namespace std::chrono_literals;
 using program::Folder;
 using serve::Answer;
@@ -31,7 +32,7 @@ serve::Setup with_fake(const char* behaviour) {
 TEST(ServeDetector, ThatDiesIsReportedUntilAnotherDocumentHelps) {
   Page page(with_fake("frame dies"));
   const Json::Value state = page.state_with(kProblem);
-  EXPECT_EQ(state["problem"], "the detector failed: the process was ended by a signal: Killed");
+  EXPECT_EQ(state["problem"], "the detector failed: the process was terminated by a signal: Killed");
   EXPECT_EQ(page.post("/api/apply", fake("well")).status, 200);
   EXPECT_FALSE(page.state_with(kNoProblem).isNull());
   EXPECT_FALSE(page.picture_with([](const Json::Value& one) { return !one["boxes"].empty(); }).isNull());
@@ -39,7 +40,7 @@ TEST(ServeDetector, ThatDiesIsReportedUntilAnotherDocumentHelps) {
 
 TEST(ServeDetector, ThatHangsIsGivenUp) {
   Page page(with_fake("frame waits"));
-  EXPECT_EQ(page.state_with(kProblem)["problem"], "the detector gave no answer for 0.500 s");
+  EXPECT_EQ(page.state_with(kProblem)["problem"], "no answer from the detector for 0.500 s");
 }
 
 TEST(ServeDetector, ThatThrowsIsReported) {
@@ -62,7 +63,7 @@ TEST(ServeDetector, ThatRefusesADocumentLeavesTheOneBefore) {
 TEST(ServeDetector, ThatFailsInTheComparisonEndsIt) {
   Page page(with_fake("well"));
   const std::string document = Json::valueToQuotedString(fake("frame dies").c_str());
-  EXPECT_EQ(page.post("/api/compare", "{\"document\":" + document + "}").status, 200);
+  EXPECT_EQ(page.post("/api/compare", "{\"configuration\":" + document + "}").status, 200);
   const Json::Value state = page.state_with(kProblem);
   EXPECT_THAT(state["problem"].asString(), HasSubstr("the comparison ended"));
   EXPECT_EQ(state["comparing"], false);
@@ -77,13 +78,12 @@ TEST(ServeDetector, IsRefusedAtTheStart) {
 
 TEST(DetectorProcess, AnswersWhatThePluginDoes) {
   DetectorProcess detector({.plugin = LIGHTMOTION_FAKE_PLUGIN, .program = LIGHTMOTION_PROGRAM},
-                           fake("chatter"));
-  const cv::Mat image(4, 4, CV_8UC3, cv::Scalar(42, 0, 0));
+                           fake("pixel"));
+  const cv::Mat image(4, 4, CV_8UC3, cv::Scalar(64, 0, 0));
   EXPECT_EQ(detector.process(image, "1").result, "") << "the first frame has no box";
   const Json::Value second = serve::json(detector.process(image, "41").result);
-  EXPECT_EQ(second["pixel"], 42);
+  EXPECT_EQ(second["object"][0]["height"].asDouble(), 0.25) << "64 of 256";
   EXPECT_EQ(second["timestamp"], "41");
-  EXPECT_EQ(second["config"]["comment"], "chatter");
   detector.restart();
   EXPECT_EQ(detector.process(image, "1").result, "") << "a first frame again";
 }

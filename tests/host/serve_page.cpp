@@ -5,7 +5,7 @@
 namespace serve {
 namespace {
 
-using namespace lm::host;
+using namespace lm::host::commands::serve;
 
 constexpr int kMostPictures = 1000;
 constexpr int kMostEmpty = 5;  // polls without a picture, of five seconds each

@@ -9,8 +9,8 @@
 #include <string>
 #include <thread>
 
-#include "host/serve/api.h"
-#include "host/serve/web_server.h"
+#include "host/commands/serve/api.h"
+#include "host/commands/serve/web_server.h"
 
 namespace serve {
 
@@ -54,15 +54,15 @@ class Page {
   Json::Value picture_with(const Wanted& wanted);
   Json::Value state_with(const Wanted& wanted);
 
-  lm::host::Player& player() { return player_; }
+  lm::host::commands::serve::Player& player() { return player_; }
   int port() const { return server_.port(); }
   void stop();  // as Ctrl-C does
 
  private:
-  lm::host::PlayerPlan plan_;
-  lm::host::Player player_;
-  lm::host::Api api_;
-  lm::host::WebServer server_;
+  lm::host::commands::serve::PlayerPlan plan_;
+  lm::host::commands::serve::Player player_;
+  lm::host::commands::serve::Api api_;
+  lm::host::commands::serve::WebServer server_;
   std::thread answering_;
   long long seen_ = -1;
 };

@@ -3,18 +3,19 @@
 
 #include <filesystem>
 
-#include "host/serve/config_file.h"
-#include "host/serve/event_log.h"
-#include "host/serve/guard.h"
-#include "host/serve/pace.h"
-#include "host/serve/shot.h"
-#include "host/serve/showcase.h"
-#include "host/serve/viewers.h"
+#include "host/commands/serve/config_file.h"
+#include "host/commands/serve/event_log.h"
+#include "host/commands/serve/guard.h"
+#include "host/commands/serve/pace.h"
+#include "host/commands/serve/shot.h"
+#include "host/commands/serve/showcase.h"
+#include "host/commands/serve/viewers.h"
 #include "tests/host/program.h"
 
 namespace {
 
-using namespace lm::host;
+using namespace lm::host::commands::serve;
+using namespace lm::host::events;
 using namespace std::chrono_literals;
 
 int status_of(const Gate& gate, const Credentials& shown) {
@@ -187,12 +188,14 @@ TEST(EventLog, FollowsAnEventToItsEnd) {
   Event event = event_of("0001", 1s, 2s);
   event.started = "It began.";
   pass->begun(event);
-  EXPECT_TRUE(log.value()["events"][0]["end"].isNull());
+  EXPECT_EQ(log.value()["events"][0]["end"].asDouble(), 2);
+  EXPECT_EQ(log.value()["events"][0]["ended"], "");
   event.end = 3s;
   event.ended = "It ended.";
   pass->ended(event);
   EXPECT_EQ(log.value()["events"][0]["end"].asDouble(), 3);
-  EXPECT_EQ(log.value()["events"][0]["why"], "It began. It ended.");
+  EXPECT_EQ(log.value()["events"][0]["started"], "It began.");
+  EXPECT_EQ(log.value()["events"][0]["ended"], "It ended.");
 }
 
 TEST(EventLog, KeepsFiveHundredEvents) {

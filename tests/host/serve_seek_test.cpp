@@ -3,13 +3,14 @@
 
 #include <opencv2/core.hpp>
 
-#include "host/serve/still.h"
+#include "host/commands/serve/still.h"
 #include "tests/host/clips.h"
 #include "tests/host/program.h"
 
 namespace {
 
-using namespace lm::host;
+using namespace lm::host::commands::serve;
+using namespace lm::host::source;
 using namespace std::chrono_literals;
 using program::Folder;
 

@@ -47,11 +47,11 @@ TEST(ServeState, TellsOfTheSourceAndTheDocument) {
   EXPECT_EQ(state["source"]["width"], 640);
   EXPECT_EQ(state["source"]["height"], 360);
   EXPECT_EQ(state["source"]["duration"].asDouble(), 20);
-  EXPECT_EQ(state["source"]["rate"].asDouble(), 25);
+  EXPECT_EQ(state["source"]["frame_rate"].asDouble(), 25);
   EXPECT_EQ(state["source"]["live"], false);
   EXPECT_EQ(state["playing"], true);
   EXPECT_EQ(state["loop"], 1);
-  EXPECT_EQ(state["document"], serve::Setup().document);
+  EXPECT_EQ(state["configuration"], serve::Setup().document);
   EXPECT_EQ(state["saved"], false);
   EXPECT_TRUE(state["file"].isNull());
   EXPECT_EQ(state["problem"], "");
@@ -69,9 +69,9 @@ TEST(ServeFrame, BringsEachPictureWithItsBoxes) {
   EXPECT_GT(second.about["sequence"].asInt64(), first.about["sequence"].asInt64());
   EXPECT_GT(second.about["time"].asDouble(), first.about["time"].asDouble());
   const Json::Value moving = page.picture_with(has_boxes);
-  ASSERT_EQ(moving["boxes"][0].size(), 4U);
-  EXPECT_GT(moving["cost"].asDouble(), 0);
-  EXPECT_FALSE(moving.isMember("old"));
+  EXPECT_EQ(moving["boxes"][0].getMemberNames(), (std::vector<std::string>{"height", "width", "x", "y"}));
+  EXPECT_GT(moving["plugin_ms"].asDouble(), 0);
+  EXPECT_FALSE(moving.isMember("baseline"));
 }
 
 TEST(ServeFrame, NeedsToKnowWhoWatches) {
@@ -145,16 +145,17 @@ TEST(ServeStill, ShowsAnyMomentWithoutDisturbingThePlayer) {
 TEST(ServeEvents, TellsWhatHappenedAndWhen) {
   Page page;
   page.post("/api/play", R"({"time":5})");
-  page.picture_with([](const Json::Value& one) { return one["events"].asInt() > 0; });
+  page.picture_with([](const Json::Value& one) { return one["event_count"].asInt() > 0; });
   const Json::Value events = page.get("/api/events").json;
   EXPECT_EQ(events["duration"].asDouble(), 20);
   ASSERT_EQ(events["events"].size(), 1U);
   const Json::Value& event = events["events"][0];
   EXPECT_EQ(event["kind"], "motion");
   EXPECT_GE(event["start"].asDouble(), 5);
-  EXPECT_TRUE(event["end"].isNull());
+  EXPECT_GE(event["end"].asDouble(), event["start"].asDouble());
+  EXPECT_EQ(event["ended"], "") << "it goes on";
   EXPECT_EQ(event["regions"][0], "frame");
-  EXPECT_GT(event["share"].asDouble(), 0);
+  EXPECT_GT(event["peak_share"].asDouble(), 0);
   ASSERT_FALSE(events["activity"].empty());
   EXPECT_EQ(events["activity"][0].size(), 2U);
 }
@@ -174,7 +175,7 @@ TEST(ServeApply, StartsTheDetectorAnewWithTheDocument) {
   page.post("/api/play", R"({"playing":false,"time":6})");
   ASSERT_FALSE(page.picture_with(has_boxes).isNull());
   EXPECT_EQ(page.post("/api/apply", huge).status, 200);
-  EXPECT_EQ(page.state()["document"], huge);
+  EXPECT_EQ(page.state()["configuration"], huge);
   const Json::Value about = page.picture_with([](const Json::Value& one) { return one["boxes"].empty(); });
   EXPECT_EQ(about["time"].asDouble(), 6) << "the same moment";
 }
@@ -188,7 +189,7 @@ TEST(ServeApply, LeavesAllAsItWasWhenTheDocumentIsRefused) {
     EXPECT_FALSE(answer.json["error"].asString().empty()) << document;
     EXPECT_FALSE(answer.json["findings"].empty()) << document;
   }
-  EXPECT_EQ(page.state()["document"], serve::Setup().document);
+  EXPECT_EQ(page.state()["configuration"], serve::Setup().document);
   EXPECT_FALSE(page.picture_with(has_boxes).isNull());
 }
 
@@ -196,19 +197,20 @@ TEST(ServeCompare, ShowsTheSameMomentsWithTheOtherDocument) {
   Page page;
   page.post("/api/play", R"({"playing":false,"time":6})");
   const std::string huge = R"({"minBoxW":"1","minBoxH":"1"})";
-  EXPECT_EQ(
-      page.post("/api/compare", Json::valueToQuotedString(huge.c_str()).insert(0, "{\"document\":") + "}")
-          .status,
-      200);
+  EXPECT_EQ(page.post("/api/compare",
+                      Json::valueToQuotedString(huge.c_str()).insert(0, "{\"configuration\":") + "}")
+                .status,
+            200);
   EXPECT_EQ(page.state()["comparing"], true);
-  const Json::Value about = page.picture_with([](const Json::Value& one) { return one.isMember("old"); });
+  const Json::Value about =
+      page.picture_with([](const Json::Value& one) { return one.isMember("baseline"); });
   EXPECT_TRUE(has_boxes(about));
-  EXPECT_TRUE(about["old"]["boxes"].empty()) << "no box is as large as the frame";
-  EXPECT_EQ(page.post("/api/compare", R"({"document":null})").status, 200);
+  EXPECT_TRUE(about["baseline"]["boxes"].empty()) << "no box is as large as the frame";
+  EXPECT_EQ(page.post("/api/compare", R"({"configuration":null})").status, 200);
   EXPECT_EQ(page.state()["comparing"], false);
-  EXPECT_FALSE(page.picture_with([](const Json::Value& one) { return !one.isMember("old"); }).isNull());
-  EXPECT_EQ(page.post("/api/compare", R"({"document":"{"})").status, 422);
-  EXPECT_EQ(page.post("/api/compare", R"({"document":7})").status, 400);
+  EXPECT_FALSE(page.picture_with([](const Json::Value& one) { return !one.isMember("baseline"); }).isNull());
+  EXPECT_EQ(page.post("/api/compare", R"({"configuration":"{"})").status, 422);
+  EXPECT_EQ(page.post("/api/compare", R"({"configuration":7})").status, 400);
 }
 
 TEST(ServeSave, WritesTheFileAndKeepsTheOneBefore) {
@@ -248,7 +250,7 @@ TEST(ServeSave, RefusesWhatCannotWorkAndWhatHasNoPlace) {
 
 TEST(ServeDocument, IsADownload) {
   Page page({.config = "/nowhere/my \"street\".json"});
-  const Answer answer = page.get("/api/document");
+  const Answer answer = page.get("/api/configuration");
   EXPECT_EQ(answer.body, serve::Setup().document);
   EXPECT_EQ(answer.headers.find("Content-Disposition")->second, "attachment; filename=\"my _street_.json\"");
 }
@@ -262,7 +264,7 @@ class Strangers : public testing::TestWithParam<Stranger> {};
 
 TEST_P(Strangers, AreTurnedAwayWithAReason) {
   Page page;
-  for (const char* path : {"/", "/main.js", "/api/state", "/api/frame?viewer=a", "/api/document"}) {
+  for (const char* path : {"/", "/main.js", "/api/state", "/api/frame?viewer=a", "/api/configuration"}) {
     const Answer answer = page.get(path, GetParam().headers);
     EXPECT_EQ(answer.status, 403) << path;
     EXPECT_FALSE(answer.json["error"].asString().empty()) << path;

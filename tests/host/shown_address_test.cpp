@@ -1,14 +1,16 @@
-#include "host/shown_address.h"
+#include "host/base/shown_address.h"
 
 #include <gtest/gtest.h>
 
-#include "host/mqtt/topics.h"
-#include "host/options.h"
+#include "host/commands/command_line.h"
+#include "host/outputs/mqtt/topics.h"
 #include "tests/host/program.h"
 
 namespace {
 
-using namespace lm::host;
+using namespace lm::host::base;
+using namespace lm::host::commands;
+using namespace lm::host::outputs;
 
 struct Case {
   const char* name;

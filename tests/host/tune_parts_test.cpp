@@ -5,21 +5,24 @@
 #include <csignal>
 #include <sstream>
 
-#include "host/document.h"
-#include "host/failure.h"
-#include "host/tune/edit.h"
-#include "host/tune/picture.h"
-#include "host/tune/sample.h"
-#include "host/tune/side_by_side.h"
-#include "host/tune/table.h"
-#include "host/tune/trial.h"
+#include "host/base/failure.h"
+#include "host/commands/tune/edit.h"
+#include "host/commands/tune/picture.h"
+#include "host/commands/tune/sample.h"
+#include "host/commands/tune/side_by_side.h"
+#include "host/commands/tune/table.h"
+#include "host/commands/tune/trial.h"
+#include "host/detector/document.h"
 #include "tests/host/clips.h"
 #include "tests/host/program.h"
 
 namespace {
 
-using namespace lm::host;
-using namespace lm::host::tune;
+using namespace lm::host::base;
+using namespace lm::host::commands::tune;
+using namespace lm::host::events;
+using namespace lm::host::source;
+using namespace lm::host::commands::tune;
 using namespace std::chrono_literals;
 using program::Folder;
 
@@ -151,14 +154,14 @@ TEST(TuneTable, ShowsSpansFiguresAndTheProposal) {
 TEST(TuneTable, HasTheSameFiguresForPrograms) {
   Json::Value root;
   std::istringstream(to_json(small_outcome())) >> root;
-  EXPECT_EQ(root["document"]["sensitivity"], Json::Value("2"));
-  EXPECT_EQ(root["quiet"]["spans"][0][1].asDouble(), 1);
+  EXPECT_EQ(root["configuration"]["sensitivity"], Json::Value("2"));
+  EXPECT_EQ(root["quiet"]["spans"][0]["to"].asDouble(), 1);
   EXPECT_TRUE(root["quiet"]["assumed"].asBool());
   const Json::Value trial = root["trials"][root["chosen"].asUInt()];
   EXPECT_EQ(trial["settings"]["minBoxW"], Json::Value("0.04"));
-  EXPECT_EQ(trial["quiet"]["frames"].asInt(), 1);
-  EXPECT_EQ(trial["motion"]["frames"].asInt(), 1);
-  EXPECT_EQ(trial["frames"].asInt(), 3);
+  EXPECT_EQ(trial["quiet"]["frames_with_boxes"].asInt(), 1);
+  EXPECT_EQ(trial["motion"]["frames_with_boxes"].asInt(), 1);
+  EXPECT_EQ(trial["frames_with_boxes"].asInt(), 3);
 }
 
 // The chart is 760 pixels wide from 230 on, its only row 20 high from 118 on; each look lasts a quarter.

@@ -39,7 +39,7 @@ TEST(TuneProgram, KeepsQuietWhatIsQuietAndFindsThePeople) {
                                             folder / "own.json", "--picture", folder / "p.png"});
   EXPECT_EQ(outcome.status, 0) << outcome.errors;
   EXPECT_EQ(outcome.output, "");
-  EXPECT_NE(outcome.errors.find("no boxes in the quiet spans. It finds 1 of 1 spans of motion"),
+  EXPECT_NE(outcome.errors.find("no boxes in the quiet spans. It finds 1 of 1 motion spans"),
             std::string::npos)
       << outcome.errors;
   EXPECT_TRUE(program::read(folder / "p.png").starts_with("\x89PNG"));
@@ -58,7 +58,7 @@ TEST(TuneProgram, KeepsQuietWhatIsQuietAndFindsThePeople) {
 std::int64_t frames_between(const std::vector<std::string>& lines, const Json::Value& span) {
   return std::count_if(lines.begin(), lines.end(), [&](const std::string& line) {
     const double time = parsed(line)["time"].asDouble();
-    return time >= span[0].asDouble() && time < span[1].asDouble();
+    return time >= span["from"].asDouble() && time < span["to"].asDouble();
   });
 }
 
@@ -69,8 +69,8 @@ TEST(TuneProgram, FindsTheSpansItselfAndCountsForEachSettingWhatARunWithItFinds)
   const Json::Value root = parsed(outcome.output);
   ASSERT_TRUE(root["quiet"]["assumed"].asBool() && root["motion"]["assumed"].asBool());
   ASSERT_FALSE(root["quiet"]["spans"].empty());
-  EXPECT_EQ(root["quiet"]["spans"][0][0].asDouble(), 0);
-  EXPECT_EQ(root["quiet"]["spans"][0][1].asDouble(), 2);
+  EXPECT_EQ(root["quiet"]["spans"][0]["from"].asDouble(), 0);
+  EXPECT_EQ(root["quiet"]["spans"][0]["to"].asDouble(), 2);
   const Json::Value& trials = root["trials"];
   for (const Json::ArrayIndex place : {0U, trials.size() / 2, trials.size() - 1, root["chosen"].asUInt()}) {
     const Json::Value& trial = trials[place];
@@ -78,12 +78,13 @@ TEST(TuneProgram, FindsTheSpansItselfAndCountsForEachSettingWhatARunWithItFinds)
     const Outcome run =
         with_small_scene({"run", "--quiet", "--config", folder / "c.json", "--events", folder / "e.json"});
     const auto lines = program::lines(run.output);
-    EXPECT_EQ(trial["frames"].asUInt64(), lines.size()) << trial;
-    EXPECT_EQ(trial["events"].asUInt(), parsed(program::read(folder / "e.json"))["events"].size()) << trial;
+    EXPECT_EQ(trial["frames_with_boxes"].asUInt64(), lines.size()) << trial;
+    EXPECT_EQ(trial["event_count"].asUInt(), parsed(program::read(folder / "e.json"))["events"].size())
+        << trial;
     for (const char* kind : {"quiet", "motion"}) {
       std::int64_t frames = 0;
       for (const Json::Value& span : root[kind]["spans"]) frames += frames_between(lines, span);
-      EXPECT_EQ(trial[kind]["frames"].asInt64(), frames) << kind << ' ' << trial;
+      EXPECT_EQ(trial[kind]["frames_with_boxes"].asInt64(), frames) << kind << ' ' << trial;
     }
   }
 }

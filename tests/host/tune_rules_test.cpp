@@ -1,15 +1,16 @@
 // What tune counts, assumes and chooses, on figures made by hand.
 #include <gtest/gtest.h>
 
-#include "host/tune/assumption.h"
-#include "host/tune/choice.h"
-#include "host/tune/search.h"
-#include "host/tune/table.h"
+#include "host/commands/tune/assumption.h"
+#include "host/commands/tune/choice.h"
+#include "host/commands/tune/search.h"
+#include "host/commands/tune/table.h"
 
 namespace {
 
-using namespace lm::host;
-using namespace lm::host::tune;
+using namespace lm::host::commands::tune;
+using namespace lm::host::events;
+using namespace lm::host::commands::tune;
 using std::chrono::microseconds;
 
 TimeSpan span(int from, int to) { return {std::chrono::seconds(from), std::chrono::seconds(to)}; }
@@ -152,7 +153,7 @@ TEST(TuneChoice, IsTheMostSensitiveQuietSettingWhereNoMotionIsKnown) {
 TEST(TuneWhy, TellsWhatWasReached) {
   const std::string text = why({candidate({2, 3, 2}, 0, 2, 80)}, 0, kMarks);
   EXPECT_NE(text.find("no boxes in the quiet spans"), std::string::npos) << text;
-  EXPECT_NE(text.find("finds 2 of 2 spans of motion, with boxes in 80 of their frames"), std::string::npos)
+  EXPECT_NE(text.find("finds 2 of 2 motion spans, with boxes in 80 of their frames"), std::string::npos)
       << text;
 }
 
@@ -160,7 +161,7 @@ TEST(TuneWhy, TellsWhatQuietCosts) {
   const std::vector<Candidate> all{candidate({2, 3, 2}, 0, 1, 40), candidate({4, 3, 2}, 7, 2, 80),
                                    candidate({5, 3, 2}, 9, 2, 90)};
   const std::string text = why(all, 0, kMarks);
-  EXPECT_NE(text.find("Sensitivity 4 would find 2, with boxes in 7 frames of the quiet spans"),
+  EXPECT_NE(text.find("Sensitivity 4 would find 2, but has boxes in 7 frames of the quiet spans"),
             std::string::npos)
       << text;
 }

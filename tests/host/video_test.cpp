@@ -3,15 +3,18 @@
 
 #include <cstdint>
 
-#include "host/failure.h"
-#include "host/ffmpeg_source.h"
-#include "host/video_writer.h"
+#include "host/base/failure.h"
+#include "host/outputs/report/image_bytes.h"
+#include "host/outputs/video_writer.h"
+#include "host/source/ffmpeg_source.h"
 #include "tests/host/clips.h"
 #include "tests/host/program.h"
 
 namespace {
 
-using namespace lm::host;
+using namespace lm::host::base;
+using namespace lm::host::outputs::report;
+using namespace lm::host::source;
 using namespace std::chrono_literals;
 using clips::Times;
 using program::Folder;
@@ -124,7 +127,7 @@ TEST(Video, NamesWhatCannotBeOpened) {
   program::write(folder / "empty", "");
   EXPECT_EQ(failure_of(folder / "none"), (folder / "none") + ": No such file or directory");
   EXPECT_EQ(failure_of(folder / "."), (folder / ".") + ": Is a directory");
-  EXPECT_EQ(failure_of(folder / "text"), (folder / "text") + ": not a video, or one too damaged to be read");
+  EXPECT_EQ(failure_of(folder / "text"), (folder / "text") + ": not a video, or too damaged to read");
   EXPECT_TRUE(failure_of(folder / "empty").starts_with((folder / "empty") + ": "));
 }
 
@@ -140,7 +143,30 @@ TEST(Video, NamesAFileThatHoldsNone) {
                                        number(1, 2) + number(1, 2) + number(8000, 4) + number(16'000, 4) +
                                        number(2, 2) + number(16, 2) + "data" + number(16'000, 4) +
                                        std::string(16'000, '\0'));
-  EXPECT_EQ(failure_of(folder / "a.wav"), (folder / "a.wav") + ": holds no video");
+  EXPECT_EQ(failure_of(folder / "a.wav"), (folder / "a.wav") + ": contains no video");
+}
+
+TEST(Video, ASinglePictureIsRefusedBecauseItCannotMove) {
+  const Folder folder;
+  const cv::Mat image(48, 64, CV_8UC3, cv::Scalar(20, 120, 220));
+  program::write(folder / "a.png", png_bytes(image));
+  program::write(folder / "a.jpg", clips::jpeg(image));
+  program::write(folder / "unnamed", png_bytes(image));
+  for (const char* name : {"a.png", "a.jpg", "unnamed"})
+    EXPECT_EQ(failure_of(folder / name), (folder / name) +
+                                             ": a single picture cannot move; give a video or a picture "
+                                             "sequence such as frame%04d.png");
+}
+
+TEST(Video, PicturesInARowAreAVideo) {
+  const Folder folder;
+  for (int i = 0; i < 3; ++i) {
+    const cv::Mat image(48, 64, CV_8UC3, cv::Scalar::all(i));
+    program::write(folder / ("a" + std::to_string(i) + ".png"), png_bytes(image));
+  }
+  const auto frames = clips::read(folder / "a%d.png");
+  ASSERT_EQ(frames.size(), 3U);
+  for (int i = 0; i < 3; ++i) EXPECT_EQ(frames[std::size_t(i)].image.at<cv::Vec3b>(9, 9)[1], i);
 }
 
 void cut(const std::string& file, double part) {

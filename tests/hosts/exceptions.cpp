@@ -1,5 +1,5 @@
-// A C++ host that knows nothing but the entry points: it catches what they let out by the standard library's
-// types, in every way of loading, and goes on. Its own logging function throws when it is told to.
+// A C++ host that uses only the entry points: it catches their exceptions by the types of the standard
+// library, with every way of loading, and continues. Its own logging function throws on request.
 //
 // usage: exceptions LIBRARY
 #include <cstdarg>

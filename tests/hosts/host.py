@@ -1,11 +1,15 @@
-"""A Python host, with nothing but ctypes: every way of loading, unloading and loading again gives the same results.
+"""A Python host that uses only ctypes: every way of loading, unloading and loading again gives the same results.
 
-usage: host.py LIBRARY
+Every way has a process of its own, because results depend on the state of rand(), which a new detector changes.
+
+usage: host.py LIBRARY          runs itself once per mode and compares the results
+       host.py LIBRARY MODE     prints the results of two detectors; MODE: flags for dlopen
 """
 import _ctypes
 import ctypes
 import json
 import os
+import subprocess
 import sys
 
 WIDTH, HEIGHT = 64, 48
@@ -17,7 +21,7 @@ MODES = [os.RTLD_NOW | os.RTLD_LOCAL, os.RTLD_NOW | os.RTLD_GLOBAL, os.RTLD_NOW 
 
 
 def frame(number):
-    """A bright square that moves over a dark ground."""
+    """A bright square that moves over a dark background."""
     pixels = bytearray([50]) * (WIDTH * HEIGHT)
     for y in range(12, 32):
         left = y * WIDTH + number
@@ -26,12 +30,11 @@ def frame(number):
 
 
 def results(plugin):
-    """The result documents of a life of 20 frames."""
+    """The result documents of a detector that gets 20 frames."""
     plugin.initialization.argtypes = [ctypes.c_char_p]
     plugin.initialization.restype = ctypes.c_bool
     plugin.frameProc.argtypes = [ctypes.c_char_p, ctypes.c_char_p, ctypes.POINTER(ctypes.c_int)]
     documents = []
-    ctypes.CDLL(None).srand(1)
     assert plugin.initialization(DOCUMENT)
     assert not plugin.initialization(DOCUMENT)
     for number in range(20):
@@ -45,16 +48,27 @@ def results(plugin):
     return documents
 
 
+def load_and_unload(path, mode):
+    documents = []
+    for _ in range(2):
+        plugin = ctypes.CDLL(path, mode=mode)
+        documents.append(results(plugin))
+        _ctypes.dlclose(plugin._handle)
+    print(json.dumps(documents))
+
+
 def main(path):
-    seen = []
+    outputs = []
     for mode in MODES:
-        for _ in range(2):
-            plugin = ctypes.CDLL(path, mode=mode)
-            seen.append(results(plugin))
-            _ctypes.dlclose(plugin._handle)
-    assert len(seen[0]) > 10 and all(document["object"] for document in seen[0])
-    assert all(documents == seen[0] for documents in seen)
+        done = subprocess.run([sys.executable, __file__, path, str(mode)], stdout=subprocess.PIPE, check=True)
+        outputs.append(json.loads(done.stdout.splitlines()[-1]))
+    for documents in outputs[0]:
+        assert len(documents) > 10 and all(document["object"] for document in documents)
+    assert all(documents == outputs[0] for documents in outputs)
 
 
 if __name__ == "__main__":
-    main(sys.argv[1])
+    if len(sys.argv) == 3:
+        load_and_unload(sys.argv[1], int(sys.argv[2]))
+    else:
+        main(sys.argv[1])

@@ -37,7 +37,7 @@ void PrintTo(const BoxCase& region, std::ostream* out) { *out << region.name; }
 
 class LabelBox : public ::testing::TestWithParam<BoxCase> {};
 
-// The search starts where raster order meets the first 2.
+// The search starts at the first 2 in raster order.
 TEST_P(LabelBox, HasAMarginOfOnePixelExceptAtTheBorders) {
   Image<std::uint32_t> image(GetParam().picture);
   for (int y = 0; y < image.height; ++y) {
@@ -71,7 +71,7 @@ INSTANTIATE_TEST_SUITE_P(
         BoxCase{"bottomRightCorner", {".....", ".....", "....2"}, box(3, 1, 5, 3)},
         BoxCase{"wholeFrame", {"222", "222"}, box(0, 0, 3, 2)},
         BoxCase{"onePixelFrame", {"2"}, box(0, 0, 1, 1)},
-        // Row 1 and column 2 hold no 2, so what lies beyond belongs to something else.
+        // Row 1 and column 2 hold no 2, so pixels beyond them belong to another component.
         BoxCase{"searchEndsAtTheFirstEmptyRow", {"22....", "......", "22...."}, box(0, 0, 3, 2)},
         BoxCase{"searchEndsAtTheFirstEmptyColumn", {"22.22.", "22.22.", "......"}, box(0, 0, 3, 3)}),
     byName);

@@ -93,7 +93,7 @@ TEST(Extract, WholeBlocksOutsideTheRegionsAreNotPruned) {
   EXPECT_EQ(scene.extract(), Boxes{box(19, 9, 7, 7)});
 }
 
-// 441 pixels: the last 9 lie behind the last whole block of 16 and of 32 alike. They are tested against the
+// 441 pixels: the last 9 are after the last whole block of 16 and of 32 alike. They are tested against the
 // region mask's first bytes, not against their own.
 TEST(Extract, TailIsPrunedByTheStartOfTheRegionMask) {
   Scene scene(21, 21);

@@ -1,4 +1,4 @@
-// Everything that extraction leaves behind, against plain operations, over frames that follow each other.
+// The state after extraction, compared with plain operations, over successive frames.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -13,7 +13,7 @@ namespace {
 
 using Labels = std::vector<std::uint32_t>;
 
-// What one frame is turned into by the operations that extraction consists of, called one by one.
+// The result for one frame of the operations that extraction consists of, called one by one.
 struct Traces {
   Bytes mask;
   std::vector<int> last;
@@ -104,7 +104,7 @@ TEST_P(ExtractionOnWords, PrunedPixelsAreInNoLabelMap) {
   }
 }
 
-// A square moves; behind it labels have to go, block by block.
+// A square moves; the labels it leaves must be cleared, block by block.
 TEST_P(ExtractionOnWords, MovingRegionLeavesNoLabelsBehind) {
   Extraction engine(GetParam(), 37);
   for (int step = 0; step + 8 <= GetParam(); step += 7) {

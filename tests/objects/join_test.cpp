@@ -1,4 +1,4 @@
-// Joining boxes that lie close together or overlap, and dropping small ones.
+// Joining boxes that are close together or overlap, and dropping small ones.
 #include <gtest/gtest.h>
 
 #include "tests/objects/scene.h"

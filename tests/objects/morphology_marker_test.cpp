@@ -1,5 +1,5 @@
 // The marker-based erosion and dilation. Their markers are ordinary values, so bytes that hold one beforehand
-// are swallowed.
+// change with them.
 #include <gtest/gtest.h>
 
 #include "tests/objects/mask_engine.h"

@@ -181,7 +181,7 @@ INSTANTIATE_TEST_SUITE_P(
     byName);
 
 // A box may reach past the frame. Its indices run on into the next row as they do inside; nothing before the
-// first or behind the last pixel is read.
+// first or after the last pixel is read.
 INSTANTIATE_TEST_SUITE_P(
     RegionNamesPastTheFrame, TouchingSpot,
     ::testing::Values(SpotCase{"rightEdgeRunsOnIntoTheNextRow", box(30, 2, 16, 1), 5, 3, true},

@@ -1,13 +1,17 @@
-// Instructions above the processor's base level stand only in functions whose names say so.
+// Instructions above the base level occur only in kernel versions of their level.
 #include <fnmatch.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <initializer_list>
+#include <map>
 
+#include "simd/versions.h"
 #include "tests/package/shell.h"
 
 namespace {
+
+namespace level = simd::level;
 
 struct Instruction {
   std::string function;
@@ -29,52 +33,63 @@ std::vector<Instruction> disassemble(const std::string& file) {
   return instructions;
 }
 
-// Instructions beyond the base and their levels. Everything that is encoded for AVX and up begins with v;
-// what came with it for general registers follows.
+// Instructions beyond the base and their levels. All instructions in AVX encoding begin with v; those for
+// general registers that came with AVX2 follow.
 constexpr struct {
   int level;
   std::initializer_list<const char*> mnemonics;
 } beyondBase[] = {
-    {8, {"v*", "andn", "bextr", "bls*", "bzhi", "mulx", "pdep", "pext", "rorx", "sarx", "shlx", "shrx"}},
-    {8, {"lzcnt", "movbe", "xsave*", "rd[fg]sbase", "adcx", "adox"}},
-    {6, {"pcmp[ei]str[im]", "pcmpgtq", "crc32*", "popcnt*", "aes*", "pclmul*"}},
-    {5,
+    {level::avx2,
+     {"v*", "andn", "bextr", "bls*", "bzhi", "mulx", "pdep", "pext", "rorx", "sarx", "shlx", "shrx"}},
+    {level::avx2, {"lzcnt", "movbe", "xsave*", "rd[fg]sbase", "adcx", "adox"}},
+    {level::sse42, {"pcmp[ei]str[im]", "pcmpgtq", "crc32*", "popcnt*", "aes*", "pclmul*"}},
+    {level::sse41,
      {"ptest", "pblend*", "blend*", "pminsb", "pmin[su]d", "pminuw", "pmaxsb", "pmax[su]d", "pmaxuw",
       "pmov[sz]x*"}},
-    {5,
+    {level::sse41,
      {"pmulld", "pmuldq", "pinsr[bdq]", "pextr[bdq]", "insertps", "extractps", "round[ps][sd]", "dpp[sd]"}},
-    {5, {"mpsadbw", "phminposuw", "packusdw", "pcmpeqq", "movntdqa"}},
-    {4, {"pshufb", "phadd*", "phsub*", "pabs[bwd]", "pmaddubsw", "pmulhrsw", "psign[bwd]", "palignr"}},
-    {3, {"lddqu", "movddup", "movs[hl]dup", "addsubp[sd]", "haddp[sd]", "hsubp[sd]", "fisttp*"}},
+    {level::sse41, {"mpsadbw", "phminposuw", "packusdw", "pcmpeqq", "movntdqa"}},
+    {level::ssse3,
+     {"pshufb", "phadd*", "phsub*", "pabs[bwd]", "pmaddubsw", "pmulhrsw", "psign[bwd]", "palignr"}},
+    {level::sse3, {"lddqu", "movddup", "movs[hl]dup", "addsubp[sd]", "haddp[sd]", "hsubp[sd]", "fisttp*"}},
 };
+
 int levelOfMnemonic(const std::string& mnemonic) {
-  for (const auto& [level, patterns] : beyondBase) {
+  for (const auto& [needed, patterns] : beyondBase) {
     for (const char* pattern : patterns) {
-      if (fnmatch(pattern, mnemonic.c_str(), 0) == 0) return level;
+      if (fnmatch(pattern, mnemonic.c_str(), 0) == 0) return needed;
     }
   }
   return 0;
 }
 
-// The level that a function's name allows.
-int levelOfName(const std::string& function) {
-  const std::string name = function.substr(0, function.find('('));
-  if (!name.starts_with("simd::") && !name.starts_with("lm::")) return 0;
-  if (name.ends_with("_avx2")) return 8;
-  if (name.ends_with("_sse41")) return 5;
-  return name.ends_with("_ssse3") ? 4 : 0;
+// The highest level that a function may use: its own if it is a kernel version, else 0, the base.
+int levelOfFunction(const std::string& function) {
+  static const std::map<std::string, int> levels = [] {
+    std::map<std::string, int> byName;
+    lm::forEachPublicKernel([&](const char*, const auto& versions) {
+      for (const auto& version : versions) byName[std::string("simd::") + version.name] = version.level;
+    });
+    lm::forEachInternalKernel([&](const char*, const auto& versions) {
+      for (const auto& version : versions) byName[std::string("lm::") + version.name] = version.level;
+    });
+    return byName;
+  }();
+  const auto found = levels.find(function.substr(0, function.find('(')));
+  return found == levels.end() ? 0 : found->second;
 }
 
-TEST(Instructions, AboveTheBaseLevelStandInVersionsOfThatLevelOnly) {
+TEST(Instructions, AboveTheBaseLevelOccurInVersionsOfThatLevelOnly) {
   int highest = 0;
   for (const auto& [function, mnemonic] : disassemble(LIBRARY_FILE)) {
-    const int level = levelOfMnemonic(mnemonic);
-    highest = std::max(highest, level);
-    if (level > 0) {
-      EXPECT_LE(level, levelOfName(function)) << mnemonic << " in " << function;
+    const int needed = levelOfMnemonic(mnemonic);
+    highest = std::max(highest, needed);
+    if (needed > 0) {
+      EXPECT_LE(needed, levelOfFunction(function)) << mnemonic << " in " << function;
     }
   }
-  EXPECT_EQ(highest, 8) << "no instruction of the highest level was seen: is the file disassembled at all?";
+  EXPECT_EQ(highest, level::avx2)
+      << "no instruction of the highest level was seen: is the file disassembled at all?";
 }
 
 }  // namespace

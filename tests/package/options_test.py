@@ -18,7 +18,7 @@ OPTION = re.compile(r"(?<![\w-])--?[a-z][a-z-]*")
 
 def subcommands():
     text = output_of(PROGRAM, "--help")
-    return re.findall(r"^  ([a-z]+) ", text[text.index("\nSubcommands:"):text.index("\nExamples:")], re.MULTILINE)
+    return re.findall(r"^  ([a-z]+) ", text[text.index("\nCommands:"):text.index("\nExamples:")], re.MULTILINE)
 
 
 def options_in_help():

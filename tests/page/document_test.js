@@ -10,7 +10,7 @@ import { framesBecome, inForce, openScene, plainDocument, textOf } from "./suppo
 
 useBrowser();
 
-const inForceAt = async (address) => (await fetch(new URL("/api/document", address))).text();
+const inForceAt = async (address) => (await fetch(new URL("/api/configuration", address))).text();
 
 test("a bad document is refused with its reason, and what is in force stays", async (t) => {
   const { page, server } = await openScene(t);

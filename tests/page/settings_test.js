@@ -9,7 +9,7 @@ useBrowser();
 test("more sensitivity, more boxes: side by side, of the same frames", async (t) => {
   const { page } = await openScene(t, { document: '{"sensitivity": "1"}' });
   await page.click("#compare");
-  await framesBecome(page, "both detectors answer", (frames) => frames.every(({ old }) => old));
+  await framesBecome(page, "both detectors answer", (frames) => frames.every(({ baseline }) => baseline));
   await page.click("#tab-settings");
   await page.focus("#setting-sensitivity");
   await page.keyboard.press("End");
@@ -20,12 +20,13 @@ test("more sensitivity, more boxes: side by side, of the same frames", async (t)
   await framesBecome(
     page,
     "the new settings see more",
-    (frames) => frames.every(({ old }) => old && !left(old.boxes)) && frames.some(({ boxes }) => left(boxes)),
+    (frames) =>
+      frames.every(({ baseline }) => baseline && !left(baseline.boxes)) && frames.some(({ boxes }) => left(boxes)),
     20,
   );
   await page.locator("#old-stage").waitFor();
   await page.click("#compare");
-  await framesBecome(page, "one detector is left", (frames) => frames.every(({ old }) => !old));
+  await framesBecome(page, "one detector is left", (frames) => frames.every(({ baseline }) => !baseline));
   await page.locator("#old-stage").waitFor({ state: "hidden" });
 });
 

@@ -6,9 +6,15 @@
 
 namespace plain {
 
-void Model::seed() {
+bool Model::seed() {
+  const std::size_t n = static_cast<std::size_t>(numPixel);
+  if (curFrame.empty() || bgImg.empty() || nbrCursor.empty() || bgModel.size() != n || nbrIdx.size() != n ||
+      !holdsFrames()) {
+    return false;
+  }
   const std::size_t channels = static_cast<std::size_t>(frmChn);
   const auto copyPixel = [&](std::size_t from, std::array<Byte, 4>& slot) {
+    slot = {};
     for (std::size_t c = 0; c < channels; ++c) slot[c] = curFrame[from * channels + c];
   };
   for (std::size_t i = 0; i < bgModel.size(); ++i) {
@@ -16,6 +22,7 @@ void Model::seed() {
     for (std::size_t slot = 1; slot < 20; ++slot) copyPixel(nextNeighbour(i), bgModel[i][slot]);
     for (std::size_t c = 0; c < channels; ++c) bgImg[i * channels + c] = curFrame[i * channels + c];
   }
+  return true;
 }
 
 // The next of the pixel's neighbours in turn.
@@ -31,6 +38,20 @@ std::size_t Model::nextNeighbour(std::size_t i) {
 
 void Model::difference() {
   const std::size_t n = static_cast<std::size_t>(numPixel);
+  skipFrame = false;
+  const bool fits = wrapMul(szImgX, szImgY) <= numPixel && (prevFrame.empty() || holdsFrames());
+  if (!isSized() || !fits) return;
+  if (prevFrame.empty()) {
+    if (rdDiff.empty()) rdDiff.assign(n, 255);
+  } else {
+    differenceInTurn(n);
+  }
+  if (!prevFgMask.empty()) return;
+  prevFgMask.assign(n, 1);
+  if (fgMask.empty()) fgMask.assign(n, 0);
+}
+
+void Model::differenceInTurn(std::size_t n) {
   const int channel = diffChn < 3 ? diffChn : 0;
   mark(diffChn < 3 ? Branch::differenceOnTurn : Branch::differenceFourthTurn);
   ++diffChn;
@@ -38,28 +59,33 @@ void Model::difference() {
     mark(Branch::differenceTurnWraps);
     diffChn = 0;
   }
-  rdDiff.resize(n);
-  differenceOf(prevFrame, curFrame, rdDiff, channel);
+  if (rdDiff.empty()) rdDiff.assign(n, 0);
+  if (!curFrame.empty()) differenceOf(prevFrame, curFrame, rdDiff, channel);
   if (illumChange) {
-    illumDiff.resize(n);
-    differenceOf(bgImg, curFrame, illumDiff, channel);
+    if (illumDiff.empty()) illumDiff.assign(n, 0);
+    if (!curFrame.empty() && !bgImg.empty()) differenceOf(bgImg, curFrame, illumDiff, channel);
   } else {
     mark(Branch::differenceNoIllumination);
   }
-  if (prevFgMask.empty()) prevFgMask.assign(n, 1);
 }
 
 void Model::differenceOf(const std::vector<Byte>& a, const std::vector<Byte>& b, std::vector<Byte>& out,
                          int channel) const {
-  const std::size_t total = static_cast<std::size_t>(numPixel * frmChn);
+  const std::size_t total = static_cast<std::size_t>(wrapMul(szImgX, szImgY) * frmChn);
   std::size_t p = 0;
   for (std::size_t k = static_cast<std::size_t>(channel); k < total; k += static_cast<std::size_t>(frmChn)) {
     out[p++] = static_cast<Byte>(std::abs(a[k] - b[k]));
   }
 }
 
-void Model::classify() {
-  for (std::size_t i = 0; i < fgMask.size(); ++i) {
+bool Model::canClassify() const {
+  return isSized() && holdsFrames() && !roiMask.empty() && !fgMask.empty() && !prevFgMask.empty() &&
+         !rdDiff.empty() && !curFrame.empty() && !absorbMask.empty() && !fgLife.empty() && !minDist.empty();
+}
+
+bool Model::classify() {
+  if (!canClassify()) return false;
+  for (std::size_t i = 0; i < bgModel.size(); ++i) {
     if (!inside(i)) {
       mark(Branch::pixelOutside);
       fgMask[i] = 0;
@@ -77,6 +103,7 @@ void Model::classify() {
     else
       mark(Branch::ghostOff);
   }
+  return true;
 }
 
 // Foreground that has stayed still for long enough turns into background.
@@ -152,9 +179,16 @@ void Model::accountLife(std::size_t i) {
   }
 }
 
-void Model::update() {
+bool Model::canUpdate() const {
+  return canClassify() && !bgImg.empty() && !updTimer.empty() && !refreshCount.empty() &&
+         !sampleCursor.empty() && !nbrCursor.empty() && nbrIdx.size() == bgModel.size() &&
+         (!illumChange || !illumDiff.empty());
+}
+
+bool Model::update() {
+  if (!canUpdate()) return false;
   float examined = 0, changed = 0;
-  for (std::size_t i = 0; i < fgMask.size(); ++i) {
+  for (std::size_t i = 0; i < bgModel.size(); ++i) {
     if (!inside(i)) continue;
     updTimer[i] = wrapSub(updTimer[i], 1);
     if (ghostSuppression && absorbMask[i] == 255) {
@@ -179,6 +213,7 @@ void Model::update() {
   }
   markIf(examined == 0.0F, Branch::ratioNothingExamined);
   illumRatio = examined > 0.0F ? changed / examined : 0.0F;
+  return true;
 }
 
 // Whether the pixel was written because the light changed.

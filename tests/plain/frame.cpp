@@ -1,4 +1,4 @@
-// One frame: its order, its time, and the buffers that the first one makes.
+// One frame: its order and its time.
 #include <algorithm>
 #include <cstdlib>
 
@@ -11,8 +11,9 @@ std::string Model::frameProc(const Byte* frame, int w, int h, int channels, cons
   setTimestamp(timestamp);
   learnBg(frame, w, h, channels);
   if (frmCount == 0 && fgMask.empty()) return "";  // refused before any frame was accepted
-  boxes = objects(fgMask);
-  return boxes.empty() ? (mark(Branch::resultEmpty), "") : resultText(timestamp);
+  std::vector<Byte> mask = fgMask;
+  boxes = objects(mask);
+  return boxes.empty() ? (mark(Branch::resultEmpty), "") : resultText(timestamp, boxes);
 }
 
 bool Model::setTimestamp(const std::string& text) {
@@ -22,37 +23,44 @@ bool Model::setTimestamp(const std::string& text) {
   return value >= 0;
 }
 
+// Frames may be smaller than the first, and of fewer channels.
+bool Model::canLearn(int pixels) const {
+  return isSized() && pixels <= numPixel && wrapMul(szImgX, szImgY) == numPixel && holdsFrames();
+}
+
 bool Model::learnBg(const Byte* frame, int w, int h, int channels) {
-  if (!preprocess(frame, w, h, channels)) return false;
+  if (preprocess(frame, w, h, channels) == 0) return false;
+  if (frmCount != 0 && !canLearn(w * h)) return false;
   estFrameRate();
   updateLock();
+  bool learned = true;
   if (frmCount == 0) {
     mark(Branch::frameSeeds);
-    sizeBuffers(w, h);
-    seed();
+    if (!initialization(w, h)) return false;
   } else {
     mark(Branch::frameClassified);
     difference();
-    classify();
-    update();
-    prevFgMask = fgMask;
+    learned = classify() && update();
+    std::copy_n(fgMask.begin(), w * h, prevFgMask.begin());
   }
   const std::size_t bytes = static_cast<std::size_t>(w * h * channels);
-  if (prevFrame.empty()) prevFrame.resize(bytes);
+  if (prevFrame.size() < bytes) prevFrame.assign(bytes, 0);
   std::copy_n(curFrame.begin(), bytes, prevFrame.begin());
   frmCount = wrapAdd(frmCount, 1);
-  return true;
+  return learned;
 }
 
-bool Model::preprocess(const Byte* frame, int w, int h, int channels) {
-  const std::size_t bytes = static_cast<std::size_t>(w * h * channels);
-  markIf(!curFrame.empty() && curFrame.size() < bytes, Branch::currentFrameGrows);
-  curFrame.resize(std::max(curFrame.size(), bytes));
-  std::copy_n(frame, bytes, curFrame.begin());
+int Model::preprocess(const Byte* frame, int w, int h, int channels) {
   frmChn = channels;  // stored before it is judged
-  if (channels == 1 || channels == 3 || channels == 4) return true;
+  if (frame != nullptr) {
+    const std::size_t bytes = static_cast<std::size_t>(w * h * channels);
+    markIf(!curFrame.empty() && curFrame.size() < bytes, Branch::currentFrameGrows);
+    curFrame.resize(std::max(curFrame.size(), bytes));
+    std::copy_n(frame, bytes, curFrame.begin());
+  }
+  if (channels == 1 || channels == 3 || channels == 4) return frame != nullptr ? channels : 0;
   mark(frmCount == 0 ? Branch::channelsRefusedFirst : Branch::channelsRefused);
-  return false;
+  return 0;
 }
 
 void Model::estFrameRate() {
@@ -107,14 +115,14 @@ void Model::rateFromClock() {
   lifeStaticFrm = truncated(lifeStatic * frmRate);
 }
 
-void Model::updateLock() {
+int Model::updateLock() {
   if (numPeriodLock < 1) {
     mark(Branch::lockOff);
-    return;
+    return lockSegEnd;
   }
   if (frmCount % numPeriodLock != 0) {
     mark(Branch::lockNotDue);
-    return;
+    return lockSegEnd;
   }
   const int start = wrapAdd(lockSegStart, numSegmentLock);
   const int end = wrapAdd(start, numSegmentLock);
@@ -128,55 +136,7 @@ void Model::updateLock() {
     lockSegStart = 0;
     lockSegEnd = wrapSub(numSegmentLock, 1);
   }
-}
-
-void Model::sizeBuffers(int w, int h) {
-  szImgX = w;
-  szImgY = h;
-  numPixel = w * h;
-  const std::size_t n = static_cast<std::size_t>(numPixel);
-  if (roiMask.empty()) roiMask.resize(n);
-  markIf(roiMask.size() < n, Branch::roiMaskShorterThanFrame);
-  fgMask.resize(n);
-  absorbMask.resize(n);
-  updTimer.resize(n);
-  nbrCursor.resize(n);
-  sampleCursor.resize(n);
-  refreshCount.resize(n);
-  minDist.resize(n, 255);
-  // A frame counter that ran all the way round sizes the engine again: some of it starts afresh, the rest
-  // stays.
-  fgLife.assign(n, 0.0F);
-  bgModel.assign(n, {});
-  bgImg.assign(n * static_cast<std::size_t>(frmChn), 0);
-  nbrIdx.clear();
-  nbr4Idx.clear();
-  for (int dx = -2; dx <= 2; ++dx) {
-    for (int dy = -2; dy <= 2; ++dy) nbrOffset.push_back({dx, dy});
-  }
-  for (int y = 0; y < h; ++y) {
-    for (int x = 0; x < w; ++x) findNeighbours(x, y);
-  }
-  thrConnect = 0.03125F * static_cast<float>(std::max(w, h));
-  minObjWPxl = truncated(static_cast<float>(w) * minObjW);
-  minObjHPxl = truncated(static_cast<float>(h) * minObjH);
-}
-
-void Model::findNeighbours(int x, int y) {
-  const auto indexOf = [&](int column, int row) {
-    const bool in = column >= 0 && column < szImgX && row >= 0 && row < szImgY;
-    return in ? row * szImgX + column : -1;
-  };
-  std::vector<std::int32_t> around;
-  for (std::size_t k = 0; k < static_cast<std::size_t>(numNbr); ++k) {
-    around.push_back(indexOf(x + nbrOffset[k].x, y + nbrOffset[k].y));
-  }
-  for (std::int32_t& entry : around) {
-    // Positions outside the frame become copies of random ones inside.
-    while (entry == -1) entry = around[static_cast<std::size_t>(std::rand() % numNbr)];
-  }
-  nbrIdx.push_back(around);
-  nbr4Idx.push_back({indexOf(x, y - 1), indexOf(x + 1, y), indexOf(x, y + 1), indexOf(x - 1, y)});
+  return lockSegEnd;
 }
 
 }  // namespace plain

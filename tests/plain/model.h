@@ -27,7 +27,7 @@ struct Vertex {
 struct Region {
   std::string name;
   std::vector<Vertex> points;
-  std::vector<Byte> mask;
+  std::vector<Byte> mask = {};
 };
 
 // A region as the document has it: vertices as fractions of the frame size, written out.
@@ -43,7 +43,6 @@ struct Box {
 struct Component {
   std::uint32_t label;
   int count, first;
-  int left, top, right, bottom;
 };
 
 struct FourNeighbours {
@@ -63,13 +62,31 @@ class Model {
   // One frame as the detector takes it: returns the result text, empty without boxes; `boxes` holds them.
   std::string frameProc(const Byte* frame, int w, int h, int channels, const std::string& timestamp);
 
-  // ---- single steps, for tests that call them out of order
-  // -------------------------------------------------------
-  void classify();
+  // ---- the engine's single operations. One that lacks what it works on returns false, 0 or nothing.
+  // ---------------------
+  bool initialization(int w, int h);
+  bool initBuffer();
+  void destroyBuffer();
+  bool setTimestamp(const std::string& text);
+  bool learnBg(const Byte* frame, int w, int h, int channels);  // null: no frame
+  int preprocess(const Byte* frame, int w, int h, int channels);
+  void estFrameRate();
+  int updateLock();
+  bool seed();
+  void difference();
+  bool classify();
+  bool update();
+  std::vector<Box> objects(std::vector<Byte>& mask);
+  std::vector<Component> label(std::vector<std::uint32_t>& labels, Byte value);
+  // `marked`: bytes that held the marker before the call are turned as well.
+  int dilate(std::vector<Byte>& mask, Byte set, Byte relabel, int passes, bool marked);
+  int erode(std::vector<Byte>& mask, Byte set, Byte cleared, int passes, bool marked);
+  void parameterLine(const std::string& line);  // of the parameter file
+  std::string resultText(const std::string& timestamp, const std::vector<Box>& list);
 
   // ---- state, named as in the engine
   // -----------------------------------------------------------------------------
-  bool illumChange = true, ghostSuppression = true, autoSensitivity = false;
+  bool illumChange = true, ghostSuppression = true, autoSensitivity = false, skipFrame = false;
   std::int32_t frmChn = 0, diffChn = 0, numPixel = 0, szImgX = 0, szImgY = 0, numNbr = 25;
   std::int32_t thrMatch = 20, minMatchNum = 2, thrIllum = 5, thrHeuris = 10;
   std::int32_t lifeStaticFrm = 160, lifeStatic = 3;
@@ -84,6 +101,7 @@ class Model {
   std::vector<Byte> fgMask, prevFgMask, bgImg, curFrame, prevFrame, illumDiff, rdDiff, absorbMask, roiMask;
   std::vector<std::int32_t> updTimer;
   std::vector<std::uint32_t> minDist, labelMap, nbrCursor, sampleCursor, refreshCount;
+  std::vector<std::vector<std::uint32_t>> labelRows;
   std::vector<float> fgLife;
   std::vector<Samples> bgModel;
   std::vector<std::vector<std::int32_t>> nbrIdx;
@@ -105,36 +123,37 @@ class Model {
   bool setSensitivity(int value);
   bool setAdaptation(int value);
   // frame.cpp
-  bool setTimestamp(const std::string& text);
-  bool learnBg(const Byte* frame, int w, int h, int channels);
-  bool preprocess(const Byte* frame, int w, int h, int channels);
-  void estFrameRate();
+  bool canLearn(int pixels) const;
   void rateFromTimestamps();
   void rateFromClock();
-  void updateLock();
-  void sizeBuffers(int w, int h);
+  // buffers.cpp
+  bool isSized() const { return numPixel >= 1 && bgModel.size() == static_cast<std::size_t>(numPixel); }
+  bool holdsFrames() const;
+  void makePlanes(std::size_t n);
+  void releasePlanes();
   void findNeighbours(int x, int y);
   // background.cpp
-  void seed();
-  void difference();
+  bool canClassify() const;
+  bool canUpdate() const;
+  void differenceInTurn(std::size_t n);
   void differenceOf(const std::vector<Byte>& a, const std::vector<Byte>& b, std::vector<Byte>& out,
                     int channel) const;
   bool absorbs(std::size_t i);
   bool matchesModel(std::size_t i);
   int matchDistance(std::size_t i, const std::array<Byte, 4>& sample);
   void accountLife(std::size_t i);
-  void update();
   bool followIllumination(std::size_t i);
   void refresh(std::size_t i);
   void writeSample(std::size_t i);
   std::size_t nextNeighbour(std::size_t i);
   bool inside(std::size_t i) const { return i < roiMask.size() && roiMask[i] != 0; }
   // objects.cpp
-  std::vector<Box> objects(std::vector<Byte> mask);
-  void erode(std::vector<Byte>& mask);
+  bool canExtract() const;
   void prune(std::vector<Byte>& mask);
-  std::vector<Component> label();
+  void fillLabels(const std::vector<Byte>& mask);
   Box boxOf(const Component& component);
+  // morphology.cpp
+  bool anyNeighbour(std::size_t pixel, const std::function<bool(std::size_t)>& test) const;
   // joining.cpp
   float gap(const Box& a, const Box& b);
   bool near(const Box& a, const Box& b);
@@ -145,7 +164,6 @@ class Model {
   void adaptToSmall(const std::vector<Vertex>& small);
   // result.cpp
   std::string number(float value);
-  std::string resultText(const std::string& timestamp);
 
   void mark(Branch branch) { ++taken[static_cast<std::size_t>(branch)]; }
   void markIf(bool condition, Branch branch) {
@@ -153,6 +171,7 @@ class Model {
   }
 
   int level_;
+  std::int32_t planePixels_ = 0;  // pixels that the planes were made for
 };
 
 // 32-bit arithmetic as the engine's: wrapping sums, products and differences; what does not fit an int

@@ -1,19 +1,30 @@
-// From the foreground mask to boxes: erosion, pruning, components and their boxes.
+// From the foreground mask to boxes: pruning, and the boxes of components.
 #include <algorithm>
 
 #include "tests/plain/model.h"
 
 namespace plain {
 
-std::vector<Box> Model::objects(std::vector<Byte> mask) {
-  for (Byte& byte : mask) byte = byte == 255 ? 1 : byte;
-  erode(mask);
+bool Model::canExtract() const {
+  const bool rowsFit = labelRows.empty() || labelRows.size() == static_cast<std::size_t>(szImgY);
+  return szImgX >= 1 && numPixel >= 1 && wrapMul(szImgX, szImgY) == numPixel && rowsFit && !roiMask.empty() &&
+         nbr4Idx.size() == static_cast<std::size_t>(numPixel);
+}
+
+std::vector<Box> Model::objects(std::vector<Byte>& mask) {
+  if (!canExtract()) return {};
+  dilate(mask, 255, 1, 2, false);
+  erode(mask, 1, 0, 3, false);
   prune(mask);
-  labelMap.assign(mask.begin(), mask.end());
+  fillLabels(mask);
+  const std::vector<Component> components = label(labelMap, 1);
+  for (int y = 0; y < szImgY; ++y) {
+    std::copy_n(labelMap.begin() + y * szImgX, szImgX, labelRows[static_cast<std::size_t>(y)].begin());
+  }
 
   std::vector<Box> found;
   std::vector<Vertex> small;
-  for (const Component& component : label()) {
+  for (const Component& component : components) {
     markIf(component.count == thrCcPxl2, Branch::componentAtBound);
     if (component.count >= thrCcPxl2) {
       mark(Branch::componentLarge);
@@ -46,24 +57,11 @@ std::vector<Box> Model::objects(std::vector<Byte> mask) {
   return found;
 }
 
-// Three layers off every region where it borders background; the frame edge does not count as background.
-void Model::erode(std::vector<Byte>& mask) {
-  for (int pass = 0; pass < 3; ++pass) {
-    const std::vector<Byte> before = mask;
-    const auto cleared = [&](int x, int y) {
-      const bool in = x >= 0 && x < szImgX && y >= 0 && y < szImgY;
-      return in && before[static_cast<std::size_t>(y * szImgX + x)] == 0;
-    };
-    for (int y = 0; y < szImgY; ++y) {
-      for (int x = 0; x < szImgX; ++x) {
-        Byte& byte = mask[static_cast<std::size_t>(y * szImgX + x)];
-        if (byte != 1) continue;
-        if (!cleared(x - 1, y) && !cleared(x + 1, y) && !cleared(x, y - 1) && !cleared(x, y + 1)) continue;
-        mark(Branch::pixelEroded);
-        byte = 0;
-      }
-    }
-  }
+void Model::fillLabels(const std::vector<Byte>& mask) {
+  if (labelMap.empty()) labelMap.resize(mask.size());
+  std::copy(mask.begin(), mask.end(), labelMap.begin());
+  const std::vector<std::uint32_t> row(static_cast<std::size_t>(szImgX));
+  if (labelRows.empty()) labelRows.assign(static_cast<std::size_t>(szImgY), row);
 }
 
 // The vector kernels leave whole blocks alone and judge the rest by the first entries of the region mask;
@@ -80,54 +78,40 @@ void Model::prune(std::vector<Byte>& mask) {
   }
 }
 
-// 4-connected regions of 1 in labelMap, in the order of their first pixels.
-std::vector<Component> Model::label() {
-  std::vector<Component> components;
-  for (int start = 0; start < numPixel; ++start) {
-    if (labelMap[static_cast<std::size_t>(start)] != 1) continue;
-    const std::uint32_t number = static_cast<std::uint32_t>(components.size()) + 2;
-    Component component{number, 0, start, szImgX, szImgY, -1, -1};
-    std::vector<Vertex> open;
-    const auto visit = [&](int x, int y) {
-      if (x < 0 || x >= szImgX || y < 0 || y >= szImgY) return;
-      std::uint32_t& pixel = labelMap[static_cast<std::size_t>(y * szImgX + x)];
-      if (pixel != 1) return;
-      pixel = number;
-      open.push_back({x, y});
-    };
-    visit(start % szImgX, start / szImgX);
-    while (!open.empty()) {
-      const Vertex at = open.back();
-      open.pop_back();
-      ++component.count;
-      component.left = std::min(component.left, at.x);
-      component.right = std::max(component.right, at.x);
-      component.top = std::min(component.top, at.y);
-      component.bottom = std::max(component.bottom, at.y);
-      visit(at.x, at.y - 1);
-      visit(at.x + 1, at.y);
-      visit(at.x, at.y + 1);
-      visit(at.x - 1, at.y);
-    }
-    components.push_back(component);
-  }
-  return components;
-}
-
-// One pixel of margin all round. At the left and top border there is none; a component at the right or bottom
-// border gets the whole frame's width or height.
+// The first empty row or column in every direction from the component's first pixel: one pixel of margin all
+// round. At the left and top border there is none; where none is found to the right or below, the box gets
+// the whole frame's width or height.
 Box Model::boxOf(const Component& component) {
-  const bool atLeft = component.left == 0, atTop = component.top == 0;
-  const bool atRight = component.right == szImgX - 1, atBottom = component.bottom == szImgY - 1;
+  const auto holds = [&](int x, int y) {
+    return labelRows[static_cast<std::size_t>(y)][static_cast<std::size_t>(x)] == component.label;
+  };
+  const auto emptyRow = [&](int y) {
+    for (int x = 0; x < szImgX; ++x) {
+      if (holds(x, y)) return false;
+    }
+    return true;
+  };
+  const auto emptyColumn = [&](int x) {
+    for (int y = 0; y < szImgY; ++y) {
+      if (holds(x, y)) return false;
+    }
+    return true;
+  };
+  const int x0 = component.first % szImgX, y0 = component.first / szImgX;
+  int top = y0, left = x0, bottom = y0, right = x0;
+  while (top >= 0 && !emptyRow(top)) --top;
+  while (left >= 0 && !emptyColumn(left)) --left;
+  while (bottom < szImgY && !emptyRow(bottom)) ++bottom;
+  while (right < szImgX && !emptyColumn(right)) ++right;
+  const bool atLeft = left < 0, atTop = top < 0, atRight = right == szImgX, atBottom = bottom == szImgY;
   markIf(atLeft, Branch::boxAtLeft);
   markIf(atTop, Branch::boxAtTop);
   markIf(atRight, Branch::boxAtRight);
   markIf(atBottom, Branch::boxAtBottom);
   markIf(!atLeft && !atTop && !atRight && !atBottom, Branch::boxInside);
-  const int x = atLeft ? 0 : component.left - 1;
-  const int y = atTop ? 0 : component.top - 1;
-  const int width = atRight ? szImgX : component.right + 1 - x + 1;
-  const int height = atBottom ? szImgY : component.bottom + 1 - y + 1;
+  const int x = std::max(left, 0), y = std::max(top, 0);
+  const int width = atRight ? szImgX : right - x + 1;
+  const int height = atBottom ? szImgY : bottom - y + 1;
   return {static_cast<float>(x), static_cast<float>(y), static_cast<float>(width),
           static_cast<float>(height)};
 }

@@ -16,15 +16,16 @@ std::string Model::number(float value) {
   return whole ? text + ".0" : text;
 }
 
-std::string Model::resultText(const std::string& timestamp) {
-  mark(boxes.size() == 1 ? Branch::resultOneBox : Branch::resultSeveralBoxes);
-  std::string list;
-  for (const Box& box : boxes) {
-    if (!list.empty()) list += ',';
-    list += "{\"height\":" + number(box.height) + ",\"inRoi\":[],\"width\":" + number(box.width) +
+std::string Model::resultText(const std::string& timestamp, const std::vector<Box>& list) {
+  mark(list.size() == 1 ? Branch::resultOneBox : Branch::resultSeveralBoxes);
+  std::string text;
+  for (const Box& box : list) {
+    if (!text.empty()) text += ',';
+    text += "{\"height\":" + number(box.height) + ",\"inRoi\":[],\"width\":" + number(box.width) +
             ",\"x\":" + number(box.x) + ",\"y\":" + number(box.y) + "}";
   }
-  return "{\"object\":[" + list + "],\"timestamp\":\"" + timestamp + "\"}\n";
+  const std::string objects = list.empty() ? "null" : '[' + text + ']';
+  return "{\"object\":" + objects + ",\"timestamp\":\"" + timestamp + "\"}\n";
 }
 
 }  // namespace plain

@@ -1,4 +1,5 @@
 // Parameter entries and regions.
+#include <algorithm>
 #include <sstream>
 #include <string>
 
@@ -46,9 +47,12 @@ bool isInside(const std::vector<Vertex>& points, int x, int y) {
 }
 
 void rasterise(Region& region, int w, int h) {
-  region.mask.clear();
+  // A mask that a region brings along is drawn over.
+  const int n = wrapMul(w, h);
+  region.mask.resize(std::max(region.mask.size(), n > 0 ? static_cast<std::size_t>(n) : 0));
+  std::size_t pixel = 0;
   for (int y = 0; y < h; ++y) {
-    for (int x = 0; x < w; ++x) region.mask.push_back(isInside(region.points, x, y) ? 1 : 0);
+    for (int x = 0; x < w; ++x) region.mask[pixel++] = isInside(region.points, x, y) ? 1 : 0;
   }
 }
 
@@ -91,10 +95,12 @@ std::vector<bool> Model::setParam(const std::vector<std::string>& entries, const
   }
 
   const int n = wrapMul(szImgX, szImgY);
-  roiMask.assign(n > 0 ? static_cast<std::size_t>(n) : 0, 0);
+  const std::size_t drawn = n > 0 ? static_cast<std::size_t>(n) : 0;
+  roiMask.resize(std::max(roiMask.size(), drawn));
+  std::fill_n(roiMask.begin(), drawn, Byte{0});
   for (Region& region : roiInclude) rasterise(region, szImgX, szImgY);
   for (Region& region : roiExclude) rasterise(region, szImgX, szImgY);
-  for (std::size_t i = 0; i < roiMask.size(); ++i) {
+  for (std::size_t i = 0; i < drawn; ++i) {
     for (const Region& region : roiInclude) {
       if (region.mask[i] != 0) roiMask[i] = 1;
     }
@@ -105,6 +111,20 @@ std::vector<bool> Model::setParam(const std::vector<std::string>& entries, const
     }
   }
   return accepted;
+}
+
+void Model::parameterLine(const std::string& line) {
+  std::istringstream text(line);
+  std::string key;
+  float value = -1.0F;
+  text >> key >> value;
+  if (key == "thrMatch") thrMatch = truncated(value);
+  if (key == "thrHeuris") thrHeuris = truncated(value);
+  if (key == "thrIllum") thrIllum = truncated(value);
+  if (key == "minObjW") minObjW = value;
+  if (key == "minObjH") minObjH = value;
+  if (key == "thrCcPxl") thrCcPxl = thrCcPxl2 = truncated(value);
+  if (key == "thrConnect") thrConnect = value;
 }
 
 bool Model::apply(const std::string& key, const std::string& value) {

@@ -1,5 +1,5 @@
-// Every single allocation of a detector's life fails once. Nothing crashes, nothing leaks, and the detector
-// goes on where it can.
+// Every allocation between initialization and terminate fails once. Nothing crashes, nothing leaks, and the
+// detector continues where it can.
 #include <gtest/gtest.h>
 
 #include <array>
@@ -40,9 +40,9 @@ void PrintTo(const Scene& scene, std::ostream* out) { *out << scene.name; }
 
 class FailingAllocations : public ::testing::TestWithParam<Scene> {
  protected:
-  // A bar as high as the frame. While allocations fail it moves between two places, so the model is seeded
-  // with it at one of these; afterwards it stands at a third, where it is foreground. Eight columns wide, it
-  // keeps five after the erosion, which the frame's own edge does not take part in: 80 pixels.
+  // A bar as high as the frame. While allocations fail it moves between two positions, so the model is seeded
+  // with it at one of these; afterwards it is at a third, where it is foreground. Of its eight columns five
+  // remain after erosion, which does not apply at the frame's edge: 80 pixels.
   FailingAllocations() {
     for (int i = 0; i < numFrames; ++i) {
       const int place = i < numFailing ? i % 2 : 2;
@@ -50,8 +50,8 @@ class FailingAllocations : public ::testing::TestWithParam<Scene> {
     }
   }
 
-  // A detector's life in which request number `failAt` is refused, unless it comes after the third frame.
-  // Nothing in here allocates but the library and the host's log.
+  // From initialization to terminate, with allocation number `failAt` failing unless it is after the third
+  // frame. Only the library and the host's log allocate here.
   Life live(std::uint64_t failAt) {
     Life life;
     FailingAlloc alloc(failAt);

@@ -74,7 +74,7 @@ TEST(Detector, AnEntryWithAnEmptyValueTakesTheValueOfTheEntryBefore) {
   EXPECT_EQ(detector.engine->minObjH, 1.0F);
 }
 
-// A field that no configuration writes tells an engine from a new one.
+// A field that no configuration writes distinguishes an engine from a new one.
 constexpr std::int32_t marked = 77;
 
 TEST(Detector, InitKeepsAnEngineThatExists) {

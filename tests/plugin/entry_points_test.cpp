@@ -164,7 +164,7 @@ TEST_F(EntryPoints, AfterTerminateANewInitializationStartsOver) {
   ::terminate();
   ASSERT_TRUE(start());
   EXPECT_EQ(result(), "");
-  // The block belongs to the first frame that the new detector sees, so it is background.
+  // The block is in the first frame of the new detector, so it is background.
   EXPECT_EQ(feed({block}, "1000"), 0);
   EXPECT_EQ(feed({block}, "1040"), 0);
 }
@@ -253,7 +253,7 @@ INSTANTIATE_TEST_SUITE_P(
                     "std::out_of_range: stof"}),
     byName);
 
-// JSON of the wrong kind: jsoncpp's own exception arrives, whatever its text.
+// JSON of the wrong type: jsoncpp's own exception reaches the host, whatever its text.
 struct WrongKind {
   const char* name;
   std::string document;

@@ -1,4 +1,4 @@
-// What the detector makes of frames.
+// Frames and their results.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -31,7 +31,7 @@ class Frames : public ::testing::Test {
     ASSERT_TRUE(detector_.init(documentFor(size, more, regions).c_str()));
   }
 
-  // Hands a frame over and returns the reported length, which must be that of the text for the host.
+  // Passes a frame and returns the reported length, which must be that of the text for the host.
   int feed(const std::vector<Rect>& objects, const char* timestamp = "1000") {
     int length = -77;
     EXPECT_EQ(detector_.frameProc(frameWith(size_, objects).data(), timestamp, &length), 1);
@@ -130,6 +130,33 @@ TEST_F(Frames, ObjectsInsideAnExcludedRegionAreNotReported) {
   feed({});
   EXPECT_EQ(feed({block}), 0);
 }
+
+// ---- static life --------------------------------------------------------------------------------
+
+// Frames in which an object that appears and stays still has a box, at 25 frames per second.
+class StillObject : public Frames {
+ protected:
+  int framesWithBoxes(const std::string& setting) {
+    start(smallGrey, setting);
+    int frames = 0;
+    for (int number = 0; number < 200; ++number) {
+      const std::string timestamp = std::to_string(1 + 40 * number);
+      if (feed(number == 0 ? std::vector<Rect>{} : std::vector{block}, timestamp.c_str()) > 0) ++frames;
+    }
+    return frames;
+  }
+};
+
+// Its life is 0 in the first frame, because it changed, and gains 1 in each further one. Frames are
+// foreground until life exceeds 3 s x 25 = 75: 1 + 76 frames.
+TEST_F(StillObject, StaysFor3SecondsByDefault) { EXPECT_EQ(framesWithBoxes(""), 77); }
+TEST_F(StillObject, StaysAsByDefaultWhenAPositiveLifeIsRefused) {
+  EXPECT_EQ(framesWithBoxes(R"(,"lifeStatic":"1")"), 77);
+}
+TEST_F(StillObject, IsBackgroundAsSoonAsItIsStillWithALifeOf0) {
+  EXPECT_EQ(framesWithBoxes(R"(,"lifeStatic":"0")"), 2);
+}
+TEST_F(StillObject, IsNeverFoundWithANegativeLife) { EXPECT_EQ(framesWithBoxes(R"(,"lifeStatic":"-1")"), 0); }
 
 // ---- the mask copy ------------------------------------------------------------------------------
 

@@ -1,7 +1,6 @@
-// Calls every kernel once and prints the processor's level and the versions that were chosen.
+// Calls every public kernel once, then prints the processor's level and the versions in use.
 #include <cstdio>
 
-#include "simd/kernels.h"
 #include "tests/simd/versions.h"
 
 int main() {
@@ -12,10 +11,9 @@ int main() {
   simd::pruneFgByRoi(bytes, bytes, 64);
   simd::isMatchVal_bgr32(bytes, bytes, 0);
   simd::isTouch({0, 0, 16, 1}, bytes, bytes, 16, 1);
-  std::printf("level %d: %s %s %s %s %s\n", GetCpuInstructionSet(),
-              nameOf(lm::kernels.replace, replaceVersions).c_str(),
-              nameOf(lm::kernels.genRdDiff, genRdDiffVersions).c_str(),
-              nameOf(lm::kernels.prune, pruneVersions).c_str(),
-              nameOf(lm::kernels.match, matchVersions).c_str(),
-              nameOf(lm::kernels.touch, touchVersions).c_str());
+  std::printf("level %d:", GetCpuInstructionSet());
+  for (const auto& names : {namesOf(lm::kernels), namesOf(lm::modelKernels()), namesOf(lm::maskKernels())}) {
+    for (const std::string& name : names) std::printf(" %s", name.c_str());
+  }
+  std::printf("\n");
 }

@@ -1,7 +1,7 @@
 /* Prints the result documents of a few scenes: the same bytes on every processor.
- * Sizes whose pixel count is no multiple of 32 have a region that covers the whole frame: where the region
- * ends inside a frame, the pruning of the last pixels depends on the block that the processor's version works
- * on. */
+ * Frames whose pixel count is not a multiple of 32 have a region that covers the whole frame: the versions of
+ * region pruning work in blocks of 16 or 32, so with other regions the last pixels may differ between levels.
+ */
 #include <stdlib.h>
 
 #include "tests/package/moving_scene.h"

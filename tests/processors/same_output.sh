@@ -1,6 +1,6 @@
 #!/bin/sh
 # usage: same_output.sh EMULATOR... -- PROGRAM ARGUMENT...
-# Runs the program natively and under the emulator: both have to succeed and to write the same bytes.
+# Runs the program natively and under the emulator: both must succeed and write the same bytes.
 set -eu
 
 emulator=
@@ -13,6 +13,6 @@ shift
 outputs=$(mktemp -d)
 trap 'rm -rf "$outputs"' EXIT
 "$@" >"$outputs/native"
-# shellcheck disable=SC2086 -- the emulator's words
+# shellcheck disable=SC2086 -- split into words
 $emulator "$@" >"$outputs/emulated"
 cmp "$outputs/native" "$outputs/emulated"

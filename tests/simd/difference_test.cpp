@@ -2,21 +2,22 @@
 
 #include <cstdlib>
 
+#include "tests/simd/expected.h"
 #include "tests/simd/sweep.h"
 
 namespace {
 
 class Difference : public VersionTest<simd::GenRdDiffFn> {};
-INSTANTIATE_TEST_SUITE_P(EveryVersion, Difference, ::testing::ValuesIn(genRdDiffVersions), VersionName());
+INSTANTIATE_TEST_SUITE_P(EveryVersion, Difference, ::testing::ValuesIn(lm::genRdDiffVersions), VersionName());
 
 // Two images and room for the difference of one of their channels.
 class Images {
  public:
   explicit Images(std::size_t bytes) : a_(bytes), b_(bytes), out_(bytes) {}
 
-  // Runs `version` on images of `total` bytes laid out as `at` says: empty when it did what its model does
-  // and nothing else, else what went wrong.
-  std::string check(const Version<simd::GenRdDiffFn>& version, const Placement& at, std::size_t total,
+  // Runs `version` on images of `total` bytes placed as in `at`. Empty if it did what the plain
+  // implementation does and nothing else, else the first difference.
+  std::string check(const lm::Version<simd::GenRdDiffFn>& version, const Placement& at, std::size_t total,
                     int width, int height, int channels, int channel, Filler& fill) {
     const auto first = static_cast<std::size_t>(channel);
     const auto step = static_cast<std::size_t>(channels);
@@ -29,7 +30,7 @@ class Images {
     const auto a = copyOf(a_);
     const auto b = copyOf(b_);
     auto model = copyOf(out_);
-    version.expected(a.data(), b.data(), model.data(), width, height, channels, channel);
+    expected::genRdDiff(a.data(), b.data(), model.data(), width, height, channels, channel);
     version.function(a_.begin(), b_.begin(), out_.begin(), width, height, channels, channel);
     if (const auto wrong = mismatch(out_, model); !wrong.empty()) return "out: " + wrong;
     if (!(mismatch(a_, a) + mismatch(b_, b)).empty()) return "an input image was changed";
@@ -48,7 +49,7 @@ TEST_P(Difference, EqualsItsModelForEveryChannelAtEveryLengthAndOffset) {
   Filler allValues;
   forEveryPlacement([&](const Placement& at) {
     for (int channels = 1; channels <= 5; ++channels) {
-      for (int channel = 0; channel <= channels; ++channel) {  // the last one lies beyond the pixel
+      for (int channel = 0; channel <= channels; ++channel) {  // the last one is past the pixel
         Filler& fill = (at.length + at.offset) % 2 == 0 ? fewValues : allValues;
         ASSERT_EQ(images.check(GetParam(), at, at.length * static_cast<std::size_t>(channels),
                                static_cast<int>(at.length), 1, channels, channel, fill),
@@ -87,7 +88,7 @@ TEST_P(Difference, IsTheAbsoluteDifferenceOfEveryPairOfBytes) {
   }
 }
 
-// One block of 16 pixels and one pixel that is left over.
+// One block of 16 pixels and a remainder of one.
 TEST_P(Difference, ThreeChannelFrameOfSeventeenPixelsForEachChannel) {
   std::vector<std::uint8_t> a(51), b(51, 100);
   for (std::uint8_t i = 0; i < 51; ++i) a[i] = 5 * i;
@@ -101,7 +102,7 @@ TEST_P(Difference, ThreeChannelFrameOfSeventeenPixelsForEachChannel) {
   }
 }
 
-TEST_P(Difference, FourChannelFrameGivesOneByteAPixelOfTheThirdChannel) {
+TEST_P(Difference, FourChannelFrameGivesOneBytePerPixelOfTheThirdChannel) {
   std::vector<std::uint8_t> a(72), b(a.size());  // 6 x 3 pixels of 4 bytes
   for (std::size_t i = 0; i < a.size(); ++i) a[i] = static_cast<std::uint8_t>(i % 4 == 2 ? i : 255);
   std::vector<std::uint8_t> out(6 * 3 + 1, 0xEE);

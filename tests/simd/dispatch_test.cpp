@@ -1,23 +1,15 @@
-
 #include <gmock/gmock.h>
 
-#include "simd/kernels.h"
 #include "tests/simd/versions.h"
 
 namespace {
 
-// Gives every test the state in which the library is loaded.
+// Gives every test the state of a library that was just loaded.
 class Dispatch : public ::testing::Test {
  protected:
   void SetUp() override { lm::kernels = {}; }
   void TearDown() override { lm::kernels = {}; }
 };
-
-std::vector<std::string> namesOf(const lm::Kernels& kernels) {
-  return {nameOf(kernels.replace, replaceVersions), nameOf(kernels.genRdDiff, genRdDiffVersions),
-          nameOf(kernels.prune, pruneVersions), nameOf(kernels.match, matchVersions),
-          nameOf(kernels.touch, touchVersions)};
-}
 
 TEST(KernelsFor, EveryLevelHasItsVersions) {
   using Names = std::vector<std::string>;
@@ -35,21 +27,30 @@ TEST(KernelsFor, EveryLevelHasItsVersions) {
     EXPECT_EQ(namesOf(lm::kernelsFor(level)), expected[level]) << level;
 }
 
-TEST(KernelsFor, NoVersionIsChosenBelowItsLevel) {
-  const auto check = [](auto chosen, const auto& versions, int level) {
-    for (const auto& version : versions) {
-      if (version.function == chosen) {
-        EXPECT_LE(version.level, level) << version;
-      }
-    }
-  };
+TEST(KernelsFor, InternalKernelsUseAvx2AtTheHighestLevelOnly) {
+  using Names = std::vector<std::string>;
   for (int level = 0; level <= 8; ++level) {
-    const lm::Kernels kernels = lm::kernelsFor(level);
-    check(kernels.replace, replaceVersions, level);
-    check(kernels.genRdDiff, genRdDiffVersions, level);
-    check(kernels.prune, pruneVersions, level);
-    check(kernels.match, matchVersions, level);
-    check(kernels.touch, touchVersions, level);
+    const std::string suffix = level == 8 ? "_avx2" : "_c";
+    EXPECT_EQ(namesOf(lm::modelKernelsFor(level)),
+              Names({"takeFrame" + suffix, "findBusy" + suffix, "settleBlock" + suffix, "matchBlock" + suffix,
+                     "findUpdateWork" + suffix}))
+        << level;
+    EXPECT_EQ(namesOf(lm::maskKernelsFor(level)), Names({"packRow" + suffix, "unpackRow" + suffix})) << level;
+  }
+}
+
+TEST(KernelsFor, InternalKernelsAreThoseOfTheProcessor) {
+  const int level = GetCpuInstructionSet();
+  EXPECT_EQ(namesOf(lm::modelKernels()), namesOf(lm::modelKernelsFor(level)));
+  EXPECT_EQ(namesOf(lm::maskKernels()), namesOf(lm::maskKernelsFor(level)));
+}
+
+TEST(KernelsFor, NoVersionIsChosenBelowItsLevel) {
+  for (int level = 0; level <= 8; ++level) {
+    lm::forEachKernel([&](const char*, const auto& versions) {
+      const auto& chosen = lm::versionFor(level, versions);
+      EXPECT_LE(chosen.level, level) << chosen;
+    });
   }
 }
 
@@ -110,7 +111,7 @@ TEST_F(Dispatch, ACallChoosesItsOwnKernelOnly) {
   EXPECT_EQ(namesOf(lm::kernels), std::vector<std::string>(5, "?"));
 }
 
-// A call that chose before goes straight to the version: the choice is not repeated.
+// After the first call the entry point calls the version directly: the choice is not repeated.
 TEST_F(Dispatch, LaterCallsForwardTheirArgumentsUnchanged) {
   static std::vector<std::intptr_t> seen;
   static std::uint8_t a, b, c;

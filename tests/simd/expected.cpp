@@ -3,31 +3,6 @@
 #include <algorithm>
 #include <cstdlib>
 
-namespace {
-
-void pruneBlocks(std::uint8_t* mask, const std::uint8_t* roi, int count, int block) {
-  const int whole = count / block * block;
-  for (int i = 0; i < count; ++i) {
-    const bool inTail = i >= whole;
-    if (inTail && roi[i - whole] != 1) mask[i] = 0;
-  }
-}
-
-bool touchBlocks(const std::tuple<int, int, int, int>& box, const std::uint8_t* first,
-                 const std::uint8_t* second, int stride, int block) {
-  const auto [x, y, w, h] = box;
-  bool found = false;
-  for (int row = y; row < y + h; ++row) {
-    for (int column = x; column < x + w / block * block; ++column) {
-      const int i = row * stride + column;
-      found = found || (first[i] == 255 && second[i] == 1);
-    }
-  }
-  return found;
-}
-
-}  // namespace
-
 namespace expected {
 
 void replace(std::uint8_t* begin, std::uint8_t* end, std::uint8_t from, std::uint8_t to) {
@@ -58,22 +33,30 @@ void prune(std::uint8_t* mask, const std::uint8_t* roi, int count) {
   }
 }
 
-void pruneBlocks16(std::uint8_t* mask, const std::uint8_t* roi, int count) {
-  pruneBlocks(mask, roi, count, 16);
-}
-
-void pruneBlocks32(std::uint8_t* mask, const std::uint8_t* roi, int count) {
-  pruneBlocks(mask, roi, count, 32);
-}
-
 bool touch(std::tuple<int, int, int, int> box, const std::uint8_t* first, const std::uint8_t* second,
            int stride, int /*height*/) {
   return touchBlocks(box, first, second, stride, 1);
 }
 
-bool touchBlocks16(std::tuple<int, int, int, int> box, const std::uint8_t* first, const std::uint8_t* second,
-                   int stride, int /*height*/) {
-  return touchBlocks(box, first, second, stride, 16);
+void pruneBlocks(std::uint8_t* mask, const std::uint8_t* roi, int count, int block) {
+  const int whole = count / block * block;
+  for (int i = 0; i < count; ++i) {
+    const bool inTail = i >= whole;
+    if (inTail && roi[i - whole] != 1) mask[i] = 0;
+  }
+}
+
+bool touchBlocks(const std::tuple<int, int, int, int>& box, const std::uint8_t* first,
+                 const std::uint8_t* second, int stride, int block) {
+  const auto [x, y, w, h] = box;
+  bool found = false;
+  for (int row = y; row < y + h; ++row) {
+    for (int column = x; column < x + w / block * block; ++column) {
+      const int i = row * stride + column;
+      found = found || (first[i] == 255 && second[i] == 1);
+    }
+  }
+  return found;
 }
 
 }  // namespace expected

@@ -1,4 +1,4 @@
-// What the kernels compute, once more, as plainly as possible and sharing nothing with the library.
+// A second, plain implementation of the kernels, which shares no code with the library.
 #pragma once
 
 #include "simd/simd.h"
@@ -9,10 +9,13 @@ simd::ReplaceFn replace;
 simd::GenRdDiffFn genRdDiff;
 simd::MatchFn match;
 
-// The reference rule, and that of the vector versions with blocks of 16 and 32 bytes.
-simd::PruneFn prune, pruneBlocks16, pruneBlocks32;
+// The reference rules.
+simd::PruneFn prune;
+simd::TouchFn touch;
 
-// The reference rule, and that of the vector version with blocks of 16 columns.
-simd::TouchFn touch, touchBlocks16;
+// The rules of the vector versions with blocks of `block` bytes or columns.
+void pruneBlocks(std::uint8_t* mask, const std::uint8_t* roi, int count, int block);
+bool touchBlocks(const std::tuple<int, int, int, int>& box, const std::uint8_t* first,
+                 const std::uint8_t* second, int stride, int block);
 
 }  // namespace expected

@@ -1,4 +1,4 @@
-// The buffer that the kernel tests rely on notices what it is there to notice.
+// The guarded buffer detects reads and writes outside its array.
 #include "tests/support/guarded_buffer.h"
 
 #include <gtest/gtest.h>

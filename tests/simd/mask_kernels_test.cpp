@@ -1,4 +1,4 @@
-// The kernels of object extraction, every version against a model of its contract, between guard pages.
+// The kernels of object extraction: every version against its contract, between guard pages.
 #include "simd/mask_kernels.h"
 
 #include <gtest/gtest.h>
@@ -6,7 +6,6 @@
 #include <string>
 #include <vector>
 
-#include "simd/cpu_level.h"
 #include "tests/simd/sweep.h"
 
 namespace {
@@ -14,27 +13,17 @@ namespace {
 using Bytes = std::vector<std::uint8_t>;
 using Words = std::vector<std::uint64_t>;
 
-struct Level {
-  const char* name;
-  int level;
-};
+class PackRow : public VersionTest<lm::PackRowFn> {};
+INSTANTIATE_TEST_SUITE_P(EveryVersion, PackRow, ::testing::ValuesIn(lm::packRowVersions), VersionName());
 
-class MaskKernels : public ::testing::TestWithParam<Level> {
- protected:
-  void SetUp() override {
-    if (GetParam().level > GetCpuInstructionSet()) GTEST_SKIP() << "this processor lacks the level";
-    kernels_ = lm::maskKernelsFor(GetParam().level);
-  }
-  lm::MaskKernels kernels_{};
-};
-INSTANTIATE_TEST_SUITE_P(EveryVersion, MaskKernels, ::testing::Values(Level{"plain", 7}, Level{"avx2", 8}),
-                         [](const auto& test) { return std::string(test.param.name); });
+class UnpackRow : public VersionTest<lm::UnpackRowFn> {};
+INSTANTIATE_TEST_SUITE_P(EveryVersion, UnpackRow, ::testing::ValuesIn(lm::unpackRowVersions), VersionName());
 
-// Extraction's values, others for each of the three, and values that are the same.
+// The values that extraction uses, three different ones, and equal ones.
 const lm::MaskValues meanings[] = {{255, 1, 0},     {1, 1, 0}, {0, 0, 255},
                                    {128, 128, 127}, {3, 3, 3}, {7, 0, 0}};
 
-// A row that mostly holds what has a meaning.
+// A row that holds mostly set and cleared pixels.
 Bytes rowOf(std::size_t pixels, const lm::MaskValues& values, unsigned seed) {
   Bytes row(pixels);
   for (std::size_t i = 0; i < pixels; ++i) {
@@ -48,7 +37,7 @@ Bytes rowOf(std::size_t pixels, const lm::MaskValues& values, unsigned seed) {
   return row;
 }
 
-TEST_P(MaskKernels, RowIsPackedIntoSetAndClearedBits) {
+TEST_P(PackRow, WritesSetAndClearedBits) {
   GuardedBuffer row(longestSwept + 64);
   forEveryPlacement([&](const Placement& at) {
     for (const lm::MaskValues& values : meanings) {
@@ -56,7 +45,7 @@ TEST_P(MaskKernels, RowIsPackedIntoSetAndClearedBits) {
       at.put(row, at.length);
       std::copy(bytes.begin(), bytes.end(), row.begin());
       const std::size_t words = (at.length + 63) / 64;
-      // The word behind the row stays.
+      // The word after the row stays.
       Words wantedSet(words + 1), wantedCleared(words + 1);
       wantedSet[words] = wantedCleared[words] = 77;
       for (std::size_t i = 0; i < at.length; ++i) {
@@ -65,19 +54,19 @@ TEST_P(MaskKernels, RowIsPackedIntoSetAndClearedBits) {
         wantedCleared[i / 64] |= std::uint64_t{bytes[i] == values.cleared} << (i % 64);
       }
       Words set(words + 1, 77), cleared(words + 1, 77);
-      kernels_.packRow(row.begin(), at.length, values, set.data(), cleared.data());
+      GetParam().function(row.begin(), at.length, values, set.data(), cleared.data());
       ASSERT_EQ(set, wantedSet) << at;
       ASSERT_EQ(cleared, wantedCleared) << at;
     }
   });
 }
 
-TEST_P(MaskKernels, PackingTellsWhetherAnythingIsSetOrNotCleared) {
+TEST_P(PackRow, ReturnsWhetherAnythingIsSetOrNotCleared) {
   constexpr lm::MaskValues values{255, 1, 0};
   Words set(3), cleared(3);
   for (const std::size_t pixels : {1U, 63U, 64U, 65U, 130U}) {
     const auto holds = [&](const Bytes& row, const lm::MaskValues& meaning) {
-      return kernels_.packRow(row.data(), row.size(), meaning, set.data(), cleared.data());
+      return GetParam().function(row.data(), row.size(), meaning, set.data(), cleared.data());
     };
     EXPECT_FALSE(holds(Bytes(pixels, 0), values)) << pixels;
     EXPECT_TRUE(holds(Bytes(pixels, 9), {9, 9, 9})) << pixels << ": cleared, but set as well";
@@ -89,10 +78,10 @@ TEST_P(MaskKernels, PackingTellsWhetherAnythingIsSetOrNotCleared) {
       }
     }
   }
-  EXPECT_FALSE(kernels_.packRow(nullptr, 0, values, set.data(), cleared.data()));
+  EXPECT_FALSE(GetParam().function(nullptr, 0, values, set.data(), cleared.data()));
 }
 
-TEST_P(MaskKernels, SetPixelsAreWrittenBackAndOthersStay) {
+TEST_P(UnpackRow, WritesSetPixelsAndLeavesOthers) {
   GuardedBuffer row(longestSwept + 64);
   forEveryPlacement([&](const Placement& at) {
     for (const lm::MaskValues& values : meanings) {
@@ -107,7 +96,7 @@ TEST_P(MaskKernels, SetPixelsAreWrittenBackAndOthersStay) {
       }
       at.put(row, at.length);
       std::copy(bytes.begin(), bytes.end(), row.begin());
-      kernels_.unpackRow(row.begin(), at.length, values, kept.data());
+      GetParam().function(row.begin(), at.length, values, kept.data());
       ASSERT_EQ(mismatch(row, expected), "") << at;
     }
   });

@@ -4,6 +4,7 @@
 #include <climits>
 #include <cstdlib>
 
+#include "tests/simd/expected.h"
 #include "tests/simd/sweep.h"
 
 namespace {
@@ -11,9 +12,9 @@ namespace {
 using Against = GuardedBuffer::Against;
 
 class Match : public VersionTest<simd::MatchFn> {};
-INSTANTIATE_TEST_SUITE_P(EveryVersion, Match, ::testing::ValuesIn(matchVersions), VersionName());
+INSTANTIATE_TEST_SUITE_P(EveryVersion, Match, ::testing::ValuesIn(lm::matchVersions), VersionName());
 
-int match(const Version<simd::MatchFn>& version, std::vector<std::uint8_t> pixel,
+int match(const lm::Version<simd::MatchFn>& version, std::vector<std::uint8_t> pixel,
           std::vector<std::uint8_t> sample, int radius) {
   return version.function(pixel.data(), sample.data(), radius);
 }
@@ -32,13 +33,13 @@ TEST_P(Match, EqualsItsModelForEveryCombinationOfExtremes) {
     const std::uint8_t pixel[] = {e[digit(1)], e[digit(6)], e[digit(36)]};
     const std::uint8_t sample[] = {e[digit(216)], e[digit(1296)], e[digit(7776)]};
     for (const int radius : radiiFor(pixel, sample)) {
-      ASSERT_EQ(GetParam().function(pixel, sample, radius), GetParam().expected(pixel, sample, radius))
+      ASSERT_EQ(GetParam().function(pixel, sample, radius), expected::match(pixel, sample, radius))
           << "combination " << i << ", radius " << radius;
     }
   }
 }
 
-// Three bytes of each argument lie directly before or behind an inaccessible page.
+// The three bytes of each argument are directly before or after an inaccessible page.
 TEST_P(Match, ReadsThreeBytesOfEachArgumentAtEveryOffset) {
   GuardedBuffer pixel(3);
   GuardedBuffer sample(3);
@@ -52,7 +53,7 @@ TEST_P(Match, ReadsThreeBytesOfEachArgumentAtEveryOffset) {
     const auto sampleBefore = copyOf(sample);
     for (const int radius : radiiFor(pixel.begin(), sample.begin())) {
       ASSERT_EQ(GetParam().function(pixel.begin(), sample.begin(), radius),
-                GetParam().expected(pixel.begin(), sample.begin(), radius))
+                expected::match(pixel.begin(), sample.begin(), radius))
           << "round " << round << ", radius " << radius;
     }
     ASSERT_EQ(mismatch(pixel, pixelBefore) + mismatch(sample, sampleBefore), "") << "round " << round;

@@ -1,17 +1,24 @@
-// Finding busy pixels and settling them, every version against the rules pixel by pixel.
+// Finding busy pixels and settling them: every version against the rules, pixel by pixel.
 #include "tests/simd/model_kernels.h"
 
 namespace {
 
-constexpr lm::LifeRule rule{160.0F, 161.0F, 20, 30};
+constexpr lm::LifeRule rule{.limit = 160.0F, .absorbed = 161.0F, .band2 = 20, .band3 = 30};
 
 lm::ClassifyPlanes planesOf(const ModelScene& s, std::int32_t unchanged, bool accountLife,
                             lm::LifeRule life = rule) {
-  return {s.roi.data(),  s.difference.data(), s.before.data(), s.now.data(), s.absorbed.data(),
-          s.life.data(), unchanged,           accountLife,     life};
+  return {.roiMask = s.roi.data(),
+          .rdDiff = s.difference.data(),
+          .prevFgMask = s.before.data(),
+          .fgMask = s.now.data(),
+          .absorbMask = s.absorbed.data(),
+          .fgLife = s.life.data(),
+          .unchanged = unchanged,
+          .accountLife = accountLife,
+          .life = life};
 }
 
-// What a pixel is to be found as.
+// The kind as which a pixel must be found.
 char kindOf(const ModelScene& s, std::size_t i, std::int32_t unchanged, bool accountLife) {
   if (s.roi[i] == 0) return s.now[i] != 0 ? 'o' : '.';
   if (s.difference[i] <= unchanged && s.before[i] == 0) {
@@ -33,9 +40,14 @@ char kindOf(const lm::BusyPixels& pixels, std::size_t k) {
   return kind;
 }
 
-class ClassifyKernels : public ModelKernels {};
+class FindBusy : public VersionTest<lm::FindBusyFn> {};
+INSTANTIATE_TEST_SUITE_P(EveryVersion, FindBusy, ::testing::ValuesIn(lm::findBusyVersions), VersionName());
 
-TEST_P(ClassifyKernels, BusyBlocksAreFoundWithTheirPixels) {
+class SettleBlock : public VersionTest<lm::SettleBlockFn> {};
+INSTANTIATE_TEST_SUITE_P(EveryVersion, SettleBlock, ::testing::ValuesIn(lm::settleBlockVersions),
+                         VersionName());
+
+TEST_P(FindBusy, ListsBusyBlocksWithTheirPixels) {
   Random random;
   for (const std::size_t count : modelCounts) {
     for (const std::int32_t unchanged : modelThresholds) {
@@ -48,8 +60,8 @@ TEST_P(ClassifyKernels, BusyBlocksAreFoundWithTheirPixels) {
         for (std::size_t i = 0; i < count; ++i) expected[i] = kindOf(s, i, unchanged, accountLife);
         for (std::size_t from = 0; from < count;) {
           std::vector<lm::BusyBlock> blocks(room);
-          const std::size_t size = kernels_.findBusy(planes, from, count, blocks.data(), room);
-          ASSERT_TRUE(size == room || from >= count) << "went no further without need";
+          const std::size_t size = GetParam().function(planes, from, count, blocks.data(), room);
+          ASSERT_TRUE(size == room || from >= count) << "stopped early";
           for (std::size_t b = 0; b < size; ++b) {
             const auto& [begin, pixels] = blocks[b];
             ASSERT_EQ(begin % 32, 0U);
@@ -76,7 +88,7 @@ float livesOn(float life, int change, const lm::LifeRule& bands) {
   return change <= bands.band3 ? life + 0.2F : faded(life);
 }
 
-// Pixel by pixel, in the words of the rules.
+// Applies the rules pixel by pixel.
 Settled settledOf(const ModelScene& s, std::size_t count, const lm::ClassifyPlanes& planes,
                   const std::string& kinds, std::uint32_t matched) {
   Settled e{s.now.values(), s.absorbed.values(), s.life.values()};
@@ -99,9 +111,12 @@ Settled settledOf(const ModelScene& s, std::size_t count, const lm::ClassifyPlan
   return e;
 }
 
-TEST_P(ClassifyKernels, BusyPixelsAreSettledAndTheOthersLeftAlone) {
+TEST_P(SettleBlock, UpdatesBusyPixelsAndNoOthers) {
   constexpr lm::LifeRule rules[] = {
-      rule, {-1.0F, 0.0F, -5, 300}, {1e9F, 16777216.0F, INT_MIN, INT_MAX}, {3, 4, 30, 9}};
+      rule,
+      {.limit = -1.0F, .absorbed = 0.0F, .band2 = -5, .band3 = 300},
+      {.limit = 1e9F, .absorbed = 16777216.0F, .band2 = INT_MIN, .band3 = INT_MAX},
+      {.limit = 3.0F, .absorbed = 4.0F, .band2 = 30, .band3 = 9}};
   Random random;
   for (const std::size_t count : {1U, 31U, 32U}) {
     for (int round = 0; round < 300; ++round) {
@@ -121,7 +136,7 @@ TEST_P(ClassifyKernels, BusyPixelsAreSettledAndTheOthersLeftAlone) {
       }
       const std::uint32_t matched = random.bits() & busy.compared;
       const Settled expected = settledOf(s, count, planes, kinds, matched);
-      kernels_.settleBlock(planes, 0, count, busy, matched);
+      GetParam().function(planes, 0, count, busy, matched);
       ASSERT_EQ(s.now.values(), expected.now) << kinds;
       ASSERT_EQ(s.absorbed.values(), expected.absorbed) << kinds;
       ASSERT_EQ(s.life.values(), expected.life) << kinds;
@@ -129,7 +144,5 @@ TEST_P(ClassifyKernels, BusyPixelsAreSettledAndTheOthersLeftAlone) {
     }
   }
 }
-
-INSTANTIATE_TEST_SUITE_P(EveryVersion, ClassifyKernels, everyKernelLevel, nameOfLevel);
 
 }  // namespace

@@ -1,4 +1,4 @@
-// What the tests of the model's kernels share: planes between guard pages, every version of the kernels.
+// What the tests of the model's kernels share: a random generator and planes between guard pages.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -8,11 +8,9 @@
 #include <string>
 #include <vector>
 
-#include "simd/cpu_level.h"
-#include "simd/model_kernels.h"
-#include "tests/support/guarded_buffer.h"
+#include "tests/simd/sweep.h"
 
-// A generator that never changes.
+// A generator with a fixed sequence.
 class Random {
  public:
   std::uint32_t next() {
@@ -32,7 +30,7 @@ class Random {
   std::uint32_t state_ = 12345;
 };
 
-// A plane of `count` elements that ends at, or begins behind, an inaccessible page.
+// A plane of `count` elements that ends before, or begins after, an inaccessible page.
 template <typename T>
 class Plane {
  public:
@@ -51,34 +49,16 @@ class Plane {
   std::size_t count_;
 };
 
-// The side of an inaccessible page that a plane of `count` elements is put at: both occur among the counts.
+// Whether a plane of `count` elements is placed before or after its inaccessible page; the counts give both.
 inline GuardedBuffer::Against sideFor(std::size_t count) {
   return count % 2 == 0 ? GuardedBuffer::Against::front : GuardedBuffer::Against::back;
 }
 
-struct KernelLevel {
-  const char* name;
-  int level;
-};
-
-// Runs with the kernels of a processor of each level that has versions of its own.
-class ModelKernels : public ::testing::TestWithParam<KernelLevel> {
- protected:
-  void SetUp() override {
-    if (GetParam().level > GetCpuInstructionSet()) GTEST_SKIP() << "this processor lacks the level";
-    kernels_ = lm::modelKernelsFor(GetParam().level);
-  }
-  lm::ModelKernels kernels_{};
-};
-
-inline const auto everyKernelLevel = ::testing::Values(KernelLevel{"plain", 7}, KernelLevel{"avx2", 8});
-inline std::string nameOfLevel(const ::testing::TestParamInfo<KernelLevel>& test) { return test.param.name; }
-
-// Around the block of 32 pixels.
+// Counts around multiples of the block of 32 pixels.
 inline constexpr std::size_t modelCounts[] = {0, 1, 7, 31, 32, 33, 63, 64, 65, 100, 257};
 inline constexpr std::int32_t modelThresholds[] = {INT_MIN, -1, 0, 1, 10, 254, 255, INT_MAX};
 
-// Planes as a scene may have them: mostly idle, so that blocks of both kinds occur.
+// Planes of a scene, mostly idle, so that blocks with and without work occur.
 struct ModelScene {
   ModelScene(std::size_t count, Random& random)
       : roi(count, sideFor(count)),
@@ -89,7 +69,7 @@ struct ModelScene {
         light(count, sideFor(count)),
         life(count, sideFor(count)),
         timer(count, sideFor(count)) {
-    const bool outside = random.next() % 5 == 0;  // the whole range
+    const bool outside = random.next() % 5 == 0;  // the whole scene
     for (std::size_t i = 0; i < count; ++i) {
       roi[i] = outside || random.rarely() ? 0 : random.byteOf({1, 1, 255});
       difference[i] = random.rarely() ? random.byteOf({1, 2, 10, 11, 20, 21, 30, 31, 254, 255}) : 0;

@@ -1,4 +1,4 @@
-// Matching pixels with their samples, every version against a walk slot by slot.
+// Matching pixels with their samples: every version against a comparison slot by slot.
 #include <cstdlib>
 
 #include "tests/simd/model_kernels.h"
@@ -10,7 +10,7 @@ struct Expected {
   std::uint32_t distance;
 };
 
-// The walk over a pixel's samples, slot by slot.
+// Compares a pixel with its samples, slot by slot.
 Expected walk(const lm::MatchRule& rule, const std::uint8_t* samples, const std::uint8_t* pixel) {
   std::uint32_t nearest = 999;
   int matches = 0;
@@ -31,14 +31,16 @@ Expected walk(const lm::MatchRule& rule, const std::uint8_t* samples, const std:
   return {false, nearest};
 }
 
-class MatchKernel : public ModelKernels {};
+class MatchBlock : public VersionTest<lm::MatchBlockFn> {};
+INSTANTIATE_TEST_SUITE_P(EveryVersion, MatchBlock, ::testing::ValuesIn(lm::matchBlockVersions),
+                         VersionName());
 
-TEST_P(MatchKernel, SamplesAreMatchedInOrderUntilEnoughAreFound) {
+TEST_P(MatchBlock, ComparesSamplesInOrderUntilEnoughMatch) {
   Random random;
   for (const std::int32_t channels : {1, 3, 4}) {
     for (const std::int32_t radius : {-1, 0, 7, 20, 254, 255, INT_MAX}) {
       for (const std::int32_t needed : {-1, 0, 1, 2, 3, 9, 20, 21}) {
-        const lm::MatchRule rule{channels, radius, needed};
+        const lm::MatchRule rule{.channels = channels, .radius = radius, .needed = needed};
         Plane<std::uint8_t> samples(32 * 80, GuardedBuffer::Against::back);
         Plane<std::uint8_t> pixels(32 * static_cast<std::size_t>(channels), GuardedBuffer::Against::back);
         Plane<std::uint32_t> distances(32, GuardedBuffer::Against::back);
@@ -56,7 +58,7 @@ TEST_P(MatchKernel, SamplesAreMatchedInOrderUntilEnoughAreFound) {
         const std::uint32_t wanted = random.bits();
         std::fill_n(distances.data(), 32, 77U);
         const std::uint32_t enough =
-            kernels_.matchBlock(rule, samples.data(), pixels.data(), wanted, distances.data());
+            GetParam().function(rule, samples.data(), pixels.data(), wanted, distances.data());
         for (std::uint32_t k = 0; k < 32; ++k) {
           const Expected expected =
               (wanted >> k & 1U) == 0
@@ -72,7 +74,5 @@ TEST_P(MatchKernel, SamplesAreMatchedInOrderUntilEnoughAreFound) {
     }
   }
 }
-
-INSTANTIATE_TEST_SUITE_P(EveryVersion, MatchKernel, everyKernelLevel, nameOfLevel);
 
 }  // namespace

@@ -1,4 +1,4 @@
-// Taking a frame in, every version against bytes worked out one by one.
+// Taking a frame: every version against bytes computed one by one.
 #include "tests/simd/model_kernels.h"
 
 namespace {
@@ -7,15 +7,16 @@ std::uint8_t apart(std::uint8_t a, std::uint8_t b) {
   return static_cast<std::uint8_t>(a > b ? a - b : b - a);
 }
 
-class TakeFrameKernel : public ModelKernels {};
+class TakeFrame : public VersionTest<lm::TakeFrameFn> {};
+INSTANTIATE_TEST_SUITE_P(EveryVersion, TakeFrame, ::testing::ValuesIn(lm::takeFrameVersions), VersionName());
 
-TEST_P(TakeFrameKernel, FrameIsCopiedAndComparedOnOneChannel) {
+TEST_P(TakeFrame, CopiesTheFrameAndComparesOneChannel) {
   Random random;
   for (const std::size_t count : modelCounts) {
     for (const int channels : {1, 3, 4}) {
       for (int channel = 0; channel < std::min(channels, 3); ++channel) {
-        for (const int wanted :
-             {0, 1, 2, 3, 4, 7, 8, 11, 12, 15}) {  // bits: rdDiff, illumDiff, the frame is elsewhere, keep
+        // Bits: rdDiff, illumDiff, the frame is not in curFrame, keep.
+        for (const int wanted : {0, 1, 2, 3, 4, 7, 8, 11, 12, 15}) {
           const auto side = sideFor(count);
           const auto step = static_cast<std::size_t>(channels);
           const Plane<std::uint8_t> frame(count * step, side), current(count * step, side),
@@ -43,11 +44,16 @@ TEST_P(TakeFrameKernel, FrameIsCopiedAndComparedOnOneChannel) {
             }
             if ((wanted & 2) != 0) lights[i] = apart(background[at], copied[at]);
           }
-          kernels_.takeFrame(
-              {(wanted & 4) != 0 ? frame.data() : nullptr, current.data(), previous.data(), background.data(),
-               (wanted & 1) != 0 ? change.data() : nullptr, (wanted & 2) != 0 ? light.data() : nullptr,
-               channels, channel, (wanted & 8) != 0},
-              begin, end);
+          GetParam().function({.frame = (wanted & 4) != 0 ? frame.data() : nullptr,
+                               .curFrame = current.data(),
+                               .prevFrame = previous.data(),
+                               .bgImg = background.data(),
+                               .rdDiff = (wanted & 1) != 0 ? change.data() : nullptr,
+                               .illumDiff = (wanted & 2) != 0 ? light.data() : nullptr,
+                               .channels = channels,
+                               .channel = channel,
+                               .keep = (wanted & 8) != 0},
+                              begin, end);
           ASSERT_EQ(current.values(), copied) << count << " pixels of " << channels << ", parts " << wanted;
           ASSERT_EQ(previous.values(), kept) << count << " pixels of " << channels << ", parts " << wanted;
           ASSERT_EQ(change.values(), changes)
@@ -59,7 +65,5 @@ TEST_P(TakeFrameKernel, FrameIsCopiedAndComparedOnOneChannel) {
     }
   }
 }
-
-INSTANTIATE_TEST_SUITE_P(EveryVersion, TakeFrameKernel, everyKernelLevel, nameOfLevel);
 
 }  // namespace

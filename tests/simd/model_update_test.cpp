@@ -1,4 +1,4 @@
-// Finding the pixels to update, every version against a look at each pixel.
+// Finding the pixels to update: every version against the rules, pixel by pixel.
 #include "tests/simd/model_kernels.h"
 
 namespace {
@@ -24,25 +24,28 @@ ExpectedUpdate updateOf(const ModelScene& s, std::size_t count, const lm::Update
   return e;
 }
 
-class UpdateKernel : public ModelKernels {};
+class FindUpdateWork : public VersionTest<lm::FindUpdateWorkFn> {};
+INSTANTIATE_TEST_SUITE_P(EveryVersion, FindUpdateWork, ::testing::ValuesIn(lm::findUpdateWorkVersions),
+                         VersionName());
 
-TEST_P(UpdateKernel, UpdateWorkIsFoundTimersFallAndBackgroundIsCounted) {
+TEST_P(FindUpdateWork, ListsWorkDecrementsTimersAndCountsBackground) {
   Random random;
   for (const std::size_t count : modelCounts) {
     for (const std::int32_t threshold : modelThresholds) {
       for (const int switches : {0, 1, 2, 3}) {
         const ModelScene s(count, random);
-        const lm::UpdatePlanes planes{s.roi.data(),
-                                      s.difference.data(),
-                                      s.before.data(),
-                                      s.now.data(),
-                                      s.absorbed.data(),
-                                      s.light.data(),
-                                      s.timer.data(),
-                                      threshold,
-                                      modelThresholds[random.next() % std::size(modelThresholds)],
-                                      (switches & 1) != 0,
-                                      (switches & 2) != 0};
+        const lm::UpdatePlanes planes{
+            .roiMask = s.roi.data(),
+            .rdDiff = s.difference.data(),
+            .prevFgMask = s.before.data(),
+            .fgMask = s.now.data(),
+            .absorbMask = s.absorbed.data(),
+            .illumDiff = s.light.data(),
+            .updTimer = s.timer.data(),
+            .unchanged = threshold,
+            .sameLight = modelThresholds[random.next() % std::size(modelThresholds)],
+            .absorbing = (switches & 1) != 0,
+            .watchLight = (switches & 2) != 0};
         const ExpectedUpdate expected = updateOf(s, count, planes);
         ExpectedUpdate found{
             std::vector<char>(count), std::vector<char>(count), std::vector<char>(count), {}};
@@ -50,8 +53,8 @@ TEST_P(UpdateKernel, UpdateWorkIsFoundTimersFallAndBackgroundIsCounted) {
         for (std::size_t from = 0; from < count;) {
           std::vector<lm::UpdateBlock> blocks(room);
           const std::size_t size =
-              kernels_.findUpdateWork(planes, from, count, blocks.data(), room, found.examined);
-          ASSERT_TRUE(size == room || from >= count) << "went no further without need";
+              GetParam().function(planes, from, count, blocks.data(), room, found.examined);
+          ASSERT_TRUE(size == room || from >= count) << "stopped early";
           for (std::size_t b = 0; b < size; ++b) {
             const auto& [begin, work] = blocks[b];
             ASSERT_EQ(begin % 32, 0U);
@@ -73,7 +76,5 @@ TEST_P(UpdateKernel, UpdateWorkIsFoundTimersFallAndBackgroundIsCounted) {
     }
   }
 }
-
-INSTANTIATE_TEST_SUITE_P(EveryVersion, UpdateKernel, everyKernelLevel, nameOfLevel);
 
 }  // namespace

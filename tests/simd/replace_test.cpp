@@ -2,12 +2,13 @@
 
 #include <algorithm>
 
+#include "tests/simd/expected.h"
 #include "tests/simd/sweep.h"
 
 namespace {
 
 class Replace : public VersionTest<simd::ReplaceFn> {};
-INSTANTIATE_TEST_SUITE_P(EveryVersion, Replace, ::testing::ValuesIn(replaceVersions), VersionName());
+INSTANTIATE_TEST_SUITE_P(EveryVersion, Replace, ::testing::ValuesIn(lm::replaceVersions), VersionName());
 
 TEST_P(Replace, EqualsItsModelAtEveryLengthAndOffset) {
   GuardedBuffer bytes(longestSwept);
@@ -21,7 +22,7 @@ TEST_P(Replace, EqualsItsModelAtEveryLengthAndOffset) {
         auto model = copyOf(bytes);
         const auto oldByte = static_cast<std::uint8_t>(from);
         const auto newByte = static_cast<std::uint8_t>(to);
-        GetParam().expected(model.data(), model.data() + model.size(), oldByte, newByte);
+        expected::replace(model.data(), model.data() + model.size(), oldByte, newByte);
         GetParam().function(bytes.begin(), bytes.end(), oldByte, newByte);
         ASSERT_EQ(mismatch(bytes, model), "") << at << ", " << from << " to " << to;
       }

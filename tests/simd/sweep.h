@@ -1,5 +1,5 @@
-// What the kernel tests share: a fixture that skips what the processor lacks, contents for arrays, and the
-// sweep over lengths and offsets.
+// What the kernel tests share: a fixture that skips versions above the processor's level, contents for
+// arrays, and a sweep over lengths and offsets.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -14,10 +14,10 @@
 
 // One test for each version of a kernel.
 template <class Function>
-class VersionTest : public ::testing::TestWithParam<Version<Function>> {
+class VersionTest : public ::testing::TestWithParam<lm::Version<Function>> {
  protected:
   void SetUp() override {
-    if (this->GetParam().isRunnable()) return;
+    if (lm::isRunnable(this->GetParam())) return;
     GTEST_SKIP() << "this processor has level " << GetCpuInstructionSet() << ", " << this->GetParam()
                  << " needs " << this->GetParam().level;
   }
@@ -30,10 +30,10 @@ struct VersionName {
   }
 };
 
-// Contents of arrays: the same ones in every run.
+// Contents of arrays, the same in every run.
 class Filler {
  public:
-  // Only these values occur; none: every value.
+  // Only these values occur; an empty list allows all.
   explicit Filler(const std::vector<std::uint8_t>& values = {});
   void operator()(const GuardedBuffer& array);
 
@@ -42,16 +42,16 @@ class Filler {
   std::size_t next_ = 0;
 };
 
-// Where rules of comparison, saturation and sign go wrong.
+// Values at which comparison, saturation and sign may fail.
 inline const std::vector<std::uint8_t> extremes = {0, 1, 2, 253, 254, 255};
 
-// A length, and where the arrays of that length lie.
+// A length, and the position of arrays of that length.
 struct Placement {
   std::size_t length;
   std::size_t offset;  // of begin, from a multiple of 32
   GuardedBuffer::Against page;
 
-  // Places arrays of `size` bytes, the i-th array of a call with another offset than the first.
+  // Places an array of `size` bytes; the i-th array of a call gets a different offset.
   void put(GuardedBuffer& array, std::size_t size, std::size_t i = 0) const {
     array.place(size, (offset + i * 5) % 32, page);
   }
@@ -59,7 +59,7 @@ struct Placement {
 
 std::ostream& operator<<(std::ostream& stream, const Placement& at);
 
-// Calls `body` for all lengths from 0 to 100 and two of frame size, at all offsets from 0 to 31, against both
+// Calls `body` for all lengths from 0 to 100 and two larger ones, at all offsets from 0 to 31, against both
 // pages; stops at the first fatal failure.
 constexpr std::size_t longestSwept = 4099;
 template <class Body>
@@ -77,5 +77,5 @@ void forEveryPlacement(Body body) {
 
 inline std::vector<std::uint8_t> copyOf(const GuardedBuffer& array) { return {array.begin(), array.end()}; }
 
-// Empty when the array holds `expected` and nothing around it was written, else what is wrong first.
+// Empty if the array holds `expected` and nothing around it was written, else the first difference.
 std::string mismatch(const GuardedBuffer& array, const std::vector<std::uint8_t>& expected);

@@ -1,6 +1,6 @@
 // A host that runs for months, in minutes: many small frames through one detector, then many detectors one
-// after another. Resident memory has to stay where it is after a warm-up, and a scene at the end has to give
-// what it gives in a fresh process.
+// after another. Resident memory must not grow after a warm-up, and a scene at the end must give the results
+// of a fresh process, with rand() reset to the state it has there.
 //
 // usage: soak LIBRARY [FRAMES ROUNDS]      without numbers: the scene's results alone
 #include <dlfcn.h>
@@ -191,7 +191,8 @@ void manyRounds(const Plugin& plugin, int rounds, Curve& curve) {
   }
 }
 
-// The neighbour tables draw from rand(), which is the host's: it is put where a fresh process has it.
+// Resets rand() to the state of a fresh process: detectors draw border neighbours from it, so without this a
+// later detector can give slightly different boxes.
 std::string scene(const Plugin& plugin) {
   std::srand(1);
   const Size size{64, 48, 3};
@@ -237,7 +238,8 @@ int soak(char** arguments) {
   manyFrames(plugin, frames, frameCurve);
   manyRounds(plugin, rounds, roundCurve);
   const bool same = !expected.empty() && scene(plugin) == expected;
-  std::fprintf(out, "the last scene %s a fresh process\n", same ? "is as in" : "DIFFERS from");
+  std::fprintf(out, "the last scene, with rand() reset, %s a fresh process\n",
+               same ? "is as in" : "DIFFERS from");
   const bool framesFlat = isFlat(out, "frames", frameCurve);
   const bool roundsFlat = isFlat(out, "rounds", roundCurve);
   std::fclose(out);

@@ -57,7 +57,7 @@ ThrowingHostLog::~ThrowingHostLog() { logThrows = false; }
 
 }  // namespace lm::test
 
-// The host's side of plugin/host_log.h, which is not included here: its declaration would make this one weak.
+// The host's side of config/host_log.h, which is not included here: its declaration would make this one weak.
 extern "C" __attribute__((format(printf, 3, 4))) void log_File_Debug_s(const char* path, int level,
                                                                        const char* format, ...) {
   std::array<char, 1024> text{};

@@ -64,7 +64,7 @@ struct OnePixel : SizedEngine {
   [[nodiscard]] Bytes slot(int index) const;  // the slot's bytes, as many as the frame has channels
 };
 
-// A buffer of the engine that a test takes away to see an operation refuse.
+// A buffer of the engine that a test removes to see an operation refuse.
 struct NamedPlane {
   const char* name;
   void (*drop)(kAMBLE&);

@@ -18,7 +18,7 @@ struct Counters {
   std::uint64_t requests = 0;
   Request refused = Request::none;
   std::int64_t live = 0;
-  std::array<const void*, 4096> planes{};  // blocks that free() alone gives back
+  std::array<const void*, 4096> planes{};  // blocks that only free() releases
   std::size_t numPlanes = 0;
 };
 Counters counters;

@@ -12,7 +12,7 @@ enum class Request { none, throwingNew, quietNew, aligned, plain };
 // which the libraries below it get theirs. A program under the address sanitizer leaves those alone.
 enum class Reach { own, all };
 
-// One at a time. While it lives, requests are counted from 1.
+// One at a time. During its lifetime requests are counted from 1.
 class FailingAlloc {
  public:
   explicit FailingAlloc(std::uint64_t failAt = 0,  // number of the request to refuse; 0: none
@@ -26,7 +26,7 @@ class FailingAlloc {
   std::uint64_t requests() const;
   Request refused() const;  // what kind of request was refused so far
 
-  // Blocks granted less blocks given back. A program under the address sanitizer leaves aligned blocks out;
+  // Blocks allocated minus blocks released. A program under the address sanitizer leaves aligned blocks out;
   // the sanitizer's own leak check watches those.
   std::int64_t live() const;
 };

@@ -1,4 +1,4 @@
-// Memory between two inaccessible pages, for code that must not step over the ends of an array.
+// Memory between two inaccessible pages, for code that must stay within an array.
 #pragma once
 
 #include <cstddef>

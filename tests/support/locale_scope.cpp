@@ -34,9 +34,15 @@ void compileLocale(const fs::path& folder) {
 }
 
 class CommaPunctuation : public std::numpunct<char> {
+ public:
+  explicit CommaPunctuation(bool groups) : groups_(groups) {}
+
+ private:
   char do_decimal_point() const override { return ','; }
   char do_thousands_sep() const override { return '.'; }
-  std::string do_grouping() const override { return "\3"; }
+  std::string do_grouping() const override { return groups_ ? "\3" : ""; }
+
+  bool groups_;
 };
 
 }  // namespace
@@ -57,8 +63,8 @@ CommaCLocale::~CommaCLocale() {
   fs::remove_all(folder_, ignored);
 }
 
-CommaCppLocale::CommaCppLocale()
-    : previous_(std::locale::global(std::locale(std::locale::classic(), new CommaPunctuation))) {}
+CommaCppLocale::CommaCppLocale(bool groups)
+    : previous_(std::locale::global(std::locale(std::locale::classic(), new CommaPunctuation(groups)))) {}
 
 // A global locale with a name sets the C locale too; the numbers' rules of that one are not ours to end.
 CommaCppLocale::~CommaCppLocale() {

@@ -1,4 +1,4 @@
-// Hosts that write 1.234,5 for one thousand two hundred and thirty-four and a half.
+// Locales with a decimal comma, in which 1234.5 is written 1.234,5.
 #pragma once
 
 #include <locale>
@@ -6,8 +6,8 @@
 
 namespace lm::test {
 
-// While it lives, the process's C locale has a decimal comma and groups thousands with points. The locale is
-// compiled on the spot with localedef, so no locale needs to be installed.
+// Sets the C locale of the process to one with a decimal comma and points between thousands, until it is
+// destroyed. localedef compiles it, so no locale needs to be installed.
 class CommaCLocale {
  public:
   CommaCLocale();
@@ -15,7 +15,7 @@ class CommaCLocale {
   CommaCLocale(const CommaCLocale&) = delete;
   CommaCLocale& operator=(const CommaCLocale&) = delete;
 
-  bool active() const { return active_; }  // false where the locale could not be made
+  bool active() const { return active_; }  // false where localedef failed
 
  private:
   std::string folder_;
@@ -23,10 +23,11 @@ class CommaCLocale {
   bool active_ = false;
 };
 
-// The same for C++ streams. Lives inside a CommaCLocale's life where both are wanted.
+// The same for C++ streams, with or without the grouping. Create it after a CommaCLocale and destroy it
+// before.
 class CommaCppLocale {
  public:
-  CommaCppLocale();
+  explicit CommaCppLocale(bool groups = true);
   ~CommaCppLocale();
   CommaCppLocale(const CommaCppLocale&) = delete;
   CommaCppLocale& operator=(const CommaCppLocale&) = delete;

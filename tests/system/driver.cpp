@@ -3,6 +3,7 @@
 #include <cstdlib>
 #include <sstream>
 
+#include "engine/engine_state.h"
 #include "plugin/detector.h"
 #include "plugin/entry_points.h"
 #include "simd/cpu_level.h"
@@ -154,7 +155,8 @@ std::string compareOver(const Sequence& sequence, Cut cut) {
   for (int k = 0; difference.empty() && k < sequence.frames; ++k) {
     if (k > 0) frame = sequence.frame(k);
     // A strip has one row more than fits into its pixels: one to five rows here.
-    if (cut == Cut::anywhere) detector.engine->stripPixels = static_cast<std::size_t>(k % 5 * sequence.width);
+    if (cut == Cut::anywhere)
+      lm::stateOf(*detector.engine).stripPixels = static_cast<std::size_t>(k % 5 * sequence.width);
     difference = report(sequence, k, compareFrame(sequence, k, frame, detector, plain.model));
   }
   return difference;

@@ -5,17 +5,21 @@
 //   throw         ... throws std::invalid_argument("stoi"), as the conversions of a real plug-in do
 //   chatter       ... prints on standard output and accepts
 //   log           ... writes to the host's log and accepts
+//   pixel         the box is as many 256ths of the frame high as the first byte of the frame says
+//   border        the box reaches past the frame's right and bottom border, as those of the real plug-in do
 //   frame throws  the fifth frame throws
 //   frame dies    ... ends the process
 //   frame waits   ... waits for a signal
-// It reports one box on every frame but the first and every tenth. The numbers of the box are texts that no
-// conversion to and from a double would leave as they are.
+// It reports one box on every frame but the first and every tenth. Where the environment names a file
+// LIGHTMOTION_FAKE_CONFIGURATION, the document goes there.
 #include <json/json.h>
 #include <unistd.h>
 
 #include <csignal>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
+#include <fstream>
 #include <sstream>
 #include <stdexcept>
 #include <string>
@@ -30,7 +34,6 @@ namespace {
 bool standing = false;
 int frames = 0;
 std::string behaviour;
-std::string configuration;
 std::string result;
 
 }  // namespace
@@ -38,7 +41,7 @@ std::string result;
 bool initialization(const char* config) {
   Json::Value document;
   std::istringstream(config) >> document;
-  configuration = config;
+  if (const char* file = std::getenv("LIGHTMOTION_FAKE_CONFIGURATION")) std::ofstream(file) << config;
   behaviour = document["comment"].asString();
   frames = 0;
   if (behaviour == "refuse") std::printf("Error: this document is refused \n");
@@ -58,9 +61,12 @@ int frameProc(const unsigned char* frame, const char* timestamp, int* resultLen)
   if (behaviour == "frame throws" && frames == 4) throw std::out_of_range("stoll");
   result.clear();
   if (frames % 10 != 0) {
-    result = R"({"config":)" + configuration + R"(,"object":[{"height":0.30000001192092896,"inRoi":[],)" +
-             R"("width":0.10000000000000000001,"x":0.500,"y":2.5e-1}],"pixel":)" + std::to_string(frame[0]) +
-             R"(,"timestamp":")" + timestamp + "\"}\n";
+    const std::string height =
+        behaviour == "pixel" ? std::to_string(frame[0] / 256.0) : "0.30000001192092896";
+    const std::string place =
+        behaviour == "border" ? R"("width":1,"x":0.9,"y":0.75)" : R"("width":0.1,"x":0.5,"y":0.25)";
+    result = R"({"object":[{"height":)" + height + R"(,"inRoi":[],)" + place + R"(}],"timestamp":")" +
+             timestamp + "\"}\n";
   }
   ++frames;
   *resultLen = static_cast<int>(result.size());

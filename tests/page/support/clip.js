@@ -31,5 +31,5 @@ export function makeClip(name, codec = ["-c:v", "ffv1"]) {
 let usual = null;
 export const usualClip = () => (usual ??= makeClip("clip.mkv"));
 
-export const isLeft = ([x, , width]) => x + width / 2 < 0.5;
+export const isLeft = ({ x, width }) => x + width / 2 < 0.5;
 export const isRight = (box) => !isLeft(box);

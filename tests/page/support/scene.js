@@ -32,7 +32,7 @@ export const rootOf = async (page) => JSON.parse((await textOf(page)).replace(/^
 export const pointOf = async (page, point) => (await rootOf(page)).roi[0].points[point];
 
 export const inForce = (page) =>
-  eventually("the document is in force", async () => (await page.locator("#progress").textContent()) === "In force");
+  eventually("the document is applied", async () => (await page.locator("#progress").textContent()) === "Applied");
 
 // The frames from now on, until the last `count` of them are as wished.
 export function framesBecome(page, what, wish, count = 10) {

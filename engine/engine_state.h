@@ -1,0 +1,55 @@
+// What the engine keeps apart from its public fields.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+class kAMBLE;
+
+namespace lm {
+
+struct ObjectScratch;  // objects/scratch.h
+
+// A plane that the engine allocated. One that a caller put in its place is taken to be large enough.
+struct Made {
+  const void* plane = nullptr;
+  std::size_t bytes = 0;
+
+  bool isTooSmall(const void* current, std::size_t needed) const {
+    return current != nullptr && current == plane && bytes < needed;
+  }
+};
+
+struct EngineState {
+  Made curFrame, prevFrame, bgImg, roiMask;
+  // Pixels of a strip, rounded up to whole rows: few enough for its planes to stay in a processor's own cache
+  // from one step to the next. Any number gives the same results.
+  std::size_t stripPixels = 8192;
+  std::vector<int> nbrDistances;  // see neighbourDistances; empty unless initBuffer_ncv filled the arrays
+  std::int32_t nbrWidth = 0;      // width of the frame that the neighbour tables were made for
+  std::int32_t planePixels = 0;   // pixels that the planes were made for; 0 without planes
+  std::vector<Made> regionMasks;  // of roiInclude and roiExclude, those that setParam made
+  std::vector<std::uint32_t*> labelTable;  // the table that labelRows points to
+  // What object extraction keeps between frames; it brings its own deleter, so that the engine need not know
+  // the type.
+  std::unique_ptr<ObjectScratch, void (*)(ObjectScratch*)> objects{nullptr, nullptr};
+};
+
+// The engine's own, made on the first call: the constructor of the engine allocates nothing.
+EngineState& stateOf(kAMBLE& engine);
+// The same, or the initial values where there is none yet.
+const EngineState& stateOf(const kAMBLE& engine);
+
+// Whether the model has numPixel pixels. (pipeline.cpp)
+bool hasModel(const kAMBLE& engine);
+
+// Whether frmChn is a count that frames may have, and those of curFrame, prevFrame and bgImg that exist hold
+// numPixel pixels of so many bytes. (pipeline.cpp)
+bool holdsFrames(const kAMBLE& engine);
+
+// Releases what initBuffer_ncv would otherwise replace without freeing it. (buffers.cpp)
+void releaseModel(kAMBLE& engine);
+
+}  // namespace lm

@@ -1,0 +1,28 @@
+// How long a wait may last.
+#pragma once
+
+#include <chrono>
+#include <functional>
+#include <optional>
+#include <utility>
+
+namespace lm::host::base {
+
+class Deadline {
+ public:
+  using Clock = std::chrono::steady_clock;
+  using Now = std::function<Clock::time_point()>;
+
+  explicit Deadline(Now now = Clock::now) : now_(std::move(now)) {}
+
+  // Counts from now on. Without it nothing ever takes too long.
+  void allow(Clock::duration time) { end_ = now_() + time; }
+
+  bool passed() const { return end_ && now_() >= *end_; }
+
+ private:
+  Now now_;
+  std::optional<Clock::time_point> end_;
+};
+
+}  // namespace lm::host::base

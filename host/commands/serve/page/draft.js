@@ -1,0 +1,137 @@
+// The configuration document as it is being edited. Every change is checked by the program and, when nothing speaks
+// against it, applied at once; every change can be undone.
+import { apply, check } from "./api.js";
+import { debounced, say } from "./dom.js";
+import { parse } from "./json_text.js";
+
+const mostSteps = 200;
+const quiet = 250;
+
+// Events: "change" (the text), "verdict" (findings, effective, progress).
+export class Draft extends EventTarget {
+  text = "";
+  root = {}; // of the last text that could be read
+  fault = ""; // why the text cannot be read
+  inForce = "";
+  findings = [];
+  effective = null;
+  progress = "applied"; // or "checking", "refused", "unreachable"
+  #done = [];
+  #undone = [];
+  #mergeKey = null;
+  #settle = debounced(() => this.#checkAndApply(), quiet);
+  #onApplied;
+
+  constructor(onApplied) {
+    super();
+    this.#onApplied = onApplied;
+  }
+
+  get canUndo() {
+    return this.#done.length > 0;
+  }
+  get canRedo() {
+    return this.#undone.length > 0;
+  }
+
+  // `what` says it to people. Changes in a row with the same merge key are one step.
+  change(text, what, mergeKey = null) {
+    if (text === this.text) return;
+    if (mergeKey === null || mergeKey !== this.#mergeKey) this.#done.push({ text: this.text, what });
+    if (this.#done.length > mostSteps) this.#done.shift();
+    this.#undone = [];
+    this.#mergeKey = mergeKey;
+    this.#take(text);
+    this.#await();
+  }
+
+  undo() {
+    this.#step(this.#done, this.#undone, "Undone");
+  }
+  redo() {
+    this.#step(this.#undone, this.#done, "Redone");
+  }
+  endMerge() {
+    this.#mergeKey = null;
+  }
+
+  // What the program works with now: the start, or what another viewer has applied.
+  follow(text) {
+    const own = this.text === this.inForce || !this.inForce;
+    const first = !this.inForce;
+    if (text === this.inForce) return;
+    this.inForce = text;
+    if (!own || text === this.text) return;
+    if (!first) {
+      this.#done.push({ text: this.text, what: "change from another window" });
+      this.#undone = [];
+      say("The settings were changed in another window.");
+    }
+    this.#take(text);
+    this.#await();
+  }
+
+  // Once more, after the program could not be reached.
+  retry() {
+    if (this.text !== this.inForce || this.progress === "unreachable") this.#await();
+  }
+
+  #step(from, to, word) {
+    const step = from.pop();
+    if (!step) return;
+    to.push({ text: this.text, what: step.what });
+    this.#mergeKey = null;
+    this.#take(step.text);
+    this.#await();
+    say(`${word}: ${step.what}`);
+  }
+
+  #take(text) {
+    this.text = text;
+    try {
+      this.root = parse(text);
+      this.fault = "";
+    } catch (problem) {
+      this.fault = problem.message;
+    }
+    this.dispatchEvent(new Event("change"));
+  }
+
+  #await() {
+    this.#report("checking");
+    this.#settle();
+  }
+
+  #report(progress) {
+    this.progress = progress;
+    this.dispatchEvent(new Event("verdict"));
+  }
+
+  // The program's findings on the text as it is; null when it has changed since.
+  async #judge() {
+    const { text } = this;
+    const { findings, effective } = await check(text);
+    if (text !== this.text) return null;
+    this.findings = findings;
+    this.effective = effective;
+    const progress = findings.some(({ severity }) => severity === "error") ? "refused" : "applied";
+    this.#report(progress === "applied" && text !== this.inForce ? "checking" : progress);
+    return progress;
+  }
+
+  async #checkAndApply() {
+    const { text } = this;
+    try {
+      if ((await this.#judge()) !== "applied" || text === this.inForce) return;
+      await apply(text);
+      this.inForce = text;
+      this.#onApplied();
+      if (text === this.text) this.#report("applied");
+    } catch (problem) {
+      if (text !== this.text) return;
+      if (problem.findings?.length) this.findings = problem.findings;
+      else if (problem.status) this.findings = [{ severity: "error", key: "", text: problem.message }];
+      this.#report(problem.status ? "refused" : "unreachable");
+    }
+  }
+}

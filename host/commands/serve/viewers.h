@@ -1,0 +1,38 @@
+// Who watches, and how many may.
+#pragma once
+
+#include <chrono>
+#include <cstddef>
+#include <map>
+#include <mutex>
+#include <string>
+
+namespace lm::host::commands::serve {
+
+class Viewers {
+ public:
+  using Clock = std::chrono::steady_clock;
+
+  static constexpr std::size_t kMost = 8;
+  // How many requests of a viewer may wait for pictures at the same time: one, and one that was given up.
+  static constexpr int kMostWaiting = 2;
+  static constexpr std::chrono::seconds kGoneAfter{10};
+
+  // Whether the viewer may wait for a picture; `leave` must follow if so.
+  bool enter(const std::string& id, Clock::time_point now);
+  void leave(const std::string& id, Clock::time_point now);
+
+  std::size_t count(Clock::time_point now);
+
+ private:
+  struct Viewer {
+    Clock::time_point seen;
+    int waiting = 0;
+  };
+  void forget_the_gone(Clock::time_point now);
+
+  std::mutex mutex_;
+  std::map<std::string, Viewer> viewers_;
+};
+
+}  // namespace lm::host::commands::serve

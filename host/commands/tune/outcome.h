@@ -1,0 +1,35 @@
+// What tuning came to, for everything that shows it.
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "host/commands/tune/choice.h"
+
+namespace lm::host::commands::tune {
+
+struct Trial {
+  Setting setting;
+  Seen seen;
+  Figures figures{};
+};
+
+struct Outcome {
+  std::string source;
+  std::int64_t frames = 0;
+  std::chrono::microseconds length{0};
+  Marks marks;
+  std::int64_t quiet_frames = 0;   // that quiet spans have in all
+  std::int64_t motion_frames = 0;  // likewise
+  std::vector<Trial> trials;       // the least sensitive first, small least boxes before large ones
+  std::size_t chosen = 0;          // place among them
+  std::string why;
+  std::string document;  // proposed
+};
+
+// "0-2, 5.5-19.25 (assumed)"; "none".
+std::string text_of(const Spans& spans, bool assumed);
+
+}  // namespace lm::host::commands::tune

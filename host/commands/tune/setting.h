@@ -1,0 +1,49 @@
+// What is tried: the settings of a document that decide how much is taken for motion.
+#pragma once
+
+#include <array>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace lm::host::commands::tune {
+
+// Least boxes, from small to large, as shares of the frame's width and height. Each is about half as large
+// again as the one before; even steps double.
+struct LeastBox {
+  double width;
+  double height;
+};
+constexpr std::array<LeastBox, 9> kLeastBoxes{{{0.01, 0.025},
+                                               {0.015, 0.0375},
+                                               {0.02, 0.05},
+                                               {0.03, 0.075},
+                                               {0.04, 0.1},
+                                               {0.06, 0.15},
+                                               {0.08, 0.2},
+                                               {0.12, 0.3},
+                                               {0.16, 0.4}}};
+
+struct Setting {
+  int sensitivity = 3;        // 1 (least) to 5
+  int adaptation = 3;         // "lcAdap", 1 (slowest) to 5
+  std::size_t least_box = 2;  // step of kLeastBoxes
+  bool operator==(const Setting&) const = default;
+};
+
+constexpr int kLevels = 5;  // of sensitivity and adaptation
+
+// Keys of the document and their values.
+using Members = std::vector<std::pair<std::string, std::string>>;
+Members members_of(const Setting& setting);
+
+// The settings that are tried first, from which everything else starts: low, middle and high sensitivity with
+// small, middle and large least boxes.
+std::vector<Setting> coarse_grid();
+
+// What is worth a try when `best` is the best so far: sensitivities and least boxes a step away, and the
+// slowest and the fastest adaptation.
+std::vector<Setting> neighbours(const Setting& best);
+std::vector<Setting> other_adaptations(const Setting& best);
+
+}  // namespace lm::host::commands::tune

@@ -1,0 +1,20 @@
+// One setting tried on the sample, through the plug-in.
+#pragma once
+
+#include <string>
+
+#include "host/commands/tune/sample.h"
+#include "host/commands/tune/seen.h"
+#include "host/source/live/scale.h"
+
+namespace lm::host::commands::tune {
+
+// What `lightmotion run` would find with this document. Throws Failure.
+Seen try_document(const std::string& plugin, const std::string& document, const source::live::Scale& scale,
+                  const Sample& sample);
+
+// To bytes and back, for another process.
+std::string to_bytes(const Seen& seen);
+Seen from_bytes(const std::string& bytes);
+
+}  // namespace lm::host::commands::tune

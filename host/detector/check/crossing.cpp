@@ -1,0 +1,35 @@
+#include "host/detector/check/crossing.h"
+
+namespace lm::host::detector::check {
+namespace {
+
+// On which side of the line from `a` to `b` the corner lies: above, below or at 0.
+double side(const Corner& a, const Corner& b, const Corner& corner) {
+  const double dx = static_cast<double>(b.x) - static_cast<double>(a.x);
+  const double dy = static_cast<double>(b.y) - static_cast<double>(a.y);
+  return dx * (static_cast<double>(corner.y) - static_cast<double>(a.y)) -
+         dy * (static_cast<double>(corner.x) - static_cast<double>(a.x));
+}
+
+bool on_both_sides(double one, double other) { return (one > 0 && other < 0) || (one < 0 && other > 0); }
+
+bool cross(const Corner& a, const Corner& b, const Corner& c, const Corner& d) {
+  return on_both_sides(side(a, b, c), side(a, b, d)) && on_both_sides(side(c, d, a), side(c, d, b));
+}
+
+}  // namespace
+
+std::optional<Crossing> first_crossing(const std::vector<Corner>& corners) {
+  constexpr std::size_t kMost =
+      4096;  // more are not drawn by hand, and every edge is held against every other
+  const std::size_t count = corners.size();
+  if (count > kMost) return std::nullopt;
+  for (std::size_t i = 0; i < count; ++i) {
+    for (std::size_t k = i + 2; k < count; ++k) {
+      if (cross(corners[i], corners[i + 1], corners[k], corners[(k + 1) % count])) return Crossing{i, k};
+    }
+  }
+  return std::nullopt;
+}
+
+}  // namespace lm::host::detector::check

@@ -1,0 +1,35 @@
+// The regions of a configuration document, as they are written.
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace Json {
+class Value;
+}
+
+namespace lm::host::detector::check {
+
+class Findings;
+
+struct Corner {
+  float x;
+  float y;
+};
+
+struct Outline {
+  std::string path;  // such as roi[0]
+  std::string name;  // for messages
+  std::vector<Corner> corners{};
+};
+
+struct Outlines {
+  bool whole_frame = false;  // no regions of its own: the program adds one
+  std::vector<Outline> included{};
+  std::vector<Outline> excluded{};
+};
+
+// Complains of what the plug-in cannot read, or reads as something else than it looks like.
+Outlines read_outlines(const Json::Value& document, Findings& findings);
+
+}  // namespace lm::host::detector::check

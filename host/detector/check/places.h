@@ -1,0 +1,57 @@
+// Where the values and keys of a JSON text stand in it.
+#pragma once
+
+#include <cstddef>
+#include <map>
+#include <string>
+#include <vector>
+
+namespace lm::host::detector::check {
+
+// From 1; columns count characters. 0 for what is not in the text.
+struct Place {
+  int line = 0;
+  int column = 0;
+};
+
+class Places {
+ public:
+  // `text`: one that read_document (host/document.h) accepts; of others, nothing is known from some place on.
+  explicit Places(const std::string& text);
+
+  // `path`: such as roi[0].points[2].x; where a key stands twice, the one that counts, the last.
+  Place of_value(const std::string& path) const;
+  Place of_key(const std::string& path) const;
+
+  // A key that its object has already.
+  struct Repeat {
+    std::string path;
+    Place place;
+    Place before;
+  };
+  const std::vector<Repeat>& repeats() const { return repeats_; }
+
+ private:
+  struct Member {
+    std::size_t key;
+    std::size_t value;
+  };
+
+  char next(std::size_t ahead = 0) const { return at_ + ahead < text_.size() ? text_[at_ + ahead] : '\0'; }
+  void skip_blanks();
+  void skip_behind(const char* terminator);
+  bool skip_over(char wanted);
+  std::string read_string();
+  void read_value(const std::string& path);
+  void read_members(const std::string& path);
+  void read_items(const std::string& path);
+  Place place(std::size_t offset) const;
+
+  const std::string& text_;
+  const std::size_t begin_;  // behind the mark that some editors put in front
+  std::size_t at_;
+  std::map<std::string, Member> members_;
+  std::vector<Repeat> repeats_;
+};
+
+}  // namespace lm::host::detector::check

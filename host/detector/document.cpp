@@ -1,0 +1,102 @@
+#include "host/detector/document.h"
+
+#include <json/json.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <memory>
+#include <stdexcept>
+
+#include "host/base/json_text.h"
+#include "host/detector/presets/presets.h"
+
+namespace lm::host::detector {
+namespace {
+
+const cv::Size kAnySize(640, 360);
+
+// From jsoncpp's "* Line 1, Column 3\n  Syntax error: ...\n", which goes on with every error that follows.
+NoDocument first_error(const std::string& report) {
+  int line = 0;
+  int column = 0;
+  const std::size_t end_of_place = std::min(report.find('\n'), report.size());
+  const std::size_t cause = report.find_first_not_of(" \n", end_of_place);
+  if (cause == std::string::npos || std::sscanf(report.c_str(), "* Line %d, Column %d", &line, &column) != 2)
+    return NoDocument("not JSON: " + report);
+  return {line, column,
+          "not JSON: " + report.substr(cause, std::min(report.find('\n', cause), report.size()) - cause)};
+}
+
+// "640" for the text "640", for the number 640 and for a size that is left out; the plug-in reads texts only.
+// A text that holds no number stays, for the plug-in to refuse.
+void settle_size(Json::Value& document, const char* key, int actual, bool binding = true) {
+  Json::Value& stated = document[key];
+  int value = actual;
+  try {
+    if (stated.isString()) value = std::stoi(stated.asString());
+    if (stated.isIntegral()) value = stated.asInt();
+  } catch (const std::exception&) {
+    return;
+  }
+  if (value != actual && binding) {
+    throw std::invalid_argument('"' + std::string(key) + "\" is " + std::to_string(value) +
+                                " but the source's frames have " + std::to_string(actual));
+  }
+  if (!stated.isString()) stated = std::to_string(value);
+}
+
+// From one frame width left of the frame: the plug-in does not count a region's left edge as inside.
+Json::Value whole_frame() {
+  Json::Value region;
+  region["name"] = "frame";
+  for (const auto& [x, y] : {std::pair{"-1", "0"}, {"1", "0"}, {"1", "1"}, {"-1", "1"}}) {
+    Json::Value point;
+    point["x"] = x;
+    point["y"] = y;
+    region["points"].append(point);
+  }
+  Json::Value regions(Json::arrayValue);
+  regions.append(region);
+  return regions;
+}
+
+}  // namespace
+
+NoDocument::NoDocument(int line, int column, const std::string& cause)
+    : std::invalid_argument("line " + std::to_string(line) + ", column " + std::to_string(column) + ": " +
+                            cause),
+      line_(line),
+      column_(column),
+      cause_(cause) {}
+
+Json::Value read_document(const std::string& text) {
+  Json::CharReaderBuilder settings;
+  settings["collectComments"] = false;
+  settings["failIfExtra"] = true;
+  const std::unique_ptr<Json::CharReader> reader(settings.newCharReader());
+  Json::Value root;
+  std::string report;
+  bool parsed = false;
+  try {
+    parsed = reader->parse(text.data(), text.data() + text.size(), &root, &report);
+  } catch (const Json::Exception&) {
+    throw NoDocument("nested too deeply");
+  }
+  if (!parsed) throw first_error(report);
+  if (!root.isObject()) throw NoDocument("not a JSON object");
+  return root;
+}
+
+std::string default_document() { return presets::find_preset("street")->document; }
+
+std::string complete_document(const std::string& text, cv::Size frame) {
+  Json::Value document = read_document(text);
+  const cv::Size size = frame.empty() ? kAnySize : frame;
+  settle_size(document, "frmW", size.width, !frame.empty());
+  settle_size(document, "frmH", size.height, !frame.empty());
+  settle_size(document, "frmChn", 3);
+  if (!document.isMember("roi")) document["roi"] = whole_frame();
+  return base::verbatim_json(document);
+}
+
+}  // namespace lm::host::detector

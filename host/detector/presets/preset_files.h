@@ -1,0 +1,15 @@
+// The files host/presets/*.json, compiled in.
+#pragma once
+
+#include <vector>
+
+namespace lm::host::detector::presets {
+
+struct PresetFile {
+  const char* name;  // without the folder and ".json"
+  const char* document;
+};
+
+const std::vector<PresetFile>& preset_files();
+
+}  // namespace lm::host::detector::presets

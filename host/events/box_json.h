@@ -1,0 +1,13 @@
+// A box for other programs.
+#pragma once
+
+#include <json/json.h>
+
+#include <opencv2/core.hpp>
+
+namespace lm::host::events {
+
+// {"x","y","width","height"}
+Json::Value box_value(const cv::Rect2d& box);
+
+}  // namespace lm::host::events

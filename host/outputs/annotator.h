@@ -1,0 +1,30 @@
+// The annotated video: the frames with their boxes, under a temporary name until complete.
+#pragma once
+
+#include <chrono>
+#include <opencv2/core.hpp>
+#include <string>
+#include <vector>
+
+#include "host/base/pending_file.h"
+#include "host/outputs/video_writer.h"
+#include "host/source/source.h"
+
+namespace lm::host::outputs {
+
+class Annotator {
+ public:
+  // `file`: a name that video_format knows. Throws Failure (kTrouble), like the operations.
+  Annotator(const std::string& file, const source::SourceInfo& source);
+
+  // Draws into the frame's own image.
+  void write(source::Frame& frame, const std::vector<cv::Rect2d>& boxes);
+  void finish();  // all bytes are out
+  void commit();  // the file has its name
+
+ private:
+  base::PendingFile pending_;
+  VideoWriter video_;
+};
+
+}  // namespace lm::host::outputs

@@ -1,0 +1,142 @@
+#include "host/outputs/mqtt/link.h"
+
+#include <poll.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <system_error>
+#include <utility>
+
+#include "host/base/failure.h"
+
+namespace lm::host::outputs::mqtt {
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr int kKeepAlive = 20;  // seconds; the broker publishes the will after one and a half times this
+constexpr int kAtLeastOnce = 1;
+constexpr std::size_t kWindow = 20;  // as many as libmosquitto sends before the first is acknowledged
+constexpr std::chrono::milliseconds kLongestWait = 1s;  // libmosquitto must be called regularly
+constexpr std::chrono::milliseconds kHastyInterval =
+    200ms;  // between attempts while the program waits to end
+
+std::string reason(int error) {
+  std::string text =
+      error == MOSQ_ERR_ERRNO ? std::generic_category().message(errno) : mosquitto_strerror(error);
+  if (text.ends_with('.')) text.pop_back();
+  return text;
+}
+
+void check(int error, const std::string& what) {
+  if (error != MOSQ_ERR_SUCCESS) throw base::Failure(base::kRefused, "MQTT: " + what + ": " + reason(error));
+}
+
+}  // namespace
+
+Link::Link(const LinkSettings& settings, std::shared_ptr<Mailbox> mailbox)
+    : address_(settings.address), mailbox_(std::move(mailbox)) {
+  static const int once = mosquitto_lib_init();
+  static_cast<void>(once);
+  client_.reset(mosquitto_new(settings.client.c_str(), true, this));
+  if (!client_) throw base::Failure(base::kRefused, "MQTT: " + std::generic_category().message(errno));
+  mosquitto_connect_callback_set(client_.get(), [](mosquitto*, void* self, int refusal) {
+    static_cast<Link*>(self)->connected(refusal);
+  });
+  mosquitto_publish_callback_set(client_.get(),
+                                 [](mosquitto*, void* self, int) { --static_cast<Link*>(self)->in_flight_; });
+  check(mosquitto_will_set(client_.get(), settings.will_topic.c_str(), static_cast<int>(settings.will.size()),
+                           settings.will.data(), kAtLeastOnce, true),
+        "topic " + settings.will_topic);
+  if (!address_.user.empty()) {
+    check(mosquitto_username_pw_set(client_.get(), address_.user.c_str(), address_.password.c_str()), "user");
+  }
+  if (address_.encrypted) secure(settings.authorities);
+}
+
+void Link::secure(const std::string& authorities) {
+  if (authorities.empty()) {
+    check(mosquitto_int_option(client_.get(), MOSQ_OPT_TLS_USE_OS_CERTS, 1), "certificates");
+  } else {
+    check(mosquitto_tls_set(client_.get(), authorities.c_str(), nullptr, nullptr, nullptr, nullptr),
+          authorities);
+  }
+}
+
+void Link::run() {
+  while (!finished()) {
+    if (!open_ && Clock::now() >= next_attempt()) connect();
+    if (ready_) hand_over();
+    wait();
+    if (!open_) continue;
+    const int error = mosquitto_loop(client_.get(), 0, 1);
+    if (error != MOSQ_ERR_SUCCESS) lost(error);
+  }
+  // Without a disconnect the broker publishes the will.
+  if (ready_ && !mailbox_->abandoned()) mosquitto_disconnect(client_.get());
+  mailbox_->done(in_flight_);
+}
+
+void Link::connect() {
+  last_attempt_ = Clock::now();
+  open_ = true;
+  const int error = mosquitto_connect_async(client_.get(), address_.host.c_str(), address_.port, kKeepAlive);
+  if (error != MOSQ_ERR_SUCCESS) lost(error);
+}
+
+void Link::connected(int refusal) {
+  if (refusal != 0) {
+    refusal_ = mosquitto_connack_string(refusal);
+    return;
+  }
+  ready_ = true;
+  back_off_.reset();
+  mailbox_->renew_standing();
+  if (std::exchange(complained_, false)) mailbox_->report("connected");
+}
+
+void Link::lost(int error) {
+  const std::string why = refusal_.empty() ? reason(error) : std::exchange(refusal_, "");
+  if (!std::exchange(complained_, true)) mailbox_->report(why + "; retrying");
+  open_ = false;
+  ready_ = false;
+  next_attempt_ = Clock::now() + back_off_.next();
+}
+
+void Link::hand_over() {
+  while (in_flight_ < kWindow) {
+    const std::optional<Message> message = mailbox_->pop();
+    if (!message) return;
+    // A connection lost here is not an error: libmosquitto sends the message over the next one.
+    mosquitto_publish(client_.get(), nullptr, message->topic.c_str(),
+                      static_cast<int>(message->payload.size()), message->payload.data(), kAtLeastOnce,
+                      message->kind == MessageKind::kStanding);
+    ++in_flight_;
+  }
+}
+
+void Link::wait() {
+  std::chrono::milliseconds longest = kLongestWait;
+  if (!open_) {
+    const auto left = std::chrono::ceil<std::chrono::milliseconds>(next_attempt() - Clock::now());
+    longest = std::clamp(left, 0ms, kLongestWait);
+  }
+  const int more = mosquitto_want_write(client_.get()) ? POLLOUT : 0;
+  std::array<pollfd, 2> handles{
+      pollfd{mailbox_->wake_handle(), POLLIN, 0},
+      pollfd{open_ ? mosquitto_socket(client_.get()) : -1, static_cast<short>(POLLIN | more), 0}};
+  poll(handles.data(), handles.size(), static_cast<int>(longest.count()));
+  mailbox_->woken();
+}
+
+bool Link::finished() {
+  if (mailbox_->abandoned()) return true;
+  return ready_ && in_flight_ == 0 && mailbox_->closing() && mailbox_->empty();
+}
+
+Link::Clock::time_point Link::next_attempt() {
+  return mailbox_->closing() ? std::min(next_attempt_, last_attempt_ + kHastyInterval) : next_attempt_;
+}
+
+}  // namespace lm::host::outputs::mqtt

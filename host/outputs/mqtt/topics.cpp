@@ -1,0 +1,68 @@
+#include "host/outputs/mqtt/topics.h"
+
+#include <filesystem>
+
+#include "host/base/json_text.h"
+#include "host/base/shown_address.h"
+
+namespace lm::host::outputs::mqtt {
+namespace {
+
+constexpr std::size_t kLongestName = 64;
+
+// What identifies a stream: host, port and path. Behind the ? there may be a password as well.
+std::string without_account(const std::string& address, std::size_t scheme_end) {
+  std::string rest = address.substr(scheme_end + 3);
+  rest.resize(std::min(rest.find_first_of("?#"), rest.size()));
+  const std::size_t at = rest.substr(0, rest.find('/')).rfind('@');
+  return at == std::string::npos ? rest : rest.substr(at + 1);
+}
+
+std::string cleaned(const std::string& text) {
+  std::string name;
+  for (const char c : text) {
+    const bool capital = c >= 'A' && c <= 'Z';
+    const bool good = (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9') || c == '-';
+    if (capital || good) {
+      name += static_cast<char>(capital ? c - 'A' + 'a' : c);
+    } else if (!name.empty() && !name.ends_with('_')) {
+      name += '_';
+    }
+  }
+  name.resize(std::min(name.size(), kLongestName));
+  while (name.ends_with('_')) name.pop_back();
+  return name.empty() ? "camera" : name;
+}
+
+}  // namespace
+
+std::string camera_name(const std::string& source) {
+  if (source.empty()) return "builtin";
+  const std::size_t scheme = source.find("://");
+  if (scheme != std::string::npos) return cleaned(without_account(base::shown_address(source), scheme));
+  return cleaned(std::filesystem::path(source).stem().string());
+}
+
+std::string Topics::unique_id() const { return cleaned(base); }
+
+Message discovery_message(const std::string& discovery, const Topics& topics) {
+  Json::Value sensor;
+  sensor["name"] = "Motion";
+  sensor["unique_id"] = topics.unique_id();
+  sensor["device_class"] = "motion";
+  sensor["state_topic"] = topics.motion();
+  sensor["payload_on"] = kMotion;
+  sensor["payload_off"] = kNoMotion;
+  sensor["availability_topic"] = topics.availability();
+  sensor["payload_available"] = kOnline;
+  sensor["payload_not_available"] = kOffline;
+  sensor["json_attributes_topic"] = topics.event("end");
+  sensor["device"]["identifiers"].append(topics.unique_id());
+  sensor["device"]["name"] = topics.camera;
+  sensor["origin"]["name"] = "lightmotion";
+  sensor["origin"]["sw_version"] = LIGHTMOTION_VERSION;
+  return {MessageKind::kStanding, discovery + "/binary_sensor/" + topics.unique_id() + "/config",
+          base::verbatim_json(sensor)};
+}
+
+}  // namespace lm::host::outputs::mqtt

@@ -1,0 +1,23 @@
+// Texts that become HTML.
+#pragma once
+
+#include <map>
+#include <string>
+#include <string_view>
+
+namespace lm::host::outputs::report {
+
+// `text` so that a browser shows it as it is, within an element or an attribute in quotes. What is no UTF-8,
+// and control characters, are shown as replacement characters.
+std::string escaped(std::string_view text);
+
+using Values = std::map<std::string, std::string, std::less<>>;
+
+// The template with {{name}} replaced by the value, escaped, and {{{name}}} by the value as it is. Throws
+// std::logic_error for a name without a value.
+std::string fill(std::string_view page, const Values& values);
+
+// "data:image/jpeg;base64,..."
+std::string data_uri(const std::string& jpeg);
+
+}  // namespace lm::host::outputs::report

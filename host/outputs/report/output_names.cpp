@@ -1,0 +1,42 @@
+#include "host/outputs/report/output_names.h"
+
+#include <array>
+#include <cstdio>
+#include <ctime>
+
+namespace lm::host::outputs::report {
+namespace {
+
+using namespace std::chrono;
+
+std::string since_start(microseconds time) {
+  const long long thousandths = duration_cast<milliseconds>(time).count();
+  std::array<char, 48> text{};
+  std::snprintf(text.data(), text.size(), "%02lldh%02lldm%02lld.%03llds", thousandths / 3'600'000,
+                thousandths / 60'000 % 60, thousandths / 1000 % 60, thousandths % 1000);
+  return text.data();
+}
+
+std::string on_the_clock(events::WallTime time) {
+  const long long thousandths = duration_cast<milliseconds>(time.time_since_epoch()).count();
+  const std::time_t seconds = thousandths / 1000;
+  std::tm parts{};
+  gmtime_r(&seconds, &parts);
+  std::array<char, 64> text{};
+  const std::size_t length = std::strftime(text.data(), text.size(), "%Y-%m-%dT%H-%M-%S", &parts);
+  std::snprintf(text.data() + length, text.size() - length, ".%03lldZ", thousandths % 1000);
+  return text.data();
+}
+
+}  // namespace
+
+const char* kind_name(events::EventKind kind) {
+  return kind == events::EventKind::kLight ? "light" : "motion";
+}
+
+std::string event_stem(const events::Event& event) {
+  const std::string time = event.wall_start ? on_the_clock(*event.wall_start) : since_start(event.start);
+  return time + "-" + kind_name(event.kind);
+}
+
+}  // namespace lm::host::outputs::report

@@ -1,0 +1,32 @@
+#include "host/outputs/report/snapshots.h"
+
+#include "host/base/time_text.h"
+#include "host/base/whole_file.h"
+#include "host/outputs/overlay.h"
+#include "host/outputs/report/image_bytes.h"
+#include "host/outputs/report/lookback.h"
+#include "host/outputs/report/output_names.h"
+#include "host/outputs/report/shown_size.h"
+
+namespace lm::host::outputs::report {
+namespace {
+
+constexpr int kCoarseness = 3;
+constexpr int kLongest = 65'500;  // what JPEG can hold
+
+}  // namespace
+
+Snapshots::Snapshots(const std::string& folder, const source::SourceInfo& source,
+                     const events::EventRules& rules)
+    : folder_(folder), best_(lookback(rules), shown_size(source.size, source.pixel_aspect, kLongest)) {
+  base::make_folder(folder);
+}
+
+void Snapshots::ended(const events::Event& event) {
+  Still still = best_.take(event);
+  if (still.image.empty()) return;
+  draw_overlay(still.image, still.boxes, base::seconds_text(still.time) + " s");
+  base::write_file(folder_ + "/" + event_stem(event) + ".jpg", jpeg_bytes(still.image, kCoarseness));
+}
+
+}  // namespace lm::host::outputs::report

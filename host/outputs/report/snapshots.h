@@ -1,0 +1,30 @@
+// --snapshots: the best frame of each event as a picture with its boxes.
+#pragma once
+
+#include <string>
+
+#include "host/events/event_options.h"
+#include "host/events/listener.h"
+#include "host/outputs/report/best_frames.h"
+
+namespace lm::host::outputs::report {
+
+// Each picture is complete, and has its name, as soon as its event has ended.
+class Snapshots : public events::EventListener {
+ public:
+  // `folder`: made when it is missing.
+  Snapshots(const std::string& folder, const source::SourceInfo& source, const events::EventRules& rules);
+
+  void frame(const source::Frame& frame, const events::Observation& seen) override {
+    best_.frame(frame.image, seen);
+  }
+  void begun(const events::Event& event) override { best_.follow(event); }
+  void changed(const events::Event& event) override { best_.follow(event); }
+  void ended(const events::Event& event) override;
+
+ private:
+  std::string folder_;
+  BestFrames best_;
+};
+
+}  // namespace lm::host::outputs::report

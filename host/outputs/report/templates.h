@@ -1,0 +1,10 @@
+// The files in host/report/template, compiled in.
+#pragma once
+
+namespace lm::host::outputs::report::templates {
+
+extern const char* const page;
+extern const char* const event;
+extern const char* const style;
+
+}  // namespace lm::host::outputs::report::templates

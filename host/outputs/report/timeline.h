@@ -1,0 +1,17 @@
+// The report's timeline as HTML.
+#pragma once
+
+#include <chrono>
+#include <string>
+#include <vector>
+
+#include "host/outputs/report/page.h"
+
+namespace lm::host::outputs::report {
+
+// Round times from 0 on, at most `most` of them, that divide the length.
+std::vector<std::chrono::microseconds> axis_times(std::chrono::microseconds length, int most);
+
+std::string timeline(const PageData& data);
+
+}  // namespace lm::host::outputs::report

@@ -1,0 +1,161 @@
+#include "host/source/live/live_source.h"
+
+#include <algorithm>
+#include <condition_variable>
+#include <utility>
+
+#include "host/base/failure.h"
+#include "host/base/interrupt.h"
+#include "host/base/time_text.h"
+
+namespace lm::host::source::live {
+namespace {
+
+using namespace std::chrono_literals;
+
+// A connection that lasted this long is good: after its loss, the back-off starts over.
+constexpr auto kGoodConnection = base::BackOff::kLongest;
+
+// Signals do not end a wait, so they are polled at this interval.
+constexpr auto kGlance = 100ms;
+
+void wait_or_stop(std::chrono::milliseconds time, std::stop_token stop) {
+  std::mutex mutex;
+  std::unique_lock lock(mutex);
+  std::condition_variable_any().wait_for(lock, std::move(stop), time, [] { return false; });
+}
+
+}  // namespace
+
+LiveSource::Surroundings::Surroundings() : wait(wait_or_stop) {}
+
+LiveSource::LiveSource(std::unique_ptr<Source> first, Connect connect, std::optional<Time> patience,
+                       std::stop_source stop, Surroundings surroundings)
+    : info_(first->info()),
+      connection_(std::move(first)),
+      connect_(std::move(connect)),
+      patience_(patience),
+      stop_(std::move(stop)),
+      surroundings_(std::move(surroundings)),
+      back_off_(surroundings_.chance),
+      last_frame_(surroundings_.now()) {
+  info_.start = std::chrono::system_clock::now();
+}
+
+LiveSource::~LiveSource() {
+  stop_.request_stop();
+  if (reader_.joinable()) reader_.join();
+}
+
+bool LiveSource::next(Frame& frame) {
+  if (!reader_.joinable()) reader_ = std::thread([this] { read(); });
+  while (base::interrupted() == 0 && !stop_.stop_requested()) {
+    NewestFrame::Taken taken = newest_.take(kGlance);
+    for (const std::string& message : taken.messages) say(message);
+    if (taken.frame) {
+      frame = std::move(*taken.frame);
+      // Frames may have been buffered, but none arrives before it is captured.
+      info_.start = std::min(*info_.start, std::chrono::system_clock::now() - frame.time);
+      return true;
+    }
+    if (!taken.ended) continue;
+    if (error_) std::rethrow_exception(error_);
+    return false;
+  }
+  return false;
+}
+
+std::string LiveSource::trouble() const {
+  const std::scoped_lock lock(mutex_);
+  return base::interrupted() != 0 ? "" : trouble_;
+}
+
+SourceCounts LiveSource::counts() const {
+  const std::scoped_lock lock(mutex_);
+  return counts_;
+}
+
+LiveSource::Time LiveSource::since(base::Deadline::Clock::time_point begin) const {
+  return std::chrono::duration_cast<Time>(surroundings_.now() - begin);
+}
+
+void LiveSource::read() {
+  try {
+    do {
+      forward_frames();
+    } while (!stop_.stop_requested() && base::interrupted() == 0 && connect_again());
+  } catch (...) {
+    error_ = std::current_exception();
+  }
+  newest_.end();
+}
+
+void LiveSource::forward_frames() {
+  const auto begin = surroundings_.now();
+  Shedding shedding(begin);
+  for (Frame frame; connection_->next(frame);) {
+    last_frame_ = surroundings_.now();
+    frame.time = last_time_ = first_time_ + frame.time;
+    frame.number = last_number_ = first_number_ + frame.number;
+    if (!news_.empty()) {
+      frame.note = std::exchange(news_, "");
+      frame.anew = true;
+    }
+    const bool dropped = !newest_.put(std::move(frame));
+    if (std::string text = shedding.count(dropped, last_frame_); !text.empty())
+      newest_.put_message(std::move(text));
+    const std::scoped_lock lock(mutex_);
+    ++counts_.frames;
+    counts_.dropped += dropped ? 1 : 0;
+  }
+  if (surroundings_.now() - begin >= kGoodConnection) back_off_.reset();
+}
+
+// Retries until connected; false when the time for it is over or the program is stopping.
+bool LiveSource::connect_again() {
+  std::string cause = connection_->trouble();
+  if (cause.empty()) cause = "the stream ended";
+  connection_.reset();
+  newest_.put_message("connection lost: " + cause);
+  const std::string lost_by = cause;
+  for (;;) {
+    const auto delay = back_off_.next();
+    const Time away = since(last_frame_);
+    if (patience_ && away + delay > *patience_) break;
+    surroundings_.wait(delay, stop_.get_token());
+    if (stop_.stop_requested() || base::interrupted() != 0) return false;
+    const std::string refusal = attempt();
+    if (refusal.empty()) {
+      connected(since(last_frame_), lost_by);
+      return true;
+    }
+    if (refusal != cause) newest_.put_message("still disconnected: " + refusal);
+    cause = refusal;
+  }
+  const std::scoped_lock lock(mutex_);
+  trouble_ = "connection lost, gave up: " + cause;
+  return false;
+}
+
+// Returns why there is no connection; empty when there is one.
+std::string LiveSource::attempt() {
+  try {
+    connection_ = connect_();
+    return "";
+  } catch (const base::Failure& failure) {
+    const std::string text = failure.what();
+    const std::string prefix = info_.name + ": ";
+    return text.starts_with(prefix) ? text.substr(prefix.size()) : text;
+  }
+}
+
+void LiveSource::connected(Time away, const std::string& cause) {
+  first_time_ = last_time_ + std::max<Time>(away, 1ms);
+  first_number_ = last_number_ + 1;
+  news_ = "reconnected after " + base::seconds_text(away) + " s without pictures: " + cause;
+  const std::scoped_lock lock(mutex_);
+  ++counts_.reconnections;
+  counts_.away += away;
+}
+
+}  // namespace lm::host::source::live

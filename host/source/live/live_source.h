@@ -1,0 +1,84 @@
+// A source that happens now: read by a thread of its own, and connected anew when it is lost.
+#pragma once
+
+#include <chrono>
+#include <exception>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <stop_token>
+#include <string>
+#include <thread>
+
+#include "host/base/back_off.h"
+#include "host/base/deadline.h"
+#include "host/source/live/newest_frame.h"
+#include "host/source/live/shedding.h"
+#include "host/source/source.h"
+
+namespace lm::host::source::live {
+
+// Hands out the newest frame and drops those that nobody had time for. Times go on over a loss by as much as
+// the loss lasted.
+class LiveSource : public Source {
+ public:
+  // Throws Failure when there is no connection to be had. A connection ends when its next returns false.
+  using Connect = std::function<std::unique_ptr<Source>()>;
+
+  // Time and chance, for tests to replace.
+  struct Surroundings {
+    base::Deadline::Now now = base::Deadline::Clock::now;
+    std::function<void(std::chrono::milliseconds, std::stop_token)> wait;
+    base::BackOff::Chance chance = base::real_chance();
+    Surroundings();
+  };
+
+  // `stop`: what makes a connection's next return early, for the end. `patience`: as in Reading.
+  LiveSource(std::unique_ptr<Source> first, Connect connect,
+             std::optional<std::chrono::microseconds> patience, std::stop_source stop,
+             Surroundings surroundings = {});
+  ~LiveSource() override;
+  LiveSource(const LiveSource&) = delete;
+  LiveSource& operator=(const LiveSource&) = delete;
+
+  const SourceInfo& info() const override { return info_; }
+  bool next(Frame& frame) override;
+  std::string trouble() const override;
+  SourceCounts counts() const override;
+
+ private:
+  using Time = std::chrono::microseconds;
+
+  void read();  // the thread
+  void forward_frames();
+  bool connect_again();
+  std::string attempt();
+  void connected(Time away, const std::string& cause);
+  Time since(base::Deadline::Clock::time_point begin) const;
+
+  SourceInfo info_;
+  std::unique_ptr<Source> connection_;
+  Connect connect_;
+  std::optional<Time> patience_;
+  std::stop_source stop_;
+  Surroundings surroundings_;
+  base::BackOff back_off_;
+
+  // Where this connection's count of time and frames begins, and what its first frame has to tell.
+  Time first_time_{0};
+  std::int64_t first_number_ = 0;
+  std::string news_;
+  Time last_time_{0};
+  std::int64_t last_number_ = 0;
+  base::Deadline::Clock::time_point last_frame_;
+
+  NewestFrame newest_;
+  mutable std::mutex mutex_;  // of what both threads see
+  SourceCounts counts_;
+  std::string trouble_;
+  std::exception_ptr error_;
+  std::thread reader_;
+};
+
+}  // namespace lm::host::source::live

@@ -1,0 +1,14 @@
+// The time of a frame as the plug-in is told it.
+#pragma once
+
+#include <string>
+
+#include "host/source/source.h"
+
+namespace lm::host::source {
+
+// Milliseconds: a file's own time counted from 1, because the plug-in takes 0 for "unknown"; else the wall
+// clock.
+std::string timestamp(const SourceInfo& source, const Frame& frame);
+
+}  // namespace lm::host::source

@@ -1,0 +1,136 @@
+// The table of kernel versions: one array per kernel, one row per version. Dispatch, tests and benchmarks
+// read it; tests compare it with the library's exported names and with the object files. Not exported.
+#pragma once
+
+#include <cstddef>
+
+#include "simd/mask_kernels.h"
+#include "simd/model_kernels.h"
+#include "simd/simd.h"
+
+namespace lm {
+
+template <class Function>
+struct Version {
+  const char* name;  // the function's, without namespace
+  int level;         // the lowest with the instructions that it uses
+  Function* function;
+};
+
+namespace level = simd::level;
+
+// In each array the reference version comes first, then rising levels.
+
+// ---- public, in namespace simd ----------------------------------------------------------------------------
+inline constexpr Version<simd::ReplaceFn> replaceVersions[] = {
+    {"replace_if_u8_c", level::none, simd::replace_if_u8_c},
+    {"replace_if_u8_sse2", level::sse2, simd::replace_if_u8_sse2},
+    {"replace_if_u8_sse41", level::sse41, simd::replace_if_u8_sse41},
+    {"replace_if_u8_avx2", level::avx2, simd::replace_if_u8_avx2},
+};
+inline constexpr Version<simd::GenRdDiffFn> genRdDiffVersions[] = {
+    {"genRdDiff_c", level::none, simd::genRdDiff_c},
+    {"genRdDiff_ssse3", level::ssse3, simd::genRdDiff_ssse3},
+    {"genRdDiff_sse41", level::sse41, simd::genRdDiff_sse41},
+};
+inline constexpr Version<simd::PruneFn> pruneVersions[] = {
+    {"pruneFgByRoi_c", level::none, simd::pruneFgByRoi_c},
+    {"pruneFgByRoi_sse2", level::sse2, simd::pruneFgByRoi_sse2},
+    {"pruneFgByRoi_sse41", level::sse41, simd::pruneFgByRoi_sse41},
+    {"pruneFgByRoi_avx2", level::avx2, simd::pruneFgByRoi_avx2},
+};
+inline constexpr Version<simd::MatchFn> matchVersions[] = {
+    {"isMatchVal_bgr24_c", level::none, simd::isMatchVal_bgr24_c},
+    {"isMatchVal_bgr24_ssse3", level::ssse3, simd::isMatchVal_bgr24_ssse3},
+    {"isMatchVal_bgr24_sse41", level::sse41, simd::isMatchVal_bgr24_sse41},
+};
+inline constexpr Version<simd::TouchFn> touchVersions[] = {
+    {"isTouch_c", level::none, simd::isTouch_c},
+    {"isTouch_sse2", level::sse2, simd::isTouch_sse2},
+};
+inline constexpr Version<simd::WidenFn> widenVersions[] = {
+    {"cvt_u8_to_u32", level::none, simd::cvt_u8_to_u32},
+};
+
+// ---- of the background model, in namespace lm -------------------------------------------------------------
+inline constexpr Version<TakeFrameFn> takeFrameVersions[] = {
+    {"takeFrame_c", level::none, takeFrame_c},
+    {"takeFrame_avx2", level::avx2, takeFrame_avx2},
+};
+inline constexpr Version<FindBusyFn> findBusyVersions[] = {
+    {"findBusy_c", level::none, findBusy_c},
+    {"findBusy_avx2", level::avx2, findBusy_avx2},
+};
+inline constexpr Version<SettleBlockFn> settleBlockVersions[] = {
+    {"settleBlock_c", level::none, settleBlock_c},
+    {"settleBlock_avx2", level::avx2, settleBlock_avx2},
+};
+inline constexpr Version<MatchBlockFn> matchBlockVersions[] = {
+    {"matchBlock_c", level::none, matchBlock_c},
+    {"matchBlock_avx2", level::avx2, matchBlock_avx2},
+};
+inline constexpr Version<FindUpdateWorkFn> findUpdateWorkVersions[] = {
+    {"findUpdateWork_c", level::none, findUpdateWork_c},
+    {"findUpdateWork_avx2", level::avx2, findUpdateWork_avx2},
+};
+
+// ---- of object extraction, in namespace lm ----------------------------------------------------------------
+inline constexpr Version<PackRowFn> packRowVersions[] = {
+    {"packRow_c", level::none, packRow_c},
+    {"packRow_avx2", level::avx2, packRow_avx2},
+};
+inline constexpr Version<UnpackRowFn> unpackRowVersions[] = {
+    {"unpackRow_c", level::none, unpackRow_c},
+    {"unpackRow_avx2", level::avx2, unpackRow_avx2},
+};
+
+// ---- queries ----------------------------------------------------------------------------------------------
+
+// Calls visit(kernel, versions) for every public kernel, then for every internal one.
+template <class Visit>
+void forEachPublicKernel(Visit visit) {
+  visit("replace_if_u8", replaceVersions);
+  visit("genRdDiff", genRdDiffVersions);
+  visit("pruneFgByRoi", pruneVersions);
+  visit("isMatchVal_bgr24", matchVersions);
+  visit("isTouch", touchVersions);
+  visit("cvt_u8_to_u32", widenVersions);
+}
+
+template <class Visit>
+void forEachInternalKernel(Visit visit) {
+  visit("takeFrame", takeFrameVersions);
+  visit("findBusy", findBusyVersions);
+  visit("settleBlock", settleBlockVersions);
+  visit("matchBlock", matchBlockVersions);
+  visit("findUpdateWork", findUpdateWorkVersions);
+  visit("packRow", packRowVersions);
+  visit("unpackRow", unpackRowVersions);
+}
+
+template <class Visit>
+void forEachKernel(Visit visit) {
+  forEachPublicKernel(visit);
+  forEachInternalKernel(visit);
+}
+
+// The last version that a processor of `level` can run.
+template <class Function, std::size_t count>
+constexpr const Version<Function>& versionFor(int level, const Version<Function> (&versions)[count]) {
+  const Version<Function>* chosen = versions;
+  for (const Version<Function>& version : versions) {
+    if (version.level <= level) chosen = &version;
+  }
+  return *chosen;
+}
+
+// The name of the version that `function` is; "?" if it is none of them.
+template <class Function, std::size_t count>
+constexpr const char* nameOf(Function* function, const Version<Function> (&versions)[count]) {
+  for (const Version<Function>& version : versions) {
+    if (version.function == function) return version.name;
+  }
+  return "?";
+}
+
+}  // namespace lm

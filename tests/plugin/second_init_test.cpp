@@ -1,0 +1,78 @@
+// A detector that is configured again for frames of another shape. The engine keeps the size of the first
+// frame and the tables made for it.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+#include "engine/engine_state.h"
+#include "engine/kamble.h"
+#include "plugin/detector.h"
+#include "tests/plugin/scene.h"
+#include "tests/support/capture.h"
+
+namespace lm::test {
+namespace {
+
+class SecondInit : public ::testing::Test {
+ protected:
+  SecondInit() { configure({100, 40, 1}); }
+  ~SecondInit() override {
+    // The masks of the first configuration are dropped without being freed.
+    for (std::uint8_t* mask : dropped_) delete[] mask;
+  }
+
+  void configure(const FrameSize& size) {
+    if (detector_.engine != nullptr) dropped_.push_back(detector_.engine->roiInclude.at(0).mask);
+    ASSERT_TRUE(detector_.init(documentFor(size).c_str()));
+  }
+
+  void learn(const Bytes& frame) {
+    int length = -1;
+    time_ += 40;
+    detector_.frameProc(frame.data(), std::to_string(time_).c_str(), &length);
+  }
+
+  lightMotion detector_;
+  const Bytes dark_ = Bytes(4000, 50);
+
+ private:
+  const Capture err_{stderr};
+  std::vector<std::uint8_t*> dropped_;
+  int time_ = 1000;
+};
+
+TEST_F(SecondInit, OfTallerFramesReleasesTheLabelRowsThatThereAre) {
+  learn(dark_);
+  ASSERT_NE(detector_.engine->labelRows, nullptr);
+  configure({40, 100, 1});
+  detector_.terminate();
+  EXPECT_EQ(detector_.engine, nullptr);
+}
+
+// Neighbours are those of the first frame, 100 pixels wide. After seeding a pixel's next neighbour is the one
+// a column to the right and two rows below.
+TEST_F(SecondInit, OfTurnedFramesLooksForLightWhereTheFirstFrameHasNeighbours) {
+  learn(dark_);
+  configure({40, 100, 1});
+  Bytes lit = dark_;
+  for (const std::size_t pixel : {3050, 3050 + 201}) lit[pixel] = 58;
+  std::fill_n(lit.begin() + 3840, 80, std::uint8_t{58});  // less than two rows from the frame's end
+  learn(lit);
+  EXPECT_EQ(detector_.engine->frmCount, 2);
+  EXPECT_EQ(detector_.engine->bgImg[3050], 58) << "followed together with its neighbour";
+  EXPECT_EQ(detector_.engine->bgImg[3050 + 201], 50) << "lit alone";
+}
+
+// A strip's light is compared as far ahead as the neighbours reach.
+TEST_F(SecondInit, OfNarrowerFramesComparesLightTwoRowsOfTheFirstFrameAhead) {
+  learn(dark_);
+  configure({40, 100, 1});
+  stateOf(*detector_.engine).stripPixels = 40;
+  Bytes lit = dark_;
+  for (const std::size_t pixel : {1050, 1050 + 201}) lit[pixel] = 58;
+  learn(lit);
+  EXPECT_EQ(detector_.engine->bgImg[1050], 58);
+}
+
+}  // namespace
+}  // namespace lm::test

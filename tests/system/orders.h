@@ -1,0 +1,150 @@
+// Calls in any order: single operations, settings, direct writes to public fields and changes of size, made
+// to several detectors and to their plain counterparts, compared field by field after every call.
+//
+// What a host must not do is left out: frames and masks of other lengths than announced, a frame of another
+// shape than the tables that the engine holds while it counts its frames from 0 again, values outside the
+// ranges that the fields state. Also left out are writes to the neighbour tables and to the label planes, and
+// masks of values that the engine itself never makes.
+#pragma once
+
+#include <algorithm>
+#include <array>
+#include <cstdint>
+#include <random>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "engine/kamble.h"
+#include "plugin/detector.h"
+#include "tests/plain/detector.h"
+#include "tests/system/scene.h"
+
+namespace orders {
+
+class Dice {
+ public:
+  explicit Dice(std::uint32_t seed) : numbers_(seed) {}
+  int below(int limit) { return static_cast<int>(numbers_() % static_cast<std::uint32_t>(limit)); }
+  int between(int low, int high) { return low + below(high - low + 1); }
+  bool chance(int percent) { return below(100) < percent; }
+  template <class List>
+  auto oneOf(const List& list) {
+    return list[static_cast<std::size_t>(below(static_cast<int>(std::size(list))))];
+  }
+
+ private:
+  std::mt19937 numbers_;
+};
+
+struct Shape {
+  int width = 0, height = 0;
+  int pixels() const { return width * height; }
+  bool operator==(const Shape&) const = default;
+};
+Shape anyShape(Dice& dice);  // many have as many pixels as another one
+
+using Bytes = std::vector<std::uint8_t>;
+
+// A detector and its plain counterpart, which get the same calls.
+class Pair {
+ public:
+  explicit Pair(Dice& dice);
+  Pair(const Pair&) = delete;
+  Pair& operator=(const Pair&) = delete;
+
+  bool hasEngine() const { return real.engine != nullptr; }
+  kAMBLE& engine() { return *real.engine; }
+  plain::Model& model() { return *plain.engine; }
+  const plain::Model& model() const { return *plain.engine; }
+
+  bool hasTables() const { return !model().nbr4Idx.empty(); }
+  Shape sized() const { return tables; }  // what the tables were made for
+  Shape configured() const { return {model().szImgX, model().szImgY}; }
+  std::size_t pixels() const { return static_cast<std::size_t>(model().numPixel); }
+
+  Bytes picture(Dice& dice, Shape shape, int channels);  // the next of the scene
+  std::string timestamp(Dice& dice);
+
+  // Frees the region masks that a further configuration dropped.
+  void freeDroppedMasks(const std::vector<std::uint8_t*>& before);
+  std::vector<std::uint8_t*> masks() const;
+
+  // The first field in which the two differ, or empty.
+  std::string difference();
+
+  lightMotion real;
+  plain::Detector plain;
+  Shape tables;
+  int channels;  // of most frames
+
+ private:
+  scene::Scene scene_;
+  int frame_ = 0;
+  std::int64_t time_ = 1000;
+};
+
+// What a call gave on both sides, where that is not the same; else empty.
+template <class T>
+std::string unequal(const T& real, const T& plain) {
+  if (real == plain) return "";
+  std::ostringstream text;
+  text << "returned: engine " << real << ", model " << plain;
+  return text.str();
+}
+std::string unequal(const std::vector<boxRect>& real, const std::vector<plain::Box>& plain);
+std::string unequal(const std::vector<bool>& real, const std::vector<bool>& plain);
+std::string unequalBytes(const std::uint8_t* real, const Bytes& plain);
+
+// Calls both sides with the same state of rand(); exceptions are results like others. What they gave
+// differently, or empty.
+template <class Real, class Plain>
+std::string callBoth(int seed, const Real& real, const Plain& plain) {
+  const auto outcome = [seed](const auto& call, auto& value) -> std::string {
+    std::srand(static_cast<unsigned>(seed));
+    try {
+      value = call();
+      return "";
+    } catch (const std::exception& thrown) {
+      return thrown.what();
+    }
+  };
+  decltype(real()) ours{};
+  decltype(plain()) theirs{};
+  const std::string ourError = outcome(real, ours);
+  const int ourDraw = std::rand();
+  const std::string theirError = outcome(plain, theirs);
+  if (ourError != theirError) return "threw: engine " + ourError + ", model " + theirError;
+  if (ourDraw != std::rand()) return "rand() was drawn from a different number of times";
+  return unequal(ours, theirs);
+}
+
+// Makes the same change to both.
+template <class Change>
+void toBoth(Pair& pair, const Change& change) {
+  change(pair.engine());
+  change(pair.model());
+}
+
+// One kind of call. `run` makes it on both sides, writes it out in `call` and returns what came back
+// different.
+struct Operation {
+  const char* name;
+  int weight;
+  bool (*allowed)(const Pair&);
+  std::string (*run)(Pair& pair, Dice& dice, std::string& call);
+};
+
+// orders_*.cpp
+std::vector<Operation> frameOperations();
+std::vector<Operation> bufferOperations();
+std::vector<Operation> configurationOperations();
+std::vector<Operation> objectOperations();
+std::vector<Operation> fieldOperations();
+std::vector<Operation> planeOperations();
+std::vector<Operation> detectorOperations();
+
+// Makes calls at random as the seed says. Where the two sides differ: seed, step, difference and all calls.
+std::string run(std::uint32_t seed, int steps);
+
+}  // namespace orders
