@@ -54,6 +54,9 @@ if(LIGHTMOTION_HOST)
 This package contains the program, which runs the plug-in on files, streams
 and cameras and writes result lines, events, reports and annotated videos.")
   set(CPACK_DEBIAN_PROGRAM_PACKAGE_SHLIBDEPS ON)
+  # Loaded when a local camera is named. The number is that of the libavformat that the program is built with.
+  string(REGEX REPLACE "\\..*" "" ffmpeg_number "${FFMPEG_libavformat_VERSION}")
+  set(CPACK_DEBIAN_PROGRAM_PACKAGE_SUGGESTS libavdevice${ffmpeg_number})
 endif()
 
 include(CPack)

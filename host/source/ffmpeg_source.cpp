@@ -1,5 +1,7 @@
 #include "host/source/ffmpeg_source.h"
 
+#include <dlfcn.h>
+
 #include <algorithm>
 #include <cmath>
 #include <new>
@@ -14,7 +16,6 @@
 #include "host/source/frame_clock.h"
 
 extern "C" {
-#include <libavdevice/avdevice.h>
 #include <libavutil/display.h>
 }
 
@@ -65,6 +66,21 @@ std::optional<Time> stated_duration(const AVFormatContext& input, const AVStream
   throw base::Failure(base::kTrouble, name + ": " + cause);
 }
 
+// Loaded for local cameras alone: it depends on dozens of packages that files and streams do not need. FFmpeg
+// gives its libavformat and libavdevice the same number.
+void load_camera_support() {
+  constexpr const char* kLibrary = "libavdevice.so." AV_STRINGIFY(LIBAVFORMAT_VERSION_MAJOR);
+  static const bool loaded = [] {
+    void* library = dlopen(kLibrary, RTLD_NOW | RTLD_LOCAL);
+    auto* const add = library == nullptr ? nullptr : dlsym(library, "avdevice_register_all");
+    if (add != nullptr) reinterpret_cast<void (*)()>(add)();
+    return add != nullptr;
+  }();
+  if (loaded) return;
+  throw Failure(kRefused, std::string("local cameras need the library ") + kLibrary +
+                              ": install the package libavdevice" + AV_STRINGIFY(LIBAVFORMAT_VERSION_MAJOR));
+}
+
 }  // namespace
 
 bool is_camera(const std::string& name) {
@@ -113,7 +129,7 @@ std::string FfmpegSource::error_text(int code) const {
 }
 
 void FfmpegSource::open_input() {
-  avdevice_register_all();
+  if (is_camera(address_)) load_camera_support();
   AVFormatContext* input = avformat_alloc_context();
   if (input == nullptr) throw std::bad_alloc();
   input->interrupt_callback = {

@@ -26,5 +26,6 @@ endfunction()
 
 python_test(installed.tree installed_test.py installation)
 python_test(installed.options options_test.py installation)
+python_test(run.script run_script_test.py installation)
 python_test(examples.hosts ../examples/examples_test.py installation)
 python_test(packages.contents packages_test.py packages)

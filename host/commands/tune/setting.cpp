@@ -9,7 +9,7 @@ namespace {
 constexpr int kUsualAdaptation = 3;
 
 // The shortest text that gives the number back, in every locale.
-std::string text_of(double value) {
+std::string decimal_text(double value) {
   std::array<char, 32> text{};
   return {text.data(), std::to_chars(text.data(), text.data() + text.size(), value).ptr};
 }
@@ -20,8 +20,8 @@ Members members_of(const Setting& setting) {
   const LeastBox& box = kLeastBoxes.at(setting.least_box);
   return {{"sensitivity", std::to_string(setting.sensitivity)},
           {"lcAdap", std::to_string(setting.adaptation)},
-          {"minBoxW", text_of(box.width)},
-          {"minBoxH", text_of(box.height)}};
+          {"minBoxW", decimal_text(box.width)},
+          {"minBoxH", decimal_text(box.height)}};
 }
 
 std::vector<Setting> coarse_grid() {

@@ -1,5 +1,5 @@
 // Waits for what has to come true, and fails when it does not in good time.
-const deadline = 20_000;
+const deadline = 60_000;
 const between = 40;
 
 // `probe` is asked again and again; its first answer that counts as true is handed back.
