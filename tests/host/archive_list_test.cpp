@@ -199,4 +199,16 @@ TEST_F(SlurmShard, IsRefusedOutsideOfAnArrayAndWhereTheArrayHasGaps) {
   EXPECT_NE(shard_refusal("slurm").find("the job array has gaps"), std::string::npos);
 }
 
+TEST_F(SlurmShard, IsRefusedWhereTheTaskIsNotOnTheArraysSteps) {
+  const std::string gaps = "--shard slurm: the job array has gaps, so some files would not be processed";
+  array("25", "4", "10", "10");
+  EXPECT_EQ(shard_refusal("slurm"), gaps) << "between 20 and 30";
+  array("9", "4", "10", "10");
+  EXPECT_EQ(shard_refusal("slurm"), gaps) << "before the first";
+  array("50", "4", "10", "10");
+  EXPECT_EQ(shard_refusal("slurm"), gaps) << "after the last, 40";
+  array("10", "4", "10", "0");
+  EXPECT_EQ(shard_refusal("slurm"), gaps) << "no step at all";
+}
+
 }  // namespace

@@ -178,6 +178,16 @@ TEST_F(Archive, LeavesAloneWhatIsDoneUntilSourceOrSettingsChange) {
   EXPECT_TRUE(kept());
 }
 
+// Two files of the same size are left; the bytes of the finished one are not in the time left.
+TEST_F(Archive, ReckonsTheTimeLeftWithoutFilesThatAreFinished) {
+  ASSERT_EQ(run("out", {"--shard", "1/3"}).status, 0);
+  const Names lines = program::lines(run("out", {"--progress", "json", "--jobs", "1"}).errors);
+  ASSERT_EQ(lines.size(), 3U);
+  EXPECT_NE(lines[1].find("\"eta\":"), std::string::npos) << "one of two processed: " << lines[1];
+  EXPECT_NE(lines[2].find("\"files_done\":3,"), std::string::npos) << lines[2];
+  EXPECT_EQ(lines[2].find("\"eta\":"), std::string::npos) << "nothing is left: " << lines[2];
+}
+
 TEST_F(Archive, KeepsOlderResultsWhereNewOnesFail) {
   ASSERT_EQ(run("out").status, 0);
   const auto before = tree(results(folder_ / "out", clips()[0]));

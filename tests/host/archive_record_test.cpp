@@ -121,6 +121,12 @@ TEST(Cause, IsTheLastComplaintWithoutTheNamesAndWarnings) {
             "the process was terminated by a signal: Segmentation fault");
 }
 
+TEST(Cause, IsNoWarning) {
+  const std::string warning = "lightmotion: warning: camera busy\n";
+  EXPECT_EQ(cause_of("lightmotion: /a.mp4: ends early\n" + warning, 1, "/a.mp4"), "ends early");
+  EXPECT_EQ(cause_of(warning, 1, "/a.mp4"), "the process exited with status 1");
+}
+
 TEST(Table, TellsPeopleOfEachFileAndOfAll) {
   const std::vector<TableRow> rows{
       {"/a.mp4", Outcome::kFine, figures(500, 450, 3, 20s), "a.mp4-1", ""},

@@ -82,7 +82,16 @@ INSTANTIATE_TEST_SUITE_P(
         Case{roi(points({{"0", "0"}, {"640", "360"}, {"0", "360"}})), "warning 1:43 roi[0].points[1].x",
              "far outside the frame, as are 2 other coordinates of this region"},
         Case{roi(points({{"-0.5", "0"}, {"1", "0"}, {"1", "1"}})), "note 1:25 roi[0].points[0].x",
-             "outside the frame; the region is clipped to the frame"}));
+             "outside the frame; the region is clipped to the frame"},
+        // Up to one frame beyond each edge is near.
+        Case{roi(points({{"2", "0"}, {"1", "1"}, {"0", "1"}})), "note 1:25 roi[0].points[0].x",
+             "outside the frame; the region is clipped to the frame"},
+        Case{roi(points({{"2.01", "0"}, {"1", "1"}, {"0", "1"}})), "warning 1:25 roi[0].points[0].x",
+             "far outside the frame"},
+        Case{roi(points({{"-1", "0"}, {"1", "0"}, {"1", "1"}})), "note 1:25 roi[0].points[0].x",
+             "outside the frame; the region is clipped to the frame"},
+        Case{roi(points({{"-1.01", "0"}, {"1", "0"}, {"1", "1"}})), "warning 1:25 roi[0].points[0].x",
+             "far outside the frame"}));
 
 // The rectangle of `kAll` has two coordinates of -1, of which there is a note.
 INSTANTIATE_TEST_SUITE_P(
@@ -207,6 +216,20 @@ TEST(CheckRegions, ALeastBoxThatNoBoxInThemCanReachIsAnError) {
             "320 x 180 pixels");
   // A box that touches the right border is as wide as the frame, and one side is enough.
   EXPECT_FALSE(verdict_on(rectangle("0.5", "0.25", "1", "0.75")).refused());
+}
+
+// The region's 320 x 180 pixels with a margin of one on each side make a largest box of 322 x 182.
+TEST(CheckRegions, ALeastBoxMayBeAsLargeAsTheRegionAndItsMargin) {
+  const auto refused = [](const char* width, const char* height) {
+    const std::string sizes = std::string(R"({"minBoxW":")") + width + R"(","minBoxH":")" + height + "\",";
+    return lm::host::detector::check::check_document(
+               sizes + "\"roi\":[{" + rectangle("0.25", "0.25", "0.75", "0.75") + "}]}", kFrame)
+        .refused();
+  };
+  EXPECT_FALSE(refused("0.504", "0.9")) << "322.56 pixels wide, rounded down";
+  EXPECT_TRUE(refused("0.506", "0.9")) << "323.84";
+  EXPECT_FALSE(refused("0.9", "0.506")) << "182.16 pixels high";
+  EXPECT_TRUE(refused("0.9", "0.509")) << "183.24";
 }
 
 TEST(CheckRegions, AreLookedAtBesideSettingsThatAreRefused) {

@@ -99,6 +99,14 @@ TEST_F(Light, SmallBoxesStayMotion) {
   EXPECT_EQ(by_light(in_light(scene_, 1, 40), {{0.1, 0.1, 0.2, 0.2}}), Flags{});
 }
 
+TEST_F(Light, TakesBoxesOverATenthOfTheFrame) {
+  const cv::Mat bright = in_light(scene_, 1, 40);
+  see(scene_);
+  EXPECT_EQ(by_light(bright, {{0, 0, 0.25, 0.36}}), Flags{}) << "0.09 of the frame";
+  EXPECT_EQ(by_light(bright, {{0, 0, 0.25, 0.44}}), Flags{true}) << "0.11";
+  EXPECT_EQ(by_light(bright, {{0, 0, 0.25, 0.22}, {0.5, 0, 0.25, 0.22}}), (Flags{true, true})) << "together";
+}
+
 TEST_F(Light, BoxesBesideTheLitPartAreMotion) {
   see(scene_);
   EXPECT_EQ(by_light(in_light(scene_, 1, 40, kLeft), {kRight, kLeft}), (Flags{false, true}));
@@ -120,6 +128,17 @@ TEST_F(Light, LastsUntilThePluginIsUsedToIt) {
   for (int i = 0; i < 20; ++i) EXPECT_EQ(by_light(bright, {kAll}), Flags{true});
   // The last comparison with the old light was 0.6 s in; 5 s later it is forgotten.
   time_ += 5s;
+  EXPECT_EQ(by_light(bright, {kAll}), Flags{});
+}
+
+// Pictures are compared with one half a second older: the last comparison with the old light is at 0.5 s.
+TEST_F(Light, LastsFiveSecondsToTheMicrosecond) {
+  see(scene_);
+  const cv::Mat bright = in_light(scene_, 1, 40);
+  for (int i = 1; i <= 6; ++i) see(bright, {kAll});
+  time_ = 5'500ms;
+  EXPECT_EQ(by_light(bright, {kAll}), Flags{true});
+  time_ = 5'500ms + 1us;
   EXPECT_EQ(by_light(bright, {kAll}), Flags{});
 }
 

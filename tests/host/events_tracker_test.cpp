@@ -153,6 +153,23 @@ TEST_F(Tracked, LightIsAnEventOfItsOwn) {
       "The lighting became brighter at 0.000 s: from 100.0 to 120.0 grey levels"));
 }
 
+TEST_F(Tracked, LightGoesFromItsFirstBrightnessToItsLast) {
+  Observation seen;
+  seen.boxes = {kBox};
+  seen.by_light = {true};
+  for (const LightChange light : {LightChange{100, 120, 0.5}, {110, 130, 0.7}, {120, 140, 0.9}}) {
+    seen.light = light;
+    tracker_.observe(Frame{}, seen);
+    seen.time += 500ms;
+  }
+  tracker_.finish("");
+  ASSERT_EQ(events_.size(), 1U);
+  ASSERT_TRUE(events_[0].light);
+  EXPECT_EQ(events_[0].light->before, 100);
+  EXPECT_EQ(events_[0].light->after, 140);
+  EXPECT_EQ(events_[0].light->share, 0.9);
+}
+
 TEST_F(Tracked, LightDoesNotEndMotionThatGoesOnAfterIt) {
   see(0s, 2s, {kBox});
   see(2500ms, 8s, {kBox}, {true});  // much longer than the gap

@@ -4,6 +4,8 @@
 #include <gtest/gtest.h>
 
 #include <deque>
+#include <functional>
+#include <utility>
 
 #include "host/base/failure.h"
 
@@ -15,15 +17,18 @@ using namespace lm::host::source::live;
 using namespace std::chrono_literals;
 using Time = std::chrono::microseconds;
 
-// Gives its frames 40 ms apart, each once the one before it was taken, and then ends.
+// Gives its frames 40 ms apart, each once the one before it was taken, and then ends. `wait`: what happens
+// before the first.
 class Connection : public Source {
  public:
-  Connection(int frames, std::string trouble) : left_(frames), trouble_(std::move(trouble)) {
+  Connection(int frames, std::string trouble, std::function<void()> wait = nullptr)
+      : left_(frames), trouble_(std::move(trouble)), wait_(std::move(wait)) {
     info_.name = "camera";
     info_.live = true;
   }
   const SourceInfo& info() const override { return info_; }
   bool next(Frame& frame) override {
+    if (wait_) std::exchange(wait_, nullptr)();
     if (left_-- == 0) return false;
     frame = {};
     frame.time = number_ * Time(40ms);
@@ -37,12 +42,14 @@ class Connection : public Source {
   int left_;
   int number_ = 0;
   std::string trouble_;
+  std::function<void()> wait_;
 };
 
 // What happens at each attempt to connect: so many frames, or a refusal.
 struct Attempt {
   int frames;
   std::string text;  // of the connection's trouble, or of the refusal when there are no frames
+  std::chrono::milliseconds lasts{0};
 };
 
 struct Watched {
@@ -68,7 +75,8 @@ Watched watch(std::deque<Attempt> attempts, std::optional<Time> patience) {
     const Attempt attempt = attempts.front();
     if (attempts.size() > 1) attempts.pop_front();
     if (attempt.frames == 0) throw Failure(kTrouble, "camera: " + attempt.text);
-    return std::make_unique<Connection>(attempt.frames, attempt.text);
+    return std::make_unique<Connection>(attempt.frames, attempt.text,
+                                        [&now, attempt] { now += attempt.lasts; });
   };
   LiveSource source(connect(), connect, patience, std::stop_source(), surroundings);
   source.tell([&](const std::string& text) { watched.messages.push_back(text); });
@@ -87,6 +95,15 @@ TEST(LiveSource, TriesAgainMoreAndMoreSeldomUntilItsPatienceEnds) {
   EXPECT_EQ(watched.messages,
             (std::vector<std::string>{"connection lost: broken", "still disconnected: refused"}))
       << "the same refusal is told once";
+}
+
+// After half a second, one and two a connection comes about. One more wait would be longer than four seconds.
+TEST(LiveSource, BacksOffFromTheStartAfterAConnectionOfHalfAMinute) {
+  const auto waits_after = [](std::chrono::milliseconds connection) {
+    return watch({{1, "a"}, {0, "b"}, {0, "b"}, {1, "c", connection}, {0, "d"}}, 4s).waits;
+  };
+  EXPECT_EQ(waits_after(30s), (std::vector{500ms, 1000ms, 2000ms, 500ms, 1000ms, 2000ms}));
+  EXPECT_EQ(waits_after(30s - 1ms), (std::vector{500ms, 1000ms, 2000ms}));
 }
 
 TEST(LiveSource, NeverTriesAgainWithoutPatience) {

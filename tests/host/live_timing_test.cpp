@@ -81,8 +81,20 @@ TEST(FramePicker, MindsNoRounding) {
   // Every third frame of 30 a second lies at 99.999 ms and the like.
   FramePicker picker(10);
   int taken = 0;
-  for (int i = 0; i < 300; ++i) taken += picker.wants(std::chrono::microseconds(i * 100'000 / 3)) ? 1 : 0;
+  for (int i = 0; i < 300; ++i) {
+    const int time = i * 100'000 / 3 - (i > 0 ? 1 : 0);
+    taken += picker.wants(std::chrono::microseconds(time)) ? 1 : 0;
+  }
   EXPECT_EQ(taken, 100);
+}
+
+TEST(FramePicker, TakesFramesUpToAMillisecondBeforeTheirPlace) {
+  FramePicker picker(10);
+  EXPECT_TRUE(picker.wants(0ms));
+  EXPECT_FALSE(picker.wants(98'999us));
+  EXPECT_TRUE(picker.wants(99ms));
+  EXPECT_FALSE(picker.wants(198'999us)) << "the next place is at 200 ms, not 199";
+  EXPECT_TRUE(picker.wants(199ms));
 }
 
 Frame numbered(int number) {

@@ -175,6 +175,21 @@ TEST_F(Recorded, FromSomeTimeBeforeTheEventWasKnownToSomeTimeAfterItsEnd) {
   EXPECT_GT(frames[0].image.at<cv::Vec3b>(17, 15)[2], 180);
 }
 
+// The event ends at 0.5 s, which is known at 0.8 s; its clip goes on to 1.5 s.
+TEST_F(Recorded, ToItsEndHoweverLongAfterTheEndOfTheEventThatIs) {
+  ClipRecorder recorder(folder_ / "", source_, 2s);
+  Event event = event_of(200ms, 500ms);
+  event.to = 1500ms;
+  for (int i = 0; i <= 8; ++i) see(recorder, i);
+  recorder.begin(event);
+  recorder.end(event);
+  for (int i = 9; i < 15; ++i) see(recorder, i);
+  EXPECT_FALSE(std::filesystem::exists(folder_ / "00h00m00.200s-motion.mp4")) << "one frame is missing";
+  for (int i = 15; i < 20; ++i) see(recorder, i);
+  const auto frames = clips::read(folder_ / "00h00m00.200s-motion.mp4");
+  EXPECT_EQ(clips::times_of(frames), clips::regular(16, 100ms));  // 0.0, 0.1, ... 1.5 s
+}
+
 TEST_F(Recorded, ToTheLastFrameWhenThatComesBeforeTheEnd) {
   ClipRecorder recorder(folder_ / "", source_, 2s);
   for (int i = 0; i < 5; ++i) see(recorder, i);

@@ -34,6 +34,12 @@ TEST(Guard, LetsAnyHostInWhereTheTokenGuards) {
   EXPECT_FALSE(turned_away(gate, {.host = "camera.lan:8420"}, false)) << "the page itself";
 }
 
+TEST(Guard, ComparesTheWholeToken) {
+  const Gate gate{"0.0.0.0", 8420, "secret"};
+  for (const char* wrong : {"Bearer secretx", "Bearer secre", "Bearer secreT", "bearer secret", "secret", ""})
+    EXPECT_EQ(status_of(gate, {.host = "camera.lan:8420", .authorization = wrong}), 401) << wrong;
+}
+
 TEST(Guard, LetsAProxyInThatBringsTheToken) {
   const Gate gate{"127.0.0.1", 8420, "secret"};
   EXPECT_EQ(status_of(gate, {"camera.lan", "https://camera.lan", "same-origin", "Bearer secret"}), 200);
@@ -206,6 +212,16 @@ TEST(EventLog, KeepsFiveHundredEvents) {
   ASSERT_EQ(events.size(), 500U);
   EXPECT_EQ(events[0]["start"].asDouble(), 500);
   EXPECT_EQ(events[499]["start"].asDouble(), 1);
+}
+
+TEST(EventLog, KeepsTheActivityOfFourHours) {
+  EventLog log;
+  const auto pass = log.begin_pass();
+  for (int second = 0; second < 14'402; ++second) pass->frame({}, box_at(second * 1s, 0.5));
+  const Json::Value activity = log.value()["activity"];
+  ASSERT_EQ(activity.size(), 14'400U);
+  EXPECT_EQ(activity[0][0], 2) << "the oldest two are dropped";
+  EXPECT_EQ(activity[14'399][0], 14'401);
 }
 
 TEST(Showcase, ShowsAnotherShotThanTheOneKnown) {

@@ -51,6 +51,19 @@ TEST(TuneFigures, CountEventsInEveryKindOfSpanThatTheyTouch) {
   EXPECT_EQ(figures.motion_events, 1U) << "the second begins where the span ends";
 }
 
+TEST(TuneFigures, CountEventsWhoseLastFrameIsTheFirstOfASpan) {
+  const Marks marks{.quiet = {span(2, 3)}, .motion = {span(1, 2)}};
+  Seen all = seen("--##-#--");
+  all.happenings = {motion(0, 1), motion(0, 0.999999)};
+  Figures figures = figures_of(all, marks);
+  EXPECT_EQ(figures.motion_events, 1U);
+  EXPECT_EQ(figures.found, 1U);
+  EXPECT_EQ(figures.quiet_events, 0U);
+  all.happenings = {motion(0, 0.999999), motion(1.5, 2)};
+  figures = figures_of(all, marks);
+  EXPECT_EQ(figures.quiet_events, 1U);
+}
+
 TEST(TuneFigures, TakeASpanForFoundThatHasBoxesAndAnEventOfMotion) {
   const Marks marks{.quiet = {}, .motion = {span(0, 1), span(1, 2), span(2, 3), span(3, 4)}};
   Seen all = seen("##--##--");
