@@ -14,10 +14,10 @@ namespace {
 
 constexpr const char* kFooter = R"(Examples:
   lightmotion run street.mp4 --report street.html    a page with every event
-  lightmotion run street.mp4 -o boxes.jsonl          one line per frame with boxes
+  lightmotion run street.mp4 -o boxes.jsonl          one line per frame
   lightmotion run street.mp4 --annotate boxes.mp4    the video with boxes drawn
-  lightmotion run street.mp4 --config night.json     your own settings and regions
-  lightmotion run rtsp://192.168.1.20/main           a network camera, until Ctrl-C
+  lightmotion run street.mp4 --config night.json     your settings and regions
+  lightmotion run rtsp://192.168.1.20/main           a camera, until Ctrl-C
   lightmotion run recordings --out results           every video in a folder
 
 Exit status:
