@@ -23,7 +23,7 @@ struct CheckOptions {
   bool json = false;
 };
 
-constexpr const char* kFooter = R"(Examples:
+constexpr const char* kCheckFooter = R"(Examples:
   lightmotion check night.json                       the configuration alone
   lightmotion check night.json --size 1280x720       with regions on such frames
   lightmotion check night.json --source street.mp4   with regions on this video
@@ -94,7 +94,7 @@ void add_check_command(CLI::App& app, std::function<int()>& chosen) {
         return is_size(text) ? "" : "must be a size such as 1280x720, not " + text;
       });
   command->add_flag("--json", options->json, "Print one JSON object, for programs");
-  command->footer(kFooter);
+  command->footer(kCheckFooter);
   command->callback([options, &chosen] { chosen = [options] { return check_or_fail(*options); }; });
 }
 

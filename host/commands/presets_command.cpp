@@ -11,7 +11,7 @@
 namespace lm::host::commands {
 namespace {
 
-constexpr const char* kFooter = R"(Examples:
+constexpr const char* kPresetsFooter = R"(Examples:
   lightmotion presets                                list all presets
   lightmotion presets night > night.json             a preset to edit
   lightmotion run street.mp4 --preset night          a preset as it is
@@ -43,7 +43,7 @@ int print(const std::string& text) {
 
 void add_presets_command(CLI::App& app, std::function<int()>& chosen) {
   CLI::App* command = app.add_subcommand("presets", "List or print configurations for common scenes");
-  command->footer(kFooter);
+  command->footer(kPresetsFooter);
   const auto name = std::make_shared<std::string>();
   command->add_option("NAME", *name, "Print this preset's configuration (default: list all presets)")
       ->type_name("")

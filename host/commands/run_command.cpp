@@ -12,7 +12,7 @@
 namespace lm::host::commands {
 namespace {
 
-constexpr const char* kFooter = R"(Examples:
+constexpr const char* kRunFooter = R"(Examples:
   lightmotion run street.mp4 --report street.html    a page with every event
   lightmotion run street.mp4 -o boxes.jsonl          one line per frame
   lightmotion run street.mp4 --annotate boxes.mp4    the video with boxes drawn
@@ -52,7 +52,7 @@ void add_run_command(CLI::App& app, std::function<int()>& chosen) {
   CLI::App* command = app.add_subcommand("run", "Find motion in a video");
   const auto request = std::make_shared<RunRequest>();
   add_run_request(*command, *request);
-  command->footer(kFooter);
+  command->footer(kRunFooter);
   command->callback([command, request, &chosen] {
     const std::string fault = complete(*command, *request);
     if (!fault.empty()) throw CLI::ValidationError(fault);

@@ -14,7 +14,7 @@ using namespace std::chrono_literals;
 constexpr int kCellSide = 10;             // samples
 constexpr auto kSpan = 500ms;             // within which light changes
 constexpr auto kAdaptation = 5s;          // for which the plug-in may show boxes of the old light
-constexpr double kStep = 3;               // grey levels by which a cell's mean has to change
+constexpr double kCellStep = 3;           // grey levels by which a cell's mean has to change
 constexpr double kTexture = 3;            // standard deviation, in grey levels, that noise does not have
 constexpr double kAlike = 0.7;            // correlation of a texture with itself in another light
 constexpr double kLeastPart = 0.2;        // of the watched cells in another light
@@ -97,7 +97,7 @@ LightWatch::Cells LightWatch::relit(const Look& before, const Look& now) const {
   for (std::size_t i = 0; i < kCells; ++i) {
     if (!watched_[i]) continue;
     const Comparison result = compare(before.samples(cell(i)), now.samples(cell(i)));
-    if (std::abs(result.step) > kStep) changed[result.step > 0 ? 1 : 0].set(i);
+    if (std::abs(result.step) > kCellStep) changed[result.step > 0 ? 1 : 0].set(i);
     textured[i] = result.textured;
     alike[i] = result.alike;
   }

@@ -77,8 +77,9 @@ void load_camera_support() {
     return add != nullptr;
   }();
   if (loaded) return;
-  throw Failure(kRefused, std::string("local cameras need the library ") + kLibrary +
-                              ": install the package libavdevice" + AV_STRINGIFY(LIBAVFORMAT_VERSION_MAJOR));
+  throw base::Failure(base::kRefused, std::string("local cameras need the library ") + kLibrary +
+                                          ": install the package libavdevice" +
+                                          AV_STRINGIFY(LIBAVFORMAT_VERSION_MAJOR));
 }
 
 }  // namespace

@@ -24,7 +24,7 @@ namespace lm::host::commands::serve {
 namespace {
 
 // A longer text is none of the plug-in's.
-constexpr std::uint64_t kMostText = std::uint64_t{64} << 20;
+constexpr std::uint64_t kMostAnswerText = std::uint64_t{64} << 20;
 
 // What posix_spawn is told beside the words, with an owner.
 class SpawnPlan {
@@ -120,7 +120,7 @@ DetectorProcess::Answer DetectorProcess::ask(const std::string& text, const unsi
   const bool heard = send_all(socket_, &request, sizeof request, gives_up) &&
                      send_all(socket_, text.data(), text.size(), gives_up) &&
                      send_all(socket_, pixels, length, gives_up) &&
-                     receive_all(socket_, &head, sizeof head, gives_up) && head.text <= kMostText;
+                     receive_all(socket_, &head, sizeof head, gives_up) && head.text <= kMostAnswerText;
   if (heard) answer.result.resize(head.text);
   if (!heard || !receive_all(socket_, answer.result.data(), head.text, gives_up)) fail(deadline.passed());
   if (head.failed != 0)

@@ -18,7 +18,7 @@ namespace lm::host::commands::serve {
 namespace {
 
 // Limits for the configuration and the picture.
-constexpr std::uint64_t kMostText = std::uint64_t{16} << 20;
+constexpr std::uint64_t kMostRequestText = std::uint64_t{16} << 20;
 constexpr std::uint64_t kMostPixels = std::uint64_t{1} << 30;
 
 struct Question {
@@ -29,7 +29,7 @@ struct Question {
 bool receive(int file, Question& question) {
   DetectorRequest request;
   if (!receive_all(file, &request, sizeof request)) return false;
-  if (request.text > kMostText || request.pixels > kMostPixels) return false;
+  if (request.text > kMostRequestText || request.pixels > kMostPixels) return false;
   question.text.resize(request.text);
   question.pixels.resize(request.pixels);
   return receive_all(file, question.text.data(), question.text.size()) &&

@@ -10,7 +10,7 @@ namespace {
 
 using Places = std::vector<std::size_t>;
 
-constexpr int kUsualAdaptation = 3;
+constexpr int kPreferredAdaptation = 3;
 
 // What is left of `places` where `test` holds; all of them when it holds nowhere.
 template <typename Test>
@@ -29,7 +29,7 @@ auto most(const Places& places, Value value) {
 auto modesty(const Setting& setting, bool modest) {
   const int sign = modest ? 1 : -1;
   return std::tuple(-sign * setting.sensitivity, sign * static_cast<int>(setting.least_box),
-                    -std::abs(setting.adaptation - kUsualAdaptation), -setting.adaptation);
+                    -std::abs(setting.adaptation - kPreferredAdaptation), -setting.adaptation);
 }
 
 std::string frames_text(std::int64_t frames) {

@@ -6,7 +6,7 @@
 namespace lm::host::outputs::report {
 namespace {
 
-void check(int result) {
+void require_success(int result) {
   if (result < 0)
     throw base::Failure(base::kTrouble, "cannot encode a picture: " + source::av::error_text(result));
 }
@@ -16,7 +16,7 @@ source::av::Picture converted(const cv::Mat& image, AVPixelFormat format) {
   const source::av::Scaler scaler(
       sws_getContext(image.cols, image.rows, AV_PIX_FMT_BGR24, image.cols, image.rows, format,
                      SWS_BILINEAR | SWS_ACCURATE_RND | SWS_BITEXACT, nullptr, nullptr, nullptr));
-  if (!scaler) check(AVERROR(ENOMEM));
+  if (!scaler) require_success(AVERROR(ENOMEM));
   // The scaler reads whole vectors, past the end of a row that is packed.
   const source::av::Picture padded = source::av::new_picture(image.size(), AV_PIX_FMT_BGR24);
   image.copyTo(source::av::view(*padded));
@@ -26,7 +26,7 @@ source::av::Picture converted(const cv::Mat& image, AVPixelFormat format) {
 
 std::string encoded(const cv::Mat& image, AVCodecID id, AVPixelFormat format, int coarseness) {
   const AVCodec* codec = avcodec_find_encoder(id);
-  if (codec == nullptr) check(AVERROR_ENCODER_NOT_FOUND);
+  if (codec == nullptr) require_success(AVERROR_ENCODER_NOT_FOUND);
   const source::av::Codec encoder = source::av::new_codec(codec);
   encoder->width = image.cols;
   encoder->height = image.rows;
@@ -36,14 +36,14 @@ std::string encoded(const cv::Mat& image, AVCodecID id, AVPixelFormat format, in
     encoder->flags |= AV_CODEC_FLAG_QSCALE;
     encoder->global_quality = coarseness * FF_QP2LAMBDA;
   }
-  check(avcodec_open2(encoder.get(), nullptr, nullptr));
+  require_success(avcodec_open2(encoder.get(), nullptr, nullptr));
   const source::av::Picture picture = converted(image, format);
   picture->pts = 0;
   picture->quality = encoder->global_quality;
   const source::av::Packet packet = source::av::new_packet();
-  check(avcodec_send_frame(encoder.get(), picture.get()));
-  check(avcodec_send_frame(encoder.get(), nullptr));
-  check(avcodec_receive_packet(encoder.get(), packet.get()));
+  require_success(avcodec_send_frame(encoder.get(), picture.get()));
+  require_success(avcodec_send_frame(encoder.get(), nullptr));
+  require_success(avcodec_receive_packet(encoder.get(), packet.get()));
   return {reinterpret_cast<const char*>(packet->data), static_cast<std::size_t>(packet->size)};
 }
 

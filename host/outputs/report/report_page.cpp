@@ -22,7 +22,7 @@ using std::chrono::microseconds;
 
 constexpr int kLongestThumbnail = 448;
 constexpr int kLongestHeatMap = 1024;
-constexpr int kCoarseness = 6;
+constexpr int kPictureCoarseness = 6;
 
 std::string made_now() {
   const std::time_t now = std::time(nullptr);
@@ -74,7 +74,7 @@ void ReportPage::ended(const events::Event& event) {
   PageEvent shown{event, "", still.image.size()};
   if (data_.events.size() < kMostPictures && !still.image.empty()) {
     draw_overlay(still.image, still.boxes, "");
-    shown.picture = jpeg_bytes(still.image, kCoarseness);
+    shown.picture = jpeg_bytes(still.image, kPictureCoarseness);
   }
   data_.events.push_back(std::move(shown));
 }
@@ -86,7 +86,7 @@ void ReportPage::finish() {
   cv::Mat heat = heat_.over(ground_.image());
   cv::resize(heat, heat, shown_size(source_.size, source_.pixel_aspect, kLongestHeatMap), 0, 0,
              cv::INTER_AREA);
-  data_.heat = jpeg_bytes(heat, kCoarseness);
+  data_.heat = jpeg_bytes(heat, kPictureCoarseness);
   data_.heat_size = heat.size();
   data_.heat_highest = heat_.highest();
   base::write_bytes(pending_, render_page(data_));

@@ -16,7 +16,7 @@ std::string names_of(const Json::Value& regions) {
   return names;
 }
 
-std::string seconds(double value) {
+std::string in_seconds(double value) {
   return base::seconds_text(std::chrono::microseconds(std::int64_t(value * 1e6))) + " s";
 }
 
@@ -25,8 +25,8 @@ std::string seconds(double value) {
 std::vector<std::pair<std::string, std::string>> shown_settings(const std::string& document,
                                                                 const events::EventRules& rules) {
   std::vector<std::pair<std::string, std::string>> shown{
-      {"Minimum length of an event", seconds(rules.min_event)},
-      {"Quiet time that ends an event", seconds(rules.gap)}};
+      {"Minimum length of an event", in_seconds(rules.min_event)},
+      {"Quiet time that ends an event", in_seconds(rules.gap)}};
   const Json::Value root = base::parse_json(document);
   if (!root.isObject()) return shown;
   for (const std::string& key : root.getMemberNames()) {

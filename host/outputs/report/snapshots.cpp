@@ -11,14 +11,14 @@
 namespace lm::host::outputs::report {
 namespace {
 
-constexpr int kCoarseness = 3;
-constexpr int kLongest = 65'500;  // what JPEG can hold
+constexpr int kSnapshotCoarseness = 3;
+constexpr int kLongestSide = 65'500;  // what JPEG can hold
 
 }  // namespace
 
 Snapshots::Snapshots(const std::string& folder, const source::SourceInfo& source,
                      const events::EventRules& rules)
-    : folder_(folder), best_(lookback(rules), shown_size(source.size, source.pixel_aspect, kLongest)) {
+    : folder_(folder), best_(lookback(rules), shown_size(source.size, source.pixel_aspect, kLongestSide)) {
   base::make_folder(folder);
 }
 
@@ -26,7 +26,7 @@ void Snapshots::ended(const events::Event& event) {
   Still still = best_.take(event);
   if (still.image.empty()) return;
   draw_overlay(still.image, still.boxes, base::seconds_text(still.time) + " s");
-  base::write_file(folder_ + "/" + event_stem(event) + ".jpg", jpeg_bytes(still.image, kCoarseness));
+  base::write_file(folder_ + "/" + event_stem(event) + ".jpg", jpeg_bytes(still.image, kSnapshotCoarseness));
 }
 
 }  // namespace lm::host::outputs::report
