@@ -156,7 +156,7 @@ std::string compareOver(const Sequence& sequence, Cut cut) {
     if (k > 0) frame = sequence.frame(k);
     // A strip has one row more than fits into its pixels: one to five rows here.
     if (cut == Cut::anywhere)
-      stateOf(*detector.engine).stripPixels = static_cast<std::size_t>(k % 5 * sequence.width);
+      lm::stateOf(*detector.engine).stripPixels = static_cast<std::size_t>(k % 5 * sequence.width);
     difference = report(sequence, k, compareFrame(sequence, k, frame, detector, plain.model));
   }
   return difference;

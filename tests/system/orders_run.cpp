@@ -16,7 +16,7 @@ namespace {
 // What was called so far, told also when a sanitizer ends the program.
 std::string calls;
 
-void tellCalls() {
+[[maybe_unused]] void tellCalls() {
   [[maybe_unused]] const ssize_t written = write(STDERR_FILENO, calls.data(), calls.size());
 }
 
