@@ -16,12 +16,8 @@ namespace {
 // What was called so far, told also when a sanitizer ends the program.
 std::string calls;
 
-<<<<<<< HEAD
 #if defined(__SANITIZE_ADDRESS__)
 void tellCalls() {
-=======
-[[maybe_unused]] void tellCalls() {
->>>>>>> affda67cb8cf443e933452371dfdb87c25388e20
   [[maybe_unused]] const ssize_t written = write(STDERR_FILENO, calls.data(), calls.size());
 }
 #endif
