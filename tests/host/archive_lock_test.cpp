@@ -58,7 +58,7 @@ TEST_F(WorkFolderRace, AFolderThatAnotherRunTookOverIsTheOthers) {
   std::optional<WorkFolder> other;
   meanwhile = [&] {
     leave();
-    other = WorkFolder::claim(folder_ / "", "a");
+    if (auto claimed = WorkFolder::claim(folder_ / "", "a")) other.emplace(std::move(*claimed));
   };
   EXPECT_FALSE(WorkFolder::claim(folder_ / "", "a"));
   ASSERT_TRUE(other);

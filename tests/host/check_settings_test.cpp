@@ -96,9 +96,9 @@ INSTANTIATE_TEST_SUITE_P(
 // 0.0015 of 640 is 0.96 of a pixel, 0.0027 of 360 is 0.972.
 INSTANTIATE_TEST_SUITE_P(LeastBoxes, CheckSetting,
                          testing::Values(Case{R"({"minBoxW": "0.0015"})", "warning 1:13 minBoxW",
-                                              "less than a pixel", "leave both out"},
+                                              "less than a pixel", "remove both"},
                                          Case{R"({"minBoxH": "0.0027"})", "warning 1:13 minBoxH",
-                                              "less than a pixel", "leave both out"}));
+                                              "less than a pixel", "remove both"}));
 
 TEST(CheckSettings, AreFineAsTheyAreMeant) {
   for (const char* document : {R"({"sensitivity": "5", "lcAdap": "1", "minBoxW": "1", "minBoxH": ".5"})",

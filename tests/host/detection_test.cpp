@@ -73,7 +73,7 @@ TEST(Detection, RefusesADocumentInOneLine) {
   EXPECT_EQ(outcome.output, "");
   EXPECT_EQ(program::lines(outcome.errors).size(), 1U) << outcome.errors;
   EXPECT_TRUE(
-      outcome.errors.starts_with("lightmotion: " + (folder / "c.json") + ":1:9: \"roi\": holds no region"))
+      outcome.errors.starts_with("lightmotion: " + (folder / "c.json") + ":1:9: \"roi\": contains no region"))
       << outcome.errors;
 }
 

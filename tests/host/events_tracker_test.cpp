@@ -189,7 +189,7 @@ TEST_F(Tracked, MotionThatIsOverWhenTheLightHasChangedEndedBeforeIt) {
   see(8500ms, 12s, {});
   ASSERT_EQ(events_.size(), 2U);
   EXPECT_EQ(events_[0].end, 2s);
-  EXPECT_NE(events_[0].ended.find("not counting 6.000 s in which a change of light"), std::string::npos);
+  EXPECT_NE(events_[0].ended.find("not counting 6.000 s in which a lighting change"), std::string::npos);
 }
 
 TEST_F(Tracked, BoxesOfTheLightAndOfMotionInOneFrameGoToTheirOwn) {

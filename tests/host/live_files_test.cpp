@@ -113,13 +113,15 @@ TEST(Files, JoinedFromTwoRecordingsGoOnAndSaySo) {
 TEST(Files, AreThinnedOutAndMadeSmaller) {
   const Folder folder;
   clips::write(folder / "a.mp4", {64, 48}, clips::regular(20, std::chrono::milliseconds(40)));
+  setenv("LIGHTMOTION_FAKE_CONFIGURATION", (folder / "seen.json").c_str(), 1);
   const auto outcome = program::run_fake({folder / "a.mp4", "--fps", "5", "--scale", "0.5", "-q"});
+  unsetenv("LIGHTMOTION_FAKE_CONFIGURATION");
   EXPECT_EQ(outcome.status, 0) << outcome.errors;
   const auto lines = program::lines(outcome.output);
   ASSERT_EQ(lines.size(), 3U) << "frames 5, 10 and 15: the fake plug-in sees nothing in the first";
   EXPECT_TRUE(lines[0].starts_with("{\"frame\":5,\"time\":0.200,")) << lines[0];
   EXPECT_TRUE(lines[2].starts_with("{\"frame\":15,\"time\":0.600,")) << lines[2];
-  EXPECT_NE(lines[0].find("\"frmW\":\"32\""), std::string::npos) << lines[0];
+  EXPECT_NE(program::read(folder / "seen.json").find("\"32\""), std::string::npos);
 }
 
 }  // namespace

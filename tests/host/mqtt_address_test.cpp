@@ -84,7 +84,7 @@ INSTANTIATE_TEST_SUITE_P(
                     BadAddress{"mqtt://me:secret@:1883/x", "name is missing"},
                     BadAddress{"mqtt://b:", "from 1 to 65535"}, BadAddress{"mqtt://b:0", "from 1 to 65535"},
                     BadAddress{"mqtt://b:65536", "from 1 to 65535"},
-                    BadAddress{"mqtt://b:18x", "from 1 to 65535"}, BadAddress{"mqtt://[::1", "] behind"},
+                    BadAddress{"mqtt://b:18x", "from 1 to 65535"}, BadAddress{"mqtt://[::1", "] after"},
                     BadAddress{"mqtt://[::1]x", "only :PORT"}, BadAddress{"mqtt://b/a/+/c", "+ or #"},
                     BadAddress{"mqtt://b/#", "+ or #"}, BadAddress{"mqtt://me:secret%4@b", "%25"},
                     BadAddress{"mqtt://me:secret%zz@b", "%25"}, BadAddress{"mqtt://me:secret%00@b", "%25"}));
@@ -114,7 +114,7 @@ TEST(BrokerPassword, InAFileThatCannotBeReadIsSaidAtOnce) {
   };
   EXPECT_EQ(failure_with(folder / "none"), (folder / "none") + ": No such file or directory");
   program::write(folder / "empty", "");
-  EXPECT_EQ(failure_with(folder / "empty"), (folder / "empty") + ": is empty");
+  EXPECT_EQ(failure_with(folder / "empty"), (folder / "empty") + ": the file is empty");
 }
 
 TEST(CameraName, ComesFromTheSource) {

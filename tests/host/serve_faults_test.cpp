@@ -56,7 +56,7 @@ TEST(ServeDetector, ThatRefusesADocumentLeavesTheOneBefore) {
     EXPECT_EQ(answer.status, 422) << behaviour;
     EXPECT_THAT(answer.json["error"].asString(), HasSubstr("the plug-in refuses it")) << behaviour;
   }
-  EXPECT_EQ(page.state()["document"], fake("well"));
+  EXPECT_EQ(page.state()["configuration"], fake("well"));
   EXPECT_EQ(page.state()["problem"], "");
 }
 

@@ -81,7 +81,7 @@ TEST_F(ServeProgram, BeginsWithTheDocumentNamed) {
   const std::string address = start({"--config", folder_ / "a.json"});
   httplib::Client client("127.0.0.1", port_of(address));
   const Json::Value state = serve::json(client.Get("/api/state")->body);
-  EXPECT_EQ(state["document"], R"({"sensitivity":"3"})");
+  EXPECT_EQ(state["configuration"], R"({"sensitivity":"3"})");
   EXPECT_EQ(state["saved"], true);
   EXPECT_EQ(state["file"], folder_ / "a.json");
 }
