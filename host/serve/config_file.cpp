@@ -6,7 +6,6 @@
 #include <optional>
 #include <system_error>
 
-
 namespace lm::host {
 namespace {
 
