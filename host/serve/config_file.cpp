@@ -1,10 +1,10 @@
 #include "host/serve/config_file.h"
 
-#include "host/whole_file.h"
-
 #include <filesystem>
 #include <optional>
 #include <system_error>
+
+#include "host/whole_file.h"
 
 namespace lm::host {
 namespace {
