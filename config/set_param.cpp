@@ -54,12 +54,9 @@ void rasterise(kAMBLE& engine, polygon& region, const std::vector<lm::Made>& bef
 
 // Makes roiMask if it is missing and clears it. Returns false when the allocation fails.
 bool clearRoiMask(kAMBLE& engine, std::int32_t count) {
-  lm::Made& made = lm::stateOf(engine).roiMask;
+  const lm::Made& made = lm::stateOf(engine).roiMask;
   if (made.isTooSmall(engine.roiMask, lm::countOf(count))) lm::release(engine.roiMask);
-  if (engine.roiMask == nullptr) {
-    if (!lm::makeOnce(engine.roiMask, count)) return false;
-    made = {engine.roiMask, lm::countOf(count)};
-  }
+  if (!lm::makeRoiMask(engine, count)) return false;
   if (count > 0) std::memset(engine.roiMask, 0, lm::countOf(count));
   return true;
 }

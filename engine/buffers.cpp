@@ -110,11 +110,11 @@ bool kAMBLE::initBuffer_ncv() {
   const std::int32_t count = lm::wrapMul(szImgX, szImgY);
   if (!fitRegionMasks(*this, count)) return false;
   std::int32_t& planePixels = lm::stateOf(*this).planePixels;
-  if (planePixels < count) releasePlanes(*this);
+  if (planePixels != 0 && planePixels < count) releasePlanes(*this);
   planePixels = planePixels == 0 ? count : std::min(planePixels, count);
 
-  bool made = true;
-  for (std::uint8_t** plane : {&roiMask, &fgMask, &auxMask, &absorbMask}) made &= lm::makeOnce(*plane, count);
+  bool made = lm::makeRoiMask(*this, count);
+  for (std::uint8_t** plane : {&fgMask, &auxMask, &absorbMask}) made &= lm::makeOnce(*plane, count);
   made &= lm::makeOnce(updTimer, count);
   for (std::uint32_t** plane : {&auxMap, &nbrCursor, &sampleCursor, &refreshCount}) {
     made &= lm::makeOnce(*plane, count);
@@ -143,6 +143,13 @@ bool kAMBLE::initBuffer_ncv() {
   minObjWPxl = lm::toInt32(static_cast<float>(szImgX) * minObjW);
   minObjHPxl = lm::toInt32(static_cast<float>(szImgY) * minObjH);
   return made;
+}
+
+bool lm::makeRoiMask(kAMBLE& engine, std::int32_t count) {
+  if (engine.roiMask != nullptr) return true;
+  if (!makeOnce(engine.roiMask, count)) return false;
+  stateOf(engine).roiMask = {engine.roiMask, countOf(count)};
+  return true;
 }
 
 void lm::releaseModel(kAMBLE& engine) {

@@ -49,6 +49,10 @@ bool hasModel(const kAMBLE& engine);
 // numPixel pixels of so many bytes. (pipeline.cpp)
 bool holdsFrames(const kAMBLE& engine);
 
+// Makes roiMask for `count` pixels if it is missing and records its size. Returns whether there is one.
+// (buffers.cpp)
+bool makeRoiMask(kAMBLE& engine, std::int32_t count);
+
 // Releases what initBuffer_ncv would otherwise replace without freeing it. (buffers.cpp)
 void releaseModel(kAMBLE& engine);
 
