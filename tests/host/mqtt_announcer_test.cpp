@@ -13,7 +13,6 @@ namespace {
 
 using namespace lm::host::events;
 using namespace lm::host::outputs::mqtt;
-using namespace lm::host::mqtt;
 using namespace std::chrono_literals;
 using Lines = std::vector<std::string>;
 

@@ -19,10 +19,9 @@
 namespace {
 
 using namespace lm::host::base;
-using namespace lm::host::commands::tune;
 using namespace lm::host::events;
 using namespace lm::host::source;
-using namespace lm::host::tune;
+using namespace lm::host::commands::tune;
 using namespace std::chrono_literals;
 using program::Folder;
 

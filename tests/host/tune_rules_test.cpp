@@ -8,9 +8,8 @@
 
 namespace {
 
-using namespace lm::host::commands::tune;
 using namespace lm::host::events;
-using namespace lm::host::tune;
+using namespace lm::host::commands::tune;
 using std::chrono::microseconds;
 
 TimeSpan span(int from, int to) { return {std::chrono::seconds(from), std::chrono::seconds(to)}; }
