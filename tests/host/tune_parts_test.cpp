@@ -19,7 +19,6 @@
 namespace {
 
 using namespace lm::host::base;
-using namespace lm::host::commands::tune;
 using namespace lm::host::events;
 using namespace lm::host::source;
 using namespace lm::host::commands::tune;

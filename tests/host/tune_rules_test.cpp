@@ -8,7 +8,6 @@
 
 namespace {
 
-using namespace lm::host::commands::tune;
 using namespace lm::host::events;
 using namespace lm::host::commands::tune;
 using std::chrono::microseconds;
