@@ -29,3 +29,7 @@ python_test(installed.options options_test.py installation)
 python_test(run.script run_script_test.py installation)
 python_test(examples.hosts ../examples/examples_test.py installation)
 python_test(packages.contents packages_test.py packages)
+
+# The sources inside another project, which keeps its own settings.
+add_test(NAME package.inside_another_project COMMAND sh ${CMAKE_CURRENT_SOURCE_DIR}/subproject.sh ${CMAKE_COMMAND}
+         ${PROJECT_SOURCE_DIR} ${CMAKE_CURRENT_BINARY_DIR}/subproject)
