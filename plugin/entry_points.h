@@ -9,7 +9,7 @@
  *     call only, and the result is copied into the caller's buffer.
  *  3. Threads: call from one thread at a time. Nothing is locked. The library starts no threads.
  *  4. Pixels are 8-bit interleaved, rows top to bottom without padding, with 1 (grey), 3 (blue, green, red)
- * or 4 bytes per pixel (blue, green, red, anything). Every frame has the configured size.
+ *     or 4 bytes per pixel (blue, green, red, anything). Every frame has the configured size.
  *  5. Errors are return values, with a line on standard output (configuration) or standard error (engine).
  *     Input that breaks the rules below raises C++ exceptions through these functions. A C host cannot catch
  *     them and must pass valid input.
@@ -18,7 +18,7 @@
  *  7. The same document, frames and timestamps give the same bytes, with two exceptions. For pixels near the
  *     border, neighbours are drawn with the C library's rand() on the first frame, so boxes there can differ
  *     slightly in a second detector of a process or in a host that calls rand(). For some frame sizes, boxes
- * in the bottom right corner can differ between processors with and without AVX2.
+ *     in the bottom right corner can differ between processors with and without AVX2.
  *  8. The host may export a logging function `log_File_Debug_s` (C linkage). It is called once when the
  *     configuration asks for automatic sensitivity.
  */

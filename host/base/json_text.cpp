@@ -55,13 +55,12 @@ void append_object(std::string& text, const Json::Value& object) {
 }
 
 void append(std::string& text, const Json::Value& value, int decimals) {
-  if (decimals == kVerbatim) {
-    text += verbatim_json(value);
-  } else if (value.isObject()) {
+  const bool own = decimals != kVerbatim;
+  if (own && value.isObject()) {
     append_object(text, value);
-  } else if (value.isArray()) {
+  } else if (own && value.isArray()) {
     append_array(text, value, decimals);
-  } else if (value.type() == Json::realValue) {
+  } else if (own && value.type() == Json::realValue) {
     append_number(text, value.asDouble(), decimals);
   } else {
     text += verbatim_json(value);

@@ -49,7 +49,7 @@ constexpr Key kKeys[] = {
     {"status"},
     {"files"},
     {"files_done"},
-    {"files_not_fine"},
+    {"files_with_problems"},
     {"frames"},
     {"frames_with_boxes"},
     {"length", kSeconds},

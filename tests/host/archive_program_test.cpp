@@ -82,8 +82,8 @@ TEST_F(Archive, EndsWithATableOfAllFiles) {
   const Outcome outcome = run("out");
   const Names lines = program::lines(outcome.output);
   ASSERT_EQ(lines.size(), 5U) << outcome.output;
-  EXPECT_NE(lines[1].find("fine           20        18"), std::string::npos) << lines[1];
-  EXPECT_TRUE(lines[4].starts_with("3 files: 3 fine, 0 with trouble, 0 failed; 60 frames, 54 with motion, "));
+  EXPECT_NE(lines[1].find("ok                20        18"), std::string::npos) << lines[1];
+  EXPECT_TRUE(lines[4].starts_with("3 files: 3 ok, 0 incomplete, 0 failed; 60 frames, 54 with motion, "));
   EXPECT_EQ(outcome.errors, "");
   EXPECT_EQ(run("out", {"--quiet"}).output, "");
 }
@@ -105,7 +105,7 @@ TEST_F(Archive, GoesOnAfterFilesThatAreBroken) {
   EXPECT_EQ(outcome.status, 1);
   EXPECT_EQ(program::lines(outcome.errors).size(), 3U) << outcome.errors;
   EXPECT_NE(outcome.errors.find("/in/sound.mp4: contains no video\n"), std::string::npos) << outcome.errors;
-  EXPECT_NE(outcome.output.find("6 files: 3 fine, 1 with trouble, 2 failed;"), std::string::npos)
+  EXPECT_NE(outcome.output.find("6 files: 3 ok, 1 incomplete, 2 failed;"), std::string::npos)
       << outcome.output;
   const std::string cut = results(folder_ / "out", folder_ / "in/cut.mkv");
   const std::string lines = program::read(cut + "/results.jsonl");
@@ -113,14 +113,14 @@ TEST_F(Archive, GoesOnAfterFilesThatAreBroken) {
   EXPECT_TRUE(program::read(results(folder_ / "out", clips()[0]) + "/results.jsonl").starts_with(lines));
   EXPECT_NE(program::read(cut + "/messages.txt").find("cut.mkv: "), std::string::npos);
   EXPECT_FALSE(fs::exists(results(folder_ / "out", folder_ / "in/nothing.mp4")));
-  EXPECT_EQ(run("out").status, 1) << "the trouble is remembered";
+  EXPECT_EQ(run("out").status, 1) << "the problem is remembered";
 }
 
 TEST_F(Archive, GoesOnAfterProcessesThatDie) {
   program::write(folder_ / "c.json", R"({"comment": "frame dies"})");
   const Outcome outcome = run("out", {"--jobs", "2"});
   EXPECT_EQ(outcome.status, 1);
-  EXPECT_NE(outcome.output.find("3 files: 0 fine, 0 with trouble, 3 failed;"), std::string::npos);
+  EXPECT_NE(outcome.output.find("3 files: 0 ok, 0 incomplete, 3 failed;"), std::string::npos);
   EXPECT_NE(outcome.errors.find("the process was terminated by a signal: Killed"), std::string::npos);
   EXPECT_EQ(tree(folder_ / "out").size(), 1U) << "the table and nothing half";
 }
@@ -140,7 +140,7 @@ TEST_F(Archive, FailsWithThoseFilesOnlyThatTheConfigurationDoesNotFit) {
   program::write(folder_ / "c.json", R"({"frmW": "128", "frmH": "96"})");
   const Outcome outcome = run("out");
   EXPECT_EQ(outcome.status, 1);
-  EXPECT_NE(outcome.output.find("4 files: 1 fine, 0 with trouble, 3 failed;"), std::string::npos)
+  EXPECT_NE(outcome.output.find("4 files: 1 ok, 0 incomplete, 3 failed;"), std::string::npos)
       << outcome.output;
   EXPECT_NE(outcome.errors.find("frmW"), std::string::npos);
 }
@@ -149,7 +149,7 @@ TEST_F(Archive, GivesUpFilesThatTakeTooLong) {
   program::write(folder_ / "c.json", R"({"comment": "frame waits"})");
   const Outcome outcome = run("out", {"--file-timeout", "0.5", "--jobs", "3"});
   EXPECT_EQ(outcome.status, 1);
-  EXPECT_NE(outcome.output.find("3 files: 0 fine, 0 with trouble, 3 failed;"), std::string::npos);
+  EXPECT_NE(outcome.output.find("3 files: 0 ok, 0 incomplete, 3 failed;"), std::string::npos);
   EXPECT_NE(outcome.errors.find("/in/b/clip.mkv: time limit of 0.500 s exceeded (--file-timeout)\n"),
             std::string::npos)
       << outcome.errors;

@@ -129,26 +129,26 @@ TEST(Cause, IsNoWarning) {
 
 TEST(Table, TellsPeopleOfEachFileAndOfAll) {
   const std::vector<TableRow> rows{
-      {"/a.mp4", Outcome::kFine, figures(500, 450, 3, 20s), "a.mp4-1", ""},
-      {"/b\nc.mp4", Outcome::kTrouble, figures(1000, 1, 0, 3600s), "b_c.mp4-2", "ends early"},
+      {"/a.mp4", Outcome::kOk, figures(500, 450, 3, 20s), "a.mp4-1", ""},
+      {"/b\nc.mp4", Outcome::kIncomplete, figures(1000, 1, 0, 3600s), "b_c.mp4-2", "ends early"},
       {"/d.mp4", Outcome::kFailed, std::nullopt, "", "contains no video"}};
   EXPECT_EQ(table_text(rows),
-            "status     frames    motion    events    length  file\n"
-            "fine          500       450         3      0:20  /a.mp4\n"
-            "trouble      1000         1         0   1:00:00  /b c.mp4: ends early\n"
-            "failed          -         -         -         -  /d.mp4: contains no video\n"
+            "status        frames    motion    events    length  file\n"
+            "ok               500       450         3      0:20  /a.mp4\n"
+            "incomplete      1000         1         0   1:00:00  /b c.mp4: ends early\n"
+            "failed             -         -         -         -  /d.mp4: contains no video\n"
             // 500 + 1000 frames, 450 + 1 with motion, 20 s + 1 h
-            "3 files: 1 fine, 1 with trouble, 1 failed; 1500 frames, 451 with motion, 3 events, 1:00:20 of "
+            "3 files: 1 ok, 1 incomplete, 1 failed; 1500 frames, 451 with motion, 3 events, 1:00:20 of "
             "video\n");
 }
 
 TEST(Table, QuotesForPrograms) {
   const std::vector<TableRow> rows{
-      {"/a,\"b\"\nc.mp4", Outcome::kTrouble, figures(3, 1, 1, 120ms), "a-1", "this, that"},
+      {"/a,\"b\"\nc.mp4", Outcome::kIncomplete, figures(3, 1, 1, 120ms), "a-1", "this, that"},
       {"/d.mp4", Outcome::kFailed, std::nullopt, "", "contains no video"}};
   EXPECT_EQ(table_csv(rows),
             "source_name,status,frames,frames_with_boxes,event_count,length,results,error\r\n"
-            "\"/a,\"\"b\"\"\nc.mp4\",trouble,3,1,1,0.120,a-1,\"this, that\"\r\n"
+            "\"/a,\"\"b\"\"\nc.mp4\",incomplete,3,1,1,0.120,a-1,\"this, that\"\r\n"
             "/d.mp4,failed,,,,,,contains no video\r\n");
 }
 
@@ -163,7 +163,7 @@ TEST(ArchiveProgress, ReckonsTheTimeLeftByBytes) {
   state.events = 7;
   EXPECT_EQ(archive_progress_text(state), "12 of 300 files  2 with problems  7 events  5:00 left");
   EXPECT_EQ(archive_progress_line(state),
-            R"({"files":300,"files_done":12,"files_not_fine":2,"eta":300.000,"event_count":7})");
+            R"({"files":300,"files_done":12,"files_with_problems":2,"eta":300.000,"event_count":7})");
 }
 
 TEST(WorkFolder, HasOneOwnerAtATime) {

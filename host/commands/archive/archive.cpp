@@ -172,7 +172,7 @@ class ArchiveRun {
   void done(TableRow row, bool now) {
     ++state_.done;
     if (row.figures) state_.events += row.figures->events;
-    if (row.outcome != Outcome::kFine) {
+    if (row.outcome != Outcome::kOk) {
       ++state_.failed;
       progress_.clear();
       if (now)
@@ -225,9 +225,9 @@ int run_archive(const run::RunOptions& options, const ArchiveOptions& archive) {
   }
   if (!options.quiet) std::fputs(table_text(rows).c_str(), stdout);
   base::write_file(settings.folder + table_name(shard), table_csv(rows));
-  const bool all_fine = std::ranges::all_of(
-      rows, [](Outcome outcome) { return outcome == Outcome::kFine; }, &TableRow::outcome);
-  return all_fine ? base::kDone : base::kTrouble;
+  const bool all_ok = std::ranges::all_of(
+      rows, [](Outcome outcome) { return outcome == Outcome::kOk; }, &TableRow::outcome);
+  return all_ok ? base::kDone : base::kTrouble;
 }
 
 }  // namespace lm::host::commands::archive

@@ -53,8 +53,11 @@ std::string misplaced_output(const std::vector<std::string>& arguments) {
     const auto [name, value] = parts(argument);
     const bool plain = !value.empty() && value.find('/') == std::string::npos && value != "." &&
                        value != ".." && value != "-";
-    if (!plain) return name + " with --out must be a plain file name, not \"" + value + "\"";
-    if (contains(kTaken, value)) return name + ": the name " + value + " is reserved with --out";
+    std::string fault = name;
+    if (!plain)
+      return fault.append(" with --out must be a plain file name, not \"").append(value).append("\"");
+    if (contains(kTaken, value))
+      return fault.append(": the name ").append(value).append(" is reserved with --out");
   }
   return "";
 }

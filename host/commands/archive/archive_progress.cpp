@@ -42,7 +42,7 @@ std::string archive_progress_line(const ArchiveState& state) {
   Json::Value line;
   line["files"] = Json::UInt64(state.files);
   line["files_done"] = Json::UInt64(state.done);
-  line["files_not_fine"] = Json::UInt64(state.failed);
+  line["files_with_problems"] = Json::UInt64(state.failed);
   line["event_count"] = Json::Int64(state.events);
   if (const auto left = time_left(state)) line["eta"] = base::seconds_number(*left);
   return base::json_text(line);

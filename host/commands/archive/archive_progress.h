@@ -13,18 +13,19 @@ namespace lm::host::commands::archive {
 struct ArchiveState {
   std::size_t files = 0;
   std::size_t done = 0;
-  std::size_t failed = 0;        // of those done, not fine
+  std::size_t failed = 0;        // of those done, incomplete or failed
   std::int64_t bytes_to_do = 0;  // of the files that had to be worked on
   std::int64_t bytes_done = 0;   // of those that are finished
   std::int64_t events = 0;
   std::chrono::microseconds worked{0};
 };
 
-// "12 of 300 files  1 not fine  7 events  1:02:03 left". The time left is in proportion to the bytes; it is
-// left out until the first file is finished.
+// "12 of 300 files  1 with problems  7 events  1:02:03 left". The time left is in proportion to the bytes; it
+// is left out until the first file is finished.
 std::string archive_progress_text(const ArchiveState& state);
 
-// The same for programs: {"files":300,"files_done":12,"files_not_fine":1,"eta":3723.000,"event_count":7}
+// The same for programs:
+// {"files":300,"files_done":12,"files_with_problems":1,"eta":3723.000,"event_count":7}
 std::string archive_progress_line(const ArchiveState& state);
 
 // Tells about it on standard error: as a line that is drawn again, or as a line for programs whenever a file

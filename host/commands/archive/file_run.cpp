@@ -30,7 +30,7 @@ bool has_say(const std::string& option) {
   return std::ranges::find(kNoSay, option.substr(0, option.find('='))) == kNoSay.end();
 }
 
-Outcome outcome_of(int status) { return status == base::kDone ? Outcome::kFine : Outcome::kTrouble; }
+Outcome outcome_of(int status) { return status == base::kDone ? Outcome::kOk : Outcome::kIncomplete; }
 
 std::string replaced(std::string text, const std::string& from, const std::string& to) {
   for (std::size_t at = 0; (at = text.find(from, at)) != std::string::npos; at += to.size()) {

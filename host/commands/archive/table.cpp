@@ -13,10 +13,10 @@ namespace {
 
 const char* word(Outcome outcome) {
   switch (outcome) {
-    case Outcome::kFine:
-      return "fine";
-    case Outcome::kTrouble:
-      return "trouble";
+    case Outcome::kOk:
+      return "ok";
+    case Outcome::kIncomplete:
+      return "incomplete";
     case Outcome::kFailed:
       break;
   }
@@ -27,7 +27,7 @@ using Cells = std::array<std::string, 5>;  // status, frames, motion, events, le
 
 std::string columns(const Cells& cells, const std::string& rest) {
   std::array<char, 100> text{};
-  std::snprintf(text.data(), text.size(), "%-7s %9s %9s %9s %9s  ", cells[0].c_str(), cells[1].c_str(),
+  std::snprintf(text.data(), text.size(), "%-10s %9s %9s %9s %9s  ", cells[0].c_str(), cells[1].c_str(),
                 cells[2].c_str(), cells[3].c_str(), cells[4].c_str());
   return text.data() + rest + "\n";
 }
@@ -53,8 +53,8 @@ std::string totals(const std::vector<TableRow>& rows) {
   const auto count = [&](Outcome outcome) {
     return std::to_string(std::ranges::count(rows, outcome, &TableRow::outcome));
   };
-  return std::to_string(rows.size()) + (rows.size() == 1 ? " file: " : " files: ") + count(Outcome::kFine) +
-         " fine, " + count(Outcome::kTrouble) + " with trouble, " + count(Outcome::kFailed) + " failed; " +
+  return std::to_string(rows.size()) + (rows.size() == 1 ? " file: " : " files: ") + count(Outcome::kOk) +
+         " ok, " + count(Outcome::kIncomplete) + " incomplete, " + count(Outcome::kFailed) + " failed; " +
          std::to_string(sum.frames) + " frames, " + std::to_string(sum.frames_with_motion) +
          " with motion, " + std::to_string(sum.events) + (sum.events == 1 ? " event, " : " events, ") +
          base::clock_text(sum.video) + " of video\n";

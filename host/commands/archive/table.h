@@ -11,9 +11,9 @@
 namespace lm::host::commands::archive {
 
 enum class Outcome {
-  kFine,
-  kTrouble,  // there are results, but not of everything that should be in the file
-  kFailed,   // no results
+  kOk,
+  kIncomplete,  // there are results, but not of everything that should be in the file
+  kFailed,      // no results
 };
 
 struct TableRow {
@@ -21,7 +21,7 @@ struct TableRow {
   Outcome outcome = Outcome::kFailed;
   std::optional<run::Figures> figures;
   std::string results;  // the folder's name; empty when there is none
-  std::string why;      // empty when fine
+  std::string why;      // empty when ok
 };
 
 // For people: a line for each file, and the totals.
