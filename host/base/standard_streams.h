@@ -11,7 +11,7 @@ namespace lm::host::base {
 void occupy_standard_streams();
 
 // Captures what other code prints to a standard stream.
-//     During its lifetime, writes to `stream` (stdout or stderr) go to memory. If that cannot be set up, the
+// During its lifetime, writes to `stream` (stdout or stderr) go to memory. If that cannot be set up, the
 // stream is unchanged and the text empty.
 class CapturedStream {
  public:
