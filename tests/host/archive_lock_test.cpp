@@ -6,6 +6,7 @@
 
 #include <filesystem>
 #include <functional>
+#include <optional>
 #include <utility>
 
 #include "host/commands/archive/work_folder.h"
@@ -58,7 +59,8 @@ TEST_F(WorkFolderRace, AFolderThatAnotherRunTookOverIsTheOthers) {
   std::optional<WorkFolder> other;
   meanwhile = [&] {
     leave();
-    if (auto claimed = WorkFolder::claim(folder_ / "", "a")) other.emplace(std::move(*claimed));
+    std::optional<WorkFolder> claimed = WorkFolder::claim(folder_ / "", "a");
+    if (claimed) other.emplace(std::move(*claimed));
   };
   EXPECT_FALSE(WorkFolder::claim(folder_ / "", "a"));
   ASSERT_TRUE(other);

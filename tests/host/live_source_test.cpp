@@ -97,10 +97,10 @@ TEST(LiveSource, TriesAgainMoreAndMoreSeldomUntilItsPatienceEnds) {
       << "the same refusal is told once";
 }
 
-// After half a second, one and two a connection comes about. One more wait would be longer than four seconds.
+// After half a second, one and two a connection comes about. One more wait would be longer than 3.9 s in all.
 TEST(LiveSource, BacksOffFromTheStartAfterAConnectionOfHalfAMinute) {
   const auto waits_after = [](std::chrono::milliseconds connection) {
-    return watch({{1, "a"}, {0, "b"}, {0, "b"}, {1, "c", connection}, {0, "d"}}, 4s).waits;
+    return watch({{1, "a"}, {0, "b"}, {0, "b"}, {1, "c", connection}, {0, "d"}}, 3900ms).waits;
   };
   EXPECT_EQ(waits_after(30s), (std::vector{500ms, 1000ms, 2000ms, 500ms, 1000ms, 2000ms}));
   EXPECT_EQ(waits_after(30s - 1ms), (std::vector{500ms, 1000ms, 2000ms}));

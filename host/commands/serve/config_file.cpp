@@ -1,10 +1,10 @@
 #include "host/commands/serve/config_file.h"
 
-#include "host/base/whole_file.h"
-
 #include <filesystem>
 #include <optional>
 #include <system_error>
+
+#include "host/base/whole_file.h"
 
 namespace lm::host::commands::serve {
 namespace {
