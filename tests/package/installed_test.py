@@ -1,4 +1,4 @@
-"""An installation as those meet it who build against it."""
+"""An installation: its files, and building against it."""
 import pathlib
 import tempfile
 import unittest
