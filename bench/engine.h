@@ -1,4 +1,4 @@
-// The engine without the plug-in around it, to time its operations one by one.
+// The engine without the plug-in, to time its single operations.
 #pragma once
 
 #include <memory>
@@ -8,10 +8,10 @@
 
 namespace lm::bench {
 
-// Configured as the plug-in is for the race, before its first frame.
+// Configured like the plug-in in the comparison, before its first frame.
 std::unique_ptr<kAMBLE> make_engine(cv::Size frame);
 
-// What the plug-in does ahead of every frame; the result of learnBg_ncv.
+// The plug-in's steps before the objects of a frame; returns the result of learnBg_ncv.
 bool learn(kAMBLE& engine, const cv::Mat& frame, int number);
 
 }  // namespace lm::bench

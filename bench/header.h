@@ -1,4 +1,4 @@
-// The circumstances of a run, to stand above its figures.
+// The conditions of a run, printed above its figures.
 #pragma once
 
 #include <string>

@@ -1,4 +1,4 @@
-// bench_frames: whole frames through the plug-in and its peers.
+// bench_frames: compares the plug-in with other detectors on whole frames.
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cstdio>
@@ -61,7 +61,7 @@ int run(const Options& options) {
   Records records;
   bool right = true;
   print_header(options.commit, options.yardstick_commit);
-  // In child processes, which start small as long as this one is.
+  // In child processes, before this one has grown.
   if (wanted("memory")) measure_memory(plan, records);
   if (wanted("frames")) right = measure_frames(plan, records);
   if (wanted("first_frame")) measure_first_frame(plan, records);

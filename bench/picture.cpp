@@ -59,7 +59,7 @@ std::vector<Group> groups_of(const Records& records, const std::string& size) {
   return groups;
 }
 
-// Drawn at twice the size and reduced at the end, which smooths what OpenCV draws in whole pixels.
+// Drawn at twice the size and scaled down at the end, for smooth edges.
 constexpr int kScale = 2;
 constexpr int kWidth = 1000, kLeft = 250, kRight = 845, kTop = 92, kBarHeight = 17, kBarStep = 21, kGap = 22;
 

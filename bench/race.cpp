@@ -61,7 +61,7 @@ double milliseconds_of(const std::function<void()>& work) {
 }
 
 std::vector<Lap> race(const std::vector<Candidate>& candidates, const Scene& scene, Rounds rounds) {
-  const host::base::CapturedStream chatter(stderr);  // what libraries say on their first frame
+  const host::base::CapturedStream chatter(stderr);  // messages that libraries print on their first frame
   std::vector<Runner> runners;
   runners.reserve(candidates.size());
   for (const Candidate& candidate : candidates) runners.emplace_back(candidate, scene.opening.size());

@@ -1,4 +1,4 @@
-// A fixed generator of 64-bit numbers (xorshift64*), so that input is the same everywhere.
+// A fixed generator of 64-bit numbers (xorshift64*), so that the input is the same everywhere.
 #pragma once
 
 #include <cstdint>

@@ -1,5 +1,5 @@
-// Everything that was measured, one number a record: tables, the CSV file, the picture and the judgement are
-// views of it.
+// All measurements, one number per record: tables, the CSV file, the picture and the requirements are views
+// of it.
 #pragma once
 
 #include <opencv2/core.hpp>
@@ -17,7 +17,7 @@ class Records {
  public:
   void add(Record record) { all_.push_back(std::move(record)); }
 
-  // The value of a record; not a number when it was not measured.
+  // The value of a record; NaN if it was not measured.
   double value(const std::string& section, const std::string& scene, const std::string& size,
                const std::string& candidate, const std::string& measure) const;
 

@@ -12,7 +12,7 @@ double frames(const Records& records, const char* scene, const char* candidate, 
   return records.value("frames", scene, text_of(kFullHd), candidate, measure);
 }
 
-// The plug-in's whole job against a time of another candidate.
+// The plug-in's total time compared with another candidate's.
 template <typename... Of>
 double against(const Records& records, const char* scene, Of... other) {
   return frames(records, scene, kPlugin, "whole_ms") / frames(records, scene, other...);

@@ -1,4 +1,4 @@
-// What the plug-in promises about its speed, and whether this run kept it.
+// The plug-in's performance requirements, and whether this run met them.
 #pragma once
 
 #include "bench/records.h"

@@ -14,7 +14,7 @@ constexpr int kFrames = 16;
 
 std::uint8_t clamped(int value) { return static_cast<std::uint8_t>(std::clamp(value, 0, 255)); }
 
-// A mosaic of tiles with a gradient and a grain: values from 50 to 200 that stay the same.
+// A static mosaic of tiles with a gradient and grain: values from 50 to 200.
 cv::Mat texture(cv::Size size, std::uint64_t seed) {
   constexpr int tile = 24;
   Random random(seed);
@@ -31,7 +31,7 @@ cv::Mat texture(cv::Size size, std::uint64_t seed) {
   return picture;
 }
 
-// Noise of a good sensor: each byte moves by -2 to 2, below every threshold in use.
+// Noise of a good sensor: each byte changes by -2 to 2, below every threshold in use.
 cv::Mat with_noise(const cv::Mat& picture, std::uint64_t seed) {
   constexpr int strength = 2;
   Random random(seed);
@@ -56,7 +56,7 @@ Scene quiet(cv::Size size) {
   return scene;
 }
 
-// Pastes `patch` at column `x` of `frame`; what reaches beyond the right edge goes on at the left one.
+// Pastes `patch` at column `x` of `frame`, wrapping around at the right edge.
 void paste_around(const cv::Mat& patch, cv::Mat& frame, int x, int y) {
   const int inside = std::min(patch.cols, frame.cols - x);
   patch.colRange(0, inside).copyTo(frame({x, y, inside, patch.rows}));
@@ -64,9 +64,9 @@ void paste_around(const cv::Mat& patch, cv::Mat& frame, int x, int y) {
   patch.colRange(inside, patch.cols).copyTo(frame({0, y, patch.cols - inside, patch.rows}));
 }
 
-// Twenty patches of a hundredth of the frame each, two in a row, rows in turn to the right and to the left.
-// After one turn of the ring each has taken the place of the next one. What a patch shows changes with every
-// frame, or models would learn it.
+// Twenty patches of a hundredth of the frame each, two per row, rows moving alternately right and left. After
+// one cycle of the ring each patch has reached the position of the next one. The patches' contents change
+// with every frame, so that models cannot learn them.
 Scene busy(cv::Size size) {
   constexpr int columns = 2;
   constexpr int rows = 10;
@@ -92,7 +92,7 @@ Scene busy(cv::Size size) {
   return scene;
 }
 
-// The light of the whole picture changes with every fourth frame.
+// The lighting of the whole picture changes on every fourth frame.
 Scene lights(cv::Size size) {
   constexpr int apart = 4;
   constexpr std::array steps = {0, 40, -15, 25};
@@ -107,7 +107,7 @@ Scene lights(cv::Size size) {
   return scene;
 }
 
-// Every byte of every frame differs by 64 or more from that of the frame before.
+// Every byte of every frame differs by at least 64 from the previous frame.
 Scene storm(cv::Size size) {
   constexpr int least = 64;
   Scene scene;

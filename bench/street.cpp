@@ -1,5 +1,4 @@
-// A street with people and cars: the clip in the folder that LIGHTMOTION_CLIPS names, else the built-in
-// scene.
+// A street with people and cars: the clip in the folder LIGHTMOTION_CLIPS, or else the built-in scene.
 #include <cstdlib>
 #include <filesystem>
 #include <opencv2/imgproc.hpp>
@@ -11,7 +10,7 @@
 namespace lm::bench {
 namespace {
 
-constexpr int kSkipped = 80;  // by then people walk in either street
+constexpr int kSkipped = 80;  // people are walking by then in either street
 constexpr int kFrames = 24;
 
 std::string street_file() {
@@ -28,7 +27,7 @@ std::string street_origin() {
   return file.empty() ? "the built-in street" : std::filesystem::path(file).filename().string();
 }
 
-// Forwards, then backwards, so that nothing jumps where the ring closes.
+// Forwards, then backwards, so that there is no jump where the ring closes.
 Scene make_street(cv::Size size) {
   const auto source = host::source::open_source(street_file());
   Scene scene;

@@ -1,4 +1,4 @@
-// Text tables on standard output, a row at a time.
+// Text tables on standard output, row by row.
 #pragma once
 
 #include <string>
@@ -6,10 +6,10 @@
 
 namespace lm::bench {
 
-// "12.3": three digits or more, "-" for what is not a number.
+// "12.3": at least three digits; "-" for NaN.
 std::string figure(double value);
 
-// "640x480" and the like stay left of their column, figures right; the first `labels` columns are labels.
+// The first `labels` columns are left-aligned labels, the others right-aligned figures.
 class Table {
  public:
   Table(std::string title, std::vector<std::string> heads, std::size_t labels);

@@ -1,7 +1,7 @@
-# What `cmake --install` puts where. The components become the packages: library, development files, program.
+# What `cmake --install` installs. Its components become the packages: library, development files, program.
 #
-# Debian's linker, pkg-config and CMake look into the architecture's own folder below /usr and below /usr/local, so one
-# build tree serves an installation by hand and the packages.
+# Debian's linker, pkg-config and CMake search the architecture's own folder below /usr and /usr/local, so one build
+# tree serves both a manual installation and the packages.
 if(EXISTS /etc/debian_version AND CMAKE_LIBRARY_ARCHITECTURE)
   set(CMAKE_INSTALL_LIBDIR lib/${CMAKE_LIBRARY_ARCHITECTURE} CACHE PATH "Libraries, below the prefix")
 endif()
@@ -11,8 +11,8 @@ include(CMakePackageConfigHelpers)
 set(LIGHTMOTION_MAINTAINER "lightmotion developers <developers@lightmotion.invalid>"
     CACHE STRING "Maintainer of the packages")
 
-# The headers that declare an exported name, and the records that these use. They include each other from the root of
-# the tree, which they keep below include/lightmotion. The API pages are made from the same list.
+# The headers that declare exported names, and the headers that these include. They include each other relative to the
+# source root, which becomes include/lightmotion. The API pages are made from the same list.
 set(LIGHTMOTION_PUBLIC_HEADERS
   plugin/entry_points.h plugin/detector.h plugin/instance.h plugin/result.h
   config/polygon.h
@@ -40,7 +40,7 @@ write_basic_package_version_file(${PROJECT_BINARY_DIR}/lightmotion-config-versio
 install(FILES ${PROJECT_BINARY_DIR}/lightmotion-config.cmake ${PROJECT_BINARY_DIR}/lightmotion-config-version.cmake
         DESTINATION ${cmake_folder} COMPONENT development)
 
-# Written while installing, because only then the prefix is known for certain.
+# Written at installation, when the prefix is known.
 install(CODE "
   set(version ${PROJECT_VERSION})
   set(description \"${PROJECT_DESCRIPTION}\")
@@ -71,8 +71,8 @@ if(LIGHTMOTION_HOST)
           DESTINATION ${data}/doc/lightmotion/examples/cluster COMPONENT program)
 endif()
 
-# ---- texts that Debian wants compressed, and its two papers for each package --------------------------------
-# Without a time stamp, so that the same sources give the same bytes.
+# ---- texts that Debian requires compressed, and each package's changelog and copyright file --------------------
+# Without a timestamp, so that the same sources give the same bytes.
 function(compressed source target)
   add_custom_command(OUTPUT ${target} COMMAND gzip -9nc ${source} > ${target} DEPENDS ${source} VERBATIM)
 endfunction()

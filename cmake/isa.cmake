@@ -1,5 +1,5 @@
-# The pixel kernels: each source is compiled for one instruction-set level. This is the one place that gives a source
-# its level; everything else is compiled for the base of x86-64 (which includes SSE2).
+# The pixel kernels: each source is compiled for one instruction-set level, assigned only here. Everything else is
+# compiled for baseline x86-64 (which includes SSE2).
 set(LIGHTMOTION_SSSE3_SOURCES simd/ssse3.cpp)
 set(LIGHTMOTION_SSE41_SOURCES simd/sse41.cpp)
 set(LIGHTMOTION_AVX2_SOURCES

@@ -16,7 +16,7 @@ set(CPACK_DEBIAN_PACKAGE_PRIORITY optional)
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
 
 # usage: package(COMPONENT NAME SECTION DEPENDS SUMMARY MORE): MORE is the rest of the description.
-set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "") # each has its own
+set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "") # set for each package below
 function(package component name section depends summary more)
   string(TOUPPER CPACK_DEBIAN_${component} prefix)
   set(${prefix}_PACKAGE_NAME ${name} PARENT_SCOPE)
@@ -54,7 +54,7 @@ if(LIGHTMOTION_HOST)
 This package contains the program, which runs the plug-in on files, streams
 and cameras and writes result lines, events, reports and annotated videos.")
   set(CPACK_DEBIAN_PROGRAM_PACKAGE_SHLIBDEPS ON)
-  # Loaded when a local camera is named. The number is that of the libavformat that the program is built with.
+  # Loaded when a local camera is used. Its version number is that of the libavformat used for the build.
   string(REGEX REPLACE "\\..*" "" ffmpeg_number "${FFMPEG_libavformat_VERSION}")
   set(CPACK_DEBIAN_PROGRAM_PACKAGE_SUGGESTS libavdevice${ffmpeg_number})
 endif()

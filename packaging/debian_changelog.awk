@@ -1,6 +1,6 @@
-# CHANGELOG.md as a Debian changelog. Variable: maintainer.
-# A section is "## VERSION (YYYY-MM-DD)" or "## VERSION (unreleased)" with "- " items. An unreleased version is dated
-# SOURCE_DATE_EPOCH or, without it, the current time.
+# Converts CHANGELOG.md to a Debian changelog. Variable: maintainer.
+# A section is "## VERSION (YYYY-MM-DD)" or "## VERSION (unreleased)" with "- " items. The date of an unreleased
+# version is SOURCE_DATE_EPOCH or, if unset, the current time.
 
 function date_of(stamp,    command, date) {
   if (stamp == "unreleased") stamp = ENVIRON["SOURCE_DATE_EPOCH"] == "" ? "now" : "@" ENVIRON["SOURCE_DATE_EPOCH"]

@@ -25,7 +25,7 @@ inline void set_speed(benchmark::State& state, std::size_t bytes_each) {
 }
 
 // `run(state, function)` is the loop of one benchmark; state.range(0) is the number of elements. Versions
-// above the processor's level are left out.
+// above the processor's level are skipped.
 template <class Function, std::size_t count, class Run>
 void add_versions(const lm::Version<Function> (&versions)[count], Run run) {
   for (const lm::Version<Function>& version : versions) {

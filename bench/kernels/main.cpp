@@ -1,5 +1,5 @@
-// bench_kernels: measures every version of every kernel that this processor can run. `--list` prints the ones
-// in use instead; other arguments are Google Benchmark's.
+// bench_kernels: measures every version of every kernel that this processor can run. `--list` prints the
+// versions in use instead; other arguments are Google Benchmark's.
 #include <cstdio>
 
 #include "bench/kernels/kernels.h"

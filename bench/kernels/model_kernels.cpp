@@ -5,7 +5,7 @@ namespace {
 
 constexpr std::size_t kBlocks = 16;
 
-// Planes of a scene without change.
+// Planes of an unchanging scene.
 struct Planes {
   explicit Planes(std::size_t count)
       : frame(filled(count * 3, 1)),

@@ -5,7 +5,7 @@
 namespace lm::bench {
 
 std::unique_ptr<Peer> make_cnt(cv::Size /*frame*/) {
-  constexpr int stable_after = 15;  // frames; the default, like all but the last
+  constexpr int stable_after = 15;  // frames; the default, as is everything except the last argument
   constexpr bool history = true;
   constexpr int stable_at_most = 15 * 60;
   constexpr bool threads = false;

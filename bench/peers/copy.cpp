@@ -1,4 +1,4 @@
-// The floor of every detector: a frame that is read once and kept.
+// The lower bound for a detector: each frame is read once and stored.
 #include <cstring>
 
 #include "bench/peers/peer.h"

@@ -1,5 +1,4 @@
-// What is raced: something that is handed frames and finds what moves. One file each; the list is in
-// list.cpp.
+// A detector under comparison. One file each; the list is in list.cpp.
 #pragma once
 
 #include <functional>
@@ -14,24 +13,24 @@ class Peer {
  public:
   virtual ~Peer() = default;
 
-  // One frame's work, as far as the foreground mask; the rest of the job follows in find_objects. A peer that
-  // cannot be divided does all of it here.
+  // Processes a frame up to the foreground mask; the rest is done in find_objects. A detector without
+  // separate steps does everything here.
   virtual void find_mask(const cv::Mat& frame, const std::string& time) = 0;
   virtual void find_objects() {}
 
-  // Of the last frame, not timed: the mask, empty where it is not to be had, and the result document.
+  // For the last frame, not timed: the mask, empty if not available, and the result document.
   virtual cv::Mat mask() const { return {}; }
   virtual std::string document() const { return {}; }
 };
 
-// A row of the list.
+// An entry of the list.
 struct Candidate {
   std::string name;
-  bool divided = false;  // the mask is timed on its own as well
+  bool divided = false;  // the mask is also timed separately
   std::function<std::unique_ptr<Peer>(cv::Size)> make;
 };
 
-// The shared libraries to race; an empty path leaves its candidate out.
+// The shared libraries to compare; an empty path omits its candidate.
 struct Libraries {
   std::string plugin;
   std::string yardstick;
@@ -40,16 +39,15 @@ struct Libraries {
 std::vector<Candidate> all_candidates(const Libraries& libraries);
 const Candidate& named(const std::vector<Candidate>& candidates, const std::string& name);
 
-// What is set where the peers offer a choice, in a line.
+// The peers' optional settings, in one line.
 std::string peer_settings();
 
-// The names by which results are looked up.
+// The names of candidates in the results.
 inline constexpr const char* kPlugin = "lightmotion";
 inline constexpr const char* kYardstick = "yardstick";
 inline constexpr const char* kCopy = "memcpy";
 
-// A region around the middle that covers `share` of the frame, as a configuration document; 1 covers all of
-// it.
+// A configuration with a centred region that covers `share` of the frame; 1: the whole frame.
 std::string document_for(cv::Size frame, double share = 1);
 
 std::unique_ptr<Peer> make_plugin(const std::string& library, const std::string& document);

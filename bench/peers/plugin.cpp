@@ -1,4 +1,4 @@
-// The plug-in, of this build or an earlier one, as a host uses it: frameProc, then getRes where there is a
+// The plug-in, of this build or an earlier one, called as by a host: frameProc, then getRes if there is a
 // result.
 #include <dlfcn.h>
 #include <unistd.h>
@@ -21,7 +21,7 @@ struct Close {
 };
 using Library = std::unique_ptr<void, Close>;
 
-// A library has one detector a process. Loaded from a copy of its own, it can be there several times.
+// A library supports one detector per process. Loading separate copies allows several.
 Library load_copy(const std::string& path) {
   static int number = 0;
   const fs::path copy = fs::temp_directory_path() /
@@ -47,7 +47,7 @@ class PluginPeer : public Peer {
   PluginPeer& operator=(const PluginPeer&) = delete;
 
   void find_mask(const cv::Mat& frame, const std::string& time) override {
-    // Neighbour tables draw from the process's random numbers: the same ones for every library.
+    // Neighbour tables use rand(): the same sequence for every library.
     if (first_) std::srand(1);
     first_ = false;
     process_(frame.data, time.c_str(), &length_);
@@ -82,7 +82,7 @@ std::string point(double x, double y) {
 
 std::string document_for(cv::Size frame, double share) {
   const double side = std::sqrt(share);
-  // All of the frame is more than its outline: a region's left edge is not inside.
+  // The whole frame needs a region larger than the frame, because a region's left edge is outside it.
   const double low = share < 1 ? (1 - side) / 2 : -1;
   const double high = share < 1 ? (1 + side) / 2 : 2;
   return R"({"frmW":")" + std::to_string(frame.width) + R"(","frmH":")" + std::to_string(frame.height) +

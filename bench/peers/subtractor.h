@@ -1,5 +1,5 @@
-// OpenCV's background subtractors, which share an interface: the mask is theirs, the rest of the job the same
-// for all.
+// OpenCV's background subtractors, which share an interface: the masks differ, the remaining work is the
+// same.
 #pragma once
 
 #include <opencv2/video/background_segm.hpp>

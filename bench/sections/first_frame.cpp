@@ -22,7 +22,7 @@ double first_frame(const Candidate& candidate, const Scene& scene) {
 
 }  // namespace
 
-// Against what MOG2 takes for each of its later frames.
+// Compared with MOG2's time for later frames.
 void measure_first_frame(const Plan& plan, Records& records) {
   const std::string size = text_of(kFullHd);
   const Scene scene = make_scene("quiet", kFullHd);

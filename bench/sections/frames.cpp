@@ -18,7 +18,7 @@ const Lap* find(const std::vector<Lap>& laps, const std::string& name) {
   return nullptr;
 }
 
-// The same document on every frame, whichever build of the plug-in made it.
+// All builds of the plug-in return the same document for every frame.
 bool agree(const std::vector<Lap>& laps) {
   const Lap* const ours = find(laps, kPlugin);
   const Lap* const theirs = find(laps, kYardstick);
@@ -69,7 +69,7 @@ constexpr Column kColumns[] = {
     {"MOG2 mask", "MOG2", "mask_copies"}, {"MOG2", "MOG2", "whole_copies"},
     {"KNN mask", "KNN", "mask_copies"},   {"KNN", "KNN", "whole_copies"},
 };
-// This build's whole job against that of another.
+// This build's total time compared with another build's.
 constexpr Column kAgainst[] = {{"/yardstick", kYardstick, "whole_ms"},
                                {"/CNT mask", "CNT", "mask_ms"},
                                {"/MOG2 mask", "MOG2", "mask_ms"},

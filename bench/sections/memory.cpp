@@ -1,4 +1,4 @@
-// Peak memory, each candidate in a process of its own.
+// Peak memory, each candidate in its own process.
 #include <malloc.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -14,7 +14,7 @@
 namespace lm::bench {
 namespace {
 
-// From the process's own status, in bytes: "VmRSS" now, "VmHWM" at most since the last reset.
+// From the process's status, in bytes: "VmRSS" now, "VmHWM" the maximum since the last reset.
 double status_bytes(const std::string& key) {
   std::ifstream status("/proc/self/status");
   for (std::string word; status >> word;) {
@@ -26,11 +26,11 @@ double status_bytes(const std::string& key) {
 
 void reset_peak() { std::ofstream("/proc/self/clear_refs") << "5"; }
 
-// What the candidate takes beyond what the process had when its frames were ready.
+// The candidate's memory in addition to what the process used when its frames were ready.
 double peak_growth(const Candidate& candidate, const Scene& scene) {
   constexpr int frames = 20;
   const host::base::CapturedStream chatter(stderr);
-  malloc_trim(0);  // or the candidate would be given, uncounted, what making the frames left free
+  malloc_trim(0);  // otherwise the candidate would reuse, uncounted, memory freed after making the frames
   const double idle = status_bytes("VmRSS");
   reset_peak();
   const auto peer = candidate.make(scene.opening.size());

@@ -14,10 +14,10 @@ namespace {
 
 constexpr std::array kCounts = {0, 10, 100, 1000};
 constexpr int kTimes = 15;
-// Three layers are peeled off on every side; what remains is large enough to be an object.
+// Three layers are eroded on every side; the rest is large enough to be an object.
 constexpr int kSide = 14;
 
-// Squares in a grid that leaves as much room between them as there is.
+// A grid of squares, as far apart as possible.
 cv::Mat mask_with(int count) {
   cv::Mat mask(kFullHd, CV_8UC1, cv::Scalar(0));
   if (count == 0) return mask;
@@ -31,7 +31,7 @@ cv::Mat mask_with(int count) {
   return mask;
 }
 
-// The engine takes masks at its own alignment and changes them.
+// The engine needs aligned masks and modifies them.
 class Scratch {
  public:
   explicit Scratch(cv::Size size) : bytes_(static_cast<std::size_t>(size.area())) {

@@ -1,4 +1,4 @@
-// What is measured, one function each: it adds records and prints its table.
+// The measurements, one function each: it adds records and prints a table.
 #pragma once
 
 #include <string>
@@ -14,10 +14,10 @@ struct Plan {
   Libraries libraries;
   std::vector<std::string> scenes;
   std::vector<cv::Size> sizes;
-  int frames = 0;  // timed ones for each row; 0: as many as suit the size
+  int frames = 0;  // timed frames per row; 0: depends on the size
 };
 
-// Whole frames of every scene and size. False when something is wrong with a result: what, is printed.
+// Whole frames of every scene and size. False if a result is wrong; the error is printed.
 bool measure_frames(const Plan& plan, Records& records);
 
 // The others are measured at 1920x1080.

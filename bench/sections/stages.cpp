@@ -1,4 +1,4 @@
-// Where a frame's time goes: the operations called one by one, beside the same frame in one call.
+// How a frame's time is distributed: single operations compared with the same frame in one call.
 #include <algorithm>
 #include <array>
 #include <cstring>
@@ -23,7 +23,7 @@ void keep(std::uint8_t* to, const std::uint8_t* from, std::size_t bytes) {
   if (to != from) std::memcpy(to, from, bytes);
 }
 
-// As learnBg_ncv goes about a frame after the first one.
+// The steps of learnBg_ncv for a frame after the first one.
 void run_stages(kAMBLE& engine, const cv::Mat& frame, int number, std::array<double, kStages>& time) {
   const std::size_t pixels = frame.total();
   engine.setTimestamp(time_of(number).c_str());

@@ -1,4 +1,4 @@
-// How long to wait before the next attempt.
+// Delays between attempts.
 #pragma once
 
 #include <chrono>
@@ -7,8 +7,8 @@
 
 namespace lm::host::base {
 
-// Twice as long after each attempt, up to a limit, and each time between half of that and all of it, by
-// chance: the cameras behind a switch that was restarted are not all asked at the same moment.
+// Doubles after each attempt, up to a limit. Each delay is drawn at random between half of it and all of it,
+// so that the cameras behind a restarted switch are not all contacted at the same moment.
 class BackOff {
  public:
   using Time = std::chrono::milliseconds;
@@ -27,7 +27,7 @@ class BackOff {
   Time next_ = kFirst;
 };
 
-// From the system's source of random numbers.
+// From the system's random number source.
 BackOff::Chance real_chance();
 
 }  // namespace lm::host::base

@@ -18,7 +18,7 @@ namespace {
 
 constexpr int kNotStarted = 127;
 
-// Between fork and exec: system calls only.
+// Between fork and exec: async-signal-safe calls only.
 [[noreturn]] void become(char* const* words, const char* messages, pid_t parent) {
   sigset_t none;
   sigemptyset(&none);

@@ -1,4 +1,4 @@
-// The program as a child of itself: the plug-in is one detector a process.
+// Runs the program as its own child process: the plug-in supports one detector per process.
 #pragma once
 
 #include <sys/types.h>
@@ -8,15 +8,15 @@
 
 namespace lm::host::base {
 
-// Starts this very program with these arguments. What it prints goes to `messages`, and it is killed when
-// this process dies. Throws Failure (kTrouble) when it cannot be started.
+// Starts this program with these arguments. Its output goes to the file `messages`, and it is killed when
+// this process exits. Throws Failure (kTrouble) when it cannot be started.
 pid_t start_child(const std::vector<std::string>& arguments, const std::string& messages);
 
-// How it ended, from the status that waitpid gives: as a shell shows it.
+// The exit status as a shell reports it, from the status of waitpid.
 int exit_status(int status);
 
-// From a child's messages and exit status: why it failed, in a line; empty for status 0. The program's and
-// the source's names are left out, since whoever reports it names them, and so are warnings.
+// The cause of a child's failure in one line, from its messages and exit status; empty for status 0. Without
+// warnings and without the names of the program and the source, which the caller reports.
 std::string cause_of(const std::string& messages, int status, const std::string& source);
 
 }  // namespace lm::host::base

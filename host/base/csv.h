@@ -1,4 +1,4 @@
-// Rows of tables for other programs.
+// CSV rows.
 #pragma once
 
 #include <string>
@@ -6,7 +6,7 @@
 
 namespace lm::host::base {
 
-// As RFC 4180 has it, with CR LF at its end; what needs quotation marks has them.
+// As in RFC 4180, ending in CR LF; cells are quoted only when they have to be.
 std::string csv_row(const std::vector<std::string>& cells);
 
 }  // namespace lm::host::base

@@ -1,4 +1,4 @@
-// How long a wait may last.
+// A time limit for waiting.
 #pragma once
 
 #include <chrono>
@@ -15,7 +15,7 @@ class Deadline {
 
   explicit Deadline(Now now = Clock::now) : now_(std::move(now)) {}
 
-  // Counts from now on. Without it nothing ever takes too long.
+  // Starts the time limit. Before the first call there is none.
   void allow(Clock::duration time) { end_ = now_() + time; }
 
   bool passed() const { return end_ && now_() >= *end_; }

@@ -1,4 +1,4 @@
-// How the program ends.
+// Exit statuses and the exception that ends a run.
 #pragma once
 
 #include <stdexcept>
@@ -6,14 +6,14 @@
 
 namespace lm::host::base {
 
-// A run stopped by a signal ends with 128 plus the signal's number instead.
+// A run stopped by a signal exits with 128 plus the signal number instead.
 enum ExitStatus {
   kDone = 0,
   kTrouble = 1,  // the source could not be read to its end, or an output could not be written
-  kRefused = 2,  // wrong use, a configuration that does not fit, or no usable plug-in
+  kRefused = 2,  // wrong usage, an invalid configuration, or no usable plug-in
 };
 
-// `text` with every run of blanks and control characters made one blank, and none at the ends.
+// `text` with each run of blanks and control characters replaced by one blank, and trimmed.
 std::string one_line(const std::string& text);
 
 // Ends the run with one line on standard error.

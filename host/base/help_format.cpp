@@ -32,7 +32,7 @@ class HelpFormat : public CLI::Formatter {
     return wrapped(app->get_description(), kPage) + "\n\n";
   }
 
-  // What an option needs or excludes is explained when it is used wrongly.
+  // Requirements and exclusions are reported when an option is used wrongly.
   std::string make_option_opts(const CLI::Option* option) const override {
     const bool value = option->get_items_expected_max() > 0 && !option->get_type_name().empty();
     return value ? " " + option->get_type_name() : "";
@@ -43,7 +43,7 @@ class HelpFormat : public CLI::Formatter {
   }
 };
 
-// What is in parentheses stays together if it fits a line.
+// Text in parentheses is kept on one line if it fits.
 std::size_t word_end(const std::string& line, std::size_t begin, std::size_t width) {
   const std::size_t close = line[begin] == '(' ? line.find(')', begin) : std::string::npos;
   const bool together = close != std::string::npos && close - begin < width;

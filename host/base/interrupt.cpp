@@ -14,7 +14,7 @@ namespace lm::host::base {
 void watch_for_interrupts() {
   struct sigaction once {};
   once.sa_handler = [](int number) { stop_signal = number; };
-  // Restarting keeps a line of output whole that is being written when the signal comes.
+  // With SA_RESTART an output line being written when the signal arrives stays whole.
   once.sa_flags = static_cast<int>(SA_RESETHAND | SA_RESTART);
   for (const int number : {SIGINT, SIGTERM, SIGHUP}) {
     struct sigaction before {};

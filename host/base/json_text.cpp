@@ -12,10 +12,10 @@
 namespace lm::host::base {
 namespace {
 
-constexpr int kNoKey = 6;  // decimals where no key says
+constexpr int kNoKey = 6;  // decimals outside any key
 
 void append_number(std::string& text, double number, int decimals) {
-  std::array<char, 400> digits{};  // the largest double has 309 before the point
+  std::array<char, 400> digits{};  // the largest double has 309 digits before the point
   if (!std::isfinite(number)) {
     text += "null";
     return;

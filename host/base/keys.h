@@ -1,5 +1,5 @@
-// The keys that the program writes for other programs, wherever it writes them: result lines, events, tables,
-// progress, records of archives, `check`, `tune`, `serve` and messages. docs/results.md says what they mean.
+// The keys that the program writes: in result lines, events, tables, progress, archive records, `check`,
+// `tune`, `serve` and MQTT messages. docs/results.md documents them.
 #pragma once
 
 #include <cstddef>
@@ -8,18 +8,18 @@
 
 namespace lm::host::base {
 
-// Of a value that is not the program's own, such as a configuration: it is written as it is.
+// Number of decimals for values from elsewhere, such as a configuration: written unchanged.
 inline constexpr int kVerbatim = -1;
 
 struct Key {
   std::string_view name;
-  int decimals = 0;  // of numbers with a fraction, here and in the arrays below this key
+  int decimals = 0;  // of fractional numbers, here and in arrays below this key
 };
 
-// In the order in which an object has its members.
+// In the order in which they are written.
 std::span<const Key> keys();
 
-// The place in that order; the number of keys for a name that is none of them.
+// The position in that order; the number of keys for an unknown name.
 std::size_t place_of(std::string_view name);
 
 }  // namespace lm::host::base

@@ -1,4 +1,4 @@
-// Where the result lines go.
+// The output of result lines.
 #pragma once
 
 #include <cstdint>
@@ -11,16 +11,16 @@
 
 namespace lm::host::base {
 
-// Writes to standard output, where each line is out as soon as it is there, or to a file that takes its name
-// at the end. Every operation throws Failure (kTrouble) when the system does not take the bytes.
+// Writes to standard output, flushing each line, or to a file that gets its name on commit. Every operation
+// throws Failure (kTrouble) when writing fails.
 class LineSink {
  public:
   // `file`: empty for standard output.
   explicit LineSink(const std::string& file);
 
   void write(const std::string& line);  // without its line feed
-  void finish();                        // all bytes are out
-  void commit();                        // the file has its name
+  void finish();                        // flushes everything
+  void commit();                        // gives the file its name
   std::int64_t lines() const { return lines_; }
 
  private:

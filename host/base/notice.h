@@ -5,14 +5,14 @@
 
 namespace lm::host::base {
 
-// One line, "lightmotion: warning: " and the text.
+// Prints "lightmotion: warning: " and the text on one line.
 void warn(const std::string& text);
 
-// Whether the plug-in's log is shown; not at the start.
+// Whether to show the plug-in's log; off at the start.
 void show_plugin_log(bool on);
 bool shows_plugin_log();
 
-// A line at the bottom of the terminal that is drawn again and again. Taken away, it makes room for others.
+// Redraws a line at the bottom of the terminal; it is cleared before other lines are printed.
 void draw_bar(const std::string& line);
 void clear_bar();
 

@@ -9,7 +9,7 @@
 namespace lm::host::base {
 namespace {
 
-// The same in every locale.
+// Independent of the locale.
 std::optional<double> number_of(const std::string& text) {
   double value = 0;
   const char* end = text.data() + text.size();

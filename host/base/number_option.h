@@ -1,4 +1,4 @@
-// Options whose value is a number within a range.
+// Options that take a number within a range.
 #pragma once
 
 #include <functional>
@@ -18,17 +18,17 @@ struct NumberRange {
   bool whole = false;     // no fractions
 };
 
-constexpr double kUnlimited = 1e9;  // as `most`: no limit that anybody would meet
+constexpr double kUnlimited = 1e9;  // as `most`: no practical limit
 
 // "0 to 86400 s", or "0.001 s or more" when there is no limit.
 std::string range_text(const NumberRange& range);
 
-// What is wrong with `text` as a number in `range`, such as "must be a number, not x"; empty when nothing is.
+// What is wrong with `text` as a number in `range`, such as "must be a number, not x"; empty if nothing.
 std::string number_fault(const std::string& text, const NumberRange& range);
 
 struct NumberOption {
   const char* name;
-  const char* kind;  // of the value, as help shows it: "SECONDS"
+  const char* kind;  // kind of value, as help shows it: "SECONDS"
   std::string help;  // the range and the default are appended
   NumberRange range;
   const char* preset;  // the default, as help shows it: "2"

@@ -10,7 +10,7 @@ namespace {
 
 constexpr std::string_view kHidden = "***";
 
-// What is in the names of parameters that cameras take passwords and the like with.
+// Substrings of the query parameters in which cameras take passwords.
 constexpr std::array<std::string_view, 7> kSecretNames{"pass", "pwd",    "psw", "token",
                                                        "key",  "secret", "auth"};
 
@@ -18,8 +18,8 @@ bool is_number(std::string_view text) {
   return std::ranges::all_of(text, [](unsigned char c) { return std::isdigit(c) != 0; });
 }
 
-// The @ behind the account; none when there is no account. A password that holds a slash by mistake ends the
-// host early, and what stands where the port should be is no number then.
+// The @ that ends the account; npos if there is no account. An unencoded slash in a password ends the host
+// early; the text in the port's position is then not a number.
 std::size_t end_of_account(std::string_view rest) {
   const std::string_view authority = rest.substr(0, rest.find_first_of("/?#"));
   const std::size_t at = authority.rfind('@');

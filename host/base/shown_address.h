@@ -1,4 +1,4 @@
-// Addresses as others may see them.
+// Addresses without passwords, for messages and records.
 #pragma once
 
 #include <string>
@@ -6,11 +6,11 @@
 
 namespace lm::host::base {
 
-// The address with "***" in the place of passwords: the account's before the host, and those of the usual
-// names behind the question mark. Everything else, paths too, stays as it is.
+// The address with "***" in place of passwords: the account's, and those of the usual query parameters.
+// Everything else, including paths, is unchanged.
 std::string shown_address(const std::string& address);
 
-// `text` with all of these arguments as others may see them.
+// `text` with passwords removed from each of these arguments where they occur in it.
 std::string with_shown_addresses(std::string text, const std::vector<std::string>& arguments);
 
 }  // namespace lm::host::base

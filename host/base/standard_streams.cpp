@@ -10,7 +10,7 @@ namespace lm::host::base {
 
 void occupy_standard_streams() {
   int file = 0;
-  // Reading mode, so that what is written to them still fails.
+  // Opened for reading, so that writing to them still fails.
   while (file >= 0 && file <= STDERR_FILENO) file = open("/dev/null", O_RDONLY);
   if (file >= 0) close(file);
 }

@@ -1,4 +1,4 @@
-// Care for standard input, output and error.
+// Protects standard input, output and error.
 #pragma once
 
 #include <cstdio>
@@ -6,13 +6,13 @@
 
 namespace lm::host::base {
 
-// Gives the ones that were closed when the program started to /dev/null. Otherwise the next file opened would
-// take their place, and results would end up in it.
+// Opens /dev/null for the standard streams that were closed at start. Otherwise the next file opened would
+// take their descriptor, and results would be written into it.
 void occupy_standard_streams();
 
-// What code outside this program prints to a standard stream, kept from the terminal.
-// While it lives, what is written to `stream` (stdout or stderr) goes to memory. Where that cannot be
-// arranged, the stream stays as it is and the text empty.
+// Captures what other code prints to a standard stream.
+// During its lifetime, writes to `stream` (stdout or stderr) go to memory. If that cannot be set up, the
+// stream is unchanged and the text empty.
 class CapturedStream {
  public:
   explicit CapturedStream(std::FILE* stream);
@@ -20,7 +20,7 @@ class CapturedStream {
   CapturedStream(const CapturedStream&) = delete;
   CapturedStream& operator=(const CapturedStream&) = delete;
 
-  // What was written so far.
+  // Everything written so far.
   std::string text();
 
  private:

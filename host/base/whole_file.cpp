@@ -53,7 +53,7 @@ void make_folder(const std::string& path) {
   if (!error && !std::filesystem::is_directory(path))
     error = std::make_error_code(std::errc::not_a_directory);
   if (error) throw Failure(kTrouble, path + " cannot be created: " + error.message());
-  const PendingFile trial(path + "/trial");  // report it now, not at the first event
+  const PendingFile trial(path + "/trial");  // reports an unwritable folder now instead of at the first event
 }
 
 }  // namespace lm::host::base

@@ -1,4 +1,4 @@
-// Files that are read, or written, in one piece.
+// Reads and writes whole files.
 #pragma once
 
 #include <optional>
@@ -8,19 +8,19 @@
 
 namespace lm::host::base {
 
-// The whole file; nothing, and the cause in errno, when it cannot be read.
+// The whole file; none, with the cause in errno, if it cannot be read.
 std::optional<std::string> read_text(const std::string& path);
 
-// The same. Throws Failure (kRefused) naming the file and the cause.
+// The same, but throws Failure (kRefused) with the file and the cause.
 std::string required_text(const std::string& path);
 
-// Writes all bytes to the pending file. Throws Failure (kTrouble), like the following.
+// Writes all bytes to the pending file. Throws Failure (kTrouble), as do the functions below.
 void write_bytes(const PendingFile& file, const std::string& bytes);
 
-// Creates the file, or replaces it; it has its name when it is complete.
+// Creates or replaces the file; it appears when complete.
 void write_file(const std::string& path, const std::string& bytes);
 
-// Creates the folder and its missing parents, and checks that files can be written there.
+// Creates the folder and missing parents, and checks that it is writable.
 void make_folder(const std::string& path);
 
 }  // namespace lm::host::base

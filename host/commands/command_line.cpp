@@ -33,7 +33,7 @@ bool looks_like_source(const std::string& text) {
   return text.find("://") != std::string::npos || std::filesystem::exists(text, ignored);
 }
 
-// Whether the command line begins with a command; else what is wrong.
+// Empty if the command line begins with a command; otherwise what is wrong.
 std::string command_fault(const CLI::App& app, const std::vector<std::string>& arguments) {
   if (arguments.empty()) return "no command given";
   const std::string& first = arguments.front();

@@ -9,7 +9,7 @@
 
 namespace lm::host::commands {
 
-// Either what a command has to do, or a text to print (help, version, an error) and the status to exit with.
+// Either a command to run, or a text to print (help, version, an error) and the exit status.
 struct Command {
   std::function<int()> work{};  // returns the exit status; may throw Failure
   base::ExitStatus status = base::kDone;

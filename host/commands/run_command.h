@@ -14,16 +14,16 @@ class App;
 namespace lm::host::commands {
 
 struct RunRequest {
-  run::RunOptions run;              // for the only source, or for each of many
-  archive::ArchiveOptions archive;  // many files when its folder is not empty
+  run::RunOptions run;              // for a single source, or for each of many
+  archive::ArchiveOptions archive;  // many files if its folder is not empty
 };
 
 void add_run_request(CLI::App& command, RunRequest& request);
 
-// Once the command line is parsed. Returns what is wrong with the options together; empty when nothing is.
+// After parsing. Returns what is wrong with the options together; empty if nothing is.
 std::string complete(const CLI::App& command, RunRequest& request);
 
-// `chosen` becomes what there is to do when it was asked for.
+// Sets `chosen` to the work of the command if it was requested.
 void add_run_command(CLI::App& app, std::function<int()>& chosen);
 
 }  // namespace lm::host::commands

@@ -15,7 +15,7 @@ namespace {
 
 const cv::Size kAnySize(640, 360);
 
-// From jsoncpp's "* Line 1, Column 3\n  Syntax error: ...\n", which goes on with every error that follows.
+// From jsoncpp's "* Line 1, Column 3\n  Syntax error: ...\n", where further errors follow.
 NoDocument first_error(const std::string& report) {
   int line = 0;
   int column = 0;
@@ -27,8 +27,8 @@ NoDocument first_error(const std::string& report) {
           "not JSON: " + report.substr(cause, std::min(report.find('\n', cause), report.size()) - cause)};
 }
 
-// "640" for the text "640", for the number 640 and for a size that is left out; the plug-in reads texts only.
-// A text that holds no number stays, for the plug-in to refuse.
+// "640" for the text "640", for the number 640 and for an omitted size, because the plug-in reads only texts.
+// A text without a number is kept; the plug-in refuses it.
 void settle_size(Json::Value& document, const char* key, int actual, bool binding = true) {
   Json::Value& stated = document[key];
   int value = actual;
@@ -45,7 +45,8 @@ void settle_size(Json::Value& document, const char* key, int actual, bool bindin
   if (!stated.isString()) stated = std::to_string(value);
 }
 
-// From one frame width left of the frame: the plug-in does not count a region's left edge as inside.
+// Starts one frame width left of the frame, because the plug-in does not count a region's left edge as
+// inside.
 Json::Value whole_frame() {
   Json::Value region;
   region["name"] = "frame";

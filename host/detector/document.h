@@ -1,4 +1,4 @@
-// The configuration document: from what the user wrote to what the plug-in is given.
+// The configuration document: completes what the user wrote for the plug-in.
 #pragma once
 
 #include <opencv2/core.hpp>
@@ -11,7 +11,7 @@ class Value;
 
 namespace lm::host::detector {
 
-// Why a text is no configuration document, and in which line and column, from 1, where that can be told.
+// Why a text is not a configuration document, with the line and column, from 1, if known.
 class NoDocument : public std::invalid_argument {
  public:
   explicit NoDocument(const std::string& cause) : std::invalid_argument(cause), cause_(cause) {}
@@ -19,7 +19,7 @@ class NoDocument : public std::invalid_argument {
 
   int line() const { return line_; }
   int column() const { return column_; }
-  const std::string& cause() const { return cause_; }  // what() has the place as well
+  const std::string& cause() const { return cause_; }  // what() includes the position
 
  private:
   int line_ = 0;
@@ -30,13 +30,13 @@ class NoDocument : public std::invalid_argument {
 // The text as a JSON object; comments are allowed. Throws NoDocument.
 Json::Value read_document(const std::string& text);
 
-// What runs without --config.
+// The document used without --config.
 std::string default_document();
 
-// Adds to `text` what it leaves out: "frmW", "frmH" and "frmChn" from the frames' size (3 channels), and a
-// "roi" that covers the whole frame. Everything else stays as it is. An empty `frame`: its size is not known
-// yet; any that is stated is right, and else it is that of the built-in scene. Throws std::invalid_argument,
-// naming the cause, when the text is not a JSON object or states other frame sizes.
+// Adds the keys that `text` omits: "frmW", "frmH" and "frmChn" from the frame size (3 channels), and a "roi"
+// that covers the whole frame. Everything else is unchanged. `frame`: empty if not known yet; then any stated
+// size is accepted, and the default is that of the built-in scene. Throws std::invalid_argument with the
+// cause if the text is not a JSON object or states another frame size.
 std::string complete_document(const std::string& text, cv::Size frame);
 
 }  // namespace lm::host::detector

@@ -17,7 +17,7 @@ namespace fs = std::filesystem;
 
 constexpr const char* kFileName = "liblightmotion.so.1";
 
-// Runs `call` and returns what it threw as text; empty when it threw nothing.
+// Runs `call` and returns the text of the exception thrown; empty if none.
 template <typename Call>
 std::string thrown_by(Call call) {
   try {

@@ -1,4 +1,4 @@
-// The motion detector, loaded at run time and known by its four entry points.
+// The motion detector, loaded at run time through its four entry points.
 #pragma once
 
 #include <memory>
@@ -8,9 +8,8 @@
 
 namespace lm::host::detector {
 
-// `given`: the path asked for, which wins when it is not empty. Otherwise the plug-in is beside the program
-// or in the lib folder of the place where the program is installed. Throws Failure (kRefused) naming the
-// places searched.
+// `given`: the requested path, used if not empty. Otherwise the plug-in is searched for beside the program
+// and in the lib folder of its installation prefix. Throws Failure (kRefused) with the places searched.
 std::string find_plugin(const std::string& given, const std::string& program_folder);
 
 // The folder of the running program.
@@ -18,22 +17,21 @@ std::string program_folder();
 
 class Plugin {
  public:
-  // Throws Failure (kRefused) when the file cannot be loaded or lacks an entry point.
+  // Throws Failure (kRefused) if the file cannot be loaded or lacks an entry point.
   explicit Plugin(const std::string& path);
   ~Plugin();
   Plugin(const Plugin&) = delete;
   Plugin& operator=(const Plugin&) = delete;
 
-  // Starts the detector. Returns why the plug-in refuses the document, in its own words; empty when it
-  // accepts.
+  // Starts the detector. Returns the plug-in's own message if it refuses the document; empty if it accepts.
   std::string start(const std::string& document);
 
-  // Has the detector forget what it saw. `document`: the one that it was started with. Throws Failure when
-  // the plug-in refuses it now.
+  // Resets the detector's state. `document`: the one it was started with. Throws Failure if the plug-in now
+  // refuses it.
   void restart(const std::string& document);
 
-  // Hands over one frame: packed pixels of the size that the document states. Returns the plug-in's result
-  // document, empty when nothing moved. Throws Failure when the plug-in does.
+  // Processes one frame: packed pixels of the size stated in the document. Returns the plug-in's result
+  // document, empty without motion. Throws Failure if the plug-in throws.
   std::string process(const unsigned char* pixels, const std::string& timestamp);
 
  private:

@@ -1,10 +1,10 @@
-// The log that the plug-in writes to when its host offers one.
+// The logging function that the plug-in looks up in its host.
 #include <cstdarg>
 #include <cstdio>
 
 #include "host/base/notice.h"
 
-// Found by the plug-in by its name. The log file and its size limit are of no use to a program in a terminal.
+// The plug-in finds it by name. The log file and its size limit do not apply to a program in a terminal.
 extern "C" __attribute__((format(printf, 3, 4))) void log_File_Debug_s(const char* /*path*/,
                                                                        int /*size_limit*/, const char* format,
                                                                        ...) {

@@ -1,4 +1,4 @@
-// A box for other programs.
+// Boxes as JSON.
 #pragma once
 
 #include <json/json.h>

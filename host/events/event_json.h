@@ -1,4 +1,4 @@
-// Events as docs/results.md describes them.
+// Events as JSON; documented in docs/results.md.
 #pragma once
 
 #include <json/json.h>

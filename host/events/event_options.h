@@ -1,4 +1,4 @@
-// Options of events on the command line.
+// Command-line options of events.
 #pragma once
 
 #include <chrono>

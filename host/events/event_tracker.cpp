@@ -23,14 +23,14 @@ Boxes boxes_of_kind(const Observation& seen, EventKind kind) {
   return boxes;
 }
 
-// "20261121T153012.345Z": without the characters that have a meaning in files' names.
+// "20261121T153012.345Z": without characters that are special in file names.
 std::string compact_utc(WallTime time) {
   std::string text = utc_text(time);
   std::erase_if(text, [](char c) { return c == '-' || c == ':'; });
   return text;
 }
 
-// Live sources start over every day, so their events are told apart by when they started.
+// Live sources count from the start in every run, so their events are distinguished by their start time.
 std::string event_id(const Event& event, std::int64_t number) {
   const std::string digits = std::to_string(number);
   const std::string padded = std::string(digits.size() < 4 ? 4 - digits.size() : 0, '0') + digits;
@@ -89,8 +89,8 @@ void EventTracker::observe(const source::Frame& frame, const Observation& seen) 
 
 void EventTracker::advance(Track& track, const Observation& seen, Boxes boxes, bool hidden) {
   if (track.event) {
-    // Where frames are rare, two that follow each other still belong together: nothing quiet was seen
-    // between.
+    // At low frame rates, consecutive frames with boxes belong together however far apart they are: no frame
+    // between them was quiet.
     const bool goes_on = !boxes.empty() && track.quiet.count() == 0;
     (hidden && boxes.empty() ? track.hidden : track.quiet) += seen.time - *last_time_;
     if (!goes_on && track.quiet > gap_) close(track, why_quiet(*track.event, gap_, track.hidden));

@@ -1,4 +1,4 @@
-// From boxes in frames to events.
+// Groups boxes into events.
 #pragma once
 
 #include <array>
@@ -13,9 +13,9 @@
 
 namespace lm::host::events {
 
-// Boxes that things that move made become events of motion, those that a change of light made events of
-// light. An event goes on until it was quiet for longer than --gap. While boxes of a change of light last,
-// they may hide what moves, so that time is not held against an event of motion.
+// Boxes caused by moving objects form motion events; boxes caused by a lighting change form lighting events.
+// An event ends after a quiet time longer than --gap. Boxes of a lighting change may hide motion, so their
+// duration does not count as quiet time of a motion event.
 class EventTracker {
  public:
   // Adds the names of the regions that the box touches to a list in the document's order.
@@ -23,20 +23,20 @@ class EventTracker {
 
   explicit EventTracker(const EventRules& rules, Touch touch = {});
 
-  // They are told about everything in the order in which they were added.
+  // Listeners are called in the order in which they were added.
   void add(std::unique_ptr<EventListener> listener) { listeners_.push_back(std::move(listener)); }
 
   // The next frame, with its boxes.
   void observe(const source::Frame& frame, const Observation& seen);
 
-  // What comes next has nothing to do with what came before: events end here. `why`: a sentence.
+  // The source was interrupted: ends all events. `why`: a sentence.
   void interrupt(const std::string& why);
 
-  // The last frame was seen: events end, listeners finish. `why`: a sentence.
+  // After the last frame: ends all events and finishes the listeners. `why`: a sentence.
   void finish(const std::string& why);
   void commit();
 
-  // How many events there were so far that count.
+  // Number of events so far that were long enough.
   std::int64_t events() const { return events_; }
 
  private:
@@ -44,9 +44,9 @@ class EventTracker {
     EventKind kind;
     std::optional<Event> event{};
     std::chrono::microseconds quiet{0};   // since its last frame
-    std::chrono::microseconds hidden{0};  // likewise, while boxes of a change of light lasted
+    std::chrono::microseconds hidden{0};  // the same, while boxes of a lighting change lasted
     bool counts = false;
-    std::optional<std::chrono::microseconds> last_end{};  // of the event before
+    std::optional<std::chrono::microseconds> last_end{};  // of the previous event
   };
   void advance(Track& track, const Observation& seen, std::vector<cv::Rect2d> boxes, bool hidden);
   void open(Track& track, const Observation& seen, const std::vector<cv::Rect2d>& boxes);
@@ -63,7 +63,7 @@ class EventTracker {
   std::int64_t events_ = 0;
 };
 
-// The part of the frame under boxes, 0 to 1. Boxes may overlap each other and reach past the frame.
+// The share of the frame under boxes, 0 to 1. Boxes may overlap and extend beyond the frame.
 double share_under(const std::vector<cv::Rect2d>& boxes);
 
 }  // namespace lm::host::events

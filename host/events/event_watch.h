@@ -1,4 +1,4 @@
-// The events of a run: from frames with boxes to everyone who listens.
+// The events of a run: passes frames with boxes to all listeners.
 #pragma once
 
 #include <cstdint>
@@ -17,16 +17,16 @@ namespace lm::host::events {
 
 class EventWatch {
  public:
-  // Throws Failure when an output cannot be begun.
+  // Throws Failure if an output cannot be opened.
   explicit EventWatch(const RunContext& context);
 
-  // Another one who listens; to be added before the first frame.
+  // Adds a listener, before the first frame.
   void add(std::unique_ptr<EventListener> listener) { tracker_.add(std::move(listener)); }
 
-  // The next frame, as the source gave it, with the boxes that the plug-in found.
+  // The next frame, as read from the source, with the boxes that the plug-in found.
   void frame(const source::Frame& frame, std::int64_t number, const std::vector<cv::Rect2d>& boxes);
 
-  // Events end here. `why`: a sentence.
+  // Ends all events. `why`: a sentence.
   void interrupt(const std::string& why) { tracker_.interrupt(why); }
 
   void finish(bool stopped);

@@ -12,7 +12,7 @@
 namespace lm::host::events {
 namespace {
 
-// A column is a member of the event, or of a member of it.
+// A column is a member of the event, or a member of such a member.
 struct Column {
   const char* key;
   const char* within = nullptr;
@@ -98,7 +98,7 @@ std::string EventsFile::csv() const {
   return text;
 }
 
-// One line for each event, so that line tools are of use too.
+// One line per event, for line-oriented tools.
 std::string EventsFile::json() const {
   Json::Value source;
   source["name"] = source_.name;

@@ -1,4 +1,4 @@
-// The file of --events: all events of a run, as JSON or as a table.
+// The --events file: all events of a run, as JSON or CSV.
 #pragma once
 
 #include <chrono>
@@ -14,7 +14,7 @@ namespace lm::host::events {
 
 class EventsFile : public EventListener {
  public:
-  // Throws Failure (kTrouble) when nothing can be written there.
+  // Throws Failure (kTrouble) if the file cannot be written.
   explicit EventsFile(const RunContext& context);
 
   void frame(const source::Frame& frame, const Observation& seen) override;

@@ -11,7 +11,7 @@ namespace {
 
 constexpr double kSmallestSide = 0.05;  // the plug-in's default
 
-// Reads as the plug-in does: strings only, up to the first character that is not part of the number.
+// Reads numbers as the plug-in does: strings only, up to the first character that is not part of the number.
 double side(const Json::Value& value) {
   try {
     const float number = value.isString() ? std::stof(value.asString()) : 0;

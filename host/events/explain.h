@@ -1,4 +1,4 @@
-// --explain: why there were boxes and events in a span of time, or none.
+// --explain: why there were, or were no, boxes and events in a span of time.
 #pragma once
 
 #include <cstdio>
@@ -12,7 +12,7 @@
 
 namespace lm::host::events {
 
-// Writes to standard error when the run is over, so that result lines and progress stay whole.
+// Writes to standard error after the run, so that result lines and progress are not interrupted.
 class Explainer : public EventListener {
  public:
   explicit Explainer(const RunContext& context, std::FILE* out = stderr);
@@ -40,7 +40,7 @@ class Explainer : public EventListener {
   int boxes_by_light_ = 0;
 };
 
-// The smallest size that counts, in fractions of the frame, as the plug-in reads it from the document.
+// The minimum box size in fractions of the frame, as the plug-in reads it from the document.
 cv::Size2d smallest_box(const std::string& document);
 
 }  // namespace lm::host::events

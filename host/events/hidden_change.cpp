@@ -6,8 +6,8 @@ namespace lm::host::events {
 namespace {
 
 const cv::Size kSamples(320, 180);
-constexpr double kStep = 20;  // grey levels; more than a camera's noise
-constexpr int kLeast = 6;     // samples that change, a ten thousandth of the picture
+constexpr double kStep = 20;  // grey levels; more than camera noise
+constexpr int kLeast = 6;     // samples that change: one ten-thousandth of the picture
 
 template <typename Inside>
 cv::Mat mask_of(Inside inside) {

@@ -1,4 +1,4 @@
-// Changes of the picture where the plug-in does not look.
+// Detects changes in parts of the picture that are not watched.
 #pragma once
 
 #include <opencv2/core.hpp>
@@ -9,19 +9,19 @@
 
 namespace lm::host::events {
 
-// A place that is not watched, and in how many pictures something changed there.
+// An unwatched area, and the number of pictures with changes in it.
 struct HiddenPlace {
   std::string name;  // for messages
-  cv::Mat mask;      // of the samples; empty when the place has none
+  cv::Mat mask;      // of the samples; empty if the area contains none
   int pictures = 0;
 };
 
-// Compares each picture with the one before, in samples.
+// Compares samples of each picture with those of the previous one.
 class HiddenChange {
  public:
   explicit HiddenChange(const Regions& regions);
 
-  // `counts`: whether to count, or to remember the picture only.
+  // `counts`: whether to count changes, or only to store the picture.
   void look(const cv::Mat& image, bool counts);
 
   const std::vector<HiddenPlace>& places() const { return places_; }

@@ -12,13 +12,13 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr int kCellSide = 10;             // samples
-constexpr auto kSpan = 500ms;             // within which light changes
-constexpr auto kAdaptation = 5s;          // for which the plug-in may show boxes of the old light
-constexpr double kCellStep = 3;           // grey levels by which a cell's mean has to change
-constexpr double kTexture = 3;            // standard deviation, in grey levels, that noise does not have
-constexpr double kAlike = 0.7;            // correlation of a texture with itself in another light
-constexpr double kLeastPart = 0.2;        // of the watched cells in another light
-constexpr double kWholeFrame = 0.8;       // ... where no texture tells
+constexpr auto kSpan = 500ms;             // longest duration of a lighting change
+constexpr auto kAdaptation = 5s;          // time in which the plug-in may still report boxes after a change
+constexpr double kCellStep = 3;           // minimum change of a cell's mean, in grey levels
+constexpr double kTexture = 3;            // standard deviation, in grey levels, above that of noise
+constexpr double kAlike = 0.7;            // correlation of a texture with itself after a lighting change
+constexpr double kLeastPart = 0.2;        // minimum share of the watched cells
+constexpr double kWholeFrame = 0.8;       // ... if too few of them have texture
 constexpr double kLeastUnderBoxes = 0.1;  // of the frame
 
 cv::Mat samples_of(const cv::Mat& image) {
@@ -39,7 +39,7 @@ cv::Rect cell(std::size_t index) {
 
 struct Comparison {
   double step = 0;        // of the mean
-  bool textured = false;  // before or now
+  bool textured = false;  // before or after
   bool alike = false;     // the same texture
 };
 
@@ -54,7 +54,7 @@ Comparison compare(const cv::Mat& before, const cv::Mat& now) {
           scale > 0 && common / scale > kAlike};
 }
 
-// How much of the frame lies within the box and over such cells.
+// The share of the frame inside the box and over such cells.
 template <typename Cells>
 double area_over(const Cells& cells, const cv::Rect2d& box) {
   const cv::Rect2d inside = box & cv::Rect2d(0, 0, 1, 1);
@@ -125,8 +125,8 @@ void LightWatch::begin_or_go_on(const Look& now) {
   change_ = {change_ ? change_->before : before.brightness, now.brightness, share};
 }
 
-// Half of the box or more lies where the light changed; or half of that place lies in the box, which has
-// grown together with those of things that move.
+// True if at least half of the box lies where the lighting changed, or if the box covers at least half of
+// that area: it may have been joined with boxes of moving objects.
 bool LightWatch::made_by_light(const cv::Rect2d& box) const {
   const double over = area_over(lit_, box);
   const double own = (box & cv::Rect2d(0, 0, 1, 1)).area();
@@ -152,7 +152,7 @@ void LightWatch::judge(Observation& seen) {
 void LightWatch::look(const cv::Mat& image, Observation& seen) {
   Look now{seen.time, samples_of(image), 0};
   now.brightness = seen.brightness = cv::mean(now.samples)[0];
-  // One from before the span stays, so that there is one however rare the frames are.
+  // One from before the span is kept, so that there is always one, however low the frame rate.
   while (looks_.size() > 1 && looks_[1].time <= now.time - kSpan) looks_.pop_front();
   begin_or_go_on(now);
   judge(seen);

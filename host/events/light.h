@@ -1,10 +1,10 @@
-// Tells boxes that a change of light made from those of things that move.
+// Separates boxes caused by lighting changes from boxes caused by motion.
 //
-// A lamp, a cloud or a camera's exposure makes a large part of the picture brighter, or darker, at once,
-// while what is seen there stays the same: the picture's texture remains. What moves covers what was there.
-// So two pictures half a second apart are compared in small cells, and where most of the cells that became
-// brighter kept their texture, the light has changed there. The plug-in's boxes over that place, for as long
-// as it takes the plug-in to get used to the new light, are the light's.
+// A lamp, a cloud or a camera's exposure control makes a large part of the picture brighter or darker at once
+// and leaves its texture unchanged. A moving object replaces the texture. So two pictures half a second apart
+// are compared in small cells: where most of the cells that became brighter kept their texture, the lighting
+// has changed. The plug-in's boxes over that area are attributed to the lighting change for as long as the
+// plug-in needs to adapt.
 #pragma once
 
 #include <bitset>
@@ -23,10 +23,10 @@ class LightWatch {
  public:
   explicit LightWatch(const Regions& regions);
 
-  // Fills in the brightness, which boxes are the light's, and how it changed.
+  // Fills in the brightness, the lighting change and which boxes it caused.
   void look(const cv::Mat& image, Observation& seen);
 
-  // The next picture has nothing to do with the ones before.
+  // The next picture is not comparable with the previous ones.
   void forget();
 
   static constexpr int kAcross = 16;
@@ -38,18 +38,18 @@ class LightWatch {
 
   struct Look {
     std::chrono::microseconds time;
-    cv::Mat samples;  // grey, some in each cell
+    cv::Mat samples;  // grey, several per cell
     double brightness;
   };
-  // The cells with the same samples in another light, when they are many.
+  // The cells with the same texture in a different light, if there are enough of them.
   Cells relit(const Look& before, const Look& now) const;
   void begin_or_go_on(const Look& now);
   bool made_by_light(const cv::Rect2d& box) const;
   void judge(Observation& seen);
 
   Cells watched_;
-  std::deque<Look> looks_;  // the last half second, the oldest first
-  Cells lit_;               // where the light changed lately
+  std::deque<Look> looks_;  // the last half second, oldest first
+  Cells lit_;               // recent lighting changes
   std::chrono::microseconds lit_until_{0};
   std::optional<LightChange> change_;
 };

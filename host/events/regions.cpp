@@ -7,7 +7,7 @@
 namespace lm::host::events {
 namespace {
 
-// The plug-in reads texts only, each to the first character that does not belong to the number.
+// The plug-in reads only texts, each up to the first character that is not part of the number.
 double coordinate(const Json::Value& value) {
   try {
     return value.isString() ? std::stof(value.asString()) : 0;

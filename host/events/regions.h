@@ -1,4 +1,4 @@
-// Where the plug-in looks for motion, as its configuration document has it.
+// The regions of the plug-in's configuration document.
 #pragma once
 
 #include <opencv2/core.hpp>
@@ -11,21 +11,21 @@ struct Region {
   std::string name;
   std::vector<cv::Point2d> corners;  // fractions of the frame
 
-  // By the even-odd rule: an outline may cross itself.
+  // By the even-odd rule, because an outline may cross itself.
   bool contains(cv::Point2d point) const;
 };
 
 class Regions {
  public:
-  // `document`: one that the plug-in accepted. What is no region in it is left out.
+  // `document`: accepted by the plug-in. Entries that are not regions are skipped.
   explicit Regions(const std::string& document);
   Regions() = default;
 
-  // Whether motion at this place counts: in a region, in no exclusion.
+  // Whether motion at this point counts: inside a region and outside all exclusion regions.
   bool watched(cv::Point2d point) const;
 
-  // Adds the regions that share a part with the box outside the exclusions to `names`, which stay in the
-  // document's order. Parts below about 1/256 of the box may go unnoticed.
+  // Adds to `names` the regions that overlap the box outside the exclusion regions; `names` stays in the
+  // document's order. Overlaps below about 1/256 of the box may be missed.
   void touched(const cv::Rect2d& box, std::vector<std::string>& names) const;
 
   const std::vector<Region>& included() const { return included_; }

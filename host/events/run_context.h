@@ -1,4 +1,4 @@
-// What a run is about, for whatever watches and describes its events.
+// Properties of a run that its listeners need.
 #pragma once
 
 #include <string>
@@ -8,7 +8,7 @@
 
 namespace lm::host::events {
 
-// Refers to objects that outlive its users.
+// Holds references; the objects must outlive its users.
 struct RunContext {
   const EventOptions& options;
   const source::SourceInfo& source;

@@ -1,4 +1,4 @@
-// Why events start and end, in sentences. The same text in every locale.
+// Why events start and end, as sentences, independent of the locale.
 #pragma once
 
 #include <chrono>
@@ -13,10 +13,10 @@ namespace lm::host::events {
 std::string percent_text(double share);
 std::string tenths_text(double value);
 
-// `event`: after its first frame. `since`: when the last one of its kind ended.
+// `event`: after its first frame. `since`: end of the previous event of its kind.
 std::string why_started(const Event& event, std::optional<std::chrono::microseconds> since);
 
-// `hidden`: how long, after its last frame, boxes of a change of light would have hidden it.
+// `hidden`: for how long after its last frame boxes of a lighting change would have hidden it.
 std::string why_quiet(const Event& event, std::chrono::microseconds gap, std::chrono::microseconds hidden);
 
 }  // namespace lm::host::events

@@ -1,4 +1,4 @@
-// The annotated video: the frames with their boxes, under a temporary name until complete.
+// The annotated video: the frames with their boxes drawn, under a temporary name until complete.
 #pragma once
 
 #include <chrono>
@@ -14,13 +14,13 @@ namespace lm::host::outputs {
 
 class Annotator {
  public:
-  // `file`: a name that video_format knows. Throws Failure (kTrouble), like the operations.
+  // `file`: a name that video_format accepts. Throws Failure (kTrouble), as do all operations.
   Annotator(const std::string& file, const source::SourceInfo& source);
 
   // Draws into the frame's own image.
   void write(source::Frame& frame, const std::vector<cv::Rect2d>& boxes);
-  void finish();  // all bytes are out
-  void commit();  // the file has its name
+  void finish();  // flushes everything
+  void commit();  // gives the file its name
 
  private:
   base::PendingFile pending_;

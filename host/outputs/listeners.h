@@ -12,7 +12,7 @@
 
 namespace lm::host::outputs {
 
-// `source`: as the command line names it. Throws Failure when an output cannot be opened.
+// `source`: as on the command line. Throws Failure if an output cannot be opened.
 std::vector<std::unique_ptr<events::EventListener>> make_listeners(const events::RunContext& context,
                                                                    const std::string& source,
                                                                    const mqtt::MqttOptions& mqtt,

@@ -11,14 +11,14 @@ const cv::Scalar kLine(64, 255, 96);
 const cv::Scalar kShade(24, 32, 24);
 const cv::Scalar kLetters(255, 255, 255);
 constexpr int kFont = cv::FONT_HERSHEY_SIMPLEX;
-constexpr double kSmallestScale = 0.3;  // below that the font's letters run together
+constexpr double kSmallestScale = 0.3;  // below that the font is illegible
 
-// A pixel coordinate inside [0, side]; boxes may lie anywhere.
+// A pixel coordinate clamped to [0, side].
 int inside(double pixel, int side) {
   return static_cast<int>(std::clamp(pixel, 0.0, static_cast<double>(side)));
 }
 
-// Fills the frame of `width` pixels just inside `rect`. Boxes thinner than that become full.
+// Fills a border of `width` pixels inside `rect`. Boxes that are too small are filled.
 void draw_border(cv::Mat& image, const cv::Rect& rect, int width, const cv::Scalar& colour) {
   const int across = std::min(width, rect.width);
   const int down = std::min(width, rect.height);

@@ -7,15 +7,14 @@
 
 namespace lm::host::outputs {
 
-// The pixels that a box given in fractions of the frame covers, cut off at the frame's edges; empty when
-// nothing of it lies inside.
+// The pixels covered by a box in fractions of the frame, clipped to the frame; empty if the box is outside.
 cv::Rect pixels_of(const cv::Rect2d& box, cv::Size frame);
 
-// The width of a box's line: a pixel at least, thicker in larger frames so that it shows when scaled down.
+// The line width of boxes: at least one pixel, more in larger frames so that it is visible when scaled down.
 int line_width(cv::Size frame);
 
-// Draws each box and, in the upper left corner, the caption, when it is not empty, as large as suits the
-// frame. Frames too small for legible letters get no caption.
+// Draws the boxes and, in the upper left corner, the caption if not empty. The text size depends on the frame
+// size; frames too small for legible text get no caption.
 void draw_overlay(cv::Mat& image, const std::vector<cv::Rect2d>& boxes, const std::string& caption);
 
 }  // namespace lm::host::outputs

@@ -18,11 +18,11 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr std::size_t kShortestBar = 12;  // with its brackets
+constexpr std::size_t kShortestBar = 12;  // including its brackets
 constexpr std::size_t kLongestBar = 62;
-constexpr auto kLongestPromise = 24h * 365;  // a damaged container states any length
+constexpr auto kLongestPromise = 24h * 365;  // damaged containers state arbitrary lengths
 
-// Asked every time, because the user may resize the window.
+// Queried every time, because the window may be resized.
 int terminal_width() {
   winsize size{};
   if (ioctl(STDERR_FILENO, TIOCGWINSZ, &size) != 0 || size.ws_col == 0) return 80;

@@ -1,4 +1,4 @@
-// How far the run is.
+// Progress of a run.
 #pragma once
 
 #include <chrono>
@@ -11,31 +11,31 @@ namespace lm::host::outputs {
 struct ProgressState {
   std::int64_t frames = 0;
   std::chrono::microseconds time{0};                  // of the video
-  std::optional<std::chrono::microseconds> duration;  // when known
+  std::optional<std::chrono::microseconds> duration;  // if known
   double rate = 0;                                    // frames per second so far
   std::int64_t events = 0;
 };
 
-// How long the rest takes at the speed so far; none where that cannot be told.
+// The remaining time at the average speed so far; none if unknown.
 std::optional<std::chrono::microseconds> time_left(const ProgressState& state);
 
 // One line for a terminal of `width` columns: percentage, bar, frames per second, time, time left and events,
-// or what of that fits. Always at least one column shorter than the terminal, so that it never wraps.
+// as far as they fit. Always at least one column shorter than the terminal, so that it never wraps.
 std::string render_progress(int width, const ProgressState& state);
 
-// The same for programs, as a JSON object on one line. `done`: no other comes after it.
+// The same as a JSON object on one line. `done`: this is the last line.
 std::string progress_line(const ProgressState& state, bool done);
 
 enum class ProgressMode {
   kNone,
-  kBar,    // ten times a second at most, and only where standard error is a terminal
-  kLines,  // progress_line, once a second at most
+  kBar,    // at most ten times per second, and only if standard error is a terminal
+  kLines,  // progress_line, at most once per second
 };
 
-// "bar", "json" or "none", as the command line has it; nothing for any other word.
+// "bar", "json" or "none", as on the command line; none for any other word.
 std::optional<ProgressMode> progress_mode(const std::string& word);
 
-// Tells about it on standard error.
+// Reports progress on standard error.
 class Progress {
  public:
   explicit Progress(ProgressMode mode);
@@ -45,7 +45,7 @@ class Progress {
 
   void update(const ProgressState& state);
 
-  // Takes the bar off the terminal until the next update, to make room for other lines.
+  // Clears the bar until the next update, so that other lines can be printed.
   void clear();
 
   // Everything is complete.

@@ -1,4 +1,4 @@
-// The plug-in's result documents as boxes, and boxes as lines of output.
+// Parses the plug-in's result documents into boxes and writes boxes as result lines.
 #pragma once
 
 #include <chrono>
@@ -11,19 +11,19 @@ namespace lm::host::outputs {
 
 struct ReportedBox {
   cv::Rect2d box{};                    // in fractions of the frame, clipped to it
-  std::vector<std::string> regions{};  // names of those that it touches
+  std::vector<std::string> regions{};  // names of the regions touched
 };
 
-// One line for a frame with boxes, without a line feed at the end. `timestamp`: as the plug-in was given it.
+// The result line of a frame with boxes, without a line feed. `timestamp`: as passed to the plug-in.
 std::string result_line(std::int64_t frame, std::chrono::microseconds time,
                         const std::vector<ReportedBox>& boxes, const std::string& timestamp);
 
-// A line about something that happened to the source before this frame.
+// A line about an event in the source before this frame.
 std::string note_line(const std::string& note, std::int64_t frame, std::chrono::microseconds time);
 
-// The boxes of the plug-in's document in its order, in fractions of the frame and clipped to it: the
-// plug-in's own reach past the right and the bottom border. Empty for an empty text and for one that holds no
-// boxes; left out is what is no object with four numbers, and a box of which nothing lies in the frame.
+// The boxes of the plug-in's document, in its order, in fractions of the frame and clipped to it: the
+// plug-in's own extend beyond the right and bottom border. Empty for an empty text and for one without boxes.
+// Skips entries that are not objects with four numbers, and boxes outside the frame.
 std::vector<cv::Rect2d> boxes_of(const std::string& document);
 
 }  // namespace lm::host::outputs

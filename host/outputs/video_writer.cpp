@@ -13,8 +13,7 @@ extern "C" {
 namespace lm::host::outputs {
 namespace {
 
-// H.264 where FFmpeg was built with an encoder for it, else MPEG-4, whose clock ticks 65535 times a second at
-// most.
+// H.264 if FFmpeg has an encoder for it, else MPEG-4, whose clock has at most 65535 ticks per second.
 source::av::Codec choose_encoder() {
   if (const AVCodec* h264 = avcodec_find_encoder_by_name("libx264")) {
     source::av::Codec encoder = source::av::new_codec(h264);
@@ -30,7 +29,7 @@ source::av::Codec choose_encoder() {
   return encoder;
 }
 
-// Colour is stored for every second pixel and row, so sides have to be even.
+// Chroma is stored at half resolution, so both sides must be even.
 int even(int side) { return side + side % 2; }
 
 }  // namespace
@@ -74,7 +73,7 @@ void VideoWriter::open_encoder(const Shape& shape) {
   encoder_->height = even(shape.size.height);
   encoder_->sample_aspect_ratio = {shape.pixel_aspect.width, shape.pixel_aspect.height};
   encoder_->pix_fmt = AV_PIX_FMT_YUV420P;
-  encoder_->colorspace = AVCOL_SPC_SMPTE170M;  // what the scaler makes
+  encoder_->colorspace = AVCOL_SPC_SMPTE170M;  // the scaler's output
   encoder_->color_range = AVCOL_RANGE_MPEG;
   encoder_->framerate = av_d2q(shape.rate > 0 ? shape.rate : 25, 100'000);
   if ((output_->oformat->flags & AVFMT_GLOBALHEADER) != 0) encoder_->flags |= AV_CODEC_FLAG_GLOBAL_HEADER;
@@ -91,7 +90,7 @@ void VideoWriter::open_file() {
   check(avio_open(&output_->pb, output_->url, AVIO_FLAG_WRITE));
   AVDictionary* settings = nullptr;
   av_dict_set(&settings, "movflags", "+faststart",
-              0);  // the index in front, so that a browser plays it at once
+              0);  // index at the front, so that browsers can play it at once
   const int result = avformat_write_header(output_.get(), &settings);
   av_dict_free(&settings);
   check(result);
@@ -116,7 +115,7 @@ void VideoWriter::finish() {
   check(avio_closep(&output_->pb));
 }
 
-// Gives the encoder a picture, or null for the end, and writes what is ready.
+// Passes a picture to the encoder, or null at the end, and writes the packets that are ready.
 void VideoWriter::encode(const AVFrame* picture) {
   check(avcodec_send_frame(encoder_.get(), picture));
   for (;;) {

@@ -1,4 +1,4 @@
-// Frames to a video file, each with its own time.
+// Writes frames to a video file, each with its own timestamp.
 #pragma once
 
 #include <chrono>
@@ -10,8 +10,8 @@
 
 namespace lm::host::outputs {
 
-// The container that the file's name asks for ("mp4", "matroska", "mov"); null for names that ask for
-// another. These are the ones that keep a time for every single frame.
+// The container for the file's extension ("mp4", "matroska", "mov"); null for other extensions. These
+// containers store a timestamp per frame.
 const char* video_format(const std::string& file);
 
 class VideoWriter {
@@ -19,14 +19,14 @@ class VideoWriter {
   struct Shape {
     cv::Size size;
     cv::Size pixel_aspect{1, 1};
-    double rate = 0;  // frames per second, for the encoder's planning only; 0 when unknown
+    double rate = 0;  // frames per second, only a hint for the encoder; 0 if unknown
   };
 
-  // `format`: of video_format. Throws Failure (kTrouble) naming `shown_name`, like all operations.
+  // `format`: from video_format. Throws Failure (kTrouble) naming `shown_name`, as do all operations.
   VideoWriter(const std::string& path, const char* format, const Shape& shape, const std::string& shown_name);
   ~VideoWriter();
 
-  // `image`: 8-bit blue, green, red, of the stated size. `time`: later than the frame before.
+  // `image`: 8-bit blue, green, red, of the stated size. `time`: later than the previous frame.
   void write(const cv::Mat& image, std::chrono::microseconds time);
 
   // Completes the file.
@@ -46,10 +46,10 @@ class VideoWriter {
   AVStream* stream_ = nullptr;  // part of output_
   source::av::Codec encoder_;
   source::av::Scaler scaler_;
-  source::av::Picture colour_;   // the image with sides made even
+  source::av::Picture colour_;   // the image, with even sides
   source::av::Picture encoded_;  // the same in the encoder's pixel format
   source::av::Packet packet_ = source::av::new_packet();
-  std::int64_t last_time_ = -1;  // in the encoder's unit
+  std::int64_t last_time_ = -1;  // in the encoder's time base
 };
 
 }  // namespace lm::host::outputs

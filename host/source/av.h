@@ -1,4 +1,4 @@
-// FFmpeg's objects with owners.
+// Owning types for FFmpeg's objects.
 #pragma once
 
 #include <memory>
@@ -32,7 +32,7 @@ using Picture = std::unique_ptr<AVFrame, Free<av_frame_free>>;
 using Packet = std::unique_ptr<AVPacket, Free<av_packet_free>>;
 using Scaler = std::unique_ptr<SwsContext, FreeScaler>;
 
-// The unit of the times that frames carry.
+// The unit of frame times.
 inline constexpr AVRational kMicroseconds{1, 1'000'000};
 
 // Each throws std::bad_alloc instead of returning null.
@@ -41,7 +41,7 @@ Picture new_picture(cv::Size size, AVPixelFormat format);  // with its own pixel
 Packet new_packet();
 Codec new_codec(const AVCodec* codec);
 
-// The pixels of a picture in blue, green, red; valid as long as the picture.
+// The pixels of a picture as blue, green, red; valid as long as the picture.
 cv::Mat view(AVFrame& picture);
 
 // "No such file or directory", "Invalid data found when processing input", ...

@@ -25,7 +25,7 @@ namespace {
 using namespace std::chrono_literals;
 using Time = FrameClock::Time;
 
-// The prefix keeps a colon in a file name from being read as a protocol.
+// The prefix keeps FFmpeg from reading a colon in a file name as a protocol.
 std::string url_of(const std::string& name) {
   return name.find("://") == std::string::npos && !is_camera(name) ? "file:" + name : name;
 }
@@ -66,8 +66,8 @@ std::optional<Time> stated_duration(const AVFormatContext& input, const AVStream
   throw base::Failure(base::kTrouble, name + ": " + cause);
 }
 
-// Loaded for local cameras alone: it depends on dozens of packages that files and streams do not need. FFmpeg
-// gives its libavformat and libavdevice the same number.
+// Loaded only for local cameras: it depends on dozens of packages that files and streams do not need. FFmpeg
+// gives libavformat and libavdevice the same version number.
 void load_camera_support() {
   constexpr const char* kLibrary = "libavdevice.so." AV_STRINGIFY(LIBAVFORMAT_VERSION_MAJOR);
   static const bool loaded = [] {
@@ -216,7 +216,7 @@ bool FfmpegSource::next(Frame& frame) {
 }
 
 // If the container guarantees increasing timestamps, a frame's number follows from its time. Otherwise it is
-// known only after reading from the start.
+// only known when reading from the start.
 bool FfmpegSource::can_leap() const {
   constexpr int kUncertain = AVFMT_TS_DISCONT | AVFMT_NOTIMESTAMPS;
   return !info_.live && first_time_ && (input_->iformat->flags & kUncertain) == 0;
@@ -319,8 +319,8 @@ int FfmpegSource::read_in_time() {
   }
 }
 
-// After a loss, pictures that refer to lost data are grey or smeared until the next key frame. That is not
-// motion.
+// After a loss, pictures that refer to lost data are grey or smeared until the next key frame, which would be
+// reported as motion.
 void FfmpegSource::note_damage(const std::string& cause) {
   whole_picture_needed_ = info_.live;
   if (damaged_++ == 0) first_damage_ = cause;

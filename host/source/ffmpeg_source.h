@@ -20,7 +20,7 @@ bool is_camera(const std::string& name);
 
 class FfmpegSource : public Source {
  public:
-  // Opens the source and decodes its first frame, which settles the size of all unless `size` does. `stop`
+  // Opens the source and decodes its first frame, which determines the frame size unless `size` does. `stop`
   // ends all waiting.
   explicit FfmpegSource(const std::string& name, const Reading& reading = {}, cv::Size size = {},
                         std::stop_token stop = {});
@@ -51,7 +51,7 @@ class FfmpegSource : public Source {
   std::string early_end() const;
   std::optional<FrameClock::Time> stated_time() const;
 
-  std::string address_;  // as given, passwords and all
+  std::string address_;  // as given, with passwords
   Reading reading_;
   std::stop_token stop_;
   base::Deadline deadline_;
@@ -65,18 +65,18 @@ class FfmpegSource : public Source {
   std::optional<FrameClock> clock_;
   live::FramePicker picker_;
   std::optional<FrameClock::Time> first_time_;  // as the first frame states it
-  FrameClock::Time not_before_{0};              // what seek asked for
+  FrameClock::Time not_before_{0};              // requested by seek
   std::int64_t number_ = 0;                     // of the next frame
-  std::string note_;                            // for the next frame handed out
+  std::string note_;                            // for the next frame returned
   base::Deadline::Clock::time_point opened_ = base::Deadline::Clock::now();
-  FrameClock::Time received_{0};       // when the last packet came, since then
-  bool untimed_ = false;               // a live stream that states no times: pictures count when they come
-  bool whole_picture_needed_ = false;  // before any other is of use
-  bool first_waits_ = true;            // the picture decoded by the constructor has not been handed out
+  FrameClock::Time received_{0};       // arrival time of the last packet on that scale
+  bool untimed_ = false;               // a live stream without timestamps: arrival times are used
+  bool whole_picture_needed_ = false;  // pictures before the next key frame are skipped
+  bool first_waits_ = true;            // the constructor's picture has not been returned yet
   std::int64_t packets_ = 0;           // of the video stream, read so far
   bool packet_waits_ = false;          // the decoder had no room for it
   bool drained_ = false;
-  bool leapt_ = false;  // the next frame's number is as near as its time tells
+  bool leapt_ = false;  // the next frame's number is derived from its time
 
   FrameClock::Time end_{0};  // of the last frame
   int damaged_ = 0;

@@ -3,7 +3,7 @@
 namespace lm::host::source {
 namespace {
 
-// Tells the scaler what the picture says about its colours; where the picture is silent, the format decides.
+// Passes the picture's colour space and range to the scaler; if not stated, the pixel format determines them.
 void state_colours(SwsContext& scaler, const AVFrame& picture) {
   int *from, *to, from_full, to_full, brightness, contrast, saturation;
   if (sws_getColorspaceDetails(&scaler, &from, &from_full, &to, &to_full, &brightness, &contrast,

@@ -1,4 +1,4 @@
-// Decoded pictures of any format and size to frames of one size.
+// Converts decoded pictures of any format and size to frames of one size.
 #pragma once
 
 #include <opencv2/core.hpp>
@@ -9,15 +9,15 @@ namespace lm::host::source {
 
 class PictureConverter {
  public:
-  // `size`: of the pictures before the turn; pictures of another size are scaled to it.
-  // `quarter_turns`: how often to turn each picture clockwise, 0 to 3.
+  // `size`: of the pictures before rotation; pictures of another size are scaled to it. `quarter_turns`:
+  // clockwise rotation, 0 to 3.
   PictureConverter(cv::Size size, int quarter_turns);
 
-  // The size of the images that come out.
+  // The size of the converted images.
   cv::Size size() const;
 
-  // Returns an image of its own, 8-bit blue, green, red, rows without padding; an empty one when the
-  // picture's pixel format cannot be converted.
+  // Returns a new image, 8-bit blue, green, red, rows without padding; an empty one if the pixel format
+  // cannot be converted.
   cv::Mat convert(const AVFrame& picture);
 
  private:

@@ -1,4 +1,4 @@
-// The time of a frame as the plug-in is told it.
+// Timestamps of frames for the plug-in.
 #pragma once
 
 #include <string>
@@ -7,8 +7,8 @@
 
 namespace lm::host::source {
 
-// Milliseconds: a file's own time counted from 1, because the plug-in takes 0 for "unknown"; else the wall
-// clock.
+// Milliseconds: a file's own time counted from 1, because the plug-in takes 0 for "unknown"; otherwise the
+// wall clock.
 std::string timestamp(const SourceInfo& source, const Frame& frame);
 
 }  // namespace lm::host::source

@@ -88,5 +88,5 @@ _lightmotion() {
       ;;
   esac
 }
-# Names of files get their slashes and quotes from readline.
+# Readline adds slashes and quotes to file names.
 complete -o filenames -F _lightmotion lightmotion

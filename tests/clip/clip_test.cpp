@@ -1,4 +1,4 @@
-// The engine and the plain model, field by field, over real footage.
+// Compares the engine with the plain model, field by field, on real footage.
 #include <gtest/gtest.h>
 
 #include <cstdlib>

@@ -24,13 +24,13 @@ TEST(ThrowingLog, PassesThroughInitializationAndLeavesNoDetector) {
 TEST(ThrowingLog, LeavesNoMemoryBehind) {
   const ThrowingHostLog log;
   std::int64_t live = -1;
-  for (int round = 0; round < 2; ++round) {  // the first makes what is made once and for all
+  for (int round = 0; round < 2; ++round) {  // the first round includes one-time allocations
     const FailingAlloc alloc;
     try {
       initialization(automatic.c_str());
     } catch (const std::runtime_error&) {
     }
-    std::vector<LogCall>().swap(hostLog());  // the host's own blocks
+    std::vector<LogCall>().swap(hostLog());  // the host's own memory
     live = alloc.live();
   }
   EXPECT_EQ(live, 0);

@@ -1,5 +1,5 @@
-// Failing allocations that plugin/allocation_failure_test.cpp does not reach: in a frame long after the
-// first, and in malloc below the library, as used by the JSON library and the C++ runtime.
+// Failing allocations not covered by plugin/allocation_failure_test.cpp: in a late frame, and in malloc below
+// the library, as used by the JSON library and the C++ runtime.
 #include <gtest/gtest.h>
 #include <json/json.h>
 
@@ -86,7 +86,7 @@ TEST_P(ObjectExtraction, GivesTheNextFramesBoxesWhicheverOfItsRequestsFailed) {
   EXPECT_GT(refused, 20);
 }
 
-// The next frame assumes that the rows which a frame leaves behind are blank.
+// The next frame requires that the rows left by a frame are blank.
 TEST_P(ObjectExtraction, LeavesNoLabelsOfObjectsThatWentWhileMemoryWasLacking) {
   for (std::uint64_t failAt = 1;; ++failAt) {
     start();
@@ -115,7 +115,7 @@ Start started(const std::string& document, std::uint64_t failAt, FailingAlloc& a
     alloc.stopFailing();
     return stands ? Start::stands : Start::refused;
   } catch (const std::bad_alloc&) {
-  } catch (const Json::Exception&) {  // jsoncpp's word for memory that malloc refuses
+  } catch (const Json::Exception&) {  // jsoncpp's exception when malloc fails
   }
   return Start::threw;
 }
@@ -136,7 +136,7 @@ TEST(MemoryBelowTheLibrary, ThatIsLackingLeavesNothingBehind) {
       live = alloc.live();
       refused = alloc.refused();
     }
-    if (failAt == 0) continue;  // what is made once and for all was made now
+    if (failAt == 0) continue;  // one-time allocations were made now
     EXPECT_EQ(live, 0) << "request " << failAt;
     if (start == Start::threw) ++thrown;
     ASSERT_TRUE(initialization(document.c_str())) << "after request " << failAt;

@@ -29,7 +29,7 @@ TEST_P(OnePixelFrames, AreLearnedAndHaveNoBoxes) {
 
 struct Side {
   int width, height;
-  std::int64_t pixels;  // their product in 32 bits
+  std::int64_t pixels;  // product of the sides in 32-bit arithmetic
 };
 void PrintTo(const Side& size, std::ostream* out) { *out << size.width << " x " << size.height; }
 
@@ -43,7 +43,7 @@ INSTANTIATE_TEST_SUITE_P(Of, OverflowingSize,
                                            Side{46341, 46341, -2147479015}, Side{2147483647, 2, -2}));
 
 // No machine has that many pixels, so initialization may run out of memory or frames may have no results, but
-// nothing is written outside the buffers. A frame has as many pixels as the product in 32 bits.
+// nothing is written outside the buffers. A frame has as many pixels as the product in 32-bit arithmetic.
 TEST_P(OverflowingSize, IsSurvived) {
   const auto [width, height, pixels] = GetParam();
   const FailingAlloc absurdRequestsThrow;

@@ -11,7 +11,7 @@ namespace {
 
 enum class Start { stands, refused, threw };
 
-// Everything else that is thrown ends the program.
+// Any other exception ends the program.
 Start started(const char* document) {
   try {
     return initialization(document) ? Start::stands : Start::refused;

@@ -1,5 +1,5 @@
-// Everything that the host program reads itself: command lines, configuration documents, result documents,
-// times, single options, its own records. The first byte of the input says which.
+// Everything that the host program parses itself: command lines, configuration and result documents, times,
+// option values, its own records. The first byte of the input selects the kind.
 #include <json/json.h>
 
 #include <memory>
@@ -66,12 +66,12 @@ void readDocument(const std::string& text) {
     fuzz::require(verdict.refused(), "a misfit is not found");
     return;
   }
-  complete_document(document, {640, 360});  // which is accepted
+  complete_document(document, {640, 360});  // accepted, because complete
   std::vector<std::string> touched;
   Regions(document).touched({0.25, 0.25, 0.5, 0.5}, touched);
 }
 
-// A result document, with its frame's time in front.
+// A result document, preceded by its frame's time.
 void readResult(const std::string& text) {
   fuzz::Choices choices(reinterpret_cast<const std::uint8_t*>(text.data()), text.size());
   const microseconds time(choices.number<std::int32_t>());
@@ -89,7 +89,7 @@ void readResult(const std::string& text) {
   }
 }
 
-// What stands behind single options: spans, sizes, shards, addresses of brokers.
+// Option values: spans, sizes, shards, broker addresses.
 void readValue(const std::string& text) {
   if (const auto span = parse_span(text)) fuzz::require(span->from <= span->to, "a span that runs back");
   if (const auto scale = parse_scale(text)) {
@@ -112,7 +112,7 @@ void readValue(const std::string& text) {
   }
 }
 
-// The record of an archive's file: what is read once is written and read the same again.
+// The record of an archive's file: a record that can be read is written and read back unchanged.
 void readRecord(const std::string& text) {
   const std::optional<Record> record = record_from(text);
   if (!record) return;
@@ -121,7 +121,7 @@ void readRecord(const std::string& text) {
   fuzz::require(again && to_json(*again) == written, "a record changes when it is read");
 }
 
-// Times that a container states.
+// A container's timestamps.
 void readTimes(const std::string& text) {
   fuzz::Choices choices(reinterpret_cast<const std::uint8_t*>(text.data()), text.size());
   FrameClock clock(microseconds(choices.number<std::uint16_t>() + 1));
@@ -166,7 +166,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
       readRecord(text);
       break;
     default:
-      return -1;  // of no use in the corpus
+      return -1;  // not useful in the corpus
   }
   return 0;
 }

@@ -9,7 +9,7 @@
 
 namespace {
 
-// A file in memory with a name.
+// A named file in memory.
 class MemoryFile {
  public:
   MemoryFile(const std::uint8_t* data, std::size_t size) : file_(memfd_create("parameters", MFD_CLOEXEC)) {
@@ -25,7 +25,7 @@ class MemoryFile {
   int file_;
 };
 
-// The seven fields, bit by bit.
+// The seven fields as bit patterns.
 std::array<std::uint32_t, 8> settings(const kAMBLE& engine) {
   std::array<std::uint32_t, 8> all{};
   std::size_t i = 0;
@@ -53,7 +53,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   engine.ParserParams(whole.path().c_str());
   fuzz::require(settings(engine) == once, "a second reading gives something else");
 
-  // The first lines alone, then all of them, is the same as all of them.
+  // Reading the first lines and then all lines gives the same as reading all lines.
   if (size == 0) return 0;
   const void* const middle = std::memchr(data + size / 2, '\n', size - size / 2);
   if (middle == nullptr) return 0;

@@ -35,13 +35,13 @@ Outcome outcomeOf(const Call& call) {
 }
 
 std::vector<std::string> linesOf(const std::string& text) {
-  std::vector<std::string> lines = {"frmW 9", "frmH 7"};  // the region masks need a size
+  std::vector<std::string> lines = {"frmW 9", "frmH 7"};  // the region masks require a size
   std::istringstream stream(text);
   for (std::string line; std::getline(stream, line);) lines.push_back(line);
   return lines;
 }
 
-// The model's pixels have masks of their own, and it draws whatever size it is told.
+// The model allocates its own masks, of any size that it is given.
 bool isDrawable(const kAMBLE& engine) {
   const std::int64_t pixels = std::int64_t{engine.szImgX} * engine.szImgY;
   return pixels <= static_cast<std::int64_t>(mostPixels);

@@ -1,4 +1,4 @@
-// Region lists with every kind of fraction: the document's reader and the masks, compared with the plain
+// Region lists with all kinds of fractions: the document's reader and the masks, compared with the plain
 // model.
 #include <cstdio>
 #include <stdexcept>
@@ -97,7 +97,7 @@ std::string document(const std::vector<plain::RegionText>& include,
   return text + "}";
 }
 
-// What `call` throws, as a text.
+// The exception that `call` throws, as text.
 template <class Call>
 std::string thrownBy(const Call& call) {
   try {
@@ -110,7 +110,7 @@ std::string thrownBy(const Call& call) {
   }
 }
 
-// Only that every vertex and point is survived: the array form takes any float.
+// Only requires that nothing crashes: the array form takes any float.
 void tryPoints(fuzz::Choices choices) {
   std::array<float, 6> x{};
   std::array<float, 6> y{};

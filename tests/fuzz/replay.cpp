@@ -1,4 +1,4 @@
-// Runs a fuzz target over stored inputs where there is no libFuzzer: every file of the folders named.
+// Runs a fuzz target over stored inputs without libFuzzer: all files in the given folders.
 #include <cstdio>
 #include <filesystem>
 #include <fstream>

@@ -1,5 +1,5 @@
 // Whole runs: settings, regions, then frames of arbitrary pixels, times and channel counts, one run after
-// another. The engine is compared with the plain model in every field after every frame.
+// another. After every frame, every field of the engine is compared with the plain model.
 #include <utility>
 
 #include "tests/fuzz/target.h"
@@ -12,8 +12,8 @@ using fuzz::Choices;
 struct Setting {
   const char* key;
   int low, high;
-  const char* ending;  // of the number's text
-  bool inDocument;     // in the document's order
+  const char* ending;  // suffix of the number's text
+  bool inDocument;     // allowed in a document
 };
 constexpr std::array<Setting, 12> settings = {{{"sensitivity", -1, 6, "", true},
                                                {"lcAdap", 0, 6, "", true},
@@ -55,7 +55,6 @@ std::vector<plain::RegionText> regions(Choices& choices, int most) {
 }
 
 // ---- pictures
-// ------------------------------------------------------------------------------------------------
 
 // A picture that changes from frame to frame.
 class Picture {
@@ -94,8 +93,8 @@ class Picture {
  private:
   static bool isAccepted(int channels) { return channels == 1 || channels == 3 || channels == 4; }
 
-  // An engine takes no frame with more channels than the first that it accepted. That is a rule of its own,
-  // with tests of its own; the model knows nothing of it.
+  // An engine accepts no frame with more channels than its first accepted frame. That rule has its own tests
+  // and is not part of the model.
   void changeChannels(int channels) {
     channels_ = isAccepted(channels) && widest_ != 0 ? std::min(channels, widest_) : channels;
     resize();
@@ -142,7 +141,6 @@ class Picture {
 };
 
 // ---- times
-// ---------------------------------------------------------------------------------------------------
 
 constexpr std::array oddTimes = {
     "0",  "-1",  "1",   "9223372036854775807", "-9223372036854775808", "9223372036854775806", "2147483648",
@@ -186,8 +184,7 @@ std::vector<Frame> frames(Choices& choices, int width, int height) {
   return list;
 }
 
-// ---- what the host changes on the way
-// ------------------------------------------------------------------------
+// ---- changes by the host
 
 template <class State>
 void setCounters(State& state, std::int32_t timer, std::uint32_t count, float life) {
@@ -198,7 +195,7 @@ void setCounters(State& state, std::int32_t timer, std::uint32_t count, float li
   }
 }
 
-// Counters close to their limits, as after years; once the engine is sized.
+// Counters close to their limits, as after years; requires a sized engine.
 std::function<void(int, kAMBLE*, plain::Model&)> ageing(Choices& choices) {
   if (choices.below(4) != 0) return {};
   const int at = choices.between(1, 12);
@@ -244,7 +241,7 @@ Sequence run(Choices& choices) {
   const auto list = frames(choices, sequence.width, sequence.height);
   sequence.frames = static_cast<int>(list.size());
   sequence.frame = [list](int k) { return list[static_cast<std::size_t>(k)]; };
-  // A frame counter that runs all the way round sizes the engine again, for the channels of that frame.
+  // When the frame counter wraps around to zero, the engine is sized again for the channels of that frame.
   if (!hasOneChannelCount(sequence)) sequence.before = {};
   return sequence;
 }
@@ -256,7 +253,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   do {
     const Sequence sequence = run(choices);
     fuzz::requireSame(compareOver(sequence));
-    // Through the entry points every frame has the document's channel count.
+    // Through the entry points, every frame has the document's channel count.
     if (sequence.road == Road::document && !sequence.before && hasOneChannelCount(sequence)) {
       fuzz::requireSame(compareTextsOver(sequence));
     }

@@ -11,7 +11,7 @@
 
 namespace {
 
-// libFuzzer closes standard error for the code under test, whose messages would drown everything else.
+// libFuzzer closes standard error for the tested code, whose messages would drown its reports.
 const int reports = fcntl(STDERR_FILENO, F_DUPFD_CLOEXEC, 3);
 
 constexpr std::size_t unlimited = std::numeric_limits<std::size_t>::max();
@@ -19,8 +19,7 @@ std::size_t largest = unlimited;
 
 }  // namespace
 
-// Recursive parsers call the allocator from ever new stacks, each of which the address sanitizer would
-// remember.
+// Recursive parsers allocate from ever new stacks, each of which the address sanitizer would store.
 extern "C" const char* __asan_default_options();  // NOLINT
 const char* __asan_default_options() { return "malloc_context_size=2:quarantine_size_mb=16"; }
 
@@ -32,7 +31,7 @@ void fuzz::finding(const std::string& what) {
 fuzz::MemoryLimit::MemoryLimit(std::size_t bytes) { largest = bytes; }
 fuzz::MemoryLimit::~MemoryLimit() { largest = unlimited; }
 
-// The linker sends the program's requests here (--wrap); the sanitizers' own functions stay behind them.
+// The linker redirects the program's calls here (--wrap); the sanitizers' functions are called from here.
 extern "C" {
 
 void* __real__Znwm(std::size_t size);                                              // NOLINT

@@ -1,6 +1,6 @@
-// What the fuzz targets share. A target is one source with LLVMFuzzerTestOneInput: clang's libFuzzer drives
-// it, and replay.cpp where there is no libFuzzer. Whatever ends the program is a finding: a sanitizer's
-// report, an exception that the called function does not document, and finding().
+// Common code of the fuzz targets. A target is one source with LLVMFuzzerTestOneInput, driven by libFuzzer
+// or, without it, by replay.cpp. Anything that ends the program is a finding: a sanitizer report, an
+// exception that the called function does not document, and finding().
 #pragma once
 
 #include <algorithm>
@@ -14,7 +14,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 
 namespace fuzz {
 
-// Says what is wrong and ends the program.
+// Prints what is wrong and ends the program.
 [[noreturn]] void finding(const std::string& what);
 
 inline void require(bool condition, const char* what) {
@@ -24,7 +24,7 @@ inline void requireSame(const std::string& difference) {
   if (!difference.empty()) finding(difference);
 }
 
-// An input read as a row of choices. Once it is used up, every further choice is the first one.
+// An input as a sequence of choices. After its end, every choice is the first one.
 class Choices {
  public:
   Choices(const std::uint8_t* data, std::size_t size) : at_(data), end_(data + size) {}
@@ -54,8 +54,8 @@ class Choices {
   const std::uint8_t* end_;
 };
 
-// While it lives, requests for more than `bytes` at once fail as they do where memory is lacking. A document
-// may ask for frames of gigabytes; what then matters is that the failure is handled.
+// During its lifetime, single allocations above `bytes` fail as if out of memory. A document may request
+// frames of gigabytes; the failure must be handled.
 class MemoryLimit {
  public:
   explicit MemoryLimit(std::size_t bytes);

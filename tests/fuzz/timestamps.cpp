@@ -1,4 +1,4 @@
-// Any texts as timestamps of a row of frames, compared with the plain model; and each of them in a result
+// Any texts as timestamps of consecutive frames, compared with the plain model; and each of them in a result
 // document. Every line of the input is a timestamp.
 #include <json/json.h>
 
@@ -38,7 +38,7 @@ void configure(lightMotion& detector, plain::Model& model) {
   model.setParam(entries, {{"a", {{-1, -1}, {2, -1}, {2, 2}, {-1, 2}}, {}}}, {});
 }
 
-// The wall clock goes on by an amount that the text decides, backwards too.
+// Moves the wall clock by an amount derived from the text, possibly backwards.
 void moveClock(const std::string& text, plain::Model& model) {
   timeval now = scriptedTime();
   const int step = text.empty() ? 40 : static_cast<signed char>(text.back());
@@ -48,7 +48,7 @@ void moveClock(const std::string& text, plain::Model& model) {
   model.now = now;
 }
 
-// The result document is JSON whatever follows the number, and as long as it is said to be.
+// The result document is JSON whatever follows the number, and has the stated length.
 void report(const std::string& timestamp) {
   lightMotion detector;
   detector.objList = {{0.25F, 0.5F, 0.125F, 0.0625F, {}}};
@@ -71,7 +71,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   std::istringstream lines(std::string(reinterpret_cast<const char*>(data), size));
   std::string line;
   for (std::uint8_t frame = 0; frame < 64 && std::getline(lines, line); ++frame) {
-    line = line.c_str();  // as far as a host's text goes
+    line = line.c_str();  // a host's text ends at the first NUL
     moveClock(line, model);
     const std::uint8_t pixel = frame % 3;
     int length = -1;

@@ -1,4 +1,4 @@
-// A small archive for the tests: videos, files that are none, and the results of runs over them.
+// A small archive for tests: videos, files that are not videos, and results of runs over them.
 #pragma once
 
 #include <functional>
@@ -13,13 +13,13 @@ namespace archive {
 // A video of 20 frames in which the fake plug-in finds boxes on 18.
 std::string clip_bytes();
 
-// A file that holds sound and no video.
+// A file with sound but no video.
 std::string sound_bytes();
 
-// The contents of all files in a folder at any depth, hidden ones too, by their paths below it.
+// The contents of all files in a folder and its subfolders, including hidden ones, by relative path.
 std::map<std::string, std::string> tree(const std::string& folder);
 
-// Looks again and again until it holds; false when it does not within half a minute.
+// Polls until it holds; false after half a minute.
 bool eventually(const std::function<bool()>& holds);
 
 // The arguments of a run with the fake plug-in.

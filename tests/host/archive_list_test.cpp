@@ -1,4 +1,4 @@
-// Which files an archive run works on, what their results are called, and which of them are a shard's.
+// Which files an archive run processes, their results' names, and how they are divided into shards.
 #include <gtest/gtest.h>
 
 #include <cstdlib>
@@ -16,7 +16,7 @@ using namespace lm::host::commands::archive;
 namespace fs = std::filesystem;
 using Names = std::vector<std::string>;
 
-// A folder with files that are empty: their names are all that counts here.
+// A folder with empty files: only their names matter.
 class FileList : public testing::Test {
  protected:
   void SetUp() override {
@@ -28,7 +28,7 @@ class FileList : public testing::Test {
     }
   }
 
-  // As paths below the test's folder, which is the same under its real name.
+  // As paths below the test's folder, with symbolic links resolved.
   Names listed(const Names& sources) {
     const std::string root = fs::canonical(folder_ / "in").parent_path().string() + "/";
     Names names;

@@ -1,4 +1,4 @@
-// Two archive runs that want a file at the same moment.
+// Two archive runs that need the same file at the same time.
 #include <gtest/gtest.h>
 #include <sys/file.h>
 #include <sys/syscall.h>
@@ -14,12 +14,12 @@
 
 namespace {
 
-// What another process does between a lock file's opening and its locking.
+// What another process does between the opening and the locking of a lock file.
 std::function<void()> meanwhile;
 
 }  // namespace
 
-// Takes the place of the C library's in this program.
+// Replaces the C library's function in this program.
 extern "C" int flock(int file, int operation) noexcept {
   if (meanwhile) std::exchange(meanwhile, nullptr)();
   return static_cast<int>(syscall(SYS_flock, file, operation));

@@ -1,4 +1,4 @@
-// Archive runs whose results have no room, no permission, or several runs at work on them.
+// Archive runs without space, without permission, and with several runs on the same results.
 #include <fcntl.h>
 #include <gtest/gtest.h>
 
@@ -13,7 +13,7 @@ using archive::tree;
 using program::Folder;
 using Names = std::vector<std::string>;
 
-// Runs a shell with these as $1, $2 ...; the status as a shell shows it.
+// Runs a shell with these as $1, $2 ...; returns the status as a shell reports it.
 int shell(const std::string& script, const Names& words) {
   Names all{"sh", "-c", script, "sh"};
   all.insert(all.end(), words.begin(), words.end());
@@ -28,7 +28,7 @@ int shell(const std::string& script, const Names& words) {
   return program::wait_for(process);
 }
 
-// In name spaces of its own, which need no privileges where the system allows them, every user may mount.
+// Namespaces need no privileges where the system allows them, and allow every user to mount.
 class ArchivePlace : public testing::Test {
  protected:
   void SetUp() override {
@@ -37,7 +37,7 @@ class ArchivePlace : public testing::Test {
     for (int i = 0; i < 12; ++i) {
       program::write(folder_ / ("in/" + std::to_string(i) + ".mkv"), archive::clip_bytes());
     }
-    // The second is for root where users have no name spaces, the third for root in a changed root.
+    // The second is for root without user namespaces, the third for root in a chroot.
     for (const char* kind :
          {"--user --map-root-user --mount", "--mount", "--mount --propagation unchanged"}) {
       name_spaces_ = kind;
@@ -46,8 +46,8 @@ class ArchivePlace : public testing::Test {
     GTEST_SKIP() << "this system does not let its users mount";
   }
 
-  // Runs the script with a file system of its own at "out". $1: the test's folder, $2: the program, $3: the
-  // plug-in.
+  // Runs the script with a separate file system mounted at "out". $1: the test's folder, $2: the program, $3:
+  // the plug-in.
   int within_mount(const std::string& options, const std::string& script) {
     const std::string mounted =
         "mount -t tmpfs " + options + " none \"$1/out\" || exit 99\ntrap 'umount \"$1/out\"' EXIT\n" + script;
@@ -71,7 +71,7 @@ TEST_F(ArchivePlace, NotToBeWrittenIsSaidOnce) {
 }
 
 TEST_F(ArchivePlace, FullItKeepsWhatIsWholeAndNothingElse) {
-  // 18 lines take a page of 4 KiB and run.json another, so 64 KiB hold no more than eight of twelve results.
+  // 18 lines take a page of 4 KiB and run.json another, so 64 KiB hold at most eight of twelve results.
   ASSERT_EQ(within_mount("-o size=64k", std::string(kRun) + R"(cp -a "$1/out" "$1/copy"; exit $status)"), 1);
   const std::string errors = program::read(folder_ / "errors");
   EXPECT_NE(errors.find("No space left on device"), std::string::npos) << errors;

@@ -1,4 +1,4 @@
-// Runs over archives as their users meet them.
+// Archive runs of the built program.
 #include "tests/host/archive.h"
 
 #include <fcntl.h>
@@ -23,7 +23,7 @@ using program::Outcome;
 using program::run_fake;
 using Names = std::vector<std::string>;
 
-// Names of the result folders' files would drown what a test is about.
+// Without the names of the files in result folders, which do not matter here.
 class Archive : public testing::Test {
  protected:
   void SetUp() override {
@@ -33,7 +33,7 @@ class Archive : public testing::Test {
     program::write(folder_ / "c.json", "{}");
   }
 
-  // In the order of their paths.
+  // Sorted by path.
   Names clips() const {
     return {folder_ / "in/a/clip.mkv", folder_ / "in/a/it's \"one\"\nclip.mkv", folder_ / "in/b/clip.mkv"};
   }
@@ -226,7 +226,7 @@ TEST_F(Archive, TwoRunsAtOnceShareTheWork) {
   EXPECT_EQ(tree(folder_ / "out"), tree(folder_ / "whole"));
 }
 
-// Runs that are ended while they have files in hand: the fake plug-in waits in the fifth frame.
+// Runs that are stopped while processing files: the fake plug-in waits in the fifth frame.
 class EndedArchive : public Archive {
  protected:
   void start_and_wait_until_two_are_in_hand() {
@@ -237,7 +237,7 @@ class EndedArchive : public Archive {
                               "/children");
   }
 
-  // Result files that are being written.
+  // Result files being written.
   std::ptrdiff_t in_hand() const {
     std::error_code error;
     std::ptrdiff_t count = 0;
@@ -248,7 +248,7 @@ class EndedArchive : public Archive {
     return count;
   }
 
-  // A process that nobody has waited for yet counts as gone.
+  // A zombie process counts as gone.
   bool children_are_gone() const {
     std::istringstream children(children_);
     for (std::string child; children >> child;) {
@@ -258,7 +258,7 @@ class EndedArchive : public Archive {
     return true;
   }
 
-  // Compares with a run that nobody stopped.
+  // Compares with an uninterrupted run.
   void go_on() {
     program::write(folder_ / "c.json", "{}");
     EXPECT_EQ(run("out").status, 0);

@@ -1,4 +1,4 @@
-// What an archive run writes down and shows of its files.
+// What an archive run records and prints about its files.
 #include <gtest/gtest.h>
 
 #include "host/base/child.h"

@@ -1,4 +1,4 @@
-// A message broker on the loopback, and somebody who reads everything there.
+// An MQTT broker on the loopback interface, and a client that reads every message.
 #pragma once
 
 #include <mosquitto.h>
@@ -15,10 +15,10 @@
 
 namespace broker {
 
-// Debian's broker, with a configuration of its own. Keeps its port over restarts.
+// Debian's broker with a configuration for the test. Keeps its port when restarted.
 class Broker {
  public:
-  // `settings`: further lines of its configuration.
+  // `settings`: further configuration lines.
   explicit Broker(const std::string& settings = "allow_anonymous true\n");
   ~Broker() { kill(); }
   Broker(const Broker&) = delete;
@@ -26,10 +26,10 @@ class Broker {
 
   static bool installed();
 
-  void start();   // returns when it takes connections
-  void kill();    // at once, without any farewell
-  void freeze();  // keeps its connections and does nothing
-  void save();    // what it knows by now is there again after a restart
+  void start();   // returns when it accepts connections
+  void kill();    // at once, without closing connections properly
+  void freeze();  // keeps its connections but does nothing
+  void save();    // makes its present state survive a restart
 
   int port() const { return port_; }
   std::string address() const { return "mqtt://127.0.0.1:" + std::to_string(port_); }
@@ -46,16 +46,16 @@ struct Message {
   std::string payload;
 };
 
-// Connects again by itself; meanwhile the broker keeps what it is to read, where it saved the subscription.
+// Reconnects automatically; meanwhile the broker queues its messages if it saved the subscription.
 class Subscriber {
  public:
-  // `authority`: file with the certificate that it trusts, where the broker encrypts.
+  // `authority`: file with the trusted certificate, for an encrypting broker.
   explicit Subscriber(const Broker& broker, const std::string& authority = "");
   ~Subscriber();
   Subscriber(const Subscriber&) = delete;
   Subscriber& operator=(const Subscriber&) = delete;
 
-  // Waits until `seen` holds for what was read so far. False after a long time.
+  // Waits until `seen` accepts what was read so far. False after a long time.
   using Messages = std::vector<Message>;
   bool wait(const std::function<bool(const Messages&)>& seen);
   bool wait_for(const std::string& topic, const std::string& payload);

@@ -1,4 +1,4 @@
-// Findings as lines, for tests to compare.
+// Findings as lines, for comparison in tests.
 #pragma once
 
 #include <string>
@@ -8,10 +8,10 @@
 
 namespace lm::host::check {
 
-// Of each, "error 1:17 sensitivity": what, where, on which key.
+// Of each, "error 1:17 sensitivity": severity, position, key.
 std::vector<std::string> places_of(const host::detector::check::Verdict& verdict);
 
-// The one on this key. Of several, the first; of none, one without a text.
+// The finding on this key. The first one if there are several; one without a text if there are none.
 host::detector::check::Finding finding_on(const host::detector::check::Verdict& verdict,
                                           const std::string& key);
 

@@ -1,4 +1,4 @@
-// Verdicts held against the plug-in itself.
+// Compares verdicts with the plug-in itself.
 #include <gmock/gmock.h>
 #include <malloc.h>
 
@@ -16,7 +16,7 @@ using namespace lm::host::detector;
 
 const cv::Size kFrame(160, 120);
 
-// What the program does with a document before the first frame; the plug-in's own words where it refuses.
+// Completes a document as the program does before the first frame; the plug-in's own message if it refuses.
 std::string refusal(Plugin& plugin, const std::string& text) {
   try {
     return plugin.start(complete_document(text, kFrame));
@@ -25,7 +25,7 @@ std::string refusal(Plugin& plugin, const std::string& text) {
   }
 }
 
-// A bright block of 40 x 40 pixels that jumps about; it leaves no place out.
+// Whether a bright block of 40 x 40 pixels that visits every part of the frame is found.
 bool finds_motion(Plugin& plugin) {
   CapturedStream chatter(stderr);
   bool found = false;
@@ -70,8 +70,7 @@ TEST_P(CheckUseless, ThePluginTakesItAndFindsNothing) {
   EXPECT_TRUE(check::check_document(GetParam(), kFrame).refused());
 }
 
-// The last ones: a region of 80 x 60 pixels and a least box of 144 x 108; one of 6 x 4 and the default, 8 x
-// 6, with the margin of a pixel on both sides.
+// The last one: a region of 80 x 60 pixels and a minimum box of 144 x 108.
 INSTANTIATE_TEST_SUITE_P(
     All, CheckUseless,
     testing::Values(
@@ -104,7 +103,7 @@ INSTANTIATE_TEST_SUITE_P(
         R"({"minBoxW": "0.9", "minBoxH": "0.9", "roi": [{"points": [{"x": 0.25, "y": 0.25},
             {"x": 1, "y": 0.25}, {"x": 1, "y": 0.75}, {"x": 0.25, "y": 0.75}]}]})"));
 
-// As the C library counts it; a sanitizer's own counts nothing.
+// As counted by the C library; a sanitizer's allocator does not count.
 TEST(CheckMemory, IsWhatThePluginTakesOnceItRuns) {
   const cv::Size kLarge(640, 360);
   const auto allocated = [] {

@@ -1,4 +1,4 @@
-// `lightmotion check` as its users meet it.
+// `lightmotion check` as built.
 #include <gmock/gmock.h>
 #include <json/json.h>
 

@@ -1,4 +1,4 @@
-// What is found in the regions of a configuration document.
+// Findings on the regions of a configuration document.
 #include <gmock/gmock.h>
 
 #include "tests/host/check_findings.h"
@@ -12,7 +12,7 @@ using testing::IsEmpty;
 
 const cv::Size kFrame(640, 360);
 
-// Regions as documents have them, by the fractions of their corners.
+// Regions as in documents, given the fractions of their corners.
 std::string points(const std::vector<std::pair<const char*, const char*>>& corners) {
   std::string text;
   for (const auto& [x, y] : corners) {
@@ -31,12 +31,13 @@ std::string roi_and_ror(const std::string& region, const std::string& exclusion)
   return "{\"roi\":[{" + region + "}],\"ror\":[{" + exclusion + "}]}";
 }
 
-const std::string kAll = rectangle("-1", "0", "1", "1");  // with the left column, which its own edge is not
+const std::string kAll =
+    rectangle("-1", "0", "1", "1");  // includes column 0, which a left edge at 0 would not
 
 struct Case {
   std::string document;
   const char* place;  // severity, line, column and key of the only finding
-  const char* text;   // in it
+  const char* text;   // contained in its text
 };
 
 class CheckRegion : public testing::TestWithParam<Case> {};
@@ -83,7 +84,7 @@ INSTANTIATE_TEST_SUITE_P(
              "far outside the frame, as are 2 other coordinates of this region"},
         Case{roi(points({{"-0.5", "0"}, {"1", "0"}, {"1", "1"}})), "note 1:25 roi[0].points[0].x",
              "outside the frame; the region is clipped to the frame"},
-        // Up to one frame beyond each edge is near.
+        // Up to one frame beyond each edge is accepted.
         Case{roi(points({{"2", "0"}, {"1", "1"}, {"0", "1"}})), "note 1:25 roi[0].points[0].x",
              "outside the frame; the region is clipped to the frame"},
         Case{roi(points({{"2.01", "0"}, {"1", "1"}, {"0", "1"}})), "warning 1:25 roi[0].points[0].x",
@@ -93,14 +94,14 @@ INSTANTIATE_TEST_SUITE_P(
         Case{roi(points({{"-1.01", "0"}, {"1", "0"}, {"1", "1"}})), "warning 1:25 roi[0].points[0].x",
              "far outside the frame"}));
 
-// The rectangle of `kAll` has two coordinates of -1, of which there is a note.
+// The rectangle of `kAll` has two coordinates of -1, which cause a note.
 INSTANTIATE_TEST_SUITE_P(
     Shapes, CheckRegion,
     testing::Values(
         // A bow tie.
         Case{roi(points({{"0", "0"}, {"1", "1"}, {"1", "0"}, {"0", "1"}})), "warning 1:9 roi[0]",
              "crosses itself, after points 0 and 2"},
-        // The edge that closes the outline crosses the one from point 1.
+        // The closing edge of the outline crosses the one from point 1.
         Case{roi(points({{"0", "0.5"}, {"0.5", "0"}, {"0.5", "1"}, {"1", "0.5"}})), "warning 1:9 roi[0]",
              "crosses itself, after points 1 and 3"},
         Case{roi("\"name\":3," + rectangle("0", "0", "1", "1")), "warning 1:17 roi[0].name",
@@ -132,16 +133,16 @@ TEST(CheckRegions, PointsOfARegionThatHasTooFewAreNotReadUnlessItExcludes) {
               ElementsAre(testing::StartsWith("warning")));
 }
 
-// The plug-in's own edge rule: from column 0.25 x 640 = 160, which lies outside, to 320, which lies inside,
-// and from row 90 up to row 179: 160 x 90 of 640 x 360 pixels.
+// The plug-in's edge rule: from column 0.25 x 640 = 160 (outside) to 320 (inside), and from row 90 to row
+// 179: 160 x 90 of 640 x 360 pixels.
 TEST(CheckRegions, ShareOfTheFrameIsCountedInPixels) {
   const lm::host::detector::check::Verdict verdict =
       lm::host::detector::check::check_document(roi(rectangle("0.25", "0.25", "0.5", "0.5")), kFrame);
   EXPECT_EQ(verdict.effective->watched, 14400.0 / 230400);
-  EXPECT_EQ(verdict.effective->memory, 230400U * 296);  // one region's mask more than none
+  EXPECT_EQ(verdict.effective->memory, 230400U * 296);  // one more region mask than without regions
 }
 
-// Without the right half and without column 0 there are columns 1 to 320.
+// Without the right half and without column 0, columns 1 to 320 remain.
 TEST(CheckRegions, ExclusionsTakeFromTheShare) {
   const lm::host::detector::check::Verdict verdict = lm::host::detector::check::check_document(
       roi_and_ror(rectangle("0", "0", "1", "1"), rectangle("0.5", "0", "1", "1")), kFrame);
@@ -202,7 +203,7 @@ TEST(CheckRegions, NothingWatchedIsAnError) {
               HasSubstr("no region has three points"));
 }
 
-// The least box is 0.9 of 640 x 360, 576 x 324 pixels; the region has 320 x 180.
+// The minimum box is 0.9 of 640 x 360, 576 x 324 pixels; the region has 320 x 180.
 TEST(CheckRegions, ALeastBoxThatNoBoxInThemCanReachIsAnError) {
   const std::string sizes = R"("minBoxW":"0.9","minBoxH":"0.9",)";
   const auto verdict_on = [&](const std::string& region) {

@@ -1,4 +1,4 @@
-// The schema for editors, held against what `check` says.
+// Compares the schema for editors with `check`.
 #include <gmock/gmock.h>
 #include <json/json.h>
 

@@ -1,4 +1,4 @@
-// What is found in the plain settings of a configuration document.
+// Findings on the plain settings of a configuration document.
 #include <gmock/gmock.h>
 
 #include "host/detector/check/effect.h"
@@ -17,8 +17,8 @@ const cv::Size kFrame(640, 360);
 struct Case {
   const char* document;
   const char* place;  // severity, line, column and key of the only finding
-  const char* text;   // in it
-  const char* hint;   // in its hint
+  const char* text;   // contained in its text
+  const char* hint;   // contained in its hint
 };
 
 class CheckSetting : public testing::TestWithParam<Case> {};
@@ -74,7 +74,7 @@ INSTANTIATE_TEST_SUITE_P(
              "at most 1"},
         Case{R"({"minBoxH": "nan"})", "warning 1:13 minBoxH", "nan is out of range", "at most 1"},
         Case{R"({"sensitivity": "-1"})", "note 1:17 sensitivity", "adapts", ""},
-        // The program puts "frmChn" in front, which is 3.
+        // The program inserts "frmChn", which is 3, at the start.
         Case{R"({"sensitivity": ""})", "warning 1:17 sensitivity", "reuses \"3\" from \"frmChn\"", "value"},
         Case{R"({"lcAdap": " \t", "sensitivity": "4"})", "warning 1:12 lcAdap",
              "reuses \"4\" from \"sensitivity\"", "value"}));
@@ -124,7 +124,7 @@ TEST(CheckSettings, FindsEveryFaultInTheOrderOfTheText) {
   EXPECT_FALSE(verdict.effective.has_value());
 }
 
-// "minBoxW" is empty and takes the 4 of "lcAdap" over, which is out of its range.
+// The empty "minBoxW" reuses the 4 of "lcAdap", which is out of its range.
 TEST(CheckSettings, JudgesWhatIsTakenOver) {
   const lm::host::detector::check::Verdict verdict =
       lm::host::detector::check::check_document(R"({"lcAdap": "4", "minBoxW": ""})", kFrame);
@@ -191,8 +191,8 @@ TEST(CheckSettings, OtherChannelsAreDoubtfulWithoutASourceAndTwoAreNone) {
               ElementsAre("error 1:12 frmChn"));
 }
 
-// 26755 x 26755 x 3 = 2147490075, just above 2147483647; 26754 x 26754 x 3 = 2147329548, for which this
-// computer hardly has the memory.
+// 26755 x 26755 x 3 = 2147490075, just above 2147483647; 26754 x 26754 x 3 = 2147329548, which probably
+// exceeds this computer's memory.
 TEST(CheckSettings, FramesOfMoreBytesThanThePluginCountsAreRefused) {
   EXPECT_EQ(finding_on(lm::host::detector::check::check_document("{}", cv::Size(26755, 26755)), "").severity,
             lm::host::detector::check::Severity::kError);
@@ -210,7 +210,7 @@ TEST(CheckSettings, MemoryThatTheComputerDoesNotHaveIsDoubtful) {
   effective.memory = 12'000'000'001;
   lm::host::detector::check::Findings enough("{}");
   lm::host::detector::check::check_memory(effective, 12'000'000'001, enough);
-  lm::host::detector::check::check_memory(effective, 0, enough);  // not known
+  lm::host::detector::check::check_memory(effective, 0, enough);  // unknown
   EXPECT_THAT(enough.in_order(), IsEmpty());
   lm::host::detector::check::Findings short_of("{}");
   lm::host::detector::check::check_memory(effective, 8'000'000'000, short_of);

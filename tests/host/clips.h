@@ -1,4 +1,4 @@
-// Videos for the tests, made with the program's own writer and read with its own reader.
+// Videos for tests, written with the program's writer and read with its reader.
 #pragma once
 
 #include <chrono>
@@ -12,29 +12,28 @@ namespace clips {
 
 using Times = std::vector<std::chrono::microseconds>;
 
-// `count` frames, the first at 0, `interval` apart.
+// `count` frame times from 0, `interval` apart.
 Times regular(int count, std::chrono::microseconds interval);
 
-// A bright square that moves a step to the right with each frame, on grey.
+// A bright square on grey that moves right by one step per frame.
 cv::Mat picture(cv::Size size, int number);
 
-// One picture for each time.
+// One picture per time.
 void write(const std::string& file, cv::Size size, const Times& times);
 void write(const std::string& file, const std::vector<cv::Mat>& images, const Times& times);
 
-// Pictures full of noise, 40 ms apart, so that each one takes room in the file.
+// Pictures of noise, 40 ms apart, which compress badly.
 void write_busy(const std::string& file, cv::Size size, int count);
 
-// Whatever can be read.
+// All frames up to the end or an error.
 std::vector<lm::host::source::Frame> read(lm::host::source::Source& source);
 std::vector<lm::host::source::Frame> read(const std::string& file);
-// The picture in a file, which is no source by itself.
+// The picture in an image file, which the program does not accept as a source.
 cv::Mat still(const std::string& file);
 
 Times times_of(const std::vector<lm::host::source::Frame>& frames);
 
-// A still image as JPEG bytes; written one after another they are a video of the plainest kind, without
-// times.
+// A still image as JPEG; several in a row form a simple video stream without timestamps.
 std::string jpeg(const cv::Mat& image);
 
 }  // namespace clips

@@ -22,7 +22,7 @@ Outcome run_real(std::vector<std::string> arguments) {
   return program::run(arguments);
 }
 
-// Writes the first frames of a source, in another size.
+// Writes the first frames of a source at another size.
 void copy(Source& source, int count, cv::Size size, const std::string& file) {
   std::vector<cv::Mat> images;
   clips::Times times;
@@ -59,7 +59,7 @@ TEST(Detection, FindsTheWalkerOfTheBuiltinSceneAndNothingBeforeTheSameEveryTime)
   const auto lines = program::lines(outcome.output);
   ASSERT_GT(lines.size(), 10U);
   EXPECT_EQ(line_of_frame(outcome.output, 49), "") << "two seconds without motion";
-  // Frame 88: the walker has come 38 steps of 43/16 pixels from column -40, to column 62 of 640; his coat is
+  // Frame 88: the walker has moved 38 steps of 43/16 pixels from column -40, to column 62 of 640; his coat is
   // near row 160 of 360.
   EXPECT_TRUE(covered(line_of_frame(outcome.output, 88), {62 / 640.0, 160 / 360.0})) << outcome.output;
   EXPECT_EQ(run_real({folder / "a.mp4", "--quiet"}).output, outcome.output);
@@ -92,8 +92,8 @@ TEST(Detection, PluginIsFoundByTheProgramBesideItself) {
       program::run({"run", "-c", "/dev/null"}).errors.starts_with("lightmotion: /dev/null:1:1: not JSON"));
 }
 
-// Places read off the pictures: six seconds in, a man walks on the road on the right, three stand by the lamp
-// post.
+// Positions read from the pictures: six seconds in, a man walks on the road on the right and three people
+// stand by the lamp post.
 TEST(Detection, SurroundsThePeopleOfTheStreetClip) {
   const char* clips_folder = std::getenv("LIGHTMOTION_CLIPS");
   if (clips_folder == nullptr) GTEST_SKIP() << "LIGHTMOTION_CLIPS names no folder with street.avi";

@@ -58,9 +58,9 @@ TEST(Document, LeavesASizeThatHoldsNoNumberForThePluginToRefuse) {
   EXPECT_EQ(completed(R"({"frmW": "wide"})")["frmW"], Json::Value("wide"));
 }
 
-// The plug-in takes a point for inside when an odd number of the region's edges lies at or to the right of it
-// in its row, an edge reaching from its upper end's row to the row before its lower end's. Every pixel of the
-// frame has to pass, in column 0 and in the last row too, and at any size.
+// The plug-in counts a point as inside if an odd number of the region's edges is at or to the right of it in
+// its row; an edge extends from the row of its upper end to the row before that of its lower end. Every pixel
+// of the frame must be inside, including column 0 and the last row, at any size.
 TEST(Document, CoversTheWholeFrameWhereNoRegionIsGiven) {
   const Json::Value points = completed("{}")["roi"][0]["points"];
   for (const cv::Size size : {cv::Size(1, 1), cv::Size(3, 2), cv::Size(640, 360)}) {
@@ -106,7 +106,7 @@ TEST(Document, SaysInOneLineWhereTheTextStopsBeingJson) {
 TEST(Document, RefusesTextAfterItsEnd) { EXPECT_NE(refusal("{} {}").find("not JSON"), std::string::npos); }
 TEST(Document, RefusesAnEmptyFile) { EXPECT_NE(refusal("").find("not JSON"), std::string::npos); }
 
-// Found by fuzzing: the JSON library's own exception came out.
+// Found by fuzzing: an exception of the JSON library got out.
 TEST(Document, RefusesJsonThatIsNestedTooDeeply) {
   for (const std::size_t depth : {1001U, 100'000U}) {
     EXPECT_EQ(refusal(std::string(depth, '[')), "nested too deeply") << depth;

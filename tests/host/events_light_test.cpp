@@ -14,7 +14,7 @@ const cv::Rect2d kAll(0, 0, 1, 1);
 const cv::Rect2d kLeft(0, 0, 0.5, 1);
 const cv::Rect2d kRight(0.5, 0, 0.5, 1);
 
-// Blocks of 6 pixels with grey values of 60 to 139; another picture for every seed.
+// Blocks of 6 pixels with grey values of 60 to 139; a different picture for every seed.
 cv::Mat texture(std::uint32_t seed) {
   cv::Mat image(kSize, CV_8UC3);
   for (int y = 0; y < image.rows; ++y) {
@@ -39,7 +39,7 @@ cv::Mat in_light(const cv::Mat& image, double gain, double offset, const cv::Rec
 
 class Light : public testing::Test {
  protected:
-  // The next picture, 100 ms after the one before.
+  // The next picture, 100 ms after the previous one.
   Observation see(const cv::Mat& image, const std::vector<cv::Rect2d>& boxes = {}) {
     Observation seen;
     seen.time = time_;
@@ -112,12 +112,12 @@ TEST_F(Light, BoxesBesideTheLitPartAreMotion) {
   EXPECT_EQ(by_light(in_light(scene_, 1, 40, kLeft), {kRight, kLeft}), (Flags{false, true}));
 }
 
-// The light of the left quarter changes: columns 0 to 3 of 16.
+// The lighting changes in the left quarter: columns 0 to 3 of 16.
 TEST_F(Light, BoxesThatHoldHalfOfTheLitPartAreOfTheLight) {
   see(scene_);
   const cv::Mat lit = in_light(scene_, 1, 40, {0, 0, 0.25, 1});
   EXPECT_EQ(by_light(lit, {{0.125, 0, 0.875, 1}}), Flags{true});
-  // 0.1 of the frame, which is more than half of neither 0.25 nor 0.85.
+  // 0.1 of the frame, less than half of both 0.25 and 0.85.
   EXPECT_EQ(by_light(lit, {{0.15, 0, 0.85, 1}}), Flags{});
 }
 
@@ -126,12 +126,12 @@ TEST_F(Light, LastsUntilThePluginIsUsedToIt) {
   const cv::Mat bright = in_light(scene_, 1, 40);
   see(bright, {kAll});
   for (int i = 0; i < 20; ++i) EXPECT_EQ(by_light(bright, {kAll}), Flags{true});
-  // The last comparison with the old light was 0.6 s in; 5 s later it is forgotten.
+  // The last comparison with the old lighting was at 0.6 s; 5 s later it is forgotten.
   time_ += 5s;
   EXPECT_EQ(by_light(bright, {kAll}), Flags{});
 }
 
-// Pictures are compared with one half a second older: the last comparison with the old light is at 0.5 s.
+// Pictures are compared with one half a second older: the last comparison with the old lighting is at 0.5 s.
 TEST_F(Light, LastsFiveSecondsToTheMicrosecond) {
   see(scene_);
   const cv::Mat bright = in_light(scene_, 1, 40);
@@ -158,7 +158,7 @@ TEST_F(Light, IsNotComparedAcrossAnInterruption) {
 }
 
 TEST_F(Light, CountsWhereThePluginLooks) {
-  // Only the right half is watched, and its light stays.
+  // Only the right half is watched, and its lighting is constant.
   LightWatch watch(Regions(R"({"roi": [{"points": [{"x": "0.5", "y": "0"}, {"x": "1", "y": "0"},
                                                    {"x": "1", "y": "1"}, {"x": "0.5", "y": "1"}]}]})"));
   Observation seen;

@@ -1,4 +1,4 @@
-// What the built program writes about events.
+// Events written by the built program.
 #include <gtest/gtest.h>
 #include <json/json.h>
 
@@ -23,13 +23,13 @@ Json::Value parsed(const std::string& text) {
 
 Json::Value events_of(const std::string& file) { return parsed(program::read(file))["events"]; }
 
-// The fake plug-in sees a box in each of these but the first, the eleventh, the 21st and so on.
+// The fake plug-in reports a box in each of these except the 1st, 11th, 21st and so on.
 std::string clip(const Folder& folder, int frames) {
   clips::write(folder / "a.mp4", {64, 48}, clips::regular(frames, 40ms));
   return folder / "a.mp4";
 }
 
-// With the plug-in itself.
+// With the real plug-in.
 Outcome run_scene(const std::vector<std::string>& arguments) {
   std::vector<std::string> all{"run", "--plugin", LIGHTMOTION_PLUGIN, "-q", "-o", "/dev/null"};
   all.insert(all.end(), arguments.begin(), arguments.end());
@@ -57,7 +57,7 @@ TEST(EventsProgram, AFileHasItsEventsInOrder) {
 TEST(EventsProgram, RulesComeFromTheCommandLine) {
   const Folder folder;
   const std::string video = clip(folder, 31);
-  // Without boxes are frames 0, 10, 20 and 30: 80 ms lie between those around one. Each part lasts 0.32 s.
+  // Frames 0, 10, 20 and 30 have no boxes: the frames around one are 80 ms apart. Each part lasts 0.32 s.
   ASSERT_EQ(run_fake({video, "--events", folder / "e.json", "--gap", "0.05", "--min-event", "0.3"}).status,
             0);
   EXPECT_EQ(events_of(folder / "e.json").size(), 3U);

@@ -57,7 +57,7 @@ TEST(Regions, WatchWhatIsInsideAndNotExcluded) {
 }
 
 TEST(Regions, OutlinesThatCrossThemselvesAreEvenOdd) {
-  // Twice around the same square: nothing is inside.
+  // Twice around the same square: by the even-odd rule nothing is inside.
   const Region twice{"", {{0, 0}, {1, 0}, {1, 1}, {0, 1}, {0, 0}, {1, 0}, {1, 1}, {0, 1}}};
   EXPECT_FALSE(twice.contains({0.5, 0.5}));
 }

@@ -10,7 +10,7 @@ using namespace std::chrono_literals;
 using Boxes = std::vector<cv::Rect2d>;
 using std::chrono::microseconds;
 
-// What a tracker tells, in short: "begun 0001", "ended 0001".
+// What a tracker reports, in short: "begun 0001", "ended 0001".
 struct Log : EventListener {
   explicit Log(std::vector<std::string>& told, std::vector<Event>& events) : told_(told), events_(events) {}
   void begun(const Event& event) override { told_.push_back("begun " + event.id); }
@@ -46,7 +46,7 @@ class Tracked : public testing::Test {
     if (!by_light.empty()) seen.light = LightChange{100, 120, 0.9};
     tracker_.observe(Frame{}, seen);
   }
-  // Frames a half second apart, the first and the last included.
+  // Frames half a second apart, including both ends.
   void see(microseconds from, microseconds to, const Boxes& boxes, const std::vector<bool>& by_light = {}) {
     for (microseconds time = from; time <= to; time += 500ms) see(time, boxes, by_light);
   }
@@ -101,9 +101,9 @@ TEST_F(Tracked, DropsWhatIsTooShortAndGivesItNoNumber) {
 TEST_F(Tracked, APauseAsLongAsTheGapJoinsALongerOneParts) {
   see(0s, 1s, {kBox});
   see(1500ms, 2500ms, {});
-  see(3s, 4s, {kBox});  // 2 s after the last box: still the same
+  see(3s, 4s, {kBox});  // 2 s after the last box: the same event
   see(4500ms, 6s, {});
-  see(6500ms, 8s, {kBox});  // 2.5 s after it: another
+  see(6500ms, 8s, {kBox});  // 2.5 s after it: another event
   tracker_.finish("");
   ASSERT_EQ(events_.size(), 2U);
   EXPECT_EQ(events_[0].end, 4s);
@@ -132,7 +132,8 @@ TEST_F(Tracked, AnInterruptionEndsWhatGoesOn) {
 
 TEST_F(Tracked, PeaksWhereMostOfTheFrameIsUnderBoxes) {
   see(0s, {{0, 0, 0.25, 0.5}});
-  see(500ms, {{0.5, 0.5, 0.5, 0.5}, {0.75, 0.5, 0.5, 0.25}});  // the second lies in the first, or outside
+  see(500ms, {{0.5, 0.5, 0.5, 0.5},
+              {0.75, 0.5, 0.5, 0.25}});  // the second box lies partly in the first, partly outside the frame
   see(1s, {{0, 0, 0.25, 0.25}});
   tracker_.finish("");
   const Event& event = events_.at(0);
@@ -242,7 +243,7 @@ INSTANTIATE_TEST_SUITE_P(
     Of, Share,
     testing::Values(ShareCase{"nothing", {}, 0}, ShareCase{"one", {{0.25, 0.25, 0.5, 0.5}}, 0.25},
                     ShareCase{"twice_the_same", {{0, 0, 0.5, 0.5}, {0, 0, 0.5, 0.5}}, 0.25},
-                    // 0.25 + 0.25 less the common quarter of one: 0.0625
+                    // 0.25 + 0.25 minus the overlap of 0.0625
                     ShareCase{"overlapping", {{0, 0, 0.5, 0.5}, {0.25, 0.25, 0.5, 0.5}}, 0.4375},
                     ShareCase{"past_the_frame", {{0.5, -1, 2, 3}}, 0.5},
                     ShareCase{"outside", {{2, 2, 1, 1}}, 0},

@@ -54,7 +54,7 @@ TEST(FrameClock, GoesOnAfterAJumpBack) {
   EXPECT_EQ(clock.next(2'100ms), 5'140ms);
 }
 
-// Found by fuzzing: differences and sums of such times do not fit their 64 bits.
+// Found by fuzzing: differences and sums of such times overflow 64 bits.
 TEST(FrameClock, TakesNoNoticeOfTimesAHundredYearsAway) {
   FrameClock clock(40ms);
   EXPECT_EQ(clock.next(FrameClock::Time::min()), 0ms);

@@ -1,4 +1,4 @@
-// One vocabulary: the keys of host/keys.h, those of docs/results.md, and those of what every command writes.
+// One vocabulary: compares the keys of host/base/keys.h, of docs/results.md, and of every command's output.
 #include "host/base/keys.h"
 
 #include <gmock/gmock.h>
@@ -70,7 +70,7 @@ TEST(JsonText, LeavesAConfigurationAsItIs) {
   EXPECT_EQ(json_text(value), R"({"configuration":{"frame":"1","time":7,"x":0.25}})");
 }
 
-// The schemas of what the commands write, and all keys in it.
+// The schemas of the commands' output, and all keys in them.
 class Written : public testing::Test {
  protected:
   void SetUp() override {

@@ -1,4 +1,4 @@
-// Live streams for the tests: a camera on the loopback and the program that watches it.
+// Live streams for tests: a camera on the loopback interface, and the program reading it.
 #pragma once
 
 #include <sys/types.h>
@@ -12,7 +12,7 @@
 
 namespace stream {
 
-// A process with pipes to its standard input and output. Ends with the object.
+// A process with pipes to its standard input and output. Killed by the destructor.
 class Process {
  public:
   // `errors`: a file for its standard error.
@@ -23,11 +23,11 @@ class Process {
 
   void write(const std::string& line);
 
-  // The next line of its output; empty when there is none within this time.
+  // The next line of its output; empty on timeout.
   std::string line(std::chrono::milliseconds longest);
 
   void signal(int number);
-  int wait();  // the status as a shell shows it
+  int wait();  // returns the status as a shell reports it
 
  private:
   pid_t process_ = -1;
@@ -36,16 +36,16 @@ class Process {
   std::string read_;
 };
 
-// What has ffmpeg make H.264 that the camera takes.
+// Options with which ffmpeg writes H.264 that the camera accepts.
 constexpr const char* kH264 =
     "-c:v libx264 -g 25 -keyint_min 25 -sc_threshold 0 -bf 0 -x264-params aud=1:repeat-headers=1 -f h264";
 
-// A file with two still scenes of two seconds each, a dark one and a bright one, with a key picture every
-// second. Empty where it cannot be made.
+// A file with two still scenes of two seconds each, a dark and a bright one, with a key frame every second.
+// Empty if it cannot be created.
 std::string still_scenes(const program::Folder& folder, const char* coding = kH264);
 
 // Of result lines.
-bool is_note(const std::string& line);  // on a loss
+bool is_note(const std::string& line);  // on a lost connection
 bool has_boxes(const std::string& line);
 
 // tests/host/live_camera.py with a file of H.264 or JPEG pictures.
@@ -55,7 +55,7 @@ class Camera {
   Camera(const program::Folder& folder, const std::string& file, std::string protocol = "rtsp");
 
   std::string address() const;
-  std::string ask(const std::string& command);  // the answer to it
+  std::string ask(const std::string& command);  // returns the answer
 
  private:
   Process process_;
@@ -63,17 +63,17 @@ class Camera {
   std::string port_;
 };
 
-// The program, watching a camera.
+// The program reading a camera.
 class Watcher {
  public:
   Watcher(const program::Folder& folder, const std::vector<std::string>& arguments);
 
-  // Has the camera send pictures, one by one and no faster than cameras do, until a result line comes that
-  // fulfils this; empty when none does.
+  // Makes the camera send pictures one by one, at most at a camera's rate, until a result line is as wanted;
+  // empty if none is.
   std::string watch(Camera& camera, const std::function<bool(const std::string&)>& wanted,
                     int pictures = 1500);
 
-  void idle(std::chrono::milliseconds time);  // with no picture sent
+  void idle(std::chrono::milliseconds time);  // without sending pictures
 
   int stop();  // with Ctrl-C
   int wait() { return process_.wait(); }

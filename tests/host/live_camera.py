@@ -1,18 +1,18 @@
 #!/usr/bin/python3
-"""A camera on the loopback that does as it is told.
+"""A simulated camera on the loopback interface.
 
     live_camera.py FILE     H.264 with an access unit delimiter before each picture, or JPEG pictures
 
-It prints the number of its port and then answers each line on standard input with a line:
+It prints its port number and then answers each command line on standard input with one line:
 
-    listen    takes connections from now on, as at the start
-    play      waits until somebody connects and wants to see pictures
-    send N    sends the next N pictures, from the first on again after the last
-    seek N    goes on with picture N
-    die       ends the connection and takes no more
+    listen    accepts connections, as at the start
+    play      waits until a client connects and requests pictures
+    send N    sends the next N pictures, starting over after the last
+    seek N    continues with picture N
+    die       closes the connection and accepts no more
 
-Whoever asks by RTSP gets the pictures inside that connection; whoever asks by HTTP gets H.264 as an MPEG transport
-stream, and JPEG pictures one by one.
+RTSP clients receive the pictures inside the RTSP connection; HTTP clients receive H.264 as an MPEG transport stream, or
+JPEG pictures one after another.
 """
 
 import base64
@@ -22,14 +22,14 @@ import struct
 import sys
 
 LONGEST_PAYLOAD = 1400
-TICKS = 3600  # of 90 kHz between two pictures: 25 a second
+TICKS = 3600  # of 90 kHz between two pictures: 25 per second
 DELIMITER, SEQUENCE_SET, PICTURE_SET = 9, 7, 8
 START_CODE = b"\x00\x00\x00\x01"
 START_OF_JPEG = b"\xff\xd8\xff"
 
 
 def read_pictures(path):
-    """The units of each picture, without their start codes; of a JPEG picture there is one."""
+    """The units of each picture, without start codes; a JPEG picture is one unit."""
     with open(path, "rb") as file:
         content = file.read()
     if content.startswith(START_OF_JPEG):
@@ -53,7 +53,7 @@ def description(pictures):
 
 
 def payloads(unit):
-    """A unit whole, or in fragments that start with a two-byte header each."""
+    """A whole unit, or fragments that each start with a two-byte header."""
     if len(unit) <= LONGEST_PAYLOAD:
         return [unit]
     pieces = [unit[i:i + LONGEST_PAYLOAD] for i in range(1, len(unit), LONGEST_PAYLOAD)]
@@ -62,7 +62,7 @@ def payloads(unit):
 
 
 class Player:
-    """Somebody who watches."""
+    """A connected client."""
 
     def __init__(self, connection):
         self.connection = connection
@@ -80,7 +80,7 @@ class RtspPlayer(Player):
             request = requests.readline()
 
     def answer(self, request, requests, sdp):
-        """True once it was the request for pictures."""
+        """True if this was the request for pictures."""
         method = request.split(b" ")[0].decode()
         fields = {}
         for line in iter(requests.readline, b"\r\n"):
@@ -139,7 +139,7 @@ class TransportStreamPlayer(HttpPlayer):
         self.send_packets(self.VIDEO, bytes.fromhex("000001e00000808005") + stamp + units)
 
     def send_packets(self, stream, payload):
-        """Packets of 188 bytes with a header of 4; what is missing in the last is filled up behind its header."""
+        """Packets of 188 bytes with a 4-byte header; in the last one, stuffing follows the header."""
         for start in range(0, len(payload), 184):
             piece = payload[start:start + 184]
             counter = self.counters.get(stream, 0)
@@ -152,7 +152,7 @@ class TransportStreamPlayer(HttpPlayer):
 
 
 def table(text):
-    """A table with its checksum, as a packet holds it: a pointer to its beginning, and nothing behind it."""
+    """A table with its checksum as the payload of a packet: a pointer to its start, then only the table."""
     body = bytes.fromhex(text)
     checksum = 0xFFFFFFFF
     for byte in body:

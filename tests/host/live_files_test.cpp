@@ -1,4 +1,4 @@
-// Files of the kinds that cameras and editors leave behind, made by ffmpeg.
+// Files of the kinds that cameras and editors produce, made with ffmpeg.
 #include <gtest/gtest.h>
 
 #include <cstdlib>
@@ -82,7 +82,7 @@ TEST(Files, WithoutABytePassForNoVideo) {
   EXPECT_TRUE(outcome.errors.starts_with("lightmotion: " + (folder / "a.mp4") + ": ")) << outcome.errors;
 }
 
-// The sixth frame comes 500 intervals late: 501 * 0.04 s after the fifth.
+// The sixth frame is 500 intervals late: 501 * 0.04 s after the fifth.
 TEST(Files, WithAGapSaySo) {
   if (!has_ffmpeg()) GTEST_SKIP() << "needs ffmpeg";
   const Folder folder;
@@ -96,7 +96,8 @@ TEST(Files, WithAGapSaySo) {
   EXPECT_EQ(program::run_fake({folder / "a.mkv", "--max-gap", "21"}).output.find("note"), std::string::npos);
 }
 
-// Two seconds, twice: the clock goes back from 1.96 s to 0, and the 51st frame comes 0.04 s after the 50th.
+// Two seconds, twice: the clock jumps back from 1.96 s to 0, and the 51st frame is placed 0.04 s after the
+// 50th.
 TEST(Files, JoinedFromTwoRecordingsGoOnAndSaySo) {
   if (!has_ffmpeg()) GTEST_SKIP() << "needs ffmpeg";
   const Folder folder;
@@ -109,7 +110,7 @@ TEST(Files, JoinedFromTwoRecordingsGoOnAndSaySo) {
       << outcome.errors;
 }
 
-// Every fifth of 25 a second; the numbers and times stay those of the source.
+// One in five of 25 frames per second; numbers and times remain those of the source.
 TEST(Files, AreThinnedOutAndMadeSmaller) {
   const Folder folder;
   clips::write(folder / "a.mp4", {64, 48}, clips::regular(20, std::chrono::milliseconds(40)));

@@ -1,4 +1,4 @@
-// What a camera that is lost and comes back leaves in every result.
+// The outputs of a run over a camera that is lost and reconnected.
 #include <gtest/gtest.h>
 #include <json/json.h>
 
@@ -44,7 +44,7 @@ class LostCamera : public testing::Test {
     ASSERT_EQ(file_["events"].size(), 2U) << file_;
   }
 
-  // The fake plug-in sees boxes all the time.
+  // The fake plug-in reports boxes all the time.
   void watch_over_a_loss(const std::string& pictures) {
     Camera camera(folder_, pictures);
     Watcher watcher(
@@ -82,7 +82,7 @@ TEST_F(LostCamera, LeavesWholeResultsWithTheReason) {
   EXPECT_EQ(after["ended"], "The program was stopped.");
   EXPECT_NE(program::read(folder_ / "report.html").find(reason), std::string::npos);
 
-  // One of each for each event, and nothing else, hidden files neither.
+  // One of each per event, and nothing else, not even hidden files.
   const Names videos = names_in(folder_ / "clips");
   const Names shots = names_in(folder_ / "shots");
   ASSERT_EQ(videos.size(), 2U);
@@ -94,7 +94,7 @@ TEST_F(LostCamera, LeavesWholeResultsWithTheReason) {
   for (const std::string& name : folder_.names()) EXPECT_FALSE(name.ends_with(".part")) << name;
 }
 
-// The estimate of when the first picture came only ever becomes earlier.
+// The estimate of the first picture's arrival only ever moves back.
 TEST_F(LostCamera, LeavesTheWallClockOfEveryEvent) {
   const double zero = wall_clock(file_["source"]["wall_start"]);
   ASSERT_GT(zero, 0);

@@ -1,4 +1,4 @@
-// Reconnection, with connections, a clock and chance of the tests' own.
+// Reconnection, with simulated connections, clock and random numbers.
 #include "host/source/live/live_source.h"
 
 #include <gtest/gtest.h>
@@ -17,8 +17,8 @@ using namespace lm::host::source::live;
 using namespace std::chrono_literals;
 using Time = std::chrono::microseconds;
 
-// Gives its frames 40 ms apart, each once the one before it was taken, and then ends. `wait`: what happens
-// before the first.
+// Returns its frames 40 ms apart, each after the previous one was taken, and then ends. `wait`: called before
+// the first.
 class Connection : public Source {
  public:
   Connection(int frames, std::string trouble, std::function<void()> wait = nullptr)
@@ -45,10 +45,10 @@ class Connection : public Source {
   std::function<void()> wait_;
 };
 
-// What happens at each attempt to connect: so many frames, or a refusal.
+// The outcome of each attempt to connect: a number of frames, or a refusal.
 struct Attempt {
   int frames;
-  std::string text;  // of the connection's trouble, or of the refusal when there are no frames
+  std::string text;  // the connection's error, or the refusal if there are no frames
   std::chrono::milliseconds lasts{0};
 };
 
@@ -60,7 +60,8 @@ struct Watched {
   SourceCounts counts;
 };
 
-// Waits pass at once and move the clock. Frames may be dropped, so each connection has a single one.
+// Waiting takes no time and advances the clock. Each connection has a single frame, because frames may be
+// dropped.
 Watched watch(std::deque<Attempt> attempts, std::optional<Time> patience) {
   Watched watched;
   Deadline::Clock::time_point now{};
@@ -86,7 +87,7 @@ Watched watch(std::deque<Attempt> attempts, std::optional<Time> patience) {
   return watched;
 }
 
-// Half a second, one, two and four are waited; then eight more would be longer than ten in all.
+// Waits of 0.5, 1, 2 and 4 s; 8 s more would exceed 10 s in all.
 TEST(LiveSource, TriesAgainMoreAndMoreSeldomUntilItsPatienceEnds) {
   const Watched watched = watch({{1, "broken"}, {0, "refused"}}, 10s);
   EXPECT_EQ(watched.waits, (std::vector{500ms, 1000ms, 2000ms, 4000ms}));
@@ -97,7 +98,7 @@ TEST(LiveSource, TriesAgainMoreAndMoreSeldomUntilItsPatienceEnds) {
       << "the same refusal is told once";
 }
 
-// After half a second, one and two a connection comes about. One more wait would be longer than 3.9 s in all.
+// Connects after waits of 0.5, 1 and 2 s. One more wait would exceed 3.9 s in all.
 TEST(LiveSource, BacksOffFromTheStartAfterAConnectionOfHalfAMinute) {
   const auto waits_after = [](std::chrono::milliseconds connection) {
     return watch({{1, "a"}, {0, "b"}, {0, "b"}, {1, "c", connection}, {0, "d"}}, 3900ms).waits;
@@ -115,9 +116,9 @@ TEST(LiveSource, NeverTriesAgainWithoutPatience) {
 TEST(LiveSource, StartsAnewAfterALossAndSaysSo) {
   const Watched watched = watch({{1, "broken"}, {0, "refused"}, {3, "again"}, {0, "refused"}}, 10s);
   EXPECT_EQ(watched.counts.reconnections, 1);
-  EXPECT_EQ(watched.counts.away, 1500ms);  // 0.5 and 1 s waited
+  EXPECT_EQ(watched.counts.away, 1500ms);  // waits of 0.5 and 1 s
   EXPECT_EQ(watched.counts.frames, 4);
-  // Whoever is dropped, what it had to tell goes to the next.
+  // Whichever frame is dropped, its note passes to the next.
   int anew = 0;
   for (const Frame& frame : watched.frames) {
     anew += frame.anew ? 1 : 0;
@@ -145,7 +146,7 @@ TEST(LiveSource, EndsAtOnceWhileItIsAway) {
   const auto connect = [] { return std::make_unique<Connection>(1, "broken"); };
   const std::stop_source stop;
   {
-    LiveSource::Surroundings surroundings;  // of the real ones: a wait for ever, but for the end
+    LiveSource::Surroundings surroundings;  // the real ones: waits until stopped
     surroundings.chance = [] { return 1e9; };
     LiveSource source(connect(), connect, std::nullopt, stop, surroundings);
     Frame frame;

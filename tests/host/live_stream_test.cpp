@@ -1,4 +1,4 @@
-// The built program and a camera that stalls, dies and comes back.
+// The built program with a camera that stalls, dies and comes back.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -36,8 +36,8 @@ class Stream : public testing::TestWithParam<Kind> {
     camera_.emplace(folder_, file, GetParam().protocol);
   }
 
-  // Waits for the program and shows it 8 seconds of the scene that starts with this picture, at once: FFmpeg
-  // looks at up to 7 of a transport stream before it takes itself to know what is in it.
+  // Waits for the program and sends it 8 seconds of the scene that starts with this picture, at once: FFmpeg
+  // reads up to 7 s of a transport stream to detect its contents.
   void begin(int scene) {
     ASSERT_EQ(camera_->ask("play"), "done");
     for (int i = 0; i < 4; ++i) {
@@ -80,7 +80,7 @@ TEST_P(Stream, ThatStallsIsGivenUpAfterTheTimeoutAndConnectedAnew) {
   Watcher watcher(folder_, kFake + std::vector<std::string>{camera.address(), "--timeout", "1"});
   begin(kDark);
   ASSERT_NE(watcher.watch(camera, has_boxes), "") << watcher.errors();
-  begin(kDark);  // nothing is sent until the program comes back
+  begin(kDark);  // nothing is sent until the program reconnects
   const std::string note = watcher.watch(camera, is_note);
   EXPECT_NE(note.find(" s without pictures: reading stopped: no data for 1.000 s\""), std::string::npos)
       << note;
@@ -116,7 +116,7 @@ double time_of(const std::string& line) {
 
 class StreamWithoutTimes : public Stream {};
 
-// Such streams do not say how many pictures a second they have; FFmpeg takes 25 for granted.
+// Such streams do not state a frame rate; FFmpeg assumes 25 per second.
 TEST_P(StreamWithoutTimes, GoesByWhenPicturesCome) {
   Watcher watcher(folder_, kFake + std::vector<std::string>{camera_->address()});
   begin(kDark);
@@ -131,8 +131,8 @@ TEST_P(StreamWithoutTimes, GoesByWhenPicturesCome) {
 
 class FirstPicture : public Stream {};
 
-// Pictures without the key picture that they are built on come out grey or smeared. The second scene starts
-// with picture 50, and the first whole one after picture 60 is picture 75.
+// Pictures decoded without their key frame are grey or smeared. The second scene starts with picture 50, and
+// the first key frame after picture 60 is picture 75.
 TEST_P(FirstPicture, IsAKeyPicture) {
   Camera& camera = *camera_;
   program::write(folder_ / "c.json", R"({"comment": "pixel"})");
@@ -155,7 +155,7 @@ std::string plugin_document(const Folder& folder) {
   return folder / "c.json";
 }
 
-// The real detector, which sees the other scene as motion unless it is told to start anew.
+// The real detector, which reports the other scene as motion unless it is restarted.
 class SceneAfterALoss : public Stream {
  protected:
   // Lines with boxes.

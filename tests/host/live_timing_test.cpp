@@ -1,4 +1,4 @@
-// Waiting, backing off and choosing frames, with clocks and chance of the tests' own.
+// Waiting, back-off and frame selection, with simulated clocks and random numbers.
 #include <gtest/gtest.h>
 
 #include "host/base/back_off.h"
@@ -63,7 +63,7 @@ std::vector<int> picked(double fps, const std::vector<int>& milliseconds) {
 
 TEST(FramePicker, TakesAllWithoutALimit) { EXPECT_EQ(picked(0, {0, 1, 2, 40}), (std::vector{0, 1, 2, 40})); }
 
-// Ten a second of 25: the first at or after each tenth of a second.
+// Ten per second out of 25: the first frame at or after each tenth of a second.
 TEST(FramePicker, TakesTheFirstFrameOfEachInterval) {
   EXPECT_EQ(picked(10, {0, 40, 80, 120, 160, 200, 240, 280, 320, 360, 400}),
             (std::vector{0, 120, 200, 320, 400}));
@@ -78,7 +78,7 @@ TEST(FramePicker, TakesAllWhenFewerComeThanAreWanted) {
 }
 
 TEST(FramePicker, MindsNoRounding) {
-  // Every third frame of 30 a second lies at 99.999 ms and the like.
+  // At 30 frames per second, every third frame is at 99.999 ms and so on.
   FramePicker picker(10);
   for (int i = 0; i < 300; ++i) {
     const std::chrono::microseconds time(i * 100'000 / 3 - (i > 0 ? 1 : 0));

@@ -1,4 +1,4 @@
-// The message bus as its subscribers see it, with Debian's broker on the loopback.
+// MQTT output as subscribers receive it, with Debian's broker on the loopback interface.
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <json/json.h>
@@ -40,7 +40,7 @@ std::vector<std::string> ids(const Lines& payloads) {
   return found;
 }
 
-// At least once: a message that was under way when the broker died may come again.
+// At least once: a message in flight when the broker died may arrive twice.
 std::vector<std::string> without_repetitions(std::vector<std::string> list) {
   list.erase(std::unique(list.begin(), list.end()), list.end());
   return list;
@@ -100,7 +100,7 @@ TEST_F(MessageBus, MissesNothingWhileTheBrokerIsKilledAndStartedAgain) {
   MqttListener listener(options(), "");
   listener.begun(event("a", 1s));
   ASSERT_TRUE(reader.wait_for("home/hall/event/new", "\"a\""));
-  // More than is sent before the first is acknowledged, to a broker that acknowledges none of them.
+  // More than are sent before the first is acknowledged, to a broker that acknowledges none.
   broker_.freeze();
   Lines all{"a"};
   for (int i = 0; i < 50; ++i) {
@@ -202,7 +202,7 @@ TEST_F(MessageBus, HearsFromTheProgram) {
 TEST_F(MessageBus, HearsFromTheBrokerWhenTheProgramIsKilled) {
   broker_.start();
   Subscriber reader(broker_);
-  // Nobody reads its results, so it does not come to its end.
+  // Nobody reads its results, so it does not reach its end.
   int ends[2];
   ASSERT_EQ(pipe2(ends, O_CLOEXEC), 0);
   const int nowhere = open("/dev/null", O_WRONLY | O_CLOEXEC);

@@ -1,4 +1,4 @@
-// The message bus over an encrypted connection, with Debian's broker and a certificate made for the test.
+// MQTT over TLS, with Debian's broker and a certificate made for the test.
 #include <gtest/gtest.h>
 
 #include <cstdlib>
@@ -24,7 +24,7 @@ class EncryptedMessageBus : public testing::Test {
     if (std::system("openssl version >/dev/null 2>&1") != 0) GTEST_SKIP() << "openssl is not installed";
   }
 
-  // With a certificate for this name, signed by itself.
+  // With a self-signed certificate for this name.
   void start_broker(const std::string& name) {
     const std::string command =
         "openssl req -x509 -newkey ec -pkeyopt ec_paramgen_curve:prime256v1 -nodes -days 2 -subj /CN=broker "
@@ -44,7 +44,7 @@ class EncryptedMessageBus : public testing::Test {
             .authorities = authorities};
   }
 
-  // What is said of a connection that must not come about.
+  // The message about a connection that must fail.
   std::string complaint(const std::string& authorities) const {
     CapturedStream errors(stderr);
     MqttListener listener(options(authorities), "", 3s);
@@ -71,7 +71,7 @@ TEST_F(EncryptedMessageBus, HearsFromWhoTrustsItsCertificate) {
 
 TEST_F(EncryptedMessageBus, IsToldNothingWithACertificateThatNobodyKnows) {
   start_broker("IP:127.0.0.1");
-  const std::string text = complaint("");  // the system's
+  const std::string text = complaint("");  // the system's certificates
   EXPECT_NE(text.find("TLS error"), std::string::npos) << text;
   EXPECT_NE(text.find("4 messages not sent"), std::string::npos) << text;
 }

@@ -1,4 +1,4 @@
-// The connection to a broker of the test's own, which answers as the test likes.
+// The connection to a simulated broker, whose answers the test controls.
 #include "host/outputs/mqtt/link.h"
 
 #include <arpa/inet.h>
@@ -21,11 +21,11 @@ TEST(Mailbox, CountsWhatWaitsAndWhatIsInFlightAsUnsent) {
   Mailbox mailbox(10);
   for (const char* payload : {"1", "2", "3", "4", "5"}) mailbox.push(milestone(payload));
   for (int i = 0; i < 3; ++i) mailbox.pop();
-  mailbox.done(2);  // of the three taken one was acknowledged
+  mailbox.done(2);  // one of the three taken was acknowledged
   EXPECT_EQ(mailbox.unsent(), 4U);
 }
 
-// Accepts a connection and acknowledges nothing but that.
+// Accepts a connection and acknowledges nothing else.
 class SilentBroker {
  public:
   SilentBroker() : socket_(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
@@ -53,7 +53,7 @@ class SilentBroker {
     send(client_, accepted, sizeof accepted, MSG_NOSIGNAL);
   }
 
-  // Until the text has come; false where the connection ends before.
+  // Reads until the text has arrived; false if the connection ends before.
   bool read_until(const std::string& text) {
     while (read_.find(text) == std::string::npos) {
       char piece[4096];

@@ -1,4 +1,4 @@
-// What waits for the broker, and what has to go when there is no room.
+// The queue of messages to the broker, and what it drops when full.
 #include "host/outputs/mqtt/outbox.h"
 
 #include <gtest/gtest.h>
@@ -44,7 +44,7 @@ TEST(Outbox, DropsTheOldestMilestoneWhereThereAreOnlyThose) {
   Outbox outbox(2);
   for (const Message& message : {milestone("1"), milestone("2"), milestone("3"), update("4"), milestone("5")})
     outbox.push(message);
-  // "3" pushes "1" out, "4" pushes "2" out, "5" pushes "4" out.
+  // "3" drops "1", "4" drops "2", "5" drops "4".
   EXPECT_EQ(all_of(outbox), (Payloads{"3", "5"}));
   EXPECT_EQ(outbox.drops().updates, 1);
   EXPECT_EQ(outbox.drops().milestones, 2);

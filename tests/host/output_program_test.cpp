@@ -1,5 +1,4 @@
-// All outputs of the program where they cannot be written, and where the program is stopped; its progress for
-// other programs.
+// All outputs when they cannot be written and when the program is stopped; progress for programs.
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <json/json.h>
@@ -32,7 +31,7 @@ constexpr Output kOutputs[] = {{"--output", "a.jsonl"}, {"--events", "a.json"}, 
 
 class EachOutput : public testing::TestWithParam<Output> {
  protected:
-  // 40 frames of 40 ms: the fake plug-in sees an event in them.
+  // 40 frames of 40 ms, in which the fake plug-in produces an event.
   EachOutput() { clips::write(folder_ / "clip.mp4", {64, 48}, clips::regular(40, 40ms)); }
 
   // With another output, which could be written.
@@ -62,7 +61,7 @@ TEST_P(EachOutput, InAFolderThatTakesNoFilesGivesOneLineAndNoFileAtAll) {
   const std::string closed = folder_ / "closed";
   std::filesystem::create_directory(closed);
   chmod(closed.c_str(), 0500);
-  // The superuser writes there nevertheless.
+  // Root can write there nevertheless.
   const std::string file = (access(closed.c_str(), W_OK) == 0 ? "/sys" : closed) + "/" + GetParam().file;
   expect_complaint(run_with(file), file + " cannot be written: ");
   EXPECT_EQ(folder_.names(), (Names{"clip.mp4", "closed"}));
@@ -129,7 +128,7 @@ TEST_P(EachFolder, ThatIsFullGivesOneLineAndNothingHalf) {
 TEST_P(EachFolder, ThatTakesNoFilesIsFoundOutBeforeTheFirstFrame) {
   const std::string closed = folder_ / "out";
   chmod(closed.c_str(), 0500);
-  // The superuser writes there nevertheless.
+  // Root can write there nevertheless.
   const std::string out = access(closed.c_str(), W_OK) == 0 ? "/sys" : closed;
   program::write(folder_ / "config", R"({"comment": "frame throws"})");
   expect_complaint(run_with(out, {"--config", folder_ / "config"}), out + "/");

@@ -1,4 +1,4 @@
-// Files that take their names when they are complete, and the result lines in them.
+// Files that get their names when complete, and result lines written to them.
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 

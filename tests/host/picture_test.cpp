@@ -20,7 +20,7 @@ av::Picture plain_picture(cv::Size size, std::uint8_t luma, AVColorRange range =
   return picture;
 }
 
-// Converters work in blocks; what is left of a row must not be forgotten.
+// Converters work in blocks; the rest of a row must not be forgotten.
 TEST(PictureConverter, FillsEveryPixelAtAnyWidth) {
   for (int width = 1; width <= 70; ++width) {
     for (const int height : {1, 2, 7}) {
@@ -35,7 +35,7 @@ TEST(PictureConverter, FillsEveryPixelAtAnyWidth) {
   }
 }
 
-// 235 is white in the studio range; in the full range it is a light grey.
+// 235 is white in the limited range; in the full range it is a light grey.
 TEST(PictureConverter, HeedsTheRangeThatThePictureStates) {
   const cv::Size size(32, 16);
   PictureConverter converter(size, 0);

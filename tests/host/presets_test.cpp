@@ -49,7 +49,7 @@ TEST(Presets, HoldNothingButSettingsThatThePluginReadsAndTheirLine) {
   }
 }
 
-// The plug-in accepts 1 to 5 for both levels, and least boxes above 0 up to 1.
+// The plug-in accepts 1 to 5 for both levels, and minimum box sizes above 0 up to 1.
 TEST(Presets, StayInTheRangesThatThePluginAccepts) {
   for (const Preset& preset : all()) {
     const Json::Value root = parsed(preset.document);

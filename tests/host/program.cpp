@@ -54,7 +54,7 @@ pid_t start(const std::vector<std::string>& arguments, int output, int errors, u
   words.push_back(nullptr);
   const pid_t process = fork();
   if (process != 0) return process;
-  // A test runner in the background may have handed down signals that are ignored.
+  // A test runner in the background may have passed on ignored signals.
   for (const int number : {SIGINT, SIGTERM, SIGHUP, SIGPIPE}) std::signal(number, SIG_DFL);
   dup2(output, STDOUT_FILENO);
   dup2(errors, STDERR_FILENO);

@@ -1,4 +1,4 @@
-// Runs the built program, and makes room for what it writes.
+// Runs the built program, with temporary folders for its output.
 #pragma once
 
 #include <sys/types.h>
@@ -9,7 +9,7 @@
 
 namespace program {
 
-// A folder of its own for a test, gone with the object.
+// A temporary folder, removed by the destructor.
 class Folder {
  public:
   Folder();
@@ -18,7 +18,7 @@ class Folder {
   Folder& operator=(const Folder&) = delete;
 
   std::string operator/(const std::string& name) const { return (path_ / name).string(); }
-  std::vector<std::string> names() const;  // of all files, hidden ones too, sorted
+  std::vector<std::string> names() const;  // of all files, including hidden ones, sorted
 
  private:
   std::filesystem::path path_;
@@ -29,12 +29,12 @@ void write(const std::string& file, const std::string& text);
 std::vector<std::string> lines(const std::string& text);
 
 struct Outcome {
-  int status = -1;     // as a shell shows it
+  int status = -1;     // as a shell reports it
   std::string output;  // standard output
   std::string errors;  // standard error
 };
 
-// Runs the program to its end. `most_bytes`: how large it may make a file; 0 for no limit.
+// Runs the program to its end. `most_bytes`: file size limit; 0: none.
 Outcome run(const std::vector<std::string>& arguments, unsigned long most_bytes = 0);
 
 // ... with the plug-in of tests/host/fake_plugin.
@@ -43,7 +43,7 @@ Outcome run_fake(std::vector<std::string> arguments, unsigned long most_bytes = 
 // Starts the program with these as its standard output and error.
 pid_t start(const std::vector<std::string>& arguments, int output, int errors, unsigned long most_bytes = 0);
 
-// Waits for it; the status as a shell shows it.
+// Waits for it; returns the status as a shell reports it.
 int wait_for(pid_t process);
 
 }  // namespace program

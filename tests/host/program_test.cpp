@@ -1,4 +1,4 @@
-// The built program as its users meet it, with a plug-in that does what the tests ask for.
+// The built program, with a plug-in whose behaviour the tests control.
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <json/json.h>
@@ -25,7 +25,7 @@ Json::Value parsed(const std::string& line) {
   return value;
 }
 
-// The one line on standard error, which has to start with the program's name.
+// The only line on standard error, which must start with the program's name.
 std::string complaint(const Outcome& outcome) {
   EXPECT_EQ(program::lines(outcome.errors).size(), 1U) << outcome.errors;
   EXPECT_TRUE(outcome.errors.starts_with("lightmotion: ")) << outcome.errors;
@@ -109,8 +109,7 @@ TEST(Program, AnnotatesEveryFrameAtItsTime) {
   ASSERT_EQ(run_fake({folder / "a.mp4", "-a", folder / "b.mp4"}).status, 0);
   const auto frames = clips::read(folder / "b.mp4");
   EXPECT_EQ(clips::times_of(frames), times);
-  // The fake box: 80 .. 96 across, 30 .. 66 down. Its border is bright green, in the first frame there is
-  // none.
+  // The fake box: columns 80 to 96, rows 30 to 66. Its border is bright green; the first frame has none.
   const auto green = [&](std::size_t i) { return frames[i].image.at<cv::Vec3b>(30, 88)[1]; };
   EXPECT_LT(green(0), 130);
   EXPECT_GT(green(3), 160);
@@ -159,7 +158,7 @@ TEST(Program, ShowsAProgressBarOnATerminalAndTakesItAway) {
   EXPECT_NE(shown.find("\r\x1b[Kbuilt-in scene: 500 frames"), std::string::npos) << shown;
 }
 
-// What the program writes to a terminal as its standard output.
+// The program's standard output on a terminal.
 std::string shown_on_a_terminal(std::vector<std::string> arguments) {
   int terminal = -1;
   int other = -1;
@@ -309,7 +308,7 @@ TEST(Program, LeavesNoPartialFileWhereThereIsNoRoom) {
   Outcome outcome = run_fake({"-o", folder / "a.jsonl"}, 5000);
   EXPECT_EQ(outcome.status, 1);
   EXPECT_EQ(complaint(outcome), "lightmotion: " + (folder / "a.jsonl") + cause);
-  // 18 lines fit, the video does not; then the lines do not get their name either.
+  // 18 lines fit, the video does not; then the file of lines does not get its name either.
   clips::write_busy(folder / "clip.mp4", {160, 120}, 20);
   outcome = run_fake({folder / "clip.mp4", "-o", folder / "a.jsonl", "-a", folder / "a.mp4"}, 9000);
   EXPECT_EQ(outcome.status, 1);
@@ -325,8 +324,8 @@ TEST(Program, SaysWhenItsResultsAreNotTaken) {
   EXPECT_EQ(folder.names(), Names{});
 }
 
-// The program as a child whose standard output is a pipe of which one line has been read. The fake plug-in's
-// lines fill the pipe long before the built-in scene ends, so that the program is still at work then.
+// A program whose standard output is a pipe from which one line has been read. The fake plug-in's lines fill
+// the pipe long before the end of the built-in scene, so the program is still running then.
 class Piped : public testing::Test {
  protected:
   void SetUp() override {

@@ -27,8 +27,8 @@ TEST_P(ProgressWidth, NeverReachesTheLastColumn) {
 INSTANTIATE_TEST_SUITE_P(From1To200, ProgressWidth, testing::Range(1, 201));
 
 TEST(Progress, ShowsEverythingWhereThereIsRoom) {
-  // 70 columns to fill; "50%" takes 3, the rest behind the bar 9 + 14 + 11 + 10, the blank before the bar 1:
-  // 22 are left, 20 inside the brackets, half of them done.
+  // 70 usable columns; "50%" takes 3, the text after the bar 9 + 14 + 11 + 10, the blank before the bar 1: 22
+  // are left, 20 of them inside the brackets, half of those filled.
   EXPECT_EQ(render_progress(71, kHalf),
             "50% [##########----------]  250 fps  0:33 of 1:06  0:02 left  3 events");
 }

@@ -1,4 +1,4 @@
-// Where things moved: counts, colours and the file.
+// Heat maps: counts, colours and the file.
 #include <gtest/gtest.h>
 
 #include "host/outputs/report/heat_map.h"
@@ -15,7 +15,7 @@ using namespace lm::host::outputs::report;
 using namespace lm::host::source;
 using program::Folder;
 
-// On 10 x 8 pixels: 2 to 4 across and 2 to 5 down, and 4 to 7 across and 4 to 5 down.
+// On 10 x 8 pixels: columns 2 to 4 and rows 2 to 5; columns 4 to 7 and rows 4 to 5.
 const cv::Rect2d kFirst(0.2, 0.25, 0.3, 0.5);
 const cv::Rect2d kSecond(0.4, 0.5, 0.4, 0.25);
 
@@ -64,7 +64,7 @@ void expect_near(const cv::Vec3b& found, const cv::Vec3d& expected) {
   for (int c = 0; c < 3; ++c) EXPECT_NEAR(found[c], expected[c], 1.5) << "channel " << c;
 }
 
-// The colours go from (59, 18, 48), blue first, to (3, 4, 122); six tenths of them over the grey of 100.
+// The colours range from (59, 18, 48), blue first, to (3, 4, 122); blended at 0.6 over the grey of 100.
 TEST(HeatMap, LaysColourOverAFrameMadeGrey) {
   const cv::Mat grey_red = small_map().over(cv::Mat(8, 10, CV_8UC3, cv::Scalar(100, 100, 100)));
   expect_near(grey_red.at<cv::Vec3b>(4, 4), {0.6 * 3 + 40, 0.6 * 4 + 40, 0.6 * 122 + 40});

@@ -55,12 +55,12 @@ PageData page_data() {
   return data;
 }
 
-// Every element that is opened is closed, in order, and nothing stands outside.
+// Every open element is closed, in order, and there is no text outside.
 void expect_balanced(const std::string& html) {
   std::vector<std::string> open;
-  const std::string body = html.substr(html.find('>') + 1);  // behind the document type
+  const std::string body = html.substr(html.find('>') + 1);  // after the document type
   const std::vector<std::string> empty{"meta", "img", "input", "polygon"};
-  // No attribute's text holds a bracket: they are escaped there.
+  // Attribute values contain no angle brackets: they are escaped.
   for (std::size_t at = body.find('<'); at != std::string::npos; at = body.find('<', at + 1)) {
     const bool closes = body[at + 1] == '/';
     const std::size_t begin = at + (closes ? 2 : 1);
@@ -101,7 +101,7 @@ TEST(Markup, FillsPlaceholders) {
   EXPECT_THROW(fill("{{a", values), std::logic_error);
 }
 
-// "Man" is TWFu.
+// The base64 of "Man" is "TWFu".
 TEST(Markup, PicturesBecomePartOfThePage) {
   EXPECT_EQ(data_uri("Man"), "data:image/jpeg;base64,TWFu");
   EXPECT_EQ(data_uri("Ma"), "data:image/jpeg;base64,TWE=");
@@ -117,8 +117,8 @@ TEST(Page, IsWellFormedAndNeedsNothingElse) {
   EXPECT_EQ(count(html, "<img "), count(html, " alt=\""));
 }
 
-// The title stands twice; the name and the value of the setting, what made the page; of each event the region
-// and both sentences.
+// The title occurs twice; once each the name and value of the setting, what made the page, and of each event
+// the region and both sentences.
 TEST(Page, HasNoMarkupOfTheOutside) {
   const std::string html = render_page(page_data());
   EXPECT_EQ(html.find("<script"), std::string::npos);
@@ -153,7 +153,7 @@ TEST(Page, WithoutEventsSaysSo) {
   EXPECT_NE(html.find("No events were found."), std::string::npos);
 }
 
-// From 5 to 7.5 seconds of 20: a quarter from the left, an eighth wide.
+// From 5 to 7.5 seconds of 20: starts at a quarter of the width and is an eighth wide.
 TEST(Timeline, PlacesEventsByTheirTimes) {
   const std::string html = timeline(page_data());
   EXPECT_EQ(count(html, "left:min(25.00%,100% - 4px);width:12.50%"), 2U);
@@ -181,7 +181,7 @@ TEST(Activity, KeepsTheLargestShareOfEachSpan) {
   EXPECT_EQ(activity.shares(EventKind::kLight), (std::vector<double>{0, 0, 0.9}));
 }
 
-// 800 spans of a tenth of a second last 80 seconds; at 80 seconds they become fifths.
+// 800 spans of 0.1 s cover 80 s; at 80 s they become 0.2 s long.
 TEST(Activity, TakesTheSameRoomHoweverLongTheVideo) {
   Activity activity;
   activity.add(100ms, EventKind::kMotion, 0.5);
@@ -249,7 +249,7 @@ TEST(ReportPage, OfARunShowsWhatHappened) {
   expect_balanced(html);
   EXPECT_NE(html.find("500 frames, 450 with boxes"), std::string::npos);
   EXPECT_EQ(count(html, "<li id=\"event-"), 1U) << "boxes in nine of ten frames are one event";
-  // The first box comes with the second frame.
+  // The first box is in the second frame.
   EXPECT_TRUE(std::filesystem::exists(folder / "shots/00h00m00.040s-motion.jpg"));
 }
 

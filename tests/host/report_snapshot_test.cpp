@@ -19,7 +19,7 @@ using namespace std::chrono_literals;
 using program::Folder;
 using Names = std::vector<std::string>;
 
-// One box as high as the frame, so its width is its share.
+// One box as high as the frame, so that its width is its share.
 Observation observed(std::int64_t frame, double share) {
   Observation seen;
   seen.frame = frame;
@@ -134,7 +134,7 @@ TEST(Snapshots, AreWrittenAsTheirEventsEnd) {
   const cv::Mat image = clips::still(file);
   ASSERT_EQ(image.size(), cv::Size(64, 48));
   EXPECT_NEAR(image.at<cv::Vec3b>(40, 50)[0], 20, 4) << "the frame at the peak";
-  // Half of the frame is 32 pixels wide; its border is bright green.
+  // Half of the frame is 32 pixels wide; the border is bright green.
   EXPECT_GT(image.at<cv::Vec3b>(30, 31)[1], 120);
 }
 

@@ -53,7 +53,7 @@ TEST(Boxes, AreNoneInATextThatHoldsNone) {
   }
 }
 
-// Found by fuzzing: each of these let an exception of the JSON library out.
+// Found by fuzzing: each of these caused an exception of the JSON library.
 TEST(Boxes, OfAnotherKindAreLeftOut) {
   const auto boxes = boxes_of(
       R"({"object":[1,"x",[],{"x":"a"},{"x":1,"y":1,"width":1},{"x":0,"y":0.25,"width":0.5,"height":0.25}]})");

@@ -1,4 +1,4 @@
-// The options of a command line of `lightmotion run`.
+// Parses a command line of `lightmotion run`.
 #pragma once
 
 #include <string>
@@ -8,7 +8,7 @@
 
 namespace program {
 
-// `arguments`: after `run`. Fail the test when they are refused.
+// `arguments`: after `run`. The test fails if they are refused.
 lm::host::commands::run::RunOptions run_line(const std::vector<std::string>& arguments);
 lm::host::commands::archive::ArchiveOptions archive_line(const std::vector<std::string>& arguments);
 

@@ -15,7 +15,7 @@ using namespace lm::host::source::scene;
 using namespace std::chrono_literals;
 using scene::Canvas;
 
-// How many pixels differ by more than the noise of two frames can explain (12 at most).
+// The number of pixels that differ by more than noise can explain (12 at most, between two frames).
 int changed(const cv::Mat& a, const cv::Mat& b) {
   int count = 0;
   for (int y = 0; y < a.rows; ++y) {
@@ -89,7 +89,7 @@ TEST(Canvas, AShapeCoversItsPixelsAndSoftensItsEdge) {
   EXPECT_EQ(image.at<cv::Vec3b>(10, 10), cv::Vec3b(200, 200, 200));
   EXPECT_EQ(image.at<cv::Vec3b>(5, 5), cv::Vec3b(200, 200, 200));
   EXPECT_EQ(image.at<cv::Vec3b>(4, 10), cv::Vec3b(0, 0, 0));
-  // From a quarter of pixel 16 on: three quarters of it are covered.
+  // The left edge is at a quarter of pixel 16: three quarters of it are covered.
   canvas.polygon({{260, 0}, {320, 0}, {320, 320}, {260, 320}}, {200, 200, 200});
   EXPECT_NEAR(image.at<cv::Vec3b>(10, 16)[0], 150, 2);
 }

@@ -1,4 +1,4 @@
-// Checks what the program writes against docs/schema.
+// Checks the program's output against docs/schema.
 #pragma once
 
 #include <string>
@@ -9,9 +9,8 @@ namespace schemas {
 // The checks need Python's jsonschema.
 bool available();
 
-// Why one of the JSON texts is not as docs/schema/NAME.schema.json says, or which of its keys is not among
-// those of host/keys.h; empty when all is well. `definition`: one of the schema's $defs, else the whole
-// schema.
+// Why one of the JSON texts does not match docs/schema/NAME.schema.json, or which of its keys is not in
+// host/base/keys.h; empty if all match. `definition`: one of the schema's $defs; otherwise the whole schema.
 std::string fault(const std::string& name, const std::vector<std::string>& texts,
                   const std::string& definition = "");
 

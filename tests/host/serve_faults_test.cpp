@@ -1,4 +1,4 @@
-// What goes wrong with detectors and sources is told, and gets right again.
+// Failures of detectors and sources are reported, and the server recovers.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 

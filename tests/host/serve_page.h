@@ -1,4 +1,4 @@
-// A server of the tests' own, and what a page would ask it.
+// A test server, and the requests of a page.
 #pragma once
 
 #include <httplib.h>
@@ -20,14 +20,14 @@ struct Setup {
   std::string config{};  // file to save to
   std::string plugin = LIGHTMOTION_PLUGIN;
   std::string token{};
-  std::chrono::milliseconds patience{20'000};  // with a detector
+  std::chrono::milliseconds patience{20'000};  // for the detector
 };
 
 struct Answer {
-  int status = 0;  // 0: none
+  int status = 0;  // 0: no answer
   std::string body{};
-  Json::Value json{};   // of the body
-  Json::Value about{};  // of the header Lightmotion-Frame
+  Json::Value json{};   // the body
+  Json::Value about{};  // the header Lightmotion-Frame
   httplib::Headers headers{};
 };
 
@@ -45,18 +45,18 @@ class Page {
 
   Json::Value state() { return get("/api/state").json; }
 
-  // Waits for another picture than the last one that this page saw.
+  // Waits for another picture than the last one that this page received.
   Answer next_picture();
 
-  // Follows the pictures until one of them (its Lightmotion-Frame), or the state, is as wanted; null when
-  // that takes too many.
+  // Reads pictures until one of them (its Lightmotion-Frame), or the state, is as wanted; null after too
+  // many.
   using Wanted = std::function<bool(const Json::Value&)>;
   Json::Value picture_with(const Wanted& wanted);
   Json::Value state_with(const Wanted& wanted);
 
   lm::host::commands::serve::Player& player() { return player_; }
   int port() const { return server_.port(); }
-  void stop();  // as Ctrl-C does
+  void stop();  // like Ctrl-C
 
  private:
   lm::host::commands::serve::PlayerPlan plan_;

@@ -1,4 +1,4 @@
-// The parts of the server that can be looked at by themselves.
+// The server's parts that can be tested separately.
 #include <gtest/gtest.h>
 
 #include <filesystem>
@@ -243,7 +243,7 @@ TEST(Showcase, ShowsAnotherShotThanTheOneKnown) {
 }
 
 TEST(PagePicture, HasNoSideAbove1280) {
-  // The JPEG's start of frame: ff c0, length (2), precision (1), height (2), width (2).
+  // The JPEG start-of-frame segment: ff c0, length (2), precision (1), height (2), width (2).
   const std::string jpeg = page_picture(cv::Mat(1080, 1920, CV_8UC3, cv::Scalar(9, 9, 9)), {1, 1});
   const std::size_t place = jpeg.find("\xff\xc0");
   ASSERT_NE(place, std::string::npos);

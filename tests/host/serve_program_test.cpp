@@ -1,4 +1,4 @@
-// `lightmotion serve` as its user has it.
+// `lightmotion serve` as built.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -21,7 +21,7 @@ class ServeProgram : public testing::Test {
  protected:
   std::string errors() const { return program::read(folder_ / "errors"); }
 
-  // Starts it on a free port; the address that it prints.
+  // Starts it on a free port; returns the address that it prints.
   std::string start(std::vector<std::string> more) {
     std::vector<std::string> words{LIGHTMOTION_PROGRAM, "serve", "--port", "0"};
     words.insert(words.end(), more.begin(), more.end());

@@ -1,4 +1,4 @@
-// What the server answers, against its schema.
+// Checks the server's answers against their schema.
 #include <gtest/gtest.h>
 
 #include "tests/host/program.h"

@@ -1,4 +1,4 @@
-// Another moment of a source: what comes after a leap is what plain reading gives.
+// Seeking: the frames after a seek are those of plain reading.
 #include <gtest/gtest.h>
 
 #include <opencv2/core.hpp>
@@ -18,7 +18,7 @@ bool same(const cv::Mat& a, const cv::Mat& b) {
   return a.size() == b.size() && cv::norm(a, b, cv::NORM_INF) == 0;
 }
 
-// Frames from there on, by a source that has been read up to `before`.
+// The frames from `time` on, from a partly read source.
 std::vector<Frame> read_from(Source& source, std::chrono::microseconds time) {
   EXPECT_TRUE(source.seek(time));
   return clips::read(source);
@@ -29,7 +29,7 @@ class Leap : public testing::TestWithParam<const char*> {};
 TEST_P(Leap, GivesTheFramesThatPlainReadingGives) {
   const Folder folder;
   const std::string file = folder / std::string("a") + GetParam();
-  clips::Times times;  // uneven, and more than one whole picture apart
+  clips::Times times;  // irregular, and longer than one key frame interval
   for (int i = 0; i < 400; ++i) times.push_back(i * 40ms + (i % 3) * 7ms + 5s);
   clips::write(file, {64, 48}, times);
   const std::vector<Frame> plain = clips::read(file);
@@ -78,7 +78,7 @@ TEST(Seek, InTheBuiltInSceneGivesTheSamePictures) {
   Frame frame;
   ASSERT_TRUE(source->seek(19s));
   ASSERT_TRUE(source->next(frame));
-  EXPECT_EQ(frame.number, 475);  // 19 s at 25 frames a second
+  EXPECT_EQ(frame.number, 475);  // 19 s at 25 frames per second
   ASSERT_TRUE(source->seek(399ms));
   ASSERT_TRUE(source->next(frame));
   EXPECT_EQ(frame.time, 400ms);

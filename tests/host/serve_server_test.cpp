@@ -1,4 +1,4 @@
-// What the server answers, and whom it answers.
+// The server's answers and access control.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -304,7 +304,7 @@ TEST(ServeDoor, AsksForTheTokenWhereverThereIsData) {
   EXPECT_EQ(page.get("/api/state", {{"Authorization", "Bearer open sesame"}}).status, 200);
 }
 
-// Sends these bytes and returns whatever comes until the server closes the connection.
+// Sends these bytes and returns everything received until the server closes the connection.
 std::string said_to(int port, const std::string& bytes) {
   const int file = socket(AF_INET, SOCK_STREAM, 0);
   sockaddr_in address{};

@@ -1,4 +1,4 @@
-// `lightmotion tune` as its users meet it, on the built-in scene made small.
+// `lightmotion tune` as built, on the built-in scene scaled down.
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <json/json.h>
@@ -25,7 +25,7 @@ Json::Value parsed(const std::string& text) {
   return value;
 }
 
-// The scene's first two seconds hold nothing but sensor noise, its people come after.
+// The scene's first two seconds contain only sensor noise; people appear afterwards.
 const std::vector<std::string> kSmall{"--scale", "0.5", "--fps", "5", "--plugin", LIGHTMOTION_PLUGIN};
 
 Outcome with_small_scene(std::vector<std::string> arguments) {
@@ -54,7 +54,7 @@ TEST(TuneProgram, KeepsQuietWhatIsQuietAndFindsThePeople) {
   EXPECT_GE(moving, 20U) << "of 30 frames";
 }
 
-// Frames of `run` with boxes from one time up to another.
+// Frames of `run` with boxes in a time span.
 std::int64_t frames_between(const std::vector<std::string>& lines, const Json::Value& span) {
   return std::count_if(lines.begin(), lines.end(), [&](const std::string& line) {
     const double time = parsed(line)["time"].asDouble();
@@ -129,7 +129,7 @@ TEST(TuneProgram, StoppedWritesNothing) {
   const Folder streams;
   const int errors = ::open((streams / "errors").c_str(), O_CREAT | O_WRONLY | O_CLOEXEC, 0600);
   const pid_t process = program::start(arguments, errors, errors);
-  // It has begun when its files have: these are there, hidden, before anything is read.
+  // Its hidden output files exist before anything is read.
   while (folder.names().size() < 2) sched_yield();
   kill(process, SIGINT);
   EXPECT_EQ(program::wait_for(process), 130);

@@ -1,4 +1,4 @@
-// What the writer writes, and what the reader makes of good, odd and broken files.
+// The video writer, and the reader with valid, unusual and broken files.
 #include <gtest/gtest.h>
 
 #include <cstdint>
@@ -51,7 +51,7 @@ INSTANTIATE_TEST_SUITE_P(All, Container, testing::Values(".mp4", ".mov", ".mkv")
 
 TEST(Video, KeepsTimesFinerThanMilliseconds) {
   const Folder folder;
-  // 30000/1001 frames a second; a tick of the file's clock is 11.1 us.
+  // 30000/1001 frames per second; a tick of the file's clock is 11.1 us.
   Times times;
   for (int i = 0; i < 40; ++i) times.emplace_back(i * 1'001'000'000LL / 30'000);
   clips::write(folder / "a.mp4", {64, 48}, times);
@@ -94,7 +94,7 @@ TEST(Video, KeepsPicturesAndColours) {
   clips::write(folder / "a.mp4", {image, image}, {0ms, 40ms});
   const auto frames = clips::read(folder / "a.mp4");
   ASSERT_EQ(frames.size(), 2U);
-  // The middle of the square (40..69 across, 30..59 down) and a place on the ground.
+  // The middle of the square (columns 40 to 69, rows 30 to 59) and a point on the background.
   for (const cv::Point place : {cv::Point(55, 45), cv::Point(120, 90)}) {
     const auto expected = image.at<cv::Vec3b>(place);
     const auto found = frames[1].image.at<cv::Vec3b>(place);
@@ -217,8 +217,8 @@ TEST(Video, FramesWithoutTimesFollowTheNominalRate) {
   EXPECT_EQ(clips::times_of(clips::read(folder / "a.mjpeg")), clips::regular(3, 40ms));
 }
 
-// Writes into the file's track header that it is to be shown turned clockwise by a quarter: the matrix that
-// takes (x, y) to (-y, x), after 40 bytes of other fields.
+// Sets the file's track header to a clockwise rotation by 90 degrees: the matrix that takes (x, y) to (-y,
+// x), after 40 bytes of other fields.
 void mark_as_turned(const std::string& file) {
   std::string bytes = program::read(file);
   const std::size_t matrix = bytes.find("tkhd") + 4 + 40;
@@ -232,7 +232,7 @@ void mark_as_turned(const std::string& file) {
 TEST(Video, IsTurnedAsItsCameraAsked) {
   const Folder folder;
   cv::Mat image(48, 96, CV_8UC3, cv::Scalar(200, 0, 0));
-  image(cv::Rect(0, 0, 48, 48)) = cv::Scalar(0, 0, 200);  // red on the left, which turns to the top
+  image(cv::Rect(0, 0, 48, 48)) = cv::Scalar(0, 0, 200);  // red on the left, which becomes the top
   clips::write(folder / "a.mp4", {image, image}, {0ms, 40ms});
   mark_as_turned(folder / "a.mp4");
   const auto source = open_source(folder / "a.mp4");

@@ -1,6 +1,6 @@
 """A Python host that uses only ctypes: every way of loading, unloading and loading again gives the same results.
 
-Every way has a process of its own, because results depend on the state of rand(), which a new detector changes.
+Every way runs in its own process, because results depend on the state of rand(), which a new detector changes.
 
 usage: host.py LIBRARY          runs itself once per mode and compares the results
        host.py LIBRARY MODE     prints the results of two detectors; MODE: flags for dlopen

@@ -1,7 +1,8 @@
 /* A C host that loads the plug-in in every way, unloads it and loads it again: alone, with a library that
  * exports the same names, and with a copy of the plug-in. The results are always the same.
  *
- * Every way has a child process, because results depend on the state of rand(), which a new detector changes.
+ * Every way runs in its own child process, because results depend on the state of rand(), which a new
+ * detector changes.
  *
  * usage: modes LIBRARY NAMESAKES COPY [STAYS]      STAYS: the plug-in stays in memory when it is closed */
 #include "tests/hosts/modes.h"
@@ -40,7 +41,7 @@ static void* load(const char* path, const struct mode* mode, struct plugin* plug
 
 struct way {
   const char* path;
-  const char* beside; /* a library that is loaded first, or null */
+  const char* beside; /* a library to load first, or null */
   const struct mode* mode;
   bool stays;
 };
@@ -63,7 +64,7 @@ static void load_and_unload(const struct way* way, FILE* out) {
   if (namesakes != NULL) dlclose(namesakes);
 }
 
-/* Each of the two has a detector of its own. */
+/* Both copies have their own detector. */
 static void beside_a_copy(const struct way* way, FILE* out) {
   struct plugin first;
   struct plugin second;
@@ -80,7 +81,7 @@ static void beside_a_copy(const struct way* way, FILE* out) {
   dlclose(library);
 }
 
-/* What `act` writes in a child process; to be freed. */
+/* The output of `act` in a child process; to be freed by the caller. */
 static char* results(void (*act)(const struct way*, FILE*), const struct way* way) {
   FILE* const out = tmpfile();
   require(out != NULL, "a temporary file", way->mode->name);

@@ -13,7 +13,7 @@ static const struct mode modes[] = {
     {"RTLD_NOW | RTLD_LOCAL", RTLD_NOW | RTLD_LOCAL},
     {"RTLD_LAZY | RTLD_LOCAL", RTLD_LAZY | RTLD_LOCAL},
     {"RTLD_NOW | RTLD_GLOBAL", RTLD_NOW | RTLD_GLOBAL},
-#ifndef __SANITIZE_ADDRESS__ /* the address sanitizer refuses it */
+#ifndef __SANITIZE_ADDRESS__ /* not supported by the address sanitizer */
     {"RTLD_NOW | RTLD_LOCAL | RTLD_DEEPBIND", RTLD_NOW | RTLD_LOCAL | RTLD_DEEPBIND},
     {"RTLD_NOW | RTLD_GLOBAL | RTLD_DEEPBIND", RTLD_NOW | RTLD_GLOBAL | RTLD_DEEPBIND},
 #endif

@@ -1,6 +1,6 @@
 #!/bin/sh
 # usage: afresh.sh FOLDER COMMAND...
-# Runs a command that fills FOLDER, without what an earlier run left in it.
+# Empties FOLDER, then runs a command that fills it.
 set -eu
 rm -rf "$1"
 shift

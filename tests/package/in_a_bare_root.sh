@@ -1,5 +1,5 @@
 #!/bin/sh
-# Runs within the bare root, with the packages in /packages: installs, uses and removes them, as users would.
+# Runs in the bare root, with the packages in /packages: installs, uses and removes them.
 set -eu
 export DEBIAN_FRONTEND=noninteractive LC_ALL=C.UTF-8
 packages="liblightmotion1 liblightmotion-dev lightmotion"
@@ -9,7 +9,7 @@ fail() { echo "failed: $*" >&2; exit 1; }
 quietly() { "$@" >/tmp/log 2>&1 || { cat /tmp/log; fail "$*"; }; }
 install() { quietly apt-get install -y --no-install-recommends "$@"; }
 as_user() { setpriv --reuid=nobody --regid=nogroup --clear-groups env HOME=/tmp "$@"; }
-# Files and folders of ours, wherever they are.
+# This project's files and folders, anywhere.
 ours() { find / -xdev -path /packages -prune -o -path /proc -prune -o -iname '*lightmotion*' -print; }
 
 step "nothing of ours is here"

@@ -1,11 +1,11 @@
-# The tree that `cmake --install` makes and the packages that `cpack` makes, as those meet them who use them.
+# Tests of the tree that `cmake --install` creates and of the packages that `cpack` creates.
 if(LIGHTMOTION_SANITIZE OR NOT LIGHTMOTION_HOST)
   message(STATUS "Installation and packages are tested in a plain build of everything")
   return()
 endif()
 find_package(Python3 REQUIRED COMPONENTS Interpreter)
 
-# Both write into the build folder what they install.
+# Both write what they install into the build folder.
 set(installed_prefix ${CMAKE_CURRENT_BINARY_DIR}/prefix)
 set(installed_packages ${CMAKE_CURRENT_BINARY_DIR}/packages)
 add_test(NAME installed.by_cmake COMMAND sh ${CMAKE_CURRENT_SOURCE_DIR}/afresh.sh ${installed_prefix}
@@ -15,7 +15,7 @@ add_test(NAME packages.by_cpack COMMAND sh ${CMAKE_CURRENT_SOURCE_DIR}/afresh.sh
 set_tests_properties(installed.by_cmake PROPERTIES FIXTURES_SETUP installation RESOURCE_LOCK install)
 set_tests_properties(packages.by_cpack PROPERTIES FIXTURES_SETUP packages RESOURCE_LOCK install)
 
-# usage: python_test(NAME SCRIPT FIXTURE): a script that looks at the installation, or at the packages.
+# usage: python_test(NAME SCRIPT FIXTURE): a script that examines the installation or the packages.
 function(python_test name script fixture)
   add_test(NAME ${name} COMMAND ${Python3_EXECUTABLE} -B ${CMAKE_CURRENT_SOURCE_DIR}/${script})
   set(variables PYTHONPATH=${PROJECT_SOURCE_DIR} LIGHTMOTION_PREFIX=${installed_prefix}

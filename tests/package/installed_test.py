@@ -1,4 +1,4 @@
-"""An installation as those meet it who build against it."""
+"""An installation: its files, and building against it."""
 import pathlib
 import tempfile
 import unittest
@@ -9,7 +9,7 @@ from tests.support.installation import (ENVIRONMENT, LIBRARY_FOLDER, PREFIX, SOU
 WARNINGS = ["-Wall", "-Wextra", "-Wpedantic", "-Werror"]
 HEADERS = [str(file.relative_to(PREFIX / "include/lightmotion")) for file in PREFIX.rglob("*.h")]
 
-# Needs a reference to the library that is resolved, and a run that reaches it.
+# Requires both linking against the library and loading it at run time.
 C_HOST = '#include "plugin/entry_points.h"\nint main(void) { return terminate() == 1 ? 0 : 1; }\n'
 CPP_HOST = '#include "simd/simd.h"\nint main() { return GetCpuInstructionSet() >= 2 ? 0 : 1; }\n'
 
@@ -36,7 +36,7 @@ class Installation(unittest.TestCase):
     def test_names_no_folder_of_the_build(self):
         for file in PREFIX.rglob("*"):
             if file.is_file():
-                text = file.read_bytes().replace(bytes(PREFIX), b"")  # which may lie within the build folder
+                text = file.read_bytes().replace(bytes(PREFIX), b"") # the prefix may be inside the build folder
                 self.assertNotIn(bytes(SOURCE), text, file)
 
     def test_every_header_compiles_alone_and_has_both_names(self):
@@ -94,7 +94,7 @@ class Program(unittest.TestCase):
         del plain["LD_LIBRARY_PATH"]
         done = run(self.program, "run", "--quiet", "--config", example, environment=plain)
         self.assertEqual((done.returncode, done.stderr), (0, ""))
-        self.assertGreater(len(done.stdout.splitlines()), 100)  # of 500 frames; people walk for 18 of 20 seconds
+        self.assertGreater(len(done.stdout.splitlines()), 100) # of 500 frames; people walk in 18 of 20 seconds
 
 
 if __name__ == "__main__":

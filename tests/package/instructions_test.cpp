@@ -33,8 +33,8 @@ std::vector<Instruction> disassemble(const std::string& file) {
   return instructions;
 }
 
-// Instructions beyond the base and their levels. All instructions in AVX encoding begin with v; those for
-// general registers that came with AVX2 follow.
+// Instructions beyond the base and their levels. All AVX-encoded instructions begin with v; those for general
+// registers that came with AVX2 follow.
 constexpr struct {
   int level;
   std::initializer_list<const char*> mnemonics;
@@ -63,7 +63,7 @@ int levelOfMnemonic(const std::string& mnemonic) {
   return 0;
 }
 
-// The highest level that a function may use: its own if it is a kernel version, else 0, the base.
+// The highest level that a function may use: its own for a kernel version, otherwise 0, the base.
 int levelOfFunction(const std::string& function) {
   static const std::map<std::string, int> levels = [] {
     std::map<std::string, int> byName;

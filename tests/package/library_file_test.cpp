@@ -65,7 +65,7 @@ TEST(LibraryFile, TheHostsLogIsAWeakReference) {
               Contains(ContainsRegex("w log_File_Debug_s$")));
 }
 
-// The host below really has variables of its own, to which the library's references have to be bound.
+// The host below really has its own copies of the variables, to which the library's references must be bound.
 TEST(LibraryFile, AHostThatIsLinkedAgainstItHasItsOwnCopiesOfTheVariables) {
   const auto relocations = linesOf(std::string(READELF) + " -rW " VARIABLE_HOST);
   EXPECT_THAT(relocations, IsSupersetOf({ContainsRegex("R_X86_64_COPY.*THRESH_SAME_PIXEL_x2"),

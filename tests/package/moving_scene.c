@@ -17,7 +17,7 @@ static void require(bool condition, const char* what) {
   exit(1);
 }
 
-/* POSIX promises that a function's address fits. */
+/* POSIX guarantees that a function's address fits. */
 static void find(void* library, const char* name, void* function) {
   void* const address = dlsym(library, name);
   require(address != NULL, name);

@@ -1,4 +1,4 @@
-"""The manual page and the completions name exactly the options that the program has."""
+"""The manual page and the completions list exactly the program's options."""
 import gzip
 import pathlib
 import re
@@ -22,7 +22,7 @@ def subcommands():
 
 
 def options_in_help():
-    """Each line on an option starts like "  -c,--config FILE"."""
+    """Each option's line starts like "  -c,--config FILE"."""
     text = output_of(PROGRAM, "--help") + "".join(output_of(PROGRAM, name, "--help") for name in subcommands())
     lines = re.findall(r"^  (-[^ ]+) ", text, re.MULTILINE)
     return {option for line in lines for option in line.split(",")}

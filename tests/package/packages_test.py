@@ -1,4 +1,4 @@
-"""The Debian packages: what is in them, what they say of themselves, what lintian says of them."""
+"""The Debian packages: contents, metadata, and lintian."""
 import os
 import pathlib
 import re
@@ -74,7 +74,7 @@ class Packages(unittest.TestCase):
                 self.assertEqual(told.strip(), VERSION)
 
     def test_a_program_that_uses_the_library_depends_on_its_package(self):
-        """As dpkg-shlibdeps finds it out for somebody else's package."""
+        """As dpkg-shlibdeps determines it for a package that uses the library."""
         with tempfile.TemporaryDirectory() as folder:
             host = pathlib.Path(folder, "host.c")
             host.write_text("int terminate(void); int main(void) { return terminate(); }\n")

@@ -1,5 +1,5 @@
-// What the library exports beside what its releases exported: packaging/symbols lists every name with the
-// version that brought it.
+// Compares the library's exports with those of its releases: packaging/symbols lists every name with the
+// version that introduced it.
 #include <cxxabi.h>
 #include <gmock/gmock.h>
 
@@ -17,7 +17,7 @@ std::string readable(const std::string& name) {
   return text ? text.get() : name;
 }
 
-// Name and version from lines such as " getRes@Base 1.0.0"; others are about the library as a whole.
+// Name and version from lines such as " getRes@Base 1.0.0"; other lines concern the library as a whole.
 std::map<std::string, std::string> listed() {
   std::map<std::string, std::string> versions;
   for (const auto& line : entriesOf(SYMBOLS_FILE)) {
@@ -28,7 +28,7 @@ std::map<std::string, std::string> listed() {
 }
 
 std::vector<std::string> exported() {
-  constexpr std::size_t nameColumn = 19;  // behind a 16-digit address and a type
+  constexpr std::size_t nameColumn = 19;  // after a 16-digit address and a type
   std::vector<std::string> names;
   for (const auto& line : linesOf(std::string(NM) + " -D --defined-only " LIBRARY_FILE)) {
     names.push_back(line.substr(nameColumn));

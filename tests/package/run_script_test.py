@@ -1,4 +1,4 @@
-"""`./run`: what it does with its arguments, with stand-ins for the installation of packages, the build and the program."""
+"""The arguments of `./run`, with stand-ins for package installation, the build and the program."""
 import pathlib
 import shutil
 import subprocess

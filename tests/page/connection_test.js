@@ -91,7 +91,7 @@ test("the page finds a server that went away and came back", async (t) => {
   await framesBecome(page, "pictures again", (frames) => frames.length > 0);
 });
 
-// The camera of the host program's tests, which does as it is told on standard input.
+// The camera of the program's tests, controlled through standard input.
 async function startCamera(t) {
   const file = makeClip("clip.h264", ["-c:v", "libx264", "-x264-params", "keyint=10:bframes=0:aud=1"]);
   const child = spawn("python3", [new URL("../host/live_camera.py", import.meta.url).pathname, file], {

@@ -57,7 +57,7 @@ test("without a file of its own nothing can be saved, and the page says why", as
   assert.match(await page.locator("#save").getAttribute("title"), /--config/);
 });
 
-// What the page does to a document's text, by its own modules.
+// What the page's modules change in a document's text.
 const edits = [
   [
     "a member is replaced where it stands",

@@ -150,7 +150,7 @@ test("named, turned and deleted in the list; members of its own are kept", async
   assert.equal(roi, undefined);
   assert.equal(ror[0].name, "street");
   assert.equal(ror[0].colour, "red");
-  // A press takes its time.
+  // Pressing takes some time.
   await page.hover('button[aria-label="Delete street"]');
   await page.mouse.down();
   await page.evaluate(() => new Promise((done) => requestAnimationFrame(() => requestAnimationFrame(done))));

@@ -1,6 +1,6 @@
 #!/bin/sh
 # usage: run.sh PROGRAM
-# Runs the tests of the page. Exits with status 77 where they cannot run.
+# Runs the page's tests. Exits with status 77 if they cannot run.
 set -eu
 source=$(cd "$(dirname "$0")" && pwd)
 

@@ -25,7 +25,7 @@ bool Model::seed() {
   return true;
 }
 
-// The next of the pixel's neighbours in turn.
+// The pixel's next neighbour, in turn.
 std::size_t Model::nextNeighbour(std::size_t i) {
   const std::size_t neighbour = static_cast<std::size_t>(nbrIdx[i][nbrCursor[i]]);
   ++nbrCursor[i];
@@ -106,7 +106,7 @@ bool Model::classify() {
   return true;
 }
 
-// Foreground that has stayed still for long enough turns into background.
+// Foreground that has been still for long enough becomes background.
 bool Model::absorbs(std::size_t i) {
   const float limit = static_cast<float>(lifeStaticFrm);
   markIf(ghostSuppression && fgLife[i] == limit, Branch::lifeAtBound);
@@ -128,7 +128,7 @@ bool Model::matchesModel(std::size_t i) {
       ++matches;
       smallest = std::min(smallest, static_cast<std::uint32_t>(distance));
     }
-    // Grey frames look at the count after every slot, colour frames after a match only.
+    // Grey frames check the count after every slot, colour frames only after a match.
     if (distance >= 0 || frmChn == 1) background = matches >= minMatchNum;
     markIf(background && distance < 0, Branch::matchEndsUnmatched);
   }
@@ -138,7 +138,7 @@ bool Model::matchesModel(std::size_t i) {
   return background;
 }
 
-// Sum of the channels' differences, -1 when one is beyond the radius. A fourth channel never counts.
+// Sum of the channels' differences; -1 if one exceeds the radius. A fourth channel never counts.
 int Model::matchDistance(std::size_t i, const std::array<Byte, 4>& sample) {
   const std::size_t channels = static_cast<std::size_t>(frmChn);
   int sum = 0, largest = 0;
@@ -216,7 +216,7 @@ bool Model::update() {
   return true;
 }
 
-// Whether the pixel was written because the light changed.
+// Whether the pixel was written because the lighting changed.
 bool Model::followIllumination(std::size_t i) {
   markIf(illumDiff[i] == thrIllum, Branch::illuminationAtBound);
   if (illumDiff[i] <= thrIllum) {
@@ -238,7 +238,7 @@ bool Model::followIllumination(std::size_t i) {
   return false;
 }
 
-// A background pixel that changed and matched from afar is written in one of sixteen such frames.
+// Of background pixels that changed and match only distantly, one in sixteen frames is written.
 void Model::refresh(std::size_t i) {
   if (rdDiff[i] <= thrHeuris && prevFgMask[i] == 0) {
     mark(Branch::updateUnchanged);

@@ -1,6 +1,6 @@
-// The branches of the frame's rules, counted by the model as it takes them. A comparison of the engine with
-// the model proves only what its sequences reach, so a test asks for each of these to be taken at least once.
-// Names with "At..." are boundary values, where `<` and `<=` part.
+// The branches of the frame's rules, counted by the model. Comparing the engine with the model only proves
+// what the sequences reach, so a test requires each branch to be taken at least once. Names with "At..." are
+// boundary values, where `<` and `<=` differ.
 #pragma once
 
 #include <array>

@@ -1,4 +1,4 @@
-// What the first frame makes, and its release.
+// Allocation on the first frame, and release.
 #include <algorithm>
 #include <cstdlib>
 
@@ -14,7 +14,7 @@ void makeOnce(std::vector<T>& plane, std::size_t n, T value = T{}) {
 
 }  // namespace
 
-// Whether the frames that are there hold all pixels of the model with the channels of the last frame seen.
+// Whether the stored frames hold all of the model's pixels with the channels of the last frame.
 bool Model::holdsFrames() const {
   const bool known = frmChn == 1 || frmChn == 3 || frmChn == 4;
   const std::size_t bytes = static_cast<std::size_t>(numPixel) * static_cast<std::size_t>(frmChn);
@@ -44,7 +44,7 @@ bool Model::initBuffer() {
   if (planePixels_ < pixels) releasePlanes();
   planePixels_ = planePixels_ == 0 ? pixels : std::min(planePixels_, pixels);
   makePlanes(n);
-  // An engine that is sized again starts afresh with some of this; the rest stays.
+  // An engine that is sized again resets some of this and keeps the rest.
   std::fill_n(fgLife.begin(), n, 0.0F);
   bgModel.resize(n);
   bgImg.assign(n * static_cast<std::size_t>(frmChn), 0);
@@ -99,7 +99,7 @@ void Model::findNeighbours(int x, int y) {
     around.push_back(indexOf(x + nbrOffset[k].x, y + nbrOffset[k].y));
   }
   for (std::int32_t& entry : around) {
-    // Positions outside the frame become copies of random ones inside.
+    // Positions outside the frame are replaced by copies of random ones inside.
     while (entry == -1) entry = around[static_cast<std::size_t>(std::rand() % numNbr)];
   }
   nbrIdx.push_back(around);

@@ -32,7 +32,7 @@ int Detector::frameProc(const Byte* frame, const std::string& timestamp) {
   const std::size_t pixels = static_cast<std::size_t>(frmW * frmH);
   if (fgMaskCopy.empty()) fgMaskCopy.resize(pixels);
   objList.clear();
-  // Nothing moved where no frame of this size was learned.
+  // No motion before a frame of this size was learned.
   if (engine->fgMask.empty() || engine->numPixel != frmW * frmH) return 0;
   std::copy_n(engine->fgMask.begin(), pixels, fgMaskCopy.begin());
   objList = engine->objects(fgMaskCopy);

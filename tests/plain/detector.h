@@ -1,4 +1,4 @@
-// The detector around the plain engine: what it keeps between calls, and its calls.
+// The detector around the plain engine: its state between calls, and its calls.
 #pragma once
 
 #include <optional>
@@ -9,7 +9,7 @@
 
 namespace plain {
 
-// A configuration document as the readers see it: scalar members in the reader's order, "key value" each.
+// A configuration document as its reader sees it: scalar members in reading order, "key value" each.
 struct Document {
   std::vector<std::string> entries;
   std::vector<RegionText> include, exclude;

@@ -1,4 +1,4 @@
-// One frame: its order and its time.
+// One frame: its steps and its time.
 #include <algorithm>
 #include <cstdlib>
 
@@ -23,7 +23,7 @@ bool Model::setTimestamp(const std::string& text) {
   return value >= 0;
 }
 
-// Frames may be smaller than the first, and of fewer channels.
+// Frames may be smaller than the first, and have fewer channels.
 bool Model::canLearn(int pixels) const {
   return isSized() && pixels <= numPixel && wrapMul(szImgX, szImgY) == numPixel && holdsFrames();
 }
@@ -51,7 +51,7 @@ bool Model::learnBg(const Byte* frame, int w, int h, int channels) {
 }
 
 int Model::preprocess(const Byte* frame, int w, int h, int channels) {
-  frmChn = channels;  // stored before it is judged
+  frmChn = channels;  // stored before it is checked
   if (frame != nullptr) {
     const std::size_t bytes = static_cast<std::size_t>(w * h * channels);
     markIf(!curFrame.empty() && curFrame.size() < bytes, Branch::currentFrameGrows);

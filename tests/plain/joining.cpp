@@ -16,7 +16,7 @@ bool meet(const Span& a, const Span& b) {
   return (b.start <= a.start && a.start <= b.end()) || (a.start <= b.start && b.start <= a.end());
 }
 
-// Distance between facing ends, in whole pixels; a positive number for spans that overlap, too.
+// Distance between facing ends, in whole pixels; also positive for spans that overlap.
 int apart(const Span& a, const Span& b) {
   return std::min(truncated(std::fabs(a.start - b.end())), truncated(std::fabs(b.start - a.end())));
 }
@@ -87,7 +87,7 @@ bool Model::largeEnough(const Box& box) {
   return wide || high;
 }
 
-// One pass: every box joins the first later one that belongs to it, at most one each.
+// One pass: every box joins the first later one that qualifies, at most one each.
 bool Model::joinOnce(std::vector<Box>& list, const std::function<bool(const Box&, const Box&)>& belong) {
   std::vector<Box> result;
   std::vector<bool> used(list.size());

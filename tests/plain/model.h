@@ -1,6 +1,6 @@
 // A plain second implementation of the motion engine, one pixel at a time, written from the documented rules
-// and sharing no code with the engine. Fields carry the engine's names, so that tests can compare the two
-// field by field. Clarity before speed; containers are empty where the engine's pointers are null.
+// without sharing code with the engine. Fields have the engine's names, so that tests can compare them.
+// Clarity before speed; containers are empty where the engine's pointers are null.
 #pragma once
 
 #include <sys/time.h>
@@ -30,7 +30,7 @@ struct Region {
   std::vector<Byte> mask = {};
 };
 
-// A region as the document has it: vertices as fractions of the frame size, written out.
+// A region as in the document: vertices as fractions of the frame size, as text.
 struct RegionText {
   std::string name;
   std::vector<std::pair<std::string, std::string>> points;
@@ -55,15 +55,13 @@ class Model {
   explicit Model(int level) : level_(level) {}
 
   // ---- the host's calls
-  // -----------------------------------------------------------------------------------------
   std::vector<Region> regionsInPixels(const std::vector<RegionText>& texts, int w, int h, std::size_t fewest);
   std::vector<bool> setParam(const std::vector<std::string>& entries, const std::vector<Region>& include,
                              const std::vector<Region>& exclude);
-  // One frame as the detector takes it: returns the result text, empty without boxes; `boxes` holds them.
+  // One frame as processed by the detector: returns the result text, empty without boxes, and stores `boxes`.
   std::string frameProc(const Byte* frame, int w, int h, int channels, const std::string& timestamp);
 
-  // ---- the engine's single operations. One that lacks what it works on returns false, 0 or nothing.
-  // ---------------------
+  // ---- the engine's single operations. Without the data they need, they return false, 0 or nothing.
   bool initialization(int w, int h);
   bool initBuffer();
   void destroyBuffer();
@@ -78,14 +76,13 @@ class Model {
   bool update();
   std::vector<Box> objects(std::vector<Byte>& mask);
   std::vector<Component> label(std::vector<std::uint32_t>& labels, Byte value);
-  // `marked`: bytes that held the marker before the call are turned as well.
+  // `marked`: bytes that held the marker before the call are relabelled as well.
   int dilate(std::vector<Byte>& mask, Byte set, Byte relabel, int passes, bool marked);
   int erode(std::vector<Byte>& mask, Byte set, Byte cleared, int passes, bool marked);
   void parameterLine(const std::string& line);  // of the parameter file
   std::string resultText(const std::string& timestamp, const std::vector<Box>& list);
 
   // ---- state, named as in the engine
-  // -----------------------------------------------------------------------------
   bool illumChange = true, ghostSuppression = true, autoSensitivity = false, skipFrame = false;
   std::int32_t frmChn = 0, diffChn = 0, numPixel = 0, szImgX = 0, szImgY = 0, numNbr = 25;
   std::int32_t thrMatch = 20, minMatchNum = 2, thrIllum = 5, thrHeuris = 10;
@@ -110,8 +107,7 @@ class Model {
   std::vector<Region> roiInclude, roiExclude;
   std::vector<Box> boxes;
 
-  // ---- what the world supplies
-  // -----------------------------------------------------------------------------------
+  // ---- external inputs
   std::int32_t thresholdX2 = 20, thresholdX3 = 30;  // the exported THRESH_SAME_PIXEL_x2 and _x3
   timeval now{};                                    // the wall clock
 
@@ -171,11 +167,11 @@ class Model {
   }
 
   int level_;
-  std::int32_t planePixels_ = 0;  // pixels that the planes were made for
+  std::int32_t planePixels_ = 0;  // number of pixels for which the planes were made
 };
 
-// 32-bit arithmetic as the engine's: wrapping sums, products and differences; what does not fit an int
-// becomes the smallest one.
+// The engine's 32-bit arithmetic: sums, products and differences wrap; what does not fit an int becomes
+// INT_MIN.
 std::int32_t wrapAdd(std::int32_t a, std::int32_t b);
 std::int32_t wrapSub(std::int32_t a, std::int32_t b);
 std::int32_t wrapMul(std::int32_t a, std::int32_t b);

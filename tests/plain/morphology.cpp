@@ -1,11 +1,11 @@
-// Erosion, dilation and labelling, by the table of direct neighbours.
+// Erosion, dilation and labelling, using the table of direct neighbours.
 #include <algorithm>
 
 #include "tests/plain/model.h"
 
 namespace plain {
 
-// Whether `test` holds for any direct neighbour of the pixel in the frame.
+// Whether `test` holds for any of the pixel's direct neighbours inside the frame.
 bool Model::anyNeighbour(std::size_t pixel, const std::function<bool(std::size_t)>& test) const {
   const FourNeighbours& around = nbr4Idx[pixel];
   for (const std::int32_t index : {around.left, around.right, around.up, around.down}) {
@@ -14,8 +14,8 @@ bool Model::anyNeighbour(std::size_t pixel, const std::function<bool(std::size_t
   return false;
 }
 
-// A pass marks pixels of the regions and sets them back: all that remains is what held the marker before, and
-// the new value.
+// A pass marks pixels of the regions and resets them: only pixels that held the marker before keep the new
+// value.
 int Model::dilate(std::vector<Byte>& mask, Byte set, Byte relabel, int passes, bool marked) {
   if (nbr4Idx.size() != static_cast<std::size_t>(numPixel)) return 0;
   const Byte marker = static_cast<Byte>(set - 1);
@@ -24,7 +24,7 @@ int Model::dilate(std::vector<Byte>& mask, Byte set, Byte relabel, int passes, b
   return 1;
 }
 
-// Each pass takes a layer off every region of `set` where it borders `cleared`; the frame edge does not
+// Each pass removes one layer of every region of `set` where it borders `cleared`; the frame edge does not
 // count.
 int Model::erode(std::vector<Byte>& mask, Byte set, Byte cleared, int passes, bool marked) {
   if (nbr4Idx.size() != static_cast<std::size_t>(numPixel)) return 0;
@@ -43,7 +43,7 @@ int Model::erode(std::vector<Byte>& mask, Byte set, Byte cleared, int passes, bo
   return 1;
 }
 
-// Connected regions of `value`, in the order of their first pixels; they get the labels 2, 3, ... without
+// Connected regions of `value`, ordered by their first pixels; they get the labels 2, 3, ..., skipping
 // `value`.
 std::vector<Component> Model::label(std::vector<std::uint32_t>& labels, Byte value) {
   std::vector<Component> components;

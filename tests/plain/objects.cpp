@@ -64,8 +64,8 @@ void Model::fillLabels(const std::vector<Byte>& mask) {
   if (labelRows.empty()) labelRows.assign(static_cast<std::size_t>(szImgY), row);
 }
 
-// The vector kernels leave whole blocks alone and judge the rest by the first entries of the region mask;
-// without vectors every pixel is judged by its own entry.
+// The vector kernels skip whole blocks and test the rest with the first entries of the region mask; without
+// vectors every pixel is tested with its own entry.
 void Model::prune(std::vector<Byte>& mask) {
   const std::size_t block = level_ >= 8 ? 32 : 16;
   const std::size_t rest = level_ >= 2 ? mask.size() % block : mask.size();
@@ -78,8 +78,8 @@ void Model::prune(std::vector<Byte>& mask) {
   }
 }
 
-// The first empty row or column in every direction from the component's first pixel: one pixel of margin all
-// round. At the left and top border there is none; where none is found to the right or below, the box gets
+// The first empty row or column in every direction from the component's first pixel: a margin of one pixel on
+// each side. There is none at the left and top border; if none is found to the right or below, the box gets
 // the whole frame's width or height.
 Box Model::boxOf(const Component& component) {
   const auto holds = [&](int x, int y) {

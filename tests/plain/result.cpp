@@ -1,12 +1,12 @@
-// The result document, as the JSON writer formats it: members in ascending order, no blanks, a line feed at
-// the end.
+// The result document, formatted like the JSON writer's output: members in ascending order, no blanks, a line
+// feed at the end.
 #include <cstdio>
 
 #include "tests/plain/model.h"
 
 namespace plain {
 
-// Seventeen significant digits; a whole number shows its fraction all the same.
+// Seventeen significant digits; whole numbers also have a fraction.
 std::string Model::number(float value) {
   char digits[32];
   std::snprintf(digits, sizeof digits, "%.17g", static_cast<double>(value));

@@ -20,7 +20,7 @@ std::int32_t wrapMul(std::int32_t a, std::int32_t b) {
 }
 
 std::int32_t truncated(double value) {
-  // Written so that NaN fails the test as well.
+  // Written so that NaN also fails the test.
   if (!(value > -2147483649.0 && value < 2147483648.0)) return INT32_MIN;
   return static_cast<std::int32_t>(value);
 }
@@ -47,7 +47,7 @@ bool isInside(const std::vector<Vertex>& points, int x, int y) {
 }
 
 void rasterise(Region& region, int w, int h) {
-  // A mask that a region brings along is drawn over.
+  // A mask that the region already has is overwritten.
   const int n = wrapMul(w, h);
   region.mask.resize(std::max(region.mask.size(), n > 0 ? static_cast<std::size_t>(n) : 0));
   std::size_t pixel = 0;
@@ -81,7 +81,7 @@ std::vector<bool> Model::setParam(const std::vector<std::string>& entries, const
   roiInclude = include;
   roiExclude = exclude;
   std::vector<bool> accepted;
-  std::string key, value;  // an entry that lacks one of them takes it from the entry before
+  std::string key, value;  // an entry without a key or value reuses that of the previous entry
   for (const std::string& entry : entries) {
     std::istringstream tokens(entry);
     std::string token;
@@ -154,7 +154,7 @@ bool Model::apply(const std::string& key, const std::string& value) {
   if (key == "minBoxW" || key == "MIN_BOUNDING_BOX_W") return share(minObjW);
   if (key == "minBoxH" || key == "MIN_BOUNDING_BOX_H") return share(minObjH);
   if (key == "lifeStatic") {
-    // Only zero and negative lives can be set.
+    // Only zero and negative values are accepted.
     if (whole() > 0) return false;
     lifeStatic = whole();
     lifeStaticFrm = truncated(lifeStatic * frmRate);

@@ -1,5 +1,5 @@
-// Configuration documents of 100 MiB, in every shape that does not ask for many times that much memory, and
-// of ten million values: each is read, or refused as it should be, and gives its memory back.
+// Configuration documents of 100 MiB, in every shape that does not need a multiple of that memory, and of ten
+// million values: each is accepted or refused as it should be, and its memory is released.
 #include <malloc.h>
 #include <unistd.h>
 

@@ -43,7 +43,6 @@ Plugin load(const char* path) {
 }
 
 // ---- content
-// -----------------------------------------------------------------------------------------------------
 
 class Random {
  public:
@@ -61,7 +60,7 @@ struct Size {
   int width, height, channels;
 };
 
-// Noise, walkers, things that are put down and taken away, light that comes and goes.
+// Noise, walkers, objects that are placed and removed, lighting changes.
 class Film {
  public:
   Film(const Size& size, std::uint32_t seed)
@@ -105,7 +104,7 @@ std::string documentFor(const Size& size, const std::string& more = "") {
          R"({"x":"1","y":"1"}]}]})";
 }
 
-// Hands over a frame; its result document, if it has one.
+// Processes a frame; returns its result document, if any.
 std::string feed(const Plugin& plugin, const std::vector<std::uint8_t>& frame, std::int64_t time) {
   int length = 0;
   plugin.frameProc(frame.data(), std::to_string(time).c_str(), &length);
@@ -115,7 +114,6 @@ std::string feed(const Plugin& plugin, const std::vector<std::uint8_t>& frame, s
 }
 
 // ---- memory
-// ------------------------------------------------------------------------------------------------------
 
 long residentKiB() {
   long total = 0;
@@ -124,7 +122,7 @@ long residentKiB() {
   return resident * (sysconf(_SC_PAGESIZE) / 1024);
 }
 
-// Resident memory at twenty points of a phase, of which the first quarter is the warm-up.
+// Resident memory at twenty points of a phase; the first quarter is the warm-up.
 class Curve {
  public:
   Curve(std::FILE* out, const char* name, int steps) : out_(out), name_(name), steps_(steps) {}
@@ -136,7 +134,7 @@ class Curve {
     std::fflush(out_);
   }
 
-  // How far memory rose after the warm-up.
+  // The increase of memory after the warm-up.
   long rise() const {
     const auto warm = points_.begin() + static_cast<std::ptrdiff_t>(points_.size() / 4);
     return warm == points_.end() ? 0 : *std::max_element(warm, points_.end()) - *warm;
@@ -151,7 +149,6 @@ class Curve {
 };
 
 // ---- phases
-// ------------------------------------------------------------------------------------------------------
 
 void manyFrames(const Plugin& plugin, int frames, Curve& curve) {
   const Size size{40, 30, 3};
@@ -167,7 +164,7 @@ void manyFrames(const Plugin& plugin, int frames, Curve& curve) {
   if (withBoxes < frames / 4) throw std::runtime_error("hardly any motion was found");
 }
 
-// What a host does wrong now and then.
+// Occasional errors of a host.
 void badStart(const Plugin& plugin, int kind) {
   try {
     plugin.initialization(kind % 3 == 0   ? "not JSON"
@@ -225,7 +222,7 @@ bool isFlat(std::FILE* out, const char* name, const Curve& curve) {
 int soak(char** arguments) {
   const Plugin plugin = load(arguments[1]);
   const std::string expected = fresh(arguments[0], arguments[1]);
-  // The library's own lines go nowhere.
+  // Discards the library's own output.
   std::FILE* const out = fdopen(dup(STDOUT_FILENO), "w");
   if (out == nullptr || std::freopen("/dev/null", "w", stdout) == nullptr ||
       std::freopen("/dev/null", "w", stderr) == nullptr) {

@@ -21,7 +21,7 @@ class Comparison {
     if (difference_.empty() && !same(engine, model)) report(name, engine, model);
   }
 
-  // A plane that the engine has made, against the model's of as many elements; null against an empty one.
+  // A plane of the engine, against the model's plane of as many elements; null against an empty one.
   template <class T>
   void plane(const char* name, const T* engine, const std::vector<T>& model) {
     value((std::string(name) + " made").c_str(), engine != nullptr, !model.empty());
@@ -30,7 +30,7 @@ class Comparison {
              std::max<std::size_t>(1, model.size() / std::max<std::size_t>(1, pixels_)));
   }
 
-  // Elements of which each pixel has `perPixel`, from the given pixel on.
+  // Elements from the given pixel on, `perPixel` for each pixel.
   template <class T>
   void elements(const char* name, const T* engine, const T* model, std::size_t count, std::size_t perPixel,
                 std::size_t firstPixel = 0) {
@@ -41,7 +41,7 @@ class Comparison {
   }
 
  private:
-  // By bits: the model is exact.
+  // Bitwise: the model is exact.
   template <class T>
   static bool same(const T& a, const T& b) {
     if constexpr (std::is_trivially_copyable_v<T>)
@@ -55,7 +55,7 @@ class Comparison {
     std::ostringstream text;
     text.precision(17);
     if constexpr (std::is_arithmetic_v<T>)
-      text << field << ": engine " << +engine << ", model " << +model;  // + shows a byte as a number
+      text << field << ": engine " << +engine << ", model " << +model;  // + prints a byte as a number
     else
       text << field << ": engine " << engine << ", model " << model;
     difference_ = text.str();
@@ -150,7 +150,7 @@ void comparePlanes(Comparison& compare, const kAMBLE& engine, const plain::Model
   COMPARE_PLANE(bgImg);
   compare.value("bgModel.size", engine.bgModel.size(), model.bgModel.size());
   if (!model.bgModel.empty()) {
-    // Twenty samples of four bytes a pixel in both.
+    // Both have twenty samples of four bytes per pixel.
     compare.elements("bgModel", &engine.bgModel[0].samples[0][0], &model.bgModel[0][0][0],
                      model.bgModel.size() * sizeof(BgModel), sizeof(BgModel));
   }
@@ -164,7 +164,7 @@ void compareRegions(Comparison& compare, const kAMBLE& engine, const plain::Mode
     compare.value(name, ours.size(), plain.size());
     for (std::size_t i = 0; i < std::min(ours.size(), plain.size()); ++i) {
       compare.value(name, ours[i].name, plain[i].name);
-      // A mask made for no pixels is not seen in the model.
+      // A mask made for zero pixels has no counterpart in the model.
       if (plain[i].mask.empty()) continue;
       compare.plane(name, static_cast<const std::uint8_t*>(ours[i].mask), plain[i].mask);
     }
@@ -198,7 +198,7 @@ void compareObjects(Comparison& compare, const lightMotion& detector, const plai
 }  // namespace
 
 std::string firstDifference(const lightMotion& detector, const plain::Model& model) {
-  // In the order in which a frame makes them, so that the first difference is the nearest to its cause.
+  // In the order of computation, so that the first difference is closest to its cause.
   Comparison compare(model.szImgX, model.numPixel);
   compareRegions(compare, *detector.engine, model);
   compareSettings(compare, *detector.engine, model);

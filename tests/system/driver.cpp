@@ -12,8 +12,7 @@
 
 namespace {
 
-// The exported bands are the host's to change: every sequence starts and ends with what the library came
-// with.
+// Hosts may change the exported bands: every sequence starts and ends with the library's defaults.
 struct ExportedBands {
   std::int32_t x2 = THRESH_SAME_PIXEL_x2, x3 = THRESH_SAME_PIXEL_x3;
   ExportedBands() = default;
@@ -70,7 +69,7 @@ std::vector<polygon> polygonsOf(const std::vector<plain::Region>& regions) {
   return polygons;
 }
 
-// The model with a sequence's configuration.
+// The model, configured for a sequence.
 class Configured {
  public:
   explicit Configured(const Sequence& sequence, int channels)
@@ -86,7 +85,7 @@ class Configured {
   std::vector<bool> accepted;
 };
 
-// Empty when both took the configuration alike.
+// Empty if both accept or refuse the configuration alike.
 std::string configure(lightMotion& detector, const Sequence& sequence, int channels, Configured& plain) {
   if (sequence.road == Road::document) {
     return detector.init(documentOf(sequence, channels).c_str()) ? "" : "the document was refused";
@@ -105,8 +104,8 @@ std::string modelFrame(const Sequence& sequence, plain::Model& model, const Fram
                          frame.timestamp);
 }
 
-// The neighbour tables draw from rand(): both sides start from the same state, and the next number shows
-// whether they drew as often.
+// The neighbour tables use rand(): both sides start from the same state, and the next number shows whether
+// they drew equally often.
 template <class Step>
 int drawnBy(int frame, const Step& step) {
   std::srand(static_cast<unsigned>(frame) + 1);

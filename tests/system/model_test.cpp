@@ -1,4 +1,4 @@
-// The engine does, in every field and after every frame, what the plain model does.
+// The engine equals the plain model in every field after every frame.
 #include <gtest/gtest.h>
 
 #include <ostream>
@@ -28,7 +28,7 @@ TEST(EntryPointsAndPlainModel, GiveTheSameResultTexts) {
   }
 }
 
-// What no sequence reaches, no comparison proves.
+// A branch that no sequence reaches is not compared.
 TEST(PlainModel, TakesEveryBranchInSomeSequence) {
   plain::BranchCounts total{};
   for (const Sequence& sequence : allSequences()) {

@@ -1,4 +1,4 @@
-// Moving pictures for the comparison: every byte is a pure function of the scene, the place and the frame's
+// Moving pictures for the comparison: every byte is a pure function of the scene, the position and the frame
 // number.
 #pragma once
 
@@ -14,22 +14,21 @@ struct Area {
   bool holds(int px, int py) const { return px >= x && px < x + w && py >= y && py < y + h; }
 };
 
-// A textured rectangle. It moves by (dx, dy) a frame for the first `moves` frames and stands still from then
-// on.
+// A textured rectangle. It moves by (dx, dy) per frame for the first `moves` frames, then stands still.
 struct Thing {
   Area area;
   int from = 0, until = forever;
   int shade = 200;
   int dx = 0, dy = 0, moves = forever;
-  int flicker = 0;  // added on every other frame
+  int flicker = 0;  // added to every second frame
 };
 
-// A change of light, added to the pixels of an area.
+// A lighting change, added to the pixels of an area.
 struct Light {
   Area area;
   int from = 0, until = forever;
   int amount = 0;
-  int every = 1;  // on for the first of that many frames
+  int every = 1;  // on in the first of each group of this many frames
 };
 
 struct Scene {
@@ -42,7 +41,7 @@ struct Scene {
   std::vector<std::uint8_t> draw(int frame) const;
 };
 
-// A well-mixed number of [0, below) made of four coordinates.
+// A well-mixed number in [0, below) from four coordinates.
 int scattered(std::uint32_t seed, int a, int b, int c, int below);
 
 }  // namespace scene

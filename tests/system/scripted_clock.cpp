@@ -7,7 +7,7 @@ timeval scripted{1700000000, 0};
 timeval scriptedTime() { return scripted; }
 void setScriptedTime(timeval time) { scripted = time; }
 
-// Takes the place of the C library's function in this whole program.
+// Replaces the C library's function in this whole program.
 extern "C" int gettimeofday(timeval* __restrict time, void* __restrict) noexcept {
   *time = scripted;
   return 0;

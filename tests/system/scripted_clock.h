@@ -1,4 +1,4 @@
-// The program's own gettimeofday: the time that a test sets, so that the wall-clock frame rate can be tested
+// A gettimeofday that returns the time set by a test, so that the wall-clock frame rate can be tested
 // exactly.
 #pragma once
 

@@ -1,5 +1,5 @@
-// What the engine and the model are run over: frames with their times, a configuration, and what the host
-// changes on the way.
+// Input of the engine and the model: frames with times, a configuration, and changes that the host makes in
+// between.
 #pragma once
 
 #include <sys/time.h>
@@ -14,7 +14,7 @@
 #include "tests/plain/model.h"
 #include "tests/system/scene.h"
 
-// One frame as the host hands it over. A channel count other than the sequence's own is handed over as well.
+// One frame from the host. It may have another channel count than the sequence.
 struct Frame {
   std::vector<std::uint8_t> pixels;
   int channels = 3;
@@ -31,18 +31,18 @@ std::vector<plain::RegionText> wholeFrame();
 struct Sequence {
   std::string name;
   int width, height, frames;
-  std::function<Frame(int)> frame;        // asked for frame 0, 1, 2, ... in this order
+  std::function<Frame(int)> frame;        // called for frames 0, 1, 2, ... in this order
   std::vector<std::string> entries = {};  // follow "frmW", "frmH" and "frmChn"
   std::vector<plain::RegionText> include = wholeFrame();
   std::vector<plain::RegionText> exclude = {};
   Road road = Road::parameters;
-  // What the host changes before a frame. The engine is null when the model runs alone.
+  // Changes that the host makes before a frame. The engine is null when the model runs alone.
   std::function<void(int, kAMBLE*, plain::Model&)> before = {};
   // The wall clock during a frame.
   std::function<timeval(int)> clock = {};
 };
 
-// Makes the same change to the model and, where there is one, to the engine: the fields have the same names.
+// Makes the same change to the model and, if present, to the engine: their fields have the same names.
 template <class Change>
 void toBoth(kAMBLE* engine, plain::Model& model, const Change& change) {
   change(model);

@@ -1,5 +1,5 @@
-// A host that does unusual things between frames: refused frames, other channel counts, changed fields,
-// counters about to overflow, single steps out of order.
+// Unusual actions of a host between frames: invalid frames, other channel counts, changed fields, counters
+// about to overflow, single steps out of order.
 #include <cstdint>
 #include <limits>
 
@@ -21,7 +21,7 @@ scene::Scene street(int channels) {
                      {.area = {20, 2, 9, 10}, .from = 8, .until = 50, .shade = 150, .flicker = 12}}};
 }
 
-// Frames whose channel count follows a rule of the frame number.
+// Frames whose channel count depends on the frame number.
 std::function<Frame(int)> channelsBy(const std::function<int(int)>& channels) {
   return [channels](int k) {
     const scene::Scene scene = street(channels(k));
@@ -72,7 +72,7 @@ std::vector<Sequence> changedFields() {
                   [](auto& state) {
                     state.minMatchNum = 0;
                     state.thrMatch = -1;
-                    state.illumChange = false;  // so that pixels come as far as the refresh
+                    state.illumChange = false;  // so that pixels reach the refresh
                   }),
           changed("match_radius_negative_colour", 3, 20, [](auto& state) { state.thrMatch = -1; }),
           changed("lock_off", 3, 0, [](auto& state) { state.numPeriodLock = 0; }),
@@ -85,7 +85,7 @@ std::vector<Sequence> changedFields() {
           changed("every_component_counts", 3, 0, [](auto& state) { state.thrCcPxl = state.thrCcPxl2 = 1; }),
           changed("region_mask_of_other_values", 3, 0,
                   [](auto& state) {
-                    // Anything but 0 lies inside for the model, only 1 for the pruning of objects.
+                    // Any value except 0 is inside for the model, only 1 for the pruning of objects.
                     for (std::size_t i = 0; i < 20; ++i) state.roiMask[i] = 2;
                   }),
           changing("switches_flip", 3, [](int k, kAMBLE* engine, plain::Model& model) {
@@ -113,7 +113,7 @@ std::vector<Sequence> overflowing() {
                     for (std::size_t i = 0; i < 33 * 31; ++i) state.fgLife[i] = 16777214.0F;
                     state.frmCount = intMax - 5;
                   }),
-          // After 2^32 frames the engine takes itself for new.
+          // After 2^32 frames the engine treats the next one as its first.
           changed("frame_count_comes_round", 3, 10, [](auto& state) { state.frmCount = -3; }),
           changed("frame_count_comes_round_grey", 1, 10, [](auto& state) { state.frmCount = -1; }),
           changed("frame_count_wraps", 3, 10, [](auto& state) { state.frmCount = intMax; }),
@@ -121,7 +121,7 @@ std::vector<Sequence> overflowing() {
                   [](auto& state) {
                     state.lifeStaticFrm = intMax;
                     for (std::size_t i = 0; i < 33 * 31; ++i) state.fgLife[i] = 3e9F;
-                    state.prevTimestamp = 1000;  // the rate falls out of range and leaves the limit alone
+                    state.prevTimestamp = 1000;  // the rate falls out of range and does not change the limit
                   }),
           changed("lock_sum_wraps", 3, 4,
                   [](auto& state) {
@@ -132,8 +132,8 @@ std::vector<Sequence> overflowing() {
           changed("life_product_too_large", 3, 4, [](auto& state) { state.lifeStatic = intMax; })};
 }
 
-// A pixel that was declared absorbed but not yet written: the host classifies a frame a second time, then
-// keeps ghost suppression off for long enough that the pixel turns background, then on again.
+// A pixel declared absorbed but not yet written: the host classifies a frame a second time, then disables
+// ghost suppression until the pixel becomes background, then enables it again.
 Sequence absorbedButNotWritten() {
   scene::Scene scene{
       .width = 20, .height = 16, .texture = 2, .things = {{.area = {4, 4, 10, 8}, .from = 2, .until = 12}}};

@@ -1,4 +1,4 @@
-// Scenes, sizes, settings and regions at random: combinations that nobody thought of.
+// Random scenes, sizes, settings and regions, for unforeseen combinations.
 #include <algorithm>
 #include <array>
 
@@ -6,7 +6,7 @@
 
 namespace {
 
-// Numbers that depend on the seed and on how many were asked for before.
+// Numbers that depend on the seed and on the number of previous calls.
 class Dice {
  public:
   explicit Dice(std::uint32_t seed) : seed_(seed) {}

@@ -1,4 +1,4 @@
-// The background model: absorption, life bands, light, refresh and the exact bounds between their branches.
+// The background model: absorption, life bands, light, refresh and the exact limits of their branches.
 #include <cstring>
 
 #include "tests/system/sequence.h"
@@ -30,7 +30,7 @@ Sequence parkedThenGone(int channels) {
 }
 
 // Foreground that changes by exactly 10, 20 and 30 between frames, by one more each, and by more than all
-// bands. The middle of each thing stays out of the model's reach while its brightness swings.
+// bands. The middle of each object stays outside the match radius while its brightness varies.
 Sequence lifeBands(int channels) {
   Scene scene{.width = 60, .height = 24, .channels = channels, .texture = 0, .things = {}};
   int x = 0;
@@ -51,7 +51,7 @@ Sequence lifeFromOne() {
   return filmedAs("life_falls_from_one", scene, 30);
 }
 
-// Noise between the heuristic threshold and the match radius: background that is refreshed now and then.
+// Noise between the heuristic threshold and the match radius: background that is occasionally refreshed.
 Sequence refreshing(int channels, int noise) {
   Sequence sequence = filmedAs(
       "refresh_noise_" + std::to_string(noise) + "_channels_" + std::to_string(channels),
@@ -70,7 +70,8 @@ Sequence shareOfLight(int pixels) {
                   40);
 }
 
-// Single pixels and patches light up, each by a different amount, so that changes spread and stay isolated.
+// Single pixels and patches become brighter by different amounts, so that some changes spread and others stay
+// isolated.
 Sequence patchesOfLight(int channels) {
   Scene scene{.width = 40, .height = 30, .channels = channels, .texture = 3, .noise = 1, .lights = {}};
   for (int k = 0; k < 12; ++k) {
@@ -80,7 +81,8 @@ Sequence patchesOfLight(int channels) {
   return filmedAs("patches_of_light_channels_" + std::to_string(channels), scene, 80);
 }
 
-// The whole light goes up and down, so that every pixel is written in most frames and its cursor runs around.
+// The brightness of the whole picture rises and falls, so that every pixel is written in most frames and its
+// cursor wraps around.
 Sequence pulsingLight(int segment, int period) {
   Sequence sequence = filmedAs(
       "pulsing_light_lock_" + std::to_string(segment) + "_every_" + std::to_string(period),
@@ -109,7 +111,7 @@ Sequence atRadius(int channels) {
                   40);
 }
 
-// Everything is foreground: no pixel is examined for light.
+// Everything is foreground: no pixel is checked for lighting changes.
 Sequence nothingExamined() {
   return filmedAs("all_foreground",
                   {.width = 20, .height = 20, .things = {{.area = {0, 0, 20, 20}, .from = 2, .until = 12}}},

@@ -1,5 +1,5 @@
-// Components, boxes, joining and the size filter at their bounds. A rectangle of w x h loses three pixels on
-// each side that borders background; its box then has one pixel of margin.
+// Components, boxes, joining and the size filter at their limits. A rectangle of w x h loses three pixels on
+// each side that borders background; its box then has a margin of one pixel.
 #include "tests/system/sequence.h"
 
 namespace {
@@ -22,7 +22,7 @@ Sequence standing(const std::string& name, int w, int h, const std::vector<Area>
 const std::vector<Area> aroundTwo = {
     {4, 4, 80, 10}, {4, 4, 10, 70}, {74, 4, 10, 70}, {24, 24, 14, 14}, {45, 40, 16, 16}};
 
-// Rectangles that come and go at random, so that all kinds of joins happen.
+// Rectangles that appear and disappear at random, to reach all kinds of joins.
 Sequence crowd(int w, int h, int things, std::uint32_t seed) {
   scene::Scene scene{.width = w, .height = h, .channels = 1, .seed = seed, .texture = 2, .things = {}};
   for (int k = 0; k < things; ++k) {
@@ -58,20 +58,21 @@ std::vector<Sequence> objectSequences() {
       standing("whole_frame", 40, 30, {{0, 0, 40, 30}}),
       standing("diagonal", 160, 120,
                {{10, 10, 14, 14}, {25, 25, 14, 14}, {60, 60, 14, 14}, {95, 60, 14, 14}}),
-      // Frames of 160 join at gaps of up to 5: things one pixel apart leave 7 empty columns, less the two
-      // margins.
+      // In frames of width 160, gaps of up to 5 are joined: objects one pixel apart leave 7 empty columns,
+      // minus the two margins.
       standing("gap_at_bound", 160, 60, {{10, 10, 14, 14}, {25, 10, 14, 14}}),
       standing("gap_over_bound", 160, 60, {{10, 10, 14, 14}, {26, 10, 14, 14}}),
       // Gaps of 5 and 1 to the sides: 5.1 pixels apart, which count as 5.
       standing("gap_fraction_over_bound", 160, 60, {{10, 10, 14, 14}, {25, 21, 14, 14}}),
       standing("chain", 160, 60, {{10, 10, 14, 14}, {25, 10, 14, 14}, {40, 10, 14, 14}, {55, 10, 14, 14}}),
-      // Three sides of a frame around two others: boxes that are nested and far from each other's edges. They
-      // are joined, unless the inner ones are dropped for their size before.
+      // Three sides of a rectangle around two others: boxes that are nested and far from each other's edges.
+      // They are joined, unless the inner ones are dropped for their size before.
       standing("nested", 96, 80, aroundTwo),
       standing("nested_small", 96, 80, aroundTwo, {"minBoxW 0.25", "minBoxH 0.25"}),
-      // Boxes [0, 6] and [5, 35] overlap in exactly one column; in so small a frame the gap pass leaves them.
+      // Boxes [0, 6] and [5, 35] overlap in exactly one column; in such a small frame the gap pass does not
+      // join them.
       standing("overlap_by_one", 30, 30, {{0, 0, 8, 10}, {15, 0, 15, 30}, {3, 17, 27, 13}}),
-      // A thing of w x h has a box of (w - 4) x (h - 4). The minima here are 16 x 24, 32 x 12 and 16 x 12.
+      // An object of w x h has a box of (w - 4) x (h - 4). The minima here are 16 x 24, 32 x 12 and 16 x 12.
       standing("width_at_minimum", 64, 48, {{8, 8, 20, 16}}, {"minBoxW 0.25", "minBoxH 0.5"}),
       standing("height_at_minimum", 64, 48, {{8, 8, 16, 16}}, {"minBoxW 0.5", "minBoxH 0.25"}),
       standing("below_both_minima", 64, 48, {{8, 8, 19, 15}, {40, 20, 22, 15}, {10, 28, 15, 18}},

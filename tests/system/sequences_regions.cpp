@@ -1,4 +1,4 @@
-// Regions of every shape, and region masks that were made for another frame size.
+// Regions of every shape, and region masks made for another frame size.
 #include "tests/system/sequence.h"
 
 namespace {
@@ -18,7 +18,7 @@ const plain::RegionText partlyOutside = {"outside", {{"-0.5", "0.3"}, {"0.6", "-
 const plain::RegionText twoPoints = {"line", {{"0.1", "0.1"}, {"0.9", "0.9"}}};
 const plain::RegionText onePoint = {"point", {{"0.5", "0.5"}}};
 
-// Large things cross the frame, so that objects survive the erosion at every edge.
+// Large objects cross the frame, so that some survive the erosion at every edge.
 scene::Scene crossing(int w, int h) {
   return {.width = w,
           .height = h,
@@ -40,7 +40,7 @@ Sequence over(const std::string& name, int w, int h, Regions include, Regions ex
           .road = Road::document};
 }
 
-// The mask is made for `w` x `h` pixels, the frames have 20 x 18.
+// The mask is made for `w` x `h` pixels; the frames have 20 x 18.
 Sequence maskFor(int w, int h) {
   Sequence sequence = over("mask_" + std::to_string(w) + "x" + std::to_string(h), 20, 18, wholeFrame(), {});
   sequence.entries = {"frmW " + std::to_string(w), "frmH " + std::to_string(h)};

@@ -1,9 +1,9 @@
-// Every level of the two level settings, every other key, and settings that are refused.
+// Every level of the two level settings, every other key, and refused settings.
 #include "tests/system/sequence.h"
 
 namespace {
 
-// Light changes of every strength and a thing whose brightness lies near the background's.
+// Lighting changes of every strength and an object with nearly the brightness of the background.
 scene::Scene graded(int channels) {
   return {.width = 33,
           .height = 31,

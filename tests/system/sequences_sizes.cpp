@@ -5,8 +5,8 @@
 
 namespace {
 
-// Something of everything, scaled to the frame: a walker, a parked thing that leaves again, a flickering
-// thing, and lights over a part and over the whole.
+// Some of everything, scaled to the frame: a walker, a parked object that leaves again, a flickering object,
+// and lighting changes of a part and of the whole.
 scene::Scene busy(int w, int h, int channels) {
   const int third = (w + 2) / 3, half = (h + 1) / 2;
   return {.width = w,
@@ -42,7 +42,7 @@ std::vector<Sequence> sizeSequences() {
   std::vector<Sequence> list;
   for (const int channels : {1, 3, 4}) {
     for (const auto& [w, h] : sizes) {
-      // Five frames a second: what stands still is absorbed after fifteen.
+      // At five frames per second, still foreground is absorbed after fifteen frames.
       list.push_back({.name = "size_" + std::to_string(w) + "x" + std::to_string(h) + "_channels_" +
                               std::to_string(channels),
                       .width = w,

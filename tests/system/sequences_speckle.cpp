@@ -5,7 +5,7 @@
 namespace {
 
 constexpr int width = 160, height = 64;
-using Shot = std::vector<scene::Area>;  // what stands in one frame
+using Shot = std::vector<scene::Area>;  // objects of one frame
 
 Shot blobs(const std::vector<plain::Vertex>& corners, int side = 7) {
   Shot shot;
@@ -17,7 +17,7 @@ const Shot nothing = {};
 const Shot together = blobs({{10, 10}, {20, 10}, {10, 20}});
 const Shot alone = blobs({{60, 30}});
 const Shot wide = blobs({{5, 5}, {140, 40}});
-// The middle lies 40.5 pixels from both, truncated a quarter of 160.
+// The middle is 40.5 pixels from both, truncated to a quarter of 160.
 const Shot wideAtBound = blobs({{10, 10}, {91, 10}});
 const Shot object = {{60, 20, 20, 20}};
 const Shot objectAndPieces = {{60, 20, 20, 20}, {10, 10, 7, 7}, {20, 10, 7, 7}};
@@ -29,7 +29,7 @@ Shot columnAnd(int count, int spacing, plain::Vertex far) {
   return blobs(corners);
 }
 
-// The first shots need frames to compare with.
+// The first shots need earlier frames to compare with.
 Sequence shown(const std::string& name, std::vector<Shot> shots) {
   shots.insert(shots.begin(), 2, nothing);
   const auto frame = [shots](int k) {
@@ -78,6 +78,6 @@ std::vector<Sequence> speckleSequences() {
                               blobs({{10, 10}, {22, 10}}, 10), blobs({{10, 10}, {22, 10}}, 11)}),
       starting(shown("from_three_pixels", {together, nothing, nothing, nothing, nothing, nothing}), 3, 3, 0),
       starting(shown("held_at_rest", {nothing, alone, object, nothing}), 25, 25, 2),
-      // Twice the working threshold does not fit an int.
+      // Twice the working threshold overflows an int.
       starting(shown("wrapping_double", {object, nothing, object}), 0x70000000, 0x60000000, 0)};
 }

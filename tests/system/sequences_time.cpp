@@ -21,14 +21,14 @@ Sequence at(const std::string& name, int frames, const std::function<std::string
           }};
 }
 
-// Timestamps from a list, over and over.
+// Timestamps from a list, repeated.
 Sequence listed(const std::string& name, std::vector<std::string> timestamps, int frames) {
   return at(name, frames, [timestamps = std::move(timestamps)](int k) {
     return timestamps[static_cast<std::size_t>(k) % timestamps.size()];
   });
 }
 
-// Without timestamps, the clock advancing by the listed microseconds.
+// Without timestamps; the clock advances by the listed microseconds.
 Sequence clocked(const std::string& name, const std::vector<long>& steps) {
   Sequence sequence = at(name, 60, [](int k) { return std::string(k % 2 == 0 ? "0" : "-12"); });
   sequence.clock = [steps](int k) {

@@ -1,4 +1,4 @@
-// `lightmotion run ... --out DIR`: many files, one after another or several at a time.
+// `lightmotion run ... --out DIR`: analyses many files, one or several at a time.
 #pragma once
 
 #include "host/commands/archive/archive_options.h"
@@ -6,8 +6,8 @@
 
 namespace lm::host::commands::archive {
 
-// `options`: of the run over each file. Processes every file that has no results yet, each in its own
-// process; a failing file does not stop the others. Returns the program's exit status; throws Failure.
+// `options`: for the run over each file. Processes every file without results, each in its own process; a
+// failing file does not stop the others. Returns the program's exit status; throws Failure.
 int run_archive(const run::RunOptions& options, const ArchiveOptions& archive);
 
 }  // namespace lm::host::commands::archive

@@ -1,4 +1,4 @@
-// Options of runs over many files on the command line.
+// Command-line options of runs over many files.
 #pragma once
 
 #include <chrono>
@@ -19,19 +19,17 @@ struct ArchiveOptions {
   bool force = false;                         // reprocess finished files
   std::chrono::microseconds file_timeout{0};  // per-file time limit; 0: none
 
-  // The other options given, one argument each, for the runs over the single files.
+  // The other options given, one argument each, for the runs over single files.
   std::vector<std::string> passed_on;
 };
 
 // Adds the sources and the options.
 void add_archive_options(CLI::App& run, ArchiveOptions& options);
 
-// Once the command line is parsed: fills `passed_on`. Returns what is wrong with the options;
-// empty when nothing is.
+// After parsing: fills `passed_on`. Returns what is wrong with the options; empty if nothing is.
 std::string complete_archive_options(const CLI::App& run, ArchiveOptions& options);
 
-// The options of the run over one file: outputs are placed in `folder`, and the result lines go to a file
-// there.
+// The options of the run over one file: outputs and result lines are written to `folder`.
 std::vector<std::string> options_for_folder(const std::vector<std::string>& passed_on,
                                             const std::string& folder);
 

@@ -1,4 +1,4 @@
-// How far an archive run has come, on one line of the terminal.
+// Progress of an archive run, on one terminal line.
 #pragma once
 
 #include <chrono>
@@ -14,7 +14,7 @@ struct ArchiveState {
   std::size_t files = 0;
   std::size_t done = 0;
   std::size_t failed = 0;        // of those done, incomplete or failed
-  std::int64_t bytes_to_do = 0;  // of the files that had to be worked on
+  std::int64_t bytes_to_do = 0;  // of the files that need processing
   std::int64_t bytes_done = 0;   // of those that are finished
   std::int64_t events = 0;
   std::chrono::microseconds worked{0};
@@ -24,12 +24,12 @@ struct ArchiveState {
 // is left out until the first file is finished.
 std::string archive_progress_text(const ArchiveState& state);
 
-// The same for programs:
+// The same as JSON:
 // {"files":300,"files_done":12,"files_with_problems":1,"eta":3723.000,"event_count":7}
 std::string archive_progress_line(const ArchiveState& state);
 
-// Tells about it on standard error: as a line that is drawn again, or as a line for programs whenever a file
-// is done.
+// Reports progress on standard error: as a terminal line that is redrawn, or as a JSON line whenever a file
+// is finished.
 class ArchiveProgress {
  public:
   explicit ArchiveProgress(outputs::ProgressMode mode);
@@ -43,7 +43,7 @@ class ArchiveProgress {
  private:
   outputs::ProgressMode mode_;
   bool drawn_ = false;
-  std::size_t told_ = 0;  // files done, when the last line was written
+  std::size_t told_ = 0;  // files finished when the last line was written
 };
 
 }  // namespace lm::host::commands::archive

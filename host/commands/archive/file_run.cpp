@@ -23,7 +23,7 @@ constexpr const char* kMessages = "/messages.txt";
 constexpr const char* kFigures = "/figures.json";
 constexpr const char* kRecord = "/run.json";
 
-// These do not change the results; the configuration counts by its text, not by its name.
+// These do not affect the results; the configuration is compared by its text, not by its name.
 constexpr std::array<std::string_view, 3> kNoSay{"--quiet", "--verbose", "--config"};
 
 bool has_say(const std::string& option) {

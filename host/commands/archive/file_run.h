@@ -1,4 +1,4 @@
-// The run over one file of an archive: a process, and the folder that its results grow in.
+// The run over one file of an archive: a process, and the folder in which its results are created.
 #pragma once
 
 #include <sys/types.h>
@@ -13,19 +13,19 @@
 
 namespace lm::host::commands::archive {
 
-// What all files of a run have in common.
+// Common to all files of a run.
 struct ArchiveSettings {
-  std::string folder;                         // of the whole archive's results
+  std::string folder;                         // folder for the results of the whole archive
   std::vector<std::string> options;           // passed on to each process
-  std::string digest;                         // of everything that results depend on
-  std::chrono::microseconds file_timeout{0};  // 0: a file may take as long as it likes
+  std::string digest;                         // of everything that affects the results
+  std::chrono::microseconds file_timeout{0};  // 0: no time limit
 };
 
-// The digest of the options that have a say in the results, of the configuration's text and of the program's
+// The digest of the options that affect the results, of the configuration's text and of the program's
 // version.
 std::string settings_digest(const std::vector<std::string>& options, const std::string& configuration);
 
-// The row of a file whose results are there and belong to this source and these settings; else nothing.
+// The row of a file whose results exist and match this source and these settings; otherwise none.
 std::optional<TableRow> finished_row(const ArchiveSettings& settings, const std::string& path,
                                      const SourceState& source);
 
@@ -38,10 +38,10 @@ class FileRun {
   pid_t process() const { return process_; }
   std::int64_t bytes() const { return source_.size; }
 
-  // Kills the process when it has taken too long.
+  // Kills the process when it exceeds its time limit.
   void keep_time();
 
-  // Once the process has ended: gives the results their name, if there are any. `status`: from waitpid.
+  // After the process has exited: publishes the results, if there are any. `status`: from waitpid.
   TableRow finish(int status);
 
  private:

@@ -12,7 +12,7 @@ constexpr std::size_t kLongestName = 100;
 
 bool kept(unsigned char c) { return c >= 0x80 || std::isalnum(c) != 0 || c == '.' || c == '_' || c == '-'; }
 
-// The middle of a character in UTF-8.
+// UTF-8 continuation bytes.
 bool continues(char c) { return (static_cast<unsigned char>(c) & 0xC0U) == 0x80U; }
 
 }  // namespace

@@ -1,4 +1,4 @@
-// What is known about the run of one file, kept as run.json among its results.
+// The record of one file's run: run.json in its result folder.
 #pragma once
 
 #include <chrono>
@@ -11,29 +11,29 @@
 
 namespace lm::host::commands::archive {
 
-// A file is taken for unchanged while these stay.
+// A file counts as unchanged while these are the same.
 struct SourceState {
   std::int64_t size = 0;
-  std::string modified;  // seconds since 1970, to the billionth
+  std::string modified;  // seconds since 1970, with nanoseconds
   bool operator==(const SourceState&) const = default;
 };
 
-// Nothing when the file cannot be looked at.
+// None if the file cannot be examined.
 std::optional<SourceState> source_state(const std::string& path);
 
 struct Record {
   std::string path;
   SourceState source;
-  std::vector<std::string> options;  // as passed on
-  std::string settings;              // the digest of everything that results depend on
+  std::vector<std::string> options;  // as passed to the process
+  std::string settings;              // the digest of everything that affects the results
   int status = 0;                    // of the process
   std::string why;                   // empty for status 0
-  run::Figures figures;              // without the time that the work took, which no two runs share
+  run::Figures figures;              // without the processing time, which differs between runs
 };
 
 std::string to_json(const Record& record);
 
-// Nothing for what is not such a text.
+// None if the text is not a record.
 std::optional<Record> record_from(const std::string& json);
 
 }  // namespace lm::host::commands::archive

@@ -23,7 +23,7 @@ std::size_t from_slurm(const char* name) {
   return *value;
 }
 
-// The array may start at any number and go in steps (--array=10-40:10).
+// The array may start at any number and have a step (--array=10-40:10).
 Shard slurm_shard() {
   const std::size_t id = from_slurm("SLURM_ARRAY_TASK_ID");
   const std::size_t count = from_slurm("SLURM_ARRAY_TASK_COUNT");

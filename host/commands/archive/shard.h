@@ -1,4 +1,4 @@
-// One of several machines' share of an archive.
+// One machine's share of an archive.
 #pragma once
 
 #include <cstddef>
@@ -11,11 +11,11 @@ struct Shard {
   std::size_t count = 1;
 };
 
-// "2/8": the second of eight. "slurm": what the environment of a Slurm array task says. Empty: all.
-// Throws Failure (kRefused) naming the cause.
+// "2/8": the second of eight. "slurm": from the environment of a Slurm array task. Empty: everything. Throws
+// Failure (kRefused) with the cause.
 Shard parse_shard(const std::string& text);
 
-// Whether the file at this place of the whole list, counted from 0, belongs to the shard.
+// Whether the file at this position of the whole list, from 0, belongs to the shard.
 constexpr bool belongs(const Shard& shard, std::size_t place) { return place % shard.count == shard.index; }
 
 }  // namespace lm::host::commands::archive

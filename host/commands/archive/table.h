@@ -1,4 +1,4 @@
-// What became of each file of an archive run.
+// The outcome of each file of an archive run.
 #pragma once
 
 #include <cstddef>
@@ -12,7 +12,7 @@ namespace lm::host::commands::archive {
 
 enum class Outcome {
   kOk,
-  kIncomplete,  // there are results, but not of everything that should be in the file
+  kIncomplete,  // results exist, but the file could not be analysed completely
   kFailed,      // no results
 };
 
@@ -20,14 +20,14 @@ struct TableRow {
   std::string path;
   Outcome outcome = Outcome::kFailed;
   std::optional<run::Figures> figures;
-  std::string results;  // the folder's name; empty when there is none
-  std::string why;      // empty when ok
+  std::string results;  // the folder's name; empty if there is none
+  std::string why;      // empty if ok
 };
 
-// For people: a line for each file, and the totals.
+// For people: one line per file, and the totals.
 std::string table_text(const std::vector<TableRow>& rows);
 
-// For programs: a row of names, then one for each file.
+// As CSV: a header, then one row per file.
 std::string table_csv(const std::vector<TableRow>& rows);
 
 }  // namespace lm::host::commands::archive

@@ -25,7 +25,7 @@ std::error_code last_error() { return {errno, std::generic_category()}; }
 
 std::string lock_path(const std::string& folder) { return folder + "/lock"; }
 
-// Not when its last owner removed it between our opening and our locking.
+// False if its last owner removed it between our opening and locking it.
 bool still_there(const std::string& path, int file) {
   struct stat by_name {};
   struct stat by_file {};
@@ -73,8 +73,8 @@ void WorkFolder::tidy(const std::string& archive, const std::string& name) {
   if (fs::exists(archive + "/." + name + ".work")) WorkFolder(archive, name);
 }
 
-// The results lie below a name that no other run has used: a process that outlived a killed run cannot meet
-// them.
+// The results are below a name that no other run has used, so that a process that outlived a killed run
+// cannot write into them.
 void WorkFolder::make_room() {
   remove_all_but_the_lock(folder_);
   std::string unique = folder_ + "/XXXXXX";

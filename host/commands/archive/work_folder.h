@@ -1,4 +1,4 @@
-// Where the results of one file grow until they are whole.
+// The folder in which one file's results are created until complete.
 #pragma once
 
 #include <cstdio>
@@ -8,26 +8,26 @@
 
 namespace lm::host::commands::archive {
 
-// A hidden folder beside the results that only one process at a time has, on all machines that share the
-// file system. What a killed process left in it is removed. Whoever fills `path()` publishes it at the end;
-// without that the destructor removes it, and results that were there before stay.
+// A hidden folder beside the results, locked by one process at a time across all machines that share the file
+// system. Removes what a killed process left in it. Without publish() the destructor removes the folder, and
+// earlier results stay.
 class WorkFolder {
  public:
-  // For the results named `name` in `archive`. Nothing while another process has it. Throws Failure
-  // (kTrouble) when it cannot be made.
+  // For the results named `name` in `archive`. None if another process has locked it. Throws Failure
+  // (kTrouble) if it cannot be created.
   static std::optional<WorkFolder> claim(const std::string& archive, const std::string& name);
 
-  // Removes what a killed process left, if nobody has the folder.
+  // Removes what a killed process left, unless the folder is locked.
   static void tidy(const std::string& archive, const std::string& name);
 
   WorkFolder(WorkFolder&&) noexcept = default;
   WorkFolder& operator=(WorkFolder&&) = delete;
   ~WorkFolder();
 
-  const std::string& path() const { return results_; }  // empty at first
+  const std::string& path() const { return results_; }  // initially empty
   const std::string& final_path() const { return final_; }
 
-  // Gives the results their name, in place of what had it. Throws Failure (kTrouble).
+  // Replaces the results at their final name. Throws Failure (kTrouble).
   void publish();
 
  private:

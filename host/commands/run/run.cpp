@@ -121,7 +121,7 @@ class Run {
     return {figures_.frames, figures_.video, source_.info().duration, speed(figures_), figures_.events};
   }
 
-  // No file gets its name before all are complete.
+  // All outputs are complete before the first one gets its name.
   void complete_outputs() {
     if (lines_) lines_->finish();
     if (video_) video_->finish();

@@ -1,4 +1,4 @@
-// What `lightmotion run` is asked to do.
+// The request of `lightmotion run`.
 #pragma once
 
 #include <optional>
@@ -36,11 +36,11 @@ struct RunOptions {
 
 void add_run_options(CLI::App& run, RunOptions& options);
 
-// What is wrong with the options together, such as two outputs with one name; empty when nothing is.
+// What is wrong with the options together, such as two outputs with one name; empty if nothing is.
 std::string conflict(const RunOptions& options);
 
-// Whether the result lines go to standard output. A terminal gets none when another output was asked for,
-// unless they were asked for with `-o -`: they would bury everything else.
+// Whether result lines go to standard output. Not to a terminal if another output was requested, because they
+// would bury everything else; `-o -` overrides this.
 bool prints_lines(const RunOptions& options, bool to_terminal);
 
 }  // namespace lm::host::commands::run

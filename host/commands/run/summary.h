@@ -1,4 +1,4 @@
-// What a person reads at the end of a run.
+// The summary at the end of a run.
 #pragma once
 
 #include <string>
@@ -8,7 +8,7 @@
 
 namespace lm::host::commands::run {
 
-// Several lines, each with its line feed: the figures, and the names of the outputs.
+// Several lines, each ending in a line feed: the figures, and the names of the outputs.
 std::string summary(const std::string& source, const Figures& figures, const RunOptions& options);
 
 }  // namespace lm::host::commands::run

@@ -29,8 +29,8 @@ Reply json_reply(const Json::Value& value, int status = 200) {
   return {.status = status, .body = base::json_text(value)};
 }
 
-// Longest video, in seconds. Times are written to the thousandth: the frame whose time was rounded up to this
-// one is meant as well.
+// None for implausible times. The program rounds times to thousandths, so half a millisecond is subtracted:
+// the frame whose time was rounded up to this one must be found.
 std::optional<microseconds> time_of(double value) {
   if (!(value >= 0 && value < 1e9)) return std::nullopt;
   return std::max(microseconds(0), microseconds(std::llround(value * 1e6)) - 500us);
@@ -143,7 +143,7 @@ Reply Api::frame(const Query& query) {
           .headers = {{"Lightmotion-Frame", shot_json(*view.shot)}}};
 }
 
-// The state may have changed though there is no picture.
+// The state may have changed without a new picture.
 Reply Api::nothing_new() const {
   Json::Value value;
   value["state"] = Json::UInt64(player_.state().number);

@@ -1,4 +1,4 @@
-// What the page can ask for, apart from how it is carried.
+// The requests of the page, independent of HTTP.
 #pragma once
 
 #include <chrono>
@@ -32,7 +32,7 @@ struct Query {
 
 class Api {
  public:
-  // `config`: the file that may be written; empty for none.
+  // `config`: the file that the page may write; empty for none.
   Api(Player& player, const PlayerPlan& plan, std::string config);
 
   using Handler = std::function<Reply(const Query&)>;
@@ -53,7 +53,7 @@ class Api {
   Reply compare(const Query& query);
   Reply save(const Query& query);
 
-  // What the plug-in will make of a document, at the size of the pictures that it is given.
+  // How the plug-in will interpret a document at the size of the analysed frames.
   detector::check::Verdict verdict(const std::string& document) const;
 
   Player& player_;

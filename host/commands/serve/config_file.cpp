@@ -11,7 +11,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// Who may read what is written: whoever could read the file before.
+// Only those who could read the file before can read the new one.
 void write_with(fs::perms permissions, const std::string& path, const std::string& text) {
   base::PendingFile file(path);
   std::error_code ignored;

@@ -23,10 +23,10 @@
 namespace lm::host::commands::serve {
 namespace {
 
-// A longer text is none of the plug-in's.
+// The plug-in writes no longer texts.
 constexpr std::uint64_t kMostAnswerText = std::uint64_t{64} << 20;
 
-// What posix_spawn is told beside the words, with an owner.
+// Owns the file actions and attributes for posix_spawn.
 class SpawnPlan {
  public:
   explicit SpawnPlan(int socket) {

@@ -1,5 +1,4 @@
-// A detector in a process of its own: two of them can look at the same frames, and one that crashes or hangs
-// takes nothing else with it.
+// A detector in its own process: two can analyse the same frames, and a crash or hang affects nothing else.
 #pragma once
 
 #include <sys/types.h>
@@ -12,26 +11,26 @@
 namespace lm::host::commands::serve {
 
 struct DetectorKind {
-  std::string plugin;                          // path; searched for when empty
-  std::string program = "/proc/self/exe";      // what has the subcommand `detect`
-  std::chrono::milliseconds patience{10'000};  // with which each answer is awaited
+  std::string plugin;                          // path; searched for if empty
+  std::string program = "/proc/self/exe";      // has the subcommand `detect`
+  std::chrono::milliseconds patience{10'000};  // time limit of each answer
 };
 
 class DetectorProcess {
  public:
-  // Throws Failure: kRefused when the plug-in refuses the document, with its reason. All waiting ends when
-  // `stop` says so.
+  // Throws Failure: kRefused with the plug-in's reason if it refuses the document. A stop request ends all
+  // waiting.
   DetectorProcess(const DetectorKind& kind, const std::string& document, std::stop_token stop = {});
   ~DetectorProcess();
   DetectorProcess(const DetectorProcess&) = delete;
   DetectorProcess& operator=(const DetectorProcess&) = delete;
 
-  // Has the detector forget what it saw. Throws Failure, like the following.
+  // Resets the detector's state. Throws Failure, as do the functions below.
   void restart();
 
   struct Answer {
-    std::string result;                 // the plug-in's document; empty when nothing moved
-    std::chrono::microseconds cost{0};  // that the plug-in took
+    std::string result;                 // the plug-in's document; empty without motion
+    std::chrono::microseconds cost{0};  // the plug-in's processing time
   };
   Answer process(const cv::Mat& image, const std::string& timestamp);
 

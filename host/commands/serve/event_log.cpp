@@ -8,7 +8,7 @@
 namespace lm::host::commands::serve {
 namespace {
 
-// What the page shows of an event; `id` counts on over all passes.
+// An event for the page; `id` increases across passes.
 Json::Value entry_value(std::uint64_t number, const events::Event& event) {
   const Json::Value whole = events::event_value(event);
   Json::Value value;
@@ -20,7 +20,7 @@ Json::Value entry_value(std::uint64_t number, const events::Event& event) {
 
 }  // namespace
 
-// Keeps to its pass: what a detector that was replaced still has to say changes nothing of a later one.
+// Tied to its pass: late events of a replaced detector do not change a later pass.
 class EventLogWriter : public events::EventListener {
  public:
   EventLogWriter(EventLog& log, std::uint64_t pass) : log_(log), pass_(pass) {}

@@ -1,4 +1,4 @@
-// What happened in a video that is shown again and again: its events and a timeline.
+// Events and timeline of a video that is played in a loop.
 #pragma once
 
 #include <json/json.h>
@@ -16,19 +16,19 @@
 
 namespace lm::host::commands::serve {
 
-// What an earlier pass over the video left stays until the present one gets there.
+// Entries of an earlier pass over the video stay until the current pass reaches them.
 class EventLog {
  public:
   static constexpr std::size_t kMostEvents = 500;
   static constexpr std::size_t kMostSeconds = 14'400;  // four hours
 
-  // A new pass over the video begins. Its listener writes to this log, which outlives it.
+  // Starts a new pass over the video. The returned listener writes to this log, which must outlive it.
   std::unique_ptr<events::EventListener> begin_pass();
 
   // {"events":[...],"activity":[...]}, the newest event first.
   Json::Value value() const;
 
-  // Events of the present pass.
+  // Events of the current pass.
   std::int64_t events() const;
 
  private:
@@ -51,7 +51,7 @@ class EventLog {
   std::uint64_t pass_ = 0;
   std::uint64_t last_number_ = 0;
   std::int64_t events_ = 0;
-  std::optional<std::chrono::microseconds> pass_start_;  // time of the present pass's first frame
+  std::optional<std::chrono::microseconds> pass_start_;  // time of the current pass's first frame
   std::deque<Entry> entries_;
   std::map<std::int64_t, Second> activity_;
 };

@@ -1,4 +1,4 @@
-// Who may talk to the server.
+// Access control of the server.
 #pragma once
 
 #include <optional>
@@ -7,12 +7,12 @@
 namespace lm::host::commands::serve {
 
 struct Gate {
-  std::string host = "127.0.0.1";  // that the server listens on
+  std::string host = "127.0.0.1";  // the address that the server listens on
   int port = 0;
-  std::string token{};  // that every request for data has to bring; empty when none has to
+  std::string token{};  // required in every request for data; empty if not required
 };
 
-// What a request says about where it comes from; empty for what it does not say.
+// What a request states about its origin; empty if not stated.
 struct Credentials {
   std::string host{};
   std::string origin{};
@@ -25,16 +25,16 @@ struct Turned {
   std::string reason;
 };
 
-// Whether an address is one that only this computer reaches.
+// Whether the address is reachable from this computer only.
 bool is_loopback(const std::string& host);
 
 // "127.0.0.1:8420", "[::1]:8420"
 std::string authority(const std::string& host, int port);
 
-// Why the request is turned away; nothing when it is let in. Pages of other sites are kept out though a
-// browser on this computer would send their requests: they bring a foreign Origin, and those that have their
-// own name lead here bring a foreign Host, which is of no use to them where a token is asked for.
-// `needs_token`: not for the page itself, which holds no secrets.
+// Why the request is refused; none if it is accepted. Pages of other sites are refused although a browser on
+// this computer would send their requests: they have a foreign Origin, or a foreign Host if they point their
+// own name here (DNS rebinding). A required token makes checking the Host unnecessary. `needs_token`: false
+// for the page itself, which holds no secrets.
 std::optional<Turned> turned_away(const Gate& gate, const Credentials& shown, bool needs_token);
 
 // 128 random bits as text. Throws Failure (kTrouble).

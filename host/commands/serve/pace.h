@@ -1,4 +1,4 @@
-// Real time for videos: when to show a frame, and which ones to leave out.
+// Plays videos in real time: when to show a frame, and which frames to skip.
 #pragma once
 
 #include <chrono>
@@ -11,15 +11,15 @@ class Pace {
   using Clock = std::chrono::steady_clock;
   using Time = std::chrono::microseconds;
 
-  // A frame so late is left out, so that the video does not fall behind.
+  // Frames later than this are skipped, so that the video keeps up.
   static constexpr Time kLate{100'000};
-  // One so late was held up by more than its analysis, and is the new beginning.
+  // Beyond this, something other than the analysis caused the delay: the clock restarts.
   static constexpr Time kLost{1'000'000};
 
-  // When to show the frame of this time; nothing to leave it out. The first one is shown at once.
+  // When to show the frame at this time; none to skip it. The first one is shown at once.
   std::optional<Clock::time_point> due(Time frame, Clock::time_point now);
 
-  // The next frame is a first one again.
+  // The next frame counts as the first one again.
   void reset() { origin_.reset(); }
 
  private:

@@ -1,4 +1,4 @@
-// The files of the page, compiled in.
+// The page's files, compiled in.
 #pragma once
 
 #include <string_view>

@@ -89,7 +89,7 @@ void Player::compare(const std::string& document) {
   announce();
 }
 
-// Tells the thread that plays, and everybody who watches.
+// Notifies the playing thread and all viewers.
 void Player::announce() {
   std::uint64_t number = 0;
   {

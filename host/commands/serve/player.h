@@ -25,20 +25,20 @@
 namespace lm::host::commands::serve {
 
 struct PlayerPlan {
-  std::string source;  // as open_source has it
+  std::string source;  // as for open_source
   source::live::LiveOptions reading;
   DetectorKind detector;
 };
 
 struct PlayerState {
   source::SourceInfo source;
-  std::chrono::microseconds time{0};  // of the picture that is shown
+  std::chrono::microseconds time{0};  // of the picture shown
   bool playing = true;
   std::int64_t loop = 1;
   std::string document;  // the user's text in effect
   bool comparing = false;
   std::string problem;       // of the source or the detector; empty if none
-  std::uint64_t number = 1;  // changes whenever the rest may have, but for the time
+  std::uint64_t number = 1;  // changes when any other member except the time may have changed
 };
 
 class Player {
@@ -51,7 +51,7 @@ class Player {
   Player(const Player&) = delete;
   Player& operator=(const Player&) = delete;
 
-  // All of these may be called from any thread, and wait for no frame.
+  // All of these may be called from any thread and do not wait for frames.
   PlayerState state() const;
   void play(bool playing);
   void seek(Time time);  // not for live sources
@@ -67,7 +67,7 @@ class Player {
   // Makes every viewer request the state again.
   void announce();
 
-  // The completed configuration that the plug-in gets. Throws Failure (kRefused).
+  // The completed configuration for the plug-in. Throws Failure (kRefused).
   std::string completed(const std::string& document) const;
 
   // Ends everything at once, including waits for a picture.
@@ -78,7 +78,7 @@ class Player {
     std::string document;  // completed
     std::unique_ptr<DetectorProcess> process;
   };
-  // What was asked of the thread that plays, since it last looked.
+  // Requests to the playing thread since its last check.
   struct Wishes {
     std::optional<Time> seek{};
     std::optional<Detector> detector{};
@@ -87,7 +87,7 @@ class Player {
   };
   Detector start_detector(const std::string& document) const;
 
-  // The thread that plays.
+  // The playing thread.
   void work();
   Wishes next_wishes();
   void grant(Wishes wishes);
@@ -111,30 +111,30 @@ class Player {
   void tell(std::string& problem, const std::string& text);
 
   const PlayerPlan plan_;
-  const events::EventOptions event_options_;  // what makes an event: the defaults
+  const events::EventOptions event_options_;  // the default rules
   std::stop_source stop_;
 
   mutable std::mutex mutex_;
   std::condition_variable_any asked_;
   // Under the mutex:
   PlayerState state_;
-  std::string away_, damage_, detector_trouble_;  // make the state's problem
+  std::string away_, damage_, detector_trouble_;  // combined into the state's problem
   Wishes wishes_;
   std::stop_source source_stop_;
 
-  // Of the thread that plays:
+  // Used by the playing thread only:
   source::SourceInfo info_;
   std::unique_ptr<source::Source> source_;
   Detector detector_, old_;
   std::optional<events::EventWatch> events_;
-  std::optional<source::Frame> frame_;  // read, and not yet shown
+  std::optional<source::Frame> frame_;  // read, but not shown yet
   Pace pace_;
   base::BackOff back_off_;
-  Time show_from_{0};                             // what comes before is for the detector to learn from
-  bool owing_ = true;                             // a picture, even when the video rests
-  bool heard_ = false;                            // a frame, since the source was opened
+  Time show_from_{0};                             // earlier frames are only learned by the detector
+  bool owing_ = true;                             // a picture must be shown, even when paused
+  bool heard_ = false;                            // a frame was analysed since the source was opened
   int good_frames_ = 0;                           // since the detector failed
-  std::deque<Pace::Clock::time_point> analysed_;  // of late
+  std::deque<Pace::Clock::time_point> analysed_;  // recent times
 
   EventLog log_;
   Showcase showcase_;

@@ -1,4 +1,4 @@
-// The thread of the player: from frames to what is shown.
+// The playing thread.
 #include <algorithm>
 #include <cmath>
 #include <exception>
@@ -68,7 +68,7 @@ Player::Time Player::before_the_end(Time time) const {
   return info_.duration ? std::max(Time(0), std::min(time, *info_.duration - interval)) : time;
 }
 
-// Restarts from that position, the detectors a little before it. A camera continues.
+// Restarts from that position; the detectors start slightly earlier. A camera continues.
 void Player::start_at(Time time, const std::string& why) {
   owing_ = true;
   if (!info_.live) {
@@ -98,11 +98,11 @@ void Player::step() {
     heard_ = true;
     tell(away_, "");
   }
-  if (frame_->time < show_from_ - kLead) return frame_.reset();  // of a source that can only start over
+  if (frame_->time < show_from_ - kLead) return frame_.reset();  // of a source that cannot seek
   if (frame_is_due()) one_frame();
 }
 
-// False when the source cannot be opened now.
+// False if the source cannot be opened now.
 bool Player::open() {
   std::stop_source stop;
   {
@@ -219,7 +219,7 @@ void Player::comparison_failed(const std::string& cause) {
   tell(detector_trouble_, "the comparison ended: " + cause);
 }
 
-// False when there is no answer.
+// False if there is no answer.
 bool Player::ask(const source::Frame& frame, Shot& shot) {
   const cv::Mat image = source::live::scaled(frame.image, plan_.reading.scale.of(info_.size));
   const std::string time = source::timestamp(info_, frame);

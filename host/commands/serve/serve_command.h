@@ -9,7 +9,7 @@ class App;
 
 namespace lm::host::commands::serve {
 
-// `chosen` becomes what there is to do when one of them was asked for.
+// Sets `chosen` to the work of the command if one of them was requested.
 void add_serve_command(CLI::App& app, std::function<int()>& chosen);
 
 }  // namespace lm::host::commands::serve

@@ -1,4 +1,4 @@
-// The newest shot, and whoever waits for it.
+// Hands the newest shot to waiting viewers.
 #pragma once
 
 #include <chrono>
@@ -16,24 +16,24 @@ class Showcase {
  public:
   explicit Showcase(cv::Size pixel_aspect = {1, 1}) : pixel_aspect_(pixel_aspect) {}
 
-  // Gives the shot its number and shows it.
+  // Numbers the shot and shows it.
   void show(Shot shot);
 
-  // Shows the last one once more, because the state has changed.
+  // Shows the last one again, because the state has changed.
   void show_again(std::uint64_t state);
 
   struct View {
-    std::shared_ptr<const Shot> shot;  // none when nothing new came in time
+    std::shared_ptr<const Shot> shot;  // null on timeout
     std::string jpeg;
   };
-  // Waits for another shot than the one of that number (which may be from before the server was started
-  // anew). The picture is encoded once for all, and only when somebody asks.
+  // Waits for a shot with another number than this one (which may be from before a restart of the server).
+  // Pictures are encoded once for all viewers, and only on request.
   View wait(std::uint64_t than, std::chrono::milliseconds longest);
 
-  // What is shown now, encoded or not; none before the first.
+  // The current shot, encoded or not; null before the first.
   std::shared_ptr<const Shot> newest();
 
-  // Nobody waits any more, now or later.
+  // Ends all waiting, now and later.
   void close();
 
  private:

@@ -11,7 +11,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-// A video's length is not the time of its last frame, which is a little earlier.
+// A video's length is not the time of its last frame, which is slightly earlier.
 constexpr std::chrono::microseconds kLastFrames = 2s;
 
 }  // namespace
@@ -26,7 +26,7 @@ source::Frame Still::at(std::chrono::microseconds time) {
   throw base::Failure(base::kTrouble, "the source has no picture at this time");
 }
 
-// The last frame there is from `from` on, but none after the first one at `time`.
+// Reads from `from` to the first frame not earlier than `time`, or to the last one. False if there is none.
 bool Still::read_to(std::chrono::microseconds from, std::chrono::microseconds time, source::Frame& frame) {
   if (!source_ || !source_->seek(from)) source_ = source::open_source(name_, reading_);
   bool any = false;

@@ -1,4 +1,4 @@
-// Single pictures of any moment of a video.
+// Single pictures of a video at any time.
 #pragma once
 
 #include <chrono>
@@ -11,12 +11,12 @@
 
 namespace lm::host::commands::serve {
 
-// Reads the source by itself, so that who plays it is not disturbed. May be asked from several threads.
+// Reads the source separately, so that playback is not disturbed. Thread-safe.
 class Still {
  public:
   Still(std::string source, source::Reading reading) : name_(std::move(source)), reading_(reading) {}
 
-  // The first frame that is not earlier than `time`, or the last one. Throws Failure when there is none.
+  // The first frame not earlier than `time`, or the last one. Throws Failure if there is none.
   source::Frame at(std::chrono::microseconds time);
 
  private:

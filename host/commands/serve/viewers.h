@@ -1,4 +1,4 @@
-// Who watches, and how many may.
+// The viewers of the page, and their limits.
 #pragma once
 
 #include <chrono>
@@ -14,11 +14,11 @@ class Viewers {
   using Clock = std::chrono::steady_clock;
 
   static constexpr std::size_t kMost = 8;
-  // How many requests of a viewer may wait for pictures at the same time: one, and one that was given up.
+  // Waiting requests per viewer: one, and one that the browser has abandoned.
   static constexpr int kMostWaiting = 2;
   static constexpr std::chrono::seconds kGoneAfter{10};
 
-  // Whether the viewer may wait for a picture; `leave` must follow if so.
+  // Whether the viewer may wait for a picture; if so, `leave` must follow.
   bool enter(const std::string& id, Clock::time_point now);
   void leave(const std::string& id, Clock::time_point now);
 

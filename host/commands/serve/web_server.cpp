@@ -20,7 +20,7 @@ using httplib::Response;
 using Routing = httplib::Server::HandlerResponse;
 
 constexpr std::size_t kLongestBody = std::size_t{1} << 20;
-constexpr int kSlowest = 5;  // timeout for a part of a request, in seconds
+constexpr int kSlowest = 5;  // time limit for a part of a request, in seconds
 // Enough for all viewers that wait for pictures, and some for other requests.
 constexpr std::size_t kThreads = 2 * Viewers::kMost * Viewers::kMostWaiting;
 
@@ -73,7 +73,7 @@ struct Body {
   bool too_long = false;
 };
 
-// The decompressed size is limited, since little can be unpacked into much.
+// The decompressed size is limited, because a small body can decompress to a very large one.
 Body body_of(const httplib::ContentReader& read) {
   Body body;
   body.whole = read([&body](const char* data, std::size_t length) {
@@ -155,7 +155,7 @@ WebServer::WebServer(Api& api, Gate gate)
 
 WebServer::~WebServer() { stop(); }
 
-// The answer to requests without a body; none for those with one.
+// The answer to requests without a body; none for requests with one.
 std::optional<Reply> WebServer::at_once(const Request& request) const {
   const bool data = request.path.starts_with("/api/");
   if (const auto turned = turned_away(gate_, shown_by(request), data)) {

@@ -1,4 +1,4 @@
-// The page and what it asks for, over HTTP.
+// The HTTP server of the page and its requests.
 #pragma once
 
 #include <atomic>
@@ -18,17 +18,17 @@ namespace lm::host::commands::serve {
 
 class WebServer {
  public:
-  // Takes the address; port 0 for any that is free. Throws Failure when it cannot be had.
+  // Binds the address; port 0 picks a free one. Throws Failure if that fails.
   WebServer(Api& api, Gate gate);
   ~WebServer();
   WebServer(const WebServer&) = delete;
   WebServer& operator=(const WebServer&) = delete;
 
-  // What to open in a browser.
+  // The address to open in a browser.
   std::string address() const;
   int port() const { return gate_.port; }
 
-  // Answers requests until `stop` is called, from another thread.
+  // Answers requests until another thread calls `stop`.
   void work();
   void stop();
 

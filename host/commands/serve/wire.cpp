@@ -10,7 +10,7 @@ namespace {
 
 constexpr int kGlance = 50;  // milliseconds
 
-// Waits until the socket is ready for `events`, or broken, which the call that follows tells.
+// Waits until the socket is ready for `events`, or broken, which the following call reports.
 bool ready(int file, short events, const GivesUp& gives_up) {
   for (;;) {
     pollfd wait{file, events, 0};

@@ -11,7 +11,7 @@ constexpr microseconds kSecond(1'000'000);
 
 struct Second {
   events::TimeSpan span;
-  int with_boxes = 0;  // settings
+  int with_boxes = 0;  // number of settings
   bool by_light = false;
 };
 
@@ -38,7 +38,7 @@ bool overlaps(const Spans& spans, const events::TimeSpan& other) {
       spans, [&](const events::TimeSpan& span) { return span.from < other.to && other.from < span.to; });
 }
 
-// Seconds that follow each other become one span.
+// Joins consecutive seconds into one span.
 void add(Spans& spans, const events::TimeSpan& second) {
   if (!spans.empty() && spans.back().to == second.from) {
     spans.back().to = second.to;

@@ -1,4 +1,4 @@
-// Which parts of a sample are quiet and which hold motion, where nobody said so.
+// Estimates which parts of a sample are quiet and which have motion, where the user marked nothing.
 #pragma once
 
 #include <vector>
@@ -7,12 +7,12 @@
 
 namespace lm::host::commands::tune {
 
-// Fills in the kind of spans that `marked` lacks, second by second, by how many of the settings have boxes in
-// a second; the most and the least sensitive ones are among them. Something moves in the busiest seconds,
-// those within a quarter of the way from the highest number to the lowest, and nothing does in the calmest,
-// likewise. Where these numbers differ by less than a third of the settings there is but one kind of second:
-// that in which most have boxes, or in which most have none. Seconds in which a change of light makes boxes,
-// and those that touch a marked span, stay out of it.
+// Fills in the kind of spans that `marked` lacks, second by second, by the number of settings with boxes in
+// each second; the most and the least sensitive settings are among them. Seconds within a quarter of the
+// range below the highest number count as motion, those within a quarter above the lowest as quiet. If the
+// numbers differ by less than a third of the settings, all seconds are of one kind: motion if most settings
+// have boxes in them, otherwise quiet. Seconds with boxes of a lighting change and seconds that touch a
+// marked span are left out.
 Marks with_assumptions(Marks marked, const std::vector<Seen>& all);
 
 }  // namespace lm::host::commands::tune

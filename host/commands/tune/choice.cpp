@@ -12,7 +12,7 @@ using Places = std::vector<std::size_t>;
 
 constexpr int kPreferredAdaptation = 3;
 
-// What is left of `places` where `test` holds; all of them when it holds nowhere.
+// The members of `places` that pass `test`; all of them if none does.
 template <typename Test>
 Places kept(const Places& places, Test test) {
   Places left;
@@ -54,7 +54,7 @@ std::string motion_text(const Figures& figures, const Marks& marks) {
          " of their frames.";
 }
 
-// What a user may prefer: more spans found, for boxes in quiet spans.
+// An alternative: more spans found, at the cost of boxes in quiet spans.
 std::string alternative_text(const std::vector<Candidate>& all, const Figures& chosen) {
   const Candidate* better = nullptr;
   for (const Candidate& other : all) {

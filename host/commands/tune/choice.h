@@ -1,4 +1,4 @@
-// Which of the settings that were tried is proposed, and why.
+// Chooses the setting to propose, and explains the choice.
 #pragma once
 
 #include <string>
@@ -14,17 +14,18 @@ struct Candidate {
   Figures figures;
 };
 
-// Where in `all` the best one is; `all` is not empty. Rule after rule, each among what the ones before left:
-//  1. a setting that finds no motion is out, unless none finds any;
-//  2. the fewest frames with boxes in quiet spans;
-//  3. the most spans of motion found;
-//  4. at least 19 of 20 of the frames with boxes in spans of motion that the best of them has;
-//  5. the least sensitive, then the largest least box, then the adaptation nearest to the usual level.
-// Without spans of motion nothing tells what has to be found, so the last rule is turned round: the most
-// sensitive one that stays as quiet, with the smallest least box.
+// The position of the best setting in `all`, which must not be empty. Each rule applies to those that the
+// previous rules left:
+//  - a setting without any motion is excluded, unless all are;
+//  - fewest frames with boxes in quiet spans;
+//  - most motion spans found;
+//  - at least 19/20 of the largest number of frames with boxes in motion spans;
+//  - least sensitive, then the largest minimum box size, then the adaptation nearest to the default.
+// Without motion spans there is no measure of what must be found, so the last rule is reversed: the most
+// sensitive setting that is equally quiet, with the smallest minimum box size.
 std::size_t choose(const std::vector<Candidate>& all, const Marks& marks);
 
-// A sentence or a few, for the user.
+// One or more sentences for the user.
 std::string why(const std::vector<Candidate>& all, std::size_t chosen, const Marks& marks);
 
 }  // namespace lm::host::commands::tune

@@ -34,7 +34,7 @@ std::string with_members(const std::string& text, const Members& members) {
   }
   const std::size_t begin = offset(root.getOffsetStart()) + 1;
   if (!added.empty()) changes.push_back({begin, begin, added.append(root.empty() ? "\n" : ",")});
-  // From the end, so that the places before stay where they are.
+  // From the end, so that earlier positions remain valid.
   std::ranges::sort(changes, std::greater(), &Change::from);
   std::string result = text;
   for (const Change& change : changes) result.replace(change.from, change.to - change.from, change.text);

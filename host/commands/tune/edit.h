@@ -1,4 +1,4 @@
-// A document with other values, its text kept as its author wrote it.
+// Changes values of a document and keeps the rest of its text.
 #pragma once
 
 #include <string>
@@ -7,9 +7,9 @@
 
 namespace lm::host::commands::tune {
 
-// `text` with these members of the top-level object set to these texts: values that are there are replaced
-// where they stand, others come first. Everything else stays, byte for byte, comments too. Throws
-// std::invalid_argument when the text is not a JSON object.
+// `text` with these members of the top-level object set to these texts: existing values are replaced in
+// place, new members are inserted at the start. Everything else stays byte for byte, including comments.
+// Throws std::invalid_argument if the text is not a JSON object.
 std::string with_members(const std::string& text, const Members& members);
 
 }  // namespace lm::host::commands::tune

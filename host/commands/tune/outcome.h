@@ -1,4 +1,4 @@
-// What tuning came to, for everything that shows it.
+// The outcome of tuning, for all outputs.
 #pragma once
 
 #include <chrono>
@@ -21,10 +21,10 @@ struct Outcome {
   std::int64_t frames = 0;
   std::chrono::microseconds length{0};
   Marks marks;
-  std::int64_t quiet_frames = 0;   // that quiet spans have in all
-  std::int64_t motion_frames = 0;  // likewise
-  std::vector<Trial> trials;       // the least sensitive first, small least boxes before large ones
-  std::size_t chosen = 0;          // place among them
+  std::int64_t quiet_frames = 0;   // total number in quiet spans
+  std::int64_t motion_frames = 0;  // the same for motion spans
+  std::vector<Trial> trials;       // least sensitive first, then small minimum boxes before large ones
+  std::size_t chosen = 0;          // index into `trials`
   std::string why;
   std::string document;  // proposed
 };

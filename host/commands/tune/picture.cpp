@@ -14,14 +14,14 @@ using std::chrono::microseconds;
 
 constexpr int kFont = cv::FONT_HERSHEY_SIMPLEX;
 constexpr double kTextScale = 0.42;
-constexpr int kLeft = 230;   // where the chart begins
+constexpr int kLeft = 230;   // left edge of the chart
 constexpr int kChart = 760;  // its width
 constexpr int kRight = 210;  // for figures
 constexpr int kRow = 20;
 constexpr int kHead = 118;  // above the first row
 constexpr int kFoot = 44;   // below the last one
 
-// Blue, green, red. Told apart in shades of grey too.
+// Blue, green, red. Distinguishable in greyscale too.
 const cv::Scalar kPaper(255, 255, 255);
 const cv::Scalar kInk(40, 36, 32);
 const cv::Scalar kFaint(226, 222, 218);
@@ -56,7 +56,7 @@ class Chart {
     cv::putText(image_, text, {x, y}, kFont, kTextScale, colour, 1, cv::LINE_AA);
   }
 
-  // Ends at x.
+  // Right-aligned at x.
   void write_left_of(const std::string& text, int x, int y) {
     write(text, x - cv::getTextSize(text, kFont, kTextScale, 1, nullptr).width, y);
   }

@@ -1,4 +1,4 @@
-// The outcome as a picture: a row for each setting, with what it found when.
+// The outcome as a picture: a row per setting with its boxes over time.
 #pragma once
 
 #include <opencv2/core.hpp>

@@ -30,9 +30,9 @@ Sample::Sample(std::string name, const source::Reading& reading, microseconds le
   }
   if (base::interrupted() != 0)
     throw base::Failure(base::kTrouble, "interrupted before any setting was tried");
-  if (!more) trouble_ = source->trouble();  // otherwise it was left before its end
+  if (!more) trouble_ = source->trouble();  // otherwise reading stopped before the end
   if (frames_ == 0) throw base::Failure(base::kTrouble, info_.name + ": contains no frames");
-  info_.live = false;  // from now on a recording, with times of its own
+  info_.live = false;  // from now on a recording with its own times
 }
 
 void Sample::keep(const source::Frame& frame) {

@@ -1,4 +1,4 @@
-// The footage that settings are tried on.
+// The footage on which settings are tried.
 #pragma once
 
 #include <functional>
@@ -15,9 +15,9 @@ class Sample {
  public:
   using Look = std::function<void(const source::Frame&)>;
 
-  // Reads the first `length` of the source. Frames stay in memory when they fit; a recording whose frames do
-  // not is read again each time. `each`: told of every frame that is read. Throws Failure when there is no
-  // frame, when a live source's frames do not fit and when the program is interrupted.
+  // Reads the first `length` of the source. Frames are kept in memory if they fit; otherwise a recording is
+  // read again each time. `each`: called for every frame read. Throws Failure if there are no frames, if a
+  // live source's frames do not fit, and if the program is interrupted.
   Sample(std::string name, const source::Reading& reading, std::chrono::microseconds length,
          const Look& each);
 
@@ -26,7 +26,7 @@ class Sample {
   std::chrono::microseconds length() const { return length_; }  // to the end of the last frame
   const std::string& trouble() const { return trouble_; }       // see Source::trouble
 
-  // All frames in their order.
+  // All frames in order.
   void replay(const Look& look) const;
 
  private:
@@ -38,8 +38,7 @@ class Sample {
   std::int64_t frames_ = 0;
   std::chrono::microseconds length_{0};
   std::string trouble_;
-  std::optional<std::vector<source::Frame>> kept_ =
-      std::vector<source::Frame>();  // none when they do not fit
+  std::optional<std::vector<source::Frame>> kept_ = std::vector<source::Frame>();  // empty if they do not fit
   std::size_t bytes_ = 0;
 };
 

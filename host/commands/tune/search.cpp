@@ -18,8 +18,8 @@ void add(Outcome& outcome, std::vector<Setting> settings, const TryAll& try_all)
   }
 }
 
-// Those that see small things as well: a second in which only they see something is not a quiet one. Noise,
-// on the other hand, goes away with less sensitivity.
+// Only settings that detect small objects decide which seconds are quiet: a second in which only they find
+// something is not quiet. Noise, in contrast, disappears with less sensitivity.
 std::vector<Seen> judges_of(const Outcome& outcome) {
   std::vector<Seen> judges;
   for (const Trial& trial : outcome.trials) {

@@ -1,4 +1,4 @@
-// Settings tried one round after the other, each round around the best one so far.
+// Tries settings in rounds, each around the best one so far.
 #pragma once
 
 #include <functional>
@@ -8,13 +8,13 @@
 
 namespace lm::host::commands::tune {
 
-// Tries settings, which are all new to it, and returns what was seen with each.
+// Tries settings that were not tried before, and returns the results of each.
 using TryAll = std::function<std::vector<Seen>(const std::vector<Setting>&)>;
 
-// Fills in `trials`, `marks` (which holds the spans that are marked) and `chosen`.
+// Fills in `trials`, `marks` (which contains the marked spans) and `chosen`.
 void search(Outcome& outcome, const TryAll& try_all);
 
-// How many settings that tries, more or less.
+// Approximate number of settings tried.
 std::size_t usual_trials();
 
 }  // namespace lm::host::commands::tune

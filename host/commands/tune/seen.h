@@ -1,4 +1,4 @@
-// What the plug-in found in the sample with one setting.
+// The plug-in's results on the sample with one setting.
 #pragma once
 
 #include <chrono>
@@ -10,7 +10,7 @@
 
 namespace lm::host::commands::tune {
 
-// One frame: how many boxes there were, and how many of them a change of light made.
+// One frame: the number of boxes, and how many of them a lighting change caused.
 struct Look {
   std::int64_t time = 0;  // microseconds
   std::int32_t boxes = 0;
@@ -28,28 +28,28 @@ struct Seen {
   std::vector<Happening> happenings;  // the events that count
 };
 
-// From the first time up to the second, which is not part of it.
+// From the first time up to, but not including, the second.
 using Spans = std::vector<events::TimeSpan>;
 
 bool contains(const Spans& spans, std::int64_t time);
 
-// Two kinds of spans of the sample.
+// The two kinds of spans of the sample.
 struct Marks {
   Spans quiet;   // nothing moves
-  Spans motion;  // something does
+  Spans motion;  // motion
   bool quiet_assumed = false;
   bool motion_assumed = false;
 };
 
-// How a setting did.
+// The results of a setting.
 struct Figures {
   std::int64_t frames = 0;  // with boxes, in the whole sample
   std::size_t events = 0;
   std::int64_t quiet_frames = 0;   // with boxes, in quiet spans
-  std::size_t quiet_events = 0;    // that touch a quiet span
+  std::size_t quiet_events = 0;    // overlapping a quiet span
   std::int64_t motion_frames = 0;  // with boxes, in spans of motion
-  std::size_t motion_events = 0;   // that touch a span of motion
-  std::size_t found = 0;           // spans of motion with boxes and an event of motion
+  std::size_t motion_events = 0;   // overlapping a motion span
+  std::size_t found = 0;           // motion spans with boxes and a motion event
 };
 
 Figures figures_of(const Seen& seen, const Marks& marks);

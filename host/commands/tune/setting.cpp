@@ -8,7 +8,7 @@ namespace {
 
 constexpr int kUsualAdaptation = 3;
 
-// The shortest text that gives the number back, in every locale.
+// The shortest decimal text that reads back as the same number, independent of the locale.
 std::string decimal_text(double value) {
   std::array<char, 32> text{};
   return {text.data(), std::to_chars(text.data(), text.data() + text.size(), value).ptr};

@@ -1,4 +1,4 @@
-// What is tried: the settings of a document that decide how much is taken for motion.
+// What is tried: the settings that determine what counts as motion.
 #pragma once
 
 #include <array>
@@ -8,8 +8,8 @@
 
 namespace lm::host::commands::tune {
 
-// Least boxes, from small to large, as shares of the frame's width and height. Each is about half as large
-// again as the one before; even steps double.
+// Minimum box sizes in ascending order, as shares of the frame's width and height. Each is about 1.5 times as
+// large as the previous one; every second one doubles.
 struct LeastBox {
   double width;
   double height;
@@ -33,15 +33,14 @@ struct Setting {
 
 constexpr int kLevels = 5;  // of sensitivity and adaptation
 
-// Keys of the document and their values.
+// Keys and values of the document.
 using Members = std::vector<std::pair<std::string, std::string>>;
 Members members_of(const Setting& setting);
 
-// The settings that are tried first, from which everything else starts: low, middle and high sensitivity with
-// small, middle and large least boxes.
+// The settings tried first: low, medium and high sensitivity with small, medium and large minimum boxes.
 std::vector<Setting> coarse_grid();
 
-// What is worth a try when `best` is the best so far: sensitivities and least boxes a step away, and the
+// The settings to try when `best` is the best so far: sensitivity and minimum box size one step away, and the
 // slowest and the fastest adaptation.
 std::vector<Setting> neighbours(const Setting& best);
 std::vector<Setting> other_adaptations(const Setting& best);

@@ -30,7 +30,8 @@ void write_all(int file, const std::string& bytes) {
   }
 }
 
-// In the child. Its answer goes through the pipe, its exit status tells whether that is a result or a reason.
+// In the child. The pipe carries the answer; the exit status states whether it is a result or an error
+// message.
 [[noreturn]] void serve(int file, std::size_t item, const std::function<std::string(std::size_t)>& work) {
   int status = base::kDone;
   std::string answer;
@@ -44,7 +45,7 @@ void write_all(int file, const std::string& bytes) {
     answer = error.what();
   }
   write_all(file, answer);
-  _exit(status);  // nothing of the parent's is to be tidied up here
+  _exit(status);  // nothing of the parent's may be cleaned up here
 }
 
 class Child {
@@ -52,7 +53,7 @@ class Child {
   Child(std::size_t item, const std::function<std::string(std::size_t)>& work) : item_(item) {
     std::array<int, 2> ends{};
     if (pipe2(ends.data(), O_CLOEXEC) != 0) fail();
-    std::fflush(nullptr);  // or the child has a copy of what waits to be written
+    std::fflush(nullptr);  // otherwise the child would have a copy of unwritten output
     process_ = fork();
     if (process_ == 0) {
       close(ends[0]);
@@ -74,7 +75,7 @@ class Child {
   std::size_t item() const { return item_; }
   int answer_from() const { return answer_from_; }
 
-  // Takes what has come; false at the end.
+  // Reads what has arrived; false at the end.
   bool take() {
     std::array<char, 65536> piece{};
     const ssize_t length = read(answer_from_, piece.data(), piece.size());
@@ -107,7 +108,7 @@ class Child {
   std::string answer_;
 };
 
-// The children that have something to tell.
+// The children with data to read.
 std::vector<bool> heard(const std::list<Child>& children) {
   std::vector<pollfd> waiting;
   waiting.reserve(children.size());

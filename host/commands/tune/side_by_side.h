@@ -1,4 +1,4 @@
-// Work in processes of its own: the plug-in has one detector a process.
+// Runs work in child processes: the plug-in supports one detector per process.
 #pragma once
 
 #include <functional>
@@ -7,9 +7,9 @@
 
 namespace lm::host::commands::tune {
 
-// Calls `work` for 0 to count - 1, each in a process that is a copy of this one, at most `jobs` at a time,
-// and returns what they return. `done`: called after each with the number of those that are done. Throws
-// Failure when one of them does, or dies, and when the program is interrupted; no process stays behind.
+// Calls `work` for 0 to count - 1, each in a forked copy of this process, at most `jobs` at a time, and
+// returns the results. `done`: called after each one with the number of those finished. Throws Failure if one
+// of them throws or dies, and if the program is interrupted; no process is left running.
 std::vector<std::string> side_by_side(std::size_t count, std::size_t jobs,
                                       const std::function<std::string(std::size_t)>& work,
                                       const std::function<void(std::size_t)>& done);

@@ -12,7 +12,7 @@ namespace {
 using std::chrono::microseconds;
 using Cells = std::vector<std::string>;
 
-// "2", "5.5": seconds without zeros at the end.
+// "2", "5.5": seconds without trailing zeros.
 std::string short_seconds(microseconds time) {
   std::string text = base::seconds_text(time);
   text.erase(text.find_last_not_of('0') + 1);
@@ -40,7 +40,7 @@ Cells row_of(const Trial& trial, const Marks& marks) {
           std::to_string(figures.events)};
 }
 
-// Right-aligned columns. `mark`: the row that has a sign in front.
+// Right-aligned columns. `mark`: the row marked in front.
 std::string aligned(const std::vector<Cells>& rows, std::size_t mark) {
   std::vector<std::size_t> widths(rows.front().size());
   for (const Cells& row : rows) {

@@ -1,4 +1,4 @@
-// The outcome in words and numbers.
+// The outcome as text.
 #pragma once
 
 #include <string>
@@ -7,10 +7,10 @@
 
 namespace lm::host::commands::tune {
 
-// For people: the spans, a line for each setting, the proposal and its reason.
+// For people: the spans, one line per setting, the proposal and its reason.
 std::string table_text(const Outcome& outcome);
 
-// The same on one line of JSON, with the document.
+// The same as JSON on one line, with the document.
 std::string to_json(const Outcome& outcome);
 
 }  // namespace lm::host::commands::tune

@@ -65,7 +65,7 @@ Seen try_document(const std::string& path, const std::string& document, const so
   const cv::Size analysed = scale.of(sample.info().size);
   sample.replay([&](const source::Frame& frame) {
     if (base::interrupted() != 0) throw base::Failure(base::kTrouble, "stopped");
-    // The plug-in tells about its buffers on the first frame.
+    // The plug-in prints its buffers' sizes on the first frame.
     std::optional<base::CapturedStream> chatter;
     if (seen.looks.empty() || frame.anew) chatter.emplace(stderr);
     if (frame.anew) plugin.restart(document);

@@ -1,4 +1,4 @@
-// One setting tried on the sample, through the plug-in.
+// Tries one setting on the sample, with the plug-in.
 #pragma once
 
 #include <string>
@@ -9,11 +9,11 @@
 
 namespace lm::host::commands::tune {
 
-// What `lightmotion run` would find with this document. Throws Failure.
+// The results of `lightmotion run` with this document. Throws Failure.
 Seen try_document(const std::string& plugin, const std::string& document, const source::live::Scale& scale,
                   const Sample& sample);
 
-// To bytes and back, for another process.
+// Serialization for another process.
 std::string to_bytes(const Seen& seen);
 Seen from_bytes(const std::string& bytes);
 

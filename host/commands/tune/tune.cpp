@@ -38,7 +38,7 @@ namespace {
 
 using std::chrono::microseconds;
 
-constexpr double kUsualRecording = 60;  // seconds that are looked at
+constexpr double kUsualRecording = 60;  // seconds analysed
 constexpr double kUsualLive = 30;
 
 microseconds last_marked(const Marks& marks) {
@@ -86,7 +86,7 @@ Sample read_sample(const TuneOptions& options) {
   return sample;
 }
 
-// Where every proposal starts from.
+// The document on which every proposal is based.
 std::string base_text(const TuneOptions& options, const std::string& source) {
   if (options.config.empty()) {
     const std::string comment = "Proposed by lightmotion tune for " + source;
@@ -154,7 +154,7 @@ void print(const std::string& text) {
     throw base::Failure(base::kTrouble, "standard output: " + std::generic_category().message(errno));
 }
 
-// Begun before the work, so that a place that cannot be written to is told at once.
+// Opened before the work, so that an unwritable file is reported at once.
 class Files {
  public:
   explicit Files(const TuneOptions& options) {
@@ -193,7 +193,7 @@ Outcome outcome_of(const TuneOptions& options, const Sample& sample) {
 
 int tune(const TuneOptions& options) {
   av_log_set_level(AV_LOG_QUIET);
-  cv::setNumThreads(1);  // a pool of threads would not survive into the processes that try settings
+  cv::setNumThreads(1);  // a thread pool would not survive fork
   Files files(options);
   const Sample sample = read_sample(options);
   const Outcome outcome = outcome_of(options, sample);

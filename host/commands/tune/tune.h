@@ -1,4 +1,4 @@
-// `lightmotion tune`: from a sample of the user's footage to a document.
+// `lightmotion tune`: from a sample of the user's footage to a configuration.
 #pragma once
 
 #include <optional>
@@ -14,11 +14,11 @@ struct TuneOptions {
   std::string source;  // as for run
   Marks marks;
   std::string config;   // document to start from
-  std::string output;   // file for the proposed document; standard output when empty
+  std::string output;   // file for the proposed document; standard output if empty
   std::string picture;  // .png
   std::string plugin;
-  std::optional<double> seconds;  // of the source that are looked at
-  int jobs = 0;                   // settings tried at a time; 0 for one a processor
+  std::optional<double> seconds;  // of the source to analyse
+  int jobs = 0;                   // settings tried in parallel; 0: one per processor
   bool json = false;
   source::live::LiveOptions live;
 };

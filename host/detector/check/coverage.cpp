@@ -9,7 +9,7 @@
 namespace lm::host::detector::check {
 namespace {
 
-// Pixels times corners; about a second of work.
+// Pixels times corners; about a second.
 constexpr double kMostWork = 1e9;
 
 double work_of(const Outlines& outlines, cv::Size frame) {
@@ -32,7 +32,7 @@ cv::Mat mask_of(const Outline& region, cv::Size frame) {
 
 bool overlap(const cv::Mat& a, const cv::Mat& b) { return cv::countNonZero(a & b) > 0; }
 
-// Regions with too few points have been reported before.
+// Regions with too few points are already reported.
 bool worth_telling(const Outline& region) { return region.corners.size() >= 3; }
 
 cv::Mat all_excluded(const Outlines& outlines, cv::Size frame, Findings& findings) {

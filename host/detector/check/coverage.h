@@ -1,4 +1,4 @@
-// What the regions of a document cover, pixel by pixel, as the plug-in sees it.
+// The pixels that a document's regions cover, by the plug-in's rules.
 #pragma once
 
 #include <opencv2/core.hpp>
@@ -12,10 +12,10 @@ class Findings;
 
 struct Coverage {
   double watched = 0;  // share of the frame, 0 to 1
-  cv::Rect bounds{};   // of what is watched
+  cv::Rect bounds{};   // of the watched area
 };
 
-// Complains of regions that cover nothing, or nothing that counts. None when there is too much to look at.
+// Reports regions that cover nothing, or nothing that counts. None if counting would take too long.
 std::optional<Coverage> check_coverage(const Outlines& outlines, cv::Size frame, Findings& findings);
 
 }  // namespace lm::host::detector::check

@@ -3,7 +3,7 @@
 namespace lm::host::detector::check {
 namespace {
 
-// On which side of the line from `a` to `b` the corner lies: above, below or at 0.
+// The side of the line from `a` to `b` on which the corner lies: above 0, below 0, or 0.
 double side(const Corner& a, const Corner& b, const Corner& corner) {
   const double dx = static_cast<double>(b.x) - static_cast<double>(a.x);
   const double dy = static_cast<double>(b.y) - static_cast<double>(a.y);
@@ -21,7 +21,7 @@ bool cross(const Corner& a, const Corner& b, const Corner& c, const Corner& d) {
 
 std::optional<Crossing> first_crossing(const std::vector<Corner>& corners) {
   constexpr std::size_t kMost =
-      4096;  // more are not drawn by hand, and every edge is held against every other
+      4096;  // more are not drawn by hand, and every edge is compared with every other
   const std::size_t count = corners.size();
   if (count > kMost) return std::nullopt;
   for (std::size_t i = 0; i < count; ++i) {

@@ -9,7 +9,7 @@
 
 namespace lm::host::detector::check {
 
-// Two edges, each by the number of the corner that it starts from.
+// Two edges, each by the index of its first corner.
 struct Crossing {
   std::size_t first;
   std::size_t second;

@@ -21,8 +21,8 @@ std::string in_pixels(cv::Size size) {
   return std::to_string(size.width) + " x " + std::to_string(size.height) + " pixels";
 }
 
-// The largest box along one side: a box has a margin of a pixel, and one that touches the right or lower
-// border reaches as far as the frame.
+// The largest box along one side: boxes have a margin of one pixel, and one that touches the right or bottom
+// border is as large as the frame.
 int largest(int begin, int length, int frame) { return begin + length >= frame ? frame : length + 2; }
 
 void check_side(const Json::Value& document, const char* key, int pixels, Findings& findings) {
@@ -63,7 +63,7 @@ void check_least_box(const Json::Value& document, const Effective& effective,
   const cv::Rect& watched = coverage->bounds;
   const cv::Size most(largest(watched.x, watched.width, effective.frame.width),
                       largest(watched.y, watched.height, effective.frame.height));
-  // A box is dropped when it is below both.
+  // A box is dropped if both sides are below.
   if (most.width >= least.width || most.height >= least.height) return;
   std::string key = "roi";
   for (const char* stated : {"minBoxH", "minBoxW"}) {

@@ -1,4 +1,4 @@
-// What comes of all settings together at the frames' size.
+// The combined effect of all settings at the frame size.
 #pragma once
 
 #include <opencv2/core.hpp>
@@ -16,20 +16,20 @@ namespace lm::host::detector::check {
 
 class Findings;
 
-// `regions`: how many there are of both kinds; each has a mask of its own.
+// `regions`: the number of regions of both kinds; each has its own mask.
 Effective in_effect(const Settings& settings, std::optional<cv::Size> frame, std::size_t regions);
 
-// Complains of a least box that drops nothing, or everything.
+// Reports a minimum box size that drops nothing, or everything.
 void check_least_box(const Json::Value& document, const Effective& effective,
                      const std::optional<Coverage>& coverage, Findings& findings);
 
-// Complains of frames for which this computer has no room.
+// Reports frames that need more memory than this computer has.
 void check_memory(const Effective& effective, std::uint64_t installed, Findings& findings);
 
-// Bytes of this computer's memory; 0 when it does not tell.
+// Bytes of this computer's memory; 0 if unknown.
 std::uint64_t installed_memory();
 
-// Such as 612 MB.
+// For example "612 MB".
 std::string memory_text(std::uint64_t bytes);
 
 }  // namespace lm::host::detector::check

@@ -1,4 +1,4 @@
-// Collects what is found in a document, with its place in the text.
+// Collects the findings on a document, with their positions in the text.
 #pragma once
 
 #include <string>
@@ -17,12 +17,12 @@ class Findings {
  public:
   explicit Findings(const std::string& text) : places_(text) {}
 
-  // About a value, or about a key itself. `path`: such as roi[0].name; empty for the document as a whole.
+  // On a value, or on a key itself. `path`: such as roi[0].name; empty for the document as a whole.
   void add(Severity severity, const std::string& path, const std::string& text, const std::string& hint = "");
   void add_to_key(Severity severity, const std::string& path, const std::string& text,
                   const std::string& hint = "");
 
-  // Keys that stand twice.
+  // Reports duplicate keys.
   void add_repeats();
   bool any_error() const;
   std::vector<Finding> in_order() const;  // of the text
@@ -35,10 +35,10 @@ class Findings {
   std::vector<Finding> all_;
 };
 
-// A value as it may stand in a finding: as JSON, without line feeds, cut off where it is long.
+// A value for use in a message: as JSON, without line feeds, truncated if long.
 std::string shown(const Json::Value& value);
 
-// A number without digits that say nothing.
+// A number without insignificant digits.
 std::string shown(double number);
 
 }  // namespace lm::host::detector::check

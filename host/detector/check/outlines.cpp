@@ -25,7 +25,7 @@ std::string numbered(const std::string& path, Json::ArrayIndex index) {
 class Strays {
  public:
   void look_at(float value, const std::string& path) {
-    constexpr float kFar = 1;  // a region may extend one frame beyond, so that its edge counts as inside
+    constexpr float kFar = 1;  // regions may extend one frame beyond, so that its edge counts as inside
     if (value >= 0 && value <= 1) return;
     const bool near = value >= -kFar && value <= 1 + kFar;
     std::string& first = near ? near_ : far_;

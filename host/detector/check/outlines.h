@@ -1,4 +1,4 @@
-// The regions of a configuration document, as they are written.
+// The regions of a configuration document as written.
 #pragma once
 
 #include <string>
@@ -24,12 +24,12 @@ struct Outline {
 };
 
 struct Outlines {
-  bool whole_frame = false;  // no regions of its own: the program adds one
+  bool whole_frame = false;  // no regions in the document: the program adds one
   std::vector<Outline> included{};
   std::vector<Outline> excluded{};
 };
 
-// Complains of what the plug-in cannot read, or reads as something else than it looks like.
+// Reports what the plug-in cannot read, and values that it reads differently than they look.
 Outlines read_outlines(const Json::Value& document, Findings& findings);
 
 }  // namespace lm::host::detector::check

@@ -10,7 +10,7 @@
 namespace lm::host::detector::check {
 namespace {
 
-// What a JSON string, with its quotation marks, stands for.
+// Decodes a JSON string literal, quotation marks included.
 std::string decoded(const std::string& literal) {
   Json::Value value;
   const std::unique_ptr<Json::CharReader> reader(Json::CharReaderBuilder().newCharReader());

@@ -1,4 +1,4 @@
-// Where the values and keys of a JSON text stand in it.
+// Positions of values and keys in a JSON text.
 #pragma once
 
 #include <cstddef>
@@ -8,7 +8,7 @@
 
 namespace lm::host::detector::check {
 
-// From 1; columns count characters. 0 for what is not in the text.
+// From 1; columns count characters. 0 if not in the text.
 struct Place {
   int line = 0;
   int column = 0;
@@ -16,14 +16,14 @@ struct Place {
 
 class Places {
  public:
-  // `text`: one that read_document (host/document.h) accepts; of others, nothing is known from some place on.
+  // `text`: accepted by read_document (document.h); in other texts, nothing is found after some position.
   explicit Places(const std::string& text);
 
-  // `path`: such as roi[0].points[2].x; where a key stands twice, the one that counts, the last.
+  // `path`: such as roi[0].points[2].x; for duplicate keys, the last one, which is the one in effect.
   Place of_value(const std::string& path) const;
   Place of_key(const std::string& path) const;
 
-  // A key that its object has already.
+  // A key that its object already has.
   struct Repeat {
     std::string path;
     Place place;
@@ -48,7 +48,7 @@ class Places {
   Place place(std::size_t offset) const;
 
   const std::string& text_;
-  const std::size_t begin_;  // behind the mark that some editors put in front
+  const std::size_t begin_;  // after the byte order mark that some editors write
   std::size_t at_;
   std::map<std::string, Member> members_;
   std::vector<Repeat> repeats_;

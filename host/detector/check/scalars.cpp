@@ -106,7 +106,7 @@ class Reader {
   Findings& findings_;
   Settings& settings_;
   EntryScanner entry_;
-  std::string giver_;  // key of the value that an empty value reuses
+  std::string giver_;  // key whose value an empty value reuses
 };
 
 }  // namespace

@@ -1,4 +1,5 @@
-// The plain settings of a configuration document: what the plug-in makes of each, and what comes of all.
+// The plain settings of a configuration document: how the plug-in interprets each, and the resulting
+// settings.
 #pragma once
 
 #include "config/settings.h"
@@ -12,7 +13,7 @@ namespace lm::host::detector::check {
 class Findings;
 struct SettledSizes;
 
-// Reads them as the plug-in does, one after another. Returns the settings that it has then.
+// Reads them in the plug-in's order. Returns the resulting settings.
 Settings check_scalars(const Json::Value& document, const SettledSizes& sizes, Findings& findings);
 
 }  // namespace lm::host::detector::check

@@ -1,4 +1,4 @@
-// The frame's size in a configuration document.
+// The frame size in a configuration document.
 #pragma once
 
 #include <cstdint>
@@ -15,7 +15,7 @@ namespace lm::host::detector::check {
 
 class Findings;
 
-// The settings that state it.
+// The settings that state the frame size.
 struct Sizes {
   std::int32_t frmW = 0;
   std::int32_t frmH = 0;
@@ -23,12 +23,12 @@ struct Sizes {
 };
 
 struct SettledSizes {
-  std::optional<cv::Size> frame;             // that the plug-in will work with, as far as it is known
-  std::map<std::string, std::string> texts;  // of each setting, as the program hands it to the plug-in
+  std::optional<cv::Size> frame;             // that the plug-in will use, if known
+  std::map<std::string, std::string> texts;  // of each setting, as the program passes it to the plug-in
 };
 
-// Complains of sizes that no frames have, or other ones than the source's. `frame`: the source's, if there is
-// a source.
+// Reports invalid frame sizes, and sizes other than the source's. `frame`: the source's, if there is a
+// source.
 SettledSizes check_sizes(const Json::Value& document, std::optional<cv::Size> frame, Findings& findings);
 
 }  // namespace lm::host::detector::check

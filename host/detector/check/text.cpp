@@ -18,7 +18,7 @@ std::string place(const std::string& name, const Finding& finding) {
   return name + ':' + std::to_string(finding.line) + ':' + std::to_string(finding.column) + ": ";
 }
 
-// Everything after the place.
+// Everything after the position.
 std::string complaint(const Finding& finding) {
   std::string text;
   if (!finding.key.empty()) text.append("\"").append(finding.key).append("\": ");

@@ -1,4 +1,4 @@
-// Verdicts in words.
+// Verdicts as text.
 #pragma once
 
 #include <string>
@@ -7,11 +7,11 @@
 
 namespace lm::host::detector::check {
 
-// Such as night.json:4:18: "sensitivity": 9 is out of range. `name`: of the document.
+// For example: night.json:4:18: "sensitivity": 9 is out of range. `name`: of the document.
 std::string sentence(const std::string& name, const Finding& finding);
 
-// What `lightmotion check` prints: findings with the worst first, what is in effect, how many findings there
-// are. Several lines.
+// The output of `lightmotion check`, several lines: findings with the most severe first, the effective
+// values, the number of findings.
 std::string to_text(const std::string& name, const Verdict& verdict);
 
 }  // namespace lm::host::detector::check

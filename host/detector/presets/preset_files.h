@@ -1,4 +1,4 @@
-// The files host/presets/*.json, compiled in.
+// The files host/detector/presets/*.json, compiled in.
 #pragma once
 
 #include <vector>

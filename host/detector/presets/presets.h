@@ -1,4 +1,4 @@
-// Configuration documents for common places, compiled in from the files beside this one.
+// Configurations for common scenes, compiled in from the JSON files in this folder.
 #pragma once
 
 #include <string>
@@ -8,18 +8,18 @@ namespace lm::host::detector::presets {
 
 struct Preset {
   std::string name;
-  std::string about;     // when to use it, in a line; the document's "comment"
-  std::string document;  // as the file has it
+  std::string about;     // when to use it, in one line: the document's "comment"
+  std::string document;  // the file's text
 };
 
-// In the order in which they are listed.
+// In the order of the listing.
 const std::vector<Preset>& all();
 
-// None of that name: a null pointer.
+// Null if there is no preset of that name.
 const Preset* find_preset(const std::string& name);
 
-// For the command line: empty when there is a preset of that name; otherwise a text that names those there
-// are.
+// For the command line: empty if there is a preset of that name; otherwise a message that lists the available
+// ones.
 std::string is_preset(const std::string& name);
 
 }  // namespace lm::host::detector::presets

@@ -33,7 +33,7 @@ std::string decoded(std::string_view text) {
   return result;
 }
 
-// Takes what is before `mark` out of `text`, and the mark.
+// Removes and returns the text before `mark`; also removes the mark.
 std::string_view cut_before(std::string_view& text, std::size_t mark) {
   const std::string_view before = text.substr(0, mark);
   text.remove_prefix(mark + 1);

@@ -1,4 +1,4 @@
-// Where the broker is.
+// The broker's address.
 #pragma once
 
 #include <string>
@@ -14,12 +14,12 @@ struct Address {
   std::string prefix = "lightmotion";  // of all topics; may have several levels
 };
 
-// mqtt://[user[:password]@]host[:port][/prefix], or mqtts:// for an encrypted connection, whose usual port is
-// 8883. User and password may hold any character as %XX. Throws std::invalid_argument saying what is wrong
-// with it; the message never holds the password.
+// mqtt://[user[:password]@]host[:port][/prefix], or mqtts:// for an encrypted connection, with default port
+// 8883. User and password may contain any character as %XX. Throws std::invalid_argument with the cause; the
+// message never contains the password.
 Address parse_address(const std::string& text);
 
-// As parse_address takes it, without user and password: for messages.
+// The address without user and password, for messages.
 std::string shown(const Address& address);
 
 }  // namespace lm::host::outputs::mqtt

@@ -1,4 +1,4 @@
-// Events as messages.
+// Publishes events.
 #pragma once
 
 #include <chrono>
@@ -12,24 +12,24 @@
 
 namespace lm::host::outputs::mqtt {
 
-// Says when events begin, go on and end, and whether there is motion just now.
+// Reports when events begin, continue and end, and whether there is motion.
 class Announcer {
  public:
   using Send = std::function<void(Message)>;
 
-  // How much of the source's time lies between updates on one event at least.
+  // Minimum interval between updates on one event, in the source's time.
   static constexpr std::chrono::seconds kUpdateInterval{1};
 
   Announcer(Topics topics, Send send) : topics_(std::move(topics)), send_(std::move(send)) {}
 
-  // Before the first event. `discovery`: the topic that home-automation software watches; empty for none.
+  // Before the first event. `discovery`: topic prefix of home-automation discovery; empty for none.
   void introduce(const std::string& discovery);
 
   void begun(const events::Event& event);
   void changed(const events::Event& event);
   void ended(const events::Event& event);
 
-  // The last message: nothing more comes.
+  // Publishes the last message.
   void leave();
 
  private:
@@ -38,8 +38,8 @@ class Announcer {
 
   Topics topics_;
   Send send_;
-  std::map<std::string, std::chrono::microseconds> last_said_;  // by the event's id
-  std::set<std::string> moving_;                                // ids of events of motion that go on
+  std::map<std::string, std::chrono::microseconds> last_said_;  // by event id
+  std::set<std::string> moving_;                                // ids of motion events in progress
 };
 
 }  // namespace lm::host::outputs::mqtt

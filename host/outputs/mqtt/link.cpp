@@ -20,7 +20,7 @@ constexpr int kAtLeastOnce = 1;
 constexpr std::size_t kWindow = 20;  // as many as libmosquitto sends before the first is acknowledged
 constexpr std::chrono::milliseconds kLongestWait = 1s;  // libmosquitto must be called regularly
 constexpr std::chrono::milliseconds kHastyInterval =
-    200ms;  // between attempts while the program waits to end
+    200ms;  // between attempts while the program waits to exit
 
 std::string reason(int error) {
   std::string text =

@@ -15,21 +15,20 @@ namespace lm::host::outputs::mqtt {
 
 struct LinkSettings {
   Address address;
-  std::string
-      authorities;     // file of certificates that an encrypted connection trusts; the system's when empty
-  std::string client;  // the broker ends an older connection of the same name
-  std::string will_topic;  // where the broker says `will` when the connection is lost
+  std::string authorities;  // CA certificates for encrypted connections; the system's if empty
+  std::string client;       // the broker closes an older connection with the same name
+  std::string will_topic;   // where the broker publishes `will` when the connection is lost
   std::string will;
 };
 
-// Sends what is in a mailbox, connecting again as often as it takes. libmosquitto is used by the one thread
-// that is in run(): its own thread gives up on some errors that pass, such as a broken encrypted connection.
+// Sends the messages of a mailbox and reconnects as often as necessary. Only the thread in run() uses
+// libmosquitto: its own thread gives up after some temporary errors, such as a failed TLS connection.
 class Link {
  public:
-  // Throws Failure (kRefused) when the settings cannot be used.
+  // Throws Failure (kRefused) for invalid settings.
   Link(const LinkSettings& settings, std::shared_ptr<Mailbox> mailbox);
 
-  // Returns when the mailbox is closed and everything in it was acknowledged, or when it is abandoned.
+  // Returns when the mailbox is closed and every message acknowledged, or when it is abandoned.
   void run();
 
  private:
@@ -53,10 +52,10 @@ class Link {
   Clock::time_point last_attempt_{};
   Clock::time_point next_attempt_{};
   std::string refusal_;        // the broker's reason
-  std::size_t in_flight_ = 0;  // messages that libmosquitto has and the broker did not acknowledge
-  bool open_ = false;          // being connected, or connected
-  bool ready_ = false;         // the broker takes messages
-  bool complained_ = false;    // about the present outage
+  std::size_t in_flight_ = 0;  // messages passed to libmosquitto and not yet acknowledged
+  bool open_ = false;          // connecting or connected
+  bool ready_ = false;         // connected
+  bool complained_ = false;    // about the current outage
 };
 
 }  // namespace lm::host::outputs::mqtt

@@ -1,4 +1,4 @@
-// Between the thread that analyses and the one that talks to the broker.
+// Between the analysing thread and the thread that talks to the broker.
 #pragma once
 
 #include <chrono>
@@ -12,25 +12,25 @@
 
 namespace lm::host::outputs::mqtt {
 
-// Nobody waits for the other side here, but for wait_done.
+// No call waits for the other side, except wait_done.
 class Mailbox {
  public:
-  // Throws Failure where the system gives no handle for waking.
+  // Throws Failure if the system cannot create the eventfd.
   explicit Mailbox(std::size_t capacity);
   ~Mailbox();
   Mailbox(const Mailbox&) = delete;
   Mailbox& operator=(const Mailbox&) = delete;
 
-  // For the thread that analyses.
+  // For the analysing thread.
   void push(Message message);
-  void close();                                        // everything is in: send it and end
+  void close();                                        // no further messages: send the rest and end
   void abandon();                                      // end at once
-  bool wait_done(std::chrono::milliseconds deadline);  // false when it passed
-  std::string take_news();                             // what happened since it was last asked; may be empty
+  bool wait_done(std::chrono::milliseconds deadline);  // false on timeout
+  std::string take_news();                             // messages since the last call; may be empty
   Outbox::Drops drops();
-  std::size_t unsent();  // once done
+  std::size_t unsent();  // valid after wait_done
 
-  // For the thread that sends.
+  // For the sending thread.
   std::optional<Message> pop();
   void renew_standing();
   bool empty();
@@ -38,7 +38,7 @@ class Mailbox {
   bool abandoned();
   void report(const std::string& news);
   void done(std::size_t in_flight);
-  int wake_handle() const { return wake_; }  // readable when something is new
+  int wake_handle() const { return wake_; }  // readable when there is news
   void woken() const;                        // resets it
 
  private:

@@ -11,14 +11,14 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr std::size_t kCapacity = 1000;
-constexpr std::chrono::milliseconds kLittlePatience = 1s;  // where a run failed
+constexpr std::chrono::milliseconds kLittlePatience = 1s;  // after a failed run
 
 Topics topics_of(const MqttOptions& options, const std::string& source) {
   return {parse_address(options.address).prefix,
           options.camera.empty() ? camera_name(source) : options.camera};
 }
 
-// Signals are handled by the thread that processes frames.
+// Signals are handled by the analysing thread.
 std::thread start_without_signals(std::unique_ptr<Link> link) {
   sigset_t all;
   sigset_t before;
@@ -71,7 +71,7 @@ void MqttListener::leave(std::chrono::milliseconds deadline) {
     mailbox_->abandon();
     done = mailbox_->wait_done(kLittlePatience);
   }
-  // Name resolution can take very long. The thread owns everything that it uses.
+  // Name resolution can take very long, so the thread is detached; it owns everything that it uses.
   if (done) {
     thread_.join();
   } else {

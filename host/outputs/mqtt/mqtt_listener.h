@@ -1,4 +1,4 @@
-// Tells a message bus what happens.
+// Publishes events to an MQTT broker.
 #pragma once
 
 #include <chrono>
@@ -13,13 +13,13 @@
 
 namespace lm::host::outputs::mqtt {
 
-// The analysis never waits for the broker; only finish() does, for a limited time. A broker that is away is
-// worth a warning and does not end the run.
+// The analysis never waits for the broker; only finish() does, for a limited time. An unreachable broker is
+// reported as a warning and does not end the run.
 class MqttListener : public events::EventListener {
  public:
   static constexpr std::chrono::milliseconds kPatience{5000};
 
-  // `source`: as the user wrote it. `patience`: how long finish() may take. Throws Failure (kRefused).
+  // `source`: as the user wrote it. `patience`: time limit of finish(). Throws Failure (kRefused).
   MqttListener(const MqttOptions& options, const std::string& source,
                std::chrono::milliseconds patience = kPatience);
   ~MqttListener() override;

@@ -27,7 +27,7 @@ std::string fault(const std::string& address) {
   }
 }
 
-// One level of a topic that others can read.
+// The name must be a single topic level that subscribers can address.
 std::string camera_fault(const std::string& name) {
   return name.find_first_of("/+#") == std::string::npos ? "" : "must not contain /, + or #";
 }

@@ -1,4 +1,4 @@
-// Options of MQTT on the command line.
+// Command-line options of MQTT.
 #pragma once
 
 #include <string>
@@ -13,16 +13,16 @@ namespace lm::host::outputs::mqtt {
 
 // An empty text: not given.
 struct MqttOptions {
-  std::string address{};                    // of mqtt::parse_address; no MQTT when empty
-  std::string camera{};                     // its name in topics; made from the source when empty
-  std::string password_file{};              // the password is its first line
-  std::string authorities{};                // certificates that an encrypted connection trusts
-  std::string discovery = "homeassistant";  // topic prefix that home-automation software watches
+  std::string address{};                    // as in parse_address; no MQTT if empty
+  std::string camera{};                     // camera name in topics; derived from the source if empty
+  std::string password_file{};              // the first line is the password
+  std::string authorities{};                // CA certificates for encrypted connections
+  std::string discovery = "homeassistant";  // topic prefix of home-automation discovery
 };
 
 void add_mqtt_options(CLI::App& run, MqttOptions& options);
 
-// Where to connect, with the password from the file, else from the address, else from the environment
+// The broker's address with the password from the file, else from the address, else from the environment
 // variable LIGHTMOTION_MQTT_PASSWORD. Throws Failure (kRefused).
 Address broker_address(const MqttOptions& options);
 

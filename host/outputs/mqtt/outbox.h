@@ -1,4 +1,4 @@
-// Messages that wait for the broker.
+// The queue of messages to the broker.
 #pragma once
 
 #include <cstddef>
@@ -12,8 +12,8 @@ namespace lm::host::outputs::mqtt {
 
 enum class MessageKind {
   kMilestone,  // an event begins or ends
-  kUpdate,     // an event goes on; the next one says it again
-  kStanding,   // retained by the broker: what holds until the next one on its topic
+  kUpdate,     // an event continues; superseded by the next update
+  kStanding,   // retained by the broker: valid until the next one on its topic
 };
 
 struct Message {
@@ -24,8 +24,8 @@ struct Message {
   bool operator==(const Message&) const = default;
 };
 
-// First in, first out, with a limit. Where there is no room the oldest update goes, and the oldest milestone
-// only when there are no updates. Of standing messages the last one of each topic counts; they are few and
+// First in, first out, with a limit. When full, the oldest update is dropped, or the oldest milestone if
+// there are no updates. Of the retained messages, only the last one per topic is kept; these are few and
 // never dropped.
 class Outbox {
  public:
@@ -34,14 +34,14 @@ class Outbox {
     std::int64_t milestones = 0;
   };
 
-  // `capacity`: how many messages other than standing ones may wait.
+  // `capacity`: maximum number of messages, not counting retained ones.
   explicit Outbox(std::size_t capacity) : capacity_(capacity) {}
 
   void push(Message message);
   std::optional<Message> pop();
 
-  // A broker that was away may have forgotten what it retained: puts the last standing message of each topic
-  // in front, in the order in which the topics were first used.
+  // After a broker restart, which may have lost retained messages: puts the last retained message of each
+  // topic at the front, in the order in which the topics were first used.
   void renew_standing();
 
   std::size_t size() const { return waiting_.size(); }

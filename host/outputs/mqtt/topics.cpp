@@ -10,7 +10,7 @@ namespace {
 
 constexpr std::size_t kLongestName = 64;
 
-// What identifies a stream: host, port and path. Behind the ? there may be a password as well.
+// What identifies a stream: host, port and path. The query may contain a password.
 std::string without_account(const std::string& address, std::size_t scheme_end) {
   std::string rest = address.substr(scheme_end + 3);
   rest.resize(std::min(rest.find_first_of("?#"), rest.size()));

@@ -1,4 +1,4 @@
-// What is said on the message bus about one camera, and where.
+// The MQTT topics of one camera and the messages on them.
 #pragma once
 
 #include <string>
@@ -12,8 +12,8 @@ inline constexpr const char* kOffline = "offline";
 inline constexpr const char* kMotion = "ON";
 inline constexpr const char* kNoMotion = "OFF";
 
-// A name for topics from the source's: small letters, digits, - and _. Nothing of the account in a stream's
-// address gets into it. "builtin" for the built-in scene, whose source is empty.
+// A topic level made from the source's name: lowercase letters, digits, - and _. The account of a stream
+// address is left out. "builtin" for the built-in scene (an empty source).
 std::string camera_name(const std::string& source);
 
 struct Topics {
@@ -27,11 +27,11 @@ struct Topics {
   std::string motion() const { return base + "/motion"; }
   std::string event(const std::string& step) const { return base + "/event/" + step; }
 
-  // A name of the camera that is the only one on its broker.
+  // A camera name that is unique on its broker.
   std::string unique_id() const;
 };
 
-// Tells home-automation software that watches `discovery` that there is a motion sensor.
+// Announces a motion sensor to home-automation software that subscribes to `discovery`.
 Message discovery_message(const std::string& discovery, const Topics& topics);
 
 }  // namespace lm::host::outputs::mqtt

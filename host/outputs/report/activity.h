@@ -1,4 +1,4 @@
-// The share of the frame under boxes over the whole video, in bounded memory.
+// The share of the frame under boxes over time, in bounded memory.
 #pragma once
 
 #include <chrono>
@@ -9,8 +9,8 @@
 
 namespace lm::host::outputs::report {
 
-// Spans of equal length with the largest share in each. The spans become twice as long whenever the video
-// turns out to be too long for them.
+// The maximum share in each of many spans of equal length. The span length doubles when the video exceeds the
+// number of spans.
 class Activity {
  public:
   static constexpr std::size_t kMostSpans = 800;

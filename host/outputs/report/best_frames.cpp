@@ -14,7 +14,7 @@ constexpr std::size_t kMostCandidates = 8;
 }  // namespace
 
 void BestFrames::frame(const cv::Mat& image, const events::Observation& seen) {
-  cv::Mat copy;  // made once and only when it is kept
+  cv::Mat copy;  // copied once, and only if it is kept
   for (const events::EventKind kind : {events::EventKind::kMotion, events::EventKind::kLight}) {
     Candidates& candidates = candidates_[kind];
     Still still{{}, boxes_of_kind(seen, kind), seen.frame, seen.time, 0};
@@ -29,7 +29,7 @@ void BestFrames::frame(const cv::Mat& image, const events::Observation& seen) {
   }
 }
 
-// The frame at the event's peak; where it was not kept, the next best of the event.
+// The frame at the event's peak; if it was not kept, the next best of the event.
 const Still& BestFrames::candidate(const Candidates& candidates, const events::Event& event) {
   const auto from = std::find_if(candidates.begin(), candidates.end(),
                                  [&](const Still& still) { return still.frame >= event.first_frame; });
@@ -52,7 +52,7 @@ Still BestFrames::take(const events::Event& event) {
   auto found = best_.extract(event.id);
   if (!found) return {};
   Still still = std::move(found.mapped());
-  still.image = still.image.clone();  // another event may have the same
+  still.image = still.image.clone();  // another event may share the image
   return still;
 }
 

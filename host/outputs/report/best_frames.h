@@ -1,4 +1,4 @@
-// The frame of each event in which most of the picture was under boxes.
+// The frame of each event with the largest share under boxes.
 #pragma once
 
 #include <chrono>
@@ -15,25 +15,25 @@ namespace lm::host::outputs::report {
 
 struct Still {
   cv::Mat image;
-  std::vector<cv::Rect2d> boxes;  // those of the event's kind
+  std::vector<cv::Rect2d> boxes;  // of the event's kind
   std::int64_t frame = 0;
   std::chrono::microseconds time{0};
-  double share = 0;  // under the boxes
+  double share = 0;  // of the frame under these boxes
 };
 
-// An event is known some time after it began, so the frames that may turn out to be its best are kept that
-// long: those that have a larger share under boxes than every later one, eight at most.
+// Events are announced some time after they begin, so candidate frames are kept for that long: those with a
+// larger share under boxes than every later one, eight at most.
 class BestFrames {
  public:
-  // `lookback`: how long before it is announced an event can have begun. `kept`: the size of the images.
+  // `lookback`: maximum time between the start and the announcement of an event. `kept`: image size.
   BestFrames(std::chrono::microseconds lookback, cv::Size kept) : lookback_(lookback), kept_(kept) {}
 
   void frame(const cv::Mat& image, const events::Observation& seen);
 
-  // The event has begun or gone on.
+  // The event has begun or changed.
   void follow(const events::Event& event);
 
-  // The best of an event that was followed, which is then forgotten. Its image is the caller's own.
+  // Returns and forgets the best frame of a followed event. Its image is not shared.
   Still take(const events::Event& event);
 
  private:
@@ -43,7 +43,7 @@ class BestFrames {
   std::chrono::microseconds lookback_;
   cv::Size kept_;
   std::map<events::EventKind, Candidates> candidates_;
-  std::map<std::string, Still> best_;  // by the event's id
+  std::map<std::string, Still> best_;  // by event id
 };
 
 }  // namespace lm::host::outputs::report

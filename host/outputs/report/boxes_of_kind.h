@@ -1,4 +1,4 @@
-// Which of a frame's boxes belong to motion and which to a change of light.
+// Selects the boxes of motion or of a lighting change.
 #pragma once
 
 #include <opencv2/core.hpp>

@@ -33,7 +33,7 @@ int check(int result) {
   return result;
 }
 
-// The time at which a packet is shown, or, where the container does not tell, decoded.
+// A packet's presentation time or, if the container does not state it, its decoding time.
 std::int64_t shown_at(const AVPacket& packet) {
   return packet.pts != AV_NOPTS_VALUE ? packet.pts : packet.dts;
 }
@@ -79,7 +79,7 @@ class Copy {
       AVStream* to = avformat_new_stream(output, nullptr);
       if (to == nullptr) check(AVERROR(ENOMEM));
       check(avcodec_parameters_copy(to->codecpar, from.codecpar));
-      to->codecpar->codec_tag = 0;  // another container has other tags
+      to->codecpar->codec_tag = 0;  // codec tags differ between containers
       to->time_base = from.time_base;
       to->sample_aspect_ratio = from.sample_aspect_ratio;
       to->avg_frame_rate = from.avg_frame_rate;
@@ -105,8 +105,8 @@ class Copy {
   void write_file(std::chrono::microseconds from, std::chrono::microseconds to) {
     const std::int64_t start = key_before(in_video_time(from));
     check(avio_open(&output_->pb, output_->url, AVIO_FLAG_WRITE));
-    // The index of an MP4 in front, so that a browser plays it at once; other containers have no such
-    // setting.
+    // Puts the index of an MP4 at the front, so that browsers can play it before it is complete; other
+    // containers have no such option.
     av_opt_set(output_->priv_data, "movflags", "+faststart", 0);
     int result = 0;
     try {
@@ -133,10 +133,10 @@ class Copy {
   bool read() {
     av_packet_unref(packet_.get());
     const int result = av_read_frame(input_.get(), packet_.get());
-    return result >= 0;  // a damaged file is used as far as it reads
+    return result >= 0;  // a damaged file is used up to the damage
   }
 
-  // When the last key frame that is not later is shown; the first there is when all are.
+  // The time of the last key frame at or before `time`; of the first key frame if all are later.
   std::int64_t key_before(std::int64_t time) {
     seek(time);
     std::int64_t key = AV_NOPTS_VALUE;
@@ -150,7 +150,7 @@ class Copy {
     return key;
   }
 
-  // Whether the packet is shown between the times. `started`: the first key frame was seen.
+  // Whether the packet is shown between the times. `started`: whether the first key frame has been read.
   bool wanted(std::int64_t start, std::int64_t end, bool& started) const {
     const std::int64_t shown = shown_at(*packet_);
     if (packet_->stream_index == audio_) {
@@ -163,7 +163,7 @@ class Copy {
     return started;
   }
 
-  // From the key frame at `start`; from the first one when that is not given.
+  // From the key frame at `start`; from the first one if that is not given.
   void write(std::int64_t start, std::int64_t end, int most_packets) {
     check(avformat_write_header(output_.get(), nullptr));
     bool started = false;
@@ -208,7 +208,7 @@ const char* container_for_copy(const std::string& file) {
       copy.begin(container, "");
       copy.write_trial();
       return container;
-    } catch (const Refusal&) {  // the next one may take it
+    } catch (const Refusal&) {  // another container may accept it
     }
   }
   return nullptr;

@@ -1,4 +1,4 @@
-// Parts of a video file, with its sound, without coding anything anew.
+// Copies parts of a video file, with sound, without re-encoding.
 #pragma once
 
 #include <chrono>
@@ -8,11 +8,11 @@
 
 namespace lm::host::outputs::report {
 
-// The container that takes the file's video and sound as they are ("mp4", else "matroska"): tried with the
-// first packets. Null when none does, and for what is no file.
+// The container that can hold the file's video and sound unchanged ("mp4", else "matroska"), tested with the
+// first packets. Null if none can, or if the source is not a file.
 const char* container_for_copy(const std::string& file);
 
-// Copies what lies between two times, as the file states them, from the key frame before. Throws Failure
+// Copies the span between two times of the file, starting at the preceding key frame. Throws Failure
 // (kTrouble).
 void copy_clip(const std::string& file, const char* container, std::chrono::microseconds from,
                std::chrono::microseconds to, const base::PendingFile& clip);

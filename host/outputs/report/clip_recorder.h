@@ -1,4 +1,4 @@
-// Clips from the frames themselves, where there is no file to copy from.
+// Records clips from frames, for sources that are not files.
 #pragma once
 
 #include <chrono>
@@ -15,8 +15,8 @@
 
 namespace lm::host::outputs::report {
 
-// The latest frames are kept, because an event is known some time after it began: no larger than 960 pixels a
-// side, no longer than `window`, and never more than 256 MiB of them, the oldest of which go first.
+// Keeps the latest frames, because events are announced some time after they begin: scaled to at most 960
+// pixels per side, for at most `window`, and at most 256 MiB; the oldest frames are dropped first.
 class ClipRecorder {
  public:
   ClipRecorder(const std::string& folder, const source::SourceInfo& source, std::chrono::microseconds window);
@@ -26,7 +26,7 @@ class ClipRecorder {
   void begin(const events::Event& event);
   bool records(const events::Event& event) const { return clips_.contains(event.id); }
   void go_on(const events::Event& event);
-  void end(const events::Event& event);  // its clip is complete when its last frame has come
+  void end(const events::Event& event);  // the clip is complete after its post-roll
 
   void finish();
   void commit();
@@ -40,8 +40,8 @@ class ClipRecorder {
     Clip(const std::string& name, const VideoWriter::Shape& shape, const events::Event& event);
     base::PendingFile file;
     VideoWriter video;
-    std::chrono::microseconds next;   // from here on nothing is written
-    std::chrono::microseconds to;     // to here everything belongs to it
+    std::chrono::microseconds next;   // frames before this are already written
+    std::chrono::microseconds to;     // end of the post-roll
     std::chrono::microseconds first;  // time of its first frame
     bool empty = true;
     bool ended = false;
@@ -52,7 +52,7 @@ class ClipRecorder {
   VideoWriter::Shape shape_;
   std::chrono::microseconds window_;
   std::deque<Kept> kept_;
-  std::map<std::string, std::unique_ptr<Clip>> clips_;  // by the event's id
+  std::map<std::string, std::unique_ptr<Clip>> clips_;  // by event id
 };
 
 }  // namespace lm::host::outputs::report

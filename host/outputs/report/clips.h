@@ -1,4 +1,4 @@
-// --clips: each event as a video of its own.
+// --clips: one video per event.
 #pragma once
 
 #include <chrono>
@@ -11,11 +11,11 @@
 
 namespace lm::host::outputs::report {
 
-// Copied from the source's file where that can be, else recorded from its frames. Each clip is complete, and
-// has its name, soon after its event has ended.
+// Copied from the source file if possible, otherwise recorded from frames. Each clip gets its name when it is
+// complete, soon after its event has ended.
 class Clips : public events::EventListener {
  public:
-  // `file`: the source as the user named it. `source` outlives the object.
+  // `file`: the source as the user named it. `source` must outlive the object.
   Clips(const std::string& folder, const std::string& file, const source::SourceInfo& source,
         const events::EventRules& rules);
 
@@ -33,9 +33,9 @@ class Clips : public events::EventListener {
 
   std::string folder_;
   std::string file_;
-  const char* container_;                            // to copy to; null when that cannot be
+  const char* container_;                            // container to copy to; null if copying is not possible
   std::optional<std::chrono::microseconds> offset_;  // from the run's times to the file's
-  std::chrono::microseconds copied_to_;              // times behind this have another offset
+  std::chrono::microseconds copied_to_;              // later times have another offset
   bool copying_;
   ClipRecorder recorder_;
 };

@@ -26,7 +26,7 @@ cv::Mat coloured(const cv::Mat& levels) {
   return colours;
 }
 
-// 0 to 255 along the colours for counts up to `most`: the inverse of heat_at.
+// Maps counts up to `most` to positions 0 to 255 on the colour scale: the inverse of heat_at.
 cv::Mat levels_of(const cv::Mat& counts, double most) {
   cv::Mat shares;
   counts.convertTo(shares, CV_32F, 1 / most);
@@ -36,7 +36,7 @@ cv::Mat levels_of(const cv::Mat& counts, double most) {
   return levels;
 }
 
-// A scale of text that lets the widest line of the legend fit.
+// A text scale at which the widest line of the legend fits.
 double text_scale(int width, const std::string& text) {
   const cv::Size unit = cv::getTextSize(text, kFont, 1, 1, nullptr);
   return std::clamp(0.94 * width / unit.width, 0.2, std::max(0.45, width / 1400.0));

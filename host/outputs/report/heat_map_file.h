@@ -1,4 +1,4 @@
-// --heatmap: where things moved, laid over a frame of the video.
+// --heatmap: a heat map of motion over a frame of the video.
 #pragma once
 
 #include <string>

@@ -17,7 +17,7 @@ source::av::Picture converted(const cv::Mat& image, AVPixelFormat format) {
       sws_getContext(image.cols, image.rows, AV_PIX_FMT_BGR24, image.cols, image.rows, format,
                      SWS_BILINEAR | SWS_ACCURATE_RND | SWS_BITEXACT, nullptr, nullptr, nullptr));
   if (!scaler) require_success(AVERROR(ENOMEM));
-  // The scaler reads whole vectors, past the end of a row that is packed.
+  // The scaler reads whole vectors, beyond the end of packed rows.
   const source::av::Picture padded = source::av::new_picture(image.size(), AV_PIX_FMT_BGR24);
   image.copyTo(source::av::view(*padded));
   sws_scale(scaler.get(), padded->data, padded->linesize, 0, image.rows, picture->data, picture->linesize);
@@ -31,7 +31,7 @@ std::string encoded(const cv::Mat& image, AVCodecID id, AVPixelFormat format, in
   encoder->width = image.cols;
   encoder->height = image.rows;
   encoder->pix_fmt = format;
-  encoder->time_base = {1, 25};  // encoders insist on one
+  encoder->time_base = {1, 25};  // required by encoders
   if (coarseness > 0) {
     encoder->flags |= AV_CODEC_FLAG_QSCALE;
     encoder->global_quality = coarseness * FF_QP2LAMBDA;

@@ -1,4 +1,4 @@
-// Pictures as the bytes of a PNG or JPEG file.
+// Encodes images as PNG or JPEG.
 #pragma once
 
 #include <opencv2/core.hpp>
@@ -6,10 +6,10 @@
 
 namespace lm::host::outputs::report {
 
-// `image`: 8-bit blue, green, red. Throw Failure (kTrouble) when FFmpeg was built without the encoder.
+// `image`: 8-bit blue, green, red. Throws Failure (kTrouble) if FFmpeg was built without the encoder.
 std::string png_bytes(const cv::Mat& image);
 
-// `coarseness`: 2 for hardly any loss up to 31.
+// `coarseness`: from 2 (best quality) to 31.
 std::string jpeg_bytes(const cv::Mat& image, int coarseness);
 
 }  // namespace lm::host::outputs::report

@@ -1,4 +1,4 @@
-// How long before it is announced an event can have begun.
+// Maximum time between the start of an event and its announcement.
 #pragma once
 
 #include <chrono>

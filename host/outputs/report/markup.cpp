@@ -13,7 +13,7 @@ namespace {
 
 constexpr std::string_view kReplacement = "\xef\xbf\xbd";
 
-// How many bytes the character at the start of `text` takes; 0 when it is none of UTF-8.
+// The length in bytes of the character at the start of `text`; 0 if it is not valid UTF-8.
 std::size_t length_of_character(std::string_view text) {
   const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(text[i]); };
   const unsigned first = byte(0);
@@ -92,7 +92,7 @@ std::string data_uri(const std::string& jpeg) {
   std::string text(static_cast<std::size_t>(AV_BASE64_SIZE(size)), '\0');
   av_base64_encode(text.data(), static_cast<int>(text.size()),
                    reinterpret_cast<const std::uint8_t*>(jpeg.data()), size);
-  text.pop_back();  // the encoder's final zero
+  text.pop_back();  // the encoder's terminating zero
   return "data:image/jpeg;base64," + text;
 }
 

@@ -1,4 +1,4 @@
-// Texts that become HTML.
+// HTML text.
 #pragma once
 
 #include <map>
@@ -7,13 +7,13 @@
 
 namespace lm::host::outputs::report {
 
-// `text` so that a browser shows it as it is, within an element or an attribute in quotes. What is no UTF-8,
-// and control characters, are shown as replacement characters.
+// Escapes `text` for an HTML element or a quoted attribute. Invalid UTF-8 and control characters become
+// replacement characters.
 std::string escaped(std::string_view text);
 
 using Values = std::map<std::string, std::string, std::less<>>;
 
-// The template with {{name}} replaced by the value, escaped, and {{{name}}} by the value as it is. Throws
+// The template with {{name}} replaced by the escaped value, and {{{name}}} by the value as it is. Throws
 // std::logic_error for a name without a value.
 std::string fill(std::string_view page, const Values& values);
 

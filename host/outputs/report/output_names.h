@@ -1,4 +1,4 @@
-// Names of an event's files, which sort by time.
+// File names for events, which sort by time.
 #pragma once
 
 #include <string>
@@ -7,8 +7,8 @@
 
 namespace lm::host::outputs::report {
 
-// "00h01m12.480s-motion", or where the wall clock is known "2026-03-01T07-05-12.480Z-motion".
-// No character in it has a meaning to a shell or a file system.
+// "00h01m12.480s-motion", or with a wall clock "2026-03-01T07-05-12.480Z-motion". No character is special to
+// a shell or a file system.
 std::string event_stem(const events::Event& event);
 
 const char* kind_name(events::EventKind kind);

@@ -23,7 +23,7 @@ using namespace std::chrono_literals;
 
 double seconds(microseconds time) { return double(time.count()) / 1e6; }
 
-// "0:12.4": to the tenth that has passed.
+// "0:12.4": rounded down to tenths.
 std::string moment(microseconds time) {
   return base::clock_text(time) + "." + std::to_string(time / 100ms % 10);
 }
@@ -119,7 +119,7 @@ std::string filter(const PageData& data) {
   return "<fieldset class=\"filter\"><legend>Show</legend>\n" + choices + "</fieldset>";
 }
 
-// The colours of the heat map's scale for CSS.
+// The heat map's colour scale for CSS.
 std::string colours() {
   cv::Mat ramp(1, 9, CV_8U);
   for (int i = 0; i < ramp.cols; ++i) ramp.at<std::uint8_t>(0, i) = static_cast<std::uint8_t>(i * 255 / 8);

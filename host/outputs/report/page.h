@@ -1,4 +1,4 @@
-// The report: one page that holds everything it shows.
+// The report as one self-contained HTML page.
 #pragma once
 
 #include <chrono>
@@ -13,7 +13,7 @@
 
 namespace lm::host::outputs::report {
 
-// An event with its best frame, boxes drawn, as JPEG; empty when the report has no more room for pictures.
+// An event with its best frame, boxes drawn, as JPEG; empty after the report's limit on pictures.
 struct PageEvent {
   events::Event event;
   std::string picture;
@@ -27,10 +27,10 @@ struct PageData {
   std::int64_t frames = 0;
   std::int64_t frames_with_motion = 0;
   std::chrono::microseconds length{0};  // of the video
-  std::chrono::microseconds work{0};    // what it took
+  std::chrono::microseconds work{0};    // time of the analysis
 
   std::vector<PageEvent> events;
-  std::int64_t more_events = 0;  // that the page has no room for
+  std::int64_t more_events = 0;  // beyond the page's limit
   Activity activity;
 
   std::string heat;  // JPEG
@@ -38,7 +38,7 @@ struct PageData {
   double heat_highest = 0;
 
   std::vector<std::pair<std::string, std::string>> settings;
-  std::string made;  // when and by what
+  std::string made;  // when, and by which version
 };
 
 std::string render_page(const PageData& data);

@@ -1,16 +1,16 @@
-// A picture of the place itself, to lay the heat map over.
+// A picture of the scene as background for the heat map.
 #pragma once
 
 #include <opencv2/core.hpp>
 
 namespace lm::host::outputs::report {
 
-// The first frame without a box, or else the first of all; black before there is one.
+// The first frame without a box, or else the first frame; black before any frame.
 class QuietFrame {
  public:
   explicit QuietFrame(cv::Size size) : image_(cv::Mat::zeros(size, CV_8UC3)) {}
 
-  // Takes a copy, because boxes may be drawn into the frame later.
+  // Copies the image, because boxes may be drawn into it later.
   void offer(const cv::Mat& image, bool quiet) {
     if (quiet_ || (any_ && !quiet)) return;
     image.copyTo(image_);

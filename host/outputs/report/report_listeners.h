@@ -1,4 +1,4 @@
-// Those who write what a run leaves behind for people.
+// The listeners that write outputs for people.
 #pragma once
 
 #include <memory>
@@ -11,7 +11,7 @@
 
 namespace lm::host::outputs::report {
 
-// Throws Failure when an output cannot be begun.
+// Throws Failure if an output cannot be opened.
 void add_report_listeners(const ReportOptions& options, const std::string& source,
                           const events::RunContext& context,
                           std::vector<std::unique_ptr<events::EventListener>>& listeners);

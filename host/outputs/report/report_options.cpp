@@ -5,7 +5,7 @@
 namespace lm::host::outputs::report {
 namespace {
 
-// Refuses names with another ending.
+// Rejects names with another extension.
 auto ending(const std::string& wanted) {
   return [wanted](const std::string& file) {
     return file.ends_with(wanted) ? "" : "must end in " + wanted + ", not " + file;

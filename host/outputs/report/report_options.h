@@ -1,4 +1,4 @@
-// Options of outputs for people on the command line.
+// Command-line options of outputs for people.
 #pragma once
 
 #include <string>

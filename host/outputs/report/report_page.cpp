@@ -59,7 +59,7 @@ void ReportPage::frame(const source::Frame& frame, const events::Observation& se
                      events::share_under(boxes_of_kind(seen, events::EventKind::kLight)));
   ++data_.frames;
   data_.frames_with_motion += seen.boxes.empty() ? 0 : 1;
-  // The last frame is shown as long as the one before it.
+  // The last frame is shown for as long as the previous one.
   data_.length =
       seen.time + (source_.rate > 0 ? microseconds(std::llround(1e6 / source_.rate)) : seen.time - previous_);
   previous_ = seen.time;

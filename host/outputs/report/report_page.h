@@ -14,14 +14,14 @@
 
 namespace lm::host::outputs::report {
 
-// The first events in the order of their ends have a picture, and some more a place on the page; of the rest
-// only the number is kept.
+// Limits the page's size: pictures for the first events by end time, then events without pictures, then only
+// a count.
 class ReportPage : public events::EventListener {
  public:
   static constexpr std::size_t kMostPictures = 300;
   static constexpr std::size_t kMostEvents = 5000;
 
-  // `source` outlives the object.
+  // `source` must outlive the object.
   ReportPage(const std::string& file, const source::SourceInfo& source, const std::string& document,
              const events::EventRules& rules);
 
@@ -40,7 +40,7 @@ class ReportPage : public events::EventListener {
   BestFrames best_;
   PageData data_;
   std::chrono::steady_clock::time_point begin_ = std::chrono::steady_clock::now();
-  std::chrono::microseconds previous_{0};  // time of the frame before the last
+  std::chrono::microseconds previous_{0};  // time of the previous frame
 };
 
 }  // namespace lm::host::outputs::report

@@ -1,4 +1,4 @@
-// What a run was set to, for people.
+// The settings of a run, for people.
 #pragma once
 
 #include <string>
@@ -9,7 +9,7 @@
 
 namespace lm::host::outputs::report {
 
-// Names and values: the rules for events, then what the document states, regions by their names.
+// Names and values: the event options, then the document's settings, with regions by name.
 std::vector<std::pair<std::string, std::string>> shown_settings(const std::string& document,
                                                                 const events::EventRules& rules);
 

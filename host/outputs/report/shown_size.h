@@ -1,4 +1,4 @@
-// How large a picture is shown.
+// The size at which to show a picture.
 #pragma once
 
 #include <algorithm>
@@ -7,8 +7,8 @@
 
 namespace lm::host::outputs::report {
 
-// The size with square pixels, no side longer than `longest`. Never larger than it is stored, but for the
-// width of pixels that are wider than high.
+// The size with square pixels, with both sides at most `longest`. Never enlarged, except in width for pixels
+// wider than high.
 inline cv::Size shown_size(cv::Size stored, cv::Size pixel_aspect, int longest) {
   const double width = double(stored.width) * pixel_aspect.width / pixel_aspect.height;
   const double scale = std::min(1.0, longest / std::max(width, double(stored.height)));

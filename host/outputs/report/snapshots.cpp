@@ -12,7 +12,7 @@ namespace lm::host::outputs::report {
 namespace {
 
 constexpr int kSnapshotCoarseness = 3;
-constexpr int kLongestSide = 65'500;  // what JPEG can hold
+constexpr int kLongestSide = 65'500;  // JPEG's limit
 
 }  // namespace
 

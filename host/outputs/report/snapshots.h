@@ -1,4 +1,4 @@
-// --snapshots: the best frame of each event as a picture with its boxes.
+// --snapshots: the best frame of each event as a JPEG with its boxes drawn.
 #pragma once
 
 #include <string>
@@ -9,10 +9,10 @@
 
 namespace lm::host::outputs::report {
 
-// Each picture is complete, and has its name, as soon as its event has ended.
+// Each picture is written completely when its event has ended.
 class Snapshots : public events::EventListener {
  public:
-  // `folder`: made when it is missing.
+  // `folder`: created if missing.
   Snapshots(const std::string& folder, const source::SourceInfo& source, const events::EventRules& rules);
 
   void frame(const source::Frame& frame, const events::Observation& seen) override {

@@ -1,4 +1,4 @@
-// The files in host/report/template, compiled in.
+// The files in host/outputs/report/template, compiled in.
 #pragma once
 
 namespace lm::host::outputs::report::templates {

@@ -17,7 +17,7 @@ using namespace std::chrono_literals;
 
 constexpr int kMostTicks = 9;
 
-// The same text in every locale.
+// Independent of the locale.
 std::string number(double value) {
   std::array<char, 32> text{};
   const auto end =
@@ -29,7 +29,7 @@ double place(microseconds time, microseconds length) {
   return std::clamp(100.0 * double(time.count()) / double(length.count()), 0.0, 100.0);
 }
 
-// In a box of 100 by 100; the shares as parts of `highest`.
+// In a box of 100 by 100; shares relative to `highest`.
 std::string curve(const Activity& activity, events::EventKind kind, microseconds length, double highest) {
   std::string points = "0,100 ";
   microseconds time{0};
@@ -83,7 +83,7 @@ std::string axis(microseconds length) {
   std::string ticks;
   for (const microseconds time : axis_times(length, kMostTicks)) {
     const double at = place(time, length);
-    if (at > 93) continue;  // would run into the end's
+    if (at > 93) continue;  // would overlap the label at the end
     ticks += "<span style=\"left:" + number(at) + "%\">" + base::clock_text(time) + "</span>";
   }
   ticks += "<span class=\"last\" style=\"left:100%\">" + base::clock_text(length) + "</span>";

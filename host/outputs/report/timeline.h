@@ -9,7 +9,7 @@
 
 namespace lm::host::outputs::report {
 
-// Round times from 0 on, at most `most` of them, that divide the length.
+// Round, evenly spaced times from 0 up to the length, at most `most` of them.
 std::vector<std::chrono::microseconds> axis_times(std::chrono::microseconds length, int most);
 
 std::string timeline(const PageData& data);

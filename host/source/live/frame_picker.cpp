@@ -8,8 +8,8 @@ using namespace std::chrono_literals;
 
 FramePicker::FramePicker(double most) : interval_(most > 0 ? std::llround(1e6 / most) : 0) {}
 
-// The frames wanted lie on a grid, so that uneven times do not add up to fewer of them than asked for. Times
-// are rounded, so a frame may be a little before its place on it.
+// Frames are picked on a fixed grid, so that uneven times do not reduce their number. Times are rounded, so a
+// frame may be slightly before its grid point.
 bool FramePicker::wants(std::chrono::microseconds time) {
   if (interval_ == 0us) return true;
   const auto early = due_ - time;

@@ -1,4 +1,4 @@
-// Which frames to analyse when not all of them.
+// Selects the frames to analyse under a frame rate limit.
 #pragma once
 
 #include <chrono>
@@ -7,10 +7,10 @@ namespace lm::host::source::live {
 
 class FramePicker {
  public:
-  // `most`: frames a second of the source's time; 0 for all.
+  // `most`: frames per second of the source's time; 0: all.
   explicit FramePicker(double most);
 
-  // Asked once for each frame, in the order of time.
+  // To be called once per frame, in order of time.
   bool wants(std::chrono::microseconds time);
 
  private:

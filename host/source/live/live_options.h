@@ -1,4 +1,4 @@
-// Options of sources on the command line.
+// Command-line options of sources.
 #pragma once
 
 #include "host/source/live/scale.h"

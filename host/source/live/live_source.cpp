@@ -111,7 +111,7 @@ void LiveSource::forward_frames() {
   if (surroundings_.now() - begin >= kGoodConnection) back_off_.reset();
 }
 
-// Retries until connected; false when the time for it is over or the program is stopping.
+// Retries until connected; false if the time limit is reached or the program is stopping.
 bool LiveSource::connect_again() {
   std::string cause = connection_->trouble();
   if (cause.empty()) cause = "the stream ended";
@@ -137,7 +137,7 @@ bool LiveSource::connect_again() {
   return false;
 }
 
-// Returns why there is no connection; empty when there is one.
+// Returns why connecting failed; empty on success.
 std::string LiveSource::attempt() {
   try {
     connection_ = connect_();

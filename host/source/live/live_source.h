@@ -1,4 +1,4 @@
-// A source that happens now: read by a thread of its own, and connected anew when it is lost.
+// A live source: read by its own thread, and reconnected when the connection is lost.
 #pragma once
 
 #include <chrono>
@@ -19,14 +19,14 @@
 
 namespace lm::host::source::live {
 
-// Hands out the newest frame and drops those that nobody had time for. Times go on over a loss by as much as
-// the loss lasted.
+// Returns the newest frame and drops older ones not yet taken. Times continue after a loss, which they
+// include.
 class LiveSource : public Source {
  public:
-  // Throws Failure when there is no connection to be had. A connection ends when its next returns false.
+  // Throws Failure if connecting fails. A connection has ended when its next returns false.
   using Connect = std::function<std::unique_ptr<Source>()>;
 
-  // Time and chance, for tests to replace.
+  // Clock, waiting and random numbers; replaced in tests.
   struct Surroundings {
     base::Deadline::Now now = base::Deadline::Clock::now;
     std::function<void(std::chrono::milliseconds, std::stop_token)> wait;
@@ -34,7 +34,7 @@ class LiveSource : public Source {
     Surroundings();
   };
 
-  // `stop`: what makes a connection's next return early, for the end. `patience`: as in Reading.
+  // `stop`: makes a connection's next return early, for shutdown. `patience`: as in Reading.
   LiveSource(std::unique_ptr<Source> first, Connect connect,
              std::optional<std::chrono::microseconds> patience, std::stop_source stop,
              Surroundings surroundings = {});
@@ -65,7 +65,7 @@ class LiveSource : public Source {
   Surroundings surroundings_;
   base::BackOff back_off_;
 
-  // Where this connection's count of time and frames begins, and what its first frame has to tell.
+  // Time and frame number at which this connection starts, and the note for its first frame.
   Time first_time_{0};
   std::int64_t first_number_ = 0;
   std::string news_;
@@ -74,7 +74,7 @@ class LiveSource : public Source {
   base::Deadline::Clock::time_point last_frame_;
 
   NewestFrame newest_;
-  mutable std::mutex mutex_;  // of what both threads see
+  mutable std::mutex mutex_;  // for members shared by both threads
   SourceCounts counts_;
   std::string trouble_;
   std::exception_ptr error_;

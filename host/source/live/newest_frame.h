@@ -1,4 +1,4 @@
-// Room for one frame between the thread that reads and the one that analyses.
+// A one-frame buffer between the reading and the analysing thread.
 #pragma once
 
 #include <chrono>
@@ -13,21 +13,21 @@
 
 namespace lm::host::source::live {
 
-// A frame that is not taken before the next one comes is dropped, and what it had to tell goes to that one.
+// A frame not taken before the next one arrives is dropped; its note passes to that frame.
 class NewestFrame {
  public:
   struct Taken {
-    std::optional<Frame> frame;         // none yet, or none any more
-    std::vector<std::string> messages;  // in their order
-    bool ended = false;                 // and there will be no frame
+    std::optional<Frame> frame;         // none yet, or already taken
+    std::vector<std::string> messages;  // in order
+    bool ended = false;                 // no further frame will come
   };
 
-  // Returns false when the frame before was dropped for it.
+  // Returns false if this dropped the previous frame.
   bool put(Frame frame);
   void put_message(std::string text);
   void end();
 
-  // Waits for a change, for `longest` at most.
+  // Waits for a change, at most `longest`.
   Taken take(std::chrono::milliseconds longest);
 
  private:

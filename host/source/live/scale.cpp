@@ -11,7 +11,7 @@ namespace {
 
 constexpr int kLargest = 1 << 16;
 
-// The number that all of `text` is.
+// `text` as a number, if all of it is one.
 template <typename Number>
 std::optional<Number> whole_number(std::string_view text) {
   Number value{};

@@ -1,4 +1,4 @@
-// Says from time to time how many frames had to be dropped.
+// Reports dropped frames periodically.
 #pragma once
 
 #include <chrono>
@@ -15,7 +15,7 @@ class Shedding {
 
   explicit Shedding(Time start) : period_start_(start) {}
 
-  // Counts a frame. Returns what to say about the period that is over now; mostly nothing.
+  // Counts a frame. Returns the message on the period that has just ended; usually empty.
   std::string count(bool dropped, Time now);
 
  private:

@@ -14,8 +14,7 @@ constexpr int kFramesPerSecond = 25;
 constexpr int kLampOn = 300;
 constexpr std::size_t kNoiseLength = 1 << 16;
 
-// From the back of the picture to its front: these, the lamp, the walker at the kerb, the car, the walker on
-// the road.
+// From back to front: these, the lamp, the walker at the kerb, the car, the walker on the road.
 constexpr Walker kBehindLamp[] = {
     {150, 680, -40, 209, 88, 34, {176, 186, 120}, {52, 40, 36}, {40, 58, 88}},
     {50, -40, 680, 220, 93, 43, {128, 84, 44}, {58, 52, 48}, {24, 26, 30}},
@@ -28,7 +27,7 @@ std::chrono::microseconds time_of(int number) {
   return std::chrono::milliseconds(1000 / kFramesPerSecond * number);
 }
 
-// Bell-shaped, from -6 to 6, with a standard deviation near 2.4, as a small camera has in the evening.
+// Approximately normal, from -6 to 6, with a standard deviation near 2.4: a small camera in the evening.
 std::vector<std::int8_t> make_noise() {
   std::vector<std::int8_t> noise(kNoiseLength);
   for (std::size_t i = 0; i < noise.size(); ++i) {
@@ -73,8 +72,8 @@ bool BuiltinScene::seek(std::chrono::microseconds time) {
   return true;
 }
 
-// Every row takes its noise from another place of the table, which is much cheaper than drawing each value
-// anew.
+// Each row takes its noise from a different offset of the table, which is much cheaper than drawing every
+// value.
 void BuiltinScene::add_noise(cv::Mat& image) const {
   const std::size_t length = image.step[0];
   for (int y = 0; y < image.rows; ++y) {

@@ -1,4 +1,4 @@
-// The street that runs when no source is given.
+// The street scene that is analysed when no source is given.
 #pragma once
 
 #include <cstdint>
@@ -9,11 +9,11 @@
 
 namespace lm::host::source::scene {
 
-// Twenty seconds of a street at dusk: two seconds in which nothing but the sensor's noise moves, then people
-// walk by, a car drives in and parks, and a lamp is switched on. The same bytes on every machine.
+// Twenty seconds of a street at dusk: two seconds of sensor noise only, then people walk by, a car drives in
+// and parks, and a lamp is switched on. The same bytes on every machine.
 class BuiltinScene : public Source {
  public:
-  // `fps`: hand out at most so many frames a second; 0 for all.
+  // `fps`: return at most this many frames per second; 0: all.
   explicit BuiltinScene(double fps = 0);
 
   const SourceInfo& info() const override { return info_; }

@@ -8,7 +8,7 @@ namespace {
 
 constexpr Colour kSkin{118, 148, 196};
 constexpr Colour kShoes{34, 36, 40};
-constexpr int kInShade = 190;  // 256ths of the light that reach the far arm and leg
+constexpr int kInShade = 190;  // brightness of the far arm and leg, in 256ths
 
 // A body seen from the side. Lengths are fractions of its height, in 1000ths.
 class Body {
@@ -39,7 +39,7 @@ class Body {
   void leg(Spot hip, int phase, int light) {
     const int swing = 82 * sine(phase) / 16384;
     const int bend =
-        18 + 120 * std::max(0, sine(phase + 256)) / 16384;  // the knee bends while the leg comes forward
+        18 + 120 * std::max(0, sine(phase + 256)) / 16384;  // the knee bends while the leg swings forward
     const Spot knee = hanging(hip, part(235), facing_ * swing);
     const Spot ankle = hanging(knee, part(225), facing_ * (swing - bend));
     const Colour cloth = shaded(walker_.trousers, light);
@@ -74,12 +74,12 @@ class Body {
 };
 
 constexpr int kCarFirstFrame = 112;
-constexpr int kCarDrive = 96;                       // frames until it stands
+constexpr int kCarDrive = 96;                       // frames until it stops
 constexpr int kCarWay = 520;                        // pixels
-constexpr int kCarPlace = 250;                      // where its middle comes to rest
-constexpr int kCarGround = 326;                     // the row that the wheels stand on
+constexpr int kCarPlace = 250;                      // final position of its middle
+constexpr int kCarGround = 326;                     // the row on which the wheels stand
 constexpr int kWheel = 17;                          // radius in pixels
-constexpr int kWheelTurn = 2 * kWheel * 355 / 113;  // pixels a turn
+constexpr int kWheelTurn = 2 * kWheel * 355 / 113;  // pixels per turn
 
 void draw_wheel(Canvas& canvas, Spot centre, int way) {
   canvas.disc(centre, (kWheel + 3) * kPixel, {26, 24, 24});
@@ -116,7 +116,7 @@ void draw(Canvas& canvas, const Walker& walker, int frame) {
   const int distance = std::abs(walker.to - walker.from) * kPixel;
   if (way < 0 || way > distance) return;
   const Spot feet{walker.from * kPixel + (walker.to > walker.from ? way : -way), walker.ground * kPixel};
-  // One stride of both legs carries the body nine tenths of its height, so that the feet do not slide.
+  // One stride of both legs moves the body by nine tenths of its height, so that the feet do not slide.
   const int phase = way * 1024 / (walker.height * kPixel * 9 / 10);
   Body(canvas, walker, feet, phase).draw();
 }

@@ -16,7 +16,7 @@ Wide root(Wide value) {
   return result;
 }
 
-// How much of a pixel is covered, in 256ths, when its middle lies this far inside the edge.
+// Coverage of a pixel in 256ths, given the distance of its centre inside the edge.
 int soft_edge(Wide inside) { return static_cast<int>(std::clamp<Wide>(128 + inside * 256 / kPixel, 0, 256)); }
 
 std::uint8_t mix(int under, int over, int opacity) {
@@ -58,7 +58,8 @@ std::uint32_t scrambled(std::uint32_t value) {
   return value ^ (value >> 16);
 }
 
-// Calls `coverage` with the middle of every pixel between the corners and mixes in the paint that it returns.
+// Calls `coverage` with the centre of every pixel between the corners and blends in the paint that it
+// returns.
 template <typename Coverage>
 void Canvas::fill(Spot low, Spot high, Coverage coverage) {
   const int left = std::max(0, low.x / kPixel - 1);
@@ -93,7 +94,7 @@ void Canvas::limb(Spot from, Spot to, int from_radius, int to_radius, Colour col
     const Wide off_y = length2 == 0 ? y : y - along_y * forward / length2;
     const Wide radius = length2 == 0 ? reach : from_radius + (to_radius - from_radius) * forward / length2;
     if (radius <= 0) return {colour, 0};
-    // Near the edge, (r*r - d*d) / 2r is r - d without a root for every pixel.
+    // Near the edge, (r*r - d*d) / 2r approximates r - d without a square root.
     const Wide inside = (radius * radius - off_x * off_x - off_y * off_y) / (2 * radius);
     const Wide left_of_axis =
         length2 == 0 ? -x : (y * along_x - x * along_y) * (along_y < 0 ? -1 : 1) / length;

@@ -1,5 +1,4 @@
-// Soft-edged shapes in whole-number arithmetic, so that the built-in scene has the same bytes on every
-// machine.
+// Anti-aliased shapes in integer arithmetic, so that the built-in scene has the same bytes on every machine.
 #pragma once
 
 #include <cstdint>
@@ -12,7 +11,7 @@ struct Colour {
   int blue, green, red;
 };
 
-// A colour made lighter (above 256) or darker.
+// A colour lightened (above 256) or darkened.
 Colour shaded(Colour colour, int in_256ths);
 
 // Positions and lengths on the canvas are in sixteenths of a pixel.
@@ -28,27 +27,27 @@ Spot pixels(int x, int y);
 // Angles in 1024ths of a turn; the result in 16384ths.
 int sine(int angle);
 
-// The end of a line of this length that hangs down from `from`, turned by `angle` towards the right.
+// The end of a line of this length that hangs from `from`, turned by `angle` to the right.
 Spot hanging(Spot from, int length, int angle);
 
-// A number that looks random and depends on its argument only.
+// A pseudorandom number that depends only on its argument.
 std::uint32_t scrambled(std::uint32_t value);
 
 class Canvas {
  public:
-  // `image`: 8-bit blue, green, red; drawn into and not owned. Shapes may reach past its edges.
+  // `image`: 8-bit blue, green, red; drawn into, not owned. Shapes may extend beyond its edges.
   explicit Canvas(cv::Mat& image) : image_(image) {}
 
-  // A rounded bar whose radius goes from one end's to the other's; lit from the left when `from` is above
-  // `to`.
+  // A rounded bar whose radius changes linearly from one end to the other; lit from the left when `from` is
+  // above `to`.
   void limb(Spot from, Spot to, int from_radius, int to_radius, Colour colour);
   void disc(Spot centre, int radius, Colour colour) { limb(centre, centre, radius, radius, colour); }
 
-  // A convex polygon, in either direction of turning; `opacity` in 256ths.
+  // A convex polygon in either orientation; `opacity` in 256ths.
   void polygon(const std::vector<Spot>& corners, Colour colour, int opacity = 256);
   void rectangle(int left, int top, int width, int height, Colour colour, int opacity = 256);  // in pixels
 
-  // Darkens an ellipse, most in its middle by `strength` 256ths.
+  // Darkens an ellipse, most at its centre, by `strength` 256ths.
   void shadow(Spot centre, int radius_x, int radius_y, int strength);
 
  private:

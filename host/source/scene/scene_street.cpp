@@ -11,7 +11,7 @@ constexpr int kKerbTop = 266;
 constexpr int kRoadTop = 274;
 constexpr Spot kLampHead{470 * kPixel, 44 * kPixel};
 
-// A number from -range to range that belongs to a place.
+// A pseudorandom number from -range to range for a position.
 int grain(int x, int y, int range) {
   const auto place = static_cast<std::uint32_t>(y * 4096 + x);
   return static_cast<int>(scrambled(place) % static_cast<std::uint32_t>(2 * range + 1)) - range;
@@ -26,7 +26,7 @@ Colour brick(int x, int y) {
 }
 
 Colour paving(int x, int y) {
-  // Rows grow taller towards the viewer, as slabs seen at a slant do.
+  // Rows grow taller towards the viewer, like slabs in perspective.
   const int depth = y - kPavementTop;
   int row = 0;
   int top = 0;

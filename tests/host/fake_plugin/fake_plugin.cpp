@@ -1,17 +1,17 @@
-// A plug-in for the host's tests: no detector, but the same four entry points. What a document has in its
-// "comment", which no program minds, tells it how to behave:
+// A fake plug-in for the tests: no detector, but the same four entry points. The document's "comment", which
+// the program ignores, determines its behaviour:
 //   refuse        initialization prints a line on standard output and returns false
-//   refuse mute   ... returns false without a word
-//   throw         ... throws std::invalid_argument("stoi"), as the conversions of a real plug-in do
+//   refuse mute   ... returns false without a message
+//   throw         ... throws std::invalid_argument("stoi"), as conversions in a real plug-in do
 //   chatter       ... prints on standard output and accepts
 //   log           ... writes to the host's log and accepts
-//   pixel         the box is as many 256ths of the frame high as the first byte of the frame says
-//   border        the box reaches past the frame's right and bottom border, as those of the real plug-in do
+//   pixel         the first byte of the frame is the height of the box, in 256ths of the frame
+//   border        the box extends beyond the right and bottom border, as the real plug-in's boxes do
 //   frame throws  the fifth frame throws
 //   frame dies    ... ends the process
 //   frame waits   ... waits for a signal
-// It reports one box on every frame but the first and every tenth. Where the environment names a file
-// LIGHTMOTION_FAKE_CONFIGURATION, the document goes there.
+// It reports one box on every frame except the first and every tenth. If the environment variable
+// LIGHTMOTION_FAKE_CONFIGURATION names a file, the document is written there.
 #include <json/json.h>
 #include <unistd.h>
 

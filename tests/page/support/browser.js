@@ -1,11 +1,11 @@
-// A browser for the tests of one file, and windows on the page that remember what the program sent them.
+// The browser for the tests of one file, and windows that record what the program sent.
 import { after, before } from "node:test";
 import { launch } from "./chromium.js";
 
 const received = new WeakMap();
 let browser = null;
 
-// What came with the pictures that a window got so far, oldest first.
+// The metadata of the pictures that a window has received, oldest first.
 export const framesOf = (page) => received.get(page);
 
 export function useBrowser() {
@@ -15,7 +15,7 @@ export function useBrowser() {
   after(() => browser.close());
 }
 
-// What goes wrong inside a window fails the test. Waits for the first picture, if one is to be `shown`.
+// Errors inside a window fail the test. Waits for the first picture if `shown`.
 export async function openPage(test, address, { shown = true, ...options } = {}) {
   const context = await browser.newContext({ viewport: { width: 1280, height: 860 }, ...options });
   const page = await context.newPage();

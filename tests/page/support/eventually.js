@@ -1,8 +1,8 @@
-// Waits for what has to come true, and fails when it does not in good time.
+// Waits for a condition, and fails after a deadline.
 const deadline = 60_000;
 const between = 40;
 
-// `probe` is asked again and again; its first answer that counts as true is handed back.
+// `probe` is called repeatedly; its first truthy result is returned.
 export async function eventually(what, probe) {
   for (const end = Date.now() + deadline; ;) {
     const answer = await probe();

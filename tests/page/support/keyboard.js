@@ -1,4 +1,4 @@
-// Presses keys in a window. A name is that of `KeyboardEvent.key`, after modifiers: "Control+Shift+z".
+// Presses keys in a window. Names are those of `KeyboardEvent.key`, after modifiers: "Control+Shift+z".
 const modifiers = { Alt: 1, Control: 2, Meta: 4, Shift: 8 };
 const codes = { Enter: 13, Escape: 27, PageDown: 34, End: 35, ArrowLeft: 37, ArrowUp: 38, ArrowRight: 39, ArrowDown: 40, Delete: 46 };
 

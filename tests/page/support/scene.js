@@ -1,4 +1,4 @@
-// The tests' clip, shown by a server of its own with a configuration file of its own.
+// The test video, on its own server with its own configuration file.
 import { readFileSync, writeFileSync } from "node:fs";
 import { join } from "node:path";
 import { framesOf, openPage } from "./browser.js";
@@ -34,7 +34,7 @@ export const pointOf = async (page, point) => (await rootOf(page)).roi[0].points
 export const inForce = (page) =>
   eventually("the document is applied", async () => (await page.locator("#progress").textContent()) === "Applied");
 
-// The frames from now on, until the last `count` of them are as wished.
+// The frames from now on, until the last `count` of them are as wanted.
 export function framesBecome(page, what, wish, count = 10) {
   const from = framesOf(page).length;
   return eventually(what, () => {
@@ -43,7 +43,7 @@ export function framesBecome(page, what, wish, count = 10) {
   });
 }
 
-// A pointer's place on the picture, in fractions of it.
+// Converts fractions of the picture to pointer positions.
 export async function placer(page) {
   const { x, y, width, height } = await page.locator("#overlay").boundingBox();
   return (across, down) => [x + across * width, y + down * height];

@@ -1,4 +1,4 @@
-// `lightmotion serve`, started for a test and ended with it.
+// `lightmotion serve`, started for a test and stopped after it.
 import { spawn } from "node:child_process";
 import { createInterface } from "node:readline";
 

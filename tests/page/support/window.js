@@ -17,13 +17,13 @@ function find(steps) {
   return found;
 }
 
-// Runs in the page: whether somebody could see it.
+// Runs in the page: whether the element is visible.
 function isSeen(element) {
   const { width, height } = element.getBoundingClientRect();
   return width > 0 && height > 0 && element.checkVisibility({ checkVisibilityCSS: true });
 }
 
-// Runs in the page: the middle of the element once it has come to rest there and nothing covers it, or null.
+// Runs in the page: the centre of the element once it no longer moves and nothing covers it, or null.
 async function target(element) {
   if (!isSeen(element) || element.disabled) return null;
   element.scrollIntoView({ block: "nearest", inline: "nearest" });
@@ -70,7 +70,7 @@ export async function openWindow({ send, events, folder, browserContextId }, { v
   for (const domain of ["Page", "Runtime", "Network"]) await tell(`${domain}.enable`);
   await tell("Emulation.setDeviceMetricsOverride", { ...viewport, deviceScaleFactor: 1, mobile: false });
   await tell("Emulation.setTouchEmulationEnabled", { enabled: hasTouch });
-  await tell("Emulation.setFocusEmulationEnabled", { enabled: true }); // several windows, each as if in front
+  await tell("Emulation.setFocusEmulationEnabled", { enabled: true }); // several windows, each as if focused
 
   async function evaluate(work, ...values) {
     const expression = `(() => { ${helpers}; return (${work})(${values.map((value) => JSON.stringify(value))}); })()`;
@@ -120,7 +120,7 @@ export async function openWindow({ send, events, folder, browserContextId }, { v
 
   function locate(steps) {
     const name = JSON.stringify(steps);
-    // What `work` gives for the first element that there is; repeated until it gives something other than null.
+    // The result of `work` for the first matching element; repeated until it is not null.
     const first = async (work, ...values) => {
       const answer = await eventually(`an element ${name}`, () =>
         evaluate(

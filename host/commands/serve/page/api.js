@@ -1,4 +1,4 @@
-// Requests to the program, with the token where it asks for one.
+// Requests to the program, with the token if it requires one.
 
 export class Refusal extends Error {
   constructor(status, answer) {
@@ -8,8 +8,8 @@ export class Refusal extends Error {
   }
 }
 
-// The program prints its address with the token behind "#", where it reaches neither logs nor other sites. Kept for a
-// reload, taken out of the address bar.
+// The program prints its address with the token after "#", so that it reaches neither logs nor other sites. Stored for
+// reloads and removed from the address bar.
 function takeToken() {
   const given = new URLSearchParams(location.hash.slice(1)).get("token");
   if (given) {
@@ -20,7 +20,7 @@ function takeToken() {
 }
 const token = takeToken();
 
-// The answer; a Refusal when the program said no, a TypeError when it could not be reached.
+// The answer; throws a Refusal for an error answer, a TypeError if the program is unreachable.
 export async function request(path, { method = "GET", body, signal } = {}) {
   const headers = token ? { Authorization: `Bearer ${token}` } : {};
   if (body !== undefined) headers["Content-Type"] = "application/json";
@@ -40,7 +40,7 @@ export const save = (text) => post("/api/save", text);
 export const play = (wish) => post("/api/play", JSON.stringify(wish));
 export const compareWith = (text) => post("/api/compare", JSON.stringify({ configuration: text }));
 
-// The picture of a moment, without boxes.
+// The picture at a time, without boxes.
 export async function getStill(time) {
   const answer = await request(`/api/still?time=${time}`);
   const about = JSON.parse(answer.headers.get("Lightmotion-Frame"));

@@ -1,4 +1,4 @@
-// The same moments side by side: with the settings as they were when the comparison began, and as they are now.
+// The same frames side by side: with the settings at the start of the comparison, and with the current ones.
 import { compareWith } from "./api.js";
 import { count, find, say } from "./dom.js";
 import { Picture } from "./picture.js";

@@ -1,4 +1,4 @@
-// The document as text: edited, loaded from a file, saved and downloaded.
+// The configuration as text: edited, loaded from a file, saved and downloaded.
 import { save } from "./api.js";
 import { element, find, say } from "./dom.js";
 import { findingsList } from "./findings.js";
@@ -52,7 +52,7 @@ export class DocumentPanel {
     find("save").textContent = this.#file ? `Save to ${baseName(this.#file)}` : "Save";
     find("save").disabled = !this.#file || !unsaved || progress === "refused" || progress === "unreachable";
     find("save").title = this.#file ?? "Start lightmotion serve with --config FILE to save from here";
-    // What was said of a text goes with it.
+    // A message about a text disappears with that text.
     if (find("saved").dataset.of !== text) this.#tell(unsaved && this.#file ? "Not saved yet." : "", text);
   }
 

@@ -1,9 +1,9 @@
-// What every part of the page needs of the document object model.
+// Helpers for the document object model.
 
 export const find = (id) => document.getElementById(id);
 
-// element("button", { type: "button", class: "plain" }, "Save") makes an element; a property whose name begins with
-// "on" is a listener, one that is null or false is left out.
+// element("button", { type: "button", class: "plain" }, "Save") creates an element; properties whose names begin with
+// "on" are listeners; null and false properties are omitted.
 export function element(tag, properties = {}, ...children) {
   const node = document.createElement(tag);
   for (const [name, value] of Object.entries(properties)) {
@@ -15,13 +15,13 @@ export function element(tag, properties = {}, ...children) {
   return node;
 }
 
-// Says something to screen readers. The same words twice in a row are said twice.
+// Announces a text to screen readers, also if it is the same as the previous one.
 export function say(text) {
   const place = find("said");
   place.textContent = place.textContent === text ? `${text}\u00a0` : text;
 }
 
-// "1:02.4"; hours only where there are any.
+// "1:02.4"; hours only if needed.
 export function clock(seconds, digits = 1) {
   const scale = 10 ** digits;
   const whole = Math.floor(seconds * scale + 1e-6) / scale;
@@ -36,7 +36,7 @@ export const percent = (share, digits = 0) => `${(share * 100).toFixed(digits)} 
 
 export const count = (number, one, many = `${one}s`) => `${number} ${number === 1 ? one : many}`;
 
-// A function that runs `work` once things have been quiet for `milliseconds`.
+// A function that runs `work` when it has not been called for `milliseconds`.
 export function debounced(work, milliseconds) {
   let timer = 0;
   return (...args) => {

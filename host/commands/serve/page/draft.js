@@ -1,5 +1,5 @@
-// The configuration document as it is being edited. Every change is checked by the program and, when nothing speaks
-// against it, applied at once; every change can be undone.
+// The configuration being edited. The program checks every change, and applies it at once if valid; every change can
+// be undone.
 import { apply, check } from "./api.js";
 import { debounced, say } from "./dom.js";
 import { parse } from "./json_text.js";
@@ -10,8 +10,8 @@ const quiet = 250;
 // Events: "change" (the text), "verdict" (findings, effective, progress).
 export class Draft extends EventTarget {
   text = "";
-  root = {}; // of the last text that could be read
-  fault = ""; // why the text cannot be read
+  root = {}; // of the last valid text
+  fault = ""; // why the text is invalid
   inForce = "";
   findings = [];
   effective = null;
@@ -34,7 +34,7 @@ export class Draft extends EventTarget {
     return this.#undone.length > 0;
   }
 
-  // `what` says it to people. Changes in a row with the same merge key are one step.
+  // `what` describes the change to users. Consecutive changes with the same merge key are one step.
   change(text, what, mergeKey = null) {
     if (text === this.text) return;
     if (mergeKey === null || mergeKey !== this.#mergeKey) this.#done.push({ text: this.text, what });
@@ -55,7 +55,7 @@ export class Draft extends EventTarget {
     this.#mergeKey = null;
   }
 
-  // What the program works with now: the start, or what another viewer has applied.
+  // Takes over the program's configuration: the initial one, or one that another viewer has applied.
   follow(text) {
     const own = this.text === this.inForce || !this.inForce;
     const first = !this.inForce;
@@ -71,7 +71,7 @@ export class Draft extends EventTarget {
     this.#await();
   }
 
-  // Once more, after the program could not be reached.
+  // Tries again after the program was unreachable.
   retry() {
     if (this.text !== this.inForce || this.progress === "unreachable") this.#await();
   }
@@ -107,7 +107,7 @@ export class Draft extends EventTarget {
     this.dispatchEvent(new Event("verdict"));
   }
 
-  // The program's findings on the text as it is; null when it has changed since.
+  // The program's findings on the current text; null if it has changed since.
   async #judge() {
     const { text } = this;
     const { findings, effective } = await check(text);

@@ -1,4 +1,4 @@
-// Drawing a new region: corner by corner, or as a rectangle in one stroke.
+// Draws a new region: point by point, or a rectangle by dragging.
 import { find, say } from "./dom.js";
 import { kinds, settled } from "./regions.js";
 
@@ -27,7 +27,7 @@ export class DrawingHand {
     say(`Drawing. Click corners on the picture. Enter finishes, Escape cancels.`);
   }
 
-  // Without a pointer: a rectangle in the middle, whose points the keys then move.
+  // Without a pointer: a rectangle in the middle, to be adjusted with the keyboard.
   startReadyMade(kind) {
     this.#editor.add(kind, readyMade);
     this.#editor.focus(this.#editor.selected, 0);

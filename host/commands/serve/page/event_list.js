@@ -1,8 +1,8 @@
-// The events that were found, newest first; each leads to its moment.
+// The list of events, newest first; each links to its time.
 import { clock, element, find, percent } from "./dom.js";
 
 const words = { motion: "Motion", light: "Lighting change" };
-const keyOf = ({ id, start }) => `${id} ${start}`; // a program that was started anew counts anew
+const keyOf = ({ id, start }) => `${id} ${start}`; // a restarted program restarts its ids
 const setText = (node, text) => node.textContent !== text && (node.textContent = text);
 
 export class EventList {
@@ -13,7 +13,7 @@ export class EventList {
     this.#onSeek = onSeek;
   }
 
-  // An event that goes on keeps its element: what is pressed has to stay until it is let go.
+  // An event in progress keeps its element: a pressed button must stay until it is released.
   show({ events }, live) {
     const items = events.map((event) => this.#items.get(keyOf(event)) ?? this.#item(event, live));
     events.forEach((event, i) => this.#fill(items[i], event));

@@ -1,4 +1,4 @@
-// What comes from the program without being asked twice: pictures with their boxes, and the state when it changes.
+// Long polling: pictures with their boxes, and state changes.
 import { getState, request } from "./api.js";
 
 const viewer = Array.from(crypto.getRandomValues(new Uint32Array(2)), (part) => part.toString(36)).join("");
@@ -12,7 +12,7 @@ export class Feed extends EventTarget {
   #lost = false;
   #applied = 0;
 
-  // What was asked for before a document was applied tells of the document before it, and is not to be believed.
+  // Answers requested before a document was applied belong to the previous document and are ignored.
   noteApplied() {
     this.#applied += 1;
   }

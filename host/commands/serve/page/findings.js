@@ -1,9 +1,9 @@
-// What the program finds in the document, shown where it belongs.
+// The program's findings, shown beside the settings that they concern.
 import { element } from "./dom.js";
 
 const words = { error: "Mistake", warning: "Warning", note: "Note" };
 
-// Those of a key and of what lies within it: "roi[1]" has "roi[1].points[2].x".
+// Findings on a key and on anything inside it: "roi[1]" includes "roi[1].points[2].x".
 export const findingsOf = (findings, key) =>
   findings.filter(
     (finding) => finding.key === key || finding.key.startsWith(`${key}.`) || finding.key.startsWith(`${key}[`),
@@ -23,7 +23,7 @@ const finding = ({ severity, key, text, hint, line }, goTo) =>
       : null,
   );
 
-// Null when there are none. With `goTo`, each leads to its line.
+// Null if there are none. With `goTo`, each links to its line.
 export function findingsList(findings, goTo = null) {
   if (!findings.length) return null;
   return element("ul", { class: "findings" }, ...findings.map((one) => finding(one, goTo)));

@@ -1,21 +1,21 @@
-// Reads a configuration document and changes one member of it, leaving the rest of the text as its author wrote it:
-// unknown members, comments, order and spaces.
+// Parses a configuration and changes single members, keeping the rest of the text: unknown members, comments, order
+// and whitespace.
 
 const commentOrText = /"(?:[^"\\]|\\.)*"|\/\/[^\n]*|\/\*[^]*?\*\//g;
 const token = /"(?:[^"\\]|\\.)*"|[{}[\],:]|[^\s{}[\],:"]+/g;
 
-// Comments become spaces, so that every place stays where it is.
+// Replaces comments by spaces, so that positions are unchanged.
 const withoutComments = (text) =>
   text.replace(commentOrText, (part) => (part[0] === '"' ? part : part.replace(/[^\n]/g, " ")));
 
-// The document's object; throws a SyntaxError when the text is none.
+// The document's object; throws a SyntaxError if the text is not one.
 export function parse(text) {
   const root = JSON.parse(withoutComments(text));
   if (root === null || typeof root !== "object" || Array.isArray(root)) throw new SyntaxError("not a JSON object");
   return root;
 }
 
-// The members of the outermost object: {key, from, valueFrom, to}. The text parses.
+// The members of the outermost object: {key, from, valueFrom, to}. The text must be valid.
 function members(text) {
   const found = [];
   let depth = 0;
@@ -37,7 +37,7 @@ function members(text) {
   return { found, closing: last };
 }
 
-// The last of members with the same key is the one that counts.
+// Of duplicate keys, the last one counts.
 const latest = (found, key) => found.findLast((member) => member.key === key);
 
 export function setMember(text, key, value) {
@@ -50,7 +50,7 @@ export function setMember(text, key, value) {
   return `${text.slice(0, before.to)},${gap}${JSON.stringify(key)}: ${value}${text.slice(before.to)}`;
 }
 
-// Every member of that name goes, so that none comes to light that was hidden by a later one.
+// Removes all members of that name, so that no earlier duplicate takes effect.
 export function removeMember(text, key) {
   const { found } = members(text);
   const at = found.findLastIndex((member) => member.key === key);
@@ -60,7 +60,7 @@ export function removeMember(text, key) {
   return removeMember(text.slice(0, from) + text.slice(to), key);
 }
 
-// A value on one line, with room to breathe.
+// A value on one line, with spaces.
 function oneLine(value) {
   if (Array.isArray(value)) return `[${value.map(oneLine).join(", ")}]`;
   if (value === null || typeof value !== "object") return JSON.stringify(value);
@@ -69,5 +69,5 @@ function oneLine(value) {
     .join(", ")}}`;
 }
 
-// A list with an item a line.
+// A list with one item per line.
 export const listText = (items) => `[\n${items.map((item) => `    ${oneLine(item)}`).join(",\n")}\n  ]`;

@@ -1,4 +1,4 @@
-// Puts the page together.
+// Connects the parts of the page.
 import { getEvents, getStill, play } from "./api.js";
 import { Comparison } from "./compare.js";
 import { DocumentPanel } from "./document_panel.js";
@@ -31,7 +31,7 @@ openTabs(find("tabs"));
 let state = null;
 let presetNames = "";
 
-// ---- what goes wrong ----------------------------------------------------------------------------------------
+// ---- errors -------------------------------------------------------------------------------------------------
 
 function tell(text) {
   if (find("problem").textContent === text) return;
@@ -52,7 +52,7 @@ function showProblem(problem) {
   else tell("The connection to the program was lost. Reconnecting…");
 }
 
-// ---- what comes from the program ----------------------------------------------------------------------------
+// ---- updates from the program -------------------------------------------------------------------------------
 
 feed.addEventListener("lost", ({ detail }) => {
   showProblem(detail);
@@ -92,7 +92,7 @@ feed.addEventListener("state", ({ detail }) => {
 
 feed.addEventListener("frame", ({ detail: { about, picture: image } }) => {
   find("waiting").hidden = true;
-  find("stages").style.setProperty("--shape", `${image.width} / ${image.height}`); // of pixels that are square
+  find("stages").style.setProperty("--shape", `${image.width} / ${image.height}`); // with square pixels
   if (!timeline.held) picture.show(image, about.boxes, about.time);
   comparison.show(image, about);
   timeline.setTime(about.time);
@@ -105,13 +105,13 @@ feed.addEventListener("frame", ({ detail: { about, picture: image } }) => {
 let eventsAt = -Infinity;
 async function refreshEvents() {
   eventsAt = performance.now();
-  const answer = await getEvents().catch(() => null); // the next picture asks again
+  const answer = await getEvents().catch(() => null); // the next picture tries again
   if (!answer) return;
   timeline.setEvents(answer);
   events.show(answer, state.source.live);
 }
 
-// ---- what the viewer wants ----------------------------------------------------------------------------------
+// ---- user actions -------------------------------------------------------------------------------------------
 
 async function seek(time) {
   try {
@@ -122,7 +122,7 @@ async function seek(time) {
   }
 }
 
-// While the seek bar is held, the moments under it pass by, one picture at a time.
+// While the seek bar is dragged, single pictures are shown, one request at a time.
 let wanted = null;
 let asking = false;
 async function glance(time) {

@@ -1,5 +1,5 @@
-// The regions over the picture: what is ignored is dimmed and hatched, what is watched is clear. Outlines, points and
-// names are elements of their own, so that fingers, keys and screen readers reach them.
+// The regions over the picture: ignored areas are dimmed and hatched, watched areas are clear. Outlines, points and
+// names are separate elements, so that touch, keyboard and screen readers can reach them.
 import { hasArea } from "./regions.js";
 
 const namespace = "http://www.w3.org/2000/svg";
@@ -13,7 +13,7 @@ export class Overlay {
   #nodes = new Map();
   #used = new Set();
 
-  // The layers are in the page, one over the other.
+  // The layers are elements of the page, stacked.
   constructor(svg) {
     this.#svg = svg;
     this.#layers = Object.fromEntries(
@@ -25,7 +25,7 @@ export class Overlay {
     return { width: this.#svg.clientWidth || 1, height: this.#svg.clientHeight || 1 };
   }
 
-  // A pointer's place as fractions of the picture, not kept inside it.
+  // The pointer position as fractions of the picture; may be outside 0 to 1.
   place({ clientX, clientY }) {
     const frame = this.#svg.getBoundingClientRect();
     return { x: (clientX - frame.left) / frame.width, y: (clientY - frame.top) / frame.height };
@@ -35,7 +35,7 @@ export class Overlay {
     this.#nodes.get(key)?.focus();
   }
 
-  // `selected`: a region of the list or null. `drawn`: the points of an outline that is being drawn, or null.
+  // `selected`: a listed region or null. `drawn`: the points of an outline being drawn, or null.
   show({ regions, selected, drawn, everything }) {
     this.#used.clear();
     const { width, height } = this.size;
@@ -51,7 +51,7 @@ export class Overlay {
     }
   }
 
-  // The element of that key, made when there is none: elements stay, and with them the focus.
+  // The element with that key, created if missing: elements are reused, so that they keep the focus.
   #node(layer, key, tag, attributes) {
     let node = this.#nodes.get(key);
     if (!node) {
@@ -72,7 +72,7 @@ export class Overlay {
     return points.map(({ x, y }) => `${(x * width).toFixed(2)},${(y * height).toFixed(2)}`).join(" ");
   }
 
-  // White in the mask is shaded: everything, less the watched regions, and the ignored ones again.
+  // White areas of the mask are shaded: everything, minus the watched regions, plus the ignored ones.
   #showShade(regions, everything) {
     this.#layers.ground.setAttribute("fill", everything ? "#000" : "#fff");
     for (const region of regions.filter(hasArea)) {

@@ -1,4 +1,4 @@
-// A picture, and over it, where no shade dims them, the boxes of what moves and a trail of where it was.
+// A picture with, in its watched parts, the boxes of motion and a trail of recent positions.
 const trailSeconds = 2.5;
 const colours = { casing: "rgb(0 0 0 / 0.65)", box: "#ffe14d", trail: "255 225 77" };
 
@@ -26,7 +26,7 @@ export class Picture {
     this.#draw();
   }
 
-  // The outline of a size, as fractions: how small a box may be. Null takes it away.
+  // The outline of the minimum box size, in fractions; null hides it.
   set ghost(size) {
     this.#ghost = size;
     if (this.#last) this.#draw();
@@ -40,7 +40,7 @@ export class Picture {
     this.#trail = this.#trail.filter((step) => step.time > time - trailSeconds);
   }
 
-  // In the screen's own pixels, so that lines are as thin and sharp as it can show them.
+  // In device pixels, so that lines are thin and sharp.
   #draw() {
     const { boxes, time } = this.#last;
     this.#canvas.width = Math.round(this.#canvas.clientWidth * devicePixelRatio) || 1;

@@ -1,5 +1,5 @@
-// Regions as they are edited on the picture. Holds the selection and the change that is under way; what is done goes
-// into the draft as one step.
+// Edits regions on the picture. Holds the selection and the change in progress; a completed change becomes one step of
+// the draft.
 import { percent, say } from "./dom.js";
 import { DrawingHand } from "./drawing_hand.js";
 import { pointKey, regionKey } from "./overlay.js";
@@ -69,7 +69,7 @@ export class RegionEditor extends EventTarget {
     say(`${name} added.`);
   }
 
-  // Of points that a pointer still holds: shown, not yet done.
+  // For points that are still being dragged: shown, but not applied.
   preview(region, points) {
     region.points = points;
     this.show();
@@ -89,7 +89,7 @@ export class RegionEditor extends EventTarget {
     if (mergeKey) say(`${percent(Math.max(0, point.x), 1)} from the left, ${percent(point.y, 1)} from the top`);
   }
 
-  // A region keeps its shape when it is moved, so it stops as a whole at the border.
+  // A region keeps its shape when moved, so the whole region stops at the border.
   moved(points, dx, dy) {
     const limit = (axis, step) => {
       const all = points.map((point) => Math.max(0, Math.min(1, point[axis])));

@@ -3,7 +3,7 @@ const steps = { ArrowLeft: [-1, 0], ArrowRight: [1, 0], ArrowUp: [0, -1], ArrowD
 const step = 0.001;
 const largeStep = 0.02;
 
-// What the focus is on: {region, point}, `point` null for a whole region.
+// What has the focus: {region, point}; `point` is null for a whole region.
 function focused(editor, target) {
   const match = /^(ro[ir])-(\d+)(?:-point-(\d+))?$/.exec(target.dataset?.key ?? "");
   if (!match) return null;

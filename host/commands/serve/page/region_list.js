@@ -1,4 +1,4 @@
-// The list of regions beside the picture: names, kinds, and what they come to.
+// The list of regions beside the picture: names, kinds and covered area.
 import { count, element, find, percent } from "./dom.js";
 import { findingsList, findingsOf } from "./findings.js";
 import { regionKey } from "./overlay.js";
@@ -23,7 +23,7 @@ export class RegionList {
     this.#editor = editor;
     this.#draft = draft;
     for (const kind of Object.keys(kinds)) {
-      // A press of a key makes a click without a pointer.
+      // Pressing a key creates a click without a pointer.
       find(`draw-${kind}`).addEventListener("click", (event) =>
         event.detail === 0 ? editor.hand.startReadyMade(kind) : editor.hand.start(kind),
       );
@@ -49,8 +49,7 @@ export class RegionList {
     this.#showList(regions);
   }
 
-  // Built anew only when something in it is another, and not while somebody types in it: what is pressed has to stay
-  // until it is let go.
+  // Rebuilt only on changes, and not while the user types in it: a pressed button must stay until it is released.
   #showList(regions) {
     const list = find("region-list");
     const findings = this.#draft.findings.filter(({ severity, key }) => severity !== "note" && /^ro[ir]\[/.test(key));
@@ -89,7 +88,7 @@ export class RegionList {
 
   #controls({ kind, index, name }) {
     const draft = this.#draft;
-    const region = () => this.#editor.find(kind, index); // as it is by then
+    const region = () => this.#editor.find(kind, index); // looked up at the time of the event
     const rename = ({ target }) =>
       draft.change(replaceRegion(draft.text, { ...region(), name: target.value.trim() }), `rename ${name}`);
     const turn = ({ target }) =>

@@ -1,10 +1,10 @@
-// Editing regions with a mouse, a pen or a finger.
+// Editing regions with a mouse, pen or finger.
 import { settled } from "./regions.js";
 
-const stroke = 8; // pixels from which a press is a stroke and not a click
-const magnet = 8; // pixels from the border within which a point is pulled to it
+const stroke = 8; // pixels from which a press is a drag instead of a click
+const magnet = 8; // distance from the border, in pixels, within which points snap to it
 
-// A place is pulled to the picture's border when it is close to it.
+// Snaps a position to the picture's border if it is close.
 function pulled(overlay, { x, y }) {
   const { width, height } = overlay.size;
   const pull = (value, length) => {
@@ -14,7 +14,7 @@ function pulled(overlay, { x, y }) {
   return { x: pull(x, width), y: pull(y, height) };
 }
 
-// What happens while a pointer is down: `drag` gets each place, `drop` the last; `drop` alone when it did not move.
+// Handlers while a pointer is down: `drag` gets every position, `drop` the last; `drop` alone if it did not move.
 function dragOfPoint(editor, overlay, region, at) {
   const original = region.points;
   let points = null;

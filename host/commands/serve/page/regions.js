@@ -1,5 +1,5 @@
-// Regions of the document: where motion counts ("roi") and where it does not ("ror"). Coordinates are fractions of the
-// frame, as numbers here and as texts in the document.
+// The document's regions: where motion counts ("roi") and where it does not ("ror"). Coordinates are fractions of the
+// frame, as numbers here and as strings in the document.
 import { listText, parse, removeMember, setMember } from "./json_text.js";
 
 export const kinds = {
@@ -7,11 +7,11 @@ export const kinds = {
   ror: { word: "ignored", title: "Ignore" },
 };
 
-// A region's own left edge does not count as inside it, so one that is to reach the picture's left border starts a
-// little outside.
+// A region's own left edge is outside it, so a region that should reach the picture's left border starts slightly
+// outside.
 export const leftOfBorder = -0.01;
 
-// Of a coordinate that a hand or a key has moved: within the picture, in ten-thousandths.
+// Limits an edited coordinate to the picture and rounds it to ten-thousandths.
 export function settle(axis, value) {
   const rounded = Math.round(Math.min(1, Math.max(0, value)) * 1e4) / 1e4;
   return axis === "x" && rounded === 0 ? leftOfBorder : rounded;
@@ -22,7 +22,7 @@ const isObject = (value) => value !== null && typeof value === "object" && !Arra
 const listOf = (root, kind) => (Array.isArray(root[kind]) ? root[kind] : []);
 const pointOf = (raw) => ({ x: Number.parseFloat(raw?.x), y: Number.parseFloat(raw?.y), raw });
 
-// Every region that can be shown: {kind, index, name, points}, `index` counting within its kind.
+// Every region that can be shown: {kind, index, name, points}; `index` counts per kind.
 export function readRegions(root) {
   return Object.keys(kinds).flatMap((kind) =>
     listOf(root, kind).flatMap((raw, index) => {
@@ -34,12 +34,12 @@ export function readRegions(root) {
   );
 }
 
-// A coordinate that was not changed keeps the text it had.
+// Unchanged coordinates keep their text.
 const coordinate = (raw, value) => (Number.parseFloat(raw) === value ? raw : String(value));
 const pointJson = ({ x, y, raw }) => ({ ...raw, x: coordinate(raw?.x, x), y: coordinate(raw?.y, y) });
 const regionJson = ({ name, points, raw }) => ({ ...raw, name, points: points.map(pointJson) });
 
-// Without a list of watched regions everything is watched, so an empty one is left out.
+// Without a list of watched regions everything is watched, so an empty list is omitted.
 const withList = (text, kind, list) => (list.length ? setMember(text, kind, listText(list)) : removeMember(text, kind));
 
 export const addRegion = (text, region) =>
@@ -53,7 +53,7 @@ export const removeRegion = (text, { kind, index }) =>
 
 export const changeKind = (text, region, kind) => addRegion(removeRegion(text, region), { ...region, kind });
 
-// By the even-odd rule, as the plug-in does it.
+// By the even-odd rule, as in the plug-in.
 export function isInside(points, x, y) {
   let inside = false;
   points.forEach((to, i) => {

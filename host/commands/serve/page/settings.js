@@ -1,11 +1,11 @@
-// The settings as controls that say what they do.
+// The settings as controls with explanations.
 import { count, element, find, percent } from "./dom.js";
 import { findingsList, findingsOf } from "./findings.js";
 import { removeMember, setMember } from "./json_text.js";
 
 const greyLevels = (number) => `${number} grey levels`;
 
-// Sliders in steps of a percent are too coarse at the small end, where it matters: the places grow by squares.
+// Sliders with steps of a percent are too coarse for small values: the scale is quadratic.
 const toPlace = (value) => Math.round(Math.sqrt(value) * 100);
 const toFraction = (place) => Math.max(0.001, Math.round((place / 100) ** 2 * 1000) / 1000);
 
@@ -72,7 +72,7 @@ export class Settings {
   #onGhost;
   #rows = [];
 
-  // `onGhost` is told of the size of the smallest box while one changes it, and of null afterwards.
+  // `onGhost` is called with the minimum box size while it is changed, and with null afterwards.
   constructor(draft, onGhost) {
     this.#draft = draft;
     this.#onGhost = onGhost;
@@ -86,7 +86,7 @@ export class Settings {
     for (const row of this.#rows) this.#fill(row);
   }
 
-  // Members of a preset that are settings; its regions and remarks are not taken.
+  // The settings of a preset; its regions and comments are not used.
   usePreset({ name, configuration }) {
     const preset = JSON.parse(configuration);
     let { text } = this.#draft;
@@ -195,7 +195,7 @@ export class Settings {
     row.findings.replaceChildren(...(list ? [list] : []));
   }
 
-  // A value that is not among the choices is one more of them.
+  // A value that is not among the choices is added to them.
   #fillChoice({ setting, control, value }, chosen) {
     const known = setting.choices.some((choice) => choice.value === chosen);
     control.querySelector(".own")?.remove();

@@ -1,4 +1,4 @@
-// Tabs: one of them is open, arrow keys go from one to the next.
+// Tabs: one is open; the arrow keys switch between them.
 export function openTabs(list) {
   const tabs = [...list.querySelectorAll('[role="tab"]')];
   const open = (chosen) => {

@@ -1,8 +1,8 @@
-// What happened when: activity and events of the whole video, filling as it is analysed, and the way to a moment.
+// Activity and events over the whole video, filled in as it is analysed; also seeks.
 import { clock, find } from "./dom.js";
 
 const namespace = "http://www.w3.org/2000/svg";
-const liveSpan = 300; // seconds of a source without an end that are shown
+const liveSpan = 300; // seconds shown of a source without an end
 
 function shape(tag, attributes) {
   const node = document.createElementNS(namespace, tag);
@@ -14,7 +14,7 @@ export class Timeline {
   #seek = find("seek");
   #from = 0;
   #span = 1;
-  held = false; // by a hand that looks for a moment
+  held = false; // while the user seeks
   #activity = [];
   #events = [];
 
@@ -63,7 +63,7 @@ export class Timeline {
     this.#seek.setAttribute("aria-valuetext", `${clock(time)} of ${clock(this.#span)}`);
   }
 
-  // In thousandths of the width. Small shares are raised, so that a person far away shows beside a lorry.
+  // In thousandths of the width. Small shares are enlarged, so that a distant person is visible beside a lorry.
   #draw() {
     const place = (time) => Math.max(0, Math.min(1000, ((time - this.#from) / this.#span) * 1000));
     const seen = this.#activity.filter(([second]) => second >= this.#from);
