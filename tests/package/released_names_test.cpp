@@ -30,7 +30,7 @@ std::map<std::string, std::string> listed() {
 std::vector<std::string> exported() {
   constexpr std::size_t nameColumn = 19;  // after a 16-digit address and a type
   std::vector<std::string> names;
-  for (const auto& line : linesOf(std::string(NM) + " -D --defined-only " LIBRARY_FILE)) {
+  for (const auto& line : linesOf(NM " -D --defined-only " LIBRARY_FILE)) {
     names.push_back(line.substr(nameColumn));
   }
   return names;
