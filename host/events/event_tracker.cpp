@@ -74,12 +74,12 @@ EventTracker::EventTracker(const EventRules& rules, Touch touch)
       touch_(std::move(touch)) {}
 
 template <typename Call>
-void EventTracker::tell(Call call) {
+void EventTracker::notify(Call call) {
   for (const auto& listener : listeners_) call(*listener);
 }
 
 void EventTracker::observe(const source::Frame& frame, const Observation& seen) {
-  tell([&](EventListener& listener) { listener.frame(frame, seen); });
+  notify([&](EventListener& listener) { listener.frame(frame, seen); });
   const bool hidden = std::find(seen.by_light.begin(), seen.by_light.end(), true) != seen.by_light.end();
   for (Track& track : tracks_) {
     advance(track, seen, boxes_of_kind(seen, track.kind), hidden && track.kind == EventKind::kMotion);
@@ -91,9 +91,9 @@ void EventTracker::advance(Track& track, const Observation& seen, Boxes boxes, b
   if (track.event) {
     // At low frame rates, consecutive frames with boxes belong together however far apart they are: no frame
     // between them was quiet.
-    const bool goes_on = !boxes.empty() && track.quiet.count() == 0;
+    const bool continues = !boxes.empty() && track.quiet.count() == 0;
     (hidden && boxes.empty() ? track.hidden : track.quiet) += seen.time - *last_time_;
-    if (!goes_on && track.quiet > gap_) close(track, why_quiet(*track.event, gap_, track.hidden));
+    if (!continues && track.quiet > gap_) close(track, why_quiet(*track.event, gap_, track.hidden));
   }
   if (boxes.empty()) return;
   const bool counted = track.counts;
@@ -104,11 +104,11 @@ void EventTracker::advance(Track& track, const Observation& seen, Boxes boxes, b
     extend(*track.event, seen, boxes);
   }
   Event& event = *track.event;
-  if (counted && track.counts) return tell([&](EventListener& listener) { listener.changed(event); });
+  if (counted && track.counts) return notify([&](EventListener& listener) { listener.changed(event); });
   if (event.end - event.start < min_event_) return;
   track.counts = true;
   event.id = event_id(event, ++events_);
-  tell([&](EventListener& listener) { listener.begun(event); });
+  notify([&](EventListener& listener) { listener.begun(event); });
 }
 
 void EventTracker::open(Track& track, const Observation& seen, const Boxes& boxes) {
@@ -154,9 +154,9 @@ void EventTracker::close(Track& track, const std::string& why) {
   track.last_end = event.end;
   event.ended = why;
   if (track.counts) {
-    tell([&](EventListener& listener) { listener.ended(event); });
+    notify([&](EventListener& listener) { listener.ended(event); });
   } else {
-    tell([&](EventListener& listener) { listener.dropped(event); });
+    notify([&](EventListener& listener) { listener.dropped(event); });
   }
   track.counts = false;
   track.quiet = track.hidden = microseconds(0);
@@ -170,11 +170,11 @@ void EventTracker::interrupt(const std::string& why) {
 
 void EventTracker::finish(const std::string& why) {
   interrupt(why);
-  tell([](EventListener& listener) { listener.finish(); });
+  notify([](EventListener& listener) { listener.finish(); });
 }
 
 void EventTracker::commit() {
-  tell([](EventListener& listener) { listener.commit(); });
+  notify([](EventListener& listener) { listener.commit(); });
 }
 
 }  // namespace lm::host::events

@@ -53,7 +53,7 @@ class EventTracker {
   void extend(Event& event, const Observation& seen, const std::vector<cv::Rect2d>& boxes) const;
   void close(Track& track, const std::string& why);
   template <typename Call>
-  void tell(Call call);
+  void notify(Call call);
 
   std::chrono::microseconds min_event_, gap_, pre_, post_;
   Touch touch_;

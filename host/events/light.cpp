@@ -90,7 +90,7 @@ void LightWatch::forget() {
   change_.reset();
 }
 
-LightWatch::Cells LightWatch::relit(const Look& before, const Look& now) const {
+LightWatch::Cells LightWatch::changed_cells(const Look& before, const Look& now) const {
   Cells changed[2];  // darker, brighter
   Cells textured;
   Cells alike;
@@ -102,22 +102,23 @@ LightWatch::Cells LightWatch::relit(const Look& before, const Look& now) const {
     alike[i] = result.alike;
   }
   const Cells& most = changed[changed[1].count() >= changed[0].count() ? 1 : 0];
-  const auto telling = static_cast<double>((most & textured).count());
+  const auto with_texture = static_cast<double>((most & textured).count());
   const auto kept = static_cast<double>((most & textured & alike).count());
   const double part = static_cast<double>(most.count()) / static_cast<double>(watched_.count());
-  const bool texture_tells = telling * 4 >= static_cast<double>(most.count());
-  const bool light = texture_tells ? part >= kLeastPart && kept >= kAlike * telling : part >= kWholeFrame;
+  const bool texture_decides = with_texture * 4 >= static_cast<double>(most.count());
+  const bool light =
+      texture_decides ? part >= kLeastPart && kept >= kAlike * with_texture : part >= kWholeFrame;
   return light ? most & (alike | ~textured) : Cells();
 }
 
-void LightWatch::begin_or_go_on(const Look& now) {
+void LightWatch::track_change(const Look& now) {
   if (now.time > lit_until_) {
     lit_.reset();
     change_.reset();
   }
   if (looks_.empty()) return;
   const Look& before = looks_.front();
-  const Cells cells = relit(before, now);
+  const Cells cells = changed_cells(before, now);
   if (cells.none()) return;
   lit_ |= cells;
   lit_until_ = now.time + kAdaptation;
@@ -154,7 +155,7 @@ void LightWatch::look(const cv::Mat& image, Observation& seen) {
   now.brightness = seen.brightness = cv::mean(now.samples)[0];
   // One from before the span is kept, so that there is always one, however low the frame rate.
   while (looks_.size() > 1 && looks_[1].time <= now.time - kSpan) looks_.pop_front();
-  begin_or_go_on(now);
+  track_change(now);
   judge(seen);
   looks_.push_back(std::move(now));
 }

@@ -42,8 +42,8 @@ class LightWatch {
     double brightness;
   };
   // The cells with the same texture in a different light, if there are enough of them.
-  Cells relit(const Look& before, const Look& now) const;
-  void begin_or_go_on(const Look& now);
+  Cells changed_cells(const Look& before, const Look& now) const;
+  void track_change(const Look& now);
   bool made_by_light(const cv::Rect2d& box) const;
   void judge(Observation& seen);
 

@@ -70,10 +70,10 @@ class Source {
   // Receives messages about the source while there is no frame to attach them to, one line each. Called from
   // within next.
   using Listener = std::function<void(const std::string&)>;
-  void tell(Listener listener) { listener_ = std::move(listener); }
+  void set_listener(Listener listener) { listener_ = std::move(listener); }
 
  protected:
-  void say(const std::string& text) const {
+  void report(const std::string& text) const {
     if (listener_) listener_(text);
   }
 

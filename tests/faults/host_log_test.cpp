@@ -36,7 +36,7 @@ TEST(ThrowingLog, LeavesNoMemoryBehind) {
   EXPECT_EQ(live, 0);
 }
 
-TEST(ThrowingLog, DoesNotStandInTheWayOfTheNextInitialization) {
+TEST(ThrowingLog, DoesNotPreventTheNextInitialization) {
   {
     const ThrowingHostLog log;
     EXPECT_ANY_THROW(initialization(automatic.c_str()));

@@ -87,7 +87,7 @@ TEST_P(ObjectExtraction, GivesTheNextFramesBoxesWhicheverOfItsRequestsFailed) {
 }
 
 // The next frame requires that the rows left by a frame are blank.
-TEST_P(ObjectExtraction, LeavesNoLabelsOfObjectsThatWentWhileMemoryWasLacking) {
+TEST_P(ObjectExtraction, LeavesNoLabelsOfObjectsThatLeftDuringAFailedAllocation) {
   for (std::uint64_t failAt = 1;; ++failAt) {
     start();
     feed(full_);
@@ -120,7 +120,7 @@ Start started(const std::string& document, std::uint64_t failAt, FailingAlloc& a
   return Start::threw;
 }
 
-TEST(MemoryBelowTheLibrary, ThatIsLackingLeavesNothingBehind) {
+TEST(MemoryBelowTheLibrary, LeavesNothingBehindWhenItRunsOut) {
   const Capture out(stdout);
   const Capture err(stderr);
   const std::string document = documentFor(size, R"(,"sensitivity":"3","ror":[{"name":"tree","points":[]}])");

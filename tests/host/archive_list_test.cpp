@@ -105,7 +105,7 @@ TEST_F(FileList, NamesWhatCannotBeUsed) {
   EXPECT_EQ(list_files({"/dev/null"}, "results").front().why, "not a regular file");
 }
 
-TEST_F(FileList, RefusesWhatCannotBeMeant) {
+TEST_F(FileList, RefusesInvalidSources) {
   EXPECT_EQ(refusal("rtsp://camera/1"), "rtsp://camera/1: --out needs files, not stream addresses");
   EXPECT_EQ(refusal(folder_ / "*.webm"), (folder_ / "*.webm") + " matches no file");
   EXPECT_EQ(refusal(list("none")),
@@ -141,7 +141,7 @@ TEST(FolderName, KeepsWhatIsSafeEverywhere) {
   EXPECT_EQ(readable(std::string(99, 'x').append("\u00fc")), std::string(99, 'x')) << "no half character";
 }
 
-TEST(FolderName, TellsApartFilesOfOneName) {
+TEST(FolderName, DistinguishesFilesOfOneName) {
   EXPECT_NE(folder_name("/a/clip.mp4"), folder_name("/b/clip.mp4"));
   EXPECT_NE(folder_name("/a/x y.mp4"), folder_name("/a/x_y.mp4"));
 }

@@ -46,7 +46,7 @@ class WorkFolderRace : public testing::Test {
   program::Folder folder_;
 };
 
-TEST_F(WorkFolderRace, AFolderThatItsOwnerJustRemovedIsMadeAgain) {
+TEST_F(WorkFolderRace, AFolderThatItsOwnerJustRemovedIsCreatedAgain) {
   meanwhile = [&] { leave(); };
   const std::optional<WorkFolder> claimed = WorkFolder::claim(folder_ / "", "a");
   ASSERT_TRUE(claimed);
@@ -55,7 +55,7 @@ TEST_F(WorkFolderRace, AFolderThatItsOwnerJustRemovedIsMadeAgain) {
   EXPECT_FALSE(WorkFolder::claim(folder_ / "", "a")) << "the lock is that of the new file";
 }
 
-TEST_F(WorkFolderRace, AFolderThatAnotherRunTookOverIsTheOthers) {
+TEST_F(WorkFolderRace, AFolderThatAnotherRunTookOverIsLeftToIt) {
   std::optional<WorkFolder> other;
   meanwhile = [&] {
     leave();

@@ -64,13 +64,13 @@ constexpr const char* kRun =
     R"("$2" run --plugin "$3" "$1/in" --out "$1/out" >"$1/table" 2>"$1/errors"; status=$?
 )";
 
-TEST_F(ArchivePlace, NotToBeWrittenIsSaidOnce) {
+TEST_F(ArchivePlace, WhenUnwritableIsReportedOnce) {
   EXPECT_EQ(within_mount("-o ro", std::string(kRun) + "exit $status"), 1);
   EXPECT_EQ(program::read(folder_ / "errors"),
             "lightmotion: " + (folder_ / "") + "/out cannot be written: Read-only file system\n");
 }
 
-TEST_F(ArchivePlace, FullItKeepsWhatIsWholeAndNothingElse) {
+TEST_F(ArchivePlace, WhenFullKeepsOnlyCompleteResults) {
   // 18 lines take a page of 4 KiB and run.json another, so 64 KiB hold at most eight of twelve results.
   ASSERT_EQ(within_mount("-o size=64k", std::string(kRun) + R"(cp -a "$1/out" "$1/copy"; exit $status)"), 1);
   const std::string errors = program::read(folder_ / "errors");

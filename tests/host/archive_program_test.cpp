@@ -60,7 +60,7 @@ class Archive : public testing::Test {
   Folder folder_;
 };
 
-TEST_F(Archive, GivesEachFileTheResultsOfARunOfItsOwn) {
+TEST_F(Archive, GivesEachFileTheResultsOfASeparateRun) {
   ASSERT_EQ(run("out").status, 0);
   for (const std::string& clip : clips()) {
     const Outcome alone = run_fake({fs::canonical(clip), "-c", folder_ / "c.json", "--quiet"});
@@ -96,7 +96,7 @@ TEST_F(Archive, PutsOtherOutputsAmongTheResults) {
   EXPECT_FALSE(fs::exists(folder + "/results.jsonl"));
 }
 
-TEST_F(Archive, GoesOnAfterFilesThatAreBroken) {
+TEST_F(Archive, ContinuesAfterBrokenFiles) {
   const std::string whole = archive::clip_bytes();
   program::write(folder_ / "in/cut.mkv", whole.substr(0, whole.size() * 3 / 4));
   program::write(folder_ / "in/nothing.mp4", "");
@@ -116,7 +116,7 @@ TEST_F(Archive, GoesOnAfterFilesThatAreBroken) {
   EXPECT_EQ(run("out").status, 1) << "the problem is remembered";
 }
 
-TEST_F(Archive, GoesOnAfterProcessesThatDie) {
+TEST_F(Archive, ContinuesAfterProcessesThatDie) {
   program::write(folder_ / "c.json", R"({"comment": "frame dies"})");
   const Outcome outcome = run("out", {"--jobs", "2"});
   EXPECT_EQ(outcome.status, 1);
@@ -125,7 +125,7 @@ TEST_F(Archive, GoesOnAfterProcessesThatDie) {
   EXPECT_EQ(tree(folder_ / "out").size(), 1U) << "the table and nothing half";
 }
 
-TEST_F(Archive, SaysOnceThatItsConfigurationIsRefusedAndLeavesItsFilesAlone) {
+TEST_F(Archive, ReportsARefusedConfigurationOnceAndStartsNoFile) {
   program::write(folder_ / "c.json", R"({"comment": "refuse"})");
   const Outcome outcome = run("out");
   EXPECT_EQ(outcome.status, 2);
@@ -135,7 +135,7 @@ TEST_F(Archive, SaysOnceThatItsConfigurationIsRefusedAndLeavesItsFilesAlone) {
   EXPECT_FALSE(fs::exists(folder_ / "out"));
 }
 
-TEST_F(Archive, FailsWithThoseFilesOnlyThatTheConfigurationDoesNotFit) {
+TEST_F(Archive, FailsOnlyForFilesThatTheConfigurationDoesNotFit) {
   clips::write(folder_ / "in/b/large.mkv", {128, 96}, clips::regular(20, std::chrono::milliseconds(40)));
   program::write(folder_ / "c.json", R"({"frmW": "128", "frmH": "96"})");
   const Outcome outcome = run("out");
@@ -145,7 +145,7 @@ TEST_F(Archive, FailsWithThoseFilesOnlyThatTheConfigurationDoesNotFit) {
   EXPECT_NE(outcome.errors.find("frmW"), std::string::npos);
 }
 
-TEST_F(Archive, GivesUpFilesThatTakeTooLong) {
+TEST_F(Archive, StopsFilesAtTheirTimeLimit) {
   program::write(folder_ / "c.json", R"({"comment": "frame waits"})");
   const Outcome outcome = run("out", {"--file-timeout", "0.5", "--jobs", "3"});
   EXPECT_EQ(outcome.status, 1);
@@ -158,7 +158,7 @@ TEST_F(Archive, GivesUpFilesThatTakeTooLong) {
   EXPECT_EQ(run("out", {"--file-timeout", "600"}).status, 0) << "and goes on with them";
 }
 
-TEST_F(Archive, LeavesAloneWhatIsDoneUntilSourceOrSettingsChange) {
+TEST_F(Archive, SkipsFinishedFilesUntilSourceOrSettingsChange) {
   ASSERT_EQ(run("out").status, 0);
   const std::string mark = results(folder_ / "out", clips()[0]) + "/mark";
   const auto kept = [&](const Names& more = {}) {
@@ -179,7 +179,7 @@ TEST_F(Archive, LeavesAloneWhatIsDoneUntilSourceOrSettingsChange) {
 }
 
 // Two files of the same size are left; the bytes of the finished one are not in the time left.
-TEST_F(Archive, ReckonsTheTimeLeftWithoutFilesThatAreFinished) {
+TEST_F(Archive, EstimatesTheTimeLeftWithoutFinishedFiles) {
   ASSERT_EQ(run("out", {"--shard", "1/3"}).status, 0);
   const Names lines = program::lines(run("out", {"--progress", "json", "--jobs", "1"}).errors);
   ASSERT_EQ(lines.size(), 3U);
@@ -188,7 +188,7 @@ TEST_F(Archive, ReckonsTheTimeLeftWithoutFilesThatAreFinished) {
   EXPECT_EQ(lines[2].find("\"eta\":"), std::string::npos) << "nothing is left: " << lines[2];
 }
 
-TEST_F(Archive, KeepsOlderResultsWhereNewOnesFail) {
+TEST_F(Archive, KeepsOlderResultsIfNewOnesFail) {
   ASSERT_EQ(run("out").status, 0);
   const auto before = tree(results(folder_ / "out", clips()[0]));
   program::write(folder_ / "c.json", R"({"comment": "frame throws"})");
@@ -259,7 +259,7 @@ class EndedArchive : public Archive {
   }
 
   // Compares with an uninterrupted run.
-  void go_on() {
+  void resume() {
     program::write(folder_ / "c.json", "{}");
     EXPECT_EQ(run("out").status, 0);
     EXPECT_EQ(run("whole").status, 0);
@@ -270,7 +270,7 @@ class EndedArchive : public Archive {
   std::string children_;
 };
 
-TEST_F(EndedArchive, KilledItTakesItsChildrenAlongAndTheNextRunGivesTheSameBytes) {
+TEST_F(EndedArchive, WhenKilledEndsItsChildrenAndTheNextRunGivesTheSameBytes) {
   ASSERT_EQ(run("out", {"--shard", "1/3"}).status, 0);
   fs::remove(folder_ / "out/files-1-of-3.csv");
   const auto before = tree(results(folder_ / "out", clips()[0]));
@@ -280,10 +280,10 @@ TEST_F(EndedArchive, KilledItTakesItsChildrenAlongAndTheNextRunGivesTheSameBytes
   EXPECT_TRUE(archive::eventually([&] { return children_are_gone(); }));
   EXPECT_EQ(in_hand(), 2) << "the test is about what a killed run leaves";
   EXPECT_EQ(tree(results(folder_ / "out", clips()[0])), before);
-  go_on();
+  resume();
 }
 
-TEST_F(EndedArchive, StoppedItEndsItsChildrenAndLeavesNothingHalf) {
+TEST_F(EndedArchive, WhenStoppedEndsItsChildrenAndLeavesNoPartialResults) {
   start_and_wait_until_two_are_in_hand();
   kill(process_, SIGINT);
   EXPECT_EQ(program::wait_for(process_), 130);
@@ -294,10 +294,10 @@ TEST_F(EndedArchive, StoppedItEndsItsChildrenAndLeavesNothingHalf) {
       names.push_back(entry.path().filename());
     return names;
   }());
-  go_on();
+  resume();
 }
 
-TEST_F(Archive, WaitsForFilesThatAnotherRunHas) {
+TEST_F(Archive, WaitsForFilesThatAnotherRunProcesses) {
   const std::string folder = folder_ / "out/." +
                              lm::host::commands::archive::folder_name(fs::canonical(clips()[0]).string()) +
                              ".work";
@@ -315,7 +315,7 @@ TEST_F(Archive, WaitsForFilesThatAnotherRunHas) {
 struct MisuseCase {
   const char* name;
   Names arguments;
-  const char* complaint;
+  const char* error;
 };
 
 class ArchiveMisuse : public testing::TestWithParam<MisuseCase> {};
@@ -324,7 +324,7 @@ TEST_P(ArchiveMisuse, IsOneLineAndStatusTwo) {
   const Outcome outcome = run_fake(GetParam().arguments);
   EXPECT_EQ(outcome.status, 2);
   EXPECT_EQ(program::lines(outcome.errors).size(), 1U) << outcome.errors;
-  EXPECT_NE(outcome.errors.find(GetParam().complaint), std::string::npos) << outcome.errors;
+  EXPECT_NE(outcome.errors.find(GetParam().error), std::string::npos) << outcome.errors;
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -353,7 +353,7 @@ INSTANTIATE_TEST_SUITE_P(
             "NoConfiguration", {"/dev/null", "--out", "x", "-c", "none.json"}, "none.json: No such file"}),
     [](const auto& misuse) { return std::string(misuse.param.name); });
 
-TEST_F(Archive, SaysThatItsFolderCannotBeMade) {
+TEST_F(Archive, ReportsThatItsFolderCannotBeCreated) {
   program::write(folder_ / "file", "");
   const Outcome outcome = run("file/out");
   EXPECT_EQ(outcome.status, 1);

@@ -57,7 +57,7 @@ TEST(Record, IsReadAsItWasWritten) {
   EXPECT_EQ(read->figures.video, 10s);
 }
 
-TEST(Record, IsNothingWhereTheTextIsNone) {
+TEST(Record, IsInvalidInAnyOtherText) {
   const std::string whole = to_json(whole_record());
   ASSERT_TRUE(record_from(whole));
   for (const std::string& text :
@@ -66,7 +66,7 @@ TEST(Record, IsNothingWhereTheTextIsNone) {
   }
 }
 
-TEST(Record, IsNothingWhereItsVideoLastsLongerThanAnyVideo) {
+TEST(Record, IsInvalidIfItsVideoIsImplausiblyLong) {
   const std::string whole = to_json(whole_record());
   const auto lasting = [&](const std::string& seconds) {
     std::string text = whole;
@@ -127,7 +127,7 @@ TEST(Cause, IsNoWarning) {
   EXPECT_EQ(cause_of(warning, 1, "/a.mp4"), "the process exited with status 1");
 }
 
-TEST(Table, TellsPeopleOfEachFileAndOfAll) {
+TEST(Table, ListsEachFileAndTheTotals) {
   const std::vector<TableRow> rows{
       {"/a.mp4", Outcome::kOk, figures(500, 450, 3, 20s), "a.mp4-1", ""},
       {"/b\nc.mp4", Outcome::kIncomplete, figures(1000, 1, 0, 3600s), "b_c.mp4-2", "ends early"},
@@ -152,7 +152,7 @@ TEST(Table, QuotesForPrograms) {
             "/d.mp4,failed,,,,,,contains no video\r\n");
 }
 
-TEST(ArchiveProgress, ReckonsTheTimeLeftByBytes) {
+TEST(ArchiveProgress, EstimatesTheTimeLeftByBytes) {
   ArchiveState state{.files = 300, .done = 12, .failed = 0, .bytes_to_do = 1000};
   EXPECT_EQ(archive_progress_text(state), "12 of 300 files");
   // 250 bytes took 100 s, so 750 bytes take 300 s.

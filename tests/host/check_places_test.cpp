@@ -26,7 +26,7 @@ TEST(CheckPlaces, OfKeysAndValuesAreCountedFromOne) {
   expect_place(places.of_value("b[2]"), 0, 0);
 }
 
-TEST(CheckPlaces, AreNotMisledByWhatStandsInStringsAndComments) {
+TEST(CheckPlaces, IgnoreTheContentsOfStringsAndComments) {
   const std::string text = "// {\"a\": 0}\n{ /* \" */ \"x\\\"}\": \"{\\\\\", // ]\n \"a\": 5 }";
   const Places places(text);
   expect_place(places.of_value("x\"}"), 2, 19);
@@ -40,12 +40,12 @@ TEST(CheckPlaces, CountCharactersNotBytes) {
   expect_place(places.of_value("a"), 1, 19);
 }
 
-TEST(CheckPlaces, DoNotCountTheMarkThatSomeEditorsPutInFront) {
+TEST(CheckPlaces, DoNotCountAByteOrderMark) {
   const std::string text = "\xEF\xBB\xBF{\"a\": 1}";
   expect_place(Places(text).of_value("a"), 1, 7);
 }
 
-TEST(CheckPlaces, OfAKeyThatStandsTwiceAreThoseOfTheLast) {
+TEST(CheckPlaces, OfADuplicateKeyAreThoseOfTheLast) {
   const std::string text = "{\"a\": 1, \"b\": {\"a\": 2, \"\\u0061\": 3}, \"a\": 4}";
   const Places places(text);
   ASSERT_EQ(places.repeats().size(), 2U);
@@ -56,7 +56,7 @@ TEST(CheckPlaces, OfAKeyThatStandsTwiceAreThoseOfTheLast) {
   expect_place(places.of_value("a"), 1, 43);
 }
 
-TEST(CheckPlaces, TextThatBreaksOffEndsTheSearch) {
+TEST(CheckPlaces, TruncatedTextEndsTheSearch) {
   for (const std::string text :
        {"", "{", "{\"a\"", "{\"a\": [", "{\"a\": \"\\", "{\"a\": [1, /*", "[,]", "{,}", "\xEF\xBB\xBF"}) {
     const Places places(text);

@@ -57,7 +57,7 @@ TEST_F(CheckProgram, EndsWithAStatusForTheWorst) {
   EXPECT_EQ(check("{}", {"--source", folder_ / "none.mp4"}).status, 2);
 }
 
-TEST_F(CheckProgram, SaysThatThereIsNothingToSay) {
+TEST_F(CheckProgram, ReportsThatThereAreNoFindings) {
   EXPECT_THAT(check("{}").output, HasSubstr(file_ + ": no findings\n"));
 }
 
@@ -73,7 +73,7 @@ TEST_F(CheckProgram, TakesTheSizeFromTheSource) {
               HasSubstr("c.json:1:10: error: \"frmW\": is 1280 but the source's frames have 640 "));
 }
 
-TEST_F(CheckProgram, RefusesSizesThatAreNone) {
+TEST_F(CheckProgram, RefusesInvalidSizes) {
   for (const char* size : {"640", "x360", "0x0", "0.5", "640x360x3"}) {
     const Outcome outcome = check("{}", {"--size", size});
     EXPECT_EQ(outcome.status, 2);
@@ -81,12 +81,12 @@ TEST_F(CheckProgram, RefusesSizesThatAreNone) {
   }
 }
 
-TEST_F(CheckProgram, SaysWhereATextStopsBeingJson) {
+TEST_F(CheckProgram, ReportsWhereATextStopsBeingJson) {
   EXPECT_THAT(check("{\"a\": 1,\n \"b\" 2}").output,
               HasSubstr("c.json:2:6: error: not JSON: Missing ':' after object member name\n"));
 }
 
-TEST_F(CheckProgram, GivesProgramsOneObject) {
+TEST_F(CheckProgram, PrintsOneObjectForPrograms) {
   const Outcome outcome = check(R"({"sensitivity": "9"})", {"--size", "640x360", "--json"});
   EXPECT_EQ(outcome.status, 1);
   EXPECT_EQ(program::lines(outcome.output).size(), 1U);
@@ -114,7 +114,7 @@ TEST_F(CheckProgram, GivesProgramsOneObject) {
   EXPECT_EQ(effective["watched_share"].asDouble(), 1.0);
 }
 
-TEST_F(CheckProgram, HasNothingInEffectWhereThereIsAnError) {
+TEST_F(CheckProgram, HasNoEffectiveValuesIfThereIsAnError) {
   Json::Value root;
   std::istringstream(check("[]", {"--json"}).output) >> root;
   EXPECT_EQ(root["findings"][0]["text"], "not a JSON object");

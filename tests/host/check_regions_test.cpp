@@ -161,7 +161,7 @@ TEST(CheckRegions, OneThatIsHiddenByExclusionsIsNamed) {
 }
 
 // Its columns are 65 to 192 and its rows 36 to 107; the exclusion's columns are 1 to 191.
-TEST(CheckRegions, OneThatPeepsOutByAPixelIsNotHidden) {
+TEST(CheckRegions, OneVisibleByAPixelIsNotHidden) {
   const std::string document =
       roi_and_ror(rectangle("0.1", "0.1", "0.3", "0.3"), rectangle("0", "0", "0.2999", "1"));
   const lm::host::detector::check::Verdict verdict =
@@ -204,7 +204,7 @@ TEST(CheckRegions, NothingWatchedIsAnError) {
 }
 
 // The minimum box is 0.9 of 640 x 360, 576 x 324 pixels; the region has 320 x 180.
-TEST(CheckRegions, ALeastBoxThatNoBoxInThemCanReachIsAnError) {
+TEST(CheckRegions, AMinimumBoxThatNoBoxInThemReachesIsAnError) {
   const std::string sizes = R"("minBoxW":"0.9","minBoxH":"0.9",)";
   const auto verdict_on = [&](const std::string& region) {
     return lm::host::detector::check::check_document("{" + sizes + "\"roi\":[{" + region + "}]}", kFrame);
@@ -220,7 +220,7 @@ TEST(CheckRegions, ALeastBoxThatNoBoxInThemCanReachIsAnError) {
 }
 
 // The region's 320 x 180 pixels with a margin of one on each side make a largest box of 322 x 182.
-TEST(CheckRegions, ALeastBoxMayBeAsLargeAsTheRegionAndItsMargin) {
+TEST(CheckRegions, AMinimumBoxMayBeAsLargeAsTheRegionAndItsMargin) {
   const auto refused = [](const char* width, const char* height) {
     const std::string sizes = std::string(R"({"minBoxW":")") + width + R"(","minBoxH":")" + height + "\",";
     return lm::host::detector::check::check_document(
@@ -233,21 +233,21 @@ TEST(CheckRegions, ALeastBoxMayBeAsLargeAsTheRegionAndItsMargin) {
   EXPECT_TRUE(refused("0.9", "0.509")) << "183.24";
 }
 
-TEST(CheckRegions, AreLookedAtBesideSettingsThatAreRefused) {
+TEST(CheckRegions, AreCheckedBesideRefusedSettings) {
   const std::string line = points({{"0.1", "0.1"}, {"0.2", "0.1"}, {"0.3", "0.1"}});
   const lm::host::detector::check::Verdict verdict =
       lm::host::detector::check::check_document("{\"lcAdap\":\"x\",\"ror\":[{" + line + "}]}", kFrame);
   EXPECT_THAT(places_of(verdict), ElementsAre("error 1:11 lcAdap", "warning 1:22 ror[0]"));
 }
 
-TEST(CheckRegions, AreNotLaidOnFramesOfAnUnknownSize) {
+TEST(CheckRegions, AreNotDrawnAtAnUnknownFrameSize) {
   const lm::host::detector::check::Verdict verdict = lm::host::detector::check::check_document(
       roi(points({{"0", "0"}, {"0.5", "0"}, {"1", "0"}})), std::nullopt);
   EXPECT_THAT(verdict.findings, IsEmpty());
   EXPECT_FALSE(verdict.effective->watched.has_value());
 }
 
-TEST(CheckRegions, OfMorePointsThanCanBeLaidOnTheFrameAreTakenOnTrust) {
+TEST(CheckRegions, WithTooManyPointsToDrawAreAccepted) {
   std::string many;
   for (int i = 0; i < 5000; ++i) {
     many.append(i == 0 ? "" : ",")

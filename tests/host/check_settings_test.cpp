@@ -23,7 +23,7 @@ struct Case {
 
 class CheckSetting : public testing::TestWithParam<Case> {};
 
-TEST_P(CheckSetting, IsFoundWithItsPlaceAndWhatWouldBeRight) {
+TEST_P(CheckSetting, IsReportedWithItsPositionAndAValidValue) {
   const lm::host::detector::check::Verdict verdict =
       lm::host::detector::check::check_document(GetParam().document, kFrame);
   ASSERT_THAT(places_of(verdict), ElementsAre(GetParam().place)) << GetParam().document;
@@ -94,13 +94,13 @@ INSTANTIATE_TEST_SUITE_P(
         Case{R"({"frmW": "640px"})", "warning 1:10 frmW", "\"640px\" is read as 640", "number"}));
 
 // 0.0015 of 640 is 0.96 of a pixel, 0.0027 of 360 is 0.972.
-INSTANTIATE_TEST_SUITE_P(LeastBoxes, CheckSetting,
+INSTANTIATE_TEST_SUITE_P(MinimumBoxes, CheckSetting,
                          testing::Values(Case{R"({"minBoxW": "0.0015"})", "warning 1:13 minBoxW",
                                               "less than a pixel", "remove both"},
                                          Case{R"({"minBoxH": "0.0027"})", "warning 1:13 minBoxH",
                                               "less than a pixel", "remove both"}));
 
-TEST(CheckSettings, AreFineAsTheyAreMeant) {
+TEST(CheckSettings, HaveNoFindingsWhenValid) {
   for (const char* document : {R"({"sensitivity": "5", "lcAdap": "1", "minBoxW": "1", "minBoxH": ".5"})",
                                R"({"frmW": "640", "frmH": " 360", "frmChn": "3"})",
                                R"({"minBoxW": "0.0016", "minBoxH": "0.0028"})",  // 1.024 and 1.008 pixels
@@ -125,20 +125,20 @@ TEST(CheckSettings, FindsEveryFaultInTheOrderOfTheText) {
 }
 
 // The empty "minBoxW" reuses the 4 of "lcAdap", which is out of its range.
-TEST(CheckSettings, JudgesWhatIsTakenOver) {
+TEST(CheckSettings, ReusedValuesAreChecked) {
   const lm::host::detector::check::Verdict verdict =
       lm::host::detector::check::check_document(R"({"lcAdap": "4", "minBoxW": ""})", kFrame);
   ASSERT_THAT(places_of(verdict), ElementsAre("warning 1:28 minBoxW", "warning 1:28 minBoxW"));
   EXPECT_THAT(verdict.findings[1].text, HasSubstr("4 is out of range: 0.05 is kept"));
 }
 
-TEST(CheckSettings, ThatAreEmptyOneAfterAnotherTakeTheSameValueOver) {
+TEST(CheckSettings, ThatAreEmptyInARowReuseTheSameValue) {
   const lm::host::detector::check::Verdict verdict = lm::host::detector::check::check_document(
       R"({"sensitivity": "1", "lcAdap": "", "minBoxW": ""})", kFrame);
   EXPECT_THAT(finding_on(verdict, "minBoxW").text, HasSubstr("reuses \"1\" from \"sensitivity\""));
 }
 
-TEST(CheckSettings, AreInEffectAsTheirTablesHaveIt) {
+TEST(CheckSettings, HaveTheEffectiveValuesOfTheirTables) {
   const lm::host::detector::check::Verdict verdict = lm::host::detector::check::check_document(
       R"({"sensitivity": "4", "lcAdap": "2", "minBoxW": "0.1", "minBoxH": "0.25"})", kFrame);
   ASSERT_TRUE(verdict.effective.has_value());
@@ -149,10 +149,10 @@ TEST(CheckSettings, AreInEffectAsTheirTablesHaveIt) {
   EXPECT_FALSE(effective.auto_sensitivity);
   EXPECT_EQ(effective.life_static_seconds, 3);
   EXPECT_EQ(effective.life_static, 90);
-  EXPECT_NEAR(effective.least_box_width, 0.1, 1e-6);
-  EXPECT_NEAR(effective.least_box_height, 0.25, 1e-6);
+  EXPECT_NEAR(effective.min_box_width, 0.1, 1e-6);
+  EXPECT_NEAR(effective.min_box_height, 0.25, 1e-6);
   EXPECT_EQ(effective.frame, kFrame);
-  EXPECT_EQ(effective.least_box_pixels, cv::Size(64, 90));
+  EXPECT_EQ(effective.min_box_pixels, cv::Size(64, 90));
   EXPECT_EQ(effective.memory, 67'968'000U);  // 230400 pixels of 295 bytes
   EXPECT_EQ(effective.watched, 1.0);
 }
@@ -165,13 +165,13 @@ TEST(CheckSettings, OutOfRangeTakeLevelThree) {
   EXPECT_EQ(effective.thr_illum, 10);
 }
 
-TEST(CheckSettings, LeftOutHaveTheDefaultsOfThePlugin) {
+TEST(CheckSettings, OmittedHaveTheDefaultsOfThePlugin) {
   const lm::host::detector::check::Effective effective =
       *lm::host::detector::check::check_document("{}", std::nullopt).effective;
   EXPECT_EQ(effective.thr_match, 20);
   EXPECT_EQ(effective.thr_heuris, 10);
   EXPECT_EQ(effective.thr_illum, 5);
-  EXPECT_NEAR(effective.least_box_width, 0.05, 1e-6);
+  EXPECT_NEAR(effective.min_box_width, 0.05, 1e-6);
   EXPECT_TRUE(effective.frame.empty());
   EXPECT_FALSE(effective.watched.has_value());
 }
@@ -184,7 +184,7 @@ TEST(CheckSettings, TheSizeIsThatOfTheDocumentWhereThereIsNoSource) {
       lm::host::detector::check::check_document(R"({"frmW": "800"})", std::nullopt).effective->frame.empty());
 }
 
-TEST(CheckSettings, OtherChannelsAreDoubtfulWithoutASourceAndTwoAreNone) {
+TEST(CheckSettings, FourChannelsAreAWarningWithoutASourceAndTwoAnError) {
   EXPECT_THAT(places_of(lm::host::detector::check::check_document(R"({"frmChn": "4"})", std::nullopt)),
               ElementsAre("warning 1:12 frmChn"));
   EXPECT_THAT(places_of(lm::host::detector::check::check_document(R"({"frmChn": "2"})", std::nullopt)),
@@ -204,7 +204,7 @@ TEST(CheckSettings, FramesOfMoreBytesThanThePluginCountsAreRefused) {
             lm::host::detector::check::Severity::kError);
 }
 
-TEST(CheckSettings, MemoryThatTheComputerDoesNotHaveIsDoubtful) {
+TEST(CheckSettings, MoreMemoryThanTheComputerHasIsAWarning) {
   lm::host::detector::check::Effective effective;
   effective.frame = kFrame;
   effective.memory = 12'000'000'001;

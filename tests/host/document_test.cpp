@@ -27,7 +27,7 @@ std::string refusal(const std::string& text) {
   }
 }
 
-TEST(Document, TakesSizesThatAreLeftOutFromTheSourceAsTexts) {
+TEST(Document, TakesOmittedSizesFromTheSourceAsTexts) {
   const Json::Value document = completed("{}");
   EXPECT_EQ(document["frmW"], Json::Value("640"));
   EXPECT_EQ(document["frmH"], Json::Value("360"));
@@ -97,7 +97,7 @@ TEST(Document, AcceptsComments) {
   EXPECT_EQ(completed("// mine\n{\"lcAdap\": \"2\"}")["lcAdap"], Json::Value("2"));
 }
 
-TEST(Document, SaysInOneLineWhereTheTextStopsBeingJson) {
+TEST(Document, ReportsInOneLineWhereTheTextStopsBeingJson) {
   const std::string text = refusal("{\"sensitivity\": \"5\",\n \"lcAdap\" \"2\"}");
   EXPECT_TRUE(text.starts_with("line 2, column 11: not JSON: ")) << text;
   EXPECT_EQ(text.find('\n'), std::string::npos);
@@ -113,7 +113,7 @@ TEST(Document, RefusesJsonThatIsNestedTooDeeply) {
   }
 }
 
-TEST(Document, RefusesJsonThatIsNoObject) {
+TEST(Document, RefusesJsonThatIsNotAnObject) {
   for (const char* text : {"[]", "5", "\"text\"", "null"})
     EXPECT_EQ(refusal(text), "not a JSON object") << text;
 }

@@ -78,11 +78,11 @@ INSTANTIATE_TEST_SUITE_P(Is, Lamp,
                                          LampCase{"brighter", 1.5, 0}, LampCase{"darker", 0.5, 0}),
                          [](const auto& test) { return test.param.name; });
 
-TEST_F(Light, KnowsThePicturesBrightness) {
+TEST_F(Light, MeasuresThePicturesBrightness) {
   EXPECT_DOUBLE_EQ(see(cv::Mat(kSize, CV_8UC3, cv::Scalar(90, 90, 90))).brightness, 90);
 }
 
-TEST_F(Light, SomethingBrightBeforeTheCameraIsNoLight) {
+TEST_F(Light, ABrightObjectBeforeTheCameraIsNoLight) {
   see(scene_);
   EXPECT_EQ(by_light(in_light(texture(2), 1, 60), {kAll}), Flags{}) << "the texture is another";
   EXPECT_EQ(by_light(cv::Mat(kSize, CV_8UC3, cv::Scalar(220, 220, 220)), {kAll}), Flags{}) << "there is none";
@@ -121,7 +121,7 @@ TEST_F(Light, BoxesThatHoldHalfOfTheLitPartAreOfTheLight) {
   EXPECT_EQ(by_light(lit, {{0.15, 0, 0.85, 1}}), Flags{});
 }
 
-TEST_F(Light, LastsUntilThePluginIsUsedToIt) {
+TEST_F(Light, LastsUntilThePluginHasAdapted) {
   see(scene_);
   const cv::Mat bright = in_light(scene_, 1, 40);
   see(bright, {kAll});

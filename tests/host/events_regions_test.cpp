@@ -24,7 +24,7 @@ struct TouchCase {
 
 class Touched : public testing::TestWithParam<TouchCase> {};
 
-TEST_P(Touched, RegionsShareAPartWithTheBoxOutsideTheExclusions) {
+TEST_P(Touched, RegionsOverlapTheBoxOutsideTheExclusions) {
   Names names;
   kRegions.touched(GetParam().box, names);
   EXPECT_EQ(names, GetParam().names);

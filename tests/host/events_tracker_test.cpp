@@ -12,20 +12,21 @@ using std::chrono::microseconds;
 
 // What a tracker reports, in short: "begun 0001", "ended 0001".
 struct Log : EventListener {
-  explicit Log(std::vector<std::string>& told, std::vector<Event>& events) : told_(told), events_(events) {}
-  void begun(const Event& event) override { told_.push_back("begun " + event.id); }
-  void changed(const Event& event) override { told_.push_back("changed " + event.id); }
+  explicit Log(std::vector<std::string>& calls, std::vector<Event>& events)
+      : calls_(calls), events_(events) {}
+  void begun(const Event& event) override { calls_.push_back("begun " + event.id); }
+  void changed(const Event& event) override { calls_.push_back("changed " + event.id); }
   void ended(const Event& event) override { keep("ended " + event.id, event); }
   void dropped(const Event& event) override { keep("dropped" + event.id, event); }
-  void finish() override { told_.emplace_back("finish"); }
-  void commit() override { told_.emplace_back("commit"); }
+  void finish() override { calls_.emplace_back("finish"); }
+  void commit() override { calls_.emplace_back("commit"); }
 
  private:
   void keep(const std::string& text, const Event& event) {
-    told_.push_back(text);
+    calls_.push_back(text);
     events_.push_back(event);
   }
-  std::vector<std::string>& told_;
+  std::vector<std::string>& calls_;
   std::vector<Event>& events_;
 };
 
@@ -34,7 +35,7 @@ const cv::Rect2d kBox(0.25, 0.5, 0.5, 0.25);
 class Tracked : public testing::Test {
  protected:
   explicit Tracked(EventRules rules = {1, 2, 3, 4}) : tracker_(rules) {
-    tracker_.add(std::make_unique<Log>(told_, events_));
+    tracker_.add(std::make_unique<Log>(calls_, events_));
   }
 
   void see(microseconds time, const Boxes& boxes, const std::vector<bool>& by_light = {}) {
@@ -52,7 +53,7 @@ class Tracked : public testing::Test {
   }
 
   EventTracker tracker_;
-  std::vector<std::string> told_;
+  std::vector<std::string> calls_;
   std::vector<Event> events_;
   std::int64_t frame_ = 0;
 };
@@ -77,15 +78,15 @@ TEST_F(Tracked, WhatIsShownBeginsWithTheVideoAtTheEarliest) {
   EXPECT_EQ(events_.at(0).from, 0s);
 }
 
-TEST_F(Tracked, TellsOfItOnceItIsLongEnoughAndOfEveryFrameAfterwards) {
+TEST_F(Tracked, ReportsItOnceItIsLongEnoughAndAtEveryFrameAfterwards) {
   see(0s, 2s, {kBox});
-  EXPECT_EQ(told_, (std::vector<std::string>{"begun 0001", "changed 0001", "changed 0001"}));
+  EXPECT_EQ(calls_, (std::vector<std::string>{"begun 0001", "changed 0001", "changed 0001"}));
   tracker_.finish("The video ended.");
   tracker_.commit();
-  EXPECT_EQ(told_.size(), 6U);
-  EXPECT_EQ(told_[3], "ended 0001");
-  EXPECT_EQ(told_[4], "finish");
-  EXPECT_EQ(told_[5], "commit");
+  EXPECT_EQ(calls_.size(), 6U);
+  EXPECT_EQ(calls_[3], "ended 0001");
+  EXPECT_EQ(calls_[4], "finish");
+  EXPECT_EQ(calls_[5], "commit");
   EXPECT_EQ(events_.at(0).ended, "The video ended.");
   EXPECT_EQ(tracker_.events(), 1);
 }
@@ -95,7 +96,7 @@ TEST_F(Tracked, DropsWhatIsTooShortAndGivesItNoNumber) {
   see(1s, 9500ms, {});
   see(10s, 11s, {kBox});
   tracker_.finish("");
-  EXPECT_EQ(told_, (std::vector<std::string>{"dropped", "begun 0001", "ended 0001", "finish"}));
+  EXPECT_EQ(calls_, (std::vector<std::string>{"dropped", "begun 0001", "ended 0001", "finish"}));
 }
 
 TEST_F(Tracked, APauseAsLongAsTheGapJoinsALongerOneParts) {
@@ -112,7 +113,7 @@ TEST_F(Tracked, APauseAsLongAsTheGapJoinsALongerOneParts) {
   EXPECT_NE(events_[1].started.find("nothing had moved for 2.500 s"), std::string::npos);
 }
 
-TEST_F(Tracked, FramesThatFollowEachOtherBelongTogetherHoweverRareTheyAre) {
+TEST_F(Tracked, ConsecutiveFramesBelongTogetherAtAnyFrameRate) {
   see(0s, {kBox});
   see(10s, {kBox});
   tracker_.finish("");
@@ -120,7 +121,7 @@ TEST_F(Tracked, FramesThatFollowEachOtherBelongTogetherHoweverRareTheyAre) {
   EXPECT_EQ(events_[0].end, 10s);
 }
 
-TEST_F(Tracked, AnInterruptionEndsWhatGoesOn) {
+TEST_F(Tracked, AnInterruptionEndsEventsInProgress) {
   see(0s, 2s, {kBox});
   tracker_.interrupt("The source was away.");
   see(2500ms, 5s, {kBox});
@@ -171,7 +172,7 @@ TEST_F(Tracked, LightGoesFromItsFirstBrightnessToItsLast) {
   EXPECT_EQ(events_[0].light->share, 0.9);
 }
 
-TEST_F(Tracked, LightDoesNotEndMotionThatGoesOnAfterIt) {
+TEST_F(Tracked, LightDoesNotEndMotionThatContinuesAfterIt) {
   see(0s, 2s, {kBox});
   see(2500ms, 8s, {kBox}, {true});  // much longer than the gap
   see(8500ms, 10s, {kBox});
@@ -201,25 +202,25 @@ TEST_F(Tracked, BoxesOfTheLightAndOfMotionInOneFrameGoToTheirOwn) {
   EXPECT_EQ(events_[1].envelope, kBox);
 }
 
-TEST(EventTracker, LiveEventsAreToldApartByTheWallClock) {
-  std::vector<std::string> told;
+TEST(EventTracker, LiveEventsAreDistinguishedByTheWallClock) {
+  std::vector<std::string> calls;
   std::vector<Event> events;
   EventTracker tracker({0, 2, 0, 0});
-  tracker.add(std::make_unique<Log>(told, events));
+  tracker.add(std::make_unique<Log>(calls, events));
   Observation seen;
   seen.boxes = {kBox};
   seen.wall = WallTime(1'700'000'000'123ms);  // 2023-11-14 22:13:20 UTC
   tracker.observe(Frame{}, seen);
-  EXPECT_EQ(told, (std::vector<std::string>{"begun 20231114T221320.123Z-0001"}));
+  EXPECT_EQ(calls, (std::vector<std::string>{"begun 20231114T221320.123Z-0001"}));
 }
 
-TEST(EventTracker, AsksForTheRegionsOfEveryBox) {
-  std::vector<std::string> told;
+TEST(EventTracker, CollectsTheRegionsOfEveryBox) {
+  std::vector<std::string> calls;
   std::vector<Event> events;
   EventTracker tracker({0, 2, 0, 0}, [](const cv::Rect2d& box, std::vector<std::string>& names) {
     names.emplace_back(box.x < 0.5 ? "left" : "right");
   });
-  tracker.add(std::make_unique<Log>(told, events));
+  tracker.add(std::make_unique<Log>(calls, events));
   Observation seen;
   seen.boxes = {{0, 0, 0.1, 0.1}, {0.75, 0, 0.1, 0.1}};
   tracker.observe(Frame{}, seen);

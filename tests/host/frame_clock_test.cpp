@@ -37,7 +37,7 @@ TEST(FrameClock, PutsAFrameWithoutTimeOneIntervalLater) {
   EXPECT_EQ(clock.next(140ms), 120ms);
 }
 
-TEST(FrameClock, MovesOnByAMillisecondWhenTimeStandsStillOrStepsBack) {
+TEST(FrameClock, AdvancesByAMillisecondWhenTimeStopsOrStepsBack) {
   FrameClock clock(40ms);
   clock.next(0ms);
   clock.next(500ms);
@@ -46,7 +46,7 @@ TEST(FrameClock, MovesOnByAMillisecondWhenTimeStandsStillOrStepsBack) {
   EXPECT_EQ(clock.next(540ms), 540ms) << "later frames keep their times";
 }
 
-TEST(FrameClock, GoesOnAfterAJumpBack) {
+TEST(FrameClock, ContinuesAfterAJumpBack) {
   FrameClock clock(40ms);
   clock.next(10s);
   clock.next(15s);
@@ -55,7 +55,7 @@ TEST(FrameClock, GoesOnAfterAJumpBack) {
 }
 
 // Found by fuzzing: differences and sums of such times overflow 64 bits.
-TEST(FrameClock, TakesNoNoticeOfTimesAHundredYearsAway) {
+TEST(FrameClock, IgnoresTimesAHundredYearsAway) {
   FrameClock clock(40ms);
   EXPECT_EQ(clock.next(FrameClock::Time::min()), 0ms);
   EXPECT_EQ(clock.next(FrameClock::Time::max()), 40ms);

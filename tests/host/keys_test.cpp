@@ -21,7 +21,7 @@ using program::Folder;
 using program::Outcome;
 using Lines = std::vector<std::string>;
 
-TEST(Keys, AreSnakeCaseAndStandOnce) {
+TEST(Keys, AreSnakeCaseAndUnique) {
   std::set<std::string_view> names;
   for (const Key& key : keys()) {
     EXPECT_TRUE(std::regex_match(std::string(key.name), std::regex("[a-z]+(_[a-z]+)*"))) << key.name;
@@ -30,7 +30,7 @@ TEST(Keys, AreSnakeCaseAndStandOnce) {
 }
 
 // Rows such as "| `time` | 3 | seconds since the first frame | lines, serve |".
-TEST(Keys, StandInTheTableOfTheDocumentationInTheirOrder) {
+TEST(Keys, AreInTheTableOfTheDocumentationInOrder) {
   const std::string page = program::read(LIGHTMOTION_SCHEMAS "/../results.md");
   const std::string table = page.substr(page.find("\n## Keys\n"));
   Lines documented;
@@ -136,7 +136,7 @@ TEST_F(Written, ByTune) {
   EXPECT_EQ(schemas::fault("tune", {outcome.output}), "");
 }
 
-TEST_F(Written, IsToldFromWhatIsNot) {
+TEST_F(Written, RejectsOtherKeys) {
   EXPECT_NE(schemas::fault("events", {R"({"format": "lightmotion-events", "version": 2})"}), "");
   EXPECT_NE(schemas::fault("result-line", {R"({"frame": 1, "time": 0.04, "note": "a", "inRoi": []})"}), "");
   EXPECT_NE(

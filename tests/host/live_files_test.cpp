@@ -65,7 +65,7 @@ TEST(Files, OfAnotherSizeFromTheMiddleOnAreScaled) {
   EXPECT_GT(frames.back().image.at<cv::Vec3b>(24, 53)[1], 243);
 }
 
-TEST(Files, OfSoundOnlyHoldNoVideo) {
+TEST(Files, WithSoundOnlyAreNotVideos) {
   if (!has_ffmpeg()) GTEST_SKIP() << "needs ffmpeg";
   const Folder folder;
   ASSERT_TRUE(ffmpeg("-f lavfi -i sine=d=0.5 -c:a aac " + (folder / "a.m4a")));
@@ -74,7 +74,7 @@ TEST(Files, OfSoundOnlyHoldNoVideo) {
   EXPECT_EQ(outcome.errors, "lightmotion: " + (folder / "a.m4a") + ": contains no video\n");
 }
 
-TEST(Files, WithoutABytePassForNoVideo) {
+TEST(Files, ThatAreEmptyAreNotVideos) {
   const Folder folder;
   program::write(folder / "a.mp4", "");
   const auto outcome = program::run_fake({folder / "a.mp4"});
@@ -83,7 +83,7 @@ TEST(Files, WithoutABytePassForNoVideo) {
 }
 
 // The sixth frame is 500 intervals late: 501 * 0.04 s after the fifth.
-TEST(Files, WithAGapSaySo) {
+TEST(Files, WithAGapHaveANote) {
   if (!has_ffmpeg()) GTEST_SKIP() << "needs ffmpeg";
   const Folder folder;
   ASSERT_TRUE(ffmpeg(halves(10) + "-vf \"setpts=if(gte(N\\,5)\\,N+500\\,N)/25/TB\" -fps_mode passthrough " +
@@ -98,7 +98,7 @@ TEST(Files, WithAGapSaySo) {
 
 // Two seconds, twice: the clock jumps back from 1.96 s to 0, and the 51st frame is placed 0.04 s after the
 // 50th.
-TEST(Files, JoinedFromTwoRecordingsGoOnAndSaySo) {
+TEST(Files, JoinedFromTwoRecordingsContinueWithANote) {
   if (!has_ffmpeg()) GTEST_SKIP() << "needs ffmpeg";
   const Folder folder;
   ASSERT_TRUE(ffmpeg(halves(50) + "-c:v mpeg2video " + (folder / "1.ts")));
@@ -111,7 +111,7 @@ TEST(Files, JoinedFromTwoRecordingsGoOnAndSaySo) {
 }
 
 // One in five of 25 frames per second; numbers and times remain those of the source.
-TEST(Files, AreThinnedOutAndMadeSmaller) {
+TEST(Files, AreReducedInRateAndSize) {
   const Folder folder;
   clips::write(folder / "a.mp4", {64, 48}, clips::regular(20, std::chrono::milliseconds(40)));
   setenv("LIGHTMOTION_FAKE_CONFIGURATION", (folder / "seen.json").c_str(), 1);

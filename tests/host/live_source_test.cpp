@@ -80,7 +80,7 @@ Watched watch(std::deque<Attempt> attempts, std::optional<Time> patience) {
                                         [&now, attempt] { now += attempt.lasts; });
   };
   LiveSource source(connect(), connect, patience, std::stop_source(), surroundings);
-  source.tell([&](const std::string& text) { watched.messages.push_back(text); });
+  source.set_listener([&](const std::string& text) { watched.messages.push_back(text); });
   for (Frame frame; source.next(frame);) watched.frames.push_back(frame);
   watched.trouble = source.trouble();
   watched.counts = source.counts();
@@ -88,7 +88,7 @@ Watched watch(std::deque<Attempt> attempts, std::optional<Time> patience) {
 }
 
 // Waits of 0.5, 1, 2 and 4 s; 8 s more would exceed 10 s in all.
-TEST(LiveSource, TriesAgainMoreAndMoreSeldomUntilItsPatienceEnds) {
+TEST(LiveSource, RetriesLessAndLessOftenUntilItsTimeLimit) {
   const Watched watched = watch({{1, "broken"}, {0, "refused"}}, 10s);
   EXPECT_EQ(watched.waits, (std::vector{500ms, 1000ms, 2000ms, 4000ms}));
   EXPECT_EQ(watched.frames.size(), 1U);
@@ -99,7 +99,7 @@ TEST(LiveSource, TriesAgainMoreAndMoreSeldomUntilItsPatienceEnds) {
 }
 
 // Connects after waits of 0.5, 1 and 2 s. One more wait would exceed 3.9 s in all.
-TEST(LiveSource, BacksOffFromTheStartAfterAConnectionOfHalfAMinute) {
+TEST(LiveSource, RestartsTheBackOffAfterAConnectionOfHalfAMinute) {
   const auto waits_after = [](std::chrono::milliseconds connection) {
     return watch({{1, "a"}, {0, "b"}, {0, "b"}, {1, "c", connection}, {0, "d"}}, 3900ms).waits;
   };
@@ -107,13 +107,13 @@ TEST(LiveSource, BacksOffFromTheStartAfterAConnectionOfHalfAMinute) {
   EXPECT_EQ(waits_after(30s - 1ms), (std::vector{500ms, 1000ms, 2000ms}));
 }
 
-TEST(LiveSource, NeverTriesAgainWithoutPatience) {
+TEST(LiveSource, NeverRetriesWithATimeLimitOfZero) {
   const Watched watched = watch({{1, ""}, {1, ""}}, 0s);
   EXPECT_TRUE(watched.waits.empty());
   EXPECT_EQ(watched.trouble, "connection lost, gave up: the stream ended");
 }
 
-TEST(LiveSource, StartsAnewAfterALossAndSaysSo) {
+TEST(LiveSource, StartsAnewAfterALossAndReportsIt) {
   const Watched watched = watch({{1, "broken"}, {0, "refused"}, {3, "again"}, {0, "refused"}}, 10s);
   EXPECT_EQ(watched.counts.reconnections, 1);
   EXPECT_EQ(watched.counts.away, 1500ms);  // waits of 0.5 and 1 s
@@ -135,14 +135,14 @@ TEST(LiveSource, CountsTimeAndFramesOverALoss) {
   EXPECT_EQ(watched.frames.back().time, 1580ms);
 }
 
-TEST(LiveSource, CountsEveryFrameAsHandedOutOrDropped) {
+TEST(LiveSource, CountsEveryFrameAsReturnedOrDropped) {
   const Watched watched = watch({{500, ""}, {0, "refused"}}, 0s);
   EXPECT_EQ(watched.counts.frames, 500);
   EXPECT_EQ(static_cast<std::int64_t>(watched.frames.size()) + watched.counts.dropped, 500);
   EXPECT_EQ(watched.frames.back().number, 499);
 }
 
-TEST(LiveSource, EndsAtOnceWhileItIsAway) {
+TEST(LiveSource, EndsAtOnceWhileDisconnected) {
   const auto connect = [] { return std::make_unique<Connection>(1, "broken"); };
   const std::stop_source stop;
   {

@@ -60,7 +60,7 @@ std::vector<std::string> operator+(std::vector<std::string> words, const std::ve
   return words;
 }
 
-TEST_P(Stream, IsWatchedAgainAfterTheCameraDiedAndCameBack) {
+TEST_P(Stream, IsReconnectedAfterTheCameraDiedAndCameBack) {
   Camera& camera = *camera_;
   Watcher watcher(folder_, kFake + std::vector<std::string>{camera.address()});
   begin(kDark);
@@ -75,7 +75,7 @@ TEST_P(Stream, IsWatchedAgainAfterTheCameraDiedAndCameBack) {
   EXPECT_NE(watcher.errors().find("reconnected 1 time, "), std::string::npos) << watcher.errors();
 }
 
-TEST_P(Stream, ThatStallsIsGivenUpAfterTheTimeoutAndConnectedAnew) {
+TEST_P(Stream, ThatStallsIsReconnectedAfterTheTimeout) {
   Camera& camera = *camera_;
   Watcher watcher(folder_, kFake + std::vector<std::string>{camera.address(), "--timeout", "1"});
   begin(kDark);
@@ -114,10 +114,10 @@ double time_of(const std::string& line) {
   return std::atof(line.substr(line.find(key) + key.size()).c_str());
 }
 
-class StreamWithoutTimes : public Stream {};
+class StreamWithoutTimestamps : public Stream {};
 
 // Such streams do not state a frame rate; FFmpeg assumes 25 per second.
-TEST_P(StreamWithoutTimes, GoesByWhenPicturesCome) {
+TEST_P(StreamWithoutTimestamps, UsesArrivalTimes) {
   Watcher watcher(folder_, kFake + std::vector<std::string>{camera_->address()});
   begin(kDark);
   ASSERT_NE(watcher.watch(*camera_, has_boxes), "") << watcher.errors();
@@ -189,7 +189,7 @@ constexpr Kind kKinds[] = {{"Rtsp", "rtsp", stream::kH264},
 std::string name_of(const testing::TestParamInfo<Kind>& kind) { return kind.param.name; }
 
 INSTANTIATE_TEST_SUITE_P(All, Stream, testing::ValuesIn(kKinds), name_of);
-INSTANTIATE_TEST_SUITE_P(All, StreamWithoutTimes, testing::Values(kKinds[2]), name_of);
+INSTANTIATE_TEST_SUITE_P(All, StreamWithoutTimestamps, testing::Values(kKinds[2]), name_of);
 INSTANTIATE_TEST_SUITE_P(All, FirstPicture, testing::Values(kKinds[0]), name_of);
 INSTANTIATE_TEST_SUITE_P(All, SceneAfterALoss, testing::ValuesIn(kKinds), name_of);
 

@@ -36,7 +36,7 @@ TEST(BackOff, DoublesUpToHalfAMinute) {
   EXPECT_EQ(back_off.next(), 500ms);
 }
 
-TEST(BackOff, LeavesUpToHalfToChance) {
+TEST(BackOff, DrawsUpToHalfAtRandom) {
   double chance = 0;
   BackOff back_off([&] { return chance; });
   EXPECT_EQ(back_off.next(), 250ms);
@@ -44,7 +44,7 @@ TEST(BackOff, LeavesUpToHalfToChance) {
   EXPECT_EQ(back_off.next(), 750ms);  // of 1000: 500 + 0.5 * 500
 }
 
-TEST(BackOff, RealChanceIsBetweenNothingAndAll) {
+TEST(BackOff, RealChanceIsBetweenZeroAndOne) {
   const auto chance = real_chance();
   for (int i = 0; i < 1000; ++i) {
     const double value = chance();
@@ -69,15 +69,15 @@ TEST(FramePicker, TakesTheFirstFrameOfEachInterval) {
             (std::vector{0, 120, 200, 320, 400}));
 }
 
-TEST(FramePicker, TakesNoMoreAfterAGapToMakeUpForIt) {
+TEST(FramePicker, DoesNotCatchUpAfterAGap) {
   EXPECT_EQ(picked(10, {0, 1000, 1040, 1080, 1120}), (std::vector{0, 1000, 1120}));
 }
 
-TEST(FramePicker, TakesAllWhenFewerComeThanAreWanted) {
+TEST(FramePicker, TakesAllBelowTheLimit) {
   EXPECT_EQ(picked(30, {0, 40, 80, 120, 160}), (std::vector{0, 40, 80, 120, 160}));
 }
 
-TEST(FramePicker, MindsNoRounding) {
+TEST(FramePicker, ToleratesRounding) {
   // At 30 frames per second, every third frame is at 99.999 ms and so on.
   FramePicker picker(10);
   for (int i = 0; i < 300; ++i) {
@@ -101,7 +101,7 @@ Frame numbered(int number) {
   return frame;
 }
 
-TEST(NewestFrame, DropsTheOneThatNobodyTook) {
+TEST(NewestFrame, DropsTheOneNotTaken) {
   NewestFrame newest;
   EXPECT_TRUE(newest.put(numbered(1)));
   EXPECT_FALSE(newest.put(numbered(2)));
@@ -112,7 +112,7 @@ TEST(NewestFrame, DropsTheOneThatNobodyTook) {
   EXPECT_TRUE(newest.put(numbered(3))) << "nothing was waiting";
 }
 
-TEST(NewestFrame, HandsDownWhatADroppedFrameHadToTell) {
+TEST(NewestFrame, PassesOnTheNoteOfADroppedFrame) {
   NewestFrame newest;
   Frame first = numbered(1);
   first.anew = true;
@@ -142,7 +142,7 @@ TEST(NewestFrame, GivesTheLastFrameAndThenTheEnd) {
   EXPECT_TRUE(after.ended);
 }
 
-TEST(Shedding, SaysHowManyFramesAPeriodLost) {
+TEST(Shedding, ReportsHowManyFramesAPeriodLost) {
   const Shedding::Time start{};
   Shedding shedding(start);
   EXPECT_EQ(shedding.count(true, start + 10s), "");
@@ -152,7 +152,7 @@ TEST(Shedding, SaysHowManyFramesAPeriodLost) {
   EXPECT_EQ(shedding.count(true, start + 31s), "") << "a new period";
 }
 
-TEST(Shedding, SaysNothingWhenNothingWasLost) {
+TEST(Shedding, ReportsNothingWhenNothingWasLost) {
   const Shedding::Time start{};
   Shedding shedding(start);
   EXPECT_EQ(shedding.count(false, start + 30s), "");
@@ -169,13 +169,13 @@ TEST(Scale, IsAFactorOrASize) {
     EXPECT_FALSE(parse_scale(wrong)) << wrong;
 }
 
-TEST(Scale, NeverMakesFramesLargerNorNothingOfThem) {
+TEST(Scale, NeverEnlargesFramesOrMakesThemEmpty) {
   EXPECT_EQ(parse_scale("1000x1000")->of({640, 360}), cv::Size(640, 360));
   EXPECT_EQ(parse_scale("0.001")->of({640, 3}), cv::Size(1, 1));
   EXPECT_EQ(Scale{}.of({640, 360}), cv::Size(640, 360));
 }
 
-TEST(Scale, TakesTheMeanOfWhatAPixelStandsFor) {
+TEST(Scale, AveragesTheReplacedPixels) {
   cv::Mat image(2, 2, CV_8UC3, cv::Scalar(10, 20, 30));
   image.at<cv::Vec3b>(0, 0) = {50, 20, 30};
   const cv::Mat smaller = scaled(image, {1, 1});

@@ -81,7 +81,7 @@ TEST_F(AnnouncerTest, HasStatesRetainedAndDropsUpdatesFirst) {
   announcer_.changed(event("a", 3s));
   ASSERT_EQ(messages_.size(), 3U);
   EXPECT_EQ(messages_[0].kind, MessageKind::kMilestone);
-  EXPECT_EQ(messages_[1].kind, MessageKind::kStanding);
+  EXPECT_EQ(messages_[1].kind, MessageKind::kRetained);
   EXPECT_EQ(messages_[2].kind, MessageKind::kUpdate);
 }
 
@@ -126,7 +126,7 @@ TEST_F(AnnouncerTest, MotionIsOverWhenTheLastEventOfItIs) {
 TEST_F(AnnouncerTest, IntroducesItselfToHomeAutomation) {
   announcer_.introduce("homeassistant");
   ASSERT_EQ(messages_.size(), 3U);
-  EXPECT_EQ(messages_[0].kind, MessageKind::kStanding);
+  EXPECT_EQ(messages_[0].kind, MessageKind::kRetained);
   EXPECT_EQ(messages_[0].topic, "homeassistant/binary_sensor/p_cam/config");
   const Json::Value sensor = parsed(messages_[0].payload);
   EXPECT_EQ(sensor["unique_id"], "p_cam");

@@ -46,7 +46,7 @@ std::vector<std::string> without_repetitions(std::vector<std::string> list) {
   return list;
 }
 
-class MessageBus : public testing::Test {
+class Mqtt : public testing::Test {
  protected:
   void SetUp() override {
     if (!Broker::installed()) GTEST_SKIP() << "mosquitto is not installed";
@@ -59,7 +59,7 @@ class MessageBus : public testing::Test {
   Broker broker_;
 };
 
-TEST_F(MessageBus, HearsOfEventsAndOfTheCamerasState) {
+TEST_F(Mqtt, PublishesEventsAndTheCamerasState) {
   broker_.start();
   Subscriber reader(broker_);
   MqttListener listener(options(), "");
@@ -79,7 +79,7 @@ TEST_F(MessageBus, HearsOfEventsAndOfTheCamerasState) {
   EXPECT_EQ(reader.payloads("home/hall/availability"), (Lines{"online", "offline"}));
 }
 
-TEST_F(MessageBus, StatesAreThereForWhoComesLater) {
+TEST_F(Mqtt, RetainsStatesForLaterSubscribers) {
   broker_.start();
   {
     MqttListener listener(options(), "");
@@ -93,7 +93,7 @@ TEST_F(MessageBus, StatesAreThereForWhoComesLater) {
   EXPECT_EQ(late.payloads("home/hall/event/new"), Lines{}) << "an event is no state";
 }
 
-TEST_F(MessageBus, MissesNothingWhileTheBrokerIsKilledAndStartedAgain) {
+TEST_F(Mqtt, LosesNothingWhenTheBrokerIsKilledAndRestarted) {
   broker_.start();
   Subscriber reader(broker_);
   broker_.save();
@@ -117,7 +117,7 @@ TEST_F(MessageBus, MissesNothingWhileTheBrokerIsKilledAndStartedAgain) {
   EXPECT_EQ(without_repetitions(ids(reader.payloads("home/hall/event/end"))), all);
 }
 
-TEST_F(MessageBus, HearsTheStatesAgainFromABrokerThatForgotThem) {
+TEST_F(Mqtt, RepublishesStatesToABrokerThatLostThem) {
   broker_.start();
   Subscriber reader(broker_);
   broker_.save();
@@ -134,7 +134,7 @@ TEST_F(MessageBus, HearsTheStatesAgainFromABrokerThatForgotThem) {
   EXPECT_TRUE(late.wait_for("homeassistant/binary_sensor/home_hall/config", "motion"));
 }
 
-TEST_F(MessageBus, KeepsBeginningsAndEndsForABrokerThatComesLate) {
+TEST_F(Mqtt, KeepsBeginningsAndEndsForABrokerThatStartsLate) {
   CapturedStream errors(stderr);
   broker_.start();
   Subscriber reader(broker_);
@@ -155,7 +155,7 @@ TEST_F(MessageBus, KeepsBeginningsAndEndsForABrokerThatComesLate) {
       << errors.text();
 }
 
-TEST_F(MessageBus, ThatNobodyServesIsSaidOnceAndLeavesTheRunInPeace) {
+TEST_F(Mqtt, ReportsAnUnreachableBrokerOnceAndDoesNotStopTheRun) {
   CapturedStream errors(stderr);
   MqttListener listener(options(), "", 100ms);
   listener.begun(event("a", 1s));
@@ -165,7 +165,7 @@ TEST_F(MessageBus, ThatNobodyServesIsSaidOnceAndLeavesTheRunInPeace) {
   EXPECT_EQ(errors.text(), broker + "Connection refused; retrying\n" + broker + "4 messages not sent\n");
 }
 
-TEST_F(MessageBus, TakesThePasswordFromAFile) {
+TEST_F(Mqtt, TakesThePasswordFromAFile) {
   Broker guarded("allow_anonymous false\npassword_file " + (broker_.folder() / "users") + "\n");
   const std::string command = "mosquitto_passwd -b -c " + (broker_.folder() / "users") + " me 'p@ss word'";
   ASSERT_EQ(std::system(command.c_str()), 0);
@@ -185,7 +185,7 @@ TEST_F(MessageBus, TakesThePasswordFromAFile) {
   EXPECT_NE(errors.text().find("not authorised"), std::string::npos) << errors.text();
 }
 
-TEST_F(MessageBus, HearsFromTheProgram) {
+TEST_F(Mqtt, IsPublishedByTheProgram) {
   broker_.start();
   Subscriber reader(broker_);
   const program::Outcome outcome =
@@ -199,7 +199,7 @@ TEST_F(MessageBus, HearsFromTheProgram) {
   EXPECT_EQ(reader.payloads("lightmotion/builtin/motion").back(), "OFF");
 }
 
-TEST_F(MessageBus, HearsFromTheBrokerWhenTheProgramIsKilled) {
+TEST_F(Mqtt, PublishesTheWillWhenTheProgramIsKilled) {
   broker_.start();
   Subscriber reader(broker_);
   // Nobody reads its results, so it does not reach its end.
@@ -215,7 +215,7 @@ TEST_F(MessageBus, HearsFromTheBrokerWhenTheProgramIsKilled) {
   for (const int handle : {ends[0], ends[1], nowhere}) close(handle);
 }
 
-TEST_F(MessageBus, HearsTheEndOfEventsWhenTheProgramIsStopped) {
+TEST_F(Mqtt, PublishesTheEndOfEventsWhenTheProgramIsStopped) {
   broker_.start();
   Subscriber reader(broker_);
   int ends[2];
@@ -237,7 +237,7 @@ TEST_F(MessageBus, HearsTheEndOfEventsWhenTheProgramIsStopped) {
   for (const int handle : {ends[0], nowhere}) close(handle);
 }
 
-TEST(MessageBusTopic, ThatIsNoTextIsRefused) {
+TEST(MqttTopic, ThatIsNoTextIsRefused) {
   try {
     MqttListener listener({.address = "mqtt://127.0.0.1/\xff"}, "", 0ms);
     FAIL() << "no failure";

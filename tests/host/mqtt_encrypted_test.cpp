@@ -17,7 +17,7 @@ using namespace std::chrono_literals;
 using broker::Broker;
 using broker::Subscriber;
 
-class EncryptedMessageBus : public testing::Test {
+class EncryptedMqtt : public testing::Test {
  protected:
   void SetUp() override {
     if (!Broker::installed()) GTEST_SKIP() << "mosquitto is not installed";
@@ -45,7 +45,7 @@ class EncryptedMessageBus : public testing::Test {
   }
 
   // The message about a connection that must fail.
-  std::string complaint(const std::string& authorities) const {
+  std::string errors_of(const std::string& authorities) const {
     CapturedStream errors(stderr);
     MqttListener listener(options(authorities), "", 3s);
     Event event;
@@ -59,7 +59,7 @@ class EncryptedMessageBus : public testing::Test {
   std::optional<Broker> broker_;
 };
 
-TEST_F(EncryptedMessageBus, HearsFromWhoTrustsItsCertificate) {
+TEST_F(EncryptedMqtt, AcceptsAClientThatTrustsItsCertificate) {
   start_broker("IP:127.0.0.1");
   Subscriber reader(*broker_, certificate());
   CapturedStream errors(stderr);
@@ -69,21 +69,21 @@ TEST_F(EncryptedMessageBus, HearsFromWhoTrustsItsCertificate) {
   EXPECT_EQ(errors.text(), "");
 }
 
-TEST_F(EncryptedMessageBus, IsToldNothingWithACertificateThatNobodyKnows) {
+TEST_F(EncryptedMqtt, ReceivesNothingWithAnUntrustedCertificate) {
   start_broker("IP:127.0.0.1");
-  const std::string text = complaint("");  // the system's certificates
+  const std::string text = errors_of("");  // the system's certificates
   EXPECT_NE(text.find("TLS error"), std::string::npos) << text;
   EXPECT_NE(text.find("4 messages not sent"), std::string::npos) << text;
 }
 
-TEST_F(EncryptedMessageBus, IsToldNothingWithACertificateOfSomebodyElse) {
+TEST_F(EncryptedMqtt, ReceivesNothingWithACertificateForAnotherHost) {
   start_broker("DNS:elsewhere.example");
-  const std::string text = complaint(certificate());
+  const std::string text = errors_of(certificate());
   EXPECT_NE(text.find("TLS error"), std::string::npos) << text;
   EXPECT_NE(text.find("4 messages not sent"), std::string::npos) << text;
 }
 
-TEST_F(EncryptedMessageBus, WithoutTheFileOfCertificatesIsRefused) {
+TEST_F(EncryptedMqtt, WithoutTheCertificateFileIsRefused) {
   start_broker("IP:127.0.0.1");
   const auto outcome =
       program::run_fake({"-o", "/dev/null", "--mqtt", options("").address, "--mqtt-ca", "/nowhere"});

@@ -10,8 +10,8 @@ using Payloads = std::vector<std::string>;
 
 Message milestone(const std::string& payload) { return {MessageKind::kMilestone, "event/new", payload}; }
 Message update(const std::string& payload) { return {MessageKind::kUpdate, "event/update", payload}; }
-Message standing(const std::string& topic, const std::string& payload) {
-  return {MessageKind::kStanding, topic, payload};
+Message retained(const std::string& topic, const std::string& payload) {
+  return {MessageKind::kRetained, topic, payload};
 }
 
 Payloads all_of(Outbox& outbox) {
@@ -20,9 +20,9 @@ Payloads all_of(Outbox& outbox) {
   return payloads;
 }
 
-TEST(Outbox, GivesMessagesInTheirOrder) {
+TEST(Outbox, KeepsMessagesInOrder) {
   Outbox outbox(10);
-  for (const Message& message : {milestone("1"), update("2"), standing("a", "3"), milestone("4")})
+  for (const Message& message : {milestone("1"), update("2"), retained("a", "3"), milestone("4")})
     outbox.push(message);
   EXPECT_EQ(outbox.size(), 4U);
   EXPECT_EQ(outbox.pop(), milestone("1"));
@@ -40,7 +40,7 @@ TEST(Outbox, DropsTheOldestUpdateFirst) {
   EXPECT_EQ(outbox.drops().milestones, 0);
 }
 
-TEST(Outbox, DropsTheOldestMilestoneWhereThereAreOnlyThose) {
+TEST(Outbox, DropsTheOldestMilestoneIfThereAreNoUpdates) {
   Outbox outbox(2);
   for (const Message& message : {milestone("1"), milestone("2"), milestone("3"), update("4"), milestone("5")})
     outbox.push(message);
@@ -50,28 +50,28 @@ TEST(Outbox, DropsTheOldestMilestoneWhereThereAreOnlyThose) {
   EXPECT_EQ(outbox.drops().milestones, 2);
 }
 
-TEST(Outbox, KeepsOnlyTheLastStandingMessageOfATopicAtItsPlace) {
+TEST(Outbox, KeepsOnlyTheLastRetainedMessageOfATopic) {
   Outbox outbox(10);
   for (const Message& message :
-       {standing("state", "ON"), milestone("new"), standing("other", "x"), standing("state", "OFF")})
+       {retained("state", "ON"), milestone("new"), retained("other", "x"), retained("state", "OFF")})
     outbox.push(message);
   EXPECT_EQ(all_of(outbox), (Payloads{"new", "x", "OFF"}));
 }
 
-TEST(Outbox, DropsNoStandingMessageAndCountsNoneAgainstTheLimit) {
+TEST(Outbox, NeverDropsOrCountsRetainedMessages) {
   Outbox outbox(1);
-  for (const Message& message : {standing("a", "a"), standing("b", "b"), milestone("1"), milestone("2")})
+  for (const Message& message : {retained("a", "a"), retained("b", "b"), milestone("1"), milestone("2")})
     outbox.push(message);
   EXPECT_EQ(all_of(outbox), (Payloads{"a", "b", "2"}));
   EXPECT_EQ(outbox.drops().milestones, 1);
 }
 
-TEST(Outbox, RenewsStandingMessagesInFrontOfTheOthers) {
+TEST(Outbox, RenewsRetainedMessagesBeforeOthers) {
   Outbox outbox(10);
-  for (const Message& message : {standing("a", "a1"), standing("b", "b1")}) outbox.push(message);
+  for (const Message& message : {retained("a", "a1"), retained("b", "b1")}) outbox.push(message);
   EXPECT_EQ(all_of(outbox), (Payloads{"a1", "b1"}));
-  for (const Message& message : {milestone("new"), standing("a", "a2")}) outbox.push(message);
-  outbox.renew_standing();
+  for (const Message& message : {milestone("new"), retained("a", "a2")}) outbox.push(message);
+  outbox.renew_retained();
   EXPECT_EQ(all_of(outbox), (Payloads{"a2", "b1", "new"}));
 }
 

@@ -170,13 +170,13 @@ TEST(Options, RefuseTextAndValuesOutOfRangeWhereANumberIsExpected) {
   }
 }
 
-TEST(NumberRange, IsShownWithoutALimitThatNobodyMeets) {
+TEST(NumberRange, IsShownWithoutAnUnreachableLimit) {
   EXPECT_EQ(range_text({0, 86400, "s"}), "0 to 86400 s");
   EXPECT_EQ(range_text({0.001, 1e9, "s"}), "0.001 s or more");
   EXPECT_EQ(range_text({1, 4096, "", true}), "1 to 4096");
 }
 
-TEST(Help, IsBrokenBetweenWords) {
+TEST(Help, IsWrappedBetweenWords) {
   EXPECT_EQ(wrapped("one two three", 7), "one two\nthree");
   EXPECT_EQ(wrapped("one two three", 6), "one\ntwo\nthree");
   EXPECT_EQ(wrapped("one\ntwo three", 20), "one\ntwo three");

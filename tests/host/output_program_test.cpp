@@ -50,14 +50,14 @@ class EachOutput : public testing::TestWithParam<Output> {
   Folder folder_;
 };
 
-TEST_P(EachOutput, OnAFullDeviceGivesOneLineAndNoFileAtAll) {
+TEST_P(EachOutput, OnAFullDeviceGivesOneLineAndNoFile) {
   const std::string link = folder_ / GetParam().file;
   std::filesystem::create_symlink("/dev/full", link);
   expect_complaint(run_with(link), link + " cannot be written: No space left on device");
   EXPECT_EQ(folder_.names(), (Names{GetParam().file, "clip.mp4"}));
 }
 
-TEST_P(EachOutput, InAFolderThatTakesNoFilesGivesOneLineAndNoFileAtAll) {
+TEST_P(EachOutput, InAnUnwritableFolderGivesOneLineAndNoFile) {
   const std::string closed = folder_ / "closed";
   std::filesystem::create_directory(closed);
   chmod(closed.c_str(), 0500);
@@ -115,7 +115,7 @@ class EachFolder : public testing::TestWithParam<Output> {
   Folder folder_;
 };
 
-TEST_P(EachFolder, ThatIsFullGivesOneLineAndNothingHalf) {
+TEST_P(EachFolder, ThatIsFullGivesOneLineAndNoPartialFiles) {
   const std::string full = folder_ / "out/" + GetParam().file;
   std::filesystem::create_symlink("/dev/full", full);
   for (const Names& source : {Names{folder_ / "clip.mp4"}, Names{}}) {  // copied, and recorded
@@ -125,7 +125,7 @@ TEST_P(EachFolder, ThatIsFullGivesOneLineAndNothingHalf) {
   }
 }
 
-TEST_P(EachFolder, ThatTakesNoFilesIsFoundOutBeforeTheFirstFrame) {
+TEST_P(EachFolder, ThatIsUnwritableIsReportedBeforeTheFirstFrame) {
   const std::string closed = folder_ / "out";
   chmod(closed.c_str(), 0500);
   // Root can write there nevertheless.

@@ -45,7 +45,7 @@ TEST(PendingFile, KeepsTheFileThatWasThereUntilCommit) {
   EXPECT_EQ(program::read(folder / "a"), "new");
 }
 
-TEST(PendingFile, TwoOfOneNameDoNotMeet) {
+TEST(PendingFile, TwoWithOneNameDoNotCollide) {
   const Folder folder;
   PendingFile first(folder / "a");
   PendingFile second(folder / "a");
@@ -63,7 +63,7 @@ TEST(PendingFile, FollowsASymbolicLinkAndKeepsIt) {
   EXPECT_EQ(program::read(folder / "real"), "new");
 }
 
-TEST(PendingFile, HasTheRightsThatTheUserGivesNewFiles) {
+TEST(PendingFile, HasThePermissionsOfNewFiles) {
   const Folder folder;
   const mode_t mask = umask(027);
   PendingFile file(folder / "a");
@@ -90,7 +90,7 @@ std::string failure_of(const std::string& target) {
   }
 }
 
-TEST(PendingFile, SaysAtOnceWhenNothingCanBeWrittenThere) {
+TEST(PendingFile, ReportsAnUnwritableFolderAtOnce) {
   const Folder folder;
   EXPECT_EQ(failure_of(folder / "no/a"), (folder / "no/a") + " cannot be written: No such file or directory");
   EXPECT_EQ(failure_of(folder / "."), (folder / ".") + " cannot be written: Is a directory");
@@ -116,7 +116,7 @@ TEST(LineSink, AFileWithoutLinesIsEmptyButThere) {
   EXPECT_EQ(folder.names(), Names{"a"});
 }
 
-TEST(LineSink, SaysWhenTheBytesAreNotTaken) {
+TEST(LineSink, ReportsWriteErrors) {
   LineSink sink("/dev/full");
   try {
     for (int i = 0; i < 100'000; ++i) sink.write("more than any buffer takes");

@@ -36,7 +36,7 @@ TEST(PictureConverter, FillsEveryPixelAtAnyWidth) {
 }
 
 // 235 is white in the limited range; in the full range it is a light grey.
-TEST(PictureConverter, HeedsTheRangeThatThePictureStates) {
+TEST(PictureConverter, UsesTheRangeThatThePictureStates) {
   const cv::Size size(32, 16);
   PictureConverter converter(size, 0);
   EXPECT_EQ(converter.convert(*plain_picture(size, 235, AVCOL_RANGE_MPEG)).at<cv::Vec3b>(8, 8)[1], 255);

@@ -78,7 +78,7 @@ TEST(Plugin, ReportsARefusalInThePluginsWords) {
   EXPECT_EQ(plugin.start(R"({"comment": "throw"})"), "exception \"stoi\"");
 }
 
-TEST(Plugin, AnExceptionOnAFrameIsTrouble) {
+TEST(Plugin, AnExceptionOnAFrameIsAFailure) {
   Plugin plugin(LIGHTMOTION_FAKE_PLUGIN);
   ASSERT_EQ(plugin.start(R"({"comment": "frame throws"})"), "");
   const unsigned char pixel = 0;

@@ -26,7 +26,7 @@ Json::Value parsed(const std::string& text) {
   return value;
 }
 
-TEST(Presets, HaveNamesOfTheirOwnAndALineEach) {
+TEST(Presets, HaveUniqueNamesAndALineEach) {
   std::set<std::string> names;
   for (const Preset& preset : all()) {
     names.insert(preset.name);
@@ -40,7 +40,7 @@ TEST(Presets, HaveNamesOfTheirOwnAndALineEach) {
   EXPECT_EQ(find_preset("nowhere"), nullptr);
 }
 
-TEST(Presets, HoldNothingButSettingsThatThePluginReadsAndTheirLine) {
+TEST(Presets, ContainOnlySettingsThatThePluginReadsAndAComment) {
   for (const Preset& preset : all()) {
     const std::vector<std::string> keys = parsed(preset.document).getMemberNames();
     const std::vector<std::string> expected{"comment", "lcAdap", "minBoxH", "minBoxW", "sensitivity"};
@@ -118,7 +118,7 @@ TEST(PresetsProgram, RunsWithADocumentAsIfItWereAConfiguration) {
   EXPECT_NE(named.output, with({}).output);
 }
 
-TEST(PresetsArchive, CountForWhatIsDoneAlready) {
+TEST(PresetsArchive, AffectWhichFilesAreReprocessed) {
   const auto options = program::archive_line({"a.avi", "--out", "results", "--preset", "night"});
   EXPECT_EQ(options.passed_on, std::vector<std::string>{"--preset=night"});
 }

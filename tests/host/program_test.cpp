@@ -26,7 +26,7 @@ Json::Value parsed(const std::string& line) {
 }
 
 // The only line on standard error, which must start with the program's name.
-std::string complaint(const Outcome& outcome) {
+std::string error_line(const Outcome& outcome) {
   EXPECT_EQ(program::lines(outcome.errors).size(), 1U) << outcome.errors;
   EXPECT_TRUE(outcome.errors.starts_with("lightmotion: ")) << outcome.errors;
   return outcome.errors;
@@ -43,7 +43,7 @@ std::string short_clip(const Folder& folder) {
   return folder / "clip";
 }
 
-TEST(Program, HandsOverTimesCountedFromOneAndReportsFramesCountedFromZero) {
+TEST(Program, PassesTimesCountedFromOneAndReportsFramesCountedFromZero) {
   const Folder folder;
   clips::write(folder / "a.mp4", {64, 48}, {0ms, 40ms, 113ms, 2s});
   const Outcome outcome = run_fake({folder / "a.mp4"});
@@ -138,7 +138,7 @@ TEST(Program, SumsUpOnStandardErrorUnlessQuiet) {
       << listed.errors;
 }
 
-TEST(Program, ShowsAProgressBarOnATerminalAndTakesItAway) {
+TEST(Program, ShowsAProgressBarOnATerminalAndClearsIt) {
   int terminal = -1;
   int other = -1;
   const winsize size{24, 80, 0, 0};
@@ -200,7 +200,7 @@ TEST_P(Refused, ConfigurationGivesOneLineAndStatusTwo) {
   program::write(folder / "c.json", GetParam().document);
   const Outcome outcome = run_fake({"-c", folder / "c.json", "-o", folder / "out"});
   EXPECT_EQ(outcome.status, 2);
-  EXPECT_EQ(complaint(outcome), "lightmotion: " + (folder / "c.json") + ":" + GetParam().cause + "\n");
+  EXPECT_EQ(error_line(outcome), "lightmotion: " + (folder / "c.json") + ":" + GetParam().cause + "\n");
   EXPECT_EQ(outcome.output, "");
   EXPECT_EQ(folder.names(), Names{"c.json"});
 }
@@ -234,7 +234,7 @@ TEST(Program, NamesAConfigurationThatCannotBeRead) {
   const Folder folder;
   const Outcome outcome = run_fake({"-c", folder / "none.json"});
   EXPECT_EQ(outcome.status, 2);
-  EXPECT_EQ(complaint(outcome), "lightmotion: " + (folder / "none.json") + ": No such file or directory\n");
+  EXPECT_EQ(error_line(outcome), "lightmotion: " + (folder / "none.json") + ": No such file or directory\n");
 }
 
 TEST(Program, WarnsOfSettingsThatHaveNoEffect) {
@@ -243,7 +243,7 @@ TEST(Program, WarnsOfSettingsThatHaveNoEffect) {
   const Outcome outcome =
       run_fake({short_clip(folder), "-c", folder / "c.json", "-o", "/dev/null", "--quiet"});
   EXPECT_EQ(outcome.status, 0);
-  EXPECT_EQ(complaint(outcome),
+  EXPECT_EQ(error_line(outcome),
             "lightmotion: warning: " + (folder / "c.json") +
                 ":1:17: \"sensitivity\": 5 is not a string: the plug-in ignores it and uses the "
                 "default (write \"5\")\n");
@@ -271,13 +271,13 @@ TEST(Program, ShowsThePluginsLogWhenVerbose) {
 TEST(Program, EndsWithStatusTwoWithoutAPlugin) {
   const Outcome outcome = program::run({"run", "--plugin", "/nowhere/plugin.so"});
   EXPECT_EQ(outcome.status, 2);
-  EXPECT_NE(complaint(outcome).find("/nowhere/plugin.so"), std::string::npos);
+  EXPECT_NE(error_line(outcome).find("/nowhere/plugin.so"), std::string::npos);
 }
 
 TEST(Program, EndsWithStatusOneWithoutASource) {
   const Outcome outcome = run_fake({"/nowhere/street.avi"});
   EXPECT_EQ(outcome.status, 1);
-  EXPECT_EQ(complaint(outcome), "lightmotion: /nowhere/street.avi: No such file or directory\n");
+  EXPECT_EQ(error_line(outcome), "lightmotion: /nowhere/street.avi: No such file or directory\n");
 }
 
 TEST(Program, CompletesItsOutputsForASourceThatBreaksOffAndEndsWithStatusOne) {
@@ -287,7 +287,7 @@ TEST(Program, CompletesItsOutputsForASourceThatBreaksOffAndEndsWithStatusOne) {
   const Outcome outcome =
       run_fake({folder / "a.mkv", "-o", folder / "b.jsonl", "-a", folder / "b.mp4", "--quiet"});
   EXPECT_EQ(outcome.status, 1);
-  EXPECT_NE(complaint(outcome).find(folder / "a.mkv"), std::string::npos);
+  EXPECT_NE(error_line(outcome).find(folder / "a.mkv"), std::string::npos);
   EXPECT_EQ(folder.names(), (Names{"a.mkv", "b.jsonl", "b.mp4"}));
   EXPECT_GT(clips::read(folder / "b.mp4").size(), 5U);
 }
@@ -298,29 +298,29 @@ TEST(Program, RemovesItsOutputsWhenThePluginFailsOnAFrame) {
   const Outcome outcome =
       run_fake({"-c", folder / "c.json", "-o", folder / "a.jsonl", "-a", folder / "a.mp4"});
   EXPECT_EQ(outcome.status, 1);
-  EXPECT_NE(complaint(outcome).find("exception \"stoll\" while processing a frame"), std::string::npos);
+  EXPECT_NE(error_line(outcome).find("exception \"stoll\" while processing a frame"), std::string::npos);
   EXPECT_EQ(folder.names(), Names{"c.json"});
 }
 
-TEST(Program, LeavesNoPartialFileWhereThereIsNoRoom) {
+TEST(Program, LeavesNoPartialFileOnAFullDevice) {
   const Folder folder;
   const std::string cause = " cannot be written: File too large\n";
   Outcome outcome = run_fake({"-o", folder / "a.jsonl"}, 5000);
   EXPECT_EQ(outcome.status, 1);
-  EXPECT_EQ(complaint(outcome), "lightmotion: " + (folder / "a.jsonl") + cause);
+  EXPECT_EQ(error_line(outcome), "lightmotion: " + (folder / "a.jsonl") + cause);
   // 18 lines fit, the video does not; then the file of lines does not get its name either.
   clips::write_busy(folder / "clip.mp4", {160, 120}, 20);
   outcome = run_fake({folder / "clip.mp4", "-o", folder / "a.jsonl", "-a", folder / "a.mp4"}, 9000);
   EXPECT_EQ(outcome.status, 1);
-  EXPECT_EQ(complaint(outcome), "lightmotion: " + (folder / "a.mp4") + cause);
+  EXPECT_EQ(error_line(outcome), "lightmotion: " + (folder / "a.mp4") + cause);
   EXPECT_EQ(folder.names(), Names{"clip.mp4"});
 }
 
-TEST(Program, SaysWhenItsResultsAreNotTaken) {
+TEST(Program, ReportsThatItsResultsCannotBeWritten) {
   const Folder folder;
   const Outcome outcome = run_fake({"-o", "/dev/full", "-a", folder / "a.mp4"});
   EXPECT_EQ(outcome.status, 1);
-  EXPECT_EQ(complaint(outcome), "lightmotion: /dev/full cannot be written: No space left on device\n");
+  EXPECT_EQ(error_line(outcome), "lightmotion: /dev/full cannot be written: No space left on device\n");
   EXPECT_EQ(folder.names(), Names{});
 }
 

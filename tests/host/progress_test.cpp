@@ -53,7 +53,7 @@ TEST(TimeLeft, IsWhatTheRestTakesAtTheSpeedSoFar) {
   EXPECT_EQ(time_left({100, 50s, 40s, 50, 0}), 0s);
 }
 
-TEST(TimeLeft, IsNotMadeUp) {
+TEST(TimeLeft, IsNotGuessed) {
   EXPECT_EQ(time_left(kLive), std::nullopt);
   EXPECT_EQ(time_left(ProgressState{}), std::nullopt);
   EXPECT_EQ(time_left({100, 0s, 40s, 50, 0}), std::nullopt);

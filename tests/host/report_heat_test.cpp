@@ -54,7 +54,7 @@ TEST(HeatMap, CountsLargeFramesMoreCoarsely) {
   EXPECT_EQ(HeatMap({9000, 2}).counts().size(), cv::Size(640, 1));
 }
 
-TEST(HeatMap, BoxesThatReachPastTheFrameAreCutOff) {
+TEST(HeatMap, BoxesAreClippedToTheFrame) {
   HeatMap map({10, 8});
   map.add({{-1, -1, 1.0625, 1.125}, {2, 2, 1, 1}});
   EXPECT_EQ(cv::sum(map.counts())[0], 1) << "the corner's pixel alone";
@@ -94,7 +94,7 @@ TEST(HeatMap, RareMotionGetsMoreOfTheColours) {
   expect_near(rare, {0.6 * 60, 0.6 * 252, 0.6 * 164});
 }
 
-TEST(HeatMap, LegendStandsBelowThePicture) {
+TEST(HeatMap, LegendIsBelowThePicture) {
   for (const int width : {40, 320, 1920}) {
     const cv::Mat picture(width / 2, width, CV_8UC3, cv::Scalar(1, 200, 1));
     const cv::Mat whole = with_legend(picture, 0.5);

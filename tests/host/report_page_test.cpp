@@ -119,13 +119,13 @@ TEST(Page, IsWellFormedAndNeedsNothingElse) {
 
 // The title occurs twice; once each the name and value of the setting, what made the page, and of each event
 // the region and both sentences.
-TEST(Page, HasNoMarkupOfTheOutside) {
+TEST(Page, EscapesMarkupInTexts) {
   const std::string html = render_page(page_data());
   EXPECT_EQ(html.find("<script"), std::string::npos);
   EXPECT_EQ(count(html, kHarmless), 2U + 2 + 1 + 2 * 3);
 }
 
-TEST(Page, TellsTheFigures) {
+TEST(Page, ShowsTheFigures) {
   const std::string html = render_page(page_data());
   for (const char* text :
        {"<dd>2<small>1 motion, 1 lighting</small>", "<dd>2.5 s<small>12 % of the video</small>",
@@ -182,7 +182,7 @@ TEST(Activity, KeepsTheLargestShareOfEachSpan) {
 }
 
 // 800 spans of 0.1 s cover 80 s; at 80 s they become 0.2 s long.
-TEST(Activity, TakesTheSameRoomHoweverLongTheVideo) {
+TEST(Activity, HasBoundedMemory) {
   Activity activity;
   activity.add(100ms, EventKind::kMotion, 0.5);
   activity.add(79'900ms, EventKind::kMotion, 0.4);
@@ -253,7 +253,7 @@ TEST(ReportPage, OfARunShowsWhatHappened) {
   EXPECT_TRUE(std::filesystem::exists(folder / "shots/00h00m00.040s-motion.jpg"));
 }
 
-TEST(ReportPage, IsNotLeftBehindByARunThatFails) {
+TEST(ReportPage, IsRemovedWhenTheRunFails) {
   const Folder folder;
   program::write(folder / "c.json", R"({"comment": "frame throws"})");
   const auto outcome = program::run_fake(

@@ -51,7 +51,7 @@ class Best : public testing::Test {
   std::int64_t next_ = 0;
 };
 
-TEST_F(Best, IsFoundAmongTheFramesBeforeTheEventWasKnown) {
+TEST_F(Best, IsFoundAmongTheFramesBeforeTheEventWasAnnounced) {
   for (const double share : {0.9, 0.1, 0.2, 0.5, 0.3, 0.4}) see(share);
   best_.follow(event_at(1, 3));
   const Still still = best_.take(event_at(1, 3));
@@ -82,7 +82,7 @@ TEST_F(Best, OfEqualOnesIsTheFirst) {
   EXPECT_EQ(best_.take(event_at(0, 0)).frame, 0);
 }
 
-TEST_F(Best, StaysKnownHoweverLongTheEventGoesOn) {
+TEST_F(Best, IsKeptHoweverLongTheEventLasts) {
   see(0.8);
   best_.follow(event_at(0, 0));
   for (int i = 0; i < 100; ++i) {

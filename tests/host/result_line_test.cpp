@@ -46,7 +46,7 @@ TEST(Boxes, OutsideTheFrameAreLeftOut) {
   EXPECT_TRUE(boxes_of(R"({"object":[{"x":0.5,"y":0.5,"width":0,"height":0.5}]})").empty());
 }
 
-TEST(Boxes, AreNoneInATextThatHoldsNone) {
+TEST(Boxes, AreNoneInATextWithoutBoxes) {
   for (const char* text :
        {"", "{}", R"({"object":null,"timestamp":"1"})", R"({"object":[]})", "[1]", "not JSON"}) {
     EXPECT_TRUE(boxes_of(text).empty()) << text;

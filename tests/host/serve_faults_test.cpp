@@ -38,7 +38,7 @@ TEST(ServeDetector, ThatDiesIsReportedUntilAnotherDocumentHelps) {
   EXPECT_FALSE(page.picture_with([](const Json::Value& one) { return !one["boxes"].empty(); }).isNull());
 }
 
-TEST(ServeDetector, ThatHangsIsGivenUp) {
+TEST(ServeDetector, ThatHangsTimesOut) {
   Page page(with_fake("frame waits"));
   EXPECT_EQ(page.state_with(kProblem)["problem"], "no answer from the detector for 0.500 s");
 }
@@ -88,7 +88,7 @@ TEST(DetectorProcess, AnswersWhatThePluginDoes) {
   EXPECT_EQ(detector.process(image, "1").result, "") << "a first frame again";
 }
 
-TEST(ServeSource, IsPlayedAgainAndAgainAndFoundAgain) {
+TEST(ServeSource, IsPlayedInALoopAndReopened) {
   const Folder folder;
   const std::string file = folder / "a.mp4";
   clips::write(file, {64, 48}, clips::regular(10, 40ms));
@@ -114,7 +114,7 @@ TEST(ServeSource, MayComeBackInAnotherSize) {
   EXPECT_EQ(page.next_picture().status, 200);
 }
 
-TEST(ServeSource, ThatIsDamagedSaysSo) {
+TEST(ServeSource, ThatIsDamagedIsReported) {
   const Folder folder;
   const std::string file = folder / "a.mkv";
   clips::write_busy(folder / "whole.mkv", {64, 48}, 50);

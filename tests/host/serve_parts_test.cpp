@@ -23,7 +23,7 @@ int status_of(const Gate& gate, const Credentials& shown) {
   return turned ? turned->status : 200;
 }
 
-TEST(Guard, LetsAnyHostInWhereTheTokenGuards) {
+TEST(Guard, AcceptsAnyHostWithAToken) {
   const Gate gate{"0.0.0.0", 8420, "secret"};
   const std::string right = "Bearer secret";
   EXPECT_EQ(status_of(gate, {.host = "camera.lan:8420", .authorization = right}), 200);
@@ -40,19 +40,19 @@ TEST(Guard, ComparesTheWholeToken) {
     EXPECT_EQ(status_of(gate, {.host = "camera.lan:8420", .authorization = wrong}), 401) << wrong;
 }
 
-TEST(Guard, LetsAProxyInThatBringsTheToken) {
+TEST(Guard, AcceptsAProxyWithTheToken) {
   const Gate gate{"127.0.0.1", 8420, "secret"};
   EXPECT_EQ(status_of(gate, {"camera.lan", "https://camera.lan", "same-origin", "Bearer secret"}), 200);
   EXPECT_EQ(status_of({"127.0.0.1", 8420, ""}, {"camera.lan", "https://camera.lan", "same-origin", ""}), 403);
 }
 
-TEST(Guard, KnowsPortEightyWithoutItsNumber) {
+TEST(Guard, AcceptsPortEightyWithoutItsNumber) {
   const Gate gate{.port = 80};
   EXPECT_EQ(status_of(gate, {.host = "localhost"}), 200);
   EXPECT_EQ(status_of({.port = 81}, {.host = "localhost"}), 403);
 }
 
-TEST(Guard, KnowsWhatOnlyThisComputerReaches) {
+TEST(Guard, RecognisesLoopbackAddresses) {
   for (const char* host : {"localhost", "127.0.0.1", "127.1.2.3", "::1"})
     EXPECT_TRUE(is_loopback(host)) << host;
   for (const char* host : {"0.0.0.0", "::", "192.168.1.2", "1270.example", "127.example"})
@@ -60,14 +60,14 @@ TEST(Guard, KnowsWhatOnlyThisComputerReaches) {
   EXPECT_EQ(authority("::1", 8420), "[::1]:8420");
 }
 
-TEST(Guard, MakesTokensThatDiffer) {
+TEST(Guard, GeneratesDifferentTokens) {
   const std::string token = random_token();
   EXPECT_EQ(token.size(), 32U);  // 16 bytes
   EXPECT_EQ(token.find_first_not_of("0123456789abcdef"), std::string::npos);
   EXPECT_NE(token, random_token());
 }
 
-TEST(Viewers, AreGoneTenSecondsAfterTheirLastRequest) {
+TEST(Viewers, ExpireTenSecondsAfterTheirLastRequest) {
   Viewers viewers;
   const Viewers::Clock::time_point start{};
   for (std::size_t i = 0; i < Viewers::kMost; ++i) {
@@ -103,7 +103,7 @@ TEST(Pace, FollowsTheTimesOfTheVideo) {
   EXPECT_EQ(pace.due(5s + 80ms, start + 180ms), start + 80ms) << "100 ms late still counts";
 }
 
-TEST(Pace, LeavesOutWhatIsLateAndForgivesALongWait) {
+TEST(Pace, SkipsLateFramesAndRestartsAfterALongWait) {
   Pace pace;
   const Pace::Clock::time_point start{1h};
   pace.due(0s, start);
@@ -255,7 +255,7 @@ TEST(PagePicture, HasNoSideAbove1280) {
   EXPECT_EQ(number(7), 1280);
 }
 
-TEST(SaveDocument, KeepsWhoMayReadIt) {
+TEST(SaveDocument, KeepsPermissions) {
   namespace fs = std::filesystem;
   const program::Folder folder;
   const std::string file = folder / "a.json";

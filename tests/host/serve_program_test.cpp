@@ -51,7 +51,7 @@ TEST_F(ServeProgram, PrintsItsAddressAndEndsWithCtrlC) {
   EXPECT_EQ(errors(), "");
 }
 
-TEST_F(ServeProgram, EndsWhileSomebodyWaits) {
+TEST_F(ServeProgram, EndsWhileARequestWaits) {
   const std::string address = start({});
   std::thread waiting([&] {
     httplib::Client client("127.0.0.1", port_of(address));
@@ -67,7 +67,7 @@ TEST_F(ServeProgram, EndsWhileSomebodyWaits) {
   waiting.join();
 }
 
-TEST_F(ServeProgram, MakesATokenUpWhereOthersCanReachIt) {
+TEST_F(ServeProgram, GeneratesATokenWhenNotOnLoopback) {
   const std::string address = start({"--host", "0.0.0.0"});
   EXPECT_THAT(address, MatchesRegex("http://0\\.0\\.0\\.0:[0-9]+/#token=[0-9a-f]{32}"));
   httplib::Client client("127.0.0.1", port_of(address));
@@ -100,7 +100,7 @@ TEST_F(ServeProgram, SaysWhyItCannotStart) {
   EXPECT_EQ(program::run({"serve", "--port", "70000"}).status, 2);
 }
 
-TEST(ServeHelp, DoesNotTellOfTheDetectorProcess) {
+TEST(ServeHelp, DoesNotMentionTheDetectorProcess) {
   const program::Outcome help = program::run({"--help"});
   EXPECT_THAT(help.output, HasSubstr("serve"));
   EXPECT_THAT(help.output, testing::Not(HasSubstr("detect ")));

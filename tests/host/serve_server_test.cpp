@@ -40,7 +40,7 @@ TEST(ServePage, HasNothingElse) {
   EXPECT_EQ(page.post("/api/state", "{}").status, 405);
 }
 
-TEST(ServeState, TellsOfTheSourceAndTheDocument) {
+TEST(ServeState, DescribesTheSourceAndTheDocument) {
   Page page;
   const Json::Value state = page.state();
   EXPECT_EQ(state["source"]["name"], "built-in scene");
@@ -59,7 +59,7 @@ TEST(ServeState, TellsOfTheSourceAndTheDocument) {
   EXPECT_FALSE(state["presets"].empty());
 }
 
-TEST(ServeFrame, BringsEachPictureWithItsBoxes) {
+TEST(ServeFrame, ReturnsEachPictureWithItsBoxes) {
   Page page;
   const Answer first = page.next_picture();
   ASSERT_EQ(first.status, 200);
@@ -74,13 +74,13 @@ TEST(ServeFrame, BringsEachPictureWithItsBoxes) {
   EXPECT_FALSE(moving.isMember("baseline"));
 }
 
-TEST(ServeFrame, NeedsToKnowWhoWatches) {
+TEST(ServeFrame, RequiresAViewer) {
   Page page;
   EXPECT_EQ(page.get("/api/frame?after=-1").status, 400);
   EXPECT_EQ(page.get("/api/frame?viewer=" + std::string(65, 'a')).status, 400);
 }
 
-TEST(ServeFrame, HasRoomForEightViewers) {
+TEST(ServeFrame, AcceptsEightViewers) {
   Page page;
   for (int i = 0; i < 8; ++i)
     EXPECT_EQ(page.get("/api/frame?after=-1&viewer=v" + std::to_string(i)).status, 200);
@@ -91,7 +91,7 @@ TEST(ServeFrame, HasRoomForEightViewers) {
   EXPECT_EQ(page.get("/api/frame?after=-1&viewer=v3").status, 200);
 }
 
-TEST(ServePlay, ShowsTheMomentThatIsAskedForWithADetectorThatHasLearnt) {
+TEST(ServePlay, ShowsTheRequestedTimeWithATrainedDetector) {
   Page page;
   EXPECT_EQ(page.post("/api/play", R"({"playing":false,"time":6})").json["playing"], false);
   const Json::Value about =
@@ -101,7 +101,7 @@ TEST(ServePlay, ShowsTheMomentThatIsAskedForWithADetectorThatHasLearnt) {
   EXPECT_EQ(page.state()["time"].asDouble(), 6);
 }
 
-TEST(ServePlay, GoesOnAfterwards) {
+TEST(ServePlay, ContinuesAfterwards) {
   Page page;
   page.post("/api/play", R"({"playing":false,"time":6})");
   page.picture_with([](const Json::Value& one) { return one["time"].asDouble() == 6; });
@@ -109,7 +109,7 @@ TEST(ServePlay, GoesOnAfterwards) {
   EXPECT_FALSE(page.picture_with([](const Json::Value& one) { return one["time"].asDouble() > 6; }).isNull());
 }
 
-TEST(ServePlay, BeginsAnewAtTheEnd) {
+TEST(ServePlay, StartsOverAtTheEnd) {
   Page page;
   page.post("/api/play", R"({"time":19.8})");
   const Json::Value state = page.state_with([](const Json::Value& one) { return one["loop"] == 2; });
@@ -142,7 +142,7 @@ TEST(ServeStill, ShowsAnyMomentWithoutDisturbingThePlayer) {
   }
 }
 
-TEST(ServeEvents, TellsWhatHappenedAndWhen) {
+TEST(ServeEvents, ListsWhatHappenedAndWhen) {
   Page page;
   page.post("/api/play", R"({"time":5})");
   page.picture_with([](const Json::Value& one) { return one["event_count"].asInt() > 0; });
@@ -160,7 +160,7 @@ TEST(ServeEvents, TellsWhatHappenedAndWhen) {
   EXPECT_EQ(events["activity"][0].size(), 2U);
 }
 
-TEST(ServeCheck, SaysWhatThePluginWillMakeOfADocument) {
+TEST(ServeCheck, ReportsHowThePluginInterpretsADocument) {
   Page page;
   const Answer answer = page.post("/api/check", R"({"sensitivty":"3"})");
   EXPECT_EQ(answer.status, 200);
@@ -169,7 +169,7 @@ TEST(ServeCheck, SaysWhatThePluginWillMakeOfADocument) {
   EXPECT_TRUE(answer.json["effective"].isObject());
 }
 
-TEST(ServeApply, StartsTheDetectorAnewWithTheDocument) {
+TEST(ServeApply, RestartsTheDetectorWithTheDocument) {
   Page page;
   const std::string huge = R"({"minBoxW":"1","minBoxH":"1"})";  // no box is as large as the frame
   page.post("/api/play", R"({"playing":false,"time":6})");
@@ -180,7 +180,7 @@ TEST(ServeApply, StartsTheDetectorAnewWithTheDocument) {
   EXPECT_EQ(about["time"].asDouble(), 6) << "the same moment";
 }
 
-TEST(ServeApply, LeavesAllAsItWasWhenTheDocumentIsRefused) {
+TEST(ServeApply, ChangesNothingWhenTheDocumentIsRefused) {
   Page page;
   for (const char* document :
        {"", "{", "[]", R"({"frmW":"100"})", R"({"sensitivity":"high"})", R"({"roi":[]})"}) {
@@ -231,7 +231,7 @@ TEST(ServeSave, WritesTheFileAndKeepsTheOneBefore) {
   EXPECT_EQ(page.state()["saved"], true);
 }
 
-TEST(ServeSave, MakesAFileThatWasNotThere) {
+TEST(ServeSave, CreatesAMissingFile) {
   const Folder folder;
   Page page({.config = folder / "new.json"});
   EXPECT_TRUE(page.post("/api/save", "{}").json["backup"].isNull());
@@ -260,9 +260,9 @@ struct Stranger {
   httplib::Headers headers;
 };
 
-class Strangers : public testing::TestWithParam<Stranger> {};
+class Intruders : public testing::TestWithParam<Stranger> {};
 
-TEST_P(Strangers, AreTurnedAwayWithAReason) {
+TEST_P(Intruders, AreRefusedWithAReason) {
   Page page;
   for (const char* path : {"/", "/main.js", "/api/state", "/api/frame?viewer=a", "/api/configuration"}) {
     const Answer answer = page.get(path, GetParam().headers);
@@ -273,7 +273,7 @@ TEST_P(Strangers, AreTurnedAwayWithAReason) {
   EXPECT_EQ(page.state()["playing"], true);
 }
 
-INSTANTIATE_TEST_SUITE_P(All, Strangers,
+INSTANTIATE_TEST_SUITE_P(All, Intruders,
                          testing::Values(Stranger{"ForeignHost", {{"Host", "evil.example:8420"}}},
                                          Stranger{"HostWithAnotherPort", {{"Host", "127.0.0.1:1"}}},
                                          Stranger{"ForeignOrigin", {{"Origin", "http://evil.example"}}},
@@ -283,7 +283,7 @@ INSTANTIATE_TEST_SUITE_P(All, Strangers,
                                          Stranger{"AnotherServerHere", {{"Sec-Fetch-Site", "same-site"}}}),
                          [](const auto& stranger) { return std::string(stranger.param.name); });
 
-TEST(ServeDoor, LetsItsOwnPageIn) {
+TEST(ServeAccess, AcceptsItsOwnPage) {
   Page page;
   const std::string port = std::to_string(page.port());
   for (const std::string name : {"localhost:", "127.0.0.1:", "[::1]:", "LOCALHOST:"}) {
@@ -293,7 +293,7 @@ TEST(ServeDoor, LetsItsOwnPageIn) {
   }
 }
 
-TEST(ServeDoor, AsksForTheTokenWhereverThereIsData) {
+TEST(ServeAccess, RequiresTheTokenForAllData) {
   Page page({.token = "open sesame"});
   EXPECT_EQ(page.get("/").status, 200);
   for (const char* wrong : {"", "open sesame", "Bearer", "Bearer open", "Bearer open sesamf"}) {
@@ -305,7 +305,7 @@ TEST(ServeDoor, AsksForTheTokenWhereverThereIsData) {
 }
 
 // Sends these bytes and returns everything received until the server closes the connection.
-std::string said_to(int port, const std::string& bytes) {
+std::string answer_to(int port, const std::string& bytes) {
   const int file = socket(AF_INET, SOCK_STREAM, 0);
   sockaddr_in address{};
   address.sin_family = AF_INET;
@@ -323,22 +323,23 @@ std::string said_to(int port, const std::string& bytes) {
   return answer;
 }
 
-TEST(ServeDoor, NeverTakesABodyForTheNextRequest) {
+TEST(ServeAccess, NeverTreatsABodyAsTheNextRequest) {
   Page page;
   const std::string host = "Host: 127.0.0.1:" + std::to_string(page.port()) + "\r\n";
   const std::string hidden =
       "POST /api/play HTTP/1.1\r\n" + host + "Content-Length: 17\r\n\r\n{\"playing\":false}";
   for (const std::string path : {"/api/play", "/api/nothing", "/"}) {
-    const std::string answer = said_to(page.port(), "POST " + path + " HTTP/1.1\r\n" + host +
-                                                        "Origin: http://evil.example\r\nContent-Length: " +
-                                                        std::to_string(hidden.size()) + "\r\n\r\n" + hidden);
+    const std::string answer = answer_to(
+        page.port(), "POST " + path + " HTTP/1.1\r\n" + host +
+                         "Origin: http://evil.example\r\nContent-Length: " + std::to_string(hidden.size()) +
+                         "\r\n\r\n" + hidden);
     EXPECT_THAT(answer, testing::StartsWith("HTTP/1.1 403")) << path;
     EXPECT_THAT(answer, testing::Not(HasSubstr("200 OK"))) << path;
   }
   EXPECT_EQ(page.state()["playing"], true);
 }
 
-TEST(ServeDoor, RefusesBodiesAboveAMebibyteHoweverTheyArePacked) {
+TEST(ServeAccess, RefusesBodiesAboveAMebibyteHoweverEncoded) {
   Page page;
   const std::string large(1'048'577, ' ');  // 1024 * 1024 + 1
   EXPECT_EQ(page.post("/api/check", large).status, 413);
@@ -346,8 +347,8 @@ TEST(ServeDoor, RefusesBodiesAboveAMebibyteHoweverTheyArePacked) {
   const std::string host = "Host: 127.0.0.1:" + std::to_string(page.port()) + "\r\n";
   std::string chunks;
   for (int i = 0; i < 20; ++i) chunks += "10000\r\n" + std::string(0x10000, ' ') + "\r\n";  // 20 * 64 KiB
-  EXPECT_THAT(said_to(page.port(), "POST /api/check HTTP/1.1\r\n" + host +
-                                       "Transfer-Encoding: chunked\r\n\r\n" + chunks + "0\r\n\r\n"),
+  EXPECT_THAT(answer_to(page.port(), "POST /api/check HTTP/1.1\r\n" + host +
+                                         "Transfer-Encoding: chunked\r\n\r\n" + chunks + "0\r\n\r\n"),
               testing::StartsWith("HTTP/1.1 413"));
   httplib::Client packing("127.0.0.1", page.port());
   packing.set_compress(true);
@@ -356,12 +357,12 @@ TEST(ServeDoor, RefusesBodiesAboveAMebibyteHoweverTheyArePacked) {
   EXPECT_EQ(packed->status, 413);
 }
 
-TEST(ServeDoor, GivesNoPartsOfAnswers) {
+TEST(ServeAccess, DoesNotSupportRangeRequests) {
   Page page;
   EXPECT_EQ(page.get("/", {{"Range", "bytes=0-1,0-1,0-1"}}).status, 416);
 }
 
-TEST(ServeStop, WakesEverybodyWhoWaits) {
+TEST(ServeStop, WakesAllWaitingRequests) {
   Page page;
   page.post("/api/play", R"({"playing":false})");
   Answer last = page.next_picture();

@@ -61,7 +61,7 @@ TEST(TuneSetting, HasNeighboursInsideTheRangesOnly) {
   // Sensitivity 1 or 2 with the two smallest boxes, without the setting itself.
   const std::vector<Setting> expected{{1, 3, 1}, {2, 3, 0}, {2, 3, 1}};
   EXPECT_EQ(neighbours({1, 3, 0}), expected);
-  EXPECT_EQ(neighbours({5, 3, kLeastBoxes.size() - 1}).size(), 3U);
+  EXPECT_EQ(neighbours({5, 3, kMinBoxes.size() - 1}).size(), 3U);
   EXPECT_EQ(neighbours({3, 3, 4}).size(), 8U);
 }
 

@@ -105,20 +105,20 @@ TEST(TuneProgram, LeavesRegionsAndEverythingElseOfADocumentAsTheyAre) {
 
 TEST(TuneProgram, RefusesWhatCannotWork) {
   const Folder folder;
-  const auto complaint = [](std::vector<std::string> arguments) {
+  const auto errors_of = [](std::vector<std::string> arguments) {
     arguments.insert(arguments.begin(), "tune");
     const Outcome outcome = with_small_scene(arguments);
     EXPECT_EQ(outcome.status, 2) << outcome.errors;
     return outcome.errors;
   };
-  EXPECT_NE(complaint({"--quiet", "2"}).find("such as 0-12.5, not 2"), std::string::npos);
-  EXPECT_NE(complaint({"--motion", "3-3"}).find("such as 0-12.5, not 3-3"), std::string::npos);
-  EXPECT_NE(complaint({"--picture", "a.jpg"}).find("must end in .png, not a.jpg"), std::string::npos);
-  EXPECT_NE(complaint({"--quiet", "99-100"}).find("begins after the end of the sample"), std::string::npos);
+  EXPECT_NE(errors_of({"--quiet", "2"}).find("such as 0-12.5, not 2"), std::string::npos);
+  EXPECT_NE(errors_of({"--motion", "3-3"}).find("such as 0-12.5, not 3-3"), std::string::npos);
+  EXPECT_NE(errors_of({"--picture", "a.jpg"}).find("must end in .png, not a.jpg"), std::string::npos);
+  EXPECT_NE(errors_of({"--quiet", "99-100"}).find("begins after the end of the sample"), std::string::npos);
   program::write(folder / "bad.json", "{");
-  EXPECT_NE(complaint({"--config", folder / "bad.json"}).find("bad.json"), std::string::npos);
+  EXPECT_NE(errors_of({"--config", folder / "bad.json"}).find("bad.json"), std::string::npos);
   clips::write(folder / "a.mp4", {64, 48}, clips::regular(3, 40ms));
-  EXPECT_NE(complaint({folder / "a.mp4", "-o", folder / "a.mp4"}).find("would overwrite the source"),
+  EXPECT_NE(errors_of({folder / "a.mp4", "-o", folder / "a.mp4"}).find("would overwrite the source"),
             std::string::npos);
 }
 

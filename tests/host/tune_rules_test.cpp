@@ -186,7 +186,7 @@ TEST(TuneWhy, SaysWhenThereIsNothingToChooseBy) {
 // least box is no larger than the fifth.
 Seen imagined(const Setting& setting) {
   const char noise = setting.sensitivity > 2 ? '#' : '-';
-  const char moving = setting.least_box <= 4 || noise == '#' ? '#' : '-';
+  const char moving = setting.min_box <= 4 || noise == '#' ? '#' : '-';
   Seen result = seen(std::string(4, noise) + std::string(4, moving));
   if (moving == '#') result.happenings = {motion(2, 3.5)};
   return result;
@@ -198,7 +198,7 @@ TEST(TuneSearch, GoesOnFromStepToStepWhileThingsGetBetter) {
   search(outcome, [](const std::vector<Setting>& settings) {
     std::vector<Seen> all;
     for (const Setting& setting : settings)
-      all.push_back(seen(setting.least_box <= 2 ? "----####" : "--------"));
+      all.push_back(seen(setting.min_box <= 2 ? "----####" : "--------"));
     return all;
   });
   EXPECT_EQ(outcome.trials[outcome.chosen].setting, (Setting{1, 3, 2}));

@@ -53,7 +53,7 @@ TEST(LibraryFile, ExportsFunctionsAndWritableVariablesOnly) {
   }
 }
 
-TEST(LibraryFile, CarriesItsNameAndItsNeeds) {
+TEST(LibraryFile, HasItsNameAndDependencies) {
   const auto dynamic = linesOf(std::string(READELF) + " -dW " LIBRARY_FILE);
   EXPECT_THAT(dynamic, Contains(HasSubstr("Library soname: [liblightmotion.so.1]")));
   EXPECT_THAT(dynamic, Contains(ContainsRegex("NEEDED.*\\[libjsoncpp\\.so\\.[0-9]+\\]")));

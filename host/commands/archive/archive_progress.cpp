@@ -58,9 +58,9 @@ void ArchiveProgress::show(const ArchiveState& state) {
     std::fflush(stderr);
     drawn_ = true;
   }
-  if (mode_ == outputs::ProgressMode::kLines && state.done != told_) {
+  if (mode_ == outputs::ProgressMode::kLines && state.done != reported_) {
     std::fprintf(stderr, "%s\n", archive_progress_line(state).c_str());
-    told_ = state.done;
+    reported_ = state.done;
   }
 }
 

@@ -43,7 +43,7 @@ class ArchiveProgress {
  private:
   outputs::ProgressMode mode_;
   bool drawn_ = false;
-  std::size_t told_ = 0;  // files finished when the last line was written
+  std::size_t reported_ = 0;  // files finished when the last line was written
 };
 
 }  // namespace lm::host::commands::archive

@@ -24,10 +24,10 @@ constexpr const char* kFigures = "/figures.json";
 constexpr const char* kRecord = "/run.json";
 
 // These do not affect the results; the configuration is compared by its text, not by its name.
-constexpr std::array<std::string_view, 3> kNoSay{"--quiet", "--verbose", "--config"};
+constexpr std::array<std::string_view, 3> kWithoutEffect{"--quiet", "--verbose", "--config"};
 
-bool has_say(const std::string& option) {
-  return std::ranges::find(kNoSay, option.substr(0, option.find('='))) == kNoSay.end();
+bool affects_results(const std::string& option) {
+  return std::ranges::find(kWithoutEffect, option.substr(0, option.find('='))) == kWithoutEffect.end();
 }
 
 Outcome outcome_of(int status) { return status == base::kDone ? Outcome::kOk : Outcome::kIncomplete; }
@@ -52,7 +52,7 @@ std::vector<std::string> arguments_for(const ArchiveSettings& settings, const st
 
 std::string settings_digest(const std::vector<std::string>& options, const std::string& configuration) {
   std::vector<std::string> parts;
-  std::ranges::copy_if(options, std::back_inserter(parts), has_say);
+  std::ranges::copy_if(options, std::back_inserter(parts), affects_results);
   std::ranges::sort(parts);
   std::string text = LIGHTMOTION_VERSION;
   for (const std::string& part : parts) text.append(1, '\0').append(part);

@@ -54,7 +54,7 @@ Asked asked_document(const RunOptions& options) {
 // Starts the plug-in; returns its completed configuration. `analysed`: the frame size; empty for any.
 std::string start(detector::Plugin& plugin, const RunOptions& options, cv::Size analysed) {
   const auto [name, text] = asked_document(options);
-  detector::check::tell_before_run(name, text, analysed.empty() ? std::nullopt : std::optional(analysed));
+  detector::check::check_before_run(name, text, analysed.empty() ? std::nullopt : std::optional(analysed));
   std::string document;
   try {
     document = detector::complete_document(text, analysed);
@@ -94,7 +94,7 @@ class Run {
       lines_.emplace(options.results);
     }
     if (!options.annotate.empty()) video_.emplace(options.annotate, source.info());
-    source.tell([this](const std::string& text) { base::warn(source_.info().name + ": " + text); });
+    source.set_listener([this](const std::string& text) { base::warn(source_.info().name + ": " + text); });
   }
 
   Figures all_frames() {

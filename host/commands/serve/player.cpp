@@ -12,7 +12,7 @@ Player::Player(PlayerPlan plan, const std::string& document)
       source_(source::open_source(plan_.source, plan_.reading.reading, source_stop_)),
       back_off_(base::real_chance()),
       showcase_(source_->info().pixel_aspect) {
-  source_->tell([this](const std::string& text) { tell(away_, text); });
+  source_->set_listener([this](const std::string& text) { set_problem(away_, text); });
   info_ = state_.source = source_->info();
   state_.document = document;
   detector_ = start_detector(document);

@@ -108,7 +108,7 @@ class Player {
   void show(Shot shot);
   double rate();
   void wait_a_while();
-  void tell(std::string& problem, const std::string& text);
+  void set_problem(std::string& problem, const std::string& text);
 
   const PlayerPlan plan_;
   const events::EventOptions event_options_;  // the default rules

@@ -34,7 +34,7 @@ void Player::work() {
       grant(next_wishes());
       step();
     } catch (const std::exception& error) {
-      tell(away_, error.what());
+      set_problem(away_, error.what());
       wait_a_while();
     }
   }
@@ -56,7 +56,7 @@ void Player::grant(Wishes wishes) {
   const char* why = wishes.seek ? "The playback position was changed." : "The settings were changed.";
   if (wishes.detector) {
     detector_ = std::move(*wishes.detector);
-    tell(detector_trouble_, "");
+    set_problem(detector_trouble_, "");
   }
   if (wishes.old) old_ = std::move(*wishes.old);
   start_at(wishes.seek ? before_the_end(*wishes.seek) : here, why);
@@ -91,12 +91,12 @@ void Player::step() {
   if (!source_ && !open()) return wait_a_while();
   if (!detector_.process && !started(detector_)) return wait_a_while();
   if (!frame_) {
-    source_->tell([this](const std::string& text) { tell(away_, text); });
+    source_->set_listener([this](const std::string& text) { set_problem(away_, text); });
     source::Frame frame;
     if (!source_->next(frame)) return source_ended();
     frame_ = std::move(frame);
     heard_ = true;
-    tell(away_, "");
+    set_problem(away_, "");
   }
   if (frame_->time < show_from_ - kLead) return frame_.reset();  // of a source that cannot seek
   if (frame_is_due()) one_frame();
@@ -113,7 +113,7 @@ bool Player::open() {
   try {
     source_ = source::open_source(plan_.source, plan_.reading.reading, stop);
   } catch (const base::Failure& failure) {
-    tell(away_, failure.what());
+    set_problem(away_, failure.what());
     return false;
   }
   heard_ = false;
@@ -133,9 +133,9 @@ void Player::source_ended() {
   const std::string trouble = source_->trouble();
   const bool wait = info_.live || !heard_;
   if (wait) {
-    tell(away_, trouble.empty() ? "no picture from the source" : trouble);
+    set_problem(away_, trouble.empty() ? "no picture from the source" : trouble);
   } else {
-    tell(damage_, trouble);
+    set_problem(damage_, trouble);
     count_loop();
   }
   source_.reset();
@@ -205,7 +205,7 @@ bool Player::restart_detectors() {
 void Player::detector_failed(const std::string& cause) {
   if (stop_.stop_requested()) return;
   detector_.process.reset();
-  tell(detector_trouble_, cause);
+  set_problem(detector_trouble_, cause);
   wait_a_while();
 }
 
@@ -216,7 +216,7 @@ void Player::comparison_failed(const std::string& cause) {
     const std::scoped_lock lock(mutex_);
     state_.comparing = false;
   }
-  tell(detector_trouble_, "the comparison ended: " + cause);
+  set_problem(detector_trouble_, "the comparison ended: " + cause);
 }
 
 // False if there is no answer.
@@ -240,7 +240,7 @@ bool Player::ask(const source::Frame& frame, Shot& shot) {
   }
   if (++good_frames_ == kManyFrames) {
     back_off_.reset();
-    tell(detector_trouble_, "");
+    set_problem(detector_trouble_, "");
   }
   return true;
 }
@@ -273,7 +273,7 @@ void Player::wait_a_while() {
   asked_.wait_for(lock, stop_.get_token(), back_off_.next(), [this] { return wishes_.any(); });
 }
 
-void Player::tell(std::string& problem, const std::string& text) {
+void Player::set_problem(std::string& problem, const std::string& text) {
   {
     const std::scoped_lock lock(mutex_);
     if (problem == text) return;

@@ -28,7 +28,7 @@ auto most(const Places& places, Value value) {
 // Larger is better.
 auto modesty(const Setting& setting, bool modest) {
   const int sign = modest ? 1 : -1;
-  return std::tuple(-sign * setting.sensitivity, sign * static_cast<int>(setting.least_box),
+  return std::tuple(-sign * setting.sensitivity, sign * static_cast<int>(setting.min_box),
                     -std::abs(setting.adaptation - kPreferredAdaptation), -setting.adaptation);
 }
 

@@ -23,7 +23,7 @@ void add(Outcome& outcome, std::vector<Setting> settings, const TryAll& try_all)
 std::vector<Seen> judges_of(const Outcome& outcome) {
   std::vector<Seen> judges;
   for (const Trial& trial : outcome.trials) {
-    if (trial.setting.least_box == 0) judges.push_back(trial.seen);
+    if (trial.setting.min_box == 0) judges.push_back(trial.seen);
   }
   return judges;
 }
@@ -59,13 +59,13 @@ void search(Outcome& outcome, const TryAll& try_all) {
   } while (best != before);
   add(outcome, other_adaptations(best), try_all);
   std::ranges::sort(outcome.trials, {}, [](const Trial& trial) {
-    return std::tuple(trial.setting.sensitivity, trial.setting.least_box, trial.setting.adaptation);
+    return std::tuple(trial.setting.sensitivity, trial.setting.min_box, trial.setting.adaptation);
   });
   judge(outcome);
 }
 
 std::size_t usual_trials() {
-  const Setting middle{.sensitivity = 3, .least_box = kLeastBoxes.size() / 2};
+  const Setting middle{.sensitivity = 3, .min_box = kMinBoxes.size() / 2};
   return coarse_grid().size() + neighbours(middle).size() + other_adaptations(middle).size();
 }
 

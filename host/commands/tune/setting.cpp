@@ -17,7 +17,7 @@ std::string decimal_text(double value) {
 }  // namespace
 
 Members members_of(const Setting& setting) {
-  const LeastBox& box = kLeastBoxes.at(setting.least_box);
+  const MinBox& box = kMinBoxes.at(setting.min_box);
   return {{"sensitivity", std::to_string(setting.sensitivity)},
           {"lcAdap", std::to_string(setting.adaptation)},
           {"minBoxW", decimal_text(box.width)},
@@ -36,8 +36,8 @@ std::vector<Setting> neighbours(const Setting& best) {
   std::vector<Setting> found;
   const int least = std::max(1, best.sensitivity - 1);
   const int most = std::min(kLevels, best.sensitivity + 1);
-  const std::size_t smallest = best.least_box - std::min<std::size_t>(best.least_box, 1);
-  const std::size_t largest = std::min(best.least_box + 1, kLeastBoxes.size() - 1);
+  const std::size_t smallest = best.min_box - std::min<std::size_t>(best.min_box, 1);
+  const std::size_t largest = std::min(best.min_box + 1, kMinBoxes.size() - 1);
   for (int sensitivity = least; sensitivity <= most; ++sensitivity) {
     for (std::size_t box = smallest; box <= largest; ++box) {
       const Setting setting{sensitivity, best.adaptation, box};
@@ -48,7 +48,7 @@ std::vector<Setting> neighbours(const Setting& best) {
 }
 
 std::vector<Setting> other_adaptations(const Setting& best) {
-  return {{best.sensitivity, 1, best.least_box}, {best.sensitivity, kLevels, best.least_box}};
+  return {{best.sensitivity, 1, best.min_box}, {best.sensitivity, kLevels, best.min_box}};
 }
 
 }  // namespace lm::host::commands::tune

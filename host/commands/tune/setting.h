@@ -10,24 +10,24 @@ namespace lm::host::commands::tune {
 
 // Minimum box sizes in ascending order, as shares of the frame's width and height. Each is about 1.5 times as
 // large as the previous one; every second one doubles.
-struct LeastBox {
+struct MinBox {
   double width;
   double height;
 };
-constexpr std::array<LeastBox, 9> kLeastBoxes{{{0.01, 0.025},
-                                               {0.015, 0.0375},
-                                               {0.02, 0.05},
-                                               {0.03, 0.075},
-                                               {0.04, 0.1},
-                                               {0.06, 0.15},
-                                               {0.08, 0.2},
-                                               {0.12, 0.3},
-                                               {0.16, 0.4}}};
+constexpr std::array<MinBox, 9> kMinBoxes{{{0.01, 0.025},
+                                           {0.015, 0.0375},
+                                           {0.02, 0.05},
+                                           {0.03, 0.075},
+                                           {0.04, 0.1},
+                                           {0.06, 0.15},
+                                           {0.08, 0.2},
+                                           {0.12, 0.3},
+                                           {0.16, 0.4}}};
 
 struct Setting {
-  int sensitivity = 3;        // 1 (least) to 5
-  int adaptation = 3;         // "lcAdap", 1 (slowest) to 5
-  std::size_t least_box = 2;  // step of kLeastBoxes
+  int sensitivity = 3;      // 1 (least) to 5
+  int adaptation = 3;       // "lcAdap", 1 (slowest) to 5
+  std::size_t min_box = 2;  // step of kMinBoxes
   bool operator==(const Setting&) const = default;
 };
 

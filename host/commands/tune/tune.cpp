@@ -107,7 +107,7 @@ class Tuning {
                                : std::max<std::size_t>(1, std::thread::hardware_concurrency())) {}
 
   Outcome outcome() {
-    if (!options_.config.empty()) detector::check::tell_before_run(options_.config, base_, analysed_);
+    if (!options_.config.empty()) detector::check::check_before_run(options_.config, base_, analysed_);
     Outcome outcome;
     outcome.source = sample_.info().name;
     outcome.frames = sample_.frames();

@@ -9,7 +9,7 @@
 
 namespace lm::host::detector::check {
 
-void tell_before_run(const std::string& name, const std::string& text, std::optional<cv::Size> frame) {
+void check_before_run(const std::string& name, const std::string& text, std::optional<cv::Size> frame) {
   std::vector<Finding> errors;
   for (const Finding& finding : check_document(text, frame).findings) {
     if (finding.severity == Severity::kError) errors.push_back(finding);

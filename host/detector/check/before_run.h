@@ -9,6 +9,6 @@ namespace lm::host::detector::check {
 
 // Prints warnings to standard error, one per line. Throws Failure (kRefused) with the first error. `name`: of
 // the document; `frame`: as in check_document.
-void tell_before_run(const std::string& name, const std::string& text, std::optional<cv::Size> frame);
+void check_before_run(const std::string& name, const std::string& text, std::optional<cv::Size> frame);
 
 }  // namespace lm::host::detector::check

@@ -44,7 +44,7 @@ Verdict verdict_on(const Json::Value& document, std::optional<cv::Size> frame, F
   const std::size_t regions = outlines.included.size() + outlines.excluded.size();
   Effective effective = in_effect(settings, sizes.frame, regions);
   if (coverage) effective.watched = coverage->watched;
-  check_least_box(document, effective, coverage, findings);
+  check_min_box(document, effective, coverage, findings);
   if (findings.any_error()) return {findings.in_order(), std::nullopt};
   check_memory(effective, installed_memory(), findings);
   return {findings.in_order(), effective};

@@ -33,10 +33,10 @@ struct Effective {
   bool auto_sensitivity = false;  // the minimum component size adapts to the scene
   std::int32_t life_static_seconds = 0;  // after which still foreground becomes background
   std::int32_t life_static = 0;          // the same in frames, at 30 per second
-  double least_box_width = 0;            // as fractions of the frame; a box below both is dropped
-  double least_box_height = 0;
+  double min_box_width = 0;              // as fractions of the frame; a box below both is dropped
+  double min_box_height = 0;
   cv::Size frame{};                 // empty if unknown
-  cv::Size least_box_pixels{};      // the same in pixels
+  cv::Size min_box_pixels{};        // the same in pixels
   std::uint64_t memory = 0;         // bytes of the plug-in's buffers
   std::optional<double> watched{};  // share of the frame inside the regions, 0 to 1
 };

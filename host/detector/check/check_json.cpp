@@ -30,11 +30,11 @@ Json::Value described(const Effective& effective) {
   object["auto_sensitivity"] = effective.auto_sensitivity;
   object["static_lifetime"] = double(effective.life_static_seconds);
   object["static_lifetime_frames"] = effective.life_static;
-  object["min_box"]["width"] = effective.least_box_width;
-  object["min_box"]["height"] = effective.least_box_height;
+  object["min_box"]["width"] = effective.min_box_width;
+  object["min_box"]["height"] = effective.min_box_height;
   if (effective.frame.empty()) return object;
   object["frame_size"] = size_value(effective.frame);
-  object["min_box_pixels"] = size_value(effective.least_box_pixels);
+  object["min_box_pixels"] = size_value(effective.min_box_pixels);
   object["memory"] = Json::UInt64{effective.memory};
   if (effective.watched) object["watched_share"] = *effective.watched;
   return object;

@@ -33,13 +33,13 @@ cv::Mat mask_of(const Outline& region, cv::Size frame) {
 bool overlap(const cv::Mat& a, const cv::Mat& b) { return cv::countNonZero(a & b) > 0; }
 
 // Regions with too few points are already reported.
-bool worth_telling(const Outline& region) { return region.corners.size() >= 3; }
+bool has_outline(const Outline& region) { return region.corners.size() >= 3; }
 
 cv::Mat all_excluded(const Outlines& outlines, cv::Size frame, Findings& findings) {
   cv::Mat all = cv::Mat::zeros(frame, CV_8UC1);
   for (const Outline& region : outlines.excluded) {
     const cv::Mat mask = mask_of(region, frame);
-    if (worth_telling(region) && cv::countNonZero(mask) == 0) {
+    if (has_outline(region) && cv::countNonZero(mask) == 0) {
       findings.add(Severity::kWarning, region.path, region.name + " covers no pixel, so it excludes nothing");
     }
     all |= mask;
@@ -52,7 +52,7 @@ cv::Mat all_included(const Outlines& outlines, const cv::Mat& excluded, Findings
   cv::Mat all = cv::Mat::zeros(excluded.size(), CV_8UC1);
   for (const Outline& region : outlines.included) {
     const cv::Mat mask = mask_of(region, excluded.size());
-    if (worth_telling(region) && cv::countNonZero(mask) == 0) {
+    if (has_outline(region) && cv::countNonZero(mask) == 0) {
       findings.add(Severity::kWarning, region.path, region.name + " covers no pixel of the frame",
                    "use points inside the frame that are not on one line");
     } else if (cv::countNonZero(mask) > 0 && !overlap(mask, excluded == 0)) {
@@ -65,7 +65,7 @@ cv::Mat all_included(const Outlines& outlines, const cv::Mat& excluded, Findings
   return all;
 }
 
-void tell_idle_exclusions(const Outlines& outlines, const cv::Mat& included, Findings& findings) {
+void check_exclusions(const Outlines& outlines, const cv::Mat& included, Findings& findings) {
   for (const Outline& region : outlines.excluded) {
     const cv::Mat mask = mask_of(region, included.size());
     if (cv::countNonZero(mask) == 0 || overlap(mask, included)) continue;
@@ -84,7 +84,7 @@ std::optional<Coverage> check_coverage(const Outlines& outlines, cv::Size frame,
   }
   const cv::Mat excluded = all_excluded(outlines, frame, findings);
   cv::Mat watched = all_included(outlines, excluded, findings);
-  tell_idle_exclusions(outlines, watched, findings);
+  check_exclusions(outlines, watched, findings);
   watched.setTo(0, excluded);
   const int pixels = cv::countNonZero(watched);
   if (pixels == 0) {

@@ -42,21 +42,21 @@ Effective in_effect(const Settings& settings, std::optional<cv::Size> frame, std
   effective.auto_sensitivity = settings.autoSensitivity;
   effective.life_static_seconds = settings.lifeStatic;
   effective.life_static = staticLifeFrames(settings.lifeStatic, kUsualRate);
-  effective.least_box_width = static_cast<double>(settings.minObjW);
-  effective.least_box_height = static_cast<double>(settings.minObjH);
+  effective.min_box_width = static_cast<double>(settings.minObjW);
+  effective.min_box_height = static_cast<double>(settings.minObjH);
   if (!frame) return effective;
   effective.frame = *frame;
-  effective.least_box_pixels = {toInt32(static_cast<float>(frame->width) * settings.minObjW),
-                                toInt32(static_cast<float>(frame->height) * settings.minObjH)};
+  effective.min_box_pixels = {toInt32(static_cast<float>(frame->width) * settings.minObjW),
+                              toInt32(static_cast<float>(frame->height) * settings.minObjH)};
   const auto pixels = static_cast<std::uint64_t>(frame->width) * static_cast<std::uint64_t>(frame->height);
   effective.memory = pixels * (kBytesPerPixel + regions);
   return effective;
 }
 
-void check_least_box(const Json::Value& document, const Effective& effective,
-                     const std::optional<Coverage>& coverage, Findings& findings) {
+void check_min_box(const Json::Value& document, const Effective& effective,
+                   const std::optional<Coverage>& coverage, Findings& findings) {
   if (effective.frame.empty()) return;
-  const cv::Size least = effective.least_box_pixels;
+  const cv::Size least = effective.min_box_pixels;
   check_side(document, "minBoxW", least.width, findings);
   check_side(document, "minBoxH", least.height, findings);
   if (!coverage || coverage->bounds.empty()) return;

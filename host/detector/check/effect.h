@@ -20,8 +20,8 @@ class Findings;
 Effective in_effect(const Settings& settings, std::optional<cv::Size> frame, std::size_t regions);
 
 // Reports a minimum box size that drops nothing, or everything.
-void check_least_box(const Json::Value& document, const Effective& effective,
-                     const std::optional<Coverage>& coverage, Findings& findings);
+void check_min_box(const Json::Value& document, const Effective& effective,
+                   const std::optional<Coverage>& coverage, Findings& findings);
 
 // Reports frames that need more memory than this computer has.
 void check_memory(const Effective& effective, std::uint64_t installed, Findings& findings);

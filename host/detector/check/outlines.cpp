@@ -33,7 +33,7 @@ class Strays {
     ++(near ? near_count_ : far_count_);
   }
 
-  void tell(Findings& findings) const {
+  void report(Findings& findings) const {
     if (far_count_ > 0) {
       findings.add(
           Severity::kWarning, far_, "is far outside the frame" + others(far_count_),
@@ -103,7 +103,7 @@ void read_corners(const Json::Value& points, Outline& region, Findings& findings
     strays.look_at(corner->x, path + ".x");
     strays.look_at(corner->y, path + ".y");
   }
-  strays.tell(findings);
+  strays.report(findings);
   if (region.corners.size() != points.size()) return;
   if (const std::optional<Crossing> crossing = first_crossing(region.corners)) {
     findings.add(Severity::kWarning, region.path,

@@ -19,7 +19,7 @@ std::string place(const std::string& name, const Finding& finding) {
 }
 
 // Everything after the position.
-std::string complaint(const Finding& finding) {
+std::string message(const Finding& finding) {
   std::string text;
   if (!finding.key.empty()) text.append("\"").append(finding.key).append("\": ");
   text += finding.text;
@@ -37,11 +37,11 @@ std::string in_both(const std::string& width, const std::string& height) {
   return width == height ? width + " each way" : width + " across, " + height + " down";
 }
 
-std::string least_box(const Effective& effective) {
-  std::string text = in_both(percent(effective.least_box_width), percent(effective.least_box_height));
+std::string min_box(const Effective& effective) {
+  std::string text = in_both(percent(effective.min_box_width), percent(effective.min_box_height));
   if (effective.frame.empty()) return text;
-  return text + ": " + std::to_string(effective.least_box_pixels.width) + " x " +
-         std::to_string(effective.least_box_pixels.height) + " pixels";
+  return text + ": " + std::to_string(effective.min_box_pixels.width) + " x " +
+         std::to_string(effective.min_box_pixels.height) + " pixels";
 }
 
 using Row = std::pair<const char*, std::string>;
@@ -52,7 +52,7 @@ std::vector<Row> rows(const Effective& effective) {
       {"matches the background", "up to " + levels(effective.thr_match) + " (thrMatch)"},
       {"counts as unchanged", "up to " + levels(effective.thr_heuris) + " (thrHeuris)"},
       {"lighting change followed", "above " + levels(effective.thr_illum) + " (thrIllum)"},
-      {"minimum box size", least_box(effective)},
+      {"minimum box size", min_box(effective)},
       {"still objects kept for", std::to_string(effective.life_static_seconds) + " seconds, " +
                                      std::to_string(effective.life_static) + " frames at 30 per second"},
   };
@@ -92,7 +92,7 @@ std::string summary(const Verdict& verdict) {
 }  // namespace
 
 std::string sentence(const std::string& name, const Finding& finding) {
-  return place(name, finding) + complaint(finding);
+  return place(name, finding) + message(finding);
 }
 
 std::string to_text(const std::string& name, const Verdict& verdict) {
@@ -101,7 +101,7 @@ std::string to_text(const std::string& name, const Verdict& verdict) {
     for (const Finding& finding : verdict.findings) {
       if (finding.severity != severity) continue;
       text.append(place(name, finding)).append(name_of(severity)).append(": ");
-      text.append(complaint(finding)).append("\n");
+      text.append(message(finding)).append("\n");
     }
   }
   if (verdict.effective) text += table_of(*verdict.effective);

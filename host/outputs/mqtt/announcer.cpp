@@ -6,34 +6,34 @@ namespace lm::host::outputs::mqtt {
 
 void Announcer::introduce(const std::string& discovery) {
   if (!discovery.empty()) send_(discovery_message(discovery, topics_));
-  send_({MessageKind::kStanding, topics_.availability(), kOnline});
+  send_({MessageKind::kRetained, topics_.availability(), kOnline});
   state(kNoMotion);
 }
 
 void Announcer::begun(const events::Event& event) {
-  say(MessageKind::kMilestone, "new", event);
+  publish(MessageKind::kMilestone, "new", event);
   if (event.kind != events::EventKind::kMotion) return;
   if (moving_.empty()) state(kMotion);
   moving_.insert(event.id);
 }
 
 void Announcer::changed(const events::Event& event) {
-  const auto last = last_said_.find(event.id);
-  if (last != last_said_.end() && event.end - last->second < kUpdateInterval) return;
-  say(MessageKind::kUpdate, "update", event);
+  const auto last = last_published_.find(event.id);
+  if (last != last_published_.end() && event.end - last->second < kUpdateInterval) return;
+  publish(MessageKind::kUpdate, "update", event);
 }
 
 void Announcer::ended(const events::Event& event) {
-  say(MessageKind::kMilestone, "end", event);
-  last_said_.erase(event.id);
+  publish(MessageKind::kMilestone, "end", event);
+  last_published_.erase(event.id);
   if (moving_.erase(event.id) > 0 && moving_.empty()) state(kNoMotion);
 }
 
-void Announcer::leave() { send_({MessageKind::kStanding, topics_.availability(), kOffline}); }
+void Announcer::leave() { send_({MessageKind::kRetained, topics_.availability(), kOffline}); }
 
-void Announcer::say(MessageKind kind, const std::string& step, const events::Event& event) {
+void Announcer::publish(MessageKind kind, const std::string& step, const events::Event& event) {
   send_({kind, topics_.event(step), events::event_json(event)});
-  last_said_[event.id] = event.end;
+  last_published_[event.id] = event.end;
 }
 
 }  // namespace lm::host::outputs::mqtt

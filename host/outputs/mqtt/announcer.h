@@ -33,13 +33,13 @@ class Announcer {
   void leave();
 
  private:
-  void say(MessageKind kind, const std::string& step, const events::Event& event);
-  void state(const char* state) { send_({MessageKind::kStanding, topics_.motion(), state}); }
+  void publish(MessageKind kind, const std::string& step, const events::Event& event);
+  void state(const char* state) { send_({MessageKind::kRetained, topics_.motion(), state}); }
 
   Topics topics_;
   Send send_;
-  std::map<std::string, std::chrono::microseconds> last_said_;  // by event id
-  std::set<std::string> moving_;                                // ids of motion events in progress
+  std::map<std::string, std::chrono::microseconds> last_published_;  // by event id
+  std::set<std::string> moving_;                                     // ids of motion events in progress
 };
 
 }  // namespace lm::host::outputs::mqtt

@@ -92,13 +92,13 @@ void Link::connected(int refusal) {
   }
   ready_ = true;
   back_off_.reset();
-  mailbox_->renew_standing();
-  if (std::exchange(complained_, false)) mailbox_->report("connected");
+  mailbox_->renew_retained();
+  if (std::exchange(warned_, false)) mailbox_->report("connected");
 }
 
 void Link::lost(int error) {
   const std::string why = refusal_.empty() ? reason(error) : std::exchange(refusal_, "");
-  if (!std::exchange(complained_, true)) mailbox_->report(why + "; retrying");
+  if (!std::exchange(warned_, true)) mailbox_->report(why + "; retrying");
   open_ = false;
   ready_ = false;
   next_attempt_ = Clock::now() + back_off_.next();
@@ -111,7 +111,7 @@ void Link::hand_over() {
     // A connection lost here is not an error: libmosquitto sends the message over the next one.
     mosquitto_publish(client_.get(), nullptr, message->topic.c_str(),
                       static_cast<int>(message->payload.size()), message->payload.data(), kAtLeastOnce,
-                      message->kind == MessageKind::kStanding);
+                      message->kind == MessageKind::kRetained);
     ++in_flight_;
   }
 }

@@ -55,7 +55,7 @@ class Link {
   std::size_t in_flight_ = 0;  // messages passed to libmosquitto and not yet acknowledged
   bool open_ = false;          // connecting or connected
   bool ready_ = false;         // connected
-  bool complained_ = false;    // about the current outage
+  bool warned_ = false;        // about the current outage
 };
 
 }  // namespace lm::host::outputs::mqtt

@@ -64,9 +64,9 @@ std::optional<Message> Mailbox::pop() {
   return outbox_.pop();
 }
 
-void Mailbox::renew_standing() {
+void Mailbox::renew_retained() {
   const Lock lock(mutex_);
-  outbox_.renew_standing();
+  outbox_.renew_retained();
 }
 
 bool Mailbox::empty() {

@@ -32,7 +32,7 @@ class Mailbox {
 
   // For the sending thread.
   std::optional<Message> pop();
-  void renew_standing();
+  void renew_retained();
   bool empty();
   bool closing();
   bool abandoned();

@@ -55,12 +55,12 @@ MqttListener::~MqttListener() {
   if (thread_.joinable()) leave(kLittlePatience);
 }
 
-void MqttListener::frame(const source::Frame&, const events::Observation&) { tell_news(); }
+void MqttListener::frame(const source::Frame&, const events::Observation&) { report_news(); }
 
 void MqttListener::finish() {
   leave(patience_);
-  tell_news();
-  tell_losses();
+  report_news();
+  report_losses();
 }
 
 void MqttListener::leave(std::chrono::milliseconds deadline) {
@@ -79,11 +79,11 @@ void MqttListener::leave(std::chrono::milliseconds deadline) {
   }
 }
 
-void MqttListener::tell_news() {
+void MqttListener::report_news() {
   if (const std::string news = mailbox_->take_news(); !news.empty()) base::warn(broker_ + ": " + news);
 }
 
-void MqttListener::tell_losses() {
+void MqttListener::report_losses() {
   const auto [updates, milestones] = mailbox_->drops();
   if (updates + milestones > 0) {
     base::warn(broker_ + ": queue full, dropped " + count(updates, "update message") + " and " +

@@ -34,8 +34,8 @@ class MqttListener : public events::EventListener {
 
  private:
   void leave(std::chrono::milliseconds deadline);
-  void tell_news();
-  void tell_losses();
+  void report_news();
+  void report_losses();
 
   std::chrono::milliseconds patience_;
   std::string broker_;  // for messages

@@ -6,9 +6,9 @@
 namespace lm::host::outputs::mqtt {
 
 void Outbox::push(Message message) {
-  if (message.kind == MessageKind::kStanding) {
+  if (message.kind == MessageKind::kRetained) {
     remember(message);
-    remove_standing(message.topic);
+    remove_retained(message.topic);
   } else {
     make_room();
   }
@@ -22,29 +22,29 @@ std::optional<Message> Outbox::pop() {
   return message;
 }
 
-void Outbox::renew_standing() {
-  for (const Message& message : standing_) remove_standing(message.topic);
-  waiting_.insert(waiting_.begin(), standing_.begin(), standing_.end());
+void Outbox::renew_retained() {
+  for (const Message& message : retained_) remove_retained(message.topic);
+  waiting_.insert(waiting_.begin(), retained_.begin(), retained_.end());
 }
 
 void Outbox::remember(const Message& message) {
-  const auto known = std::ranges::find(standing_, message.topic, &Message::topic);
-  if (known == standing_.end()) {
-    standing_.push_back(message);
+  const auto known = std::ranges::find(retained_, message.topic, &Message::topic);
+  if (known == retained_.end()) {
+    retained_.push_back(message);
   } else {
     known->payload = message.payload;
   }
 }
 
-void Outbox::remove_standing(const std::string& topic) {
+void Outbox::remove_retained(const std::string& topic) {
   std::erase_if(waiting_, [&topic](const Message& message) {
-    return message.kind == MessageKind::kStanding && message.topic == topic;
+    return message.kind == MessageKind::kRetained && message.topic == topic;
   });
 }
 
 void Outbox::make_room() {
-  const auto standing = std::ranges::count(waiting_, MessageKind::kStanding, &Message::kind);
-  if (waiting_.size() - static_cast<std::size_t>(standing) < capacity_) return;
+  const auto retained = std::ranges::count(waiting_, MessageKind::kRetained, &Message::kind);
+  if (waiting_.size() - static_cast<std::size_t>(retained) < capacity_) return;
   auto victim = std::ranges::find(waiting_, MessageKind::kUpdate, &Message::kind);
   if (victim == waiting_.end()) victim = std::ranges::find(waiting_, MessageKind::kMilestone, &Message::kind);
   ++(victim->kind == MessageKind::kUpdate ? drops_.updates : drops_.milestones);

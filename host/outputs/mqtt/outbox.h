@@ -13,7 +13,7 @@ namespace lm::host::outputs::mqtt {
 enum class MessageKind {
   kMilestone,  // an event begins or ends
   kUpdate,     // an event continues; superseded by the next update
-  kStanding,   // retained by the broker: valid until the next one on its topic
+  kRetained,   // retained by the broker: valid until the next one on its topic
 };
 
 struct Message {
@@ -42,19 +42,19 @@ class Outbox {
 
   // After a broker restart, which may have lost retained messages: puts the last retained message of each
   // topic at the front, in the order in which the topics were first used.
-  void renew_standing();
+  void renew_retained();
 
   std::size_t size() const { return waiting_.size(); }
   const Drops& drops() const { return drops_; }
 
  private:
   void remember(const Message& message);
-  void remove_standing(const std::string& topic);
+  void remove_retained(const std::string& topic);
   void make_room();
 
   std::size_t capacity_;
   std::deque<Message> waiting_;
-  std::vector<Message> standing_;
+  std::vector<Message> retained_;
   Drops drops_;
 };
 

@@ -61,7 +61,7 @@ Message discovery_message(const std::string& discovery, const Topics& topics) {
   sensor["device"]["name"] = topics.camera;
   sensor["origin"]["name"] = "lightmotion";
   sensor["origin"]["sw_version"] = LIGHTMOTION_VERSION;
-  return {MessageKind::kStanding, discovery + "/binary_sensor/" + topics.unique_id() + "/config",
+  return {MessageKind::kRetained, discovery + "/binary_sensor/" + topics.unique_id() + "/config",
           base::verbatim_json(sensor)};
 }
 

@@ -51,7 +51,7 @@ bool LiveSource::next(Frame& frame) {
   if (!reader_.joinable()) reader_ = std::thread([this] { read(); });
   while (base::interrupted() == 0 && !stop_.stop_requested()) {
     NewestFrame::Taken taken = newest_.take(kGlance);
-    for (const std::string& message : taken.messages) say(message);
+    for (const std::string& message : taken.messages) report(message);
     if (taken.frame) {
       frame = std::move(*taken.frame);
       // Frames may have been buffered, but none arrives before it is captured.

@@ -31,7 +31,7 @@ extern "C" void log_File_Debug_s(const char* path, int level, const char* format
 
 namespace {
 
-bool standing = false;
+bool running = false;
 int frames = 0;
 std::string behaviour;
 std::string result;
@@ -49,12 +49,12 @@ bool initialization(const char* config) {
   if (behaviour == "throw") throw std::invalid_argument("stoi");
   if (behaviour == "log" && log_File_Debug_s != nullptr)
     log_File_Debug_s("a.log", 7, "%s sensitivity", "automatic");
-  standing = !behaviour.starts_with("refuse");
-  return standing;
+  running = !behaviour.starts_with("refuse");
+  return running;
 }
 
 int frameProc(const unsigned char* frame, const char* timestamp, int* resultLen) {
-  if (!standing) return 0;
+  if (!running) return 0;
   if (frames == 0) std::fprintf(stderr, "W, H, Pixels = a line for developers\n");
   if (behaviour == "frame dies" && frames == 4) std::raise(SIGKILL);
   if (behaviour == "frame waits" && frames == 4) pause();
@@ -74,12 +74,12 @@ int frameProc(const unsigned char* frame, const char* timestamp, int* resultLen)
 }
 
 int getRes(char* out) {
-  if (!standing) return 0;
+  if (!running) return 0;
   std::memcpy(out, result.c_str(), result.size() + 1);
   return 1;
 }
 
 int terminate() {
-  standing = false;
+  running = false;
   return 1;
 }
