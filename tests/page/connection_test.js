@@ -57,7 +57,7 @@ test("with a token, its address opens the page, which keeps it for a reload; wit
   await eventually("the page tells what is missing", async () => (await problemOf(stranger)).includes("token"));
 });
 
-test("at its end a file begins again; its events stay", async (t) => {
+test("a file starts over at its end; its events are kept", async (t) => {
   const { page } = await openScene(t);
   await page.locator("#seek").focus();
   await page.keyboard.press("End");
@@ -70,7 +70,7 @@ test("at its end a file begins again; its events stay", async (t) => {
   await eventually("events are listed", async () => (await page.locator("#event-list li").count()) > 0);
 });
 
-test("paused it stands still; an event leads to its moment", async (t) => {
+test("a paused video stops; an event seeks to its time", async (t) => {
   const { page } = await openScene(t);
   await page.locator("#event-list button").first().waitFor();
   await page.click("#play");
@@ -80,11 +80,11 @@ test("paused it stands still; an event leads to its moment", async (t) => {
   await eventually("that moment", async () => (await page.locator("#time").textContent()) === start.split(" ")[0]);
 });
 
-test("the page finds a server that went away and came back", async (t) => {
+test("the page reconnects to a restarted server", async (t) => {
   const first = await startServer(usualClip(), "--port", "0");
   const page = await openPage(t, first.address);
   await first.stop();
-  await eventually("the loss is told", async () => /connection .* lost/.test(await problemOf(page)));
+  await eventually("the loss is reported", async () => /connection .* lost/.test(await problemOf(page)));
   const second = await startServer(usualClip(), "--port", String(first.port));
   t.after(() => second.stop());
   await eventually("it is back", async () => (await problemOf(page)) === "");
@@ -101,27 +101,27 @@ async function startCamera(t) {
   const lines = createInterface({ input: child.stdout })[Symbol.asyncIterator]();
   const answer = async () => (await lines.next()).value;
   const port = Number(await answer());
-  const tell = (words) => {
+  const command = (words) => {
     child.stdin.write(`${words}\n`);
     return answer();
   };
-  return { address: `rtsp://127.0.0.1:${port}/`, tell };
+  return { address: `rtsp://127.0.0.1:${port}/`, command };
 }
 
-test("a camera that fails is told of, and its pictures are back when it is", async (t) => {
+test("a failed camera is reported, and its pictures return with it", async (t) => {
   const camera = await startCamera(t);
   const starting = startServer(camera.address, "--port", "0");
-  await camera.tell("play");
-  await camera.tell("send 60");
+  await camera.command("play");
+  await camera.command("send 60");
   const server = await starting;
   t.after(() => server.stop());
   const page = await openPage(t, server.address);
-  await camera.tell("die");
-  await eventually("the page tells of it", async () => (await problemOf(page)) !== "");
+  await camera.command("die");
+  await eventually("the failure is reported", async () => (await problemOf(page)) !== "");
   const before = framesOf(page).length;
-  await camera.tell("listen");
-  await camera.tell("play");
-  await camera.tell("send 60");
+  await camera.command("listen");
+  await camera.command("play");
+  await camera.command("send 60");
   await eventually("pictures again", () => framesOf(page).length > before);
-  await eventually("nothing is wrong any more", async () => (await problemOf(page)) === "");
+  await eventually("the error disappears", async () => (await problemOf(page)) === "");
 });

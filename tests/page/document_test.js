@@ -12,7 +12,7 @@ useBrowser();
 
 const inForceAt = async (address) => (await fetch(new URL("/api/configuration", address))).text();
 
-test("a bad document is refused with its reason, and what is in force stays", async (t) => {
+test("an invalid document is refused with the reason, and the previous one stays in effect", async (t) => {
   const { page, server } = await openScene(t);
   await page.click("#tab-document");
   await page.fill("#document-text", '{"sensitivity": "4", "roi": []}');
@@ -23,7 +23,7 @@ test("a bad document is refused with its reason, and what is in force stays", as
   await framesBecome(page, "the detector goes on", (frames) => frames.some(({ boxes }) => boxes.length));
 });
 
-test("a text that is no JSON locks the controls until it is undone", async (t) => {
+test("invalid JSON locks the controls until it is undone", async (t) => {
   const { page } = await openScene(t);
   await page.click("#tab-document");
   await page.fill("#document-text", '{"sensitivity": ');
@@ -48,7 +48,7 @@ test("a document is loaded from a file, applied, and downloaded as it is", async
   assert.equal(readFileSync(await download.path(), "utf8"), other);
 });
 
-test("without a file of its own nothing can be saved, and the page says why", async (t) => {
+test("without a file nothing can be saved, and the page states why", async (t) => {
   const server = await startServer(usualClip(), "--port", "0");
   t.after(() => server.stop());
   const page = await openPage(t, server.address);
@@ -60,13 +60,13 @@ test("without a file of its own nothing can be saved, and the page says why", as
 // What the page's modules change in a document's text.
 const edits = [
   [
-    "a member is replaced where it stands",
+    "a member is replaced in place",
     "setMember",
     ['{ "a": "1", // one\n "b": [2] }', "a", '"3"'],
     '{ "a": "3", // one\n "b": [2] }',
   ],
   [
-    "of members with one name the last counts",
+    "of duplicate members the last one counts",
     "setMember",
     ['{"a": "1", "a": "2"}', "a", '"3"'],
     '{"a": "1", "a": "3"}',
@@ -74,7 +74,7 @@ const edits = [
   ["a new member follows the last", "setMember", ['{"a": {"b": 1}}', "b", '"3"'], '{"a": {"b": 1}, "b": "3"}'],
   ["an empty object gets its first", "setMember", ["{}", "a", '"3"'], '{\n  "a": "3"\n}'],
   [
-    "a comment is no member",
+    "a comment is not a member",
     "setMember",
     ['{/* "a": "1" */ "b": "//"}', "a", '"3"'],
     '{/* "a": "1" */ "b": "//", "a": "3"}',

@@ -66,13 +66,13 @@ test("made and moved with the keyboard, undone, saved, reloaded: the file is rig
   assert.deepEqual(await pointOf(page, 0), { x: "0.302", y: "0.32" });
   await inForce(page);
   await page.click("#save");
-  await eventually("the place of the backup is told", async () =>
+  await eventually("the backup is reported", async () =>
     (await page.locator("#saved").textContent()).includes("yard.json.bak"),
   );
   assert.equal(saved(), await textOf(page));
   assert.ok(
     saved().startsWith(plainDocument.slice(0, plainDocument.lastIndexOf('"'))),
-    "what the user wrote is as it was",
+    "the rest of the text is unchanged",
   );
   assert.equal(readFileSync(`${config}.bak`, "utf8"), plainDocument);
   await page.reload();
@@ -110,7 +110,7 @@ test("points and whole regions follow the mouse; a region keeps its shape at the
   assert.equal(left.x, "0.6");
 });
 
-test("a point between two others is drawn out of the line", async (t) => {
+test("a point is dragged out of the line between two others", async (t) => {
   const { page } = await openScene(t, { document: withRegion(square(0.2, 0.6)) });
   await page.locator("#overlay .region").focus();
   await drag(page, [0.4, 0.2], [0.4, 0.1]);
@@ -119,7 +119,7 @@ test("a point between two others is drawn out of the line", async (t) => {
   assert.ok(Math.abs(points[1].y - 0.1) < 0.002);
 });
 
-test("what is drawn to the left border starts outside, so that the border counts", async (t) => {
+test("a region drawn to the left border starts outside, so that the border counts", async (t) => {
   const { page } = await openScene(t);
   await page.click("#draw-roi");
   await drag(page, [0.002, 0.3], [0.5, 0.6]);
@@ -127,7 +127,7 @@ test("what is drawn to the left border starts outside, so that the border counts
   assert.ok(Math.min(...xs) < 0, String(xs));
 });
 
-test("corners are set with a finger", async (t) => {
+test("corners are set by touch", async (t) => {
   const { page } = await openScene(t, { window: { hasTouch: true, viewport: { width: 390, height: 844 } } });
   await page.tap("#draw-ror");
   const { x, y, width, height } = await page.locator("#overlay").boundingBox();
@@ -158,7 +158,7 @@ test("named, turned and deleted in the list; members of its own are kept", async
   assert.equal((await rootOf(page)).ror, undefined);
 });
 
-test("a region over everything is told to make the others useless", async (t) => {
+test("a region over everything is reported to make the others useless", async (t) => {
   const whole = { name: "all", points: square(-1, 2).points };
   const { page } = await openScene(t, { document: JSON.stringify({ roi: [whole, square(0.2, 0.6)] }) });
   await page.getByText("covers the whole picture").waitFor();

@@ -51,7 +51,7 @@ test("a preset brings its settings and leaves the regions", async (t) => {
   assert.deepEqual(root.roi, [region]);
 });
 
-test("a setting that is out of range is remarked on beside its control, with what happens", async (t) => {
+test("a setting out of range has a finding beside its control, with the consequence", async (t) => {
   const { page } = await openScene(t, { document: '{"sensitivity": "9"}' });
   await page.click("#tab-settings");
   const setting = page.locator(".setting", { has: page.locator("#setting-sensitivity") });
@@ -59,7 +59,7 @@ test("a setting that is out of range is remarked on beside its control, with wha
   assert.match(await setting.locator(".finding").first().textContent(), /9/);
 });
 
-test("a setting is taken back to the default by taking it out", async (t) => {
+test("a setting is reset to its default by removing it", async (t) => {
   const { page } = await openScene(t, { document: '{"sensitivity": "2", "minBoxW": "0.02"}' });
   await page.click("#tab-settings");
   await page.click('button[aria-label="Reset sensitivity to the default"]');

@@ -1,4 +1,4 @@
-// What the library says: its lines on the standard streams, and its calls of the host's logging function.
+// What the library prints on the standard streams, and its calls of the host's logging function.
 #pragma once
 
 #include <cstdio>
@@ -8,7 +8,7 @@
 
 namespace lm::test {
 
-// Collects what reaches a standard stream while it lives, however it was written.
+// Captures what is written to a standard stream during its lifetime, by any means.
 class Capture {
  public:
   explicit Capture(std::FILE* stream);
@@ -51,7 +51,7 @@ std::ostream& operator<<(std::ostream& stream, const LogCall& call);
 // The calls so far. A program that uses this list is a host with the logging function.
 std::vector<LogCall>& hostLog();
 
-// While it lives, the logging function throws std::runtime_error after noting its call.
+// During its lifetime, the logging function throws std::runtime_error after recording its call.
 class ThrowingHostLog {
  public:
   ThrowingHostLog();

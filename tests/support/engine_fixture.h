@@ -1,5 +1,5 @@
-// Engines set up by hand: sized without a first frame, with the planes that single operations read put in
-// place, so that a test calls one operation and looks at its effect.
+// Engines set up by hand: sized without a first frame, with the planes that single operations read, so that a
+// test can call one operation and check its effect.
 #pragma once
 
 #include <array>
@@ -31,7 +31,7 @@ T* makePlane(std::size_t count, T value = T{}) {
   return plane;
 }
 
-// Puts an exact-size copy of `values` in the place of a plane.
+// Replaces a plane by an exact-size copy of `values`.
 template <class T>
 void put(T*& plane, const std::vector<T>& values) {
   std::free(plane);
@@ -45,8 +45,8 @@ void put(T*& plane, const std::vector<T>& values) {
 struct SizedEngine : kAMBLE {
   SizedEngine(int width, int height, int channels);
 
-  // Adds what the pipeline makes at the first frame: black current and previous frame and differences of 0.
-  // prevFgMask is 1, so that no pixel takes the unchanged-background shortcut.
+  // Adds what the first frame creates: black current and previous frames and differences of 0. prevFgMask is
+  // 1, so that no pixel takes the unchanged-background shortcut.
   void addFrames();
 
   [[nodiscard]] std::size_t pixels() const { return static_cast<std::size_t>(numPixel); }
@@ -64,7 +64,7 @@ struct OnePixel : SizedEngine {
   [[nodiscard]] Bytes slot(int index) const;  // the slot's bytes, as many as the frame has channels
 };
 
-// A buffer of the engine that a test removes to see an operation refuse.
+// A buffer of the engine that a test removes so that an operation refuses to run.
 struct NamedPlane {
   const char* name;
   void (*drop)(kAMBLE&);
@@ -77,7 +77,7 @@ void dropPlane(kAMBLE& engine) {
   engine.*Member = nullptr;
 }
 
-// fgLife is the one plane that is an array of `new`.
+// fgLife is the only plane allocated with new[].
 inline void dropLife(kAMBLE& engine) {
   delete[] engine.fgLife;
   engine.fgLife = nullptr;

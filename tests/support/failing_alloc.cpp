@@ -45,14 +45,14 @@ bool refuses(Request kind) {
   return true;
 }
 
-// The address sanitizer ends the program where a plain operator new throws.
+// The address sanitizer ends the program if a plain operator new throws.
 bool isAbsurd(std::size_t size) { return size > PTRDIFF_MAX; }
 
 void countBlock(std::int64_t change) {
   if (counters.armed && !forwarding) counters.live += change;
 }
 
-// The replaced function's original: the sanitizer's where there is one, which then still sees every block.
+// The original of a replaced function: the sanitizer's if present, which then still sees every block.
 template <typename Function>
 Function* original(const char* name) {
   return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, name));

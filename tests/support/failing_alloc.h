@@ -8,11 +8,11 @@ namespace lm::test {
 
 enum class Request { none, throwingNew, quietNew, aligned, plain };
 
-// What is counted and refused: what the library asks for itself, or also malloc, calloc and realloc, with
-// which the libraries below it get theirs. A program under the address sanitizer leaves those alone.
+// What is counted and refused: the library's own requests, or also malloc, calloc and realloc, which the
+// libraries below it use. Under the address sanitizer those are not replaced.
 enum class Reach { own, all };
 
-// One at a time. During its lifetime requests are counted from 1.
+// At most one object at a time. During its lifetime requests are counted from 1.
 class FailingAlloc {
  public:
   explicit FailingAlloc(std::uint64_t failAt = 0,  // number of the request to refuse; 0: none
@@ -24,10 +24,10 @@ class FailingAlloc {
   void stopFailing();  // later requests are counted and granted
 
   std::uint64_t requests() const;
-  Request refused() const;  // what kind of request was refused so far
+  Request refused() const;  // kind of the request refused so far
 
-  // Blocks allocated minus blocks released. A program under the address sanitizer leaves aligned blocks out;
-  // the sanitizer's own leak check watches those.
+  // Blocks allocated minus blocks released. Under the address sanitizer without aligned blocks; its own leak
+  // check covers those.
   std::int64_t live() const;
 };
 

@@ -10,11 +10,11 @@
 namespace {
 
 constexpr std::size_t unit = 32;    // offsets are counted from multiples of this
-constexpr std::size_t margin = 64;  // pattern bytes on either side that are filled and looked at
+constexpr std::size_t margin = 64;  // pattern bytes on either side that are filled and checked
 
 std::size_t pageSize() { return static_cast<std::size_t>(sysconf(_SC_PAGESIZE)); }
 
-// No constant: a stray copy of a neighbouring byte shows as well.
+// Not constant, so that a stray copy of a neighbouring byte is also detected.
 std::uint8_t patternAt(const std::uint8_t* p) {
   return static_cast<std::uint8_t>(0xA5 ^ (reinterpret_cast<std::uintptr_t>(p) * 7));
 }

@@ -7,7 +7,7 @@
 
 class GuardedBuffer {
  public:
-  // The inaccessible page that a placed array lies as close to as its alignment allows.
+  // The inaccessible page next to which the array is placed, as closely as its alignment allows.
   enum class Against { front, back };
 
   // Room for arrays of up to `capacity` bytes.
@@ -25,7 +25,7 @@ class GuardedBuffer {
   std::uint8_t* end() const { return begin_ + size_; }
   std::size_t size() const { return size_; }
 
-  // What was written outside the array since place(): empty, or the first such byte in words.
+  // Describes the first byte written outside the array since place(); empty if there is none.
   std::string damage() const;
 
  private:

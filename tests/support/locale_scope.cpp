@@ -25,7 +25,7 @@ void writeSources(const fs::path& folder) {
       << "LC_NUMERIC\ndecimal_point \",\"\nthousands_sep \".\"\ngrouping 3;3\nEND LC_NUMERIC\n";
 }
 
-// localedef reports the missing categories as warnings (status 1); what counts is whether the locale loads.
+// localedef reports the missing categories as warnings (status 1); only whether the locale loads matters.
 void compileLocale(const fs::path& folder) {
   const std::string path = folder.string();
   const std::string command = "localedef --no-archive -c -i " + path + "/source -f " + path + "/ascii " +

@@ -1,4 +1,4 @@
-// Byte masks and label maps as text, one row a line, so that a test shows its frames and a failure prints
+// Byte masks and label maps as text, one line per row, so that tests show their frames and a failure prints
 // both pictures with a diff.
 //   '.' 0   digits their value   'x' 252   'y' 253   'z' 254   '#' 255
 #pragma once
@@ -21,7 +21,7 @@ std::string symbolOf(std::uint64_t value);
 // The text of a picture: what `drawing` gives for the same bytes.
 std::string picture(const Rows& rows);
 
-// The picture of a plane of `count` elements, `width` a row.
+// The picture of a plane of `count` elements, `width` per row.
 template <class T>
 std::string drawing(const T* plane, std::size_t count, int width) {
   std::string text;

@@ -16,13 +16,13 @@
 namespace lm::host::detector::check {
 namespace {
 
-// Regions of interest without an outline, told without looking at pixels.
+// Whether no region of interest has an outline; independent of pixels.
 bool nothing_included(const Outlines& outlines) {
   return !outlines.whole_frame && std::none_of(outlines.included.begin(), outlines.included.end(),
                                                [](const Outline& region) { return !region.corners.empty(); });
 }
 
-// Of sizes and regions that could be read.
+// For sizes and regions that could be read.
 std::optional<Coverage> look_at_regions(const Outlines& outlines, std::optional<cv::Size> frame,
                                         Findings& findings) {
   if (findings.any_error()) return std::nullopt;

@@ -2,7 +2,7 @@
 const modifiers = { Alt: 1, Control: 2, Meta: 4, Shift: 8 };
 const codes = { Enter: 13, Escape: 27, PageDown: 34, End: 35, ArrowLeft: 37, ArrowUp: 38, ArrowRight: 39, ArrowDown: 40, Delete: 46 };
 
-export function keyboardOf(tell) {
+export function keyboardOf(command) {
   return {
     async press(name) {
       const words = name.split("+");
@@ -18,8 +18,8 @@ export function keyboardOf(tell) {
       };
       const plain = !(held & ~modifiers.Shift);
       const text = key === "Enter" ? "\r" : isLetter && plain ? key : undefined;
-      await tell("Input.dispatchKeyEvent", { type: text ? "keyDown" : "rawKeyDown", text, ...about });
-      await tell("Input.dispatchKeyEvent", { type: "keyUp", ...about });
+      await command("Input.dispatchKeyEvent", { type: text ? "keyDown" : "rawKeyDown", text, ...about });
+      await command("Input.dispatchKeyEvent", { type: "keyUp", ...about });
     },
   };
 }

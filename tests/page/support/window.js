@@ -44,7 +44,7 @@ const helpers = [find, isSeen, target].join("\n");
 export async function openWindow({ send, events, folder, browserContextId }, { viewport, hasTouch = false }) {
   const { targetId } = await send("Target.createTarget", { url: "about:blank", browserContextId });
   const { sessionId } = await send("Target.attachToTarget", { targetId, flatten: true });
-  const tell = (method, params) => send(method, params, sessionId);
+  const command = (method, params) => send(method, params, sessionId);
   const on = (method, heard) => events.on(`${sessionId} ${method}`, heard);
   const page = new EventEmitter();
   let address = "";
@@ -67,28 +67,28 @@ export async function openWindow({ send, events, folder, browserContextId }, { v
   const complete = new Set();
   events.on("browser Browser.downloadProgress", ({ guid, state }) => state === "completed" && complete.add(guid));
 
-  for (const domain of ["Page", "Runtime", "Network"]) await tell(`${domain}.enable`);
-  await tell("Emulation.setDeviceMetricsOverride", { ...viewport, deviceScaleFactor: 1, mobile: false });
-  await tell("Emulation.setTouchEmulationEnabled", { enabled: hasTouch });
-  await tell("Emulation.setFocusEmulationEnabled", { enabled: true }); // several windows, each as if focused
+  for (const domain of ["Page", "Runtime", "Network"]) await command(`${domain}.enable`);
+  await command("Emulation.setDeviceMetricsOverride", { ...viewport, deviceScaleFactor: 1, mobile: false });
+  await command("Emulation.setTouchEmulationEnabled", { enabled: hasTouch });
+  await command("Emulation.setFocusEmulationEnabled", { enabled: true }); // several windows, each as if focused
 
   async function evaluate(work, ...values) {
     const expression = `(() => { ${helpers}; return (${work})(${values.map((value) => JSON.stringify(value))}); })()`;
     const wishes = { expression, awaitPromise: true, returnByValue: true, userGesture: true };
-    const { result, exceptionDetails } = await tell("Runtime.evaluate", wishes);
+    const { result, exceptionDetails } = await command("Runtime.evaluate", wishes);
     if (exceptionDetails) throw new Error(exceptionDetails.exception?.description ?? exceptionDetails.text);
     return result.value;
   }
   async function arrive(method, params) {
     const loaded = once(events, `${sessionId} Page.loadEventFired`);
-    await tell(method, params);
+    await command(method, params);
     await loaded;
   }
 
   let at = [0, 0];
   let held = 0; // the pressed button, as a bit
   const pointer = (type, more = {}) =>
-    tell("Input.dispatchMouseEvent", { type, x: at[0], y: at[1], buttons: held, pointerType: "mouse", ...more });
+    command("Input.dispatchMouseEvent", { type, x: at[0], y: at[1], buttons: held, pointerType: "mouse", ...more });
   const mouse = {
     async move(x, y, { steps = 1 } = {}) {
       const [fromX, fromY] = at;
@@ -113,8 +113,8 @@ export async function openWindow({ send, events, folder, browserContextId }, { v
   };
   const touchscreen = {
     async tap(x, y) {
-      await tell("Input.dispatchTouchEvent", { type: "touchStart", touchPoints: [{ x, y }] });
-      await tell("Input.dispatchTouchEvent", { type: "touchEnd", touchPoints: [] });
+      await command("Input.dispatchTouchEvent", { type: "touchStart", touchPoints: [{ x, y }] });
+      await command("Input.dispatchTouchEvent", { type: "touchEnd", touchPoints: [] });
     },
   };
 
@@ -160,7 +160,7 @@ export async function openWindow({ send, events, folder, browserContextId }, { v
       tap: async () => touchscreen.tap(...(await first("target"))),
       async fill(text) {
         await first("(element) => (isSeen(element) && !element.disabled ? (element.focus(), element.select(), true) : null)");
-        await tell("Input.insertText", { text });
+        await command("Input.insertText", { text });
       },
       selectOption: (value) =>
         first(
@@ -172,8 +172,8 @@ export async function openWindow({ send, events, folder, browserContextId }, { v
           value,
         ),
       async setInputFiles(file) {
-        const { result } = await tell("Runtime.evaluate", { expression: `${find} find(${name})[0]` });
-        await tell("DOM.setFileInputFiles", { files: [file], objectId: result.objectId });
+        const { result } = await command("Runtime.evaluate", { expression: `${find} find(${name})[0]` });
+        await command("DOM.setFileInputFiles", { files: [file], objectId: result.objectId });
       },
     };
     return locator;
@@ -187,7 +187,7 @@ export async function openWindow({ send, events, folder, browserContextId }, { v
     locator,
     mouse,
     touchscreen,
-    keyboard: keyboardOf(tell),
+    keyboard: keyboardOf(command),
     getByText: (text) => locate([{ css: "body *", text, innermost: true }]),
     $$eval: (css, work) => evaluate(`(steps) => (${work})(find(steps))`, [{ css }]),
     goto: (url) => arrive("Page.navigate", { url }),

@@ -1,6 +1,6 @@
 // The same frames side by side: with the settings at the start of the comparison, and with the current ones.
 import { compareWith } from "./api.js";
-import { count, find, say } from "./dom.js";
+import { announce, count, find } from "./dom.js";
 import { Picture } from "./picture.js";
 
 const figures = ({ boxes, plugin_ms: cost }) => `${count(boxes.length, "box", "boxes")} · ${cost.toFixed(1)} ms`;
@@ -14,7 +14,7 @@ export class Comparison {
       try {
         await compareWith(this.#on ? null : draft.inForce);
         this.follow(!this.#on);
-        say(this.#on ? "Comparing with the settings as they are now. Change some." : "Comparison ended.");
+        announce(this.#on ? "Comparing with the settings as they are now. Change some." : "Comparison ended.");
       } catch (problem) {
         onProblem(problem);
       }

@@ -1,6 +1,6 @@
 // The configuration as text: edited, loaded from a file, saved and downloaded.
 import { save } from "./api.js";
-import { element, find, say } from "./dom.js";
+import { announce, element, find } from "./dom.js";
 import { findingsList } from "./findings.js";
 import { parse } from "./json_text.js";
 
@@ -53,10 +53,10 @@ export class DocumentPanel {
     find("save").disabled = !this.#file || !unsaved || progress === "refused" || progress === "unreachable";
     find("save").title = this.#file ?? "Start lightmotion serve with --config FILE to save from here";
     // A message about a text disappears with that text.
-    if (find("saved").dataset.of !== text) this.#tell(unsaved && this.#file ? "Not saved yet." : "", text);
+    if (find("saved").dataset.of !== text) this.#showStatus(unsaved && this.#file ? "Not saved yet." : "", text);
   }
 
-  #tell(words, of) {
+  #showStatus(words, of) {
     find("saved").textContent = words;
     find("saved").dataset.of = of;
   }
@@ -67,11 +67,11 @@ export class DocumentPanel {
       const { file, backup } = await save(text);
       this.#saved = true;
       this.#savedText = text;
-      this.#tell(backup ? `Saved. The previous version is kept as ${backup}.` : `Saved as ${file}.`, text);
-      say(find("saved").textContent);
+      this.#showStatus(backup ? `Saved. The previous version is kept as ${backup}.` : `Saved as ${file}.`, text);
+      announce(find("saved").textContent);
     } catch (problem) {
-      this.#tell(`Not saved: ${problem.status ? problem.message : "the program cannot be reached"}`, text);
-      say(find("saved").textContent);
+      this.#showStatus(`Not saved: ${problem.status ? problem.message : "the program cannot be reached"}`, text);
+      announce(find("saved").textContent);
     }
     this.show();
   }
@@ -94,11 +94,11 @@ export class DocumentPanel {
       const text = await file.text();
       parse(text);
       this.#draft.change(text, `load ${file.name}`);
-      this.#tell(`${file.name} was loaded.`, text);
+      this.#showStatus(`${file.name} was loaded.`, text);
     } catch (problem) {
-      this.#tell(`${file.name} was not loaded: ${problem.message}`, this.#draft.text);
+      this.#showStatus(`${file.name} was not loaded: ${problem.message}`, this.#draft.text);
     }
-    say(find("saved").textContent);
+    announce(find("saved").textContent);
   }
 
   #goTo(line) {

@@ -16,7 +16,7 @@ export function element(tag, properties = {}, ...children) {
 }
 
 // Announces a text to screen readers, also if it is the same as the previous one.
-export function say(text) {
+export function announce(text) {
   const place = find("said");
   place.textContent = place.textContent === text ? `${text}\u00a0` : text;
 }

@@ -1,7 +1,7 @@
 // The configuration being edited. The program checks every change, and applies it at once if valid; every change can
 // be undone.
 import { apply, check } from "./api.js";
-import { debounced, say } from "./dom.js";
+import { announce, debounced } from "./dom.js";
 import { parse } from "./json_text.js";
 
 const mostSteps = 200;
@@ -65,7 +65,7 @@ export class Draft extends EventTarget {
     if (!first) {
       this.#done.push({ text: this.text, what: "change from another window" });
       this.#undone = [];
-      say("The settings were changed in another window.");
+      announce("The settings were changed in another window.");
     }
     this.#take(text);
     this.#await();
@@ -83,7 +83,7 @@ export class Draft extends EventTarget {
     this.#mergeKey = null;
     this.#take(step.text);
     this.#await();
-    say(`${word}: ${step.what}`);
+    announce(`${word}: ${step.what}`);
   }
 
   #take(text) {

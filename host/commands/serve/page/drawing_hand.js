@@ -1,5 +1,5 @@
 // Draws a new region: point by point, or a rectangle by dragging.
-import { find, say } from "./dom.js";
+import { announce, find } from "./dom.js";
 import { kinds, settled } from "./regions.js";
 
 const corner = ({ x, y }) => settled(x, y);
@@ -24,7 +24,7 @@ export class DrawingHand {
     find("drawing-text").textContent = `Click the corners of the area to be ${kinds[kind].word}, or drag a rectangle.`;
     this.#show();
     find("overlay").scrollIntoView({ block: "nearest" });
-    say(`Drawing. Click corners on the picture. Enter finishes, Escape cancels.`);
+    announce(`Drawing. Click corners on the picture. Enter finishes, Escape cancels.`);
   }
 
   // Without a pointer: a rectangle in the middle, to be adjusted with the keyboard.
@@ -58,7 +58,7 @@ export class DrawingHand {
 
   finish() {
     if (this.drawn.points.length < 3) {
-      say("A region needs three corners.");
+      announce("A region needs three corners.");
       return;
     }
     const { kind, points } = this.drawn;
@@ -68,7 +68,7 @@ export class DrawingHand {
 
   cancel() {
     this.#stop();
-    say("Drawing cancelled.");
+    announce("Drawing cancelled.");
   }
 
   #stop() {

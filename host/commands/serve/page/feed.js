@@ -17,14 +17,14 @@ export class Feed extends EventTarget {
     this.#applied += 1;
   }
 
-  tell(kind, detail) {
+  emit(kind, detail) {
     this.dispatchEvent(new CustomEvent(kind, { detail }));
   }
 
   async refresh() {
     const before = this.#applied;
     const state = await getState();
-    if (before === this.#applied) this.tell("state", state);
+    if (before === this.#applied) this.emit("state", state);
     else await this.refresh();
   }
 
@@ -33,14 +33,14 @@ export class Feed extends EventTarget {
       try {
         if (this.#stateNumber === null) await this.refresh();
         await this.#nextFrame();
-        if (this.#lost) this.tell("found");
+        if (this.#lost) this.emit("found");
         this.#lost = false;
         wait = 250;
       } catch (problem) {
         this.#lost = true;
         this.#sequence = -1;
         this.#stateNumber = null;
-        this.tell("lost", problem);
+        this.emit("lost", problem);
         await pause(wait);
         wait = Math.min(wait * 2, longestPause);
       }
@@ -53,7 +53,7 @@ export class Feed extends EventTarget {
     if (answer.status === 204) return this.#follow(about.state);
     const picture = await createImageBitmap(await answer.blob());
     this.#sequence = about.sequence;
-    this.tell("frame", { about, picture });
+    this.emit("frame", { about, picture });
     return this.#follow(about.state);
   }
 

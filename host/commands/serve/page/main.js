@@ -2,7 +2,7 @@
 import { getEvents, getStill, play } from "./api.js";
 import { Comparison } from "./compare.js";
 import { DocumentPanel } from "./document_panel.js";
-import { debounced, element, find, say } from "./dom.js";
+import { announce, debounced, element, find } from "./dom.js";
 import { Draft } from "./draft.js";
 import { EventList } from "./event_list.js";
 import { Feed } from "./feed.js";
@@ -33,7 +33,7 @@ let presetNames = "";
 
 // ---- errors -------------------------------------------------------------------------------------------------
 
-function tell(text) {
+function showNotice(text) {
   if (find("problem").textContent === text) return;
   find("problem").textContent = text;
   find("problem").hidden = !text;
@@ -47,9 +47,9 @@ const reasons = {
 
 function showProblem(problem) {
   const reason = reasons[problem.status];
-  if (reason) tell(problem.status === 403 ? `${reason} ${problem.message}` : reason);
-  else if (problem.status) tell(`The program reports: ${problem.message}`);
-  else tell("The connection to the program was lost. Reconnecting…");
+  if (reason) showNotice(problem.status === 403 ? `${reason} ${problem.message}` : reason);
+  else if (problem.status) showNotice(`The program reports: ${problem.message}`);
+  else showNotice("The connection to the program was lost. Reconnecting…");
 }
 
 // ---- updates from the program -------------------------------------------------------------------------------
@@ -60,7 +60,7 @@ feed.addEventListener("lost", ({ detail }) => {
 });
 feed.addEventListener("found", () => {
   document.body.classList.remove("lost");
-  say("Reconnected.");
+  announce("Reconnected.");
   draft.retry();
 });
 
@@ -78,7 +78,7 @@ feed.addEventListener("state", ({ detail }) => {
   ]
     .filter(Boolean)
     .join(" · ");
-  tell(state.problem);
+  showNotice(state.problem);
   document.body.classList.remove("lost");
   find("play").setAttribute("aria-label", state.playing ? "Pause" : "Play");
   find("play").dataset.playing = state.playing;
@@ -158,7 +158,7 @@ function showPresets(presets) {
 
 function usePreset(preset) {
   settings.usePreset(preset);
-  say(`The settings of ${preset.name}.`);
+  announce(`The settings of ${preset.name}.`);
 }
 
 function showSteps() {
@@ -179,7 +179,7 @@ document.addEventListener("keydown", (event) => {
 
 const announceVerdict = debounced(() => {
   const errors = draft.findings.filter(({ severity }) => severity === "error");
-  if (errors.length) say(`Not applied: ${errors[0].text}`);
+  if (errors.length) announce(`Not applied: ${errors[0].text}`);
 }, 500);
 draft.addEventListener("verdict", announceVerdict);
 

@@ -1,6 +1,6 @@
 // Edits regions on the picture. Holds the selection and the change in progress; a completed change becomes one step of
 // the draft.
-import { percent, say } from "./dom.js";
+import { announce, percent } from "./dom.js";
 import { DrawingHand } from "./drawing_hand.js";
 import { pointKey, regionKey } from "./overlay.js";
 import { addRegion, freeName, kinds, readRegions, removeRegion, replaceRegion, settled } from "./regions.js";
@@ -66,7 +66,7 @@ export class RegionEditor extends EventTarget {
     const name = freeName(this.regions, kind);
     this.#draft.change(addRegion(this.#draft.text, { kind, name, points }), `draw ${name}`);
     this.select(this.regions.findLast((region) => region.kind === kind));
-    say(`${name} added.`);
+    announce(`${name} added.`);
   }
 
   // For points that are still being dragged: shown, but not applied.
@@ -86,7 +86,7 @@ export class RegionEditor extends EventTarget {
   movePoint(region, at, x, y, mergeKey = null) {
     const point = { ...region.points[at], ...settled(x, y) };
     this.setPoints(region, region.points.with(at, point), `move point ${at + 1}`, mergeKey);
-    if (mergeKey) say(`${percent(Math.max(0, point.x), 1)} from the left, ${percent(point.y, 1)} from the top`);
+    if (mergeKey) announce(`${percent(Math.max(0, point.x), 1)} from the left, ${percent(point.y, 1)} from the top`);
   }
 
   // A region keeps its shape when moved, so the whole region stops at the border.
@@ -101,7 +101,7 @@ export class RegionEditor extends EventTarget {
 
   moveRegion(region, dx, dy) {
     this.setPoints(region, this.moved(region.points, dx, dy), "move", `region ${regionKey(region)}`);
-    say(`${nameOf(region)} moved`);
+    announce(`${nameOf(region)} moved`);
   }
 
   insertPoint(region, after, place = null) {
@@ -109,24 +109,24 @@ export class RegionEditor extends EventTarget {
     const point = place ?? settled((Math.max(0, from.x) + Math.max(0, to.x)) / 2, (from.y + to.y) / 2);
     this.setPoints(region, region.points.toSpliced(after + 1, 0, point), `insert point ${after + 2}`);
     this.focus(region, after + 1);
-    say(`Point ${after + 2} inserted.`);
+    announce(`Point ${after + 2} inserted.`);
   }
 
   deletePoint(region, at) {
     if (region.points.length <= 3) {
-      say("A region needs three points. Delete the region instead.");
+      announce("A region needs three points. Delete the region instead.");
       return;
     }
     this.setPoints(region, region.points.toSpliced(at, 1), `delete point ${at + 1}`);
     this.focus(region, Math.min(at, region.points.length - 2));
-    say(`Point ${at + 1} deleted.`);
+    announce(`Point ${at + 1} deleted.`);
   }
 
   deleteRegion(region) {
     this.#draft.change(removeRegion(this.#draft.text, region), `delete ${nameOf(region)}`);
     this.select(null);
     this.dispatchEvent(new Event("select"));
-    say(`${nameOf(region)} deleted.`);
+    announce(`${nameOf(region)} deleted.`);
   }
 
   endMerge() {
