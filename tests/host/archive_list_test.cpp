@@ -75,6 +75,16 @@ TEST_F(FileList, LeavesTheResultsOut) {
   EXPECT_EQ(listed({folder_ / "in/*s*", folder_ / "other.mp4"}), (Names{"in/notes.txt", "other.mp4"}));
 }
 
+TEST_F(FileList, DoesNotFollowLinksToFolders) {
+  fs::create_directory_symlink("deep", folder_ / "in/link");
+  fs::create_directory_symlink(".", folder_ / "in/loop");
+  EXPECT_EQ(listed({folder_ / "in"}), (Names{"in/a.AVI", "in/b.mp4", "in/deep/er/d.mkv"}));
+  fs::create_directory(folder_ / "elsewhere");
+  program::write(folder_ / "elsewhere/f.mp4", "");
+  fs::create_directory_symlink("../elsewhere", folder_ / "in/away");
+  EXPECT_EQ(listed({folder_ / "in"}), (Names{"in/a.AVI", "in/b.mp4", "in/deep/er/d.mkv"}));
+}
+
 TEST_F(FileList, TakesWhatAPatternMatches) {
   EXPECT_EQ(listed({folder_ / "in/[ab].*"}), (Names{"in/a.AVI", "in/b.mp4"}));
   EXPECT_EQ(listed({folder_ / "*/deep"}), Names{"in/deep/er/d.mkv"});

@@ -5,9 +5,11 @@
 #include "host/commands/archive/archive_options.h"
 #include "host/commands/archive/archive_progress.h"
 #include "host/commands/archive/file_run.h"
+#include "host/commands/archive/folder_name.h"
 #include "host/commands/archive/record.h"
 #include "host/commands/archive/table.h"
 #include "host/commands/archive/work_folder.h"
+#include "host/commands/command_line.h"
 #include "tests/host/program.h"
 
 namespace {
@@ -100,6 +102,13 @@ TEST(Settings, AreTheSameWhateverHasNoSayInTheResults) {
   EXPECT_NE(settings_digest({"--a=2", "--b"}, "{}"), plain);
   EXPECT_NE(settings_digest({"--a=1"}, "{}"), plain);
   EXPECT_NE(settings_digest({"--a=1", "--b"}, ""), plain);
+}
+
+// So that another version of the program reprocesses everything.
+TEST(Settings, CountTheProgramsVersion) {
+  const std::string version = lm::host::commands::parse_command_line({"--version"}).text;
+  const std::string number = version.substr(12, version.size() - 13);  // "lightmotion 1.2.3\n"
+  EXPECT_EQ(settings_digest({}, "{}"), digest(number + std::string(2, '\0') + "{}"));
 }
 
 TEST(OptionsForFolder, PutOutputsThereAndKeepTheRest) {

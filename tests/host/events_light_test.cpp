@@ -94,6 +94,19 @@ TEST_F(Light, NothingHappensInTheSameLight) {
   EXPECT_EQ(by_light(in_light(scene_, 1, 2), {kAll}), Flags{}) << "two grey levels are noise";
 }
 
+TEST_F(Light, ChangesByMoreThanThreeGreyLevels) {
+  see(scene_);
+  EXPECT_EQ(by_light(in_light(scene_, 1, 4), {kAll}), Flags{true});
+}
+
+// 10 and 14 of 16 columns are 0.625 and 0.875 of the frame.
+TEST_F(Light, WithoutTextureChangesOverFourFifths) {
+  const cv::Mat wall(kSize, CV_8UC3, cv::Scalar(90, 90, 90));
+  see(wall);
+  EXPECT_EQ(by_light(in_light(wall, 1, 40, {0, 0, 0.625, 1}), {kAll}), Flags{});
+  EXPECT_EQ(by_light(in_light(wall, 1, 40, {0, 0, 0.875, 1}), {kAll}), Flags{true});
+}
+
 TEST_F(Light, SmallBoxesStayMotion) {
   see(scene_);
   EXPECT_EQ(by_light(in_light(scene_, 1, 40), {{0.1, 0.1, 0.2, 0.2}}), Flags{});

@@ -146,6 +146,13 @@ TEST_F(Tracked, PeaksWhereMostOfTheFrameIsUnderBoxes) {
   EXPECT_EQ(event.largest, cv::Rect2d(0.5, 0.5, 0.5, 0.5));
 }
 
+TEST_F(Tracked, OfEqualBoxesTheFirstIsTheLargest) {
+  see(0s, {{0, 0, 0.5, 0.5}});
+  see(500ms, {{0.5, 0.5, 0.5, 0.5}});
+  tracker_.finish("");
+  EXPECT_EQ(events_.at(0).largest, cv::Rect2d(0, 0, 0.5, 0.5));
+}
+
 TEST_F(Tracked, LightIsAnEventOfItsOwn) {
   see(0s, 2s, {kBox}, {true});
   tracker_.finish("");

@@ -54,6 +54,28 @@ TEST(FrameClock, ContinuesAfterAJumpBack) {
   EXPECT_EQ(clock.next(2'100ms), 5'140ms);
 }
 
+TEST(FrameClock, TakesMoreThanASecondBackForAJump) {
+  FrameClock back(40ms);
+  back.next(0ms);
+  back.next(5s);
+  EXPECT_EQ(back.next(4s), 5'001ms) << "a second is a step back";
+  EXPECT_EQ(back.note(), "");
+  FrameClock jump(40ms);
+  jump.next(0ms);
+  jump.next(5s);
+  EXPECT_EQ(jump.next(3'999ms), 5'040ms);
+  EXPECT_NE(jump.note(), "");
+}
+
+TEST(FrameClock, NotesGapsLongerThanTheLimit) {
+  FrameClock clock(40ms, 1s);
+  clock.next(0ms);
+  clock.next(1s);
+  EXPECT_EQ(clock.note(), "");
+  clock.next(2'001ms);
+  EXPECT_EQ(clock.note(), "no frame for 1.001 s");
+}
+
 // Found by fuzzing: differences and sums of such times overflow 64 bits.
 TEST(FrameClock, IgnoresTimesAHundredYearsAway) {
   FrameClock clock(40ms);

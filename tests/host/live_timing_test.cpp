@@ -152,6 +152,12 @@ TEST(Shedding, ReportsHowManyFramesAPeriodLost) {
   EXPECT_EQ(shedding.count(true, start + 31s), "") << "a new period";
 }
 
+TEST(Shedding, RoundsThePeriod) {
+  const Shedding::Time start{};
+  EXPECT_EQ(Shedding(start).count(true, start + 30'600ms),
+            "1 of 1 frames dropped in the last 31 s, because analysis is slower than the source");
+}
+
 TEST(Shedding, ReportsNothingWhenNothingWasLost) {
   const Shedding::Time start{};
   Shedding shedding(start);

@@ -185,13 +185,15 @@ TEST(Activity, KeepsTheLargestShareOfEachSpan) {
 TEST(Activity, HasBoundedMemory) {
   Activity activity;
   activity.add(100ms, EventKind::kMotion, 0.5);
+  activity.add(200ms, EventKind::kMotion, 0.3);
   activity.add(79'900ms, EventKind::kMotion, 0.4);
   EXPECT_EQ(activity.span(), 100ms);
   activity.add(80s, EventKind::kMotion, 0.6);
   EXPECT_EQ(activity.span(), 200ms);
   const auto& shares = activity.shares(EventKind::kMotion);
   ASSERT_EQ(shares.size(), 401U);
-  EXPECT_EQ(shares[0], 0.5);
+  EXPECT_EQ(shares[0], 0.5) << "the later of two";
+  EXPECT_EQ(shares[1], 0.3) << "the earlier of two";
   EXPECT_EQ(shares[399], 0.4);
   EXPECT_EQ(shares[400], 0.6);
   activity.add(2400h, EventKind::kMotion, 0.7);

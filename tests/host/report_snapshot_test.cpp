@@ -62,6 +62,13 @@ TEST_F(Best, IsFoundAmongTheFramesBeforeTheEventWasAnnounced) {
   EXPECT_EQ(still.image.at<cv::Vec3b>(5, 5), cv::Vec3b(30, 30, 30));
 }
 
+// Of eight frames, each with less under its box than the one before, all may turn out to be the best.
+TEST_F(Best, IsFoundThoughAllFramesBeforeItWereBetter) {
+  for (const double share : {0.9, 0.8, 0.7, 0.6, 0.5, 0.4, 0.3, 0.2}) see(share);
+  best_.follow(event_at(7, 7));
+  EXPECT_EQ(best_.take(event_at(7, 7)).frame, 7);
+}
+
 TEST_F(Best, IsReplacedWhenALargerOneComes) {
   for (const double share : {0.1, 0.2}) see(share);
   best_.follow(event_at(0, 1));

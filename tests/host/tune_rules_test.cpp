@@ -100,6 +100,13 @@ TEST(TuneAssumption, FindsOneKindOfSecondWhereTheyHardlyDiffer) {
   expect_spans(calm.quiet, {span(0, 2)});
 }
 
+// Seconds are told apart where they differ by a third of the settings: here one of three.
+TEST(TuneAssumption, FindsBothKindsWhereAThirdOfTheSettingsDiffers) {
+  const Marks marks = with_assumptions({}, {seen("##--"), seen("----"), seen("----")});
+  expect_spans(marks.motion, {span(0, 1)});
+  expect_spans(marks.quiet, {span(1, 2)});
+}
+
 TEST(TuneAssumption, LeavesOutSecondsInWhichTheLightChanges) {
   const Marks marks = with_assumptions({}, {seen("--##-L##"), seen("--####--")});
   // The third second has a change of light with one of the settings; the last has half of them.

@@ -1,0 +1,62 @@
+// Interruptions of the source, and changes where nothing is watched.
+#include <gtest/gtest.h>
+
+#include "host/events/event_watch.h"
+#include "host/events/hidden_change.h"
+
+namespace {
+
+using namespace lm::host::events;
+using namespace lm::host::source;
+using namespace std::chrono_literals;
+
+// How many of two pictures' samples differ, by how much, and whether that counts.
+bool counts(int samples, int step) {
+  HiddenChange hidden(Regions(R"({"roi": [{"points": []}]})"));
+  const cv::Mat before(180, 320, CV_8UC3, cv::Scalar(100, 100, 100));
+  cv::Mat after = before.clone();
+  for (int i = 0; i < samples; ++i) after.at<cv::Vec3b>(10 * i, 20 * i) += cv::Vec3b::all(uchar(step));
+  hidden.look(before, true);
+  hidden.look(after, true);
+  return hidden.places().at(0).pictures == 1;
+}
+
+TEST(HiddenChange, CountsPicturesInWhichSixSamplesChangeByMoreThanNoise) {
+  EXPECT_TRUE(counts(6, 21));
+  EXPECT_FALSE(counts(5, 21));
+  EXPECT_FALSE(counts(6, 20));
+}
+
+struct Ends : EventListener {
+  explicit Ends(int& count) : count_(count) {}
+  void ended(const Event&) override { ++count_; }
+  void dropped(const Event&) override { ++count_; }
+
+ private:
+  int& count_;
+};
+
+// Whether a frame with a note this long after the one before ends the event. --gap is 2 s.
+bool interrupts(std::chrono::microseconds pause) {
+  const EventOptions options;
+  const SourceInfo source;
+  const std::string document = "{}";
+  EventWatch watch({options, source, document});
+  int ends = 0;
+  watch.add(std::make_unique<Ends>(ends));
+  Frame frame;
+  frame.image = cv::Mat::zeros(18, 32, CV_8UC3);
+  const std::vector<cv::Rect2d> boxes{{0.25, 0.25, 0.5, 0.5}};
+  watch.frame(frame, 0, boxes);
+  frame.time = pause;
+  frame.note = "no frame for a while";
+  watch.frame(frame, 1, boxes);
+  return ends == 1;
+}
+
+TEST(EventWatch, TakesAPauseLongerThanTheGapForAnInterruption) {
+  EXPECT_FALSE(interrupts(2s));
+  EXPECT_TRUE(interrupts(2s + 1us));
+}
+
+}  // namespace
