@@ -1,4 +1,4 @@
-// What is said about events, and when.
+// Which messages are published about events, and when.
 #include "host/outputs/mqtt/announcer.h"
 
 #include <gtest/gtest.h>
@@ -33,7 +33,7 @@ Event event(const std::string& id, std::chrono::microseconds end, EventKind kind
 // Messages as "topic=payload", events by their id.
 class AnnouncerTest : public testing::Test {
  protected:
-  Lines said() {
+  Lines published() {
     Lines lines;
     for (const Message& message : messages_) {
       const Json::Value value =
@@ -49,11 +49,11 @@ class AnnouncerTest : public testing::Test {
                        [this](Message message) { messages_.push_back(std::move(message)); }};
 };
 
-TEST_F(AnnouncerTest, SaysThatItIsThereAndThatNothingMoves) {
+TEST_F(AnnouncerTest, AnnouncesThatItIsOnlineWithoutMotion) {
   announcer_.introduce("");
-  EXPECT_EQ(said(), (Lines{"p/cam/availability=online", "p/cam/motion=OFF"}));
+  EXPECT_EQ(published(), (Lines{"p/cam/availability=online", "p/cam/motion=OFF"}));
   announcer_.leave();
-  EXPECT_EQ(said(), (Lines{"p/cam/availability=offline"}));
+  EXPECT_EQ(published(), (Lines{"p/cam/availability=offline"}));
 }
 
 TEST_F(AnnouncerTest, SendsAnEventAsTheEventsFileHasIt) {
@@ -68,12 +68,12 @@ TEST_F(AnnouncerTest, SendsAnEventAsTheEventsFileHasIt) {
   EXPECT_EQ(schemas::fault("events", {messages_[0].payload}, "event"), "");
 }
 
-TEST_F(AnnouncerTest, TellsTheLifeOfAnEvent) {
+TEST_F(AnnouncerTest, PublishesTheCourseOfAnEvent) {
   announcer_.begun(event("a", 2s));
   announcer_.changed(event("a", 3s));
   announcer_.ended(event("a", 3s));
-  EXPECT_EQ(said(), (Lines{"p/cam/event/new=a", "p/cam/motion=ON", "p/cam/event/update=a",
-                           "p/cam/event/end=a", "p/cam/motion=OFF"}));
+  EXPECT_EQ(published(), (Lines{"p/cam/event/new=a", "p/cam/motion=ON", "p/cam/event/update=a",
+                                "p/cam/event/end=a", "p/cam/motion=OFF"}));
 }
 
 TEST_F(AnnouncerTest, HasStatesRetainedAndDropsUpdatesFirst) {
@@ -85,12 +85,12 @@ TEST_F(AnnouncerTest, HasStatesRetainedAndDropsUpdatesFirst) {
   EXPECT_EQ(messages_[2].kind, MessageKind::kUpdate);
 }
 
-TEST_F(AnnouncerTest, UpdatesOnceASecondOfTheSourceAtMost) {
+TEST_F(AnnouncerTest, UpdatesAtMostOncePerSecondOfTheSource) {
   announcer_.begun(event("a", 10s));
-  said();
+  published();
   for (const auto time : {10'040ms, 10'999ms, 11'000ms, 11'900ms, 12'100ms, 13'000ms, 13'100ms})
     announcer_.changed(event("a", time));
-  // At 11.0, then a second after 11.0 or later: 12.1, then 13.1.
+  // At 11.0, then at least a second after 11.0: 12.1, then 13.1.
   ASSERT_EQ(messages_.size(), 3U);
   const auto end = [this](std::size_t i) { return parsed(messages_[i].payload)["end"].asDouble(); };
   EXPECT_DOUBLE_EQ(end(0), 11.0);
@@ -98,32 +98,32 @@ TEST_F(AnnouncerTest, UpdatesOnceASecondOfTheSourceAtMost) {
   EXPECT_DOUBLE_EQ(end(2), 13.1);
 }
 
-TEST_F(AnnouncerTest, CountsTheSecondForEachEventByItself) {
+TEST_F(AnnouncerTest, CountsTheSecondPerEvent) {
   announcer_.begun(event("a", 10s));
   announcer_.begun(event("b", 10'500ms, EventKind::kLight));
-  said();
+  published();
   announcer_.changed(event("a", 11s));
   announcer_.changed(event("b", 11s, EventKind::kLight));
-  EXPECT_EQ(said(), (Lines{"p/cam/event/update=a"}));
+  EXPECT_EQ(published(), (Lines{"p/cam/event/update=a"}));
 }
 
-TEST_F(AnnouncerTest, AChangeOfLightIsToldButIsNoMotion) {
+TEST_F(AnnouncerTest, ALightingChangeIsPublishedButIsNoMotion) {
   announcer_.begun(event("light", 1s, EventKind::kLight));
   announcer_.ended(event("light", 1s, EventKind::kLight));
-  EXPECT_EQ(said(), (Lines{"p/cam/event/new=light", "p/cam/event/end=light"}));
+  EXPECT_EQ(published(), (Lines{"p/cam/event/new=light", "p/cam/event/end=light"}));
 }
 
-TEST_F(AnnouncerTest, MotionIsOverWhenTheLastEventOfItIs) {
+TEST_F(AnnouncerTest, MotionEndsWithItsLastEvent) {
   announcer_.begun(event("a", 1s));
   announcer_.begun(event("b", 1s));
-  said();
+  published();
   announcer_.ended(event("a", 2s));
-  EXPECT_EQ(said(), (Lines{"p/cam/event/end=a"}));
+  EXPECT_EQ(published(), (Lines{"p/cam/event/end=a"}));
   announcer_.ended(event("b", 2s));
-  EXPECT_EQ(said(), (Lines{"p/cam/event/end=b", "p/cam/motion=OFF"}));
+  EXPECT_EQ(published(), (Lines{"p/cam/event/end=b", "p/cam/motion=OFF"}));
 }
 
-TEST_F(AnnouncerTest, IntroducesItselfToHomeAutomation) {
+TEST_F(AnnouncerTest, AnnouncesItselfToHomeAutomation) {
   announcer_.introduce("homeassistant");
   ASSERT_EQ(messages_.size(), 3U);
   EXPECT_EQ(messages_[0].kind, MessageKind::kRetained);

@@ -1,4 +1,4 @@
-// Events cut out of a file, or recorded from frames.
+// Clips copied from a file or recorded from frames.
 #include <gtest/gtest.h>
 #include <json/json.h>
 
@@ -56,7 +56,7 @@ std::vector<Packet> of_type(const std::vector<Packet>& all, AVMediaType type) {
   return found;
 }
 
-// Ten seconds, a key frame every two, with a tone.
+// Ten seconds with a tone, a key frame every two seconds.
 std::string with_sound(const Folder& folder, const std::string& name, const std::string& codecs) {
   const std::string file = folder / name;
   const std::string command =
@@ -89,7 +89,7 @@ TEST_P(Copied, PacketsAreThoseOfTheFileFromTheKeyFrameBeforeToTheEndWithSound) {
   const auto video = of_type(packets(clip.path()), AVMEDIA_TYPE_VIDEO);
   const auto whole = of_type(packets(file), AVMEDIA_TYPE_VIDEO);
   ASSERT_EQ(whole.size(), 250U);
-  // From the key frame at 4 s, which is number 100, to 7 s: 76 frames, and a few that others there need.
+  // From the key frame at 4 s (frame 100) to 7 s: 76 frames, and a few that other frames depend on.
   ASSERT_GE(video.size(), 76U);
   EXPECT_LE(video.size(), 80U);
   EXPECT_TRUE(video[0].key);
@@ -110,7 +110,7 @@ INSTANTIATE_TEST_SUITE_P(All, Copied,
                                          CopyCase{"Mpeg4", "a.mkv", "-c:v mpeg4 -c:a pcm_s16le", "matroska"}),
                          [](const auto& copied) { return std::string(copied.param.name); });
 
-TEST(Copied, Mp4HasItsIndexInFrontSoThatBrowsersPlayItAtOnce) {
+TEST(Copied, Mp4HasItsIndexAtTheFrontForBrowsers) {
   const Folder folder;
   clips::write(folder / "a.mkv", {64, 48}, clips::regular(20, 40ms));
   const char* container = container_for_copy(folder / "a.mkv");
@@ -122,7 +122,7 @@ TEST(Copied, Mp4HasItsIndexInFrontSoThatBrowsersPlayItAtOnce) {
   EXPECT_EQ(clips::read(clip.path()).size(), 20U);
 }
 
-TEST(Copied, NothingFromWhatIsNoFile) {
+TEST(Copied, NothingFromOtherSources) {
   const Folder folder;
   EXPECT_EQ(container_for_copy(""), nullptr);
   EXPECT_EQ(container_for_copy("rtsp://camera/1"), nullptr);
@@ -155,8 +155,8 @@ class Recorded : public testing::Test {
   SourceInfo source_;
 };
 
-// From 0.8 s, which is known at 1.2 s only, to 1.6 s: seven frames from 0.6 s and two after the end.
-TEST_F(Recorded, FromSomeTimeBeforeTheEventWasKnownToSomeTimeAfterItsEnd) {
+// From 0.8 s, announced at 1.2 s, to 1.6 s: seven frames from 0.6 s on and two after the end.
+TEST_F(Recorded, FromBeforeTheEventWasAnnouncedToAfterItsEnd) {
   ClipRecorder recorder(folder_ / "", source_, 2s);
   for (int i = 0; i < 12; ++i) see(recorder, i);
   recorder.begin(event_of(800ms, 1100ms));
@@ -170,13 +170,13 @@ TEST_F(Recorded, FromSomeTimeBeforeTheEventWasKnownToSomeTimeAfterItsEnd) {
   }
   const auto frames = clips::read(folder_ / "00h00m00.800s-motion.mp4");
   EXPECT_EQ(clips::times_of(frames), clips::regular(13, 100ms));  // 0.6, 0.7, ... 1.8 s
-  // The bright square of frame 6 begins at 12 across.
+  // The bright square of frame 6 begins at column 12.
   EXPECT_LT(frames[0].image.at<cv::Vec3b>(17, 9)[2], 150);
   EXPECT_GT(frames[0].image.at<cv::Vec3b>(17, 15)[2], 180);
 }
 
-// The event ends at 0.5 s, which is known at 0.8 s; its clip goes on to 1.5 s.
-TEST_F(Recorded, ToItsEndHoweverLongAfterTheEndOfTheEventThatIs) {
+// The event ends at 0.5 s, which is known at 0.8 s; its clip continues to 1.5 s.
+TEST_F(Recorded, ToItsEndHoweverLongAfterTheEventsEnd) {
   ClipRecorder recorder(folder_ / "", source_, 2s);
   Event event = event_of(200ms, 500ms);
   event.to = 1500ms;
@@ -203,7 +203,7 @@ TEST_F(Recorded, ToTheLastFrameWhenThatComesBeforeTheEnd) {
   EXPECT_EQ(clips::read(folder_ / "00h00m00.200s-motion.mp4").size(), 5U);
 }
 
-TEST_F(Recorded, NotLongerBackThanFramesAreKept) {
+TEST_F(Recorded, NotFurtherBackThanFramesAreKept) {
   ClipRecorder recorder(folder_ / "", source_, 300ms);
   for (int i = 0; i < 10; ++i) see(recorder, i);
   recorder.begin(event_of(100ms, 900ms));
@@ -221,7 +221,7 @@ TEST_F(Recorded, NothingOfARunThatFails) {
   EXPECT_EQ(folder_.names(), Names{});
 }
 
-// A file whose clock jumps is copied up to the jump and recorded behind it.
+// A file whose clock jumps is copied up to the jump and recorded after it.
 TEST_F(Recorded, WhereTheFilesClockJumps) {
   const std::string file = folder_ / "a.mp4";
   clips::write(file, {64, 48}, clips::regular(40, 100ms));
@@ -251,7 +251,7 @@ TEST_F(Recorded, WhereTheFilesClockJumps) {
   EXPECT_EQ(clips::read(folder / "clips/00h00m02.500s-motion.mp4").size(), 10U);
 }
 
-// The one event of these frames begins with the second of them, 40 ms in.
+// The only event of these frames begins with the second of them, 40 ms in.
 TEST(Clips, NeverReplaceTheSource) {
   const Folder folder;
   const std::string file = folder / "00h00m00.040s-motion.mp4";
@@ -274,7 +274,7 @@ TEST(Clips, OfTheBuiltInSceneAreRecorded) {
 }
 
 // The real detector: a lamp is switched on at 12 s.
-TEST(Clips, OfAChangeOfLightShowItFromBeforeToAfter) {
+TEST(Clips, OfALightingChangeShowItFromBeforeToAfter) {
   const Folder folder;
   const auto outcome = program::run(
       {"run", "-q", "-o", "/dev/null", "--clips", folder / "clips", "--events", folder / "events.json"});

@@ -1,4 +1,4 @@
-// The parts of tune that are not about choosing: documents, processes, samples, what is shown.
+// The parts of tune apart from the choice: documents, processes, samples, output.
 #include <gtest/gtest.h>
 #include <json/json.h>
 
@@ -25,7 +25,7 @@ using namespace lm::host::commands::tune;
 using namespace std::chrono_literals;
 using program::Folder;
 
-TEST(TuneEdit, ReplacesValuesWhereTheyStandAndKeepsEverythingElse) {
+TEST(TuneEdit, ReplacesValuesInPlaceAndKeepsEverythingElse) {
   const std::string text = R"({
   // the gate
   "sensitivity": "-1", /* loud */ "other": [1, {"sensitivity": "9"}],
@@ -40,14 +40,14 @@ TEST(TuneEdit, ReplacesValuesWhereTheyStandAndKeepsEverythingElse) {
 )");
 }
 
-TEST(TuneEdit, PutsMembersThatAreMissingFirst) {
+TEST(TuneEdit, InsertsMissingMembersAtTheStart) {
   EXPECT_EQ(with_members(R"({"roi": []})", {{"lcAdap", "3"}, {"minBoxH", "0.1"}}), R"({
   "lcAdap": "3",
   "minBoxH": "0.1","roi": []})");
   EXPECT_EQ(with_members("/* none */ {}", {{"lcAdap", "3"}}), "/* none */ {\n  \"lcAdap\": \"3\"\n}");
 }
 
-TEST(TuneEdit, RefusesWhatIsNoObject) {
+TEST(TuneEdit, RefusesOtherThanObjects) {
   EXPECT_THROW(with_members("[]", {}), std::invalid_argument);
   EXPECT_THROW(with_members("{", {}), std::invalid_argument);
 }
@@ -65,7 +65,7 @@ TEST(TuneSetting, HasNeighboursInsideTheRangesOnly) {
   EXPECT_EQ(neighbours({3, 3, 4}).size(), 8U);
 }
 
-TEST(TuneProcesses, ReturnWhatTheWorkReturnsInItsOrder) {
+TEST(TuneProcesses, ReturnResultsInOrder) {
   std::vector<std::size_t> done;
   const auto results = side_by_side(
       5, 2, [](std::size_t item) { return std::string(100'000 * item, static_cast<char>('a' + item)); },
@@ -76,7 +76,7 @@ TEST(TuneProcesses, ReturnWhatTheWorkReturnsInItsOrder) {
   EXPECT_EQ(done, (std::vector<std::size_t>{1, 2, 3, 4, 5}));
 }
 
-TEST(TuneProcesses, HandOnAFailureWithItsStatus) {
+TEST(TuneProcesses, PassOnAFailureWithItsStatus) {
   try {
     side_by_side(
         3, 1, [](std::size_t item) -> std::string { throw Failure(kRefused, "no " + std::to_string(item)); },
@@ -88,7 +88,7 @@ TEST(TuneProcesses, HandOnAFailureWithItsStatus) {
   }
 }
 
-TEST(TuneProcesses, TellOfADeath) {
+TEST(TuneProcesses, ReportADeath) {
   const auto die = [](std::size_t) -> std::string {
     raise(SIGKILL);
     return "";
@@ -96,7 +96,7 @@ TEST(TuneProcesses, TellOfADeath) {
   EXPECT_THROW(side_by_side(1, 1, die, [](std::size_t) {}), Failure);
 }
 
-TEST(TuneBytes, ComeBackAsTheyWere) {
+TEST(TuneBytes, AreReadBackUnchanged) {
   Seen seen;
   seen.looks = {{0, 0, 0}, {40'000, 3, 1}};
   seen.happenings = {{40'000, 80'000, EventKind::kLight}};
@@ -110,7 +110,7 @@ TEST(TuneBytes, ComeBackAsTheyWere) {
   EXPECT_EQ(back.happenings[0].kind, EventKind::kLight);
 }
 
-TEST(TuneSample, EndsWhereItIsToldTo) {
+TEST(TuneSample, EndsAtItsLength) {
   const Folder folder;
   clips::write(folder / "a.mp4", {64, 48}, clips::regular(20, 40ms));
   std::int64_t read = 0;
@@ -163,7 +163,8 @@ TEST(TuneTable, HasTheSameFiguresForPrograms) {
   EXPECT_EQ(trial["frames_with_boxes"].asInt(), 3);
 }
 
-// The chart is 760 pixels wide from 230 on, its only row 20 high from 118 on; each look lasts a quarter.
+// The chart starts at column 230 and is 760 wide; its only row starts at 118 and is 20 high; each look lasts
+// a quarter.
 TEST(TunePicture, ColoursEachLookByTheSpanThatItIsIn) {
   const cv::Mat picture = picture_of(small_outcome());
   const auto at = [&](int quarter) { return picture.at<cv::Vec3b>(118 + 10, 230 + 190 * quarter + 95); };

@@ -1,4 +1,4 @@
-// What tune counts, assumes and chooses, on figures made by hand.
+// What tune counts, assumes and chooses, on constructed figures.
 #include <gtest/gtest.h>
 
 #include "host/commands/tune/assumption.h"
@@ -14,7 +14,7 @@ using std::chrono::microseconds;
 
 TimeSpan span(int from, int to) { return {std::chrono::seconds(from), std::chrono::seconds(to)}; }
 
-// Two looks a second; '#' a box, 'L' one of a change of light, anything else none.
+// Two looks per second; '#': a box, 'L': a box of a lighting change, anything else: none.
 Seen seen(const std::string& looks) {
   Seen result;
   for (const char look : looks) {
@@ -63,17 +63,17 @@ TEST(TuneFigures, CountEventsWhoseLastFrameIsTheFirstOfASpan) {
   EXPECT_EQ(figures.quiet_events, 1U);
 }
 
-TEST(TuneFigures, TakeASpanForFoundThatHasBoxesAndAnEventOfMotion) {
+TEST(TuneFigures, CountASpanAsFoundWithBoxesAndAMotionEvent) {
   const Marks marks{.quiet = {}, .motion = {span(0, 1), span(1, 2), span(2, 3), span(3, 4)}};
   Seen all = seen("##--##--");
   Happening light = motion(2, 2.5);
   light.kind = EventKind::kLight;
   all.happenings = {motion(0, 1.5), light};
-  // The second span has no boxes of its own, the third only an event of light, the fourth nothing.
+  // The second span has no boxes, the third only a lighting event, the fourth nothing.
   EXPECT_EQ(figures_of(all, marks).found, 1U);
 }
 
-TEST(TuneAssumption, TakesTheBusiestSecondsForMotionAndTheCalmestForQuiet) {
+TEST(TuneAssumption, AssumesMotionInTheBusiestSecondsAndQuietInTheCalmest) {
   // Boxes of 4, 3, 2, 1 and 0 of four settings: a quarter of the way is one setting.
   const std::vector<Seen> all{seen("########--"), seen("######----"), seen("####------"), seen("##--------")};
   const Marks marks = with_assumptions({}, all);
@@ -83,15 +83,15 @@ TEST(TuneAssumption, TakesTheBusiestSecondsForMotionAndTheCalmestForQuiet) {
   EXPECT_TRUE(marks.motion_assumed);
 }
 
-// With noise some settings have boxes all the time, and nothing is to be learned from these.
-TEST(TuneAssumption, GoesByHowSecondsDifferAndNotByHowManySettingsHaveBoxes) {
+// With noise some settings have boxes all the time, which carries no information.
+TEST(TuneAssumption, DependsOnDifferencesBetweenSecondsNotOnAbsoluteCounts) {
   const std::vector<Seen> all{seen("------##"), seen("------##"), seen("########"), seen("########")};
   const Marks marks = with_assumptions({}, all);
   expect_spans(marks.quiet, {span(0, 3)});
   expect_spans(marks.motion, {span(3, 4)});
 }
 
-TEST(TuneAssumption, FindsOneKindOfSecondWhereTheyHardlyDiffer) {
+TEST(TuneAssumption, FindsOneKindOfSecondIfTheyHardlyDiffer) {
   const Marks busy = with_assumptions({}, {seen("####"), seen("####"), seen("####"), seen("##--")});
   expect_spans(busy.motion, {span(0, 2)});
   expect_spans(busy.quiet, {});
@@ -100,21 +100,21 @@ TEST(TuneAssumption, FindsOneKindOfSecondWhereTheyHardlyDiffer) {
   expect_spans(calm.quiet, {span(0, 2)});
 }
 
-// Seconds are told apart where they differ by a third of the settings: here one of three.
+// Seconds count as different where they differ by a third of the settings: here one of three.
 TEST(TuneAssumption, FindsBothKindsWhereAThirdOfTheSettingsDiffers) {
   const Marks marks = with_assumptions({}, {seen("##--"), seen("----"), seen("----")});
   expect_spans(marks.motion, {span(0, 1)});
   expect_spans(marks.quiet, {span(1, 2)});
 }
 
-TEST(TuneAssumption, LeavesOutSecondsInWhichTheLightChanges) {
+TEST(TuneAssumption, LeavesOutSecondsWithALightingChange) {
   const Marks marks = with_assumptions({}, {seen("--##-L##"), seen("--####--")});
-  // The third second has a change of light with one of the settings; the last has half of them.
+  // The third second has a lighting change with one of the settings; the last has half of them.
   expect_spans(marks.quiet, {span(0, 1)});
   expect_spans(marks.motion, {span(1, 2)});
 }
 
-TEST(TuneAssumption, KeepsWhatIsMarkedAndLooksForTheOtherKindElsewhere) {
+TEST(TuneAssumption, KeepsMarkedSpansAndLooksForTheOtherKindElsewhere) {
   const Marks marks = with_assumptions({.quiet = {}, .motion = {{microseconds(0), microseconds(1'500'000)}}},
                                        {seen("------##")});
   expect_spans(marks.motion, {{microseconds(0), microseconds(1'500'000)}});
@@ -125,7 +125,7 @@ TEST(TuneAssumption, KeepsWhatIsMarkedAndLooksForTheOtherKindElsewhere) {
 
 const Marks kMarks{.quiet = {span(0, 5)}, .motion = {span(5, 10), span(15, 20)}};
 
-// `motion` frames with boxes while something moves.
+// `motion`: frames with boxes in motion spans.
 Candidate candidate(const Setting& setting, std::int64_t quiet, std::size_t found, std::int64_t motion) {
   Candidate result{.setting = setting, .figures = {}};
   result.figures.quiet_frames = quiet;
@@ -138,7 +138,7 @@ TEST(TuneChoice, PutsQuietBeforeMotion) {
   EXPECT_EQ(choose({candidate({5, 3, 2}, 1, 2, 100), candidate({4, 3, 2}, 0, 1, 40)}, kMarks), 1U);
 }
 
-TEST(TuneChoice, ButNeverASettingThatFindsNothingBeforeOneThatFindsSomething) {
+TEST(TuneChoice, NeverPrefersASettingThatFindsNothing) {
   EXPECT_EQ(choose({candidate({1, 3, 6}, 0, 0, 0), candidate({4, 3, 2}, 9, 1, 40)}, kMarks), 1U);
   EXPECT_EQ(choose({candidate({1, 3, 6}, 3, 0, 0), candidate({4, 3, 2}, 2, 0, 0)}, kMarks), 1U)
       << "where none finds anything, the quietest";
@@ -148,20 +148,20 @@ TEST(TuneChoice, TakesTheMostSpansOfMotionAmongTheQuiet) {
   EXPECT_EQ(choose({candidate({1, 3, 6}, 0, 1, 90), candidate({4, 3, 2}, 0, 2, 80)}, kMarks), 1U);
 }
 
-TEST(TuneChoice, GivesUpNoMoreThanATwentiethOfTheFramesForLessSensitivity) {
+TEST(TuneChoice, LosesAtMostATwentiethOfTheFramesForLessSensitivity) {
   const Candidate best = candidate({5, 3, 2}, 0, 2, 100);
   EXPECT_EQ(choose({best, candidate({1, 3, 2}, 0, 2, 95)}, kMarks), 1U);
   EXPECT_EQ(choose({best, candidate({1, 3, 2}, 0, 2, 94)}, kMarks), 0U);
 }
 
-TEST(TuneChoice, PrefersLowSensitivityThenLargeLeastBoxesThenTheUsualAdaptation) {
+TEST(TuneChoice, PrefersLowSensitivityThenLargeMinimumBoxesThenTheDefaultAdaptation) {
   const auto equal = [](const Setting& setting) { return candidate(setting, 0, 2, 100); };
   EXPECT_EQ(choose({equal({2, 3, 6}), equal({1, 5, 0})}, kMarks), 1U);
   EXPECT_EQ(choose({equal({1, 3, 0}), equal({1, 5, 1})}, kMarks), 1U);
   EXPECT_EQ(choose({equal({1, 1, 1}), equal({1, 5, 1}), equal({1, 3, 1})}, kMarks), 2U);
 }
 
-TEST(TuneChoice, IsTheMostSensitiveQuietSettingWhereNoMotionIsKnown) {
+TEST(TuneChoice, IsTheMostSensitiveQuietSettingWithoutKnownMotion) {
   const Marks marks{.quiet = {span(0, 5)}, .motion = {}};
   EXPECT_EQ(choose({candidate({5, 3, 0}, 1, 0, 0), candidate({3, 3, 0}, 0, 0, 0),
                     candidate({4, 3, 3}, 0, 0, 0), candidate({4, 3, 1}, 0, 0, 0)},
@@ -169,14 +169,14 @@ TEST(TuneChoice, IsTheMostSensitiveQuietSettingWhereNoMotionIsKnown) {
             3U);
 }
 
-TEST(TuneWhy, TellsWhatWasReached) {
+TEST(TuneWhy, StatesWhatWasReached) {
   const std::string text = why({candidate({2, 3, 2}, 0, 2, 80)}, 0, kMarks);
   EXPECT_NE(text.find("no boxes in the quiet spans"), std::string::npos) << text;
   EXPECT_NE(text.find("finds 2 of 2 motion spans, with boxes in 80 of their frames"), std::string::npos)
       << text;
 }
 
-TEST(TuneWhy, TellsWhatQuietCosts) {
+TEST(TuneWhy, StatesTheCostOfQuiet) {
   const std::vector<Candidate> all{candidate({2, 3, 2}, 0, 1, 40), candidate({4, 3, 2}, 7, 2, 80),
                                    candidate({5, 3, 2}, 9, 2, 90)};
   const std::string text = why(all, 0, kMarks);
@@ -185,12 +185,12 @@ TEST(TuneWhy, TellsWhatQuietCosts) {
       << text;
 }
 
-TEST(TuneWhy, SaysWhenThereIsNothingToChooseBy) {
+TEST(TuneWhy, ReportsThatThereIsNoBasisForAChoice) {
   EXPECT_NE(why({candidate({2, 3, 2}, 0, 0, 0)}, 0, Marks{}).find("--quiet and --motion"), std::string::npos);
 }
 
-// A plug-in whose boxes come from noise at sensitivities above 2, and that finds what moves as long as the
-// least box is no larger than the fifth.
+// A simulated plug-in: boxes from noise at sensitivities above 2; finds motion if the minimum box size is at
+// most the fifth.
 Seen imagined(const Setting& setting) {
   const char noise = setting.sensitivity > 2 ? '#' : '-';
   const char moving = setting.min_box <= 4 || noise == '#' ? '#' : '-';
@@ -199,8 +199,8 @@ Seen imagined(const Setting& setting) {
   return result;
 }
 
-// From small least boxes, two steps away.
-TEST(TuneSearch, GoesOnFromStepToStepWhileThingsGetBetter) {
+// From small minimum boxes, two steps away.
+TEST(TuneSearch, ContinuesStepByStepWhileResultsImprove) {
   Outcome outcome;
   search(outcome, [](const std::vector<Setting>& settings) {
     std::vector<Seen> all;
@@ -211,7 +211,7 @@ TEST(TuneSearch, GoesOnFromStepToStepWhileThingsGetBetter) {
   EXPECT_EQ(outcome.trials[outcome.chosen].setting, (Setting{1, 3, 2}));
 }
 
-TEST(TuneSearch, ComesFromTheCoarseGridToTheBestSettingInBetween) {
+TEST(TuneSearch, FindsTheBestSettingBetweenPointsOfTheCoarseGrid) {
   Outcome outcome;
   std::size_t tried = 0;
   search(outcome, [&](const std::vector<Setting>& settings) {
