@@ -143,7 +143,7 @@ class kAMBLE {
   bool ghostSuppression = true;      // foreground that stays still is absorbed
   bool skipFrame = false;            // skip classification and update of this frame; nothing sets it
   std::int32_t frmChn = 0;           // bytes per pixel of the last frame seen
-  std::int32_t diffChn = 0;          // channel counter of the difference images, 0 <= diffChn < frmChn
+  std::int32_t diffChn = 0;          // channel of the next difference images; 0 is compared where not 0 to 2
   std::int32_t numPixel = 0;         // W * H of the first frame
   std::int32_t szImgX = 0;           // frame width, pixels
   std::int32_t szImgY = 0;           // frame height, pixels

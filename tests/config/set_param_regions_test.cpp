@@ -186,6 +186,16 @@ TEST_F(RegionMasks, ASecondCallForALargerFrameIsSafe) {
   releaseMasks(dropped);
 }
 
+TEST_F(RegionMasks, AnEngineThatLearnedAFrameFirstIsConfiguredForALargerOne) {
+  const Capture err(stderr);
+  const Bytes frame(32, 50);
+  ASSERT_TRUE(engine_.learnBg_ncv(frame.data(), 8, 4, 1));
+  include_ = {area("all", 0, 0, 100, 100)};
+  set({"frmW 20", "frmH 10"});
+  const Rows expected(10, std::string(20, '1'));
+  EXPECT_EQ(usable(expected), picture(expected));
+}
+
 TEST_F(RegionMasks, ABadValueLeavesTheRegionsCopiedAndTheUsableMaskNotRebuilt) {
   include_ = {area("left", 0, 0, 3, 3)};
   set(frame8x4);

@@ -71,6 +71,16 @@ TEST(EngineBuffers, RegionMaskThatExistsSurvives) {
   EXPECT_EQ(drawing(engine.roiMask, 3, 3), picture({"1.1"}));
 }
 
+TEST(EngineBuffers, PlanesThatTheCallerMadeBeforeSurvive) {
+  UnsizedEngine engine(3, 1, 1);
+  put(engine.fgMask, Bytes{255, 0, 255});
+  put(engine.prevFgMask, Bytes{0, 255, 255});
+  ASSERT_TRUE(engine.initBuffer_ncv());
+  EXPECT_EQ(drawing(engine.fgMask, 3, 3), picture({"#.#"}));
+  ASSERT_NE(engine.prevFgMask, nullptr);
+  EXPECT_EQ(drawing(engine.prevFgMask, 3, 3), picture({".##"}));
+}
+
 TEST(EngineBuffers, SetUpLeavesTheBuffersOfLaterStepsNull) {
   UnsizedEngine engine(7, 5, 3);
   ASSERT_TRUE(engine.initBuffer_ncv());

@@ -141,6 +141,37 @@ TEST(Difference, MissingMaskStaysMissingBesideAnExistingPreviousMask) {
   EXPECT_EQ(engine.fgMask, nullptr);
 }
 
+TEST(Difference, OfALargerSizeThanTheEngineWasMadeForIsNotTaken) {
+  ChannelEngine engine(3);
+  engine.szImgX = 20;
+  engine.szImgY = 10;
+  EXPECT_FALSE(engine.heuristic_ncv());
+  EXPECT_EQ(engine.rdDiff, nullptr);
+  EXPECT_EQ(engine.diffChn, 0);
+}
+
+TEST(Difference, OfASmallerSizeLeavesTheOtherPixelsAlone) {
+  ChannelEngine engine(3);
+  engine.szImgX = 1;
+  engine.heuristic_ncv();
+  EXPECT_EQ(engine.rdDiff[0], 10);
+  EXPECT_EQ(engine.rdDiff[1], 0);
+  EXPECT_EQ(engine.illumDiff[0], 1);
+  EXPECT_EQ(engine.illumDiff[1], 0);
+  EXPECT_EQ(engine.prevFgMask[1], 1) << "made for all pixels of the model";
+}
+
+// The byte before the first pixel is outside the plane.
+TEST(Difference, NegativeChannelCounterStandsForTheFirstChannel) {
+  ChannelEngine engine(3);
+  engine.diffChn = -2;
+  for (const int next : {-1, 0, 1, 2}) {
+    engine.heuristic_ncv();
+    EXPECT_EQ(engine.rdDiff[0], next == 2 ? 20 : 10);
+    EXPECT_EQ(engine.diffChn, next);
+  }
+}
+
 TEST(Difference, SkippingIsCleared) {
   ChannelEngine engine(1);
   engine.skipFrame = true;

@@ -99,6 +99,24 @@ TEST(Channels, ValidFrameAfterARefusedOneProceeds) {
   EXPECT_EQ(engine.drawn(engine.fgMask), picture({"####", "####", "####"}));
 }
 
+// The planes have no room for five channels, and the model has no samples of two.
+TEST(Channels, SingleOperationsAfterARefusedFrameDoNothing) {
+  for (const int channels : {2, 5}) {
+    Camera engine;
+    engine.learnPlain(50, 3);
+    engine.learnPlain(50, 3);
+    EXPECT_FALSE(engine.learnPlain(200, channels));
+    EXPECT_FALSE(engine.heuristic_ncv());
+    EXPECT_EQ(engine.rdDiff[0], 0) << channels << " channels: nothing was compared";
+    EXPECT_FALSE(engine.recogFg_ncv());
+    EXPECT_FALSE(engine.updateModel_ncv());
+    EXPECT_FALSE(engine.initModel_ncv());
+    EXPECT_EQ(engine.drawn(engine.fgMask), picture({"....", "....", "...."}));
+    EXPECT_EQ(engine.bgImg[0], 50);
+    EXPECT_EQ(engine.bgModel[0].samples[0][0], 50);
+  }
+}
+
 // ---- sizes that change --------------------------------------------------------------------------
 
 TEST(ChangedSize, FrameThatNeedsMoreRoomIsRefused) {

@@ -52,7 +52,7 @@ void Model::difference() {
 }
 
 void Model::differenceInTurn(std::size_t n) {
-  const int channel = diffChn < 3 ? diffChn : 0;
+  const int channel = diffChn < 0 || diffChn > 2 ? 0 : diffChn;
   mark(diffChn < 3 ? Branch::differenceOnTurn : Branch::differenceFourthTurn);
   ++diffChn;
   if (diffChn >= frmChn) {

@@ -74,5 +74,20 @@ TEST_F(SecondInit, OfNarrowerFramesComparesLightTwoRowsOfTheFirstFrameAhead) {
   EXPECT_EQ(detector_.engine->bgImg[1050], 58);
 }
 
+// A refused configuration leaves the frame size, so that a host that goes on has frames learned.
+TEST(RefusedInit, AndFramesAfterItAreFollowedByAConfigurationOfLargerFrames) {
+  const Capture out(stdout);
+  const Capture err(stderr);
+  lightMotion detector;
+  ASSERT_FALSE(detector.init(documentFor({10, 4, 1}, "", "").c_str()));
+  const Bytes frame(40, 50);
+  int length = -1;
+  detector.frameProc(frame.data(), "1000", &length);
+  ASSERT_EQ(detector.engine->frmCount, 1);
+  ASSERT_TRUE(detector.init(documentFor({100, 40, 1}).c_str()));
+  const std::uint8_t* const mask = detector.engine->roiMask;
+  EXPECT_EQ(std::count(mask, mask + 4000, 1), 4000);
+}
+
 }  // namespace
 }  // namespace lm::test

@@ -33,7 +33,7 @@ constexpr Field fields[] = {
     FIELD(autoSensitivity, 0, 1),
     FIELD(skipFrame, 0, 1),
     FIELD(frmChn, 1, 5),
-    FIELD(diffChn, 0, 3),
+    FIELD(diffChn, -2, 3),
     FIELD(thrMatch, -1, 60),
     FIELD(minMatchNum, 1, 20),
     FIELD(minMatchNum, 1, 3),
