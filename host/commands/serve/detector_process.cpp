@@ -133,9 +133,10 @@ DetectorProcess::Answer DetectorProcess::ask(const std::string& text, const unsi
 void DetectorProcess::fail(bool too_late) {
   if (stop_.stop_requested()) throw base::Failure(base::kTrouble, "stopped");
   const int status = end();
-  if (too_late)
+  if (too_late) {
     throw base::Failure(base::kTrouble,
                         "no answer from the detector for " + base::seconds_text(kind_.patience) + " s");
+  }
   throw base::Failure(base::kTrouble, "the detector failed: " + base::cause_of("", status, ""));
 }
 
