@@ -129,9 +129,10 @@ void VideoWriter::encode(const AVFrame* picture) {
 }
 
 void VideoWriter::check(int result) const {
-  if (result < 0)
+  if (result < 0) {
     throw base::Failure(base::kTrouble,
                         shown_name_ + " cannot be written: " + source::av::error_text(result));
+  }
 }
 
 }  // namespace lm::host::outputs

@@ -98,9 +98,10 @@ std::string why(const std::vector<Candidate>& all, std::size_t chosen, const Mar
   const Figures& figures = all[chosen].figures;
   std::string text = quiet_text(figures, marks);
   text += ' ' + motion_text(figures, marks) + alternative_text(all, figures);
-  if (figures.found > 0)
+  if (figures.found > 0) {
     text +=
         " Of the settings with equal results, it is the least sensitive with the largest minimum box size.";
+  }
   return text;
 }
 

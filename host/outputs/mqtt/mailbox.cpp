@@ -14,9 +14,10 @@ namespace lm::host::outputs::mqtt {
 using Lock = std::lock_guard<std::mutex>;
 
 Mailbox::Mailbox(std::size_t capacity) : wake_(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)), outbox_(capacity) {
-  if (wake_ < 0)
+  if (wake_ < 0) {
     throw base::Failure(base::kTrouble,
                         "MQTT: cannot create eventfd: " + std::generic_category().message(errno));
+  }
 }
 
 Mailbox::~Mailbox() { ::close(wake_); }

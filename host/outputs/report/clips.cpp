@@ -49,9 +49,10 @@ void Clips::spare_source(const events::Event& event) const {
   for (const char* ending : {".mp4", ".mkv"}) {
     const std::string name = folder_ + "/" + event_stem(event) + ending;
     std::error_code ignored;
-    if (std::filesystem::equivalent(name, file_, ignored))
+    if (std::filesystem::equivalent(name, file_, ignored)) {
       throw base::Failure(base::kTrouble,
                           name + " would overwrite the source; choose another folder for --clips");
+    }
   }
 }
 
