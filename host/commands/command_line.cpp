@@ -48,7 +48,7 @@ std::string replaced(std::string text, const std::string& from, const std::strin
 }
 
 std::string cause(const CLI::App& app, const CLI::ParseError& error) {
-  const std::string text = error.what();
+  std::string text = error.what();
   if (dynamic_cast<const CLI::ExcludesError*>(&error) != nullptr)
     return replaced(text, " excludes ", " cannot be combined with ");
   if (dynamic_cast<const CLI::ArgumentMismatch*>(&error) != nullptr)

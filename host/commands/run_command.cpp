@@ -41,7 +41,7 @@ void add_run_request(CLI::App& command, RunRequest& request) {
 }
 
 std::string complete(const CLI::App& command, RunRequest& request) {
-  const std::string fault = archive::complete_archive_options(command, request.archive);
+  std::string fault = archive::complete_archive_options(command, request.archive);
   if (!fault.empty()) return fault;
   const std::vector<std::string>& sources = request.archive.sources;
   if (request.archive.out.empty() && !sources.empty()) request.run.source = sources.front();
