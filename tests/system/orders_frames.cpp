@@ -33,7 +33,8 @@ Shape nextShape(const Pair& pair, Dice& dice) {
 std::string learn(Pair& pair, Dice& dice, std::string& call) {
   const Shot frame = shot(pair, dice, nextShape(pair, dice));
   call = "learnBg_ncv(" + frame.text() + ")";
-  const auto [w, h] = frame.shape;
+  const int w = frame.shape.width;
+  const int h = frame.shape.height;
   const bool sizes = pair.model().frmCount == 0;
   const std::string difference = callBoth(
       dice.below(1000), [&] { return pair.engine().learnBg_ncv(frame.data(), w, h, frame.channels); },
@@ -45,7 +46,8 @@ std::string learn(Pair& pair, Dice& dice, std::string& call) {
 std::string preprocess(Pair& pair, Dice& dice, std::string& call) {
   const Shot frame = shot(pair, dice, nextShape(pair, dice));
   call = "preprocess_ncv(" + frame.text() + ")";
-  const auto [w, h] = frame.shape;
+  const int w = frame.shape.width;
+  const int h = frame.shape.height;
   return callBoth(
       0, [&] { return pair.engine().preprocess_ncv(frame.data(), w, h, frame.channels); },
       [&] { return pair.model().preprocess(frame.data(), w, h, frame.channels); });
