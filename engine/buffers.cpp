@@ -98,11 +98,23 @@ void releasePlanes(kAMBLE& engine) {
 
 }  // namespace
 
+void lm::takeSize(kAMBLE& engine, std::int32_t width, std::int32_t height) {
+  engine.szImgX = width;
+  engine.szImgY = height;
+  engine.numPixel = wrapMul(width, height);
+  std::fprintf(stderr, "W, H, Pixels = %d, %d, %d\n", width, height, engine.numPixel);
+}
+
+void lm::deriveLimits(kAMBLE& engine) {
+  const auto width = static_cast<float>(engine.szImgX);
+  const auto height = static_cast<float>(engine.szImgY);
+  engine.thrConnect = 0.03125F * (engine.szImgX > engine.szImgY ? width : height);
+  engine.minObjWPxl = toInt32(width * engine.minObjW);
+  engine.minObjHPxl = toInt32(height * engine.minObjH);
+}
+
 bool kAMBLE::initialization_ncv(int w, int h) {
-  szImgX = w;
-  szImgY = h;
-  numPixel = lm::wrapMul(w, h);
-  std::fprintf(stderr, "W, H, Pixels = %d, %d, %d\n", w, h, numPixel);
+  lm::takeSize(*this, w, h);
   return initBuffer_ncv() && lm::holdsFrames(*this) && initModel_ncv();
 }
 
@@ -139,9 +151,7 @@ bool kAMBLE::initBuffer_ncv() {
   made &= lm::makeOnce(bgImg, bytes);
   lm::stateOf(*this).bgImg = {bgImg, lm::countOf(bytes)};
 
-  thrConnect = 0.03125F * static_cast<float>(szImgX > szImgY ? szImgX : szImgY);
-  minObjWPxl = lm::toInt32(static_cast<float>(szImgX) * minObjW);
-  minObjHPxl = lm::toInt32(static_cast<float>(szImgY) * minObjH);
+  lm::deriveLimits(*this);
   return made;
 }
 
@@ -150,6 +160,13 @@ bool lm::makeRoiMask(kAMBLE& engine, std::int32_t count) {
   if (!makeOnce(engine.roiMask, count)) return false;
   stateOf(engine).roiMask = {engine.roiMask, countOf(count)};
   return true;
+}
+
+void lm::releaseRegionMasks(kAMBLE& engine) {
+  release(engine.roiMask);
+  for (std::vector<polygon>* regions : {&engine.roiInclude, &engine.roiExclude}) {
+    for (polygon& region : *regions) releaseArray(region.mask);
+  }
 }
 
 void lm::releaseModel(kAMBLE& engine) {

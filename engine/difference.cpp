@@ -8,18 +8,18 @@
 #include "engine/ranges.h"
 #include "simd/model_kernels.h"
 
-namespace {
+// The fourth channel is never compared: its turn uses channel 0 again, as does a counter that a host set
+// below 0.
+int lm::comparedChannel(const kAMBLE& engine) {
+  return engine.diffChn >= 0 && engine.diffChn < 3 ? engine.diffChn : 0;
+}
 
-// Channel of this frame's differences; advances the counter. The fourth channel is never compared: its turn
-// uses channel 0 again, as does a counter that a host set below 0.
-int takeChannel(kAMBLE& engine) {
-  const int channel = engine.diffChn >= 0 && engine.diffChn < 3 ? engine.diffChn : 0;
-  const std::int32_t next = lm::wrapAdd(engine.diffChn, 1);
+int lm::takeChannel(kAMBLE& engine) {
+  const int channel = comparedChannel(engine);
+  const std::int32_t next = wrapAdd(engine.diffChn, 1);
   engine.diffChn = next < engine.frmChn ? next : 0;
   return channel;
 }
-
-}  // namespace
 
 int lm::prepareDifferences(kAMBLE& engine) {
   engine.skipFrame = false;

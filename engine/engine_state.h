@@ -49,9 +49,17 @@ bool hasModel(const kAMBLE& engine);
 // numPixel pixels of so many bytes. (pipeline.cpp)
 bool holdsFrames(const kAMBLE& engine);
 
+// Stores the size of a first frame and writes it to standard error; derives the limits that are in pixels.
+// (buffers.cpp)
+void takeSize(kAMBLE& engine, std::int32_t width, std::int32_t height);
+void deriveLimits(kAMBLE& engine);
+
 // Makes roiMask for `count` pixels if it is missing and records its size. Returns whether there is one.
 // (buffers.cpp)
 bool makeRoiMask(kAMBLE& engine, std::int32_t count);
+
+// Releases roiMask and the masks of all regions. (buffers.cpp)
+void releaseRegionMasks(kAMBLE& engine);
 
 // Releases what initBuffer_ncv would otherwise replace without freeing it. (buffers.cpp)
 void releaseModel(kAMBLE& engine);

@@ -51,13 +51,17 @@ lm::ClassifyPlanes planesOf(const kAMBLE& engine) {
           .fgLife = engine.fgLife,
           .unchanged = engine.thrHeuris,
           .accountLife = engine.ghostSuppression,
-          .life = {.limit = static_cast<float>(engine.lifeStaticFrm),
-                   .absorbed = lm::absorbedLife(engine.lifeStaticFrm),
-                   .band2 = THRESH_SAME_PIXEL_x2,
-                   .band3 = THRESH_SAME_PIXEL_x3}};
+          .life = lm::lifeRule(engine)};
 }
 
 }  // namespace
+
+lm::LifeRule lm::lifeRule(const kAMBLE& engine) {
+  return {.limit = static_cast<float>(engine.lifeStaticFrm),
+          .absorbed = absorbedLife(engine.lifeStaticFrm),
+          .band2 = THRESH_SAME_PIXEL_x2,
+          .band3 = THRESH_SAME_PIXEL_x3};
+}
 
 void lm::classifyRange(kAMBLE& engine, const std::uint8_t* frame, std::size_t begin, std::size_t end) {
   assert(begin <= end && end <= engine.bgModel.size());

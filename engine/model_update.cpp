@@ -18,8 +18,6 @@
 
 namespace {
 
-constexpr float globalChangeRatio =
-    0.15F;  // share of changed background from which a change counts as global
 constexpr std::uint32_t refreshCycle = 16;  // a qualifying pixel is refreshed once in so many frames
 constexpr std::uint32_t refreshTurn = 1;    // position in the cycle at which it is
 constexpr std::int32_t refreshRest = 15;    // frames that it then rests
@@ -124,7 +122,7 @@ bool neighbourChanged(kAMBLE& engine, const int* distances, std::size_t pixel) {
 
 // A lighting change over much of the scene is followed at once, a local one only together with a neighbour.
 void sortPixels(kAMBLE& engine, const lm::NeighbourDistances& neighbours, Batch& batch) {
-  const bool everywhere = !(engine.illumRatio < globalChangeRatio);
+  const bool everywhere = lm::isGlobalChange(engine.illumRatio);
   for (std::size_t i = 0; i < batch.size; ++i) {
     const std::size_t begin = batch.blocks[i].begin;
     const lm::UpdateWork& work = batch.blocks[i].work;

@@ -10,9 +10,7 @@
 #include "simd/model_kernels.h"
 
 namespace lm {
-namespace {
 
-// A pixel near the frame's border.
 void fillAtBorder(int* entries, std::int32_t numEntries, const std::vector<pnt>& offsets,
                   const FrameShape& shape, std::int32_t x, std::int32_t y) {
   for (std::int32_t k = 0; k < numEntries; ++k) {
@@ -23,8 +21,6 @@ void fillAtBorder(int* entries, std::int32_t numEntries, const std::vector<pnt>&
     while (entries[k] == -1) entries[k] = entries[std::rand() % numEntries];
   }
 }
-
-}  // namespace
 
 std::vector<pnt> neighbourOffsets() {
   std::vector<pnt> offsets;

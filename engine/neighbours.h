@@ -33,6 +33,10 @@ struct FrameShape {
 void fillNeighbours(const std::vector<int*>& arrays, std::int32_t numEntries, const std::vector<pnt>& offsets,
                     const FrameShape& shape);
 
+// Fills the array of one pixel near the border, at (x, y), in the same way.
+void fillAtBorder(int* entries, std::int32_t numEntries, const std::vector<pnt>& offsets,
+                  const FrameShape& shape, std::int32_t x, std::int32_t y);
+
 // Index offsets of the neighbours of an interior pixel: the same for all of them.
 std::vector<int> neighbourDistances(const std::vector<pnt>& offsets, std::int32_t numEntries,
                                     const FrameShape& shape);

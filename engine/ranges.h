@@ -6,6 +6,8 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "simd/model_kernels.h"
+
 class kAMBLE;
 
 namespace lm {
@@ -22,9 +24,16 @@ struct LightCount {
 // The channel when there is no previous frame.
 inline constexpr int noDifference = -1;
 
+// Channel of the next differences; takeChannel advances the counter as well. (difference.cpp)
+int comparedChannel(const kAMBLE& engine);
+int takeChannel(kAMBLE& engine);
+
 // Makes the planes of the differences that are missing; returns the channel to compare, or noDifference.
 // (difference.cpp)
 int prepareDifferences(kAMBLE& engine);
+
+// How still foreground is absorbed. (model_classify.cpp)
+LifeRule lifeRule(const kAMBLE& engine);
 
 // Whether the planes that classification and update need exist. (model_classify.cpp, model_update.cpp)
 bool canClassify(const kAMBLE& engine);

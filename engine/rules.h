@@ -48,6 +48,11 @@ constexpr float absorbedLife(std::int32_t lifeStaticFrm) {
   return static_cast<float>(wrapAdd(lifeStaticFrm, 1));
 }
 
+// ---- light ------------------------------------------------------------------------------------------------
+
+// Whether a share of background whose light changed counts as a change of the whole scene.
+constexpr bool isGlobalChange(float ratio) { return !(ratio < 0.15F); }
+
 // ---- frame rate -------------------------------------------------------------------------------------------
 
 inline constexpr double minRate = 3.0;

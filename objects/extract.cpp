@@ -4,6 +4,7 @@
 #include "base/aligned.h"
 #include "base/integers.h"
 #include "engine/kamble.h"
+#include "objects/extract.h"
 #include "objects/join.h"
 #include "objects/region_names.h"
 #include "objects/scratch.h"
@@ -52,20 +53,6 @@ bool makeLabels(kAMBLE& engine) {
   return true;
 }
 
-std::vector<boxRect> boxesOf(const kAMBLE& engine, const std::vector<lm::SpannedComponent>& components,
-                             lm::SmallComponents& small) {
-  std::vector<boxRect> boxes;
-  for (const lm::SpannedComponent& spanned : components) {
-    if (spanned.component.count >= engine.thrCcPxl2) {
-      boxes.push_back(lm::boxBetween(spanned.left - 1, spanned.top - 1, spanned.right + 1, spanned.bottom + 1,
-                                     engine.szImgX, engine.szImgY));
-    } else if (engine.autoSensitivity) {
-      small.add(spanned.component.first % engine.szImgX, spanned.top);
-    }
-  }
-  return boxes;
-}
-
 // The same where the sides of the frame were configured anew since the neighbour table was made: the table
 // says which pixels are neighbours, the sides say where they lie.
 std::vector<boxRect> turnedBoxesOf(kAMBLE& engine, const std::uint8_t* mask, lm::SmallComponents& small) {
@@ -90,6 +77,35 @@ std::vector<boxRect> turnedBoxesOf(kAMBLE& engine, const std::uint8_t* mask, lm:
 
 }  // namespace
 
+std::vector<boxRect> lm::boxesOf(const kAMBLE& engine, const std::vector<SpannedComponent>& components,
+                                 SmallComponents& small) {
+  std::vector<boxRect> boxes;
+  for (const SpannedComponent& spanned : components) {
+    if (spanned.component.count >= engine.thrCcPxl2) {
+      boxes.push_back(boxBetween(spanned.left - 1, spanned.top - 1, spanned.right + 1, spanned.bottom + 1,
+                                 engine.szImgX, engine.szImgY));
+    } else if (engine.autoSensitivity) {
+      small.add(spanned.component.first % engine.szImgX, spanned.top);
+    }
+  }
+  return boxes;
+}
+
+void lm::joinBoxes(const kAMBLE& engine, std::vector<boxRect>& boxes) {
+  joinNear(boxes, engine.thrConnect);
+  dropSmall(boxes, engine.minObjWPxl, engine.minObjHPxl);
+  joinOverlapping(boxes);
+}
+
+void lm::finishBoxes(kAMBLE& engine, std::vector<boxRect>& boxes, SmallComponents& small) {
+  toFractions(boxes, engine.szImgX, engine.szImgY);
+  if (!engine.autoSensitivity) return;
+  const ComponentMinimum adapted = adaptMinimum({engine.thrCcPxl2, engine.holdCcPxl}, engine.thrCcPxl,
+                                                !boxes.empty(), small, engine.szImgX);
+  engine.thrCcPxl2 = adapted.working;
+  engine.holdCcPxl = adapted.hold;
+}
+
 std::vector<boxRect> kAMBLE::genFgObj_ncv(unsigned char* mask) {
   if (mask == nullptr || !isSized(*this)) return {};
   cleanMask(*this, mask);
@@ -98,21 +114,11 @@ std::vector<boxRect> kAMBLE::genFgObj_ncv(unsigned char* mask) {
   lm::SmallComponents small;
   lm::ObjectScratch& scratch = lm::scratchOf(*this);
   std::vector<boxRect> boxes = lm::stateOf(*this).nbrWidth == szImgX
-                                   ? boxesOf(*this, scratch.labels.label(mask, scratch.mask), small)
+                                   ? lm::boxesOf(*this, scratch.labels.label(mask, scratch.mask), small)
                                    : turnedBoxesOf(*this, mask, small);
-  lm::joinNear(boxes, thrConnect);
-  lm::dropSmall(boxes, minObjWPxl, minObjHPxl);
-  lm::joinOverlapping(boxes);
-
+  lm::joinBoxes(*this, boxes);
   // Kept: names are looked up where the mask holds 255, and by now foreground is 1, so none are found.
   addRoiName2Obj(boxes, roiInclude, mask, szImgX, szImgY);
-  lm::toFractions(boxes, szImgX, szImgY);
-
-  if (autoSensitivity) {
-    const lm::ComponentMinimum adapted =
-        lm::adaptMinimum({thrCcPxl2, holdCcPxl}, thrCcPxl, !boxes.empty(), small, szImgX);
-    thrCcPxl2 = adapted.working;
-    holdCcPxl = adapted.hold;
-  }
+  lm::finishBoxes(*this, boxes, small);
   return boxes;
 }

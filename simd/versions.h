@@ -124,6 +124,9 @@ constexpr const Version<Function>& versionFor(int level, const Version<Function>
   return *chosen;
 }
 
+// Pixels of a block that the region pruning of a processor of `level` leaves as they are.
+constexpr int pruneBlock(int level) { return level >= simd::level::avx2 ? 32 : 16; }
+
 // The name of the version that `function` is; "?" if it is none of them.
 template <class Function, std::size_t count>
 constexpr const char* nameOf(Function* function, const Version<Function> (&versions)[count]) {

@@ -16,7 +16,8 @@ MAY_INCLUDE = {
     "engine": ["base", "simd", *RECORDS],
     "objects": ["base", "simd", "engine", *RECORDS],
     "config": ["base", "simd/samples.h", "engine", *RECORDS],
-    "plugin": ["base", "engine", "objects", "config"],
+    "compact": ["base", "simd", "engine", "objects"],
+    "plugin": ["base", "engine", "objects", "config", "compact"],
     # The program: it drives the library by its entry points, and `check` reads the tables of its configuration.
     "host/base": [],
     "host/source": ["host/base"],
