@@ -1,0 +1,39 @@
+// The open engine and the compact one side by side, configured alike and given the same frames.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "compact/engine.h"
+#include "engine/kamble.h"
+
+class Pair {
+ public:
+  // `level`: of the processor, for the compact engine.
+  Pair(const lm::compact::Shape& shape, std::vector<std::string> entries, std::vector<polygon> include,
+       std::vector<polygon> exclude, int level);
+
+  // Whether the compact engine takes this configuration.
+  bool suits() const { return suits_; }
+
+  // Gives both a frame; what differs afterwards, or "". The frame is passed in memory of its exact size.
+  std::string feed(const std::vector<std::uint8_t>& pixels, const std::string& timestamp);
+
+  std::size_t boxes() const { return boxes_.size(); }
+
+ private:
+  std::string compareMasks() const;
+  std::string compareState() const;
+
+  lm::compact::Shape shape_;
+  kAMBLE open_;
+  kAMBLE settings_;
+  lm::compact::Engine compact_;
+  std::vector<boxRect> boxes_;
+  int frames_ = 0;
+  bool suits_ = false;
+};
+
+// The levels of this processor for which the kernels differ.
+std::vector<int> levels();
