@@ -36,12 +36,12 @@ struct PlaneKind {
   void (*write)(Pair&, const Span&, int step);
 };
 
-#define PLANE(name, low, high, step)                                                         \
-  {                                                                                          \
-#name, low, high, step, [](const plain::Model& model) { return model.name.size(); },       \
-        [](Pair& pair, const Span& span, int by) {                                       \
-          fill(pair.engine().name, span, by);                                               \
-          fill(pair.model().name.data(), span, by);                                         \
+#define PLANE(name, low, high, step)                                                           \
+  {                                                                                            \
+#name, low, high, step, [](const plain::Model& model) { return model.name.size(); },         \
+        [](Pair& pair, const Span& span, int by) {                                           \
+          fill(pair.engine().name, span, by);                                                \
+          fill(pair.model().name.data(), span, by);                                          \
         } \
   }
 
