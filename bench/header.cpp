@@ -28,7 +28,7 @@ void print_header(const std::string& commit, const std::string& yardstick_commit
   line("settings", "sensitivity 3, the whole frame in the region");
   line("peers", peer_settings());
   line("method",
-       "one thread; candidates take turns frame by frame in one process, who is first changes; medians after "
+       "one thread; candidates take turns frame by frame in one process, in rotating order; medians after "
        "16 frames of warm-up");
 }
 

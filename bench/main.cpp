@@ -29,19 +29,21 @@ struct Options {
 };
 
 void describe(CLI::App& app, Options& options) {
-  app.add_option("--scenes", options.scenes, "of quiet, street, busy, lights, storm")
+  app.add_option("--scenes", options.scenes, "quiet, street, busy, lights, storm (default: all)")
       ->delimiter(',')
       ->check(CLI::IsMember(scene_names()));
   app.add_option("--sizes", options.sizes, "such as 1920x1080")->delimiter(',');
-  app.add_option("--sections", options.sections, "of memory, frames, first_frame, regions, stages, objects")
+  app.add_option("--sections", options.sections,
+                 "memory, frames, first_frame, regions, stages, objects (default: all)")
       ->delimiter(',')
       ->check(CLI::IsMember(options.sections));
-  app.add_option("--frames", options.frames, "timed frames for each row, instead of what suits the size")
+  app.add_option("--frames", options.frames, "timed frames per row (default: depends on the size)")
       ->check(CLI::PositiveNumber);
-  app.add_option("--plugin", options.libraries.plugin, "the plug-in; the one beside this program");
-  app.add_option("--yardstick", options.libraries.yardstick, "an earlier build of the plug-in to race");
-  app.add_option("--commit", options.commit, "what the plug-in was built from, for the header");
-  app.add_option("--yardstick-commit", options.yardstick_commit, "what the yardstick was built from");
+  app.add_option("--plugin", options.libraries.plugin, "the plug-in (default: beside this program)");
+  app.add_option("--yardstick", options.libraries.yardstick,
+                 "an earlier build of the plug-in to compare with");
+  app.add_option("--commit", options.commit, "commit of the plug-in, for the header");
+  app.add_option("--yardstick-commit", options.yardstick_commit, "commit of the yardstick");
   app.add_option("--csv", options.csv, "write every figure to this file");
   app.add_option("--picture", options.picture, "draw the table to this file (.png)");
 }
@@ -83,7 +85,7 @@ int run(const Options& options) {
 int main(int argc, char** argv) {
   try {
     Options options;
-    CLI::App app("Times whole frames: the plug-in beside other detectors, on generated input.");
+    CLI::App app("Measures the time per frame of the plug-in and of other detectors, on generated input.");
     describe(app, options);
     CLI11_PARSE(app, argc, argv)
     cv::setNumThreads(1);

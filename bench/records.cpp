@@ -35,7 +35,7 @@ cv::Size size_of(const std::string& text) {
   char end = 0;
   if (std::sscanf(text.c_str(), "%dx%d%c", &size.width, &size.height, &end) != 2 || size.width < 64 ||
       size.height < 64) {
-    throw std::invalid_argument("\"" + text + "\" is no size such as 1920x1080");
+    throw std::invalid_argument("a size must be like 1920x1080, not " + text);
   }
   return size;
 }

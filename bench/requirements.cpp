@@ -72,7 +72,7 @@ const char* verdict(const Requirement& requirement, double measured) {
 }  // namespace
 
 void judge(Records& records) {
-  const Table table("What must be reached, 1920x1080, whole job",
+  const Table table("Limits at 1920x1080, complete work",
                     {"what                                ", "must", "aim", "measured", "verdict     "}, 1);
   for (const Requirement& requirement : kRequirements) {
     const double measured = requirement.measured(records);

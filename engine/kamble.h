@@ -141,7 +141,7 @@ class kAMBLE {
 
   bool illumChange = true;           // illumination-change handling on
   bool ghostSuppression = true;      // foreground that stays still is absorbed
-  bool skipFrame = false;            // skip classification and update of this frame; nothing sets it
+  bool skipFrame = false;            // skip classification and update of this frame; cleared each frame
   std::int32_t frmChn = 0;           // bytes per pixel of the last frame seen
   std::int32_t diffChn = 0;          // channel of the next difference images; 0 is compared where not 0 to 2
   std::int32_t numPixel = 0;         // W * H of the first frame

@@ -1,5 +1,5 @@
-// The locked segment of sample slots: a band that the sample cursors step over, so that some of every pixel's
-// older samples survive for a while.
+// The locked segment of sample slots: a band of which the sample cursors skip one slot (nextSlot in rules.h),
+// so that some of every pixel's older samples survive for a while.
 #include "engine/kamble.h"
 #include "engine/rules.h"
 

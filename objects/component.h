@@ -24,7 +24,7 @@ boxRect boxBetween(int left, int top, int right, int bottom, int width, int heig
 
 // Box of the component that holds (x0, y0) in a label image of `height` rows of `width` labels, with one
 // empty pixel of margin on every side. Each search walks outward from (x0, y0) over whole rows or columns and
-// ends at the first that holds no pixel of `label`, so (x0, y0) has to be a pixel of the component in its top
+// ends at the first that holds no pixel of `label`, so (x0, y0) must be a pixel of the component in its top
 // row. At the left or top frame border the margin is dropped (x or y is 0); at the right or bottom border the
 // width or height becomes the whole frame's, whatever x or y is, so that the box then reaches past the frame.
 // Searches along an axis on which (x0, y0) lies outside the frame are skipped.

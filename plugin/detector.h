@@ -19,10 +19,10 @@ class lightMotion {
   lightMotion(const lightMotion&) = delete;
   lightMotion& operator=(const lightMotion&) = delete;
 
-  // Configures the detector from the JSON document. Returns true on success. Returns false, after a line on
-  // standard output, when a frame size or channel count is below 1 (also when the document is not JSON) or
-  // when there is no region of interest; the engine then remains until terminate(). Throws as initialization
-  // does (entry_points.h).
+  // Configures the detector from the JSON document. Returns true on success. Returns false, after one or two
+  // lines on standard output, when a frame size or channel count is below 1 (also when the document is not
+  // JSON) or when there is no region of interest; the engine then remains until terminate(). Throws as
+  // initialization does (entry_points.h).
   bool init(const char* config);
 
   // Processes one frame (see entry_points.h) and stores the length of the result text in *resultLen.

@@ -30,7 +30,7 @@ const Candidate& named(const std::vector<Candidate>& candidates, const std::stri
 std::string peer_settings() {
   return "OpenCV " CV_VERSION
          ", defaults, without shadow detection (MOG2, KNN) and without threads (CNT); "
-         "whole job: mask, three 3x3 cross erosions, 4-connected components with statistics";
+         "complete detector: mask, three 3x3 cross erosions, 4-connected components with statistics";
 }
 
 }  // namespace lm::bench

@@ -31,7 +31,7 @@ void measure_first_frame(const Plan& plan, Records& records) {
 
   const Table table(
       "The first frame, 1920x1080, each time from a fresh start: milliseconds, and against a later frame's "
-      "whole job of MOG2",
+      "complete MOG2",
       {"candidate", "ms", "/MOG2"}, 1);
   for (const Candidate& candidate : candidates) {
     if (candidate.name == kCopy) continue;

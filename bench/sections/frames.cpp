@@ -100,9 +100,9 @@ bool measure_frames(const Plan& plan, Records& records) {
   bool right = true;
   std::size_t compared = 0;
   const Table table(
-      "Whole frames: milliseconds of one copy of the frame and of lightmotion's whole job; then every "
+      "Whole frames: milliseconds of one copy of the frame and of lightmotion's complete work; then every "
       "candidate in "
-      "copies;\nthen lightmotion's whole job against others (below 1: lightmotion is faster)",
+      "copies;\nthen lightmotion's complete work against others (below 1: lightmotion is faster)",
       heads(), 2);
   for (const std::string& name : plan.scenes) {
     for (const cv::Size& size : plan.sizes) {

@@ -72,7 +72,8 @@ void measure_objects(Records& records) {
   }
 
   const Table table(
-      "Separate objects in the mask, 1920x1080: milliseconds from mask to boxes, and beyond no objects",
+      "Separate objects in the mask, 1920x1080: milliseconds from mask to boxes, and more than without "
+      "objects",
       {"objects", "ms", "more"}, 1);
   for (std::size_t i = 0; i < kCounts.size(); ++i) {
     const double time = median(times[i]);

@@ -10,6 +10,6 @@ shards=$1
 list=$(realpath "$2")
 results=$(realpath -m "$3")
 shift 3
-# -q: names may contain blanks. The exit status is the number of runs with failed files.
+# -q: names may contain blanks. The exit status is the number of runs in which not all files are ok.
 seq "$shards" | parallel -q --will-cite --sshlogin "${MACHINES:-:}" --jobs "${AT_A_TIME:-1}" --line-buffer --tag \
   "${LIGHTMOTION:-lightmotion}" run "@$list" --out "$results" --shard "{}/$shards" "$@"

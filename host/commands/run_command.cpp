@@ -14,7 +14,7 @@ namespace {
 
 constexpr const char* kRunFooter = R"(Examples:
   lightmotion run street.mp4 --report street.html    a page with every event
-  lightmotion run street.mp4 -o boxes.jsonl          one line per frame
+  lightmotion run street.mp4 -o boxes.jsonl          a line per frame with boxes
   lightmotion run street.mp4 --annotate boxes.mp4    the video with boxes drawn
   lightmotion run street.mp4 --config night.json     your settings and regions
   lightmotion run rtsp://192.168.1.20/main           a camera, until Ctrl-C

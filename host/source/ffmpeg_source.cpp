@@ -97,7 +97,7 @@ FfmpegSource::FfmpegSource(const std::string& name, const Reading& reading, cv::
   open_decoder();
   if (!decode()) {
     const std::string& cause = read_error_.empty() ? first_damage_ : read_error_;
-    fail(name, "no frame could be decoded" + (cause.empty() ? "" : ": " + cause));
+    fail(info_.name, "no frame could be decoded" + (cause.empty() ? "" : ": " + cause));
   }
   if (is_single_picture()) {
     fail(info_.name,

@@ -23,7 +23,7 @@ _lightmotion() {
       '(--source)--size[frame size]:size:(640x360 1280x720 1920x1080)' \
       '--json[print one JSON object, for programs]' \
       '(- *)'{-h,--help}'[print help and exit]' \
-      '1:document:_files -g "*.json"'
+      '1:configuration:_files -g "*.json"'
     return
   fi
   local -a reading=(
@@ -35,7 +35,7 @@ _lightmotion() {
   )
   if [[ $line[1] == serve ]]; then
     _arguments -s \
-      '(-c --config)'{-c,--config}'[configuration to start with and to save to]:document:_files -g "*.json"' \
+      '(-c --config)'{-c,--config}'[configuration to start with and to save to]:configuration:_files -g "*.json"' \
       '--host[address to listen on]:address:(127.0.0.1 0.0.0.0)' \
       '--port[port; 0 picks a free one]:number:' \
       '--token[access token]:text:' \
@@ -49,7 +49,7 @@ _lightmotion() {
     _arguments -s \
       '*--quiet[times between which nothing moves]:FROM-TO:' \
       '*--motion[times between which something moves]:FROM-TO:' \
-      '(-c --config)'{-c,--config}'[configuration to start from]:document:_files -g "*.json"' \
+      '(-c --config)'{-c,--config}'[configuration to start from]:configuration:_files -g "*.json"' \
       '(-o --output)'{-o,--output}'[file for the proposed configuration]:file:_files -g "*.json"' \
       '--picture[chart of what each setting found]:file:_files -g "*.png"' \
       '--json[print one JSON object, for programs]' \
@@ -62,7 +62,7 @@ _lightmotion() {
     return
   fi
   _arguments -s \
-    '(-c --config --preset)'{-c,--config}'[configuration]:document:_files -g "*.json"' \
+    '(-c --config --preset)'{-c,--config}'[configuration]:configuration:_files -g "*.json"' \
     '(-c --config)--preset[preset to use]:preset:'$presets \
     '(-o --output)'{-o,--output}'[file for the result lines]:file:_files' \
     '(-a --annotate)'{-a,--annotate}'[video with the boxes drawn]:video:_files -g "*.(mp4|mkv|mov)"' \

@@ -150,6 +150,22 @@ TEST_P(FirstPicture, IsAKeyPicture) {
   }
 }
 
+// Pictures 50 and 75 are key frames.
+TEST_P(FirstPicture, ThatNeverComesIsReportedWithoutThePassword) {
+  Camera& camera = *camera_;
+  std::string address = camera.address();
+  address.insert(address.find("//") + 2, "me:secret@");
+  Watcher watcher(folder_, kFake + std::vector<std::string>{address, "--timeout", "1"});
+  ASSERT_EQ(camera.ask("play"), "done");
+  for (const char* command : {"seek 51", "send 24", "seek 76", "send 24", "seek 51", "send 24"}) {
+    ASSERT_EQ(camera.ask(command), "done");
+  }
+  EXPECT_EQ(watcher.wait(), 1);
+  address.replace(address.find("secret"), 6, "***");
+  EXPECT_EQ(watcher.errors(),
+            "lightmotion: " + address + ": no frame could be decoded: no data for 1.000 s\n");
+}
+
 std::string plugin_document(const Folder& folder) {
   program::write(folder / "c.json", R"({"sensitivity": "4", "minBoxW": "0.02", "minBoxH": "0.05"})");
   return folder / "c.json";

@@ -20,7 +20,7 @@ struct Candidate {
 //  - fewest frames with boxes in quiet spans;
 //  - most motion spans found;
 //  - at least 19/20 of the largest number of frames with boxes in motion spans;
-//  - least sensitive, then the largest minimum box size, then the adaptation nearest to the default.
+//  - least sensitive, then the largest minimum box size, then the adaptation nearest to 3.
 // Without motion spans there is no measure of what must be found, so the last rule is reversed: the most
 // sensitive setting that is equally quiet, with the smallest minimum box size.
 std::size_t choose(const std::vector<Candidate>& all, const Marks& marks);

@@ -1,7 +1,7 @@
 // The program's findings, shown beside the settings that they concern.
 import { element } from "./dom.js";
 
-const words = { error: "Mistake", warning: "Warning", note: "Note" };
+const words = { error: "Error", warning: "Warning", note: "Note" };
 
 // Findings on a key and on anything inside it: "roi[1]" includes "roi[1].points[2].x".
 export const findingsOf = (findings, key) =>

@@ -18,7 +18,7 @@ export const settings = [
     slider: { min: 1, max: 5, step: 1, unset: 3 },
     text: (value) => (value === "-1" ? "automatic" : value),
     effect: ({ match_threshold: match, change_threshold: change }) =>
-      `A pixel counts when it differs by more than ${greyLevels(match)} from the background there and has just changed by ${change}.`,
+      `A pixel counts when it differs by more than ${greyLevels(match)} from the background there and has just changed by more than ${change}.`,
     extra: { value: "-1", label: "Automatic: level 5, adapts the minimum size to the video" },
   },
   {
