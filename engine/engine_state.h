@@ -24,8 +24,8 @@ struct Made {
 
 struct EngineState {
   Made curFrame, prevFrame, bgImg, roiMask;
-  // Pixels of a strip, rounded up to whole rows: few enough for its planes to stay in a processor's own cache
-  // from one step to the next. Any number gives the same results.
+  // A strip has one row more than this many pixels fill: few enough for its planes to stay in a processor's
+  // own cache from one step to the next. Any number gives the same results.
   std::size_t stripPixels = 8192;
   std::vector<int> nbrDistances;  // see neighbourDistances; empty unless initBuffer_ncv filled the arrays
   std::int32_t nbrWidth = 0;      // width of the frame that the neighbour tables were made for

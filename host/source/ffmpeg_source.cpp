@@ -43,7 +43,7 @@ int quarter_turns(const AVStream& stream) {
   return static_cast<int>(std::lround(-anticlockwise / 90) + 4) % 4;
 }
 
-// 0 for implausible rates: more than a thousand frames per second or less than one per day.
+// 0 for implausible rates: above 1000 frames per second, or less than one in 100,000 seconds.
 double nominal_rate(AVFormatContext& input, AVStream& stream) {
   const AVRational rate = av_guess_frame_rate(&input, &stream, nullptr);
   const double value = rate.den > 0 ? av_q2d(rate) : 0;

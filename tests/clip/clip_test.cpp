@@ -27,7 +27,7 @@ Sequence sequenceOf(const std::string& file, int frames) {
           .frames = frames,
           .frame = next,
           .entries = {"sensitivity 4", "lcAdap 3"},
-          .road = Road::document};
+          .configuredBy = ConfiguredBy::document};
 }
 
 TEST(StreetClip, EngineAndPlainModelAgreeInEveryFieldAfterEveryFrame) {

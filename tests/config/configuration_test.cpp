@@ -1,4 +1,4 @@
-// A whole document as an engine is configured with it: settings, regions and messages, without a detector.
+// Reading a whole configuration document: settings, regions and messages. Needs no detector.
 #include "config/document.h"
 
 #include <gmock/gmock.h>
@@ -23,7 +23,7 @@ class WholeDocument : public ::testing::Test {
   // Nothing is printed: the messages are returned.
   bool read(const std::string& text) {
     bool accepted = false;
-    EXPECT_EQ(saidDuring([&] { accepted = readConfiguration(text, size_, configuration_); }), Said{});
+    EXPECT_EQ(printedBy([&] { accepted = readConfiguration(text, size_, configuration_); }), Printed{});
     return accepted;
   }
 
@@ -73,7 +73,7 @@ TEST_F(WholeDocument, WithoutARegionOfInterestIsRefused) {
   }
 }
 
-TEST_F(WholeDocument, ReplacesWhatWasReadBeforeAndKeepsSizesThatItDoesNotGive) {
+TEST_F(WholeDocument, ReplacesWhatWasReadBeforeAndKeepsSizesThatAreAbsent) {
   ASSERT_TRUE(read("{" + sizes + R"(,"roi":[)" + triangle + "]}"));
   EXPECT_TRUE(read(R"({"frmH":"100","roi":[)" + triangle + "]}"));
   EXPECT_THAT(configuration_.parameters, ElementsAre("frmH 100"));
@@ -84,14 +84,14 @@ TEST_F(WholeDocument, ReplacesWhatWasReadBeforeAndKeepsSizesThatItDoesNotGive) {
                 "Error: region of interest is empty! \n");
 }
 
-TEST_F(WholeDocument, StoresTheSizesBeforeOneThatIsNoNumber) {
+TEST_F(WholeDocument, StoresTheSizesBeforeOneThatIsNotANumber) {
   EXPECT_EQ(thrownBy([&] { read(R"({"frmW":"640","frmH":"x","frmChn":"3"})"); }),
             "std::invalid_argument: stoi");
   EXPECT_EQ(size_.frmW, 640);
   EXPECT_EQ(size_.frmChn, 0);
 }
 
-TEST_F(WholeDocument, PassesExceptionsOfRegionsOn) {
+TEST_F(WholeDocument, PropagatesExceptionsFromRegions) {
   EXPECT_EQ(thrownBy([&] { read("{" + sizes + R"(,"ror":[{"points":[{"x":"left","y":"0"}]}]})"); }),
             "std::invalid_argument: stof");
   EXPECT_THROW(read("[]"), Json::Exception);

@@ -17,8 +17,8 @@ class Document : public ::testing::Test {
  protected:
   std::vector<std::string> entries(const std::string& document) {
     std::vector<std::string> list;
-    const Said said = saidDuring([&] { list = detector_.myjsonReader(document); });
-    EXPECT_EQ(said, Said{});
+    const Printed printed = printedBy([&] { list = detector_.myjsonReader(document); });
+    EXPECT_EQ(printed, Printed{});
     return list;
   }
 
@@ -31,7 +31,7 @@ class Document : public ::testing::Test {
   lightMotion detector_;
 };
 
-TEST_F(Document, TheThreeSizesGiveThreeEntriesAndTheMembers) {
+TEST_F(Document, TheThreeSizesGiveThreeEntriesAndSetTheMembers) {
   EXPECT_THAT(entries(R"({"frmW":"640","frmH":"480","frmChn":"3"})"),
               ElementsAre("frmW 640", "frmH 480", "frmChn 3"));
   expectSizes(640, 480, 3);
@@ -49,7 +49,7 @@ TEST_F(Document, EntriesHaveAFixedOrderWhateverTheOrderInTheDocument) {
       all);
 }
 
-TEST_F(Document, ASizeGivenAsANumberIsAsGoodAsAbsent) {
+TEST_F(Document, ASizeGivenAsANumberIsIgnored) {
   EXPECT_THAT(entries(R"({"frmW":640})"), IsEmpty());
   expectSizes(0, 0, 0);
   EXPECT_THAT(entries(R"({"frmH":"1080","frmW":"1920","sensitivity":"5","frmChn":3})"),
@@ -57,7 +57,7 @@ TEST_F(Document, ASizeGivenAsANumberIsAsGoodAsAbsent) {
   expectSizes(1920, 1080, 0);
 }
 
-TEST_F(Document, OnlyTextsCountForEveryKey) {
+TEST_F(Document, OnlyStringsAreAcceptedForEveryKey) {
   for (const std::string key : {"frmW", "frmH", "frmChn", "sensitivity", "lcAdap", "minBoxW", "minBoxH",
                                 "maxBoxW", "maxBoxH", "lifeStatic"}) {
     for (const std::string value :
@@ -77,7 +77,7 @@ TEST_F(Document, OtherMembersAndKeysInOtherLetterCaseAreIgnored) {
   expectSizes(0, 0, 0);
 }
 
-TEST_F(Document, ValuesAreTakenExactlyAsTheyStand) {
+TEST_F(Document, ValuesAreCopiedUnchanged) {
   EXPECT_THAT(entries(R"({"frmW":" 640","frmH":"480 ","sensitivity":"high","lcAdap":"","minBoxW":"0,5\t6\n",)"
                       R"("maxBoxH":"\u20ac"})"),
               ElementsAre("frmW  640", "frmH 480 ", "sensitivity high", "lcAdap ", "minBoxW 0,5\t6\n",
@@ -85,7 +85,7 @@ TEST_F(Document, ValuesAreTakenExactlyAsTheyStand) {
   expectSizes(640, 480, 0);
 }
 
-TEST_F(Document, SizesAreReadAsDecimalNumbersWithAnythingBehind) {
+TEST_F(Document, SizesAreDecimalNumbersFollowedByAnything) {
   const std::vector<std::pair<std::string, int>> cases = {{"1920px", 1920},
                                                           {"+7", 7},
                                                           {"-7", -7},
@@ -103,7 +103,7 @@ TEST_F(Document, SizesAreReadAsDecimalNumbersWithAnythingBehind) {
   }
 }
 
-TEST_F(Document, AnAbsentSizeLeavesTheMemberAsItWas) {
+TEST_F(Document, AnAbsentSizeLeavesTheMemberUnchanged) {
   detector_.frmW = 7;
   detector_.frmH = 8;
   detector_.frmChn = 9;
@@ -131,8 +131,8 @@ TEST_F(Document, TextThatIsNotJsonIsReportedAndChangesNothing) {
     detector_.frmW = 7;
     detector_.frmH = 8;
     detector_.frmChn = 9;
-    const Said said = saidDuring([&] { EXPECT_THAT(detector_.myjsonReader(text), IsEmpty()); });
-    EXPECT_EQ(said, (Said{"Error: json configuration is incorrect format \n", ""})) << text;
+    const Printed printed = printedBy([&] { EXPECT_THAT(detector_.myjsonReader(text), IsEmpty()); });
+    EXPECT_EQ(printed, (Printed{"Error: json configuration is incorrect format \n", ""})) << text;
     expectSizes(7, 8, 9);
   }
 }
@@ -159,7 +159,7 @@ TEST_F(Document, ASizeBeyond32BitsThrows) {
   }
 }
 
-TEST_F(Document, SizesReadBeforeTheBadOneStayStored) {
+TEST_F(Document, SizesBeforeABadOneAreStored) {
   EXPECT_EQ(thrownBy([&] { detector_.myjsonReader(R"({"frmChn":"3","frmH":"x","frmW":"640"})"); }),
             "std::invalid_argument: stoi");
   expectSizes(640, 0, 0);
@@ -170,7 +170,7 @@ TEST_F(Document, TheOtherValuesAreNotConvertedHere) {
               ElementsAre("sensitivity x", "minBoxW 1e99", "lifeStatic 99999999999"));
 }
 
-TEST_F(Document, ARootOfAnotherKindThrowsJsonsOwnException) {
+TEST_F(Document, ARootOfTheWrongKindThrowsAJsonException) {
   for (const std::string root : {"[]", R"([{"frmW":"1"}])", R"("frmW")", "1", "0.5", "true"}) {
     EXPECT_THROW(detector_.myjsonReader(root), Json::Exception) << root;
   }

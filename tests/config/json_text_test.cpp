@@ -40,7 +40,7 @@ const std::vector<Case> cases = {
     {"1.e2", 100.0},
     {"-.5", -0.5},
     {"-2.5e-1", -0.25},
-    // Exponents that no integer holds.
+    // Exponents out of integer range.
     {"0.5e-9223372036854775808", 0.0},
     {"5.5e-9223372036854775808", 0.0},
     {"5.5e-9223372036854775807", 0.0},
@@ -91,7 +91,7 @@ INSTANTIATE_TEST_SUITE_P(Of, JsonTextWithComma,
 TEST_P(JsonTextWithComma, NumbersAsInTheCLocale) { expectEveryCase(); }
 TEST_P(JsonTextWithComma, CommentsAsInTheCLocale) { expectComments(); }
 
-TEST(JsonText, OnlyNumbersWithAPointAreRewritten) {
+TEST(JsonText, OnlyNumbersWithADecimalPointAreRewritten) {
   EXPECT_EQ(withoutDecimalPoints("[0.25, -1.50, 12., -.5, 2.5e1]"), "[025e-2, -150e-2, 12e0, -5e-1, 25e0]");
   EXPECT_EQ(withoutDecimalPoints("[1.5e, 1.5e+-3]"), "[15e, 15e+-3]");
   for (const std::string same : {"", "1", "1e+-3", "1e", "-", "\"1.5\"", "\"\\\"1.5\"", "\"1.5", "// 1.5",

@@ -1,4 +1,4 @@
-// The host's locale has no effect on numbers in texts.
+// The host's locale has no effect on how numbers are read and written.
 #include <gmock/gmock.h>
 
 #include <clocale>
@@ -20,7 +20,7 @@ INSTANTIATE_TEST_SUITE_P(Of, CommaLocale,
                          ::testing::Values(Comma::c, Comma::cpp, Comma::cppWithoutGroups, Comma::both),
                          nameOf);
 
-TEST_P(CommaLocale, SettingsHavePoints) {
+TEST_P(CommaLocale, SettingsHaveDecimalPoints) {
   kAMBLE engine;
   std::vector<std::string> entries = {"minBoxW 0.5", "minBoxH 0,5", "MIN_BOUNDING_BOX_H 0.25", "frmW 1.234",
                                       "frmH 5678"};
@@ -32,7 +32,7 @@ TEST_P(CommaLocale, SettingsHavePoints) {
   EXPECT_EQ(engine.szImgY, 5678);
 }
 
-TEST_P(CommaLocale, CoordinatesHavePointsAsTextsAndAsNumbers) {
+TEST_P(CommaLocale, CoordinatesHaveDecimalPointsAsStringsAndAsNumbers) {
   lightMotion detector;
   detector.frmW = 1000;
   detector.frmH = 1000;
@@ -54,7 +54,7 @@ TEST_P(CommaLocale, CoordinatesHavePointsAsTextsAndAsNumbers) {
   EXPECT_EQ(exclude.at(0).points.at(0).y, -750);
 }
 
-TEST_P(CommaLocale, TextsAndCommentsAreNotTakenForNumbers) {
+TEST_P(CommaLocale, StringsAndCommentsAreNotReadAsNumbers) {
   lightMotion detector;
   std::vector<polygon> include;
   std::vector<polygon> exclude;
@@ -70,15 +70,15 @@ TEST_P(CommaLocale, TextsAndCommentsAreNotTakenForNumbers) {
 
 TEST_P(CommaLocale, DocumentsWithNumbersAreRead) {
   lightMotion detector;
-  const Said said = saidDuring([&] {
+  const Printed printed = printedBy([&] {
     EXPECT_THAT(detector.myjsonReader(R"({"frmW":"1280","version":1234.5,"scale":0.5,"list":[1.5e3,-0.25]})"),
                 ::testing::ElementsAre("frmW 1280"));
   });
-  EXPECT_EQ(said, Said{});
+  EXPECT_EQ(printed, Printed{});
   EXPECT_EQ(detector.frmW, 1280);
 }
 
-TEST_P(CommaLocale, ResultsHavePointsAndNoGroups) {
+TEST_P(CommaLocale, ResultsHaveDecimalPointsAndNoGrouping) {
   lightMotion detector;
   detector.objList = {{0.5F, 1234.5F, 0.25F, 1e30F, {}}};
   detector.genRes("1700000000123");
@@ -96,7 +96,7 @@ TEST_P(CommaLocale, TimestampsAreDecimal) {
   EXPECT_EQ(engine.curTimestamp, 1);
 }
 
-TEST_P(CommaLocale, ParameterFilesHavePoints) {
+TEST_P(CommaLocale, ParameterFilesHaveDecimalPoints) {
   const std::filesystem::path path =
       std::filesystem::temp_directory_path() / ("comma-parameters-" + std::to_string(getpid()));
   std::ofstream(path) << "minObjW 0.5\nminObjH 0,5\nthrMatch 1.9\nthrConnect 1234.5\nthrHeuris 5678\n";
@@ -110,14 +110,14 @@ TEST_P(CommaLocale, ParameterFilesHavePoints) {
   EXPECT_EQ(engine.thrHeuris, 5678);
 }
 
-TEST_P(CommaLocale, MessagesHaveNoGroups) {
+TEST_P(CommaLocale, MessagesHaveNoGrouping) {
   lightMotion detector;
-  const Said said = saidDuring(
+  const Printed printed = printedBy(
       [&] { EXPECT_FALSE(detector.init(R"({"frmW":"12345","frmH":"-67890","frmChn":"1000000"})")); });
-  EXPECT_EQ(said, (Said{"Error: invalid parameter[frmChn:1000000,frmW:12345,frmH:-67890] \n", ""}));
+  EXPECT_EQ(printed, (Printed{"Error: invalid parameter[frmChn:1000000,frmW:12345,frmH:-67890] \n", ""}));
 }
 
-TEST_P(CommaLocale, TheHostsLocaleIsLeftAsItWas) {
+TEST_P(CommaLocale, TheHostsLocaleIsUnchanged) {
   const std::string before = std::setlocale(LC_ALL, nullptr);
   const locale_t thread = uselocale(static_cast<locale_t>(nullptr));
   const std::locale global;
@@ -128,8 +128,8 @@ TEST_P(CommaLocale, TheHostsLocaleIsLeftAsItWas) {
   ASSERT_TRUE(detector.init(document.c_str()));
   const Bytes frame(std::size_t{64} * 32, 50);
   int length = 0;
-  const Said said = saidDuring([&] { detector.frameProc(frame.data(), "1000", &length); });
-  EXPECT_EQ(said.err, "W, H, Pixels = 64, 32, 2048\n");
+  const Printed printed = printedBy([&] { detector.frameProc(frame.data(), "1000", &length); });
+  EXPECT_EQ(printed.err, "W, H, Pixels = 64, 32, 2048\n");
   detector.objList = {{0.5F, 0.5F, 0.5F, 0.5F, {}}};
   detector.genRes("1");
   EXPECT_THROW(detector.frameProc(frame.data(), "noon", &length), std::invalid_argument);

@@ -26,7 +26,7 @@ class ParamFile : public ::testing::Test {
 
   void readInto(kAMBLE& engine, const std::string& text) {
     std::ofstream(path_, std::ios::binary) << text;
-    EXPECT_EQ(saidDuring([&] { engine.ParserParams(path_.c_str()); }), Said{});
+    EXPECT_EQ(printedBy([&] { engine.ParserParams(path_.c_str()); }), Printed{});
   }
 
   // Reads a file with this text into a new engine and expects only `changes`.
@@ -72,14 +72,14 @@ TEST_F(ParamFile, ValuesAreTakenWithoutARangeTest) {
 }
 
 TEST_F(ParamFile, AKeyAloneSetsMinus1) {
-  for (const std::string behind : {"", " ", " \t ", "\r"}) {
-    expectChanges("thrHeuris" + behind + "\n", {{"thrHeuris", -1}});
-    expectChanges("minObjH" + behind + "\n", {{"minObjH", -1}});
-    expectChanges("thrCcPxl" + behind, {{"thrCcPxl", -1}, {"thrCcPxl2", -1}});
+  for (const std::string blanks : {"", " ", " \t ", "\r"}) {
+    expectChanges("thrHeuris" + blanks + "\n", {{"thrHeuris", -1}});
+    expectChanges("minObjH" + blanks + "\n", {{"minObjH", -1}});
+    expectChanges("thrCcPxl" + blanks, {{"thrCcPxl", -1}, {"thrCcPxl2", -1}});
   }
 }
 
-TEST_F(ParamFile, AValueThatIsNoNumberSets0) {
+TEST_F(ParamFile, AValueThatIsNotANumberSets0) {
   for (const std::string value : {"abc", "-", "x1", "nan", "NaN", "inf", "#"}) {
     expectChanges("minObjW " + value + "\n", {{"minObjW", 0}});
     expectChanges("thrMatch " + value + "\n", {{"thrMatch", 0}});
@@ -91,13 +91,13 @@ TEST_F(ParamFile, NumbersEndAtTheFirstOtherCharacter) {
                 {{"thrMatch", 12}, {"minObjW", 0.5}, {"thrConnect", 1}, {"thrIllum", 0}});
 }
 
-TEST_F(ParamFile, NumbersMayBeWrittenInEveryWayOfAStream) {
+TEST_F(ParamFile, NumbersMayHaveAnyFormatThatAStreamReads) {
   expectChanges("thrMatch +5\nthrHeuris 5e1\nthrIllum 7.\nminObjW .5\nminObjH 25E-2\n",
                 {{"thrMatch", 5}, {"thrHeuris", 50}, {"thrIllum", 7}, {"minObjW", 0.5}, {"minObjH", 0.25}});
 }
 
 TEST_F(ParamFile, ValuesAre32BitFloats) {
-  expectChanges("thrMatch 16777217\n", {{"thrMatch", 16777216}});  // 2^24 + 1 is no float
+  expectChanges("thrMatch 16777217\n", {{"thrMatch", 16777216}});  // 2^24 + 1 is not a float
   expectChanges("minObjW 0.1\n", {{"minObjW", static_cast<double>(0.1F)}});
 }
 
@@ -105,14 +105,14 @@ TEST_F(ParamFile, ANumberBeyondTheFloatRangeIsTheLargestFloat) {
   expectChanges("minObjW 1e50\nthrConnect -1e50\n", {{"minObjW", FLT_MAX}, {"thrConnect", -FLT_MAX}});
 }
 
-TEST_F(ParamFile, WhatDoesNotFitAnIntBecomesTheSmallest) {
+TEST_F(ParamFile, ValuesOutOfIntRangeBecomeTheSmallestInt) {
   for (const std::string value : {"1e50", "-1e50", "2147483648", "-2147483904", "3e9"}) {
     expectChanges("thrMatch " + value + "\n", {{"thrMatch", INT32_MIN}});
   }
   expectChanges("thrMatch 2147483520\n", {{"thrMatch", 2147483520}});  // the largest float below 2^31
 }
 
-TEST_F(ParamFile, BlanksAndTabsAroundKeyAndValueDoNotMatter) {
+TEST_F(ParamFile, BlanksAndTabsAroundKeyAndValueAreSkipped) {
   for (const std::string space : {" ", "   ", "\t", "\t \t"}) {
     expectChanges("thrMatch" + space + "12\n", {{"thrMatch", 12}});
     expectChanges(space + "thrMatch" + space + "12" + space + "\n", {{"thrMatch", 12}});
@@ -127,7 +127,7 @@ TEST_F(ParamFile, LinesMayEndWithACarriageReturn) {
   expectChanges("thrMatch 12\r\n\r\nminObjW 0.5\r\n", {{"thrMatch", 12}, {"minObjW", 0.5}});
 }
 
-TEST_F(ParamFile, LinesWithoutAKeyOfTheTableAreIgnored) {
+TEST_F(ParamFile, LinesWithoutAKnownKeyAreIgnored) {
   for (const std::string line : {"", "   ", "# thrMatch 12", "#thrMatch 12", "THRMATCH 12", "thrmatch 12",
                                  "thrMatch= 12", "thrMatch2 12", "thrCcPxl2 12", "12 thrMatch", "[thrMatch]",
                                  "MIN_MATCH_DIST 12", "sensitivity 1", "frmW 640"}) {
@@ -164,7 +164,7 @@ TEST_F(ParamFile, AFileThatCannotBeReadChangesNothing) {
   for (const std::string& path :
        {path_.string() + "-missing", fs::temp_directory_path().string(), std::string()}) {
     kAMBLE engine;
-    EXPECT_EQ(saidDuring([&] { engine.ParserParams(path.c_str()); }), Said{});
+    EXPECT_EQ(printedBy([&] { engine.ParserParams(path.c_str()); }), Printed{});
     EXPECT_EQ(settingsOf(engine), defaultsExcept({})) << path;
   }
 }

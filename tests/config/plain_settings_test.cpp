@@ -1,4 +1,4 @@
-// Settings without an engine follow the same table as those of the engine.
+// Settings without an engine behave as the engine's own settings.
 #include "config/settings.h"
 
 #include <gtest/gtest.h>
@@ -36,7 +36,7 @@ TEST(PlainSettings, StartWithTheDefaultsOfTheEngine) {
 
 class PlainSettings : public testing::TestWithParam<const char*> {};
 
-TEST_P(PlainSettings, ChangeAsTheEngineDoes) {
+TEST_P(PlainSettings, ChangeAsInTheEngine) {
   kAMBLE engine;
   lm::Settings settings;
   std::vector<std::string> entries = {GetParam()};

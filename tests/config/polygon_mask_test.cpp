@@ -29,7 +29,7 @@ int withinByArrays(const Outline& outline, float x, float y) {
   return pnpoly(static_cast<int>(outline.size()), xs.data(), ys.data(), x, y);
 }
 
-// Rasterises the outline over old bytes and expects the picture.
+// Rasterises the outline over a mask of other bytes and expects the picture.
 void expectMask(const Outline& outline, const Rows& expected) {
   const int width = static_cast<int>(expected[0].size());
   const int height = static_cast<int>(expected.size());
@@ -40,7 +40,7 @@ void expectMask(const Outline& outline, const Rows& expected) {
 
 // ---- the two point tests ------------------------------------------------------------------------
 
-TEST(PointInPolygon, OfASquareTheListFormTakesTheTopAndTheRightEdgeIn) {
+TEST(PointInPolygon, TheListFormIncludesTheTopAndRightEdgesOfASquare) {
   for (int y = -2; y <= 12; ++y) {
     for (int x = -2; x <= 12; ++x) {
       const bool inside = 0 < x && x <= 10 && 0 <= y && y < 10;
@@ -49,7 +49,7 @@ TEST(PointInPolygon, OfASquareTheListFormTakesTheTopAndTheRightEdgeIn) {
   }
 }
 
-TEST(PointInPolygon, OfASquareTheArrayFormTakesTheTopAndTheLeftEdgeIn) {
+TEST(PointInPolygon, TheArrayFormIncludesTheTopAndLeftEdgesOfASquare) {
   for (int y = -2; y <= 12; ++y) {
     for (int x = -2; x <= 12; ++x) {
       const bool inside = 0 <= x && x < 10 && 0 <= y && y < 10;
@@ -69,7 +69,7 @@ TEST(PointInPolygon, BothFormsAgreeWhereNoEdgePassesThroughThePoint) {
   }
 }
 
-TEST(PointInPolygon, AnEdgeThroughThePointIsWhereTheFormsDiffer) {
+TEST(PointInPolygon, TheFormsDifferForAnEdgeThroughThePoint) {
   // The slanted edge from (8, 0) to (0, 8) passes through (4, 4) and is the only one on its right.
   const Outline triangle = {{0, 0}, {8, 0}, {0, 8}};
   EXPECT_EQ(isWithinPoly(triangle, 4.0F, 4.0F), 1);
@@ -134,7 +134,7 @@ TEST(PolygonMask, ASquareSetsItsHundredPixels) {
   expectMask(square, expected);
 }
 
-TEST(PolygonMask, ATriangleHasItsSlantedEdgeIn) {
+TEST(PolygonMask, ATriangleIncludesItsSlantedEdge) {
   // Row y holds the columns 1 to 6 - y.
   expectMask({{0, 0}, {6, 0}, {0, 6}}, {".111111.",  //
                                         ".11111..",  //
@@ -195,7 +195,7 @@ TEST(PolygonMask, AHollowShapeFollowsItsOutline) {
                                                                                 ".........."});
 }
 
-TEST(PolygonMask, AnOutlineRunTwiceCancelsItself) {
+TEST(PolygonMask, AnOutlineTracedTwiceCancelsItself) {
   expectMask({{1, 1}, {5, 1}, {5, 4}, {1, 4}, {1, 1}, {5, 1}, {5, 4}, {1, 4}}, Rows(6, "........"));
 }
 
@@ -214,10 +214,10 @@ TEST(PolygonMask, OutlinesWithoutAnAreaGiveAnEmptyMask) {
   const Rows empty(6, "........");
   expectMask({}, empty);
   expectMask({{2, 2}}, empty);
-  expectMask({{1, 3}, {6, 3}}, empty);          // level
-  expectMask({{3, 1}, {3, 5}}, empty);          // upright
-  expectMask({{1, 1}, {5, 5}}, empty);          // slanted
-  expectMask({{1, 3}, {4, 3}, {6, 3}}, empty);  // three in a row
+  expectMask({{1, 3}, {6, 3}}, empty);          // horizontal
+  expectMask({{3, 1}, {3, 5}}, empty);          // vertical
+  expectMask({{1, 1}, {5, 5}}, empty);          // diagonal
+  expectMask({{1, 3}, {4, 3}, {6, 3}}, empty);  // collinear
   expectMask({{2, 2}, {2, 2}, {2, 2}}, empty);
 }
 

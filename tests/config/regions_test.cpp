@@ -43,8 +43,8 @@ class Regions : public ::testing::Test {
 
   bool read(const std::string& document) {
     bool done = false;
-    const Said said = saidDuring([&] { done = detector_.jsonReaderRoi(document, include_, exclude_); });
-    EXPECT_EQ(said, Said{});
+    const Printed printed = printedBy([&] { done = detector_.jsonReaderRoi(document, include_, exclude_); });
+    EXPECT_EQ(printed, Printed{});
     return done;
   }
 
@@ -82,7 +82,7 @@ TEST_F(Regions, NamesAndVerticesAreReadInOrder) {
   EXPECT_EQ(exclude_[0].mask, nullptr);
 }
 
-TEST_F(Regions, OfInterestNeedThreeVerticesAndStayNamedWithoutAnyBelow) {
+TEST_F(Regions, OfInterestWithFewerThanThreeVerticesKeepOnlyTheName) {
   for (int count = 0; count <= 4; ++count) {
     EXPECT_TRUE(read(R"({"roi":[{"name":"gate","points":)" + points(count) + "}]}"));
     ASSERT_EQ(include_.size(), 1U);
@@ -91,7 +91,7 @@ TEST_F(Regions, OfInterestNeedThreeVerticesAndStayNamedWithoutAnyBelow) {
   }
 }
 
-TEST_F(Regions, ToExcludeTakeEveryVertexHoweverFew) {
+TEST_F(Regions, ToExcludeKeepAnyNumberOfVertices) {
   for (int count = 0; count <= 4; ++count) {
     EXPECT_TRUE(read(R"({"ror":[{"name":"tree","points":)" + points(count) + "}]}"));
     ASSERT_EQ(exclude_.size(), 1U);
@@ -101,12 +101,12 @@ TEST_F(Regions, ToExcludeTakeEveryVertexHoweverFew) {
   EXPECT_EQ(exclude_[0].points, (Points{{1, 0}, {2, 0}, {3, 0}, {4, 0}}));
 }
 
-TEST_F(Regions, TheVerticesOfAShortRegionOfInterestAreNotEvenConverted) {
+TEST_F(Regions, TooFewVerticesOfARegionOfInterestAreNotConverted) {
   EXPECT_TRUE(read(R"({"roi":[{"points":[{"x":"left"},{}]}]})"));
   EXPECT_THAT(include_.at(0).points, IsEmpty());
 }
 
-TEST_F(Regions, ANameThatIsNoTextIsEmpty) {
+TEST_F(Regions, ANameThatIsNotAStringIsEmpty) {
   for (const std::string name : {"7", "null", "true", "[]", "{}"}) {
     EXPECT_TRUE(read(R"({"roi":[{"name":)" + name + R"(}],"ror":[{"name":)" + name + "}]}"));
     EXPECT_EQ(include_.at(0).name, "") << name;
@@ -114,7 +114,7 @@ TEST_F(Regions, ANameThatIsNoTextIsEmpty) {
   }
 }
 
-TEST_F(Regions, NamesAreCopiedExactlyAlsoTwice) {
+TEST_F(Regions, NamesAreCopiedUnchangedAndMayRepeat) {
   EXPECT_TRUE(read(R"({"roi":[{"name":" a\t\u20ac"},{"name":" a\t\u20ac"},{"name":""},{}]})"));
   ASSERT_EQ(include_.size(), 4U);
   EXPECT_EQ(include_[0].name, " a\t\xE2\x82\xAC");
@@ -123,7 +123,7 @@ TEST_F(Regions, NamesAreCopiedExactlyAlsoTwice) {
   EXPECT_EQ(include_[3].name, "");
 }
 
-TEST_F(Regions, PointsThatAreNoListGiveNoVertices) {
+TEST_F(Regions, PointsThatAreNotAListGiveNoVertices) {
   for (const std::string list : {"null", "3", "\"0.1\"", "true", R"({"x":"1","y":"1"})"}) {
     EXPECT_TRUE(read(R"({"roi":[{"points":)" + list + R"(}],"ror":[{"points":)" + list + "}]}"));
     EXPECT_THAT(include_.at(0).points, IsEmpty()) << list;
@@ -137,7 +137,7 @@ TEST_F(Regions, ANullRegionIsAnUnnamedEmptyOne) {
   EXPECT_EQ(include_[0].name, "");
 }
 
-TEST_F(Regions, MembersThatAreNoListGiveAnEmptyList) {
+TEST_F(Regions, MembersThatAreNotAListGiveAnEmptyList) {
   for (const std::string member : {"null", "1", "\"all\"", "true", R"({"name":"gate"})", "[]"}) {
     include_.resize(1);
     exclude_.resize(1);
@@ -175,7 +175,7 @@ TEST_F(Regions, TheListsAreReplacedNotExtended) {
   EXPECT_EQ(exclude_[0].mask, nullptr);
 }
 
-TEST_F(Regions, TextThatIsNotJsonLeavesBothListsSilently) {
+TEST_F(Regions, TextThatIsNotJsonLeavesBothListsAndPrintsNothing) {
   include_ = {{"old", {{1, 2}}, nullptr}};
   exclude_ = {{"older", {}, nullptr}};
   EXPECT_FALSE(read("not json"));
@@ -206,7 +206,7 @@ TEST_F(Regions, FractionsAreScaledInSinglePrecisionAndTruncatedTowardZero) {
       // 0.29F is 0.28999999166; times 100 it lies between the floats 28.99999809 and 29 and is rounded to 29.
       // In double precision the product would stay below 29.
       {100, "0.29", 29},
-      {16777217, "1", 16777216},  // 2^24 + 1 is no float
+      {16777217, "1", 16777216},  // 2^24 + 1 is not a float
       {2147483647, "0.5", 1073741824},
       {640, " \\t0.5", 320},
       {640, "0.5abc", 320},
@@ -227,7 +227,7 @@ TEST_F(Regions, WidthScalesXAndHeightScalesY) {
   EXPECT_EQ(firstVertex(quoted("0.5"), quoted("0.5")), (pnt{5, 50}));
 }
 
-TEST_F(Regions, WhatDoesNotFitAnIntBecomesTheSmallest) {
+TEST_F(Regions, CoordinatesOutOfIntRangeBecomeTheSmallestInt) {
   // Among them 3e38, whose product is infinite, and the boundary itself: 2 * 2^30 = 2^31.
   for (const std::string fraction : {"1e30", "-1e30", "3e38", "nan", "-nan", "inf", "-INFINITY"}) {
     EXPECT_EQ(firstVertex(quoted(fraction), quoted(fraction)), (pnt{INT32_MIN, INT32_MIN})) << fraction;
@@ -248,7 +248,7 @@ TEST_F(Regions, CoordinatesMayBeJsonNumbers) {
 
 class Lists : public Regions, public ::testing::WithParamInterface<const char*> {
  protected:
-  // A region of the list under test with two good points and `bad`.
+  // A region of the list under test with two valid points and `bad`.
   std::string regionWith(const std::string& bad) {
     return "{\"" + std::string(GetParam()) + R"(":[{"points":[)" + point("0", "0") + "," + bad + "," +
            point("0", "0") + "]}]}";
@@ -277,7 +277,7 @@ TEST_P(Lists, XIsConvertedBeforeY) {
   EXPECT_EQ(thrownReading(regionWith(point(quoted("1e39"), quoted("left")))), "std::out_of_range: stof");
 }
 
-TEST_P(Lists, WrongKindsThrowJsonsOwnException) {
+TEST_P(Lists, ValuesOfTheWrongKindThrowAJsonException) {
   const std::string list = GetParam();
   for (const std::string& document :
        {regionWith(point("{}", "0")), regionWith(point("0", "[0.5]")), regionWith("0.5"), regionWith("[0,0]"),
@@ -287,7 +287,7 @@ TEST_P(Lists, WrongKindsThrowJsonsOwnException) {
   }
 }
 
-TEST_F(Regions, ARootOfAnotherKindThrowsJsonsOwnException) {
+TEST_F(Regions, ARootOfTheWrongKindThrowsAJsonException) {
   for (const std::string root : {"[]", "\"roi\"", "1", "true"}) {
     EXPECT_THROW(detector_.jsonReaderRoi(root, include_, exclude_), Json::Exception) << root;
   }

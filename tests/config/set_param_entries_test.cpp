@@ -49,18 +49,18 @@ TEST(Entries, AnEntryEndsAtItsFirstNul) {
   EXPECT_EQ(widthAfter({"frmW 480", std::string("\0frmW 640", 9)}), 480);
 }
 
-TEST(Entries, AKeyWithoutAValueTakesTheValueOfTheEntryBefore) {
+TEST(Entries, AKeyWithoutAValueTakesTheValueOfThePreviousEntry) {
   kAMBLE engine;
   EXPECT_THAT(apply(engine, {"frmH 480", "frmW"}), ElementsAre(true, true));
   EXPECT_EQ(settingsOf(engine), defaultsExcept({{"szImgX", 480}, {"szImgY", 480}}));
 }
 
-TEST(Entries, AValueOfAnIgnoredOrRefusedEntryIsRememberedToo) {
+TEST(Entries, AValueOfAnIgnoredOrRefusedEntryIsReusedToo) {
   EXPECT_EQ(widthAfter({"maxBoxW 77", "frmW"}), 77);
   EXPECT_EQ(widthAfter({"NUM_SEGMENT_LOCK 99", "frmW\t"}), 99);
 }
 
-TEST(Entries, AnEmptyEntryRepeatsTheEntryBefore) {
+TEST(Entries, AnEmptyEntryRepeatsThePreviousEntry) {
   for (const std::string empty : {"", " ", "\t \n"}) {
     kAMBLE engine;
     EXPECT_THAT(apply(engine, {"frmH 480", "frmW", empty}), ElementsAre(true, true, true));
@@ -84,14 +84,14 @@ TEST(Entries, AnEmptyFirstEntryIsIgnored) {
   }
 }
 
-TEST(Entries, AFirstKeyWithoutAValueHoldsNoNumber) {
+TEST(Entries, AFirstKeyWithoutAValueHasNoNumber) {
   kAMBLE engine;
   EXPECT_EQ(thrownApplying(engine, {"frmW"}), "std::invalid_argument: stoi");
   EXPECT_EQ(thrownApplying(engine, {"minBoxW "}), "std::invalid_argument: stof");
   EXPECT_THAT(apply(engine, {"maxBoxW"}), ElementsAre(false));
 }
 
-TEST(Entries, NothingIsRememberedFromOneCallToTheNext) {
+TEST(Entries, NothingIsKeptFromOneCallToTheNext) {
   kAMBLE engine;
   apply(engine, {"frmH 480"});
   EXPECT_EQ(thrownApplying(engine, {"frmW"}), "std::invalid_argument: stoi");
@@ -107,7 +107,7 @@ TEST(Entries, KeysOfAnyLengthAreSafeAndIgnored) {
   }
 }
 
-TEST(Entries, ValuesOfAnyLengthAreTakenWhole) {
+TEST(Entries, ValuesOfAnyLengthAreReadCompletely) {
   for (const std::size_t length : {70U, 71U, 72U, 73U, 200U, 100000U}) {
     const std::string zeros(length, '0');
     kAMBLE engine;
@@ -166,7 +166,7 @@ TEST(Entries, ANumberOutOfRangeThrowsAndChangesNothing) {
   expectThrowing(fractionKeys, {"1e39", "-1e39", "1e-60"}, "std::out_of_range: stof");
 }
 
-TEST(Entries, WhatStoodBeforeTheBadValueStaysAndWhatFollowsIsNotRead) {
+TEST(Entries, EntriesBeforeABadValueStayAppliedAndLaterOnesAreNotRead) {
   kAMBLE engine;
   EXPECT_EQ(thrownApplying(engine, {"frmW 3", "sensitivity 2", "frmH x", "frmChn 3"}),
             "std::invalid_argument: stoi");

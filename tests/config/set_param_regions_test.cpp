@@ -36,7 +36,7 @@ class RegionMasks : public ::testing::Test {
     return drawing(mask, frame.size() * frame[0].size(), static_cast<int>(frame[0].size()));
   }
 
-  // A further call drops the masks of the call before without freeing them.
+  // Another call replaces these masks without freeing them, so the test frees them.
   static std::vector<std::uint8_t*> masksOf(const kAMBLE& engine) {
     std::vector<std::uint8_t*> masks;
     for (const polygon& region : engine.roiInclude) masks.push_back(region.mask);
@@ -94,7 +94,7 @@ TEST_F(RegionMasks, EveryRegionGetsItsOwnMask) {
   EXPECT_EQ(drawn(engine_.roiExclude.at(0).mask, tree), picture(tree));
 }
 
-TEST_F(RegionMasks, TheEngineKeepsCopiesAndTheCallersListsStayAsTheyAre) {
+TEST_F(RegionMasks, TheEngineKeepsCopiesAndTheCallersListsAreUnchanged) {
   include_ = {area("left", 0, 0, 3, 3)};
   exclude_ = {area("tree", 3, 0, 5, 2)};
   set(frame8x4);
@@ -112,7 +112,7 @@ TEST_F(RegionMasks, TheUsableRegionIsAlignedTo32Bytes) {
   EXPECT_EQ(reinterpret_cast<std::uintptr_t>(engine_.roiMask) % 32, 0U);
 }
 
-TEST_F(RegionMasks, AMaskThatARegionBringsAlongIsDrawnOverAndOwnedByTheEngine) {
+TEST_F(RegionMasks, AMaskThatARegionAlreadyHasIsOverwrittenAndOwnedByTheEngine) {
   include_ = {area("left", 0, 0, 3, 3)};
   auto* const mask = new std::uint8_t[32];
   std::fill_n(mask, 32, std::uint8_t{9});
@@ -124,7 +124,7 @@ TEST_F(RegionMasks, AMaskThatARegionBringsAlongIsDrawnOverAndOwnedByTheEngine) {
   EXPECT_EQ(usable(left), picture(left));
 }
 
-TEST_F(RegionMasks, AnEmptyParameterListBuildsThemWithTheSizeThatTheEngineHolds) {
+TEST_F(RegionMasks, AnEmptyParameterListBuildsThemWithTheSizeOfTheEngine) {
   engine_.szImgX = 5;
   engine_.szImgY = 2;
   include_ = {area("left", 0, 0, 3, 1)};
@@ -141,7 +141,7 @@ TEST_F(RegionMasks, ANewEngineAndAnEmptyParameterListStillCopyTheRegions) {
   EXPECT_EQ(engine_.roiExclude.size(), 1U);
 }
 
-TEST_F(RegionMasks, OneFrameSideWithoutTheOtherDrawsNothing) {
+TEST_F(RegionMasks, OneFrameSideAloneDrawsNothing) {
   include_ = {area("left", 0, 0, 3, 3)};
   set({"frmW 8", "frmH -4"});
   EXPECT_EQ(engine_.szImgY, 0);
@@ -214,7 +214,7 @@ TEST_F(RegionMasks, ABadValueLeavesTheRegionsCopiedAndTheUsableMaskNotRebuilt) {
   releaseMasks(dropped);
 }
 
-TEST_F(RegionMasks, ABadValueAtFirstLeavesNoUsableMask) {
+TEST_F(RegionMasks, ABadValueInTheFirstCallLeavesNoUsableMask) {
   include_ = {area("left", 0, 0, 3, 3)};
   EXPECT_EQ(thrownBy([&] { set({"frmW 8", "frmH x"}); }), "std::invalid_argument: stoi");
   EXPECT_EQ(engine_.roiMask, nullptr);
@@ -239,7 +239,7 @@ TEST_F(RegionMasks, PixelsBeyondTheUsableMaskAreOutsideEveryRegion) {
 // Pixel counts that wrap in 32 bits: 2^32 to 0, 50000^2 = 2500000000 below zero, 65537^2 to 131073. Such a
 // frame may have any result, but nothing is written outside the buffers.
 TEST_F(RegionMasks, APixelCountThatWrapsIsSafe) {
-  const FailingAlloc absurdRequestsThrow;
+  const FailingAlloc hugeRequestsThrow;
   for (const std::string side : {"65536", "50000", "65537"}) {
     kAMBLE engine;
     std::vector<std::string> entries = {"frmW " + side, "frmH " + side};

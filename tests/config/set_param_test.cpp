@@ -14,15 +14,15 @@ using ::testing::IsEmpty;
 std::vector<bool> apply(kAMBLE& engine, std::vector<std::string> entries) {
   std::vector<polygon> none;
   std::vector<bool> flags;
-  const Said said = saidDuring([&] { flags = engine.setParam(entries, none, none); });
-  EXPECT_EQ(said, Said{});
+  const Printed printed = printedBy([&] { flags = engine.setParam(entries, none, none); });
+  EXPECT_EQ(printed, Printed{});
   return flags;
 }
 
 struct Row {
   std::string entry;
   bool accepted;
-  Settings changes;  // against a new engine
+  Settings changes;  // compared with a new engine
 };
 
 void check(const std::vector<Row>& rows) {
@@ -107,7 +107,7 @@ TEST_F(SetParam, MinimumBoxSizesAreFractionsAbove0AndUpTo1) {
   }
 }
 
-TEST_F(SetParam, NotANumberIsInNoRange) {
+TEST_F(SetParam, NotANumberIsOutOfEveryRange) {
   for (const std::string key : {"minBoxW", "minBoxH", "MIN_BOUNDING_BOX_W", "MIN_BOUNDING_BOX_H"}) {
     check({{key + " nan", false, {}}, {key + " -nan", false, {}}});
   }
@@ -123,7 +123,7 @@ TEST_F(SetParam, APositiveLifeStaticIsRefusedAndZeroOrLessIsStoredWithItsFrames)
   });
 }
 
-TEST_F(SetParam, LifeInFramesThatDoesNotFitAnIntBecomesTheSmallest) {
+TEST_F(SetParam, LifeInFramesOutOfIntRangeBecomesTheSmallestInt) {
   check({
       {"lifeStatic -71582788", true, {{"lifeStatic", -71582788}, {"lifeStaticFrm", -2147483640}}},
       {"lifeStatic -71582789", true, {{"lifeStatic", -71582789}, {"lifeStaticFrm", INT32_MIN}}},
@@ -205,7 +205,7 @@ TEST_F(SetParam, ThereIsOneFlagForEveryEntryInOrder) {
   EXPECT_THAT(apply(engine, {}), IsEmpty());
 }
 
-TEST_F(SetParam, TheLastWriterOfAFieldWins) {
+TEST_F(SetParam, TheLastEntryForAFieldWins) {
   struct Case {
     std::vector<std::string> entries;
     Settings changes;
@@ -238,12 +238,12 @@ class AutomaticSensitivity : public ::testing::Test {
   AutomaticSensitivity() { hostLog().clear(); }
 };
 
-TEST_F(AutomaticSensitivity, IsAskedForWithMinus1AndToldToTheHostsLog) {
+TEST_F(AutomaticSensitivity, IsEnabledByMinus1AndWrittenToTheHostsLog) {
   check({{"sensitivity -1", true, {{"thrMatch", 7}, {"thrHeuris", 10}, {"autoSensitivity", 1}}}});
   EXPECT_THAT(hostLog(), ElementsAre(autoLine));
 }
 
-TEST_F(AutomaticSensitivity, StaysOnWhenALaterEntryNamesALevel) {
+TEST_F(AutomaticSensitivity, StaysOnWhenALaterEntrySetsALevel) {
   kAMBLE engine;
   EXPECT_THAT(apply(engine, {"sensitivity -1", "sensitivity 2"}), ElementsAre(true, true));
   EXPECT_EQ(settingsOf(engine),
@@ -253,7 +253,7 @@ TEST_F(AutomaticSensitivity, StaysOnWhenALaterEntryNamesALevel) {
   EXPECT_THAT(hostLog(), ElementsAre(autoLine));
 }
 
-TEST_F(AutomaticSensitivity, IsToldEveryTimeItIsAskedFor) {
+TEST_F(AutomaticSensitivity, IsLoggedEveryTimeItIsEnabled) {
   kAMBLE engine;
   apply(engine, {"sensitivity -1", "sensitivity -1"});
   EXPECT_THAT(hostLog(), ElementsAre(autoLine, autoLine));

@@ -1,4 +1,4 @@
-// All settings and scalar state of an engine at once, so that a test sees what a call changed and that it
+// All settings and scalar state of an engine at once, so that a test checks what a call changed and that it
 // changed nothing else.
 #pragma once
 

@@ -1,4 +1,4 @@
-// What the first frame's set-up makes, and what a second set-up keeps and replaces.
+// What the set-up on the first frame makes, and what a second set-up keeps and replaces.
 #include <gtest/gtest.h>
 #include <malloc.h>
 
@@ -56,13 +56,13 @@ TEST(EngineBuffers, MatchDistanceStartsAt255ForEveryPixel) {
   expectPlane<std::uint32_t>("minDist", engine.minDist, 35, 255);
 }
 
-TEST(EngineBuffers, WithoutConfigurationEveryPixelLiesOutsideTheUsableRegion) {
+TEST(EngineBuffers, WithoutConfigurationEveryPixelIsOutsideTheUsableRegion) {
   UnsizedEngine engine(7, 5, 1);
   ASSERT_TRUE(engine.initBuffer_ncv());
   expectPlane<std::uint8_t>("roiMask", engine.roiMask, 35, 0);
 }
 
-TEST(EngineBuffers, RegionMaskThatExistsSurvives) {
+TEST(EngineBuffers, ExistingRegionMaskIsKept) {
   UnsizedEngine engine(3, 1, 1);
   put(engine.roiMask, Bytes{1, 0, 1});
   std::uint8_t* const mask = engine.roiMask;
@@ -71,7 +71,7 @@ TEST(EngineBuffers, RegionMaskThatExistsSurvives) {
   EXPECT_EQ(drawing(engine.roiMask, 3, 3), picture({"1.1"}));
 }
 
-TEST(EngineBuffers, PlanesThatTheCallerMadeBeforeSurvive) {
+TEST(EngineBuffers, PlanesThatTheCallerMadeAreKept) {
   UnsizedEngine engine(3, 1, 1);
   put(engine.fgMask, Bytes{255, 0, 255});
   put(engine.prevFgMask, Bytes{0, 255, 255});
@@ -93,7 +93,7 @@ TEST(EngineBuffers, SetUpLeavesTheBuffersOfLaterStepsNull) {
   EXPECT_EQ(engine.labelRows, nullptr);
 }
 
-TEST(EngineBuffers, ModelHasOneZeroRecordAPixel) {
+TEST(EngineBuffers, ModelHasOneZeroRecordPerPixel) {
   UnsizedEngine engine(7, 5, 3);
   ASSERT_TRUE(engine.initBuffer_ncv());
   ASSERT_EQ(engine.bgModel.size(), 35U);
@@ -103,7 +103,7 @@ TEST(EngineBuffers, ModelHasOneZeroRecordAPixel) {
   }
 }
 
-TEST(EngineBuffers, LivesAreZero) {
+TEST(EngineBuffers, LifeIsZero) {
   UnsizedEngine engine(7, 5, 3);
   ASSERT_TRUE(engine.initBuffer_ncv());
   ASSERT_NE(engine.fgLife, nullptr);
@@ -161,7 +161,7 @@ TEST_P(MinimumBoxSide, IsTheFractionOfTheSideInSinglePrecisionTruncated) {
   EXPECT_EQ(high.minObjHPxl, expected.pixels);
 }
 
-constexpr int unfit = std::numeric_limits<std::int32_t>::min();
+constexpr int outOfRange = std::numeric_limits<std::int32_t>::min();
 
 INSTANTIATE_TEST_SUITE_P(
     EngineBuffers, MinimumBoxSide,
@@ -170,15 +170,15 @@ INSTANTIATE_TEST_SUITE_P(
         MinimumCase{"truncates", 0.05F, 39, 1},  // 1.95
         // 0.29F is 0.28999999165; times 100 that is 28.999999165, whose nearest float is 29 (in double: 28).
         MinimumCase{"singlePrecision", 0.29F, 100, 29}, MinimumCase{"belowOnePixel", 0.05F, 19, 0},
-        MinimumCase{"tooLargeForAnInt", 1e9F, 100, unfit},
-        MinimumCase{"notANumber", std::numeric_limits<float>::quiet_NaN(), 100, unfit}),
+        MinimumCase{"tooLargeForAnInt", 1e9F, 100, outOfRange},
+        MinimumCase{"notANumber", std::numeric_limits<float>::quiet_NaN(), 100, outOfRange}),
     byName);
 
-// A second set-up drops the background image and the neighbour arrays without freeing them, so the test frees
-// them.
+// A second set-up replaces the background image and the neighbour arrays without freeing them, so the test
+// frees them.
 class SecondSetUp : public ::testing::Test {
  protected:
-  void again() {
+  void setUpAgain() {
     droppedBgImg = engine.bgImg;
     droppedArrays = engine.nbrIdx;
     ASSERT_TRUE(engine.initBuffer_ncv());
@@ -201,7 +201,7 @@ TEST_F(SecondSetUp, KeepsEveryPlaneAndItsContents) {
   const void* const before[] = {engine.roiMask,   engine.fgMask,       engine.auxMask,     engine.absorbMask,
                                 engine.updTimer,  engine.auxMap,       engine.minDist,     engine.fgLife,
                                 engine.nbrCursor, engine.sampleCursor, engine.refreshCount};
-  again();
+  setUpAgain();
   const void* const after[] = {engine.roiMask,   engine.fgMask,       engine.auxMask,     engine.absorbMask,
                                engine.updTimer,  engine.auxMap,       engine.minDist,     engine.fgLife,
                                engine.nbrCursor, engine.sampleCursor, engine.refreshCount};
@@ -211,28 +211,28 @@ TEST_F(SecondSetUp, KeepsEveryPlaneAndItsContents) {
   EXPECT_EQ(engine.minDist[5], 7U);
 }
 
-TEST_F(SecondSetUp, ZeroesTheLivesAgain) {
+TEST_F(SecondSetUp, ResetsLifeToZero) {
   engine.fgLife[5] = 12.0F;
-  again();
+  setUpAgain();
   EXPECT_EQ(engine.fgLife[5], 0.0F);
 }
 
 TEST_F(SecondSetUp, KeepsTheModel) {
   engine.bgModel[5].samples[3][1] = 77;
-  again();
+  setUpAgain();
   EXPECT_EQ(engine.bgModel.size(), 12U);
   EXPECT_EQ(engine.bgModel[5].samples[3][1], 77);
 }
 
 TEST_F(SecondSetUp, MakesANewBackgroundImage) {
   engine.bgImg[5] = 99;
-  again();
+  setUpAgain();
   EXPECT_NE(engine.bgImg, droppedBgImg);
   EXPECT_EQ(engine.bgImg[5], 0);
 }
 
-TEST_F(SecondSetUp, AppendsTheOffsetsOnceMore) {
-  again();
+TEST_F(SecondSetUp, AppendsTheOffsetsAgain) {
+  setUpAgain();
   ASSERT_EQ(engine.nbrOffset.size(), 50U);
   for (std::size_t i = 0; i < 25; ++i) {
     EXPECT_EQ(engine.nbrOffset[i].x, engine.nbrOffset[i + 25].x);
@@ -241,7 +241,7 @@ TEST_F(SecondSetUp, AppendsTheOffsetsOnceMore) {
 }
 
 TEST_F(SecondSetUp, GivesEveryPixelANewNeighbourArray) {
-  again();
+  setUpAgain();
   ASSERT_EQ(engine.nbrIdx.size(), 12U);
   for (std::size_t i = 0; i < 12; ++i) {
     EXPECT_NE(engine.nbrIdx[i], droppedArrays[i]);
@@ -249,9 +249,9 @@ TEST_F(SecondSetUp, GivesEveryPixelANewNeighbourArray) {
   }
 }
 
-TEST_F(SecondSetUp, CutsLongerListsToTheNewSize) {
+TEST_F(SecondSetUp, TruncatesLongerListsToTheNewSize) {
   engine.szImgX = 3;
-  again();
+  setUpAgain();
   EXPECT_EQ(engine.nbrIdx.size(), 9U);
   EXPECT_EQ(engine.nbr4Idx.size(), 9U);
   EXPECT_EQ(engine.bgModel.size(), 9U);

@@ -12,7 +12,8 @@ inline Bytes plainFrame(int width, int height, int channels, std::uint8_t value)
   return Bytes(static_cast<std::size_t>(width * height * channels), value);
 }
 
-// An engine for 4 x 3 frames, all of it a region; times are 10 ms apart, so the rate never moves the life.
+// An engine for 4 x 3 frames, every pixel inside the region. Timestamps are 10 ms apart, a rate out of range,
+// so lifeStaticFrm keeps its value.
 struct Camera : kAMBLE {
   Camera() { put(roiMask, Bytes(12, 1)); }
 

@@ -38,7 +38,7 @@ void PrintTo(const ChannelCase& cycle, std::ostream* out) { *out << cycle.name; 
 
 class ChannelCycle : public ::testing::TestWithParam<ChannelCase> {};
 
-TEST_P(ChannelCycle, ComparesOneChannelAFrameInBothDifferences) {
+TEST_P(ChannelCycle, ComparesOneChannelPerFrameInBothDifferences) {
   ChannelEngine engine(GetParam().channels);
   for (const int channel : GetParam().compared) {
     EXPECT_FALSE(engine.heuristic_ncv());
@@ -76,9 +76,9 @@ TEST(Difference, BuffersAreMadeZeroFilledAlignedAndKept) {
   const std::uint8_t* const illumination = engine.illumDiff;
   EXPECT_EQ(reinterpret_cast<std::uintptr_t>(temporal) % 32, 0U);
   EXPECT_EQ(reinterpret_cast<std::uintptr_t>(illumination) % 32, 0U);
-  EXPECT_GE(malloc_usable_size(engine.illumDiff), 6U) << "sized as a frame";
+  EXPECT_GE(malloc_usable_size(engine.illumDiff), 6U) << "as large as a frame";
   EXPECT_TRUE(std::all_of(illumination + 2, illumination + 6, [](int byte) { return byte == 0; }))
-      << "one byte a pixel is used";
+      << "one byte per pixel is used";
   engine.heuristic_ncv();
   EXPECT_EQ(engine.rdDiff, temporal);
   EXPECT_EQ(engine.illumDiff, illumination);
@@ -102,7 +102,7 @@ TEST(Difference, WithoutPreviousFrameEveryPixelCountsAsChanged) {
   EXPECT_EQ(engine.diffChn, 0) << "the channel stays";
 }
 
-TEST(Difference, WithoutPreviousFrameAnExistingDifferenceStays) {
+TEST(Difference, WithoutPreviousFrameAnExistingDifferenceIsKept) {
   SizedEngine engine(3, 1, 1);
   put(engine.rdDiff, Bytes{1, 2, 3});
   engine.heuristic_ncv();
@@ -116,14 +116,14 @@ TEST(Difference, PreviousMaskStartsAtOneSoThatNoPixelTakesTheShortcut) {
   EXPECT_EQ(engine.drawn(engine.prevFgMask), picture({"11"}));
 }
 
-TEST(Difference, PreviousMaskThatExistsStays) {
+TEST(Difference, ExistingPreviousMaskIsKept) {
   ChannelEngine engine(1);
   put(engine.prevFgMask, Bytes{255, 0});
   engine.heuristic_ncv();
   EXPECT_EQ(engine.drawn(engine.prevFgMask), picture({"#."}));
 }
 
-TEST(Difference, MissingMaskIsMadeBesideTheMissingPreviousMask) {
+TEST(Difference, MissingMaskIsMadeTogetherWithAMissingPreviousMask) {
   ChannelEngine engine(1);
   std::free(engine.fgMask);
   engine.fgMask = nullptr;
@@ -132,7 +132,7 @@ TEST(Difference, MissingMaskIsMadeBesideTheMissingPreviousMask) {
   EXPECT_EQ(engine.drawn(engine.fgMask), picture({".."}));
 }
 
-TEST(Difference, MissingMaskStaysMissingBesideAnExistingPreviousMask) {
+TEST(Difference, MissingMaskStaysMissingIfThePreviousMaskExists) {
   ChannelEngine engine(1);
   put(engine.prevFgMask, Bytes{255, 0});
   std::free(engine.fgMask);
@@ -141,7 +141,7 @@ TEST(Difference, MissingMaskStaysMissingBesideAnExistingPreviousMask) {
   EXPECT_EQ(engine.fgMask, nullptr);
 }
 
-TEST(Difference, OfALargerSizeThanTheEngineWasMadeForIsNotTaken) {
+TEST(Difference, OfALargerSizeThanTheModelIsNotComputed) {
   ChannelEngine engine(3);
   engine.szImgX = 20;
   engine.szImgY = 10;
@@ -150,7 +150,7 @@ TEST(Difference, OfALargerSizeThanTheEngineWasMadeForIsNotTaken) {
   EXPECT_EQ(engine.diffChn, 0);
 }
 
-TEST(Difference, OfASmallerSizeLeavesTheOtherPixelsAlone) {
+TEST(Difference, OfASmallerSizeLeavesTheOtherPixelsUnchanged) {
   ChannelEngine engine(3);
   engine.szImgX = 1;
   engine.heuristic_ncv();
@@ -162,7 +162,7 @@ TEST(Difference, OfASmallerSizeLeavesTheOtherPixelsAlone) {
 }
 
 // The byte before the first pixel is outside the plane.
-TEST(Difference, NegativeChannelCounterStandsForTheFirstChannel) {
+TEST(Difference, NegativeChannelCounterMeansTheFirstChannel) {
   ChannelEngine engine(3);
   engine.diffChn = -2;
   for (const int next : {-1, 0, 1, 2}) {
@@ -172,7 +172,7 @@ TEST(Difference, NegativeChannelCounterStandsForTheFirstChannel) {
   }
 }
 
-TEST(Difference, SkippingIsCleared) {
+TEST(Difference, SkipFrameIsCleared) {
   ChannelEngine engine(1);
   engine.skipFrame = true;
   EXPECT_FALSE(engine.heuristic_ncv());

@@ -10,14 +10,14 @@
 namespace lm::test {
 namespace {
 
-constexpr std::int32_t unfit = std::numeric_limits<std::int32_t>::min();
+constexpr std::int32_t outOfRange = std::numeric_limits<std::int32_t>::min();
 
 void estimateAt(kAMBLE& engine, std::int64_t timestamp) {
   engine.curTimestamp = timestamp;
   engine.estFrameRate();
 }
 
-TEST(TimestampRate, FirstTimestampIsOnlyRemembered) {
+TEST(TimestampRate, FirstTimestampIsOnlyStored) {
   kAMBLE engine;
   estimateAt(engine, 1000);
   EXPECT_EQ(engine.prevTimestamp, 1000);
@@ -35,7 +35,7 @@ void PrintTo(const StepCase& step, std::ostream* out) { *out << step.name; }
 
 class TimestampStep : public ::testing::TestWithParam<StepCase> {};
 
-TEST_P(TimestampStep, GivesTheRawRateAndALifeOnlyFrom3To40) {
+TEST_P(TimestampStep, GivesTheRawRateAndSetsLifeOnlyFrom3To40) {
   kAMBLE engine;
   estimateAt(engine, 1000);
   estimateAt(engine, 1000 + GetParam().step);
@@ -56,7 +56,7 @@ INSTANTIATE_TEST_SUITE_P(TimestampRate, TimestampStep,
                                            StepCase{"backward", -200, 0.0, 160}),
                          byName);
 
-TEST(TimestampRate, AfterAStepBackTheNextStepCountsFromThere) {
+TEST(TimestampRate, AfterAStepBackTheNextStepIsMeasuredFromThere) {
   kAMBLE engine;
   estimateAt(engine, 5000);
   estimateAt(engine, 1000);
@@ -72,12 +72,12 @@ TEST(TimestampRate, DifferenceBeyond64BitsWraps) {
   EXPECT_EQ(engine.frmRate, 0.0);
 }
 
-TEST(TimestampRate, LifeThatFitsNoIntIsTheSmallestInt) {
+TEST(TimestampRate, LifeOutOfIntRangeIsTheSmallestInt) {
   kAMBLE engine;
   engine.lifeStatic = std::numeric_limits<std::int32_t>::max();
   estimateAt(engine, 1000);
   estimateAt(engine, 1040);
-  EXPECT_EQ(engine.lifeStaticFrm, unfit);
+  EXPECT_EQ(engine.lifeStaticFrm, outOfRange);
 }
 
 TEST(TimestampRate, NegativeLifeIsTruncatedTowardZero) {
@@ -88,7 +88,7 @@ TEST(TimestampRate, NegativeLifeIsTruncatedTowardZero) {
   EXPECT_EQ(engine.lifeStaticFrm, -90);
 }
 
-TEST(TimestampRate, LeavesTheWallClockFieldsAlone) {
+TEST(TimestampRate, LeavesTheWallClockFieldsUnchanged) {
   const ScriptedClock clock({{100, 0}});
   kAMBLE engine;
   estimateAt(engine, 1000);
@@ -97,7 +97,7 @@ TEST(TimestampRate, LeavesTheWallClockFieldsAlone) {
   EXPECT_EQ(engine.elapsedUs, 0);
 }
 
-// One estimate a scripted time, without timestamps.
+// One estimate per scripted time, without timestamps.
 struct ClockedEngine : kAMBLE {
   explicit ClockedEngine(std::vector<timeval> times) : clock(std::move(times)) {}
   void estimate(int frames) {
@@ -116,7 +116,7 @@ TEST(WallClockRate, FirstSampleIsTheTimeSinceTheEpochAndCountsAsThree) {
   EXPECT_EQ(engine.lifeStaticFrm, 89);            // 3 * 29.73 = 89.19
 }
 
-TEST(WallClockRate, RemembersTheTimeOfTheFrame) {
+TEST(WallClockRate, StoresTheTimeOfTheFrame) {
   ClockedEngine engine({{100, 7}, {100, 40007}});
   engine.estimate(2);
   EXPECT_EQ(engine.curTime.tv_sec, 100);
@@ -148,9 +148,9 @@ INSTANTIATE_TEST_SUITE_P(WallClockRate, WallClockSample,
                                            ClockCase{"ms30", {100, 30000}, 0.01 * (1.0 / 0.03)},
                                            ClockCase{"ms25_is40", {100, 25000}, 0.4},
                                            ClockCase{"ms1_above40", {100, 1000}, 0.4},
-                                           ClockCase{"noTimeAtAll", {100, 0}, 0.4},
+                                           ClockCase{"noTimeElapsed", {100, 0}, 0.4},
                                            ClockCase{"s2_below3", {102, 0}, 0.03},
-                                           // A negative time is taken as an unsigned number: nearly endless.
+                                           // A negative interval is converted to unsigned: a very long one.
                                            ClockCase{"backward", {99, 0}, 0.03}),
                          byName);
 
@@ -173,7 +173,7 @@ TEST(WallClockRate, DifferenceBeyond64BitsWraps) {
   EXPECT_EQ(engine.elapsedUs, -1000000);  // (2^63 - 1) * 10^6 modulo 2^64
 }
 
-TEST(WallClockRate, LifeFollowsOnEveryFrame) {
+TEST(WallClockRate, LifeIsUpdatedOnEveryFrame) {
   ClockedEngine engine({{100, 0}, {100, 1000}, {100, 2000}});
   engine.estimate(2);
   EXPECT_EQ(engine.lifeStaticFrm, 89);  // 0.99 * 29.73 + 0.4 = 29.8327; times 3 is 89.498
@@ -189,7 +189,7 @@ TEST(WallClockRate, IsUsedForTimestampZeroAndForUnknownTimes) {
     estimateAt(engine, timestamp);
     EXPECT_EQ(engine.frmRate, 0.99 * 30.0 + 0.03);
     EXPECT_EQ(engine.curTime.tv_sec, 100);
-    EXPECT_EQ(engine.prevTimestamp, 500) << "the timestamps' own memory stays";
+    EXPECT_EQ(engine.prevTimestamp, 500) << "the previous timestamp stays";
   }
 }
 

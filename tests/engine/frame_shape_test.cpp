@@ -23,10 +23,10 @@ TEST_P(Preprocess, AcceptsOneThreeAndFourChannelsOnly) {
   kAMBLE engine;
   const Bytes frame = plainFrame(4, 3, std::max(channels, 1), 9);
   int result = -1;
-  const Said said = saidDuring([&] { result = engine.preprocess_ncv(frame.data(), 4, 3, channels); });
+  const Printed printed = printedBy([&] { result = engine.preprocess_ncv(frame.data(), 4, 3, channels); });
   EXPECT_EQ(result, accepted ? channels : 0);
-  EXPECT_EQ(said, (Said{"", accepted ? "" : channelMessage}));
-  EXPECT_EQ(engine.frmChn, channels) << "stored before the count is judged";
+  EXPECT_EQ(printed, (Printed{"", accepted ? "" : channelMessage}));
+  EXPECT_EQ(engine.frmChn, channels) << "stored before the count is checked";
 }
 
 INSTANTIATE_TEST_SUITE_P(Channels, Preprocess, ::testing::Values(-1, 0, 1, 2, 3, 4, 5, 8));
@@ -61,25 +61,25 @@ TEST(Channels, CopyGrowsForAFrameThatNeedsMore) {
   EXPECT_EQ(reinterpret_cast<std::uintptr_t>(engine.curFrame) % 32, 0U);
 }
 
-TEST(Channels, TwoChannelFrameFirstDoesNotDisturbThreeChannelFramesAfterIt) {
+TEST(Channels, TwoChannelFrameFirstDoesNotAffectLaterThreeChannelFrames) {
   Camera engine;
   EXPECT_FALSE(engine.learnPlain(50, 2));
   EXPECT_EQ(engine.frmCount, 0);
-  EXPECT_EQ(engine.fgMask, nullptr) << "nothing was sized";
+  EXPECT_EQ(engine.fgMask, nullptr) << "no buffer was made";
   EXPECT_TRUE(engine.learnPlain(50, 3));
   EXPECT_TRUE(engine.learnPlain(200, 3));
   EXPECT_EQ(engine.frmCount, 2);
   EXPECT_EQ(engine.drawn(engine.fgMask), picture({"####", "####", "####"}));
 }
 
-TEST(Channels, RefusedFrameChangesNothingButTheCopyAndTheCount) {
+TEST(Channels, RefusedFrameChangesOnlyTheCopyAndTheChannelCount) {
   Camera engine;
   engine.learnPlain(50, 3);
   engine.learnPlain(50, 3);
   const double rate = engine.frmRate;
   engine.numPeriodLock = 1;
-  const Said said = saidDuring([&] { EXPECT_FALSE(engine.learnPlain(200, 2)); });
-  EXPECT_EQ(said, (Said{"", channelMessage}));
+  const Printed printed = printedBy([&] { EXPECT_FALSE(engine.learnPlain(200, 2)); });
+  EXPECT_EQ(printed, (Printed{"", channelMessage}));
   EXPECT_EQ(engine.frmChn, 2);
   EXPECT_EQ(engine.curFrame[0], 200);
   EXPECT_EQ(engine.frmCount, 2);
@@ -127,7 +127,7 @@ TEST(ChangedSize, FrameThatNeedsMoreRoomIsRefused) {
     EXPECT_FALSE(engine.learn(plainFrame(width, height, channels, 200), width, height, channels));
     EXPECT_EQ(engine.frmCount, 2);
     EXPECT_EQ(engine.prevFrame[0], 50);
-    EXPECT_TRUE(engine.learnPlain(200, 3)) << "frames of the right size go on";
+    EXPECT_TRUE(engine.learnPlain(200, 3)) << "frames of the right size are still accepted";
     EXPECT_EQ(engine.drawn(engine.fgMask), picture({"####", "####", "####"}));
   }
 }
@@ -143,14 +143,14 @@ TEST(ChangedSize, SmallerFrameOverwritesTheBeginningOnly) {
   EXPECT_EQ(engine.frmCount, 2);
 }
 
-TEST(ChangedSize, SmallerFrameRemembersTheMaskOfItsOwnPixelsOnly) {
+TEST(ChangedSize, SmallerFrameStoresThePreviousMaskOfItsOwnPixelsOnly) {
   Camera engine;
   engine.learnPlain(50, 1);
   ASSERT_TRUE(engine.learn(Bytes(7, 200), 7, 1, 1));
   EXPECT_EQ(engine.drawn(engine.fgMask), picture({"####", "###.", "...."}));
   EXPECT_EQ(Bytes(engine.prevFgMask, engine.prevFgMask + 12),
             (Bytes{255, 255, 255, 255, 255, 255, 255, 1, 1, 1, 1, 1}))
-      << "1 is what the plane was made with";
+      << "1 is the plane's initial value";
 }
 
 TEST(ChangedSize, FewerChannelsAreAccepted) {
@@ -171,15 +171,15 @@ TEST(HugeSize, ProductThatWrapsToASmallCountIsLearnedWithThatManyPixels) {
   const Bytes dark(65536, 50);
   const Bytes bright(65536, 200);
   bool learned = false;
-  const Said said = saidDuring([&] { learned = engine.learn(dark, 65536, 65537, 1); });
+  const Printed printed = printedBy([&] { learned = engine.learn(dark, 65536, 65537, 1); });
   EXPECT_TRUE(learned);
-  EXPECT_EQ(said, (Said{"", "W, H, Pixels = 65536, 65537, 65536\n"}));
+  EXPECT_EQ(printed, (Printed{"", "W, H, Pixels = 65536, 65537, 65536\n"}));
   ASSERT_TRUE(engine.learn(bright, 65536, 65537, 1));
   EXPECT_TRUE(std::all_of(engine.fgMask, engine.fgMask + 65536, [](int byte) { return byte == 255; }));
   EXPECT_TRUE(engine.genFgObj_ncv(engine.fgMask).empty());
 }
 
-TEST(HugeSize, ProductThatWrapsToZeroIsSurvived) {
+TEST(HugeSize, ProductThatWrapsToZeroDoesNotCrash) {
   kAMBLE engine;
   const std::uint8_t pixel = 50;
   for (int frame = 0; frame < 3; ++frame) {
@@ -198,9 +198,9 @@ TEST(HugeSize, ProductThatWrapsBelowZeroIsRefusedAsAFrame) {
 TEST(HugeSize, ProductThatWrapsBelowZeroThrowsFromTheSetUp) {
   kAMBLE engine;
   engine.frmChn = 1;
-  const Said said =
-      saidDuring([&] { EXPECT_THROW(engine.initialization_ncv(46341, 46341), std::bad_alloc); });
-  EXPECT_EQ(said, (Said{"", "W, H, Pixels = 46341, 46341, -2147479015\n"}));
+  const Printed printed =
+      printedBy([&] { EXPECT_THROW(engine.initialization_ncv(46341, 46341), std::bad_alloc); });
+  EXPECT_EQ(printed, (Printed{"", "W, H, Pixels = 46341, 46341, -2147479015\n"}));
 }
 
 // ---- regions smaller than the frame -------------------------------------------------------------

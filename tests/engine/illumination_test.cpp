@@ -14,8 +14,9 @@ namespace {
 
 // Background pixels of value 100 in a row, the background image 0; every neighbour entry is the pixel to the
 // right, the last one's the first. Nothing qualifies for the refresh.
-struct LitRow : SizedEngine {
-  explicit LitRow(const Bytes& illumination) : SizedEngine(static_cast<int>(illumination.size()), 1, 1) {
+struct BackgroundRow : SizedEngine {
+  explicit BackgroundRow(const Bytes& illumination)
+      : SizedEngine(static_cast<int>(illumination.size()), 1, 1) {
     addFrames();
     put(illumDiff, illumination);
     std::fill_n(curFrame, pixels(), std::uint8_t{100});
@@ -35,26 +36,26 @@ struct LitRow : SizedEngine {
 };
 
 TEST(Illumination, LocalChangeIsWrittenWhereTheNeighbourChangedToo) {
-  LitRow engine({6, 6, 6, 0});
+  BackgroundRow engine({6, 6, 6, 0});
   EXPECT_TRUE(engine.updateModel_ncv());
   EXPECT_EQ(engine.written(), picture({"##.."})) << "the third pixel's neighbour did not change";
 }
 
-TEST(Illumination, ChangeHasToExceedTheThreshold) {
-  LitRow engine({5, 5, 6, 5});  // thrIllum 5
+TEST(Illumination, ChangeMustExceedTheThreshold) {
+  BackgroundRow engine({5, 5, 6, 5});  // thrIllum 5
   engine.illumRatio = 1.0F;
   engine.updateModel_ncv();
   EXPECT_EQ(engine.written(), picture({"..#."}));
 }
 
-TEST(Illumination, NeighboursChangeHasToExceedTheThresholdToo) {
-  LitRow engine({6, 5});
+TEST(Illumination, NeighboursChangeMustExceedTheThresholdToo) {
+  BackgroundRow engine({6, 5});
   engine.updateModel_ncv();
   EXPECT_EQ(engine.written(), picture({".."}));
 }
 
 TEST(Illumination, EveryLocalChangeAdvancesTheNeighbourCursor) {
-  LitRow engine({6, 6, 0});
+  BackgroundRow engine({6, 6, 0});
   engine.nbrCursor[0] = 24;
   engine.nbrCursor[1] = 3;
   engine.nbrCursor[2] = 3;
@@ -65,7 +66,7 @@ TEST(Illumination, EveryLocalChangeAdvancesTheNeighbourCursor) {
 }
 
 TEST(Illumination, NeighbourIsTheOneUnderTheCursor) {
-  LitRow engine({6, 0, 6});
+  BackgroundRow engine({6, 0, 6});
   engine.nbrCursor[0] = 7;
   engine.nbrIdx[0][7] = 2;
   engine.updateModel_ncv();
@@ -73,7 +74,7 @@ TEST(Illumination, NeighbourIsTheOneUnderTheCursor) {
 }
 
 TEST(Illumination, IsolatedChangeStillQualifiesForTheRefresh) {
-  LitRow engine({6, 0});
+  BackgroundRow engine({6, 0});
   engine.minDist[0] = 21;
   engine.refreshCount[0] = 1;
   engine.updateModel_ncv();
@@ -82,7 +83,7 @@ TEST(Illumination, IsolatedChangeStillQualifiesForTheRefresh) {
 }
 
 TEST(Illumination, ChangeWithItsNeighbourIsWrittenWithoutRefresh) {
-  LitRow engine({6, 6});
+  BackgroundRow engine({6, 6});
   std::fill_n(engine.minDist, 2, 21U);
   std::fill_n(engine.refreshCount, 2, 1U);
   engine.updateModel_ncv();
@@ -92,7 +93,7 @@ TEST(Illumination, ChangeWithItsNeighbourIsWrittenWithoutRefresh) {
 }
 
 TEST(Illumination, SceneWideChangeIsWrittenAtOnceWithoutNeighbourOrRefresh) {
-  LitRow engine({6, 0, 6, 0});
+  BackgroundRow engine({6, 0, 6, 0});
   std::fill_n(engine.minDist, 4, 21U);
   std::fill_n(engine.refreshCount, 4, 1U);
   engine.illumRatio = 0.5F;
@@ -104,27 +105,27 @@ TEST(Illumination, SceneWideChangeIsWrittenAtOnceWithoutNeighbourOrRefresh) {
 }
 
 TEST(Illumination, SceneWideBeginsAtFifteenPerCentOfThePreviousUpdate) {
-  LitRow below({6, 0});
+  BackgroundRow below({6, 0});
   below.illumRatio = std::nextafter(0.15F, 0.0F);
   below.updateModel_ncv();
   EXPECT_EQ(below.written(), picture({".."}));
-  LitRow at({6, 0});
+  BackgroundRow at({6, 0});
   at.illumRatio = 0.15F;
   at.updateModel_ncv();
   EXPECT_EQ(at.written(), picture({"#."}));
 }
 
 TEST(Illumination, ShareOfOneUpdateDecidesTheNext) {
-  LitRow engine({0, 6, 0, 6});
+  BackgroundRow engine({0, 6, 0, 6});
   engine.updateModel_ncv();
-  EXPECT_EQ(engine.written(), picture({"...."})) << "local while the update runs";
+  EXPECT_EQ(engine.written(), picture({"...."})) << "local during this update";
   EXPECT_EQ(engine.illumRatio, 0.5F);
   engine.updateModel_ncv();
   EXPECT_EQ(engine.written(), picture({".#.#"}));
 }
 
 TEST(Illumination, ShareCountsExaminedBackgroundOnly) {
-  LitRow engine({6, 6, 6, 0, 0, 0});
+  BackgroundRow engine({6, 6, 6, 0, 0, 0});
   engine.roiMask[0] = 0;
   engine.fgMask[1] = 255;
   engine.absorbMask[5] = 255;
@@ -133,7 +134,7 @@ TEST(Illumination, ShareCountsExaminedBackgroundOnly) {
 }
 
 TEST(Illumination, ShareIsZeroWhenNothingWasExamined) {
-  LitRow engine({6, 6});
+  BackgroundRow engine({6, 6});
   engine.illumRatio = 0.5F;
   std::fill_n(engine.fgMask, 2, std::uint8_t{255});
   engine.updateModel_ncv();
@@ -141,7 +142,7 @@ TEST(Illumination, ShareIsZeroWhenNothingWasExamined) {
 }
 
 TEST(Illumination, NothingIsExaminedWhenItsHandlingIsOff) {
-  LitRow engine({6, 6});
+  BackgroundRow engine({6, 6});
   engine.illumChange = false;
   engine.illumRatio = 0.5F;
   engine.updateModel_ncv();
@@ -150,13 +151,13 @@ TEST(Illumination, NothingIsExaminedWhenItsHandlingIsOff) {
   EXPECT_EQ(engine.nbrCursor[0], 0U);
 }
 
-// Enough memory for 2^24 pixels of model.
+// Whether that much memory is free.
 bool hasGigabytes(long gigabytes) {
   return sysconf(_SC_AVPHYS_PAGES) / 1024 * sysconf(_SC_PAGESIZE) / 1024 / 1024 >= gigabytes;
 }
 
 // 2^24 unchanged pixels and two changed ones after them, whose own neighbour is the unchanged first pixel.
-// Planes that the update only reads stay the zero pages that they are made of.
+// Planes that the update only reads keep sharing the system's zero page.
 TEST(Illumination, CountersAre32BitFloatsThatStopAtTwoToThe24) {
   if (!hasGigabytes(4)) {
     GTEST_SKIP() << "needs 4 GB of free memory";

@@ -9,7 +9,7 @@
 namespace lm::test {
 namespace {
 
-// Foreground with any life: no sample matches.
+// Foreground whatever its life: no sample matches.
 struct ForegroundPixel : OnePixel {
   ForegroundPixel() : OnePixel({200}, {0}) {}
   float lifeAfter(int change, float before) {
@@ -48,7 +48,7 @@ void PrintTo(const GainCase& gain, std::ostream* out) { *out << gain.name; }
 
 class ForegroundLife : public ::testing::TestWithParam<GainCase> {};
 
-TEST_P(ForegroundLife, GrowsTheMoreTheLessThePixelChanges) {
+TEST_P(ForegroundLife, GrowsMoreForSmallerChanges) {
   ForegroundPixel engine;
   EXPECT_EQ(engine.lifeAfter(GetParam().change, GetParam().before), GetParam().after);
   EXPECT_EQ(engine.fgMask[0], 255);
@@ -120,7 +120,7 @@ TEST(Life, BackgroundThatAwaitsAbsorptionIsPinned) {
   EXPECT_EQ(engine.fgLife[0], 161.0F);
 }
 
-TEST(Life, StaysAsItIsWithoutGhostSuppression) {
+TEST(Life, IsUnchangedWithoutGhostSuppression) {
   ForegroundPixel foreground;
   foreground.ghostSuppression = false;
   EXPECT_EQ(foreground.lifeAfter(0, 5.0F), 5.0F);
@@ -134,7 +134,7 @@ TEST(Life, StaysAsItIsWithoutGhostSuppression) {
 
 // ---- absorption ---------------------------------------------------------------------------------
 
-TEST(Absorption, ComesWhenTheLifeExceedsTheLimit) {
+TEST(Absorption, HappensWhenLifeExceedsTheLimit) {
   ForegroundPixel engine;
   engine.minDist[0] = 44;
   EXPECT_EQ(engine.lifeAfter(0, 160.5F), 161.0F) << "pinned at the limit plus one";
@@ -143,14 +143,14 @@ TEST(Absorption, ComesWhenTheLifeExceedsTheLimit) {
   EXPECT_EQ(engine.minDist[0], 44U) << "the pixel is not compared";
 }
 
-TEST(Absorption, DoesNotComeAtTheLimit) {
+TEST(Absorption, DoesNotHappenAtTheLimit) {
   ForegroundPixel engine;
   EXPECT_EQ(engine.lifeAfter(0, 160.0F), 161.0F);
   EXPECT_EQ(engine.fgMask[0], 255);
   EXPECT_EQ(engine.absorbMask[0], 0);
 }
 
-TEST(Absorption, DoesNotComeWithoutGhostSuppression) {
+TEST(Absorption, DoesNotHappenWithoutGhostSuppression) {
   ForegroundPixel engine;
   engine.ghostSuppression = false;
   engine.lifeAfter(0, 500.0F);
@@ -158,7 +158,7 @@ TEST(Absorption, DoesNotComeWithoutGhostSuppression) {
   EXPECT_EQ(engine.absorbMask[0], 0);
 }
 
-TEST(Absorption, ComesBeforeTheComparison) {
+TEST(Absorption, HappensBeforeTheComparison) {
   BackgroundPixel engine;
   engine.fgLife[0] = 161.0F;
   engine.minDist[0] = 44;
@@ -167,7 +167,7 @@ TEST(Absorption, ComesBeforeTheComparison) {
   EXPECT_EQ(engine.minDist[0], 44U);
 }
 
-TEST(Absorption, DoesNotComeForUnchangedBackground) {
+TEST(Absorption, DoesNotHappenForUnchangedBackground) {
   BackgroundPixel engine;
   engine.prevFgMask[0] = 0;
   engine.fgLife[0] = 161.0F;
@@ -176,7 +176,7 @@ TEST(Absorption, DoesNotComeForUnchangedBackground) {
   EXPECT_EQ(engine.fgLife[0], 161.0F - 0.8F);
 }
 
-TEST(Absorption, ComesAtOnceUnderANegativeLimit) {
+TEST(Absorption, HappensAtOnceWithANegativeLimit) {
   ForegroundPixel engine;
   engine.lifeStaticFrm = -60;
   EXPECT_EQ(engine.lifeAfter(0, 0.0F), -59.0F);
@@ -191,7 +191,7 @@ TEST(Absorption, LargestLimitWrapsWhenOneIsAdded) {
   EXPECT_EQ(engine.absorbMask[0], 255);
 }
 
-// A car parks on a grey background of 50. Limit 3, timestamps too dense to change it.
+// A car parks on a grey background of 50. The limit is 3; timestamps 1 ms apart do not change it.
 TEST(Absorption, ParkedObjectLeavesTheMaskAndEntersModelAndBackground) {
   kAMBLE engine;
   put(engine.roiMask, Bytes{1});

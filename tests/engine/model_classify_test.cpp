@@ -55,7 +55,7 @@ TEST(Classify, PixelThatWasNotBackgroundIsComparedEvenUnchanged) {
   }
 }
 
-TEST(Classify, PixelsAreJudgedOneByOne) {
+TEST(Classify, PixelsAreClassifiedIndependently) {
   SizedEngine engine(3, 1, 1);
   engine.addFrames();
   put(engine.curFrame, Bytes{0, 100, 20});  // all samples are 0
@@ -69,7 +69,7 @@ struct MatchCase {
   const char* name;
   Bytes pixel;
   Bytes rest;                                // in every slot that is not listed
-  std::vector<std::pair<int, Bytes>> slots;  //
+  std::vector<std::pair<int, Bytes>> slots;  // the listed ones
   int needed;                                // minMatchNum
   int mask;
   std::uint32_t distance;
@@ -103,7 +103,7 @@ INSTANTIATE_TEST_SUITE_P(
         MatchCase{"oneMatchIsTooFew", {100}, farGrey, {{3, {93}}}, 2, 255, 7},
         MatchCase{"oneMatchSuffices", {100}, farGrey, {{3, {93}}}, 1, 0, 7},
         MatchCase{"smallestOfTheMatches", {100}, farGrey, {{3, {95}}, {9, {109}}}, 2, 0, 5},
-        MatchCase{"walkStopsAtTheCount", {100}, farGrey, {{0, {110}}, {1, {112}}, {2, {100}}}, 2, 0, 10},
+        MatchCase{"comparisonEndsAtTheCount", {100}, farGrey, {{0, {110}}, {1, {112}}, {2, {100}}}, 2, 0, 10},
         MatchCase{"firstAndLastSlot", {100}, farGrey, {{0, {104}}, {19, {103}}}, 2, 0, 3},
         MatchCase{"allTwenty", {100}, {100}, {}, 20, 0, 0},
         MatchCase{"nineteenOfTwenty", {100}, {101}, {{19, {0}}}, 20, 255, 1},
@@ -129,7 +129,8 @@ INSTANTIATE_TEST_SUITE_P(
         MatchCase{"secondChannelTooFar", {100, 100, 100}, {100, 79, 100}, {}, 2, 255, nothingMatched},
         MatchCase{"thirdChannelTooFar", {100, 100, 100}, {100, 100, 121}, {}, 2, 255, nothingMatched},
         MatchCase{"oneMatchIsTooFew", {100, 100, 100}, farColour, {{5, {101, 102, 103}}}, 2, 255, 6},
-        MatchCase{"walkStopsAtTheCount", {9, 9, 9}, {9, 9, 9}, {{0, {10, 9, 9}}, {1, {9, 11, 9}}}, 2, 0, 1},
+        MatchCase{
+            "comparisonEndsAtTheCount", {9, 9, 9}, {9, 9, 9}, {{0, {10, 9, 9}}, {1, {9, 11, 9}}}, 2, 0, 1},
         MatchCase{"allTwenty", {100, 100, 100}, {100, 100, 101}, {}, 20, 0, 1},
         // Here the count is checked only after a match.
         MatchCase{"zeroNeededNoMatch", {100, 100, 100}, farColour, {}, 0, 255, nothingMatched},

@@ -54,7 +54,7 @@ TEST(ModelSeed, NeighbourCursorWrapsAtTheListsEnd) {
   EXPECT_EQ(engine.nbrCursor[12], 14U);  // (20 + 19) mod 25
 }
 
-TEST(ModelSeed, MissingNeighbourStandsForThePixelItself) {
+TEST(ModelSeed, MissingNeighbourIsReplacedByThePixelItself) {
   CountingFrame engine(5, 5, 1);
   engine.nbrIdx[12][2] = -1;
   engine.initModel_ncv();
@@ -65,7 +65,7 @@ TEST(ModelSeed, MissingNeighbourStandsForThePixelItself) {
 
 class ModelSeedChannels : public ::testing::TestWithParam<int> {};
 
-TEST_P(ModelSeedChannels, SlotHoldsTheChannelsInOrderAndZerosBehind) {
+TEST_P(ModelSeedChannels, SlotHoldsTheChannelsInOrderThenZeros) {
   const int channels = GetParam();
   CountingFrame engine(5, 5, channels);
   engine.initModel_ncv();

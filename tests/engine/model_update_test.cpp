@@ -1,4 +1,4 @@
-// Writing a sample, and the pixels that an update writes at once or never.
+// Writing a sample, and the pixels that an update always or never writes.
 #include <gtest/gtest.h>
 
 #include <cstdint>
@@ -29,7 +29,7 @@ TEST(WriteSample, CopiesAsManyBytesAsTheFrameHasChannels) {
     EXPECT_EQ(engine.slot(0), pixel);
     EXPECT_EQ(Bytes(engine.bgImg, engine.bgImg + pixel.size()), pixel);
     const Bytes rest(engine.bgModel[0].samples[0] + pixel.size(), engine.bgModel[0].samples[0] + 4);
-    EXPECT_EQ(rest, Bytes(4 - pixel.size(), 9)) << "bytes behind the channels stay";
+    EXPECT_EQ(rest, Bytes(4 - pixel.size(), 9)) << "bytes after the channels stay";
   }
 }
 
@@ -58,17 +58,18 @@ TEST_P(SampleCursor, StepsOverOneSlotOfTheLockedSegment) {
 
 INSTANTIATE_TEST_SUITE_P(
     WriteSample, SampleCursor,
-    ::testing::Values(CursorCase{"segment4to7", 4, 7, {2, 3, 5, 7, 8, 9}},
-                      CursorCase{"segment0to3", 0, 3, {18, 19, 0, 2, 4, 5}},  // 20 becomes 0 untested
-                      CursorCase{"segment16to19", 16, 19, {14, 15, 17, 19, 0}},
-                      CursorCase{"lastSlotLocked", 19, 19, {17, 18, 0}},  // 20 after stepping over 19
-                      CursorCase{"segment0to6", 0, 6, {0, 2, 4, 6, 7}},   //
-                      CursorCase{"wholeModel", 0, 19, {0, 2, 4, 6, 8, 10, 12, 14, 16, 18, 0}},
-                      CursorCase{"beyondModel", 0, 49, {17, 19, 0}},  //
-                      CursorCase{"emptySegment", 4, 3, {3, 4, 5}}),
+    ::testing::Values(
+        CursorCase{"segment4to7", 4, 7, {2, 3, 5, 7, 8, 9}},
+        CursorCase{"segment0to3", 0, 3, {18, 19, 0, 2, 4, 5}},  // 20 becomes 0 without a test of the segment
+        CursorCase{"segment16to19", 16, 19, {14, 15, 17, 19, 0}},
+        CursorCase{"lastSlotLocked", 19, 19, {17, 18, 0}},  // 20 after stepping over 19
+        CursorCase{"segment0to6", 0, 6, {0, 2, 4, 6, 7}},   //
+        CursorCase{"wholeModel", 0, 19, {0, 2, 4, 6, 8, 10, 12, 14, 16, 18, 0}},
+        CursorCase{"beyondModel", 0, 49, {17, 19, 0}},  //
+        CursorCase{"emptySegment", 4, 3, {3, 4, 5}}),
     byName);
 
-// ---- who is written at once ---------------------------------------------------------------------
+// ---- pixels written at once ---------------------------------------------------------------------
 
 TEST(Update, AbsorbedPixelIsWrittenOnceWhateverItsMask) {
   for (const int mask : {0, 255}) {
@@ -98,7 +99,7 @@ TEST(Update, AbsorptionIsTheValue255Only) {
   EXPECT_EQ(engine.absorbMask[0], 1);
 }
 
-TEST(Update, PixelOutsideTheRegionsIsLeftAlone) {
+TEST(Update, PixelOutsideTheRegionsIsUnchanged) {
   AbsorbedPixel engine;
   engine.roiMask[0] = 0;
   engine.updTimer[0] = 9;

@@ -17,7 +17,7 @@ std::vector<int> neighboursOf(const kAMBLE& engine, std::size_t pixel) {
   return {engine.nbrIdx[pixel], engine.nbrIdx[pixel] + 25};
 }
 
-TEST(NeighbourOffsets, RunWithTheColumnOutsideAndTheRowInside) {
+TEST(NeighbourOffsets, AreListedColumnByColumn) {
   const SizedEngine engine(3, 3, 1);
   ASSERT_EQ(engine.nbrOffset.size(), 25U);
   std::size_t k = 0;
@@ -29,7 +29,7 @@ TEST(NeighbourOffsets, RunWithTheColumnOutsideAndTheRowInside) {
   }
 }
 
-TEST(NeighbourTable, InnerPixelListsItsBlockColumnByColumn) {
+TEST(NeighbourTable, InteriorPixelListsItsBlockColumnByColumn) {
   const SizedEngine engine(5, 5, 1);
   EXPECT_EQ(neighboursOf(engine, 12), (std::vector<int>{0, 5, 10, 15, 20,  // column 0, rows 0 to 4
                                                         1, 6, 11, 16, 21,  //
@@ -38,7 +38,7 @@ TEST(NeighbourTable, InnerPixelListsItsBlockColumnByColumn) {
                                                         4, 9, 14, 19, 24}));
 }
 
-TEST(NeighbourTable, CornerPixelReplacesSixteenEntriesByItsNineInsideOnes) {
+TEST(NeighbourTable, CornerPixelFillsSixteenEntriesFromItsNineInsideTheFrame) {
   const SizedEngine engine(4, 4, 1);
   const std::vector<int> entries = neighboursOf(engine, 0);
   // dx = 0 starts at entry 10, dy = 0 is its third: inside are 12, 13, 14, 17, 18, 19, 22, 23, 24.
@@ -70,7 +70,7 @@ TEST(NeighbourTable, OnePixelFrameIsItsOwnNeighbourEverywhere) {
   EXPECT_EQ(neighboursOf(engine, 0), std::vector<int>(25, 0));
 }
 
-// The table computed again, entry by entry, with the draws for a pixel's missing entries.
+// Computes a pixel's entries again, drawing the missing ones from rand() in the same order.
 std::vector<int> replayed(int width, int height, int x, int y) {
   std::vector<int> entries;
   for (int dx = -2; dx <= 2; ++dx) {
@@ -99,7 +99,7 @@ TEST(NeighbourTable, DrawsReplacementsFromRandPixelByPixelUntilOneIsInside) {
   }
 }
 
-TEST(NeighbourTable, GeneratorIsUsedAsItStandsAndNeverSeeded) {
+TEST(NeighbourTable, GeneratorIsNeverSeeded) {
   std::srand(1);
   const int first = std::rand();
   const SizedEngine engine(3, 3, 1);
@@ -120,13 +120,13 @@ std::array<int, 4> directOf(const kAMBLE& engine, std::size_t pixel) {
   return {record.up, record.right, record.down, record.left};
 }
 
-TEST(DirectNeighbours, FirstAndLastPixelMissTwoEach) {
+TEST(DirectNeighbours, FirstAndLastPixelHaveTwoEach) {
   const SizedEngine engine(5, 4, 1);
   EXPECT_EQ(directOf(engine, 0), (std::array{-1, 1, 5, -1}));
   EXPECT_EQ(directOf(engine, 19), (std::array{14, -1, -1, 18}));
 }
 
-TEST(DirectNeighbours, InnerPixelHasAllFour) {
+TEST(DirectNeighbours, InteriorPixelHasAllFour) {
   const SizedEngine engine(5, 4, 1);
   EXPECT_EQ(directOf(engine, 7), (std::array{2, 8, 12, 6}));
 }

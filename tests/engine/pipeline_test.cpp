@@ -11,12 +11,12 @@
 namespace lm::test {
 namespace {
 
-TEST(FirstFrame, SizesTheEngineAndSaysSo) {
+TEST(FirstFrame, SizesTheEngineAndPrintsTheSize) {
   Camera engine;
   engine.szImgX = 640;  // as a configuration may have set it
   engine.szImgY = 480;
-  const Said said = saidDuring([&] { EXPECT_TRUE(engine.learnPlain(50, 3)); });
-  EXPECT_EQ(said, (Said{"", "W, H, Pixels = 4, 3, 12\n"}));
+  const Printed printed = printedBy([&] { EXPECT_TRUE(engine.learnPlain(50, 3)); });
+  EXPECT_EQ(printed, (Printed{"", "W, H, Pixels = 4, 3, 12\n"}));
   EXPECT_EQ(engine.szImgX, 4);
   EXPECT_EQ(engine.szImgY, 3);
   EXPECT_EQ(engine.numPixel, 12);
@@ -52,14 +52,14 @@ TEST(FirstFrame, MovesTheLockedSegmentAndRemembersTheTime) {
   EXPECT_EQ(engine.prevTimestamp, 1000);
 }
 
-TEST(FirstFrame, OneLineIsAllThatIsSaid) {
+TEST(FirstFrame, IsTheOnlyOneThatPrints) {
   Camera engine;
   engine.learnPlain(50, 3);
-  const Said said = saidDuring([&] {
+  const Printed printed = printedBy([&] {
     engine.learnPlain(50, 3);
     engine.learnPlain(200, 3);
   });
-  EXPECT_EQ(said, (Said{"", ""}));
+  EXPECT_EQ(printed, (Printed{"", ""}));
 }
 
 TEST(Initialization, StoresTheSizeAndSeedsFromTheCurrentFrame) {
@@ -67,11 +67,11 @@ TEST(Initialization, StoresTheSizeAndSeedsFromTheCurrentFrame) {
   engine.frmChn = 1;
   put(engine.curFrame, Bytes{1, 2, 3, 4, 5, 6});
   bool ready = false;
-  const Said said = saidDuring([&] { ready = engine.initialization_ncv(3, 2); });
+  const Printed printed = printedBy([&] { ready = engine.initialization_ncv(3, 2); });
   EXPECT_TRUE(ready);
-  EXPECT_EQ(said, (Said{"", "W, H, Pixels = 3, 2, 6\n"}));
+  EXPECT_EQ(printed, (Printed{"", "W, H, Pixels = 3, 2, 6\n"}));
   EXPECT_EQ(engine.bgModel.at(5).samples[0][0], 6);
-  EXPECT_EQ(engine.frmCount, 0) << "the pipeline counts";
+  EXPECT_EQ(engine.frmCount, 0) << "only learnBg_ncv counts frames";
 }
 
 TEST(Initialization, WithoutAFrameIsRefused) {
@@ -80,12 +80,12 @@ TEST(Initialization, WithoutAFrameIsRefused) {
   EXPECT_FALSE(engine.initialization_ncv(3, 2));
 }
 
-TEST(Initialization, EmptyFrameIsSurvived) {
+TEST(Initialization, EmptyFrameDoesNotCrash) {
   kAMBLE engine;
   engine.frmChn = 1;
   put(engine.curFrame, Bytes{});
-  const Said said = saidDuring([&] { engine.initialization_ncv(0, 0); });
-  EXPECT_EQ(said, (Said{"", "W, H, Pixels = 0, 0, 0\n"}));
+  const Printed printed = printedBy([&] { engine.initialization_ncv(0, 0); });
+  EXPECT_EQ(printed, (Printed{"", "W, H, Pixels = 0, 0, 0\n"}));
   EXPECT_TRUE(engine.bgModel.empty());
 }
 
@@ -123,8 +123,8 @@ TEST(LaterFrame, DifferencesAreTakenAgainstTheFrameBefore) {
 TEST(LaterFrame, ModelIsUpdatedWithTheMaskOfTheSameFrame) {
   Camera engine;
   engine.learnPlain(50, 1);
-  engine.learnPlain(60,
-                    1);  // background everywhere, 10 brighter than the background image: a lighting change
+  // Background everywhere, 10 brighter than the background image: a lighting change.
+  engine.learnPlain(60, 1);
   EXPECT_EQ(engine.drawn(engine.fgMask), picture({"....", "....", "...."}));
   EXPECT_EQ(engine.bgImg[0], 60);
   EXPECT_EQ(engine.bgModel[0].samples[0][0], 60);
@@ -146,7 +146,7 @@ TEST(LaterFrame, PixelsOutsideTheRegionsStayBackgroundAndUntouched) {
   EXPECT_EQ(engine.drawn(engine.fgMask), picture({"....", "####", "...."}));
 }
 
-TEST(LaterFrame, SkippingDoesNotOutliveTheDifferences) {
+TEST(LaterFrame, SkipFrameIsClearedByTheDifferences) {
   Camera engine;
   engine.learnPlain(50, 1);
   engine.skipFrame = true;
@@ -155,7 +155,7 @@ TEST(LaterFrame, SkippingDoesNotOutliveTheDifferences) {
   EXPECT_EQ(engine.drawn(engine.fgMask), picture({"####", "####", "####"}));
 }
 
-TEST(LaterFrame, NothingDrawsFromRandAfterTheFirst) {
+TEST(LaterFrame, DoesNotCallRand) {
   const auto nextDrawAfter = [](int frames) {
     std::srand(5);
     Camera engine;
@@ -168,7 +168,7 @@ TEST(LaterFrame, NothingDrawsFromRandAfterTheFirst) {
   EXPECT_EQ(nextDrawAfter(1), nextDrawAfter(6));
 }
 
-TEST(LaterFrame, FullFrameCounterWraps) {
+TEST(LaterFrame, FrameCounterWraps) {
   Camera engine;
   engine.learnPlain(50, 1);
   engine.frmCount = std::numeric_limits<std::int32_t>::max();
@@ -201,9 +201,9 @@ INSTANTIATE_TEST_SUITE_P(Pipeline, LaterFrameWithout,
                                            NamedPlane{"refreshCount", dropPlane<&kAMBLE::refreshCount>}),
                          byName);
 
-class LaterFrameAfterLosing : public ::testing::TestWithParam<NamedPlane> {};
+class LaterFrameWithMissing : public ::testing::TestWithParam<NamedPlane> {};
 
-TEST_P(LaterFrameAfterLosing, MakesItAgain) {
+TEST_P(LaterFrameWithMissing, MakesThePlaneAgain) {
   Camera engine;
   engine.learnPlain(50, 3);
   engine.learnPlain(50, 3);
@@ -213,7 +213,7 @@ TEST_P(LaterFrameAfterLosing, MakesItAgain) {
   EXPECT_EQ(engine.drawn(engine.fgMask), picture({"####", "####", "####"}));
 }
 
-INSTANTIATE_TEST_SUITE_P(Pipeline, LaterFrameAfterLosing,
+INSTANTIATE_TEST_SUITE_P(Pipeline, LaterFrameWithMissing,
                          ::testing::Values(NamedPlane{"curFrame", dropPlane<&kAMBLE::curFrame>},
                                            NamedPlane{"prevFrame", dropPlane<&kAMBLE::prevFrame>},
                                            NamedPlane{"rdDiff", dropPlane<&kAMBLE::rdDiff>},

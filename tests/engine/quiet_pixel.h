@@ -11,8 +11,8 @@ struct QuietPixel : OnePixel {
   [[nodiscard]] bool written() const { return bgImg[0] == 100; }
 };
 
-// The same, at the point where the refresh writes it, if nothing holds it back: counter at 1, distance above
-// the radius, changed against the frame before.
+// The same, written by the next refresh unless something prevents it: counter at 1, distance above the
+// radius, not background in the previous mask.
 struct RefreshPixel : QuietPixel {
   RefreshPixel() {
     refreshCount[0] = 1;

@@ -36,7 +36,7 @@ TEST(UpdateTimer, FallsBelowZeroWhileThePixelIsForeground) {
   EXPECT_EQ(engine.updTimer[0], -2);
 }
 
-TEST(UpdateTimer, IsRaisedToZeroWhereTheRefreshLooksAtIt) {
+TEST(UpdateTimer, IsRaisedToZeroWhereTheRefreshReadsIt) {
   QuietPixel engine;
   engine.updTimer[0] = -7;
   engine.updateModel_ncv();
@@ -61,7 +61,7 @@ TEST(UpdateTimer, WrapsBelowTheSmallestInt) {
 
 // ---- refresh ------------------------------------------------------------------------------------
 
-TEST(Refresh, WritesAndRestsWhenTheCounterLeavesOne) {
+TEST(Refresh, WritesWhenTheCounterLeavesOneThenWaits) {
   RefreshPixel engine;
   engine.updateModel_ncv();
   EXPECT_TRUE(engine.written());
@@ -69,7 +69,7 @@ TEST(Refresh, WritesAndRestsWhenTheCounterLeavesOne) {
   EXPECT_EQ(engine.updTimer[0], 15);
 }
 
-TEST(Refresh, HappensOnceIn16QualifyingFramesAndThenRests) {
+TEST(Refresh, HappensOnceIn16QualifyingFramesThenWaits) {
   OnePixel engine({100}, {7});
   engine.minDist[0] = 21;
   std::vector<int> writes;
@@ -81,8 +81,8 @@ TEST(Refresh, HappensOnceIn16QualifyingFramesAndThenRests) {
       cursor = engine.sampleCursor[0];
     }
   }
-  // The counter goes 0, 1 in frames 1 and 2; the timer of 15 then lets frame 17 through; 2 to 15 are counted
-  // in frames 17 to 30, after which 0 and 1 come in frames 31 and 32. So again 61 and 62.
+  // The counter leaves 0 and 1 in frames 1 and 2. The timer, set to 15 by the write, ends in frame 17. The
+  // counter leaves 2 to 15 in frames 17 to 30, and 0 and 1 again in frames 31 and 32; likewise in 61 and 62.
   EXPECT_EQ(writes, (std::vector<int>{2, 32, 62}));
 }
 
@@ -115,7 +115,7 @@ TEST(Refresh, SkipsUnchangedBackground) {
   EXPECT_EQ(engine.refreshCount[0], 1U);
 }
 
-TEST(Refresh, TakesBackgroundThatChangedOrWasForeground) {
+TEST(Refresh, WritesBackgroundThatChangedOrWasForeground) {
   RefreshPixel changed;
   changed.prevFgMask[0] = 0;
   changed.rdDiff[0] = 11;
@@ -134,7 +134,7 @@ TEST(Refresh, WaitsForTheTimer) {
   EXPECT_FALSE(engine.written());
   EXPECT_EQ(engine.refreshCount[0], 1U);
   engine.updateModel_ncv();
-  EXPECT_TRUE(engine.written()) << "the timer has come down to 0";
+  EXPECT_TRUE(engine.written()) << "the timer has reached 0";
 }
 
 TEST(Refresh, SkipsPixelsWhoseSamplesMatchWell) {
@@ -145,7 +145,7 @@ TEST(Refresh, SkipsPixelsWhoseSamplesMatchWell) {
   EXPECT_EQ(engine.refreshCount[0], 1U);
 }
 
-TEST(Refresh, DistanceIsComparedWithANegativeRadiusAsANumber) {
+TEST(Refresh, DistanceIsComparedAsSignedWithANegativeRadius) {
   RefreshPixel engine;
   engine.minDist[0] = 0;
   engine.thrMatch = -1;

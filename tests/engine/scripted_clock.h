@@ -1,5 +1,5 @@
-// A wall clock under the test's control: while one of these lives, gettimeofday gives its times in order, and
-// the last one again when they run out.
+// A wall clock under the test's control: during the lifetime of a ScriptedClock, gettimeofday returns its
+// times in order, then repeats the last one.
 #pragma once
 
 #include <sys/time.h>

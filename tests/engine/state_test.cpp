@@ -33,7 +33,7 @@ void PrintTo(const IntDefault& field, std::ostream* out) { *out << field.name; }
 
 class EngineIntDefault : public ::testing::TestWithParam<IntDefault> {};
 
-TEST_P(EngineIntDefault, IsWhatTheConstructorGives) {
+TEST_P(EngineIntDefault, IsSetByTheConstructor) {
   const kAMBLE engine;
   EXPECT_EQ(engine.*GetParam().field, GetParam().value);
 }
@@ -124,7 +124,7 @@ TEST(EngineState, ReleaseLeavesEveryBufferNullAndEveryPerPixelListEmpty) {
   EXPECT_GE(engine.bgModel.capacity(), 12U) << "the model's storage is kept for the next set-up";
 }
 
-TEST(EngineState, ReleaseLeavesSettingsRegionsOffsetsAndCountersAlone) {
+TEST(EngineState, ReleaseKeepsSettingsRegionsOffsetsAndCounters) {
   RunningEngine engine;
   engine.thrMatch = 7;
   engine.frmCount = 9;
@@ -166,7 +166,7 @@ TEST(EngineState, ReleasedEngineCanBeSizedAgain) {
   EXPECT_NE(engine.labelRows, nullptr);
 }
 
-// Fails by the leak checker of the sanitizer build: region masks, neighbour arrays and the table of label
+// The leak check of the sanitizer build fails unless region masks, neighbour arrays and the table of label
 // rows are released with the engine.
 TEST(EngineState, DestructionReleasesRegionMasksAndEverythingElse) {
   RunningEngine engine;

@@ -62,9 +62,9 @@ TEST(BrokenEncoding, InANameIsKeptAsItIs) {
 }
 
 TEST(BrokenEncoding, OutsideOfTextsIsNoJson) {
-  const Said said =
-      saidDuring([] { EXPECT_EQ(outcomeOf(std::string("\xff").append(documentFor(tiny))), "nothing"); });
-  EXPECT_EQ(said.out,
+  const Printed printed =
+      printedBy([] { EXPECT_EQ(outcomeOf(std::string("\xff").append(documentFor(tiny))), "nothing"); });
+  EXPECT_EQ(printed.out,
             "Error: json configuration is incorrect format \n"
             "Error: invalid parameter[frmChn:0,frmW:0,frmH:0] \n");
 }

@@ -9,12 +9,12 @@
 
 namespace {
 
-enum class Start { stands, refused, threw };
+enum class Start { ready, refused, threw };
 
 // Any other exception ends the program.
 Start started(const char* document) {
   try {
-    return initialization(document) ? Start::stands : Start::refused;
+    return initialization(document) ? Start::ready : Start::refused;
   } catch (const std::invalid_argument&) {
   } catch (const std::out_of_range&) {
   } catch (const std::length_error&) {
@@ -48,10 +48,10 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     // Frames of up to 32768 pixels.
     const fuzz::MemoryLimit limit(32768);
     const Start start = started(document.c_str());
-    fuzz::require(answers() == (start == Start::stands), "a detector where none should be, or none");
+    fuzz::require(answers() == (start == Start::ready), "a detector where none should be, or none");
     terminate();
   }
-  fuzz::require(started(good) == Start::stands, "no detector from a good document afterwards");
+  fuzz::require(started(good) == Start::ready, "no detector from a good document afterwards");
   terminate();
   return 0;
 }

@@ -28,12 +28,12 @@ constexpr std::array<Setting, 12> settings = {{{"sensitivity", -1, 6, "", true},
                                                {"GHOST_SUPPRESSION", 0, 1, "", false},
                                                {"ILLUMINATION_CHANGE", 0, 1, "", false}}};
 
-std::vector<std::string> entries(Choices& choices, Road road) {
+std::vector<std::string> entries(Choices& choices, ConfiguredBy by) {
   const std::uint16_t chosen = choices.number<std::uint16_t>();
   std::vector<std::string> list;
   for (std::size_t i = 0; i < settings.size(); ++i) {
     const Setting& setting = settings[i];
-    if ((chosen >> i & 1) == 0 || (road == Road::document && !setting.inDocument)) continue;
+    if ((chosen >> i & 1) == 0 || (by == ConfiguredBy::document && !setting.inDocument)) continue;
     list.push_back(std::string(setting.key) + " " +
                    std::to_string(choices.between(setting.low, setting.high)) + setting.ending);
   }
@@ -227,8 +227,8 @@ Sequence run(Choices& choices) {
                     .height = choices.between(1, 22),
                     .frames = 0,
                     .frame = {}};
-  sequence.road = choices.flag() ? Road::document : Road::parameters;
-  sequence.entries = entries(choices, sequence.road);
+  sequence.configuredBy = choices.flag() ? ConfiguredBy::document : ConfiguredBy::parameters;
+  sequence.entries = entries(choices, sequence.configuredBy);
   if (choices.flag()) {
     sequence.include = regions(choices, 2);
     if (sequence.include.empty()) sequence.include = wholeFrame();
@@ -254,7 +254,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const Sequence sequence = run(choices);
     fuzz::requireSame(compareOver(sequence));
     // Through the entry points, every frame has the document's channel count.
-    if (sequence.road == Road::document && !sequence.before && hasOneChannelCount(sequence)) {
+    if (sequence.configuredBy == ConfiguredBy::document && !sequence.before && hasOneChannelCount(sequence)) {
       fuzz::requireSame(compareTextsOver(sequence));
     }
   } while (!choices.over());

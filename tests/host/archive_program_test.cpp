@@ -349,6 +349,12 @@ INSTANTIATE_TEST_SUITE_P(
         MisuseCase{"OutputTaken",
                    {"a.mp4", "--out", "x", "-o", "run.json"},
                    "the name run.json is reserved with --out"},
+        MisuseCase{"FiguresTaken",
+                   {"a.mp4", "--out", "x", "--events", "figures.json"},
+                   "--events: the name figures.json is reserved with --out"},
+        MisuseCase{"MessagesTaken",
+                   {"a.mp4", "--out", "x", "-o", "messages.txt"},
+                   "--output: the name messages.txt is reserved with --out"},
         MisuseCase{
             "NoConfiguration", {"/dev/null", "--out", "x", "-c", "none.json"}, "none.json: No such file"}),
     [](const auto& misuse) { return std::string(misuse.param.name); });

@@ -60,16 +60,16 @@ struct Watched {
   SourceCounts counts;
 };
 
-// Waiting takes no time and advances the clock. Each connection has a single frame, because frames may be
-// dropped.
-Watched watch(std::deque<Attempt> attempts, std::optional<Time> patience) {
+// Waiting takes no time and advances the clock unless that stands still. Each connection has a single frame,
+// because frames may be dropped.
+Watched watch(std::deque<Attempt> attempts, std::optional<Time> patience, bool clock_runs = true) {
   Watched watched;
   Deadline::Clock::time_point now{};
   LiveSource::Surroundings surroundings;
   surroundings.now = [&] { return now; };
   surroundings.wait = [&](std::chrono::milliseconds time, std::stop_token) {
     watched.waits.push_back(time);
-    now += time;
+    if (clock_runs) now += time;
   };
   surroundings.chance = [] { return 1.0; };
   const auto connect = [&]() -> std::unique_ptr<Source> {
@@ -133,6 +133,40 @@ TEST(LiveSource, CountsTimeAndFramesOverALoss) {
   ASSERT_FALSE(watched.frames.empty());
   EXPECT_EQ(watched.frames.back().number, 3);
   EXPECT_EQ(watched.frames.back().time, 1580ms);
+}
+
+// No time passes between the frames of the two connections. The second wait, 1 s, would exceed the limit.
+TEST(LiveSource, IsAtLeastAMillisecondLaterAfterALoss) {
+  const Watched watched = watch({{1, "broken"}, {1, "again"}}, 600ms, false);
+  ASSERT_FALSE(watched.frames.empty());
+  EXPECT_EQ(watched.counts.away, 0ms);
+  EXPECT_EQ(watched.frames.back().number, 1);
+  EXPECT_EQ(watched.frames.back().time, 1ms);
+}
+
+// A connection whose first frame is an hour into the stream.
+class Buffered : public Connection {
+ public:
+  using Connection::Connection;
+  bool next(Frame& frame) override {
+    const bool any = Connection::next(frame);
+    frame.time += 1h;
+    return any;
+  }
+};
+
+TEST(LiveSource, StartsWhenItIsOpenedOrBeforeItsBufferedFrames) {
+  const auto never = []() -> std::unique_ptr<Source> { throw Failure(kTrouble, "refused"); };
+  Frame frame;
+  LiveSource direct(std::make_unique<Connection>(1, ""), never, 0s, std::stop_source());
+  const auto opened = *direct.info().start;
+  ASSERT_TRUE(direct.next(frame));
+  EXPECT_EQ(*direct.info().start, opened) << "its frame at 0 s came later";
+  LiveSource buffered(std::make_unique<Buffered>(1, ""), never, 0s, std::stop_source());
+  const auto before = std::chrono::system_clock::now();
+  ASSERT_TRUE(buffered.next(frame));
+  EXPECT_GE(*buffered.info().start, before - 1h);
+  EXPECT_LE(*buffered.info().start, std::chrono::system_clock::now() - 1h);
 }
 
 TEST(LiveSource, CountsEveryFrameAsReturnedOrDropped) {

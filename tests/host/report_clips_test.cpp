@@ -162,7 +162,7 @@ TEST_F(Recorded, FromBeforeTheEventWasAnnouncedToAfterItsEnd) {
   recorder.begin(event_of(800ms, 1100ms));
   for (int i = 12; i < 25; ++i) {
     see(recorder, i);
-    if (i <= 16) recorder.go_on(event_of(800ms, i * 100ms));
+    if (i <= 16) recorder.extend(event_of(800ms, i * 100ms));
     if (i == 17) {
       recorder.end(event_of(800ms, 1600ms));
       EXPECT_FALSE(std::filesystem::exists(folder_ / "00h00m00.800s-motion.mp4"));

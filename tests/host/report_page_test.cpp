@@ -171,6 +171,18 @@ TEST(Timeline, HasRoundTimesOnItsAxis) {
   EXPECT_LE(axis_times(1000h, 9).size(), 9U);
 }
 
+// 1:30 is at 92.98 % of 96.8 s and at 93.07 % of 96.7 s, where its label would meet that of the end.
+TEST(Timeline, LeavesOutTimesNextToTheEnd) {
+  PageData data = page_data();
+  data.length = 96'800ms;
+  EXPECT_EQ(count(timeline(data), "left:92.98%\">1:30</span>"), 1U);
+  data.length = 96'700ms;
+  const std::string html = timeline(data);
+  EXPECT_EQ(count(html, ">1:30</span>"), 0U);
+  EXPECT_EQ(count(html, ">1:15</span>"), 1U);
+  EXPECT_EQ(count(html, "left:100%\">1:36</span>"), 1U);
+}
+
 TEST(Activity, KeepsTheLargestShareOfEachSpan) {
   Activity activity;
   activity.add(0ms, EventKind::kMotion, 0.1);

@@ -4,6 +4,7 @@
 
 #include <opencv2/core.hpp>
 
+#include "tests/host/clips.h"
 #include "tests/host/program.h"
 #include "tests/host/serve_page.h"
 
@@ -140,6 +141,17 @@ TEST(ServeStill, ShowsAnyMomentWithoutDisturbingThePlayer) {
   for (const char* time : {"", "soon", "-1", "nan", "1e300"}) {
     EXPECT_EQ(page.get(std::string("/api/still?time=") + time).status, 400) << time;
   }
+}
+
+// The frames at 33.367 and 66.733 ms are shown as 0.033 and 0.067 s.
+TEST(ServeStill, FindsTheFrameWhoseTimeWasRounded) {
+  const Folder folder;
+  clips::Times times;
+  for (int i = 0; i < 10; ++i) times.emplace_back(i * 1'001'000'000LL / 30'000);
+  clips::write(folder / "a.mp4", {64, 48}, times);
+  Page page({.source = folder / "a.mp4"});
+  for (const auto& [asked, shown] : {std::pair{"0.033", 0.033}, {"0.034", 0.067}, {"0.067", 0.067}})
+    EXPECT_EQ(page.get(std::string("/api/still?time=") + asked).about["time"].asDouble(), shown) << asked;
 }
 
 TEST(ServeEvents, ListsWhatHappenedAndWhen) {

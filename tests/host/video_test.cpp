@@ -1,6 +1,7 @@
 // The video writer, and the reader with valid, unusual and broken files.
 #include <gtest/gtest.h>
 
+#include <bit>
 #include <cstdint>
 
 #include "host/base/failure.h"
@@ -131,14 +132,16 @@ TEST(Video, NamesWhatCannotBeOpened) {
   EXPECT_TRUE(failure_of(folder / "empty").starts_with((folder / "empty") + ": "));
 }
 
+// With its lowest byte first.
+std::string number(std::uint32_t value, int bytes) {
+  std::string text;
+  for (int i = 0; i < bytes; ++i) text += static_cast<char>(value >> (8 * i) & 0xff);
+  return text;
+}
+
 // One second of silence as an uncompressed sound file.
 TEST(Video, NamesAFileThatHoldsNone) {
   const Folder folder;
-  const auto number = [](std::uint32_t value, int bytes) {
-    std::string text;
-    for (int i = 0; i < bytes; ++i) text += static_cast<char>(value >> (8 * i) & 0xff);
-    return text;
-  };
   program::write(folder / "a.wav", "RIFF" + number(36 + 16'000, 4) + "WAVEfmt " + number(16, 4) +
                                        number(1, 2) + number(1, 2) + number(8000, 4) + number(16'000, 4) +
                                        number(2, 2) + number(16, 2) + "data" + number(16'000, 4) +
@@ -186,6 +189,30 @@ TEST_P(Container, ThatWasCutOffGivesWhatIsThereAndSaysSo) {
   EXPECT_FALSE(source->trouble().empty());
 }
 
+// The trouble with a file of two frames, the last of which ends at `end`, that states another length: in
+// milliseconds, as a number of eight bytes with the highest first, after the name and size of its element.
+std::string trouble_of(std::chrono::milliseconds end, double stated) {
+  const Folder folder;
+  const std::string file = folder / "a.mkv";
+  clips::write(file, {64, 48}, {0ms, end - 40ms});
+  std::string bytes = program::read(file);
+  const std::size_t length = bytes.find("\x44\x89\x88") + 3;
+  for (std::size_t i = 0; i < 8; ++i)
+    bytes[length + i] = static_cast<char>(std::bit_cast<std::uint64_t>(stated) >> (56 - 8 * i) & 0xff);
+  program::write(file, bytes);
+  const auto source = open_source(file);
+  EXPECT_EQ(clips::read(*source).size(), 2U);
+  return source->trouble();
+}
+
+// By a fiftieth of its length; at least half a second.
+TEST(Video, MayEndAFiftiethEarly) {
+  EXPECT_EQ(trouble_of(98s, 100'000), "");
+  EXPECT_EQ(trouble_of(97'999ms, 100'000), "ends early, after 97.999 of 100.000 s");
+  EXPECT_EQ(trouble_of(9500ms, 10'000), "");
+  EXPECT_EQ(trouble_of(9499ms, 10'000), "ends early, after 9.499 of 10.000 s");
+}
+
 TEST(Video, DamageInTheMiddleIsCountedAndPassedOver) {
   const Folder folder;
   clips::write_busy(folder / "a.mp4", {64, 48}, 100);
@@ -215,6 +242,35 @@ TEST(Video, FramesWithoutTimesFollowTheNominalRate) {
   const std::string picture = clips::jpeg(clips::picture({64, 48}, 0));
   program::write(folder / "a.mjpeg", picture + picture + picture);
   EXPECT_EQ(clips::times_of(clips::read(folder / "a.mjpeg")), clips::regular(3, 40ms));
+}
+
+std::string chunk(const std::string& name, const std::string& content) {
+  return name + number(static_cast<std::uint32_t>(content.size()), 4) + content +
+         std::string(content.size() % 2, '\0');
+}
+
+// The rate found in an AVI file of three pictures that states this many frames in so many seconds.
+double rate_found(std::uint32_t frames, std::uint32_t seconds) {
+  const std::string header = "vidsMJPG" + std::string(12, '\0') + number(seconds, 4) + number(frames, 4) +
+                             number(0, 4) + number(3, 4) + std::string(20, '\0');
+  const std::string format = number(40, 4) + number(64, 4) + number(48, 4) + number(1, 2) + number(24, 2) +
+                             "MJPG" + std::string(20, '\0');
+  const std::string stream = chunk("LIST", "strl" + chunk("strh", header) + chunk("strf", format));
+  const std::string picture = chunk("00dc", clips::jpeg(clips::picture({64, 48}, 0)));
+  const Folder folder;
+  program::write(
+      folder / "a.avi",
+      chunk("RIFF", "AVI " + chunk("LIST", "hdrl" + chunk("avih", std::string(56, '\0')) + stream) +
+                        chunk("LIST", "movi" + picture + picture + picture)));
+  return open_source(folder / "a.avi")->info().rate;
+}
+
+TEST(Video, ImplausibleRatesAreNotTaken) {
+  EXPECT_EQ(rate_found(25, 1), 25);
+  EXPECT_EQ(rate_found(1000, 1), 1000);
+  EXPECT_EQ(rate_found(1001, 1), 0);
+  EXPECT_EQ(rate_found(1, 100'000), 1e-5);
+  EXPECT_EQ(rate_found(1, 100'001), 0);
 }
 
 // Sets the file's track header to a clockwise rotation by 90 degrees: the matrix that takes (x, y) to (-y,

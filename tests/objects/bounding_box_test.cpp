@@ -8,7 +8,7 @@
 namespace lm::test {
 namespace {
 
-// A label image as the functions take it: one separate row a line of the picture.
+// A label image as the functions take it: a separate row for each line of the picture.
 template <class T>
 struct Image {
   explicit Image(const Rows& picture)
@@ -64,7 +64,8 @@ INSTANTIATE_TEST_SUITE_P(
                 box(2, 1, 3, 3)},
         BoxCase{"leftBorderDropsTheMargin", {"......", "22....", "22....", "......"}, box(0, 0, 3, 4)},
         BoxCase{"topBorderDropsTheMargin", {"..22..", "..22..", "......", "......"}, box(1, 0, 4, 3)},
-        // From here the box reaches past the frame: the side is the whole frame's, wherever the box starts.
+        // In the next three cases the box reaches past the frame: its side is the whole frame's, wherever it
+        // starts.
         BoxCase{"rightBorderGivesTheFramesWidth", {"......", "....22", "......", "......"}, box(3, 0, 6, 3)},
         BoxCase{
             "bottomBorderGivesTheFramesHeight", {"......", "......", "......", ".22..."}, box(0, 2, 4, 4)},
@@ -83,7 +84,7 @@ TEST(BoundingBox, OnePixelAtColumn5Row7) {
   EXPECT_EQ(findBoundingBox(image.rows.data(), 2, 20, 10, 5, 7), box(4, 6, 3, 3));
 }
 
-TEST(BoundingBox, SearchesThatBeginOutsideTheFrameAreSkipped) {
+TEST(BoundingBox, SearchesThatStartOutsideTheFrameAreSkipped) {
   Image<std::uint32_t> image({"....", ".2..", "...."});
   EXPECT_EQ(findBoundingBox(image.rows.data(), 2, 4, 3, -1, -1), box(0, 0, 4, 3));
   EXPECT_EQ(findBoundingBox(image.rows.data(), 2, 4, 3, 4, 3), box(0, 0, 4, 3));
@@ -110,7 +111,7 @@ INSTANTIATE_TEST_SUITE_P(
                       BoxCase{"absentLabelGivesTheWholeFrame", {"....", "3333", "...."}, box(0, 0, 4, 3)}),
     byName);
 
-TEST(BoundingBox, LabelThatNoByteHoldsIsAbsent) {
+TEST(BoundingBox, LabelOutsideTheByteRangeIsAbsent) {
   Image<std::uint8_t> image({"....", ".#..", "...."});
   EXPECT_EQ(findBoundingBox(image.rows.data(), 255, 4, 3), box(1, 1, 1, 1));
   EXPECT_EQ(findBoundingBox(image.rows.data(), 256, 4, 3), box(0, 0, 4, 3));

@@ -24,7 +24,7 @@ void PrintTo(const GapCase& pair, std::ostream* out) { *out << pair.name; }
 
 class Gap : public ::testing::TestWithParam<GapCase> {};
 
-TEST_P(Gap, IsTheSameBothWays) {
+TEST_P(Gap, IsSymmetric) {
   boxRect a = GetParam().a;
   boxRect b = GetParam().b;
   EXPECT_EQ(calMinDist_ncv(a, b), GetParam().gap);
@@ -47,24 +47,24 @@ INSTANTIATE_TEST_SUITE_P(
         GapCase{"diagonalNotWhole", box(0, 0, 10, 10), box(11, 11, 5, 5), std::sqrt(2.0F)},
         GapCase{"axisGapIsTruncated", box(0, 0, 10, 10), box(12.9F, 3, 4, 4), 2.0F},
         GapCase{"diagonalGapsAreTruncatedFirst", box(0, 0, 10, 10), box(13.9F, 14.9F, 5, 5), 5.0F},
-        GapCase{"gapBelowOneIsNone", box(0, 0, 10, 10), box(10.5F, 3, 4, 4), 0.0F},
+        GapCase{"gapBelowOneIsZero", box(0, 0, 10, 10), box(10.5F, 3, 4, 4), 0.0F},
         GapCase{"negativePositions", box(-20, 0, 5, 5), box(-9, 0, 5, 5), 6.0F}),  // -9 - (-15)
     byName);
 
 INSTANTIATE_TEST_SUITE_P(
     BoxBeyondInt, Gap,
     ::testing::Values(
-        // The distance fits no int, so it counts as the smallest one.
+        // The distance does not fit an int and becomes the smallest one.
         GapCase{"axisGap", box(0, 0, 10, 10), box(1e10F, 3, 4, 4), -2147483648.0F},
         // Both gaps are -2^31, whose squares wrap to 0.
         GapCase{"diagonal", box(0, 0, 10, 10), box(1e10F, 1e10F, 4, 4), 0.0F},
         // 65536 * 65536 wraps to 0; 1 * 1 remains.
         GapCase{"squareWrapsToZero", box(0, 0, 10, 10), box(65546, 11, 4, 4), 1.0F},
-        // A NaN is in no range, and its gap counts as -2^31, whose square wraps to 0; 7 * 7 remains.
+        // NaN is outside every range; its gap becomes -2^31, whose square wraps to 0; 7 * 7 remains.
         GapCase{"notANumber", box(0, 0, 10, 10), box(nan, 17, 4, 4), 7.0F}),
     byName);
 
-TEST(Box, SquaredGapThatWrapsBelowZeroHasNoRoot) {
+TEST(Box, SquaredGapThatWrapsBelowZeroGivesNan) {
   boxRect a = box(0, 0, 10, 10);
   boxRect b = box(46351, 11, 4, 4);  // 46341 * 46341 + 1 wraps to -2147479014
   EXPECT_TRUE(std::isnan(calMinDist_ncv(a, b)));
@@ -72,7 +72,7 @@ TEST(Box, SquaredGapThatWrapsBelowZeroHasNoRoot) {
 
 // ---- distance -----------------------------------------------------------------------------------
 
-TEST(Box, DistanceIsThatOfTheCornersWhateverTheSizes) {
+TEST(Box, DistanceIsBetweenTheCornersWhateverTheSizes) {
   boxRect a = box(1, 2, 100, 100);
   boxRect b = box(4, 6, 0, 7);
   EXPECT_EQ(calDist_ncv(a, b), 5.0F);
@@ -115,7 +115,7 @@ TEST(Box, UnionKeepsTheFirstBoxsNamesOnly) {
   EXPECT_EQ(uni_ncv(b, a).names, b.names);
 }
 
-TEST(Box, UnionLeavesItsArgumentsAlone) {
+TEST(Box, UnionLeavesItsArgumentsUnchanged) {
   boxRect a = box(0, 0, 1, 1);
   boxRect b = box(5, 5, 1, 1);
   uni_ncv(a, b);

@@ -1,4 +1,4 @@
-// Boxes in tests: short to write, comparable, printed with their numbers.
+// Boxes in tests: a short constructor, comparison and printing.
 #pragma once
 
 #include <ostream>

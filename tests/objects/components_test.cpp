@@ -31,7 +31,7 @@ struct LabelMap {
   std::vector<std::uint32_t> labels;
 };
 
-TEST(Components, MapWithoutTheValueStaysAndGivesNothing) {
+TEST(Components, MapWithoutTheValueIsUnchangedAndGivesNothing) {
   LabelMap map({"..3.", "2..#"});
   EXPECT_EQ(map.label(1), Components{});
   EXPECT_EQ(map.drawn(), picture({"..3.", "2..#"}));
@@ -54,7 +54,7 @@ TEST(Components, AreListedInRasterOrderOfTheirFirstPixels) {
                                   "4....."}));
 }
 
-TEST(Components, DiagonalNeighboursAreTwo) {
+TEST(Components, DiagonalNeighboursAreTwoComponents) {
   LabelMap map({"1.", ".1"});
   EXPECT_EQ(map.label(1), (Components{{2, 1, 0}, {3, 1, 3}}));
 }
@@ -64,7 +64,7 @@ TEST(Components, RowEndsAreNotConnectedToTheNextRow) {
   EXPECT_EQ(map.label(1), (Components{{2, 1, 2}, {3, 1, 3}}));
 }
 
-TEST(Components, BranchesThatMeetLaterAreOne) {
+TEST(Components, BranchesThatMeetLaterAreOneComponent) {
   LabelMap map({"1.1.1",  //
                 "1.1.1",  //
                 "11111"});
@@ -83,7 +83,7 @@ TEST(Components, SpiralIsFollowedToItsEnd) {
 TEST(Components, OtherValuesSeparateAndKeepTheirValue) {
   LabelMap map({"13131", "333#3"});
   EXPECT_EQ(map.label(1), (Components{{2, 1, 0}, {3, 1, 2}, {4, 1, 4}}));
-  // A pixel that held 3 before still does, beside the label 3.
+  // Pixels that held 3 keep it, next to the new label 3.
   EXPECT_EQ(map.drawn(), picture({"23334", "333#3"}));
 }
 
@@ -121,7 +121,7 @@ TEST(Components, FrameSizedRegionDoesNotExhaustTheStack) {
   EXPECT_EQ(map.label(1), (Components{{2, 120000, 0}}));
 }
 
-TEST(Components, RunsReachAcrossMachineWords) {
+TEST(Components, RunsCrossWordBoundaries) {
   for (const std::size_t width : {63U, 64U, 65U, 128U, 130U}) {
     Rows rows(3, std::string(width, '1'));
     rows[1] = std::string(width, '.');
@@ -132,7 +132,7 @@ TEST(Components, RunsReachAcrossMachineWords) {
   }
 }
 
-// A row of 130 pixels and one of 10, as a frame whose sizes do not multiply to its pixels has.
+// A row of 130 pixels and one of 10, as in a frame whose pixel count is not width times height.
 TEST(Components, LastRowMayBeShort) {
   SizedEngine engine(140, 1, 1);
   engine.szImgX = 130;

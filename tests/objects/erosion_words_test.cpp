@@ -1,4 +1,5 @@
-// The list-based erosion against a plain one, on frames as wide as machine words and around, with any values.
+// The list-based erosion against a plain one, on frame widths around multiples of the word size, with any
+// values.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -24,8 +25,8 @@ struct Eroded {
   std::vector<int> last;  // what the last pass cleared
 };
 
-// Pass by pass, pixel by pixel. A pass that lists nothing changes nothing, and neither does one that lists
-// what the pass before did.
+// Pass by pass, pixel by pixel. On these masks at most 100 passes matter: after them every pass lists
+// nothing, or the same pixels as the pass before.
 Eroded eroded(Bytes mask, int width, const Erosion& erosion) {
   const int count = static_cast<int>(mask.size());
   const auto isCleared = [&](int pixel) { return mask[static_cast<std::size_t>(pixel)] == erosion.cleared; };
@@ -64,7 +65,7 @@ INSTANTIATE_TEST_SUITE_P(Width, ErosionOnWords, ::testing::ValuesIn(wordWidths),
 const Erosion erosions[] = {{1, 0, 1},   {1, 0, 2},     {1, 0, 3}, {1, 0, 5},       {255, 0, 3},
                             {0, 255, 2}, {255, 254, 3}, {9, 9, 1}, {1, 0, INT_MAX}, {9, 9, INT_MAX}};
 
-TEST_P(ErosionOnWords, SpeckledRegionsAreAsPlainErosionLeavesThem) {
+TEST_P(ErosionOnWords, SpeckledRegionsMatchPlainErosion) {
   SizedEngine engine(GetParam(), 23, 1);
   Speckle speckle(7);
   for (const Erosion& erosion : erosions) {
@@ -76,7 +77,7 @@ TEST_P(ErosionOnWords, SpeckledRegionsAreAsPlainErosionLeavesThem) {
   }
 }
 
-TEST_P(ErosionOnWords, SpeckledGroundIsAsPlainErosionLeavesIt) {
+TEST_P(ErosionOnWords, SpeckledBackgroundMatchesPlainErosion) {
   SizedEngine engine(GetParam(), 23, 1);
   Speckle speckle(8);
   for (const Erosion& erosion : erosions) {
@@ -87,9 +88,9 @@ TEST_P(ErosionOnWords, SpeckledGroundIsAsPlainErosionLeavesIt) {
   }
 }
 
-TEST_P(ErosionOnWords, RegionIsPeeledAcrossTheBordersOfWordsOnly) {
+TEST_P(ErosionOnWords, LayersCrossWordBoundaries) {
   SizedEngine engine(GetParam(), 9, 1);
-  // One cleared pixel at a time, all the rest set: a diamond grows around it, up to the frame's edge.
+  // One cleared pixel at a time, all others set: a diamond grows around it, up to the frame's edge.
   for (int column = 0; column < GetParam(); ++column) {
     Bytes mask(engine.pixels(), 1);
     mask[static_cast<std::size_t>(4 * GetParam() + column)] = 0;
@@ -97,12 +98,12 @@ TEST_P(ErosionOnWords, RegionIsPeeledAcrossTheBordersOfWordsOnly) {
   }
 }
 
-TEST(ErosionShapes, EngineThatWasSizedAgainForgetsTheFormerShape) {
+TEST(ErosionShapes, EngineSizedAgainForgetsTheFormerShape) {
   SizedEngine wide(130, 9, 1);
   Bytes mask(130 * 9, 1);
   wide.erode_ncv_fast(mask.data(), 1, 0, 3);
   wide.destoryBuffer();
-  wide.szImgX = 65;  // as many pixels, in rows half as wide
+  wide.szImgX = 65;  // the same number of pixels, in rows half as wide
   wide.szImgY = 18;
   wide.initBuffer_ncv();
   mask.assign(130 * 9, 1);
@@ -112,7 +113,7 @@ TEST(ErosionShapes, EngineThatWasSizedAgainForgetsTheFormerShape) {
   EXPECT_EQ(drawing(mask, 65), drawing(expected.mask, 65));
 }
 
-// 3 rows of 5 pixels and one of 2, as a frame whose sizes do not multiply to its pixels has.
+// 3 rows of 5 pixels and one of 2, as in a frame whose pixel count is not width times height.
 TEST(ErosionShapes, LastRowMayBeShort) {
   SizedEngine engine(17, 1, 1);
   stateOf(engine).nbrWidth = 5;

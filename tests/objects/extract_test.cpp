@@ -15,19 +15,19 @@ TEST(Extract, EmptyMaskGivesNoBox) {
   EXPECT_EQ(scene.extract(), Boxes{});
 }
 
-TEST(Extract, BoxHasTheRegionLessThreeLayersAndAMarginOfOne) {
+TEST(Extract, BoxIsTheRegionLessThreeLayersPlusAMarginOfOne) {
   Scene scene(64, 32);
   scene.fill({10, 8, 12, 9});                            // columns 10 to 21, rows 8 to 16
   EXPECT_EQ(scene.extract(), Boxes{box(12, 10, 8, 5)});  // remain columns 13 to 18, rows 11 to 13
 }
 
-TEST(Extract, RegionOfSixPixelsWidthVanishes) {
+TEST(Extract, RegionSixPixelsWideVanishes) {
   Scene scene(64, 32);
   scene.fill({10, 4, 6, 20});
   EXPECT_EQ(scene.extract(), Boxes{});
 }
 
-TEST(Extract, FrameEdgeDoesNotPeel) {
+TEST(Extract, FrameEdgeDoesNotErode) {
   Scene scene(64, 32);
   scene.fill({0, 0, 10, 8});
   EXPECT_EQ(scene.extract(), Boxes{box(0, 0, 8, 6)});  // columns 0 to 6, rows 0 to 4
@@ -60,7 +60,7 @@ TEST(Extract, MaskIsLeftCleanedWithForegroundOne) {
   EXPECT_EQ(scene.mask[7 * 16 + 7], 1);
 }
 
-TEST(Extract, EarlierOnesInTheMaskCountAsForeground) {
+TEST(Extract, OnesInTheMaskCountAsForeground) {
   Scene scene(64, 32);
   scene.fill({10, 8, 12, 9}, 1);
   EXPECT_EQ(scene.extract(), Boxes{box(12, 10, 8, 5)});
@@ -104,7 +104,7 @@ TEST(Extract, TailIsPrunedByTheStartOfTheRegionMask) {
   EXPECT_TRUE(std::all_of(scene.mask + 273, scene.mask + 416, [](int byte) { return byte == 1; }));
 }
 
-TEST(Extract, TailStaysWhereTheRegionMaskStartsInside) {
+TEST(Extract, TailIsKeptWhereTheRegionMaskStartsInside) {
   Scene scene(21, 21);
   std::fill(scene.roiMask + 32, scene.roiMask + 441, std::uint8_t{0});
   scene.fill({0, 10, 21, 11});
@@ -136,7 +136,7 @@ TEST(Extract, LabelBuffersAreMadeOnceAlignedAndHoldTheLabels) {
   EXPECT_EQ(scene.labelRows[5], row);
 }
 
-TEST(Extract, LabelsOfTheFrameBeforeAreGone) {
+TEST(Extract, LabelsOfThePreviousFrameAreCleared) {
   Scene scene(64, 32);
   scene.paint(Rect{10, 10, 2, 2});
   scene.extract();
@@ -155,26 +155,26 @@ TEST(Extract, BoxesCarryNoRegionNames) {
   scene.paint(Rect{20, 5, 20, 20});
   const Boxes boxes = scene.extract();
   ASSERT_EQ(boxes.size(), 1U);
-  EXPECT_TRUE(boxes[0].names.empty()) << "foreground is 1 by then, and names look for 255";
+  EXPECT_TRUE(boxes[0].names.empty()) << "foreground is 1 by then, and naming requires 255";
 }
 
-// ---- fractions of an impossible frame -----------------------------------------------------------
+// ---- fractions of an invalid frame --------------------------------------------------------------
 
 TEST(Fractions, SideBelowOneGivesZeroAndAWarningForEveryBox) {
   Boxes boxes{box(1, 2, 3, 4), box(5, 6, 7, 8)};
-  const Said said = saidDuring([&] { toFractions(boxes, 0, 8); });
+  const Printed printed = printedBy([&] { toFractions(boxes, 0, 8); });
   EXPECT_EQ(boxes, (Boxes{box(0, 0.25F, 0, 0.5F), box(0, 0.75F, 0, 1)}));
-  EXPECT_EQ(said, (Said{"", "Warn: invalid szImgX= 0 \nWarn: invalid szImgX= 0 \n"}));
+  EXPECT_EQ(printed, (Printed{"", "Warn: invalid szImgX= 0 \nWarn: invalid szImgX= 0 \n"}));
 }
 
 TEST(Fractions, BothSidesWarnWidthFirst) {
   Boxes boxes{box(1, 2, 3, 4)};
-  const Said said = saidDuring([&] { toFractions(boxes, -5, -1); });
+  const Printed printed = printedBy([&] { toFractions(boxes, -5, -1); });
   EXPECT_EQ(boxes, Boxes{box(0, 0, 0, 0)});
-  EXPECT_EQ(said, (Said{"", "Warn: invalid szImgX= -5 \nWarn: invalid szImgY= -1 \n"}));
+  EXPECT_EQ(printed, (Printed{"", "Warn: invalid szImgX= -5 \nWarn: invalid szImgY= -1 \n"}));
 }
 
-// ---- missing memory -----------------------------------------------------------------------------
+// ---- missing planes -----------------------------------------------------------------------------
 
 TEST(Extract, MissingMaskGivesNothing) {
   Scene scene(64, 32);

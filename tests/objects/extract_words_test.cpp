@@ -13,8 +13,8 @@ namespace {
 
 using Labels = std::vector<std::uint32_t>;
 
-// The result for one frame of the operations that extraction consists of, called one by one.
-struct Traces {
+// The result for one frame of the operations of extraction, called one by one.
+struct FinalState {
   Bytes mask;
   std::vector<int> last;
   Labels labels;
@@ -35,20 +35,20 @@ void flood(Labels& labels, int width, int pixel, std::uint32_t label) {
   }
 }
 
-Traces tracesOf(const SizedEngine& engine, const Bytes& frame) {
+FinalState expectedState(const SizedEngine& engine, const Bytes& frame) {
   const int width = engine.szImgX;
   SizedEngine fresh(width, engine.szImgY, 1);
-  Traces traces{frame, {}, {}};
-  std::replace(traces.mask.begin(), traces.mask.end(), 255, 1);
-  fresh.erode_ncv_fast(traces.mask.data(), 1, 0, 3);
-  traces.last = fresh.morphList;
-  simd::pruneFgByRoi(traces.mask.data(), engine.roiMask, engine.numPixel);
-  traces.labels.assign(traces.mask.begin(), traces.mask.end());
+  FinalState state{frame, {}, {}};
+  std::replace(state.mask.begin(), state.mask.end(), 255, 1);
+  fresh.erode_ncv_fast(state.mask.data(), 1, 0, 3);
+  state.last = fresh.morphList;
+  simd::pruneFgByRoi(state.mask.data(), engine.roiMask, engine.numPixel);
+  state.labels.assign(state.mask.begin(), state.mask.end());
   std::uint32_t next = 2;
   for (int pixel = 0; pixel < engine.numPixel; ++pixel) {
-    if (traces.labels[static_cast<std::size_t>(pixel)] == 1) flood(traces.labels, width, pixel, next++);
+    if (state.labels[static_cast<std::size_t>(pixel)] == 1) flood(state.labels, width, pixel, next++);
   }
-  return traces;
+  return state;
 }
 
 struct Extraction : SizedEngine {
@@ -57,8 +57,8 @@ struct Extraction : SizedEngine {
   Extraction(const Extraction&) = delete;
   Extraction& operator=(const Extraction&) = delete;
 
-  void expectTraces(const Bytes& frame) {
-    const Traces expected = tracesOf(*this, frame);
+  void expectState(const Bytes& frame) {
+    const FinalState expected = expectedState(*this, frame);
     std::copy(frame.begin(), frame.end(), mask);
     genFgObj_ncv(mask);
     ASSERT_EQ(drawn(mask), drawing(expected.mask, szImgX));
@@ -76,19 +76,19 @@ class ExtractionOnWords : public ::testing::TestWithParam<int> {};
 INSTANTIATE_TEST_SUITE_P(Width, ExtractionOnWords, ::testing::ValuesIn(wordWidths),
                          ::testing::PrintToStringParamName());
 
-TEST_P(ExtractionOnWords, EveryFrameLeavesWhatPlainOperationsLeave) {
+TEST_P(ExtractionOnWords, EveryFrameMatchesPlainOperations) {
   Extraction engine(GetParam(), 37);
   Speckle speckle(11);
   const std::size_t pixels = engine.pixels();
   for (int round = 0; round < 4; ++round) {
     for (const unsigned every : {30U, 150U, 1000U}) {
-      engine.expectTraces(speckle.mask(pixels, 255, every, {0}));
-      engine.expectTraces(speckle.mask(pixels, 255, every, {0, 7}));
-      engine.expectTraces(speckle.mask(pixels, 0, every, {7, 255, 1}));
+      engine.expectState(speckle.mask(pixels, 255, every, {0}));
+      engine.expectState(speckle.mask(pixels, 255, every, {0, 7}));
+      engine.expectState(speckle.mask(pixels, 0, every, {7, 255, 1}));
     }
-    engine.expectTraces(Bytes(pixels, 0));
-    engine.expectTraces(speckle.mask(pixels, 7, 40, {0, 1, 255, 254}));
-    engine.expectTraces(Bytes(pixels, 255));
+    engine.expectState(Bytes(pixels, 0));
+    engine.expectState(speckle.mask(pixels, 7, 40, {0, 1, 255, 254}));
+    engine.expectState(Bytes(pixels, 255));
   }
 }
 
@@ -97,48 +97,48 @@ TEST_P(ExtractionOnWords, PrunedPixelsAreInNoLabelMap) {
   for (std::size_t i = 0; i < engine.pixels(); i += 3) engine.roiMask[i] = 0;
   Speckle speckle(12);
   for (int round = 0; round < 4; ++round) {
-    engine.expectTraces(Bytes(engine.pixels(), 255));
-    engine.expectTraces(speckle.mask(engine.pixels(), 255, 200, {0, 7}));
-    engine.expectTraces(Bytes(engine.pixels(), 7));
-    engine.expectTraces(Bytes(engine.pixels(), 0));
+    engine.expectState(Bytes(engine.pixels(), 255));
+    engine.expectState(speckle.mask(engine.pixels(), 255, 200, {0, 7}));
+    engine.expectState(Bytes(engine.pixels(), 7));
+    engine.expectState(Bytes(engine.pixels(), 0));
   }
 }
 
 // A square moves; the labels it leaves must be cleared, block by block.
-TEST_P(ExtractionOnWords, MovingRegionLeavesNoLabelsBehind) {
+TEST_P(ExtractionOnWords, MovingRegionLeavesNoOldLabels) {
   Extraction engine(GetParam(), 37);
   for (int step = 0; step + 8 <= GetParam(); step += 7) {
     Bytes frame(engine.pixels(), 0);
     for (int y = 14; y < 23; ++y) std::fill_n(frame.begin() + y * GetParam() + step, 8, std::uint8_t{255});
-    engine.expectTraces(frame);
+    engine.expectState(frame);
   }
-  engine.expectTraces(Bytes(engine.pixels(), 0));
+  engine.expectState(Bytes(engine.pixels(), 0));
 }
 
-TEST(ExtractionBuffers, LabelMapPutInPlaceByTheCallerIsWrittenWhole) {
+TEST(ExtractionBuffers, LabelMapReplacedByTheCallerIsWrittenCompletely) {
   Extraction engine(130, 37);
-  engine.expectTraces(Bytes(engine.pixels(), 0));
-  std::uint32_t* const former = engine.labelMap;  // freed late, so that the new one lies elsewhere
+  engine.expectState(Bytes(engine.pixels(), 0));
+  std::uint32_t* const former = engine.labelMap;  // freed late, so that the new one has another address
   engine.labelMap = makePlane<std::uint32_t>(engine.pixels(), 99);
-  engine.expectTraces(Bytes(engine.pixels(), 0));
+  engine.expectState(Bytes(engine.pixels(), 0));
   std::free(former);
 }
 
-TEST(ExtractionBuffers, LabelMapThatWasLabelledOtherwiseIsWrittenWhole) {
+TEST(ExtractionBuffers, LabelMapChangedByAnotherOperationIsWrittenCompletely) {
   Extraction engine(130, 37);
-  engine.expectTraces(Bytes(engine.pixels(), 0));
+  engine.expectState(Bytes(engine.pixels(), 0));
   engine.connectedComponent(engine.labelMap, 0);
   ASSERT_EQ(engine.labelMap[0], 2U);
-  engine.expectTraces(Bytes(engine.pixels(), 0));
+  engine.expectState(Bytes(engine.pixels(), 0));
 }
 
-TEST(ExtractionBuffers, PlanesThatWereReleasedAreMadeAgain) {
+TEST(ExtractionBuffers, ReleasedPlanesAreMadeAgain) {
   Extraction engine(130, 37);
-  engine.expectTraces(Bytes(engine.pixels(), 255));
+  engine.expectState(Bytes(engine.pixels(), 255));
   std::free(engine.labelMap);
   engine.labelMap = nullptr;
-  engine.expectTraces(Bytes(engine.pixels(), 0));
-  engine.expectTraces(Bytes(engine.pixels(), 255));
+  engine.expectState(Bytes(engine.pixels(), 0));
+  engine.expectState(Bytes(engine.pixels(), 255));
 }
 
 }  // namespace

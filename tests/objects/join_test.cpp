@@ -20,10 +20,10 @@ struct RowOfBoxes : Scene {
 
 // ---- gap pass -----------------------------------------------------------------------------------
 
-TEST(GapPass, JoinsBoxesAtTheGapItself) {
+TEST(GapPass, JoinsBoxesWhoseGapIsTheLimit) {
   RowOfBoxes scene(2);
   scene.thrConnect = 5.0F;
-  EXPECT_EQ(scene.extract(), Boxes{box(9, 9, 18, 7)});  // 9 to 26 and one more, 9 to 15 and one more
+  EXPECT_EQ(scene.extract(), Boxes{box(9, 9, 18, 7)});  // 26 - 9 + 1 and 15 - 9 + 1
 }
 
 TEST(GapPass, LeavesBoxesFurtherApart) {
@@ -39,7 +39,7 @@ TEST(GapPass, GapIsTruncatedBeforeItIsCompared) {
   EXPECT_EQ(scene.extract(), Boxes{box(9, 9, 18, 18)});
 }
 
-TEST(GapPass, TruncatedGapIsComparedWithTheWholeLimit) {
+TEST(GapPass, LimitIsNotTruncated) {
   Scene scene(64, 64);
   scene.paint({coreOf({9, 9, 6, 6}), coreOf({20, 20, 6, 6})});
   scene.thrConnect = 6.99F;
@@ -49,19 +49,19 @@ TEST(GapPass, TruncatedGapIsComparedWithTheWholeLimit) {
 TEST(GapPass, ThreeInARowJoinInTwoPasses) {
   RowOfBoxes scene(3);
   scene.thrConnect = 5.0F;
-  // First (9, 18 wide, 7 high) beside the box at 31; then 9 to 37 and one more, 9 to 16 and one more.
+  // The first pass gives 18 x 7 at (9, 9) and the box at 31; the second 37 - 9 + 1 and 16 - 9 + 1.
   EXPECT_EQ(scene.extract(), Boxes{box(9, 9, 29, 8)});
 }
 
 TEST(GapPass, JoinedBoxIsNotJoinedAgainInTheSamePass) {
   RowOfBoxes scene(4);
   scene.thrConnect = 5.0F;
-  // First pass: 9 to 26 and 31 to 48, each one more. Second: 9 to 49 and one more. The height grows twice,
-  // not three times as if each box had been added to the first in turn.
+  // First pass: 26 - 9 + 1 and 48 - 31 + 1 wide. Second: 49 - 9 + 1. The height grows twice, not three times
+  // as if each box had been added to the first in turn.
   EXPECT_EQ(scene.extract(), Boxes{box(9, 9, 41, 8)});
 }
 
-TEST(GapPass, EveryJoinGrowsTheBoxByOnePixelEachWay) {
+TEST(GapPass, EveryJoinAddsOnePixelToWidthAndHeight) {
   for (const auto& [count, height] : {std::pair{1, 6}, {2, 7}, {4, 8}, {8, 9}}) {
     RowOfBoxes scene(count);
     scene.thrConnect = 5.0F;
@@ -71,13 +71,13 @@ TEST(GapPass, EveryJoinGrowsTheBoxByOnePixelEachWay) {
   }
 }
 
-TEST(GapPass, BoxTakesTheFirstNearOneInListOrder) {
+TEST(GapPass, BoxJoinsTheFirstNearOneInListOrder) {
   Scene scene(128, 64);
   // Listed top-down: A, then B to its right, then C below A. B and C are both near A, not near each other.
   scene.paint({coreOf({20, 10, 6, 6}), coreOf({31, 11, 6, 6}), coreOf({14, 21, 6, 6})});
   scene.thrConnect = 5.0F;
-  // A and B: (20, 10), to 37 and one more, to 17 and one more: 18 x 8. Then C, which ends at 20 and begins at
-  // 21, is 3 below: (14, 10), to 38 and one more, to 27 and one more.
+  // A and B: 37 - 20 + 1 = 18 by 17 - 10 + 1 = 8 at (20, 10), which ends at row 18. C, from row 21, is 3
+  // below: the union is 38 - 14 + 1 by 27 - 10 + 1 at (14, 10).
   EXPECT_EQ(scene.extract(), Boxes{box(14, 10, 25, 18)});
 }
 
@@ -118,7 +118,7 @@ INSTANTIATE_TEST_SUITE_P(Join, SizeFilter,
                          ::testing::Values(FilterCase{"bothReached", 3, 40, true},      //
                                            FilterCase{"widthReached", 3, 41, true},     //
                                            FilterCase{"heightReached", 4, 40, true},    //
-                                           FilterCase{"heightAmple", 100, 7, true},     //
+                                           FilterCase{"heightFarAbove", 100, 7, true},  //
                                            FilterCase{"neitherReached", 4, 41, false},  //
                                            FilterCase{"noMinima", 0, 0, true},          //
                                            FilterCase{"negativeMinima", -5, -5, true}),
@@ -157,7 +157,7 @@ TEST(OverlapPass, JoinsBoxesThatOverlapWhateverTheGapLimit) {
 TEST(OverlapPass, ComesAfterTheSizeFilter) {
   RingWithBlock scene;
   scene.minObjWPxl = scene.minObjHPxl = 7;
-  EXPECT_EQ(scene.extract(), Boxes{box(9, 9, 42, 42)}) << "the block is gone before it could join the ring";
+  EXPECT_EQ(scene.extract(), Boxes{box(9, 9, 42, 42)}) << "the block is dropped before it can join the ring";
 }
 
 TEST(OverlapPass, LeavesBoxesApart) {

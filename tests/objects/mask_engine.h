@@ -1,4 +1,4 @@
-// An engine of a picture's size, with the picture as a mask to work on.
+// An engine of a picture's size, with the picture as its mask.
 #pragma once
 
 #include <cstdlib>

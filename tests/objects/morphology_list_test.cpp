@@ -96,7 +96,7 @@ TEST(ErodeList, SetAndClearedAreTheCallersValues) {
   EXPECT_EQ(eroded({"#11#", "1..1", "#11#"}, 1, 255, 1), picture({"####", "#..#", "####"}));
 }
 
-TEST(ErodeList, MarkerValuesOfTheOtherFamiliesMeanNothing) {
+TEST(ErodeList, MarkerValuesOfTheOtherFamiliesHaveNoMeaning) {
   EXPECT_EQ(eroded({"..2..", ".111.", "2.3.2"}, 1, 0, 1), picture({"..2..", "..1..", "2.3.2"}));
 }
 
@@ -109,7 +109,7 @@ TEST(ErodeList, ScratchListIsReusedAndHoldsTheLastPass) {
   const int* const storage = engine.morphList.data();
   engine.erode_ncv_fast(engine.mask, 1, 0, 2);
   EXPECT_EQ(engine.morphList, (std::vector<int>{16, 17, 18, 23, 25, 30, 31, 32})) << "the ring around (3, 3)";
-  EXPECT_EQ(engine.morphList.data(), storage) << "the room made at set-up suffices";
+  EXPECT_EQ(engine.morphList.data(), storage) << "the capacity reserved at set-up suffices";
 }
 
 // ---- dilation -----------------------------------------------------------------------------------
@@ -125,7 +125,7 @@ TEST(DilateList, LeavesTheShapeAndRelabelsIt) {
             picture({".....", ".111.", ".111.", "....1"}));
 }
 
-TEST(DilateList, LeavesTheMaskWithoutANewLabel) {
+TEST(DilateList, LeavesTheMaskIfTheLabelIsTheSame) {
   EXPECT_EQ(dilated({"..#..", ".###.", "..#.#"}, 255, 255, 3), picture({"..#..", ".###.", "..#.#"}));
 }
 
@@ -149,15 +149,15 @@ TEST(DilateList, RelabelsOtherRegionsToo) {
   EXPECT_EQ(dilated({"###", "###"}, 255, 3, 1), picture({"333", "333"})) << "no neighbour differs";
 }
 
-// A listed pixel takes part through its changed value: the scan meets each pixel whose left or upper
-// neighbour was listed just before, and so lists the whole block.
+// A listed pixel counts with its changed value at once: every pixel whose left or upper neighbour was listed
+// qualifies too, so the scan lists the whole block.
 TEST(DilateList, PixelsListedInAScanMakeTheirSuccessorsQualify) {
   MaskEngine engine({"......", ".####.", ".####.", ".####.", "......"});
   engine.dilate_ncv_fast(engine.mask, 255, 255, 1);
   EXPECT_EQ(engine.morphList, (std::vector<int>{7, 8, 9, 10, 13, 14, 15, 16, 19, 20, 21, 22}));
 }
 
-// ---- missing memory -----------------------------------------------------------------------------
+// ---- missing mask or tables ---------------------------------------------------------------------
 
 TEST(MorphologyList, MissingMaskIsRefused) {
   SizedEngine engine(4, 3, 1);

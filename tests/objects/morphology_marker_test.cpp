@@ -38,8 +38,8 @@ INSTANTIATE_TEST_SUITE_P(
         MorphCase{"lineDisappears", 255, 0, 1, {"....", "####", "...."}, {"....", "....", "...."}},
         MorphCase{"otherValuesDoNotErode", 255, 0, 2, {"777", "7#7", "777"}, {"777", "7#7", "777"}},
         // The marker is cleared + 1: bytes of it become cleared, whatever they border.
-        MorphCase{"markerBytesAreSwallowed", 255, 0, 1, {"1777", "71#7", "7777"}, {".777", "7.#7", "7777"}},
-        MorphCase{"swallowedBytesErodeInTheNextPass",
+        MorphCase{"markerBytesAreCleared", 255, 0, 1, {"1777", "71#7", "7777"}, {".777", "7.#7", "7777"}},
+        MorphCase{"clearedMarkerBytesErodeInTheNextPass",
                   255,
                   0,
                   2,
@@ -72,10 +72,10 @@ INSTANTIATE_TEST_SUITE_P(
         MorphCase{"relabelsWithoutAPass", 255, 1, 0, {".##z"}, {".11z"}},
         MorphCase{"relabelsWithNegativePasses", 255, 1, -2, {".##z"}, {".11z"}},
         // The marker is set - 1: bytes of it become set, wherever they are.
-        MorphCase{"markerBytesAreSwallowed", 255, 255, 1, {"z..#", "..z."}, {"#..#", "..#."}},
-        MorphCase{"swallowedBytesAreRelabelled", 255, 1, 1, {"z..#", "..z."}, {"1..1", "..1."}},
-        MorphCase{"setOneFloodsTheBackground", 1, 1, 1, {"....", ".1.7"}, {"1111", "1117"}},
-        MorphCase{"setZeroTakesTheHighestByte", 0, 0, 1, {"#7.7"}, {".7.7"}},
+        MorphCase{"markerBytesBecomeSet", 255, 255, 1, {"z..#", "..z."}, {"#..#", "..#."}},
+        MorphCase{"markerBytesAreRelabelled", 255, 1, 1, {"z..#", "..z."}, {"1..1", "..1."}},
+        MorphCase{"setOneSetsTheBackground", 1, 1, 1, {"....", ".1.7"}, {"1111", "1117"}},
+        MorphCase{"setZeroHasMarker255", 0, 0, 1, {"#7.7"}, {".7.7"}},
         MorphCase{"set254", 254, 3, 1, {"y7z#"}, {"373#"}}),
     byName);
 
@@ -85,7 +85,7 @@ TEST(MorphologyMarker, MissingMaskIsRefused) {
   EXPECT_EQ(engine.dilate_ncv(nullptr, 255, 1, 2), 0);
 }
 
-TEST(MorphologyMarker, EmptyFrameIsSurvived) {
+TEST(MorphologyMarker, EmptyFrameLeavesTheMask) {
   kAMBLE engine;
   Bytes mask(1, 255);
   engine.erode_ncv(mask.data(), 255, 0, 3);

@@ -80,8 +80,9 @@ INSTANTIATE_TEST_SUITE_P(
                  2,
                  {".....", ".....", ".....", "....#"},
                  {".....", "....#", "...##", "..###"}},
-        RowsCase{"otherValuesAreOvergrown", 255, 1, {"777", "7#7", "777"}, {"7#7", "###", "7#7"}},
-        RowsCase{"grownPixelsDoNotGrowOn", 255, 1, {".....", "#....", "....."}, {"#....", "##...", "#...."}},
+        RowsCase{"otherValuesAreReplaced", 255, 1, {"777", "7#7", "777"}, {"7#7", "###", "7#7"}},
+        RowsCase{
+            "grownPixelsDoNotGrowFurther", 255, 1, {".....", "#....", "....."}, {"#....", "##...", "#...."}},
         RowsCase{"nothingSet", 255, 1, {"...", "7z."}, {"...", "7z."}},
         // The marker is set + 2 below 254, else set - 2; bytes of it become set wherever they are.
         RowsCase{"markerBelowTheSetValue", 255, 1, {"y....", "....#"}, {"#...#", "...##"}},
@@ -124,16 +125,17 @@ INSTANTIATE_TEST_SUITE_P(
                  1,
                  {"....", ".zz.", ".11.", "...."},
                  {"....", ".zz.", ".11.", "...."}},
-        // Markers turn after every pass: bytes of cleared + 2 become cleared and erode in the next one.
-        RowsCase{"markerBytesAreSwallowed", 0, 1, {"2777", "72#7", "7777"}, {".777", "7.#7", "7777"}},
-        RowsCase{"swallowedBytesErodeInTheNextPass",
+        // Markers and bytes that held their value before become cleared after every pass; neighbours erode
+        // next.
+        RowsCase{"markerBytesAreCleared", 0, 1, {"2777", "72#7", "7777"}, {".777", "7.#7", "7777"}},
+        RowsCase{"clearedMarkerBytesErodeInTheNextPass",
                  0,
                  2,
                  {"2777", "72#7", "7777", "7777"},
                  {".777", "7..7", "7777", "7777"}},
         RowsCase{"cleared254HasMarker252", 254, 1, {"zzzz", "z#7x", "zzzz"}, {"zzzz", "zz7z", "zzzz"}},
         RowsCase{"cleared255HasMarker253", 255, 1, {"####", "#7y#"}, {"####", "#7##"}},
-        // The marker is 255 itself, so that every set pixel turns, bordering or not.
+        // The marker is 255 itself, so that every set pixel is cleared, bordering or not.
         RowsCase{"cleared253TakesEverything", 253, 1, {"7777", "7##7", "yy.."}, {"7777", "7yy7", "yy.."}}),
     byName);
 

@@ -17,9 +17,8 @@ using Names = std::vector<std::string>;
 
 constexpr float nan = std::numeric_limits<float>::quiet_NaN();
 
-// A foreground mask and region masks of exactly the frame's size on the heap, so that a checked build sees
-// every read beyond them. The touch test of every processor looks at whole blocks of 16 columns, hence the
-// width.
+// A foreground mask and region masks of exactly the frame's size on the heap, so that the sanitizers detect
+// every read beyond them. The touch test works on whole blocks of 16 columns, hence the widths.
 struct Frame {
   Frame(int frameWidth, int frameHeight) : width(frameWidth), height(frameHeight), foreground(plane()) {}
 
@@ -88,7 +87,7 @@ TEST(RegionNames, EveryBoxIsNamed) {
   EXPECT_EQ(boxes[2].names, Names{});
 }
 
-TEST(RegionNames, AreAppendedToThoseABoxHasEvenTwice) {
+TEST(RegionNames, AreAppendedEvenIfTheBoxHasThemAlready) {
   Frame frame(32, 4);
   frame.spot(3, 1);
   boxRect named = box(0, 0, 16, 4);
@@ -96,7 +95,7 @@ TEST(RegionNames, AreAppendedToThoseABoxHasEvenTwice) {
   EXPECT_EQ(frame.namesOf(named), (Names{"spot", "old", "spot"}));
 }
 
-TEST(RegionNames, RegionsOfTheSameNameAreNamedEach) {
+TEST(RegionNames, RegionsOfTheSameNameAreListedEach) {
   Frame frame(32, 4);
   frame.show({{3, 1}});
   frame.addRegion("gate", {{3, 1}});
@@ -129,7 +128,7 @@ TEST(RegionNames, NeedForeground255AndRegion1) {
 TEST(RegionNames, RegionWithoutAMaskTouchesNothing) {
   Frame frame(32, 4);
   frame.showAll();
-  frame.regions.push_back({"unmade", {}, nullptr});
+  frame.regions.push_back({"no mask", {}, nullptr});
   EXPECT_EQ(frame.namesOf(box(0, 0, 16, 4)), Names{"all"});
 }
 
@@ -141,7 +140,7 @@ TEST(RegionNames, MissingForegroundTouchesNothing) {
   EXPECT_EQ(boxes[0].names, Names{});
 }
 
-// ---- which pixels are looked at -----------------------------------------------------------------
+// ---- which pixels are tested --------------------------------------------------------------------
 
 struct SpotCase {
   const char* name;
@@ -168,7 +167,7 @@ INSTANTIATE_TEST_SUITE_P(
                       SpotCase{"aboveTheBox", box(5, 1, 16, 4), 8, 0, false},
                       SpotCase{"belowTheBox", box(5, 1, 16, 4), 8, 5, false},
                       SpotCase{"boxNarrowerThanABlock", box(5, 1, 15, 4), 8, 2, false},
-                      SpotCase{"columnsBehindTheLastBlock", box(5, 1, 31, 4), 21, 2, false},
+                      SpotCase{"columnsAfterTheLastBlock", box(5, 1, 31, 4), 21, 2, false},
                       SpotCase{"secondBlock", box(5, 1, 32, 4), 36, 2, true},
                       // Every number of the box is truncated first.
                       SpotCase{"truncatedPosition", box(5.9F, 1.9F, 16.9F, 1.9F), 5, 1, true},
@@ -186,24 +185,24 @@ INSTANTIATE_TEST_SUITE_P(
     RegionNamesPastTheFrame, TouchingSpot,
     ::testing::Values(SpotCase{"rightEdgeRunsOnIntoTheNextRow", box(30, 2, 16, 1), 5, 3, true},
                       SpotCase{"notFurther", box(30, 2, 16, 1), 6, 3, false},
-                      SpotCase{"lastRowsInsidePart", box(30, 5, 16, 1), 39, 5, true},
+                      SpotCase{"insidePartOfTheLastRow", box(30, 5, 16, 1), 39, 5, true},
                       SpotCase{"lastRowDoesNotRunOnToTheFirst", box(30, 5, 16, 1), 0, 0, false},
                       SpotCase{"bottom", box(30, 4, 16, 100), 39, 5, true},
-                      SpotCase{"wholeFramesSizeFromInside", box(23, 3, 40, 6), 39, 5, true},
+                      SpotCase{"frameSizedBoxFromInside", box(23, 3, 40, 6), 39, 5, true},
                       SpotCase{"leftEdgeRunsBackIntoTheRowBefore", box(-4, 1, 16, 1), 36, 0, true},
                       SpotCase{"leftEdgeInsidePart", box(-4, 0, 16, 1), 11, 0, true},
-                      SpotCase{"notBehindTheLeftPart", box(-4, 0, 16, 1), 12, 0, false},
+                      SpotCase{"notAfterTheLeftPart", box(-4, 0, 16, 1), 12, 0, false},
                       SpotCase{"firstRowDoesNotRunBackToTheLast", box(-4, 0, 16, 1), 39, 5, false},
                       SpotCase{"above", box(0, -2, 16, 3), 15, 0, true},
                       SpotCase{"onlyAbove", box(0, -2, 16, 2), 15, 0, false},
-                      SpotCase{"behindTheEnd", box(0, 6, 16, 3), 0, 0, false},
-                      SpotCase{"wayBehindTheEnd", box(1e6F, 1e6F, 16, 16), 0, 0, false},
-                      // 20 columns from -80 on are two rows and a half too far left; row 2 begins at index 0.
-                      SpotCase{"rowsThatReachBackIntoTheFrame", box(-80, 0, 16, 3), 0, 0, true},
-                      SpotCase{"endlessHeight", box(0, 0, 16, 2e9F), 15, 5, true},
-                      SpotCase{"endlessWidth", box(0, 0, 2e9F, 1), 39, 5, true},
-                      SpotCase{"heightThatFitsNoInt", box(0, 0, 16, 3e9F), 0, 0, false},
-                      SpotCase{"widthThatFitsNoInt", box(0, 0, 3e9F, 6), 0, 0, false}),
+                      SpotCase{"afterTheEnd", box(0, 6, 16, 3), 0, 0, false},
+                      SpotCase{"farAfterTheEnd", box(1e6F, 1e6F, 16, 16), 0, 0, false},
+                      // 80 columns left of the frame are two rows: row 2 of the box begins at index 0.
+                      SpotCase{"laterRowsReachTheFrame", box(-80, 0, 16, 3), 0, 0, true},
+                      SpotCase{"hugeHeight", box(0, 0, 16, 2e9F), 15, 5, true},
+                      SpotCase{"hugeWidth", box(0, 0, 2e9F, 1), 39, 5, true},
+                      SpotCase{"heightOutOfIntRange", box(0, 0, 16, 3e9F), 0, 0, false},
+                      SpotCase{"widthOutOfIntRange", box(0, 0, 3e9F, 6), 0, 0, false}),
     byName);
 
 TEST(RegionNames, BoxesThatAreNotNumbersTouchNothing) {
@@ -232,11 +231,11 @@ TEST(RegionNames, FrameWithoutPixelsTouchesNothing) {
   }
 }
 
-// ---- the test on a box itself -------------------------------------------------------------------
+// ---- isTouch ------------------------------------------------------------------------------------
 
 class TouchingPixel : public ::testing::TestWithParam<SpotCase> {};
 
-TEST_P(TouchingPixel, IsLookedAtWithoutBlocksAndClippedToTheFrame) {
+TEST_P(TouchingPixel, IsTestedWithoutBlocksAndClippedToTheFrame) {
   Frame frame(40, 6);
   frame.spot(GetParam().x, GetParam().y);
   EXPECT_EQ(isTouch(GetParam().area, frame.foreground.get(), frame.masks[0].get(), 40, 6),
@@ -251,7 +250,7 @@ INSTANTIATE_TEST_SUITE_P(
                       SpotCase{"rightOfTheBox", box(5, 1, 3, 2), 8, 1, false},
                       SpotCase{"aboveTheBox", box(5, 1, 3, 2), 5, 0, false},
                       SpotCase{"belowTheBox", box(5, 1, 3, 2), 5, 3, false},
-                      // The near edges compare as they are, the far ones are truncated.
+                      // The near edges are compared as they are, the far ones are truncated.
                       SpotCase{"fractionalLeftEdge", box(5.5F, 1, 3, 2), 5, 1, false},
                       SpotCase{"insideFractionalEdges", box(5.5F, 1.5F, 3, 2), 6, 2, true},
                       SpotCase{"fractionalTopEdge", box(5, 1.5F, 3, 2), 5, 1, false},
@@ -263,7 +262,7 @@ INSTANTIATE_TEST_SUITE_P(
                       SpotCase{"clippedRightAndBelow", box(38, 4, 99, 99), 39, 5, true},
                       SpotCase{"beyondTheFrame", box(40, 6, 9, 9), 39, 5, false},
                       SpotCase{"notANumber", box(nan, 1, 3, 2), 5, 1, false},
-                      SpotCase{"farEdgeThatFitsNoInt", box(0, 0, 3e9F, 6), 5, 1, false}),
+                      SpotCase{"farEdgeOutOfIntRange", box(0, 0, 3e9F, 6), 5, 1, false}),
     byName);
 
 TEST(IsTouch, NeedsForeground255AndRegion1) {

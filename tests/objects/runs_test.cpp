@@ -1,4 +1,4 @@
-// The labeller of runs by itself.
+// The run labeller on its own.
 #include "objects/runs.h"
 
 #include <gtest/gtest.h>
@@ -42,7 +42,7 @@ class Labelled {
   RunLabeller labeller_;
 };
 
-TEST(Runs, RowsThatAreLeftOutSeparate) {
+TEST(Runs, OmittedRowsSeparate) {
   EXPECT_EQ(Labelled().row(2, 0b0110).row(4, 0b0110).spans(),
             (std::vector<Span>{{2, 2, 129, 1, 2, 2, 2}, {3, 2, 257, 1, 4, 2, 4}}));
 }
@@ -51,7 +51,7 @@ TEST(Runs, RowWithoutARunSeparates) {
   EXPECT_EQ(Labelled().row(2, 0b0110).row(3, 0).row(4, 0b0110).spans().size(), 2U);
 }
 
-TEST(Runs, ComponentSpansAllThatItsRunsTouch) {
+TEST(Runs, ComponentSpansAllItsRuns) {
   EXPECT_EQ(Labelled().row(5, 0b00100).row(6, 0b11110).row(7, 0b10000).spans(),
             (std::vector<Span>{{2, 6, 322, 1, 5, 4, 7}}));
 }
@@ -61,7 +61,7 @@ TEST(Runs, RunReachesTheEndOfTheRow) {
             (std::vector<Span>{{2, 3, 62, 62, 0, 63, 1}}));
 }
 
-TEST(Runs, StartingAgainForgets) {
+TEST(Runs, StartForgetsEarlierRuns) {
   RunLabeller labeller;
   BitRows bits;
   bits.reset(1, 1);

@@ -41,7 +41,7 @@ struct Scene : SizedEngine {
     }
   }
 
-  // The boxes in pixels. Powers of two as frame sides make the way there and back exact.
+  // The boxes in pixels. Exact if the frame sides are powers of two.
   Boxes extract() {
     Boxes boxes = genFgObj_ncv(mask);
     for (boxRect& found : boxes) {

@@ -24,7 +24,7 @@ struct Pieces : Scene {
   }
 };
 
-// Two pieces 20 apart: centre in between, 10 from each. 10 is within a quarter of 128 and 0.75 * 20.
+// Two pieces 20 apart, each 10 from their centre: within a quarter of 128 and within 0.75 * 20.
 const std::vector<pnt> near{{50, 20}, {70, 20}};
 
 // ---- lowering -----------------------------------------------------------------------------------
@@ -51,14 +51,14 @@ TEST(SmallComponents, CountAsObjectsInTheNextFrame) {
   EXPECT_EQ(scene.extract(), (Boxes{box(49, 19, 5, 4), box(69, 19, 5, 4)}));
 }
 
-TEST(SmallComponents, AreLookedAtOnlyWhenAsked) {
+TEST(SmallComponents, AreIgnoredWithoutAutoSensitivity) {
   Pieces scene(near);
   scene.autoSensitivity = false;
   scene.holdCcPxl = 2;
   scene.expectAfter(25, 2);
 }
 
-TEST(SmallComponents, RenewTheHoldWhileItLasts) {
+TEST(SmallComponents, RestartARunningHold) {
   Pieces scene(near);
   scene.holdCcPxl = 1;
   scene.expectAfter(6, 3);
@@ -75,7 +75,7 @@ void PrintTo(const SpreadCase& spread, std::ostream* out) { *out << spread.name;
 
 class Spread : public ::testing::TestWithParam<SpreadCase> {};
 
-TEST_P(Spread, LowersTheMinimumOrOnlyRunsTheHoldDown) {
+TEST_P(Spread, LowersTheMinimumOrOnlyCountsTheHoldDown) {
   Pieces scene(GetParam().firsts, 512, 128);  // a quarter of the width is 128
   scene.holdCcPxl = 2;
   GetParam().lowered ? scene.expectAfter(6, 3) : scene.expectAfter(25, 1);
@@ -105,15 +105,15 @@ TEST(SmallComponents, HoldDoesNotFallBelowZero) {
 TEST(SmallComponents, PositionIsTheFirstPixelNotTheBox) {
   Pieces scene({{94, 20}});
   scene.thrCcPxl = scene.thrCcPxl2 = 1000;
-  // A piece that begins near column 40 and reaches to column 20 further down. From 40 to 94 is close: 27 to
-  // the centre, below a quarter of 128. From 20 it would not be: 37.
+  // A piece whose first pixel is in column 40 and whose box starts in column 20. Column 40 is close to 94: 27
+  // from the centre, below a quarter of 128. Column 20 would be 37 from it.
   scene.paint({{40, 20, 2, 2}, {20, 22, 22, 2}});
   scene.expectAfter(250, 3);
 }
 
-// ---- climbing back ------------------------------------------------------------------------------
+// ---- rising again -------------------------------------------------------------------------------
 
-TEST(SmallComponents, MinimumClimbsBackByDoublingAfterTheHold) {
+TEST(SmallComponents, MinimumRisesByDoublingAfterTheHold) {
   Pieces scene({});
   scene.thrCcPxl2 = 6;
   scene.holdCcPxl = 3;
@@ -126,7 +126,7 @@ TEST(SmallComponents, MinimumClimbsBackByDoublingAfterTheHold) {
   scene.expectAfter(25, 0);
 }
 
-TEST(SmallComponents, HoldRunsDownAtTheConfiguredMinimumToo) {
+TEST(SmallComponents, HoldCountsDownAtTheConfiguredMinimumToo) {
   Pieces scene({});
   scene.holdCcPxl = 2;
   scene.expectAfter(25, 1);
@@ -159,7 +159,7 @@ TEST(SmallComponents, DoublingBeyond32BitsWraps) {
   Pieces scene({});
   scene.thrCcPxl = std::numeric_limits<std::int32_t>::max();
   scene.thrCcPxl2 = 1500000000;
-  scene.expectAfter(-1294967296, 0);  // 3000000000 - 2^32, and that is the smaller one
+  scene.expectAfter(-1294967296, 0);  // 3000000000 - 2^32, the smaller of the two
 }
 
 TEST(SmallComponents, MinimumAboveTheConfiguredOneFallsBackToIt) {

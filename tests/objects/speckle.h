@@ -1,4 +1,4 @@
-// Masks that look random and are the same in every run.
+// Pseudo-random masks, the same in every run.
 #pragma once
 
 #include <cstddef>
@@ -11,7 +11,7 @@ class Speckle {
  public:
   explicit Speckle(std::uint32_t seed) : state_(seed) {}
 
-  // A mask of `pixels` bytes: mostly `ground`, one pixel in `every` any of `marks`.
+  // A mask of `pixels` bytes: about one pixel in `every` is one of `marks`, the others are `ground`.
   std::vector<std::uint8_t> mask(std::size_t pixels, std::uint8_t ground, unsigned every,
                                  const std::vector<std::uint8_t>& marks) {
     std::vector<std::uint8_t> bytes(pixels, ground);
@@ -29,7 +29,7 @@ class Speckle {
   std::uint32_t state_;
 };
 
-// Frame widths around the borders of machine words.
+// Frame widths around multiples of the word size.
 inline constexpr int wordWidths[] = {1, 2, 31, 63, 64, 65, 127, 128, 130, 200};
 
 }  // namespace lm::test

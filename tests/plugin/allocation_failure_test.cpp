@@ -1,5 +1,5 @@
 // Every allocation between initialization and terminate fails once. Nothing crashes, nothing leaks, and the
-// detector continues where it can.
+// detector continues where possible.
 #include <gtest/gtest.h>
 
 #include <array>
@@ -16,19 +16,19 @@
 namespace lm::test {
 namespace {
 
-enum class Start { stands, refused, threw };
+enum class Start { ready, refused, threw };
 
 struct Life {
   Start start = Start::refused;
   bool refusedAtStart = false;
-  int framesThrown = 0;        // with std::bad_alloc
-  bool otherThrown = false;    // with anything else
-  bool silentWhenGone = true;  // without a detector nothing answers
+  int framesThrown = 0;              // with std::bad_alloc
+  bool otherThrown = false;          // with anything else
+  bool inertWithoutDetector = true;  // calls return 0 and write nothing
   bool everyFrameAnswered = true;
   int lastLength = 0;
   std::uint64_t requests = 0;
   Request refused = Request::none;
-  std::int64_t live = 0;
+  std::int64_t leaked = 0;  // blocks
 };
 
 struct Scene {
@@ -52,13 +52,13 @@ class FailingAllocations : public ::testing::TestWithParam<Scene> {
 
   // From initialization to terminate, with allocation number `failAt` failing unless it is after the third
   // frame. Only the library and the host's log allocate here.
-  Life live(std::uint64_t failAt) {
+  Life runWith(std::uint64_t failAt) {
     Life life;
     FailingAlloc alloc(failAt);
     life.start = started();
     life.refusedAtStart = alloc.refused() != Request::none;
-    if (life.start != Start::stands) {
-      life.silentWhenGone = silent();
+    if (life.start != Start::ready) {
+      life.inertWithoutDetector = callsAreInert();
     } else {
       for (int i = 0; i < numFrames; ++i) {
         if (i == numFailing) alloc.stopFailing();
@@ -70,7 +70,7 @@ class FailingAllocations : public ::testing::TestWithParam<Scene> {
     std::vector<LogCall>().swap(hostLog());  // the host's own blocks
     life.requests = alloc.requests();
     life.refused = alloc.refused();
-    life.live = alloc.live();
+    life.leaked = alloc.live();
     return life;
   }
 
@@ -80,13 +80,13 @@ class FailingAllocations : public ::testing::TestWithParam<Scene> {
  private:
   static Start started() {
     try {
-      return initialization(GetParam().document.c_str()) ? Start::stands : Start::refused;
+      return initialization(GetParam().document.c_str()) ? Start::ready : Start::refused;
     } catch (const std::bad_alloc&) {
       return Start::threw;
     }
   }
 
-  bool silent() {
+  bool callsAreInert() {
     int length = -77;
     char out = 'x';
     return frameProc(frames_[0].data(), "1", &length) == 0 && length == -77 && getRes(&out) == 0 &&
@@ -127,62 +127,62 @@ INSTANTIATE_TEST_SUITE_P(
               tinyColour}),
     byName);
 
-TEST_P(FailingAllocations, OneAtATimeNeverCrashLeakOrEndTheDetector) {
+TEST_P(FailingAllocations, OneAtATimeNeverCrashLeakOrDestroyTheDetector) {
   const Capture err(stderr);
-  live(0);  // what is made once and for all is made here
+  runWith(0);  // makes the one-time allocations
 
-  int plainRefusals = 0;
+  int quietRefusals = 0;
   for (std::uint64_t failAt = 1;; ++failAt) {
-    const Life life = live(failAt);
+    const Life life = runWith(failAt);
     SCOPED_TRACE("request " + std::to_string(failAt));
-    EXPECT_EQ(life.live, 0);
+    EXPECT_EQ(life.leaked, 0);
     EXPECT_FALSE(life.otherThrown);
-    EXPECT_TRUE(life.silentWhenGone);
+    EXPECT_TRUE(life.inertWithoutDetector);
     EXPECT_TRUE(life.everyFrameAnswered);
     if (life.refused == Request::none) {
-      EXPECT_EQ(life.start, Start::stands);
+      EXPECT_EQ(life.start, Start::ready);
       EXPECT_GT(life.lastLength, 0);
       break;
     }
-    // What is refused while the detector starts and does not end it is the usable region. It is missing from
-    // then on: every pixel lies outside, and nothing moves.
-    if (life.start == Start::stands) {
+    // The only request whose refusal during initialization still gives a detector is that for the usable
+    // region. Without it every pixel is outside, and there are no boxes.
+    if (life.start == Start::ready) {
       EXPECT_EQ(life.lastLength > 0, !life.refusedAtStart);
     }
     if (life.refused == Request::aligned) {
-      EXPECT_EQ(life.start, Start::stands);
+      EXPECT_EQ(life.start, Start::ready);
       EXPECT_EQ(life.framesThrown, 0);
     }
     EXPECT_EQ(life.start == Start::refused, life.refused == Request::quietNew);
-    if (life.refused == Request::quietNew) ++plainRefusals;
+    if (life.refused == Request::quietNew) ++quietRefusals;
     if (HasFailure()) break;
   }
-  EXPECT_EQ(plainRefusals, 2);  // the holder and the detector
+  EXPECT_EQ(quietRefusals, 2);  // the holder and the detector
 }
 
-TEST_P(FailingAllocations, BeforeTheNextInitializationLeaveNothingBehind) {
+TEST_P(FailingAllocations, InInitializationDoNotAffectTheNextOne) {
   const Capture err(stderr);
   for (std::uint64_t failAt = 1;; ++failAt) {
-    const Life broken = live(failAt);
-    if (broken.start == Start::stands) break;
-    const Life life = live(0);
-    EXPECT_EQ(life.start, Start::stands) << failAt;
+    const Life broken = runWith(failAt);
+    if (broken.start == Start::ready) break;
+    const Life life = runWith(0);
+    EXPECT_EQ(life.start, Start::ready) << failAt;
     EXPECT_EQ(life.framesThrown, 0) << failAt;
     EXPECT_GT(life.lastLength, 0) << failAt;
     if (HasFailure()) break;
   }
 }
 
-TEST(Allocations, ARefusedDocumentGivesEverythingBack) {
+TEST(Allocations, ARefusedDocumentReleasesEverything) {
   const Capture out(stdout);
   const std::array<std::string, 4> documents = {"not json", documentFor({64, 32, 0}),
                                                 documentFor(smallGrey, "", ""), documentFor({0, 0, 0})};
-  for (int round = 0; round < 2; ++round) {  // the first makes what is made once and for all
+  for (int round = 0; round < 2; ++round) {  // the first makes the one-time allocations
     for (const std::string& document : documents) {
       const FailingAlloc alloc;
-      const bool stands = initialization(document.c_str());
+      const bool ready = initialization(document.c_str());
       const std::int64_t live = alloc.live();
-      EXPECT_FALSE(stands);
+      EXPECT_FALSE(ready);
       if (round > 0) {
         EXPECT_EQ(live, 0) << document;
       }
@@ -190,7 +190,7 @@ TEST(Allocations, ARefusedDocumentGivesEverythingBack) {
   }
 }
 
-TEST(Allocations, AnExceptionFromTheDocumentGivesEverythingBack) {
+TEST(Allocations, AnExceptionFromTheDocumentReleasesEverything) {
   const std::array<std::string, 4> documents = {
       documentFor(smallGrey, R"(,"minBoxW":"x")"), R"({"frmW":"x"})", "[]",
       documentFor(smallGrey,
@@ -213,7 +213,7 @@ TEST(Allocations, AnExceptionFromTheDocumentGivesEverythingBack) {
   }
 }
 
-TEST(Allocations, AHolderThatIsDestroyedGivesItsDetectorBack) {
+TEST(Allocations, DestroyingTheHolderReleasesTheDetector) {
   const Capture err(stderr);
   const std::string document = documentFor(smallGrey);
   const Bytes frame = frameWith(smallGrey, {});
@@ -229,7 +229,7 @@ TEST(Allocations, AHolderThatIsDestroyedGivesItsDetectorBack) {
   EXPECT_EQ(live, 0);
 }
 
-TEST(Allocations, TerminateNeedsNoMemory) {
+TEST(Allocations, TerminateAllocatesNothing) {
   const Capture err(stderr);
   ASSERT_TRUE(initialization(documentFor(smallGrey).c_str()));
   int length = 0;

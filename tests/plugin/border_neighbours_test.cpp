@@ -17,8 +17,9 @@ namespace {
 constexpr int width = 64;
 constexpr int height = 32;
 
-// Sparse bright pixels on an even ground, so that it matters which neighbours a pixel near the border has.
-Bytes ground() {
+// Sparse bright pixels on a uniform background, so that it matters which neighbours a pixel near the border
+// has.
+Bytes background() {
   Bytes pixels(static_cast<std::size_t>(width * height));
   std::uint32_t state = 1;
   for (std::uint8_t& pixel : pixels) {
@@ -28,10 +29,10 @@ Bytes ground() {
   return pixels;
 }
 
-// The ground, from the second frame on with a block at the left border, two columns of it as bright as the
-// sparse pixels, which moves down.
+// The background; from the second frame on with a block at the left border, which moves down. Its first two
+// columns are as bright as the sparse pixels.
 Bytes frame(int number) {
-  Bytes pixels = ground();
+  Bytes pixels = background();
   for (int y = number; number > 0 && y < std::min(number + 14, height); ++y) {
     const auto row = pixels.begin() + y * width;
     std::fill(row, row + 2, std::uint8_t{90});
@@ -72,7 +73,7 @@ TEST(BorderNeighbours, LaterDetectorsOfAProcessCanDiffer) {
   EXPECT_TRUE(differs);
 }
 
-TEST(BorderNeighbours, AHostThatDrawsBetweenDetectorsCanGetOtherResults) {
+TEST(BorderNeighbours, AHostThatCallsRandBetweenDetectorsCanGetOtherResults) {
   std::srand(1);
   const std::string first = results();
   bool differs = false;

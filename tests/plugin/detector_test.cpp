@@ -32,7 +32,7 @@ TEST(Detector, ANewDetectorIsEmptyAndHasNoEngine) {
   EXPECT_TRUE(detector.objList.empty());
 }
 
-TEST(Detector, InitHandsSettingsAndRegionsToTheEngine) {
+TEST(Detector, InitPassesSettingsAndRegionsToTheEngine) {
   lightMotion detector;
   const std::string excluded =
       R"(,"ror":[{"name":"tree","points":[{"x":"0","y":"0"},{"x":"0.5","y":"0"},{"x":"0.5","y":"1"}]}])";
@@ -57,13 +57,13 @@ TEST(Detector, InitHandsSettingsAndRegionsToTheEngine) {
 TEST(Detector, InitIgnoresWhichEntriesTheEngineAccepts) {
   lightMotion detector;
   const std::string document = documentFor(smallGrey, R"(,"sensitivity":"9","lifeStatic":"5","maxBoxW":"1")");
-  const Said said = saidDuring([&] { EXPECT_TRUE(detector.init(document.c_str())); });
-  EXPECT_EQ(said, Said{});
+  const Printed printed = printedBy([&] { EXPECT_TRUE(detector.init(document.c_str())); });
+  EXPECT_EQ(printed, Printed{});
   EXPECT_EQ(detector.engine->thrMatch, 13);
   EXPECT_EQ(detector.engine->lifeStatic, 3);
 }
 
-TEST(Detector, AnEntryWithAnEmptyValueTakesTheValueOfTheEntryBefore) {
+TEST(Detector, AnEntryWithAnEmptyValueTakesTheValueOfThePreviousEntry) {
   lightMotion detector;
   const std::string document =
       documentFor(smallGrey, R"(,"sensitivity":"2","lcAdap":"","minBoxW":"1","minBoxH":" ")");
@@ -74,10 +74,10 @@ TEST(Detector, AnEntryWithAnEmptyValueTakesTheValueOfTheEntryBefore) {
   EXPECT_EQ(detector.engine->minObjH, 1.0F);
 }
 
-// A field that no configuration writes distinguishes an engine from a new one.
+// Marks an engine, in a field that no configuration writes.
 constexpr std::int32_t marked = 77;
 
-TEST(Detector, InitKeepsAnEngineThatExists) {
+TEST(Detector, InitKeepsAnExistingEngine) {
   lightMotion detector;
   detector.engine = new kAMBLE;
   detector.engine->holdCcPxl = marked;
@@ -87,8 +87,8 @@ TEST(Detector, InitKeepsAnEngineThatExists) {
 
 TEST(Detector, ARefusedDocumentLeavesTheEngineForTheNextInit) {
   lightMotion detector;
-  const Said said = saidDuring([&] { EXPECT_FALSE(detector.init(documentFor({64, 32, 0}).c_str())); });
-  EXPECT_EQ(said.out, refusedSizes(0, 64, 32));
+  const Printed printed = printedBy([&] { EXPECT_FALSE(detector.init(documentFor({64, 32, 0}).c_str())); });
+  EXPECT_EQ(printed.out, refusedSizes(0, 64, 32));
   ASSERT_NE(detector.engine, nullptr);
   detector.engine->holdCcPxl = marked;
   ASSERT_TRUE(detector.init(documentFor(smallGrey).c_str()));
@@ -104,10 +104,10 @@ TEST(Detector, ANullDocumentThrowsAfterTheEngineWasMade) {
 TEST(Detector, InitAcceptsAnyPositiveChannelCount) {
   for (const int channels : {1, 2, 3, 4, 5, 1000}) {
     lightMotion detector;
-    const Said said = saidDuring([&] {
+    const Printed printed = printedBy([&] {
       EXPECT_TRUE(detector.init(documentFor({64, 32, channels}).c_str()));
     });
-    EXPECT_EQ(said, Said{}) << channels;
+    EXPECT_EQ(printed, Printed{}) << channels;
     EXPECT_EQ(detector.frmChn, channels);
   }
 }
@@ -121,10 +121,10 @@ void PrintTo(const Refusal& refusal, std::ostream* out) { *out << refusal.docume
 
 class Refusals : public ::testing::TestWithParam<Refusal> {};
 
-TEST_P(Refusals, SayWhyOnStandardOutputAndConfigureNothing) {
+TEST_P(Refusals, PrintTheReasonOnStandardOutputAndConfigureNothing) {
   lightMotion detector;
-  const Said said = saidDuring([&] { EXPECT_FALSE(detector.init(GetParam().document.c_str())); });
-  EXPECT_EQ(said, (Said{GetParam().message, ""}));
+  const Printed printed = printedBy([&] { EXPECT_FALSE(detector.init(GetParam().document.c_str())); });
+  EXPECT_EQ(printed, (Printed{GetParam().message, ""}));
   ASSERT_NE(detector.engine, nullptr);
   EXPECT_EQ(detector.engine->szImgX, 0);
   EXPECT_EQ(detector.engine->roiMask, nullptr);
@@ -145,7 +145,7 @@ INSTANTIATE_TEST_SUITE_P(
         Refusal{"SmallestNumbers", documentFor({-2147483647, -2147483647, -2147483647}),
                 refusedSizes(-2147483647, -2147483647, -2147483647)},
         Refusal{"EmptyObject", "{}", refusedSizes(0, 0, 0)},
-        // The sizes are judged before anything else is read.
+        // The sizes are checked before anything else is read.
         Refusal{"SizesBeforeRegions", R"({"frmW":"64","frmH":"0","frmChn":"1"})", refusedSizes(1, 64, 0)},
         Refusal{"SizesBeforeCoordinates",
                 documentFor({64, 0, 1}, "", R"({"points":[{"x":"a"},{"x":"a"},{"x":"a"}]})"),
@@ -174,10 +174,10 @@ INSTANTIATE_TEST_SUITE_P(
                       Refusal{"Empty", withRoi(R"(,"roi":[])"), refusedRegions},
                       Refusal{"Null", withRoi(R"(,"roi":null)"), refusedRegions},
                       Refusal{"Object", withRoi(R"(,"roi":{})"), refusedRegions},
-                      Refusal{"Text", withRoi(R"(,"roi":"all")"), refusedRegions},
+                      Refusal{"String", withRoi(R"(,"roi":"all")"), refusedRegions},
                       Refusal{"Number", withRoi(R"(,"roi":1)"), refusedRegions},
                       Refusal{"OnlyExcluded", withRoi(R"(,"ror":[{"name":"tree"}])"), refusedRegions},
-                      // Regions are judged before any setting is converted.
+                      // Regions are checked before any setting is converted.
                       Refusal{"RegionsBeforeSettings", withRoi(R"(,"sensitivity":"high")"), refusedRegions}),
     byName);
 

@@ -61,29 +61,29 @@ class EntryPoints : public ::testing::Test {
   }
 
  private:
-  Capture quiet_{stderr};  // the engine's line about every first frame
+  Capture quiet_{stderr};  // the engine's line on every first frame
 };
 
-TEST_F(EntryPoints, AGoodDocumentGivesAWorkingDetector) {
-  const Said said = saidDuring([] { EXPECT_TRUE(start()); });
-  EXPECT_EQ(said, Said{});
+TEST_F(EntryPoints, AValidDocumentGivesAWorkingDetector) {
+  const Printed printed = printedBy([] { EXPECT_TRUE(start()); });
+  EXPECT_EQ(printed, Printed{});
   expectWorkingDetector();
 }
 
 TEST_F(EntryPoints, ASecondInitializationIsRefusedSilentlyAndTheFirstDetectorKeepsItsConfiguration) {
   ASSERT_TRUE(start());
-  const Said said = saidDuring([] { EXPECT_FALSE(start(documentFor({8, 8, 3}))); });
-  EXPECT_EQ(said, Said{});
+  const Printed printed = printedBy([] { EXPECT_FALSE(start(documentFor({8, 8, 3}))); });
+  EXPECT_EQ(printed, Printed{});
   expectWorkingDetector();
 }
 
-TEST_F(EntryPoints, ASecondInitializationDoesNotLookAtItsDocument) {
+TEST_F(EntryPoints, ASecondInitializationDoesNotReadItsDocument) {
   ASSERT_TRUE(start());
-  const Said said = saidDuring([] {
+  const Printed printed = printedBy([] {
     EXPECT_FALSE(initialization("not json"));
     EXPECT_FALSE(initialization(nullptr));
   });
-  EXPECT_EQ(said, Said{});
+  EXPECT_EQ(printed, Printed{});
   expectWorkingDetector();
 }
 
@@ -94,9 +94,9 @@ TEST_F(EntryPoints, ASecondInitializationKeepsTheResultOfTheLastFrame) {
   EXPECT_EQ(result(), resultOf(blockBox, "1040"));
 }
 
-TEST_F(EntryPoints, ARefusedDocumentLeavesNoDetectorAndAGoodOneIsAcceptedLater) {
-  const Said said = saidDuring([] { EXPECT_FALSE(start(documentFor({64, 0, 1}))); });
-  EXPECT_EQ(said.out, "Error: invalid parameter[frmChn:1,frmW:64,frmH:0] \n");
+TEST_F(EntryPoints, ARefusedDocumentLeavesNoDetectorAndAValidOneIsAcceptedLater) {
+  const Printed printed = printedBy([] { EXPECT_FALSE(start(documentFor({64, 0, 1}))); });
+  EXPECT_EQ(printed.out, "Error: invalid parameter[frmChn:1,frmW:64,frmH:0] \n");
   expectNoDetector();
   EXPECT_TRUE(start());
   expectWorkingDetector();
@@ -111,12 +111,12 @@ TEST_F(EntryPoints, FrameProcAndGetResReturn0AfterTerminate) {
   expectNoDetector();
 }
 
-TEST_F(EntryPoints, WithoutADetectorNoArgumentIsLookedAtAndNothingIsSaid) {
-  const Said said = saidDuring([] {
+TEST_F(EntryPoints, WithoutADetectorNoArgumentIsReadAndNothingIsPrinted) {
+  const Printed printed = printedBy([] {
     EXPECT_EQ(frameProc(nullptr, nullptr, nullptr), 0);
     EXPECT_EQ(getRes(nullptr), 0);
   });
-  EXPECT_EQ(said, Said{});
+  EXPECT_EQ(printed, Printed{});
 }
 
 TEST_F(EntryPoints, TerminateReturns1WithoutADetectorToo) {
@@ -169,11 +169,11 @@ TEST_F(EntryPoints, AfterTerminateANewInitializationStartsOver) {
   EXPECT_EQ(feed({block}, "1040"), 0);
 }
 
-TEST_F(EntryPoints, EveryDetectorSaysItsFrameSizeOnceAtItsFirstFrame) {
+TEST_F(EntryPoints, EveryDetectorPrintsItsFrameSizeOnceAtItsFirstFrame) {
   for (int life = 0; life < 2; ++life) {
     ASSERT_TRUE(start());
-    EXPECT_EQ(saidDuring([] { feed({}, "1000"); }), (Said{"", "W, H, Pixels = 64, 32, 2048\n"}));
-    EXPECT_EQ(saidDuring([] { feed({block}, "1040"); }), Said{});
+    EXPECT_EQ(printedBy([] { feed({}, "1000"); }), (Printed{"", "W, H, Pixels = 64, 32, 2048\n"}));
+    EXPECT_EQ(printedBy([] { feed({block}, "1040"); }), Printed{});
     ::terminate();
   }
 }
@@ -187,7 +187,7 @@ TEST_F(EntryPoints, ANullDocumentThrowsAndLeavesNoDetector) {
   expectWorkingDetector();
 }
 
-TEST_F(EntryPoints, ATimestampThatIsNoNumberThrowsAndTheDetectorGoesOn) {
+TEST_F(EntryPoints, ATimestampThatIsNotANumberThrowsAndTheDetectorContinues) {
   const std::vector<std::pair<const char*, std::string>> cases = {
       {nullptr, nullText},
       {"", "std::invalid_argument: stoll"},
@@ -219,9 +219,9 @@ void PrintTo(const BadDocument& bad, std::ostream* out) { *out << bad.document; 
 class BadDocuments : public EntryPoints, public ::testing::WithParamInterface<BadDocument> {};
 
 TEST_P(BadDocuments, ThrowAndLeaveNoDetectorAndNoMessage) {
-  const Said said =
-      saidDuring([] { EXPECT_EQ(thrownBy([] { start(GetParam().document); }), GetParam().expected); });
-  EXPECT_EQ(said, Said{});
+  const Printed printed =
+      printedBy([] { EXPECT_EQ(thrownBy([] { start(GetParam().document); }), GetParam().expected); });
+  EXPECT_EQ(printed, Printed{});
   expectNoDetector();
   EXPECT_TRUE(start());
   expectWorkingDetector();
@@ -253,7 +253,7 @@ INSTANTIATE_TEST_SUITE_P(
                     "std::out_of_range: stof"}),
     byName);
 
-// JSON of the wrong type: jsoncpp's own exception reaches the host, whatever its text.
+// JSON of the wrong kind: jsoncpp's exception reaches the host, whatever its text.
 struct WrongKind {
   const char* name;
   std::string document;
@@ -262,7 +262,7 @@ void PrintTo(const WrongKind& wrong, std::ostream* out) { *out << wrong.document
 
 class WrongKinds : public EntryPoints, public ::testing::WithParamInterface<WrongKind> {};
 
-TEST_P(WrongKinds, ThrowJsonsOwnExceptionAndLeaveNoDetector) {
+TEST_P(WrongKinds, ThrowAJsonExceptionAndLeaveNoDetector) {
   const std::string& document = GetParam().document;
   EXPECT_THROW(start(document), Json::Exception) << document;
   expectNoDetector();
@@ -272,12 +272,12 @@ TEST_P(WrongKinds, ThrowJsonsOwnExceptionAndLeaveNoDetector) {
 
 INSTANTIATE_TEST_SUITE_P(
     Documents, WrongKinds,
-    ::testing::Values(WrongKind{"RootArray", "[1, 2]"}, WrongKind{"RootText", R"("frmW")"},
+    ::testing::Values(WrongKind{"RootArray", "[1, 2]"}, WrongKind{"RootString", R"("frmW")"},
                       WrongKind{"RootNumber", "12"}, WrongKind{"RootTrue", "true"},
                       WrongKind{"RegionNumber", documentFor(smallGrey, "", "7")},
-                      WrongKind{"RegionText", documentFor(smallGrey, "", R"("gate")")},
+                      WrongKind{"RegionString", documentFor(smallGrey, "", R"("gate")")},
                       WrongKind{"RegionArray", documentFor(smallGrey, "", "[[]]")},
-                      WrongKind{"ExcludedRegionText", documentFor(smallGrey, R"(,"ror":["gate"])")},
+                      WrongKind{"ExcludedRegionString", documentFor(smallGrey, R"(,"ror":["gate"])")},
                       WrongKind{"PointNumbers", documentFor(smallGrey, "", R"({"points":[1,2,3]})")},
                       WrongKind{"PointArrays",
                                 documentFor(smallGrey, "", R"({"points":[[0,0],[1,0],[1,1]]})")},

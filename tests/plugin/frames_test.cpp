@@ -66,7 +66,7 @@ TEST_F(Frames, AnObjectThatAppearsGivesItsBoxAndTheTimestampAsGiven) {
   EXPECT_EQ(detector_.objList[0].x, 0.28125F);
 }
 
-TEST_F(Frames, ColourFramesOf3And4BytesAPixelGiveTheSameBox) {
+TEST_F(Frames, ColourFramesOf3And4BytesPerPixelGiveTheSameBox) {
   for (const int channels : {3, 4}) {
     detector_.terminate();
     start({64, 32, channels});
@@ -89,7 +89,7 @@ TEST_F(Frames, BoxesComeInTheOrderOfTheObjectsFirstPixels) {
                                 "5"));
 }
 
-TEST_F(Frames, AFrameWithoutObjectsEmptiesTheResultOfTheFrameBefore) {
+TEST_F(Frames, AFrameWithoutObjectsClearsTheResultOfThePreviousFrame) {
   start();
   feed({});
   ASSERT_GT(feed({block}), 0);
@@ -116,7 +116,7 @@ TEST_F(Frames, ObjectsOutsideTheRegionsOfInterestAreNotReported) {
   EXPECT_EQ(feed({block}), 0);
 }
 
-TEST_F(Frames, ObjectsAreCutAtTheBorderOfARegion) {
+TEST_F(Frames, ObjectsAreClippedAtTheBorderOfARegion) {
   // Columns 0 to 32 count, so 16 to 32 are foreground and 19 to 29 remain: width 13, 13/64 = 0.203125.
   start(smallGrey, "", strip("-1", "0.5"));
   feed({});
@@ -172,7 +172,7 @@ TEST_F(Frames, TheMaskCopyIsMadeAtTheFirstFrameAlignedAndKept) {
   EXPECT_EQ(detector_.fgMaskCopy, copy);
 }
 
-TEST_F(Frames, ObjectExtractionWorksOnTheCopyAndLeavesTheEnginesMask) {
+TEST_F(Frames, ObjectExtractionChangesTheCopyAndNotTheEnginesMask) {
   start();
   feed({});
   feed({block});
@@ -190,12 +190,12 @@ TEST_F(Frames, AChannelCountRefusedBeforeAnyFrameWasAcceptedGivesNoBoxes) {
   for (const int channels : {2, 5}) {
     detector_.terminate();
     start({64, 32, channels});
-    detector_.objList.resize(1);  // as a frame before would leave it
-    const Said said = saidDuring([&] {
+    detector_.objList.resize(1);  // as an earlier frame would leave it
+    const Printed printed = printedBy([&] {
       EXPECT_EQ(feed({}), 0);
       EXPECT_EQ(feed({block}), 0);
     });
-    EXPECT_EQ(said, (Said{"", refusedChannels + refusedChannels}));
+    EXPECT_EQ(printed, (Printed{"", refusedChannels + refusedChannels}));
     EXPECT_TRUE(detector_.objList.empty());
     EXPECT_EQ(detector_.engine->frmCount, 0);
     EXPECT_EQ(detector_.engine->fgMask, nullptr);
@@ -222,7 +222,7 @@ TEST_F(Frames, ARefusedFrameRepeatsTheObjectsOfTheLastMask) {
   EXPECT_EQ(feed({}, "4"), 0);
 }
 
-TEST_F(Frames, ATimestampThatThrowsHasAlreadyEmptiedTheResult) {
+TEST_F(Frames, ATimestampThatThrowsClearsTheResultFirst) {
   start();
   feed({});
   ASSERT_GT(feed({block}), 0);

@@ -39,7 +39,7 @@ std::string boxText(const std::string& x) {
   return R"({"height":0.125,"inRoi":[],"width":0.25,"x":)" + x + R"(,"y":0.5})";
 }
 
-// ---- form ---------------------------------------------------------------------------------------
+// ---- format -------------------------------------------------------------------------------------
 
 TEST(Result, IsOneLineWithSortedKeysNoBlanksAndALineFeed) {
   const boxRect box{0.15625F, 0.125F, 0.0625F, 0.75F, {}};
@@ -57,7 +57,7 @@ TEST(Result, AnEmptyListStillGivesADocumentWithANullObject) {
   EXPECT_EQ(textOf({}), "{\"object\":null,\"timestamp\":\"7\"}\n");
 }
 
-TEST(Result, ANewTextReplacesTheOneBefore) {
+TEST(Result, ANewTextReplacesThePreviousOne) {
   lightMotion detector;
   detector.objList = {boxAt(0.5F), boxAt(0.25F)};
   detector.genRes("1");
@@ -90,7 +90,7 @@ TEST(Result, TheTreeHasExactlyTheTwoMembersAndFiveForEachBox) {
   EXPECT_EQ(box["inRoi"].type(), Json::arrayValue);
 }
 
-TEST(Result, TimestampsArriveUnchangedWhateverTheyHold) {
+TEST(Result, TimestampsAreCopiedWhateverTheyContain) {
   for (const char* timestamp : {"", " 40\t", "say \"40\"\\", "40\n", "\xE2\x82\xAC"}) {
     EXPECT_EQ(parsed(textOf({}, timestamp))["timestamp"].asString(), timestamp);
   }
@@ -119,7 +119,7 @@ TEST(Result, ReadingANumberBackGivesTheWidenedFloat) {
   }
 }
 
-TEST(Result, EachNumberStandsUnderItsOwnKey) {
+TEST(Result, EachNumberHasItsOwnKey) {
   const Json::Value box = parsed(textOf({{0.1F, 0.2F, 0.3F, 0.4F, {}}}))["object"][0];
   EXPECT_EQ(box["x"].asDouble(), static_cast<double>(0.1F));
   EXPECT_EQ(box["y"].asDouble(), static_cast<double>(0.2F));
@@ -127,7 +127,7 @@ TEST(Result, EachNumberStandsUnderItsOwnKey) {
   EXPECT_EQ(box["height"].asDouble(), static_cast<double>(0.4F));
 }
 
-TEST(Result, ABoxWithANumberThatIsNotFiniteIsLeftOutAndTheOthersKeepTheirOrder) {
+TEST(Result, ABoxWithANonFiniteNumberIsOmittedAndTheOthersKeepTheirOrder) {
   for (const auto coordinate : {&boxRect::x, &boxRect::y, &boxRect::width, &boxRect::height}) {
     for (const float value : {nan, -nan, infinity, -infinity}) {
       boxRect bad = boxAt(0.5F);
@@ -138,7 +138,7 @@ TEST(Result, ABoxWithANumberThatIsNotFiniteIsLeftOutAndTheOthersKeepTheirOrder) 
   }
 }
 
-TEST(Result, WhenEveryBoxIsLeftOutTheObjectIsNullAndTheHostStillFetchesADocument) {
+TEST(Result, WhenEveryBoxIsOmittedTheObjectIsNullAndThereIsStillADocument) {
   EXPECT_EQ(textOf({boxAt(nan), boxAt(nan)}), "{\"object\":null,\"timestamp\":\"7\"}\n");
 }
 
@@ -159,7 +159,7 @@ TEST(Result, TwoNamesAreListedInTheBoxesOrderEvenWhenTheyAreEqual) {
                      "7"));
 }
 
-TEST(Result, NamesArriveUnchangedWhateverTheyHold) {
+TEST(Result, NamesAreCopiedWhateverTheyContain) {
   const std::vector<std::string> names = {"", "a \"b\"\\c", "line\nfeed", "T\xC3\xBCr",
                                           std::string("a\0b", 3)};
   boxRect box = boxAt(0.5F);

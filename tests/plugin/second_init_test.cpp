@@ -15,9 +15,9 @@ namespace {
 
 class SecondInit : public ::testing::Test {
  protected:
-  SecondInit() { configure({100, 40, 1}); }
+  SecondInit() { configure({100, 50, 1}); }
   ~SecondInit() override {
-    // The masks of the first configuration are dropped without being freed.
+    // A second configuration replaces the masks of the first without freeing them.
     for (std::uint8_t* mask : dropped_) delete[] mask;
   }
 
@@ -33,7 +33,7 @@ class SecondInit : public ::testing::Test {
   }
 
   lightMotion detector_;
-  const Bytes dark_ = Bytes(4000, 50);
+  const Bytes dark_ = Bytes(5000, 50);
 
  private:
   const Capture err_{stderr};
@@ -41,41 +41,43 @@ class SecondInit : public ::testing::Test {
   int time_ = 1000;
 };
 
-TEST_F(SecondInit, OfTallerFramesReleasesTheLabelRowsThatThereAre) {
+TEST_F(SecondInit, OfTallerFramesReleasesOnlyTheExistingLabelRows) {
   learn(dark_);
   ASSERT_NE(detector_.engine->labelRows, nullptr);
-  configure({40, 100, 1});
+  configure({50, 100, 1});
   detector_.terminate();
   EXPECT_EQ(detector_.engine, nullptr);
 }
 
-// Neighbours are those of the first frame, 100 pixels wide. After seeding a pixel's next neighbour is the one
-// a column to the right and two rows below.
-TEST_F(SecondInit, OfTurnedFramesLooksForLightWhereTheFirstFrameHasNeighbours) {
+// Neighbours are those of the first frame, 100 pixels wide. After seeding, a pixel's next neighbour is one
+// column to the right and two rows below. The 32 pixels from 4864 on, in column 14 of the second shape, are
+// interior pixels there, but two rows of 100 pixels below them lie outside the frame.
+TEST_F(SecondInit, OfRotatedFramesUsesTheNeighboursOfTheFirstFrame) {
   learn(dark_);
-  configure({40, 100, 1});
-  Bytes lit = dark_;
-  for (const std::size_t pixel : {3050, 3050 + 201}) lit[pixel] = 58;
-  std::fill_n(lit.begin() + 3840, 80, std::uint8_t{58});  // less than two rows from the frame's end
-  learn(lit);
+  configure({50, 100, 1});
+  Bytes brighter = dark_;
+  for (const std::size_t pixel : {3050, 3050 + 201}) brighter[pixel] = 58;
+  std::fill_n(brighter.begin() + 4864, 32, std::uint8_t{58});
+  learn(brighter);
   EXPECT_EQ(detector_.engine->frmCount, 2);
-  EXPECT_EQ(detector_.engine->bgImg[3050], 58) << "followed together with its neighbour";
-  EXPECT_EQ(detector_.engine->bgImg[3050 + 201], 50) << "lit alone";
+  EXPECT_EQ(detector_.engine->bgImg[3050], 58) << "written: its neighbour changed too";
+  EXPECT_EQ(detector_.engine->bgImg[3050 + 201], 50) << "not written: its neighbour did not change";
 }
 
-// A strip's light is compared as far ahead as the neighbours reach.
-TEST_F(SecondInit, OfNarrowerFramesComparesLightTwoRowsOfTheFirstFrameAhead) {
+// For each strip, the illumination difference is computed as far ahead as the neighbours reach.
+TEST_F(SecondInit, OfNarrowerFramesComputesDifferencesTwoRowsOfTheFirstFrameAhead) {
   learn(dark_);
-  configure({40, 100, 1});
+  configure({50, 100, 1});
   stateOf(*detector_.engine).stripPixels = 40;
-  Bytes lit = dark_;
-  for (const std::size_t pixel : {1050, 1050 + 201}) lit[pixel] = 58;
-  learn(lit);
+  Bytes brighter = dark_;
+  for (const std::size_t pixel : {1050, 1050 + 201}) brighter[pixel] = 58;
+  learn(brighter);
   EXPECT_EQ(detector_.engine->bgImg[1050], 58);
 }
 
-// A refused configuration leaves the frame size, so that a host that goes on has frames learned.
-TEST(RefusedInit, AndFramesAfterItAreFollowedByAConfigurationOfLargerFrames) {
+// A refused configuration still sets the frame size, so the frames of a host that ignores the refusal are
+// learned.
+TEST(RefusedInit, FollowedByFramesThenByAConfigurationForLargerFrames) {
   const Capture out(stdout);
   const Capture err(stderr);
   lightMotion detector;

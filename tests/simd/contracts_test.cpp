@@ -80,7 +80,7 @@ TEST(Contracts, BusyPixelsAreDisjointAndInsideTheBlock) {
   EXPECT_FALSE(settles(64, {.outside = 0, .unchanged = 0, .absorbed = 1, .compared = 0}, 0));
 }
 
-TEST(Contracts, MatchingNeedsChannelsAndAPlaceForDistances) {
+TEST(Contracts, MatchingNeedsChannelsAndRoomForDistances) {
   std::uint32_t distances[32];
   EXPECT_TRUE(lm::canMatchBlock({.channels = 4, .radius = -1, .needed = 0}, ~0U, distances));
   EXPECT_TRUE(lm::canMatchBlock({.channels = 1, .radius = 0, .needed = 2}, 0, nullptr));
@@ -99,7 +99,7 @@ TEST(Contracts, ARowIsPackedIntoTwoDistinctArrays) {
 }
 
 #ifndef NDEBUG
-TEST(ContractsDeathTest, VersionsAssertThem) {
+TEST(ContractsDeathTest, VersionsAssertTheirContracts) {
   lm::FramePlanes planes = framePlanes();
   planes.channels = 2;
   EXPECT_DEATH(lm::takeFrame_c(planes, 0, 1), "canTakeFrame");

@@ -10,7 +10,7 @@ constexpr std::uint32_t without(std::uint32_t word, int bit) {
   return word & ~(1U << static_cast<unsigned>(bit));
 }
 
-// A processor with everything.
+// A processor with every feature.
 constexpr std::uint32_t edx = 1U << 0 | 1U << 15 | 1U << 23 | 1U << 24 | 1U << 25 | 1U << 26;
 constexpr std::uint32_t ecx = 1U << 0 | 1U << 9 | 1U << 19 | 1U << 20 | 1U << 23 | 1U << 27 | 1U << 28;
 constexpr std::uint32_t xcr0 = 1U << 1 | 1U << 2;
@@ -54,13 +54,13 @@ const Row rows[] = {
     {"Leaf1Only", {1, ecx, edx, xcr0, ebx}, 7},
     {"HighestLeafAbove7", {13, ecx, edx, xcr0, ebx}, 8},
     {"BaseFeaturesOnly", {1, 0, edx, 0, 0}, 2},
-    {"LaterFeaturesDoNotMakeUpForAnEarlierOne", {all, without(all, 9), all, all, all}, 3},
+    {"LaterFeaturesDoNotReplaceAnEarlierOne", {all, without(all, 9), all, all, all}, 3},
 };
 
-INSTANTIATE_TEST_SUITE_P(MadeUpProcessors, LevelOf, ::testing::ValuesIn(rows),
+INSTANTIATE_TEST_SUITE_P(SyntheticProcessors, LevelOf, ::testing::ValuesIn(rows),
                          [](const auto& row) { return row.param.name; });
 
-TEST(CpuLevel, AgreesWithTheCompilersOwnProbe) {
+TEST(CpuLevel, AgreesWithTheCompilersDetection) {
   const int level = GetCpuInstructionSet();
   EXPECT_EQ(level >= 2, static_cast<bool>(__builtin_cpu_supports("sse2")));
   EXPECT_EQ(level >= 3, static_cast<bool>(__builtin_cpu_supports("sse3")));

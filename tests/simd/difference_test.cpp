@@ -43,7 +43,7 @@ class Images {
 
 constexpr Placement atEnd{0, 0, GuardedBuffer::Against::back};
 
-TEST_P(Difference, EqualsItsModelForEveryChannelAtEveryLengthAndOffset) {
+TEST_P(Difference, EqualsThePlainVersionForEveryChannelAtEveryLengthAndOffset) {
   Images images(longestSwept * 5);
   Filler fewValues(extremes);
   Filler allValues;
@@ -60,7 +60,7 @@ TEST_P(Difference, EqualsItsModelForEveryChannelAtEveryLengthAndOffset) {
   });
 }
 
-TEST_P(Difference, EqualsItsModelForWholeFrames) {
+TEST_P(Difference, EqualsThePlainVersionForWholeFrames) {
   Images images(8308);  // 67 x 31 pixels of 4 bytes
   Filler fill;
   for (const int channels : {1, 3, 4}) {

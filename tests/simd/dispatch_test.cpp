@@ -87,7 +87,7 @@ TEST_F(Dispatch, FirstPruneChoosesAndPrunes) {
   EXPECT_EQ(lm::kernels.prune, lm::kernelsFor(GetCpuInstructionSet()).prune);
 }
 
-TEST_F(Dispatch, FirstTouchChoosesAndLooks) {
+TEST_F(Dispatch, FirstTouchChoosesAndTests) {
   const std::vector<std::uint8_t> first(16, 255), second(16, 1);
   EXPECT_TRUE(simd::isTouch({0, 0, 16, 1}, first.data(), second.data(), 16, 1));
   EXPECT_EQ(lm::kernels.touch, lm::kernelsFor(GetCpuInstructionSet()).touch);

@@ -9,7 +9,7 @@ using Against = GuardedBuffer::Against;
 
 void readAt(const std::uint8_t* p) { static_cast<void>(*static_cast<const volatile std::uint8_t*>(p)); }
 
-TEST(GuardedBuffer, PlacesArraysAtTheWantedOffset) {
+TEST(GuardedBuffer, PlacesArraysAtTheRequestedOffset) {
   GuardedBuffer array(100);
   for (const auto page : {Against::front, Against::back}) {
     for (std::size_t offset = 0; offset < 32; ++offset) {
@@ -28,7 +28,7 @@ TEST(GuardedBufferDeathTest, ReadingPastEitherPageCrashes) {
   EXPECT_DEATH(readAt(array.end()), "");
 }
 
-TEST(GuardedBuffer, NamesTheSideThatWasWritten) {
+TEST(GuardedBuffer, ReportsTheSideThatWasWritten) {
   GuardedBuffer array(100);
   array.place(50, 5, Against::front);
   EXPECT_EQ(array.damage(), "");
@@ -37,7 +37,7 @@ TEST(GuardedBuffer, NamesTheSideThatWasWritten) {
   array.place(50, 5, Against::back);
   EXPECT_EQ(array.damage(), "");
   ++array.end()[0];
-  EXPECT_EQ(array.damage(), "byte 1 behind the array");
+  EXPECT_EQ(array.damage(), "byte 1 after the array");
 }
 
 }  // namespace

@@ -19,7 +19,7 @@ INSTANTIATE_TEST_SUITE_P(EveryVersion, PackRow, ::testing::ValuesIn(lm::packRowV
 class UnpackRow : public VersionTest<lm::UnpackRowFn> {};
 INSTANTIATE_TEST_SUITE_P(EveryVersion, UnpackRow, ::testing::ValuesIn(lm::unpackRowVersions), VersionName());
 
-// The values that extraction uses, three different ones, and equal ones.
+// The values that extraction uses, other values, and equal ones.
 const lm::MaskValues meanings[] = {{255, 1, 0},     {1, 1, 0}, {0, 0, 255},
                                    {128, 128, 127}, {3, 3, 3}, {7, 0, 0}};
 
@@ -45,7 +45,7 @@ TEST_P(PackRow, WritesSetAndClearedBits) {
       at.put(row, at.length);
       std::copy(bytes.begin(), bytes.end(), row.begin());
       const std::size_t words = (at.length + 63) / 64;
-      // The word after the row stays.
+      // The word after the row keeps its value.
       Words wantedSet(words + 1), wantedCleared(words + 1);
       wantedSet[words] = wantedCleared[words] = 77;
       for (std::size_t i = 0; i < at.length; ++i) {

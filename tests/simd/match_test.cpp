@@ -26,7 +26,7 @@ std::vector<int> radiiFor(const std::uint8_t* pixel, const std::uint8_t* sample)
   return {INT_MIN, -1, 0, largest - 1, largest, largest + 1, 255, INT_MAX};
 }
 
-TEST_P(Match, EqualsItsModelForEveryCombinationOfExtremes) {
+TEST_P(Match, EqualsThePlainVersionForEveryCombinationOfExtremes) {
   const auto& e = extremes;
   for (int i = 0; i < 6 * 6 * 6 * 6 * 6 * 6; ++i) {
     const auto digit = [i](int weight) { return static_cast<std::size_t>(i / weight % 6); };

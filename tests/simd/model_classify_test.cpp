@@ -18,7 +18,7 @@ lm::ClassifyPlanes planesOf(const ModelScene& s, std::int32_t unchanged, bool ac
           .life = life};
 }
 
-// The kind as which a pixel must be found.
+// The kind that a pixel must have: its BusyPixels mask, or '.' for an idle one.
 char kindOf(const ModelScene& s, std::size_t i, std::int32_t unchanged, bool accountLife) {
   if (s.roi[i] == 0) return s.now[i] != 0 ? 'o' : '.';
   if (s.difference[i] <= unchanged && s.before[i] == 0) {
@@ -31,7 +31,7 @@ char kindOf(const ModelScene& s, std::size_t i, std::int32_t unchanged, bool acc
 char kindOf(const lm::BusyPixels& pixels, std::size_t k) {
   char kind = '.';
   const auto take = [&](std::uint32_t mask, char name) {
-    if ((mask >> k & 1U) != 0) kind = kind == '.' ? name : '!';  // in two masks: wrong
+    if ((mask >> k & 1U) != 0) kind = kind == '.' ? name : '!';  // in two masks: an error
   };
   take(pixels.outside, 'o');
   take(pixels.unchanged, 'u');
@@ -80,12 +80,12 @@ struct Settled {
   std::vector<float> life;
 };
 
-float faded(float life) { return life >= 1.0F ? life - 0.8F : life; }
+float decayed(float life) { return life >= 1.0F ? life - 0.8F : life; }
 
-float livesOn(float life, int change, const lm::LifeRule& bands) {
+float gained(float life, int change, const lm::LifeRule& bands) {
   if (change <= 10) return life + 1.0F;
   if (change <= bands.band2) return life + 0.5F;
-  return change <= bands.band3 ? life + 0.2F : faded(life);
+  return change <= bands.band3 ? life + 0.2F : decayed(life);
 }
 
 // Applies the rules pixel by pixel.
@@ -103,9 +103,9 @@ Settled settledOf(const ModelScene& s, std::size_t count, const lm::ClassifyPlan
     }
     if (!planes.accountLife || (kind != 'u' && kind != 'c')) continue;
     if (e.now[i] == 255) {
-      e.life[i] = livesOn(e.life[i], s.difference[i], planes.life);
+      e.life[i] = gained(e.life[i], s.difference[i], planes.life);
     } else {
-      e.life[i] = e.absorbed[i] == 255 ? planes.life.absorbed : faded(e.life[i]);
+      e.life[i] = e.absorbed[i] == 255 ? planes.life.absorbed : decayed(e.life[i]);
     }
   }
   return e;

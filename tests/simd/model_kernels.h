@@ -49,7 +49,7 @@ class Plane {
   std::size_t count_;
 };
 
-// Whether a plane of `count` elements is placed before or after its inaccessible page; the counts give both.
+// The inaccessible page that a plane of `count` elements touches; the counts used give both.
 inline GuardedBuffer::Against sideFor(std::size_t count) {
   return count % 2 == 0 ? GuardedBuffer::Against::front : GuardedBuffer::Against::back;
 }

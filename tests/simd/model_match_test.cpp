@@ -1,4 +1,4 @@
-// Matching pixels with their samples: every version against a comparison slot by slot.
+// Matching pixels with their samples: every version against a plain comparison, slot by slot.
 #include <cstdlib>
 
 #include "tests/simd/model_kernels.h"
@@ -11,7 +11,7 @@ struct Expected {
 };
 
 // Compares a pixel with its samples, slot by slot.
-Expected walk(const lm::MatchRule& rule, const std::uint8_t* samples, const std::uint8_t* pixel) {
+Expected compareSlots(const lm::MatchRule& rule, const std::uint8_t* samples, const std::uint8_t* pixel) {
   std::uint32_t nearest = 999;
   int matches = 0;
   for (int slot = 0; slot < 20; ++slot) {
@@ -63,8 +63,8 @@ TEST_P(MatchBlock, ComparesSamplesInOrderUntilEnoughMatch) {
           const Expected expected =
               (wanted >> k & 1U) == 0
                   ? Expected{false, 77}
-                  : walk(rule, samples.data() + 80 * std::size_t{k},
-                         pixels.data() + std::size_t{k} * static_cast<std::size_t>(channels));
+                  : compareSlots(rule, samples.data() + 80 * std::size_t{k},
+                                 pixels.data() + std::size_t{k} * static_cast<std::size_t>(channels));
           ASSERT_EQ((enough >> k & 1U) != 0, expected.enough)
               << "pixel " << k << ", " << channels << " channels, radius " << radius << ", needed " << needed;
           ASSERT_EQ(distances[k], expected.distance)

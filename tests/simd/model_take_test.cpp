@@ -3,7 +3,7 @@
 
 namespace {
 
-std::uint8_t apart(std::uint8_t a, std::uint8_t b) {
+std::uint8_t absoluteDifference(std::uint8_t a, std::uint8_t b) {
   return static_cast<std::uint8_t>(a > b ? a - b : b - a);
 }
 
@@ -15,7 +15,7 @@ TEST_P(TakeFrame, CopiesTheFrameAndComparesOneChannel) {
   for (const std::size_t count : modelCounts) {
     for (const int channels : {1, 3, 4}) {
       for (int channel = 0; channel < std::min(channels, 3); ++channel) {
-        // Bits: rdDiff, illumDiff, the frame is not in curFrame, keep.
+        // Bits: 1 computes rdDiff, 2 illumDiff; 4: the frame is not yet in curFrame; 8 is `keep`.
         for (const int wanted : {0, 1, 2, 3, 4, 7, 8, 11, 12, 15}) {
           const auto side = sideFor(count);
           const auto step = static_cast<std::size_t>(channels);
@@ -38,11 +38,11 @@ TEST_P(TakeFrame, CopiesTheFrameAndComparesOneChannel) {
               if ((wanted & 4) != 0) copied[i * step + c] = frame[i * step + c];
             }
             const std::size_t at = i * step + static_cast<std::size_t>(channel);
-            if ((wanted & 1) != 0) changes[i] = apart(previous[at], copied[at]);
+            if ((wanted & 1) != 0) changes[i] = absoluteDifference(previous[at], copied[at]);
             for (std::size_t c = 0; c < step; ++c) {
               if ((wanted & 8) != 0) kept[i * step + c] = copied[i * step + c];
             }
-            if ((wanted & 2) != 0) lights[i] = apart(background[at], copied[at]);
+            if ((wanted & 2) != 0) lights[i] = absoluteDifference(background[at], copied[at]);
           }
           GetParam().function({.frame = (wanted & 4) != 0 ? frame.data() : nullptr,
                                .curFrame = current.data(),
@@ -54,8 +54,8 @@ TEST_P(TakeFrame, CopiesTheFrameAndComparesOneChannel) {
                                .channel = channel,
                                .keep = (wanted & 8) != 0},
                               begin, end);
-          ASSERT_EQ(current.values(), copied) << count << " pixels of " << channels << ", parts " << wanted;
-          ASSERT_EQ(previous.values(), kept) << count << " pixels of " << channels << ", parts " << wanted;
+          ASSERT_EQ(current.values(), copied) << count << " pixels of " << channels << ", bits " << wanted;
+          ASSERT_EQ(previous.values(), kept) << count << " pixels of " << channels << ", bits " << wanted;
           ASSERT_EQ(change.values(), changes)
               << count << " pixels of " << channels << ", channel " << channel;
           ASSERT_EQ(light.values(), lights) << count << " pixels of " << channels << ", channel " << channel;

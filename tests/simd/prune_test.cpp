@@ -8,7 +8,7 @@
 
 namespace {
 
-// The bytes that a version works on at a time; 1 for the reference.
+// Block size of a version, in bytes; 1 for the reference.
 int blockOf(const lm::Version<simd::PruneFn>& version) {
   if (version.level == simd::level::none) return 1;
   return version.level < simd::level::avx2 ? 16 : 32;
@@ -24,7 +24,7 @@ void expectedPrune(const lm::Version<simd::PruneFn>& version, std::uint8_t* mask
 class Prune : public VersionTest<simd::PruneFn> {};
 INSTANTIATE_TEST_SUITE_P(EveryVersion, Prune, ::testing::ValuesIn(lm::pruneVersions), VersionName());
 
-TEST_P(Prune, EqualsItsModelAtEveryLengthAndOffset) {
+TEST_P(Prune, EqualsThePlainVersionAtEveryLengthAndOffset) {
   GuardedBuffer mask(longestSwept);
   GuardedBuffer roi(longestSwept);
   Filler maskValues({0, 1, 255});
@@ -73,7 +73,7 @@ INSTANTIATE_TEST_SUITE_P(EveryVersion, VectorPrune,
                          ::testing::ValuesIn(std::begin(lm::pruneVersions) + 1, std::end(lm::pruneVersions)),
                          VersionName());
 
-TEST_P(VectorPrune, WholeBlocksStayAsTheyAreOutsideTheRegion) {
+TEST_P(VectorPrune, WholeBlocksOutsideTheRegionAreUnchanged) {
   const auto block = static_cast<std::size_t>(blockOf(GetParam()));
   std::vector<std::uint8_t> mask(block, 255), roi(block, 0);
   GetParam().function(mask.data(), roi.data(), blockOf(GetParam()));
@@ -102,7 +102,7 @@ TEST_P(VectorPrune, TheTailIsTestedAgainstTheStartOfTheRegion) {
 
 // 720 x 405 = 291600 pixels: whole blocks of 16, and 16 pixels after the last block of 32. The region leaves
 // out the top left corner, and the object covers the bottom right one.
-TEST(PruneAcrossLevels, AHalfFullLastBlockOf32IsPrunedFromAvx2OnOnly) {
+TEST(PruneAcrossLevels, AHalfFullLastBlockOf32IsPrunedWithAvx2Only) {
   if (GetCpuInstructionSet() < simd::level::avx2) GTEST_SKIP() << "this processor lacks AVX2";
   constexpr std::size_t width = 720, height = 405, pixels = width * height;
   std::vector<std::uint8_t> roi(pixels, 1), mask(pixels, 0);

@@ -10,7 +10,7 @@ namespace {
 class Replace : public VersionTest<simd::ReplaceFn> {};
 INSTANTIATE_TEST_SUITE_P(EveryVersion, Replace, ::testing::ValuesIn(lm::replaceVersions), VersionName());
 
-TEST_P(Replace, EqualsItsModelAtEveryLengthAndOffset) {
+TEST_P(Replace, EqualsThePlainVersionAtEveryLengthAndOffset) {
   GuardedBuffer bytes(longestSwept);
   Filler fewValues(extremes);
   Filler allValues;
@@ -38,7 +38,7 @@ TEST_P(Replace, ReplacesEveryByteWhenAllAreEqual) {
   EXPECT_EQ(mismatch(bytes, std::vector<std::uint8_t>(100, 200)), "");
 }
 
-TEST_P(Replace, LeavesAnEmptyRangeAlone) {
+TEST_P(Replace, LeavesAnEmptyRangeUnchanged) {
   std::uint8_t byte = 7;
   GetParam().function(&byte, &byte, 7, 8);
   EXPECT_EQ(byte, 7);

@@ -49,7 +49,7 @@ std::vector<Rectangle> rectanglesOfWidth(int w) {
   return {{0, 0, w, 1, w + 3}, {3, 1, w, 2, w + 5}, {0, 0, w, 3, w}, {1, 2, w, 3, 7}, {0, 0, w, 2, 0}};
 }
 
-TEST_P(Touch, FindsASingleTouchExactlyWhereItsModelDoes) {
+TEST_P(Touch, FindsASingleTouchExactlyWhereThePlainVersionDoes) {
   Images images;
   for (int w = 0; w <= 100; ++w) {
     for (const auto& r : rectanglesOfWidth(w)) {
@@ -68,7 +68,7 @@ TEST_P(Touch, FindsASingleTouchExactlyWhereItsModelDoes) {
   }
 }
 
-TEST_P(Touch, EqualsItsModelAtEveryWidthAndOffset) {
+TEST_P(Touch, EqualsThePlainVersionAtEveryWidthAndOffset) {
   Images images;
   Filler firstValues({0, 1, 254, 254, 254, 255});
   Filler secondValues({0, 0, 0, 1, 2, 255});

@@ -23,7 +23,7 @@ std::ostream& operator<<(std::ostream& stream, const Version<Function>& version)
 
 }  // namespace lm
 
-// The versions that pointers refer to, in the table's order of kernels.
+// The names of the versions that the pointers refer to, in the table's order of kernels.
 std::vector<std::string> namesOf(const lm::Kernels& kernels);
 std::vector<std::string> namesOf(const lm::ModelKernels& kernels);
 std::vector<std::string> namesOf(const lm::MaskKernels& kernels);

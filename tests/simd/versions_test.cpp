@@ -25,8 +25,8 @@ std::set<std::string> exportedKernelNames() {
   return names;
 }
 
-// The list is an interface that is frozen, so it is not generated from the table.
-TEST(Versions, TheExportedNamesAreTheTablesVersionsAndEntryPointsAndTheDispatchers) {
+// The list is a frozen interface, so it is not generated from the table.
+TEST(Versions, TheExportedNamesAreTheTablesVersionsTheEntryPointsAndTheDispatchers) {
   std::set<std::string> names = {"isMatchVal_bgr32",
                                  "detail::replace_if_u8_dispatch",
                                  "detail::gen_rd_diff_dispatch",

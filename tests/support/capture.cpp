@@ -36,8 +36,8 @@ std::string Capture::text() {
   return all;
 }
 
-std::ostream& operator<<(std::ostream& stream, const Said& said) {
-  return stream << "standard output \"" << said.out << "\", standard error \"" << said.err << '"';
+std::ostream& operator<<(std::ostream& stream, const Printed& printed) {
+  return stream << "standard output \"" << printed.out << "\", standard error \"" << printed.err << '"';
 }
 
 std::ostream& operator<<(std::ostream& stream, const LogCall& call) {

@@ -24,16 +24,16 @@ class Capture {
   int file_;
 };
 
-struct Said {
+struct Printed {
   std::string out;
   std::string err;
-  bool operator==(const Said&) const = default;
+  bool operator==(const Printed&) const = default;
 };
-std::ostream& operator<<(std::ostream& stream, const Said& said);
+std::ostream& operator<<(std::ostream& stream, const Printed& printed);
 
 // What `call` writes to the two streams.
 template <typename Call>
-Said saidDuring(Call&& call) {
+Printed printedBy(Call&& call) {
   Capture out(stdout);
   Capture err(stderr);
   call();

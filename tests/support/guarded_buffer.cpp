@@ -54,9 +54,9 @@ std::string GuardedBuffer::damage() const {
     const std::string distance = std::to_string(i + 1);
     const std::uint8_t* const before = begin_ - 1 - i;
     if (i < position && *before != patternAt(before)) return "byte " + distance + " before the array";
-    const std::uint8_t* const behind = end() + i;
-    if (position + size_ + i < room_ && *behind != patternAt(behind)) {
-      return "byte " + distance + " behind the array";
+    const std::uint8_t* const after = end() + i;
+    if (position + size_ + i < room_ && *after != patternAt(after)) {
+      return "byte " + distance + " after the array";
     }
   }
   return {};

@@ -85,9 +85,9 @@ class Configured {
   std::vector<bool> accepted;
 };
 
-// Empty if both accept or refuse the configuration alike.
+// Empty if both accept or both refuse the configuration.
 std::string configure(lightMotion& detector, const Sequence& sequence, int channels, Configured& plain) {
-  if (sequence.road == Road::document) {
+  if (sequence.configuredBy == ConfiguredBy::document) {
     return detector.init(documentOf(sequence, channels).c_str()) ? "" : "the document was refused";
   }
   detector.engine = new kAMBLE;
@@ -105,7 +105,7 @@ std::string modelFrame(const Sequence& sequence, plain::Model& model, const Fram
 }
 
 // The neighbour tables use rand(): both sides start from the same state, and the next number shows whether
-// they drew equally often.
+// they called it equally often.
 template <class Step>
 int drawnBy(int frame, const Step& step) {
   std::srand(static_cast<unsigned>(frame) + 1);
@@ -137,7 +137,7 @@ std::string compareFrame(const Sequence& sequence, int k, const Frame& frame, li
 
   const std::string difference = firstDifference(detector, model);
   if (!difference.empty()) return difference;
-  if (engineDraw != modelDraw) return "rand() was drawn from a different number of times";
+  if (engineDraw != modelDraw) return "rand() was called a different number of times";
   if (detector.resText != text) return "result: engine " + detector.resText + ", model " + text;
   if (length != static_cast<int>(text.size())) return "result length: engine " + std::to_string(length);
   return "";
@@ -153,7 +153,7 @@ std::string compareOver(const Sequence& sequence, Cut cut) {
   std::string difference = configure(detector, sequence, frame.channels, plain);
   for (int k = 0; difference.empty() && k < sequence.frames; ++k) {
     if (k > 0) frame = sequence.frame(k);
-    // A strip has one row more than fits into its pixels: one to five rows here.
+    // A strip has one row more than stripPixels holds: one to five rows here.
     if (cut == Cut::anywhere)
       lm::stateOf(*detector.engine).stripPixels = static_cast<std::size_t>(k % 5 * sequence.width);
     difference = report(sequence, k, compareFrame(sequence, k, frame, detector, plain.model));

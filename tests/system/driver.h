@@ -5,14 +5,15 @@
 
 #include "tests/system/sequence.h"
 
-// How the engine divides a frame into strips: as usual, or differently for every frame.
+// How the engine divides frames into strips: as usual, or differently for every frame.
 enum class Cut { usual, anywhere };
 
-// Compares every field after every frame, and the result text. The first difference with its frame, or empty.
+// Compares every field and the result text after every frame. Returns the first difference and its frame, or
+// an empty string.
 std::string compareOver(const Sequence& sequence, Cut cut = Cut::usual);
 
 // Compares the result texts of the four entry points; for sequences configured by a document.
 std::string compareTextsOver(const Sequence& sequence);
 
-// The branches that the model alone takes over a sequence.
+// Runs the model alone: how often it takes each branch.
 plain::BranchCounts branchesTaken(const Sequence& sequence);

@@ -23,7 +23,7 @@ INSTANTIATE_TEST_SUITE_P(Sequences, EngineAndPlainModel, ::testing::ValuesIn(all
 
 TEST(EntryPointsAndPlainModel, GiveTheSameResultTexts) {
   for (const Sequence& sequence : allSequences()) {
-    if (sequence.road != Road::document || sequence.before) continue;
+    if (sequence.configuredBy != ConfiguredBy::document || sequence.before) continue;
     EXPECT_EQ(compareTextsOver(sequence), "");
   }
 }

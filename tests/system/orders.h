@@ -1,10 +1,10 @@
 // Calls in any order: single operations, settings, direct writes to public fields and changes of size, made
 // to several detectors and to their plain counterparts, compared field by field after every call.
 //
-// What a host must not do is left out: frames and masks of other lengths than announced, a frame of another
-// shape than the tables that the engine holds while it counts its frames from 0 again, values outside the
-// ranges that the fields state. Also left out are writes to the neighbour tables and to the label planes, and
-// masks of values that the engine itself never makes.
+// Excluded is what a host must not do: pass frames or masks of other lengths than announced, pass frames of
+// another shape than the engine's tables while its frame count is 0, or write values outside the documented
+// ranges. Also excluded are writes to the neighbour tables and the label planes, and masks of values that the
+// engine never makes.
 #pragma once
 
 #include <algorithm>
@@ -42,11 +42,11 @@ struct Shape {
   int pixels() const { return width * height; }
   bool operator==(const Shape&) const = default;
 };
-Shape anyShape(Dice& dice);  // many have as many pixels as another one
+Shape anyShape(Dice& dice);  // several have equal numbers of pixels
 
 using Bytes = std::vector<std::uint8_t>;
 
-// A detector and its plain counterpart, which get the same calls.
+// A detector and its plain counterpart, which receive the same calls.
 class Pair {
  public:
   explicit Pair(Dice& dice);
@@ -63,14 +63,14 @@ class Pair {
   Shape configured() const { return {model().szImgX, model().szImgY}; }
   std::size_t pixels() const { return static_cast<std::size_t>(model().numPixel); }
 
-  Bytes picture(Dice& dice, Shape shape, int channels);  // the next of the scene
+  Bytes picture(Dice& dice, Shape shape, int channels);  // the scene's next frame
   std::string timestamp(Dice& dice);
 
-  // Frees the region masks that a further configuration dropped.
+  // Frees the region masks that another configuration replaced.
   void freeDroppedMasks(const std::vector<std::uint8_t*>& before);
   std::vector<std::uint8_t*> masks() const;
 
-  // The first field in which the two differ, or empty.
+  // The first field in which the two differ, or an empty string.
   std::string difference();
 
   lightMotion real;
@@ -84,7 +84,7 @@ class Pair {
   std::int64_t time_ = 1000;
 };
 
-// What a call gave on both sides, where that is not the same; else empty.
+// The results of a call on both sides if they differ, else an empty string.
 template <class T>
 std::string unequal(const T& real, const T& plain) {
   if (real == plain) return "";
@@ -96,8 +96,8 @@ std::string unequal(const std::vector<boxRect>& real, const std::vector<plain::B
 std::string unequal(const std::vector<bool>& real, const std::vector<bool>& plain);
 std::string unequalBytes(const std::uint8_t* real, const Bytes& plain);
 
-// Calls both sides with the same state of rand(); exceptions are results like others. What they gave
-// differently, or empty.
+// Calls both sides with the same state of rand() and compares results, exceptions and the use of rand().
+// Returns the difference, or an empty string.
 template <class Real, class Plain>
 std::string callBoth(int seed, const Real& real, const Plain& plain) {
   const auto outcome = [seed](const auto& call, auto& value) -> std::string {
@@ -115,7 +115,7 @@ std::string callBoth(int seed, const Real& real, const Plain& plain) {
   const int ourDraw = std::rand();
   const std::string theirError = outcome(plain, theirs);
   if (ourError != theirError) return "threw: engine " + ourError + ", model " + theirError;
-  if (ourDraw != std::rand()) return "rand() was drawn from a different number of times";
+  if (ourDraw != std::rand()) return "rand() was called a different number of times";
   return unequal(ours, theirs);
 }
 
@@ -126,8 +126,8 @@ void toBoth(Pair& pair, const Change& change) {
   change(pair.model());
 }
 
-// One kind of call. `run` makes it on both sides, writes it out in `call` and returns what came back
-// different.
+// One kind of call. `run` makes it on both sides, describes it in `call` and returns the difference of the
+// results.
 struct Operation {
   const char* name;
   int weight;
@@ -144,7 +144,8 @@ std::vector<Operation> fieldOperations();
 std::vector<Operation> planeOperations();
 std::vector<Operation> detectorOperations();
 
-// Makes calls at random as the seed says. Where the two sides differ: seed, step, difference and all calls.
+// Makes `steps` random calls. Returns an empty string, or where the sides differ: seed, step, difference and
+// all calls.
 std::string run(std::uint32_t seed, int steps);
 
 }  // namespace orders

@@ -6,16 +6,16 @@
 namespace orders {
 namespace {
 
-// What a second set-up drops without freeing it.
-class Dropped {
+// Frees what a second set-up replaces without freeing it.
+class Replaced {
  public:
-  explicit Dropped(const kAMBLE& engine) : background_(engine.bgImg), arrays_(engine.nbrIdx) {}
-  ~Dropped() {
+  explicit Replaced(const kAMBLE& engine) : background_(engine.bgImg), arrays_(engine.nbrIdx) {}
+  ~Replaced() {
     std::free(background_);
     for (const int* array : arrays_) delete[] array;
   }
-  Dropped(const Dropped&) = delete;
-  Dropped& operator=(const Dropped&) = delete;
+  Replaced(const Replaced&) = delete;
+  Replaced& operator=(const Replaced&) = delete;
 
  private:
   std::uint8_t* background_;
@@ -34,7 +34,7 @@ bool canInitialize(const Pair& pair) { return pair.hasEngine() && pair.model().f
 std::string initialize(Pair& pair, Dice& dice, std::string& call) {
   const Shape shape = pair.hasTables() ? pair.sized() : anyShape(dice);
   call = "initialization_ncv(" + std::to_string(shape.width) + ", " + std::to_string(shape.height) + ")";
-  const Dropped dropped(pair.engine());
+  const Replaced replaced(pair.engine());
   pair.tables = shape;
   return callBoth(
       dice.below(1000), [&] { return pair.engine().initialization_ncv(shape.width, shape.height); },
@@ -48,7 +48,7 @@ bool canMakeBuffers(const Pair& pair) {
 
 std::string makeBuffers(Pair& pair, Dice& dice, std::string& call) {
   call = "initBuffer_ncv()";
-  const Dropped dropped(pair.engine());
+  const Replaced replaced(pair.engine());
   pair.tables = pair.configured();
   return callBoth(
       dice.below(1000), [&] { return pair.engine().initBuffer_ncv(); },
@@ -64,15 +64,15 @@ std::string destroy(Pair& pair, Dice& /*dice*/, std::string& call) {
   return "";
 }
 
-// As a host does that gives the engine frames of another size from now on.
-std::string startAfresh(Pair& pair, Dice& dice, std::string& call) {
+// As a host does before it passes frames of another size.
+std::string restart(Pair& pair, Dice& dice, std::string& call) {
   destroy(pair, dice, call);
   toBoth(pair, [](auto& state) { state.frmCount = 0; });
   call = "destoryBuffer(), frmCount = 0";
   return "";
 }
 
-// Set by hand once buffers were made without a frame.
+// The host sets numPixel when it made the buffers without a frame.
 bool holdsBuffers(const Pair& pair) { return pair.hasEngine() && pair.hasTables(); }
 
 std::string numPixel(Pair& pair, Dice& /*dice*/, std::string& call) {
@@ -82,7 +82,7 @@ std::string numPixel(Pair& pair, Dice& /*dice*/, std::string& call) {
   return "";
 }
 
-// Before any table is made; the offset of the pixel itself has to be among the entries.
+// Before any table is made; the entries must include the offset of the pixel itself.
 bool withoutTables(const Pair& pair) { return pair.hasEngine() && !pair.hasTables(); }
 
 std::string numNbr(Pair& pair, Dice& dice, std::string& call) {
@@ -100,7 +100,7 @@ std::vector<Operation> bufferOperations() {
       {"initialization_ncv", 5, canInitialize, initialize},
       {"initBuffer_ncv", 5, canMakeBuffers, makeBuffers},
       {"destoryBuffer", 2, withEngine, destroy},
-      {"start afresh", 6, withEngine, startAfresh},
+      {"restart", 6, withEngine, restart},
       {"numPixel", 3, holdsBuffers, numPixel},
       {"numNbr", 2, withoutTables, numNbr},
   };

@@ -50,7 +50,7 @@ std::vector<std::string> anyEntries(Pair& pair, Dice& dice) {
     if (dice.chance(95)) entries.push_back("frmH " + std::to_string(shape.height));
   }
   for (int k = dice.below(5); k > 0; --k) entries.push_back(anyEntry(dice));
-  if (!entries.empty() && dice.chance(5)) entries.push_back("");  // the entry before once more
+  if (!entries.empty() && dice.chance(5)) entries.push_back("");  // repeats the previous entry
   if (dice.chance(3)) entries.push_back("frmW broad");
   return entries;
 }
@@ -59,7 +59,7 @@ std::string setParam(Pair& pair, Dice& dice, std::string& call) {
   std::vector<std::string> entries = anyEntries(pair, dice);
   call = "setParam({";
   for (const std::string& entry : entries) call += '"' + entry + "\", ";
-  // The lists that the engine holds bring their masks along.
+  // The engine's own lists have masks already.
   const bool own = dice.chance(15);
   const std::vector<plain::RegionText> texts[] = {anyRegions(dice, 80), anyRegions(dice, 20)};
   call += own ? "}, its own regions)" : "}, " + written(texts[0]) + ", " + written(texts[1]) + ")";

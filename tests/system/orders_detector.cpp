@@ -66,7 +66,7 @@ std::string init(Pair& pair, Dice& dice, std::string& call) {
   return difference;
 }
 
-// A detector whose engine was sized by the host for frames of another size than before needs another copy.
+// After the host has sized the engine for frames of another size, the mask copy must be made again.
 void fitMaskCopy(Pair& pair) {
   const std::size_t pixels = static_cast<std::size_t>(pair.plain.frmW * pair.plain.frmH);
   const bool used = pair.pixels() == pixels || pair.model().frmCount == 0;
@@ -76,13 +76,13 @@ void fitMaskCopy(Pair& pair) {
   pair.plain.fgMaskCopy.clear();
 }
 
-bool canFilm(const Pair& pair) {
+bool canProcessFrame(const Pair& pair) {
   const Shape shape{pair.plain.frmW, pair.plain.frmH};
   if (shape.width < 1 || shape.height < 1 || pair.plain.frmChn < 1) return false;
   return !pair.hasEngine() || !pair.hasTables() || pair.model().frmCount != 0 || shape == pair.sized();
 }
 
-std::string film(Pair& pair, Dice& dice, std::string& call) {
+std::string processFrame(Pair& pair, Dice& dice, std::string& call) {
   const Shape shape{pair.plain.frmW, pair.plain.frmH};
   const Bytes frame = pair.picture(dice, shape, pair.plain.frmChn);
   const std::string time = pair.timestamp(dice);
@@ -102,9 +102,9 @@ std::string film(Pair& pair, Dice& dice, std::string& call) {
 }
 
 std::string result(Pair& pair, Dice& dice, std::string& call) {
-  const bool anew = dice.chance(50);
-  call = anew ? "genRes(\"5\")" : "getRes()";
-  if (anew)
+  const bool regenerate = dice.chance(50);
+  call = regenerate ? "genRes(\"5\")" : "getRes()";
+  if (regenerate)
     return callBoth(
         0, [&] { return pair.real.genRes("5"); }, [&] { return pair.plain.genRes("5"); });
   std::string text(pair.plain.resText.size() + 1, '?');
@@ -159,7 +159,7 @@ std::string readRegions(Pair& pair, Dice& dice, std::string& call) {
 std::vector<Operation> detectorOperations() {
   return {
       {"init", 25, always, init},
-      {"frameProc", 400, canFilm, film},
+      {"frameProc", 400, canProcessFrame, processFrame},
       {"result", 20, always, result},
       {"terminate", 4, always, end},
       {"myjsonReader", 3, always, readScalars},

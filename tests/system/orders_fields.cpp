@@ -19,8 +19,8 @@ struct Field {
       toBoth(pair, [value](auto& state) { state.name = static_cast<decltype(state.name)>(value); }); \
     } \
   }
-// A share of the frame, or a number of frames a second, in hundredths.
-#define SHARE(name, low, high)                                                                         \
+// A field that is a real number; written in hundredths.
+#define HUNDREDTHS(name, low, high)                                                                    \
   {                                                                                                    \
 #name " * 100", low, high, [](Pair& pair, int value) {                                               \
       toBoth(pair, [value](auto& state) { state.name = static_cast<decltype(state.name)>(value) / 100; }); \
@@ -47,16 +47,16 @@ constexpr Field fields[] = {
     FIELD(lockSegEnd, -1, 21),
     FIELD(numSegmentLock, 1, 20),
     FIELD(numPeriodLock, 0, 7),
-    SHARE(illumRatio, 0, 40),
-    SHARE(minObjW, 0, 30),
-    SHARE(minObjH, 0, 30),
+    HUNDREDTHS(illumRatio, 0, 40),
+    HUNDREDTHS(minObjW, 0, 30),
+    HUNDREDTHS(minObjH, 0, 30),
     FIELD(minObjWPxl, 0, 12),
     FIELD(minObjHPxl, 0, 12),
     FIELD(thrCcPxl, 1, 40),
     FIELD(thrCcPxl2, 1, 40),
     FIELD(holdCcPxl, 0, 4),
-    SHARE(thrConnect, 0, 900),
-    SHARE(frmRate, 0, 4500),
+    HUNDREDTHS(thrConnect, 0, 900),
+    HUNDREDTHS(frmRate, 0, 4500),
     FIELD(curTimestamp, -1, 5000),
     FIELD(prevTimestamp, -1, 5000),
     FIELD(usPerSec, 1000, 1000000),
@@ -65,7 +65,7 @@ constexpr Field fields[] = {
 };
 
 #undef FIELD
-#undef SHARE
+#undef HUNDREDTHS
 
 std::string writeField(Pair& pair, Dice& dice, std::string& call) {
   const Field& field = fields[dice.below(static_cast<int>(std::size(fields)))];
@@ -75,8 +75,8 @@ std::string writeField(Pair& pair, Dice& dice, std::string& call) {
   return "";
 }
 
-// The sides of the frame without a configuration: turned, or of other frames.
-std::string writeSides(Pair& pair, Dice& dice, std::string& call) {
+// The frame size, without a configuration: width and height swapped, or another size.
+std::string writeSize(Pair& pair, Dice& dice, std::string& call) {
   Shape shape = dice.chance(60) ? pair.sized() : anyShape(dice);
   if (dice.chance(50)) std::swap(shape.width, shape.height);
   call = "szImgX = " + std::to_string(shape.width) + ", szImgY = " + std::to_string(shape.height);
@@ -94,7 +94,7 @@ bool withTables(const Pair& pair) { return pair.hasEngine() && pair.hasTables();
 std::vector<Operation> fieldOperations() {
   return {
       {"field", 60, withEngine, writeField},
-      {"szImgX, szImgY", 8, withTables, writeSides},
+      {"szImgX, szImgY", 8, withTables, writeSize},
   };
 }
 

@@ -7,7 +7,7 @@ namespace {
 bool withEngine(const Pair& pair) { return pair.hasEngine(); }
 
 struct Shot {
-  Bytes bytes;  // exactly as long as announced, so that reading past the end is noticed
+  Bytes bytes;  // of the exact size, so that the sanitizers detect reads past the end
   Shape shape;
   int channels;
   bool missing;
@@ -24,7 +24,7 @@ Shot shot(Pair& pair, Dice& dice, Shape shape) {
   return {pair.picture(dice, shape, channels), shape, channels, dice.chance(1)};
 }
 
-// An engine that counts from 0 while it holds tables may only be given frames of their shape.
+// While its frame count is 0, an engine that holds tables accepts only frames of their shape.
 Shape nextShape(const Pair& pair, Dice& dice) {
   if (!pair.hasTables()) return anyShape(dice);
   return pair.model().frmCount == 0 || dice.chance(90) ? pair.sized() : anyShape(dice);

@@ -1,4 +1,4 @@
-// Extraction, labelling and morphology on masks of the caller's own.
+// Extraction, labelling and morphology on the caller's masks.
 #include <cstring>
 
 #include "objects/component.h"
@@ -10,7 +10,7 @@ namespace {
 
 bool withPixels(const Pair& pair) { return pair.hasEngine() && pair.model().numPixel >= 1; }
 
-// A plane of the engine's kind, exactly as long as needed.
+// A plane of the exact size, aligned as the engine's planes are.
 template <class T>
 class Plane {
  public:
@@ -26,7 +26,7 @@ class Plane {
   T* data_;
 };
 
-// Blobs of the values in turn on the first of them.
+// A map of the first value, with up to eight rectangles of any of the values.
 template <class T>
 std::vector<T> blobs(const Pair& pair, Dice& dice, const std::vector<T>& values) {
   std::vector<T> map(pair.pixels(), values[0]);

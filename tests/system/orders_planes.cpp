@@ -4,17 +4,17 @@
 namespace orders {
 namespace {
 
-// Numbers for a stretch of elements, from a seed, so that both sides get the same.
-struct Stretch {
+// Random values for consecutive elements, from a seed, so that both sides get the same.
+struct Span {
   std::size_t first, count;
   std::uint32_t seed;
   int low, high;
 };
 
-Stretch anyStretch(Dice& dice, std::size_t size, int low, int high) {
+Span anySpan(Dice& dice, std::size_t size, int low, int high) {
   const std::size_t first = static_cast<std::size_t>(dice.below(static_cast<int>(size)));
   const std::size_t count = static_cast<std::size_t>(dice.between(1, 300));
-  // Half of them hold one value throughout.
+  // Half of the spans hold one value throughout.
   const bool even = dice.chance(50);
   const int value = dice.between(low, high);
   return {first, std::min(count, size - first), static_cast<std::uint32_t>(dice.below(1 << 20)),
@@ -22,10 +22,10 @@ Stretch anyStretch(Dice& dice, std::size_t size, int low, int high) {
 }
 
 template <class T>
-void fill(T* plane, const Stretch& stretch, int step) {
-  Dice dice(stretch.seed);
-  for (std::size_t i = 0; i < stretch.count; ++i) {
-    plane[stretch.first + i] = static_cast<T>(step * dice.between(stretch.low, stretch.high));
+void fill(T* plane, const Span& span, int step) {
+  Dice dice(span.seed);
+  for (std::size_t i = 0; i < span.count; ++i) {
+    plane[span.first + i] = static_cast<T>(step * dice.between(span.low, span.high));
   }
 }
 
@@ -33,15 +33,15 @@ struct PlaneKind {
   const char* name;
   int low, high, step;
   std::size_t (*size)(const plain::Model&);
-  void (*write)(Pair&, const Stretch&, int step);
+  void (*write)(Pair&, const Span&, int step);
 };
 
-#define PLANE(name, low, high, step)                                                         \
-  {                                                                                          \
-#name, low, high, step, [](const plain::Model& model) { return model.name.size(); },       \
-        [](Pair& pair, const Stretch& stretch, int by) {                                       \
-          fill(pair.engine().name, stretch, by);                                               \
-          fill(pair.model().name.data(), stretch, by);                                         \
+#define PLANE(name, low, high, step)                                                           \
+  {                                                                                            \
+#name, low, high, step, [](const plain::Model& model) { return model.name.size(); },         \
+        [](Pair& pair, const Span& span, int by) {                                           \
+          fill(pair.engine().name, span, by);                                                \
+          fill(pair.model().name.data(), span, by);                                          \
         } \
   }
 
@@ -62,29 +62,28 @@ bool withEngine(const Pair& pair) { return pair.hasEngine(); }
 
 std::string writePlane(Pair& pair, Dice& dice, std::string& call) {
   const PlaneKind& kind = planes[dice.below(static_cast<int>(std::size(planes)))];
-  call = std::string(kind.name) + " stays";
+  call = std::string(kind.name) + " is empty";
   const std::size_t size = kind.size(pair.model());
   if (size == 0) return "";
-  const Stretch stretch = anyStretch(dice, size, kind.low, kind.high);
-  call = std::string(kind.name) + " from " + std::to_string(stretch.first) + ", " +
-         std::to_string(stretch.count);
-  kind.write(pair, stretch, kind.step);
+  const Span span = anySpan(dice, size, kind.low, kind.high);
+  call = std::string(kind.name) + " from " + std::to_string(span.first) + ", " + std::to_string(span.count);
+  kind.write(pair, span, kind.step);
   return "";
 }
 
 bool withModel(const Pair& pair) { return pair.hasEngine() && !pair.model().bgModel.empty(); }
 
-// The bytes of a slot that the frames have.
+// Writes one slot, in the bytes that the frames have.
 std::string writeSamples(Pair& pair, Dice& dice, std::string& call) {
-  const Stretch stretch = anyStretch(dice, pair.model().bgModel.size(), 0, 255);
+  const Span span = anySpan(dice, pair.model().bgModel.size(), 0, 255);
   const std::size_t slot = static_cast<std::size_t>(dice.below(20));
   const std::size_t bytes = static_cast<std::size_t>(std::min(4, pair.channels));
-  call = "bgModel from " + std::to_string(stretch.first) + ", " + std::to_string(stretch.count) + ", slot " +
+  call = "bgModel from " + std::to_string(span.first) + ", " + std::to_string(span.count) + ", slot " +
          std::to_string(slot);
-  Dice values(stretch.seed);
-  for (std::size_t i = stretch.first; i < stretch.first + stretch.count; ++i) {
+  Dice values(span.seed);
+  for (std::size_t i = span.first; i < span.first + span.count; ++i) {
     for (std::size_t c = 0; c < bytes; ++c) {
-      const std::uint8_t value = static_cast<std::uint8_t>(values.between(stretch.low, stretch.high));
+      const std::uint8_t value = static_cast<std::uint8_t>(values.between(span.low, span.high));
       pair.engine().bgModel[i].samples[slot][c] = pair.model().bgModel[i][slot][c] = value;
     }
   }

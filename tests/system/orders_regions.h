@@ -1,4 +1,4 @@
-// Regions at random, for the calls that take them.
+// Random regions, for the calls that take them.
 #pragma once
 
 #include <string>
@@ -8,7 +8,7 @@
 
 namespace orders {
 
-// Up to three regions, each with the given chance; where most calls have some, often the whole frame.
+// Up to three regions, each with a chance of `percent`; above 50, the whole frame in half of the cases.
 std::vector<plain::RegionText> anyRegions(Dice& dice, int percent);
 std::string written(const std::vector<plain::RegionText>& regions);
 std::vector<polygon> polygonsOf(const std::vector<plain::Region>& regions);

@@ -13,16 +13,16 @@
 namespace orders {
 namespace {
 
-// What was called so far, told also when a sanitizer ends the program.
+// The calls so far; also printed when a sanitizer ends the program.
 std::string calls;
 
 #if defined(__SANITIZE_ADDRESS__)
-void tellCalls() {
+void printCalls() {
   [[maybe_unused]] const ssize_t written = write(STDERR_FILENO, calls.data(), calls.size());
 }
 #endif
 
-// The library's lines about every size and every refusal would bury the report.
+// Discards the library's output, which would bury the report.
 class Quiet {
  public:
   Quiet() : out_(stdout), err_(stderr), nowhere_(std::fopen("/dev/null", "w")) { stdout = stderr = nowhere_; }
@@ -73,24 +73,24 @@ class Round {
   Round(const Round&) = delete;
   Round& operator=(const Round&) = delete;
 
-  // What differs after another call, or empty.
+  // Makes one call. Returns what differs after it, or an empty string.
   std::string step() {
     const std::size_t number = static_cast<std::size_t>(dice_.below(static_cast<int>(pairs_.size())));
     Pair& pair = pairs_[number];
     passTime();
     moveBands();
-    if (pair.hasEngine()) tellWorld(pair.model());
+    if (pair.hasEngine()) setModelInputs(pair.model());
     const Operation& operation = anyOperation(operations_, pair, dice_);
     std::string call = operation.name;
     calls += std::to_string(number) + ": " + operation.name + "\n";
     const std::size_t line = calls.size() - std::string(operation.name).size() - 1;
-    if (pair.plain.engine) tellWorld(pair.model());
+    if (pair.plain.engine) setModelInputs(pair.model());
     const std::string difference = operation.run(pair, dice_, call);
     calls.replace(line, std::string::npos, call + "\n");
     return difference.empty() ? pair.difference() : difference;
   }
 
-  // Calls of one detector leave the others as they were.
+  // Calls on one detector do not change the others.
   std::string others() {
     for (Pair& pair : pairs_) {
       const std::string difference = pair.difference();
@@ -108,7 +108,7 @@ class Round {
     setScriptedTime(now);
   }
 
-  // The exported bands are of all detectors.
+  // All detectors share the exported bands.
   void moveBands() {
     if (!dice_.chance(1)) return;
     THRESH_SAME_PIXEL_x2 = dice_.between(11, 40);
@@ -117,7 +117,7 @@ class Round {
         "bands " + std::to_string(THRESH_SAME_PIXEL_x2) + ", " + std::to_string(THRESH_SAME_PIXEL_x3) + "\n";
   }
 
-  static void tellWorld(plain::Model& model) {
+  static void setModelInputs(plain::Model& model) {
     model.now = scriptedTime();
     model.thresholdX2 = THRESH_SAME_PIXEL_x2;
     model.thresholdX3 = THRESH_SAME_PIXEL_x3;
@@ -132,7 +132,7 @@ class Round {
 
 std::string run(std::uint32_t seed, int steps) {
 #if defined(__SANITIZE_ADDRESS__)
-  __sanitizer_set_death_callback(tellCalls);
+  __sanitizer_set_death_callback(printCalls);
 #endif
   const Quiet quiet;
   setScriptedTime({1700000000, 0});

@@ -1,7 +1,7 @@
 // Calls in any order give what the plain model gives.
 //
-//   LIGHTMOTION_ORDERS_SEED      first seed; alone, only this one is run
-//   LIGHTMOTION_ORDERS_MINUTES   seed after seed for so long
+//   LIGHTMOTION_ORDERS_SEED      first seed; without LIGHTMOTION_ORDERS_MINUTES the only one
+//   LIGHTMOTION_ORDERS_MINUTES   how long to continue with further seeds
 #include <gtest/gtest.h>
 
 #include <chrono>

@@ -1,4 +1,4 @@
-// Moving pictures for the comparison: every byte is a pure function of the scene, the position and the frame
+// Synthetic video for the comparison: every byte is a pure function of the scene, the position and the frame
 // number.
 #pragma once
 
@@ -14,7 +14,7 @@ struct Area {
   bool holds(int px, int py) const { return px >= x && px < x + w && py >= y && py < y + h; }
 };
 
-// A textured rectangle. It moves by (dx, dy) per frame for the first `moves` frames, then stands still.
+// A textured rectangle. It moves by (dx, dy) per frame for the first `moves` frames, then stops.
 struct Thing {
   Area area;
   int from = 0, until = forever;

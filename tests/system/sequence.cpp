@@ -6,7 +6,7 @@ std::vector<plain::RegionText> wholeFrame() {
   return {{"all", {{"-1", "-1"}, {"2", "-1"}, {"2", "2"}, {"-1", "2"}}}};
 }
 
-std::function<Frame(int)> filmed(const scene::Scene& scene, int interval) {
+std::function<Frame(int)> framesOf(const scene::Scene& scene, int interval) {
   return [scene, interval](int k) {
     return Frame{scene.draw(k), scene.channels, std::to_string(1000 + k * interval)};
   };

@@ -1,5 +1,5 @@
-// Input of the engine and the model: frames with times, a configuration, and changes that the host makes in
-// between.
+// Input of the engine and the model: frames with timestamps, a configuration, and changes that the host makes
+// in between.
 #pragma once
 
 #include <sys/time.h>
@@ -21,7 +21,7 @@ struct Frame {
   std::string timestamp;
 };
 
-enum class Road {
+enum class ConfiguredBy {
   parameters,  // the detector's engine is configured through setParam
   document,    // the detector is configured through the JSON document; entries in the document's order only
 };
@@ -35,7 +35,7 @@ struct Sequence {
   std::vector<std::string> entries = {};  // follow "frmW", "frmH" and "frmChn"
   std::vector<plain::RegionText> include = wholeFrame();
   std::vector<plain::RegionText> exclude = {};
-  Road road = Road::parameters;
+  ConfiguredBy configuredBy = ConfiguredBy::parameters;
   // Changes that the host makes before a frame. The engine is null when the model runs alone.
   std::function<void(int, kAMBLE*, plain::Model&)> before = {};
   // The wall clock during a frame.
@@ -50,7 +50,7 @@ void toBoth(kAMBLE* engine, plain::Model& model, const Change& change) {
 }
 
 // Frames of a scene, `interval` milliseconds apart.
-std::function<Frame(int)> filmed(const scene::Scene& scene, int interval = 40);
+std::function<Frame(int)> framesOf(const scene::Scene& scene, int interval = 40);
 
 inline void append(std::vector<Sequence>& list, std::vector<Sequence> more) {
   for (Sequence& sequence : more) list.push_back(std::move(sequence));

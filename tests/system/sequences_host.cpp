@@ -35,7 +35,7 @@ Sequence hosted(const std::string& name, const std::function<Frame(int)>& frame)
 
 Sequence changing(const std::string& name, int channels,
                   const std::function<void(int, kAMBLE*, plain::Model&)>& before) {
-  Sequence sequence = hosted(name, filmed(street(channels), 200));
+  Sequence sequence = hosted(name, framesOf(street(channels), 200));
   sequence.before = before;
   return sequence;
 }
@@ -107,15 +107,15 @@ void setAll(Engine& state, std::int32_t timer, std::uint32_t count) {
 
 std::vector<Sequence> overflowing() {
   return {changed("timers_wrap", 3, 10, [](auto& state) { setAll(state, intMin, 0xFFFFFFFFU); }),
-          changed("counters_run_into_their_limits", 3, 10,
+          changed("counters_reach_their_limits", 3, 10,
                   [](auto& state) {
                     setAll(state, intMin + 3, 0xFFFFFFFCU);
                     for (std::size_t i = 0; i < 33 * 31; ++i) state.fgLife[i] = 16777214.0F;
                     state.frmCount = intMax - 5;
                   }),
           // After 2^32 frames the engine treats the next one as its first.
-          changed("frame_count_comes_round", 3, 10, [](auto& state) { state.frmCount = -3; }),
-          changed("frame_count_comes_round_grey", 1, 10, [](auto& state) { state.frmCount = -1; }),
+          changed("frame_count_reaches_zero", 3, 10, [](auto& state) { state.frmCount = -3; }),
+          changed("frame_count_reaches_zero_grey", 1, 10, [](auto& state) { state.frmCount = -1; }),
           changed("frame_count_wraps", 3, 10, [](auto& state) { state.frmCount = intMax; }),
           changed("life_limit_wraps", 3, 10,
                   [](auto& state) {
@@ -141,7 +141,7 @@ Sequence absorbedButNotWritten() {
                     .width = 20,
                     .height = 16,
                     .frames = 30,
-                    .frame = filmed(scene, 200)};
+                    .frame = framesOf(scene, 200)};
   sequence.before = [](int k, kAMBLE* engine, plain::Model& model) {
     if (k == 10) {
       toBoth(engine, model, [](auto& state) { state.lifeStaticFrm = 2; });

@@ -91,7 +91,7 @@ Sequence mixed(std::uint32_t seed) {
                     .width = scene.width,
                     .height = scene.height,
                     .frames = 70,
-                    .frame = filmed(scene, dice.between(20, 350)),
+                    .frame = framesOf(scene, dice.between(20, 350)),
                     .entries = settings(dice)};
   if (dice.chance(40)) sequence.include = {region(dice), region(dice)};
   if (dice.chance(30)) sequence.exclude = {region(dice)};

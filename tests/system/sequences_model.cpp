@@ -1,4 +1,5 @@
-// The background model: absorption, life bands, light, refresh and the exact limits of their branches.
+// The background model: absorption, life bands, lighting changes, refresh and the exact limits of their
+// branches.
 #include <cstring>
 
 #include "tests/system/sequence.h"
@@ -8,25 +9,25 @@ namespace {
 using scene::Area;
 using scene::Scene;
 
-Sequence filmedAs(const std::string& name, const Scene& scene, int frames, int interval = 200) {
+Sequence sequenceOf(const std::string& name, const Scene& scene, int frames, int interval = 200) {
   return {.name = name,
           .width = scene.width,
           .height = scene.height,
           .frames = frames,
-          .frame = filmed(scene, interval)};
+          .frame = framesOf(scene, interval)};
 }
 
 // Parked for longer than the life of fifteen frames, then gone.
 Sequence parkedThenGone(int channels) {
-  return filmedAs("parked_then_gone_channels_" + std::to_string(channels),
-                  {.width = 48,
-                   .height = 40,
-                   .channels = channels,
-                   .texture = 10,
-                   .noise = 1,
-                   .things = {{.area = {-14, 12, 14, 14}, .from = 2, .until = 60, .dx = 3, .moves = 9},
-                              {.area = {30, 5, 12, 12}, .from = 20, .shade = 120}}},
-                  100);
+  return sequenceOf("parked_then_gone_channels_" + std::to_string(channels),
+                    {.width = 48,
+                     .height = 40,
+                     .channels = channels,
+                     .texture = 10,
+                     .noise = 1,
+                     .things = {{.area = {-14, 12, 14, 14}, .from = 2, .until = 60, .dx = 3, .moves = 9},
+                                {.area = {30, 5, 12, 12}, .from = 20, .shade = 120}}},
+                    100);
 }
 
 // Foreground that changes by exactly 10, 20 and 30 between frames, by one more each, and by more than all
@@ -38,7 +39,7 @@ Sequence lifeBands(int channels) {
     scene.things.push_back({.area = {x, 4, 10, 16}, .from = 2, .until = 40, .flicker = flicker});
     x += 10;
   }
-  return filmedAs("life_bands_channels_" + std::to_string(channels), scene, 60);
+  return sequenceOf("life_bands_channels_" + std::to_string(channels), scene, 60);
 }
 
 // One frame of life, then movement: life falls from exactly one.
@@ -48,12 +49,12 @@ Sequence lifeFromOne() {
                   {.area = {4, 4, 10, 10}, .from = 3, .until = 5, .shade = 120},
                   {.area = {4, 4, 10, 10}, .from = 5, .until = 8, .shade = 250},
                   {.area = {4, 4, 10, 10}, .from = 8, .shade = 150, .flicker = 60}};
-  return filmedAs("life_falls_from_one", scene, 30);
+  return sequenceOf("life_falls_from_one", scene, 30);
 }
 
 // Noise between the heuristic threshold and the match radius: background that is occasionally refreshed.
 Sequence refreshing(int channels, int noise) {
-  Sequence sequence = filmedAs(
+  Sequence sequence = sequenceOf(
       "refresh_noise_" + std::to_string(noise) + "_channels_" + std::to_string(channels),
       {.width = 17, .height = 11, .channels = channels, .base = 100, .texture = 4, .noise = noise}, 260);
   sequence.entries = {"THR_DIFF_HEURISTIC 4", "ILLUMINATION_CHANGE 0"};
@@ -62,12 +63,12 @@ Sequence refreshing(int channels, int noise) {
 
 // A lamp over part of the frame (5 x 4, so that 3 of 20 pixels are exactly the share of 0.15).
 Sequence shareOfLight(int pixels) {
-  return filmedAs("light_on_" + std::to_string(pixels) + "_of_20",
-                  {.width = 5,
-                   .height = 4,
-                   .texture = 0,
-                   .lights = {{{0, 0, pixels, 1}, 3, scene::forever, 12, 2}, {{0, 1, 1, 1}, 9, 20, 15, 2}}},
-                  40);
+  return sequenceOf("light_on_" + std::to_string(pixels) + "_of_20",
+                    {.width = 5,
+                     .height = 4,
+                     .texture = 0,
+                     .lights = {{{0, 0, pixels, 1}, 3, scene::forever, 12, 2}, {{0, 1, 1, 1}, 9, 20, 15, 2}}},
+                    40);
 }
 
 // Single pixels and patches become brighter by different amounts, so that some changes spread and others stay
@@ -78,13 +79,13 @@ Sequence patchesOfLight(int channels) {
     scene.lights.push_back(
         {{(k * 7) % 38, (k * 5) % 28, 1 + k % 3, 1 + k % 2}, 2 + k, 70 - k, 3 + k, 1 + k % 4});
   }
-  return filmedAs("patches_of_light_channels_" + std::to_string(channels), scene, 80);
+  return sequenceOf("patches_of_light_channels_" + std::to_string(channels), scene, 80);
 }
 
 // The brightness of the whole picture rises and falls, so that every pixel is written in most frames and its
 // cursor wraps around.
 Sequence pulsingLight(int segment, int period) {
-  Sequence sequence = filmedAs(
+  Sequence sequence = sequenceOf(
       "pulsing_light_lock_" + std::to_string(segment) + "_every_" + std::to_string(period),
       {.width = 20,
        .height = 10,
@@ -99,23 +100,23 @@ Sequence pulsingLight(int segment, int period) {
 
 // Colours exactly at the match radius and one beyond.
 Sequence atRadius(int channels) {
-  return filmedAs("at_match_radius_channels_" + std::to_string(channels),
-                  {.width = 24,
-                   .height = 16,
-                   .channels = channels,
-                   .texture = 0,
-                   .lights = {{{0, 0, 6, 16}, 3, 20, 19},
-                              {{6, 0, 6, 16}, 3, 20, 20},
-                              {{12, 0, 6, 16}, 3, 20, 21},
-                              {{18, 0, 6, 16}, 3, 20, 40}}},
-                  40);
+  return sequenceOf("at_match_radius_channels_" + std::to_string(channels),
+                    {.width = 24,
+                     .height = 16,
+                     .channels = channels,
+                     .texture = 0,
+                     .lights = {{{0, 0, 6, 16}, 3, 20, 19},
+                                {{6, 0, 6, 16}, 3, 20, 20},
+                                {{12, 0, 6, 16}, 3, 20, 21},
+                                {{18, 0, 6, 16}, 3, 20, 40}}},
+                    40);
 }
 
 // Everything is foreground: no pixel is checked for lighting changes.
 Sequence nothingExamined() {
-  return filmedAs("all_foreground",
-                  {.width = 20, .height = 20, .things = {{.area = {0, 0, 20, 20}, .from = 2, .until = 12}}},
-                  20);
+  return sequenceOf("all_foreground",
+                    {.width = 20, .height = 20, .things = {{.area = {0, 0, 20, 20}, .from = 2, .until = 12}}},
+                    20);
 }
 
 // Other bands for the life counter.

@@ -14,9 +14,9 @@ Sequence standing(const std::string& name, int w, int h, const std::vector<Area>
           .width = w,
           .height = h,
           .frames = 8,
-          .frame = filmed(scene),
+          .frame = framesOf(scene),
           .entries = std::move(entries),
-          .road = Road::document};
+          .configuredBy = ConfiguredBy::document};
 }
 
 const std::vector<Area> aroundTwo = {
@@ -40,9 +40,9 @@ Sequence crowd(int w, int h, int things, std::uint32_t seed) {
           .width = w,
           .height = h,
           .frames = 45,
-          .frame = filmed(scene),
+          .frame = framesOf(scene),
           .entries = {"minBoxW 0.15", "minBoxH 0.25"},
-          .road = Road::document};
+          .configuredBy = ConfiguredBy::document};
 }
 
 }  // namespace
@@ -66,7 +66,7 @@ std::vector<Sequence> objectSequences() {
       standing("gap_fraction_over_bound", 160, 60, {{10, 10, 14, 14}, {25, 21, 14, 14}}),
       standing("chain", 160, 60, {{10, 10, 14, 14}, {25, 10, 14, 14}, {40, 10, 14, 14}, {55, 10, 14, 14}}),
       // Three sides of a rectangle around two others: boxes that are nested and far from each other's edges.
-      // They are joined, unless the inner ones are dropped for their size before.
+      // They are joined, unless the size filter drops the inner ones first.
       standing("nested", 96, 80, aroundTwo),
       standing("nested_small", 96, 80, aroundTwo, {"minBoxW 0.25", "minBoxH 0.25"}),
       // Boxes [0, 6] and [5, 35] overlap in exactly one column; in such a small frame the gap pass does not

@@ -34,17 +34,17 @@ Sequence over(const std::string& name, int w, int h, Regions include, Regions ex
           .width = w,
           .height = h,
           .frames = 60,
-          .frame = filmed(crossing(w, h), 100),
+          .frame = framesOf(crossing(w, h), 100),
           .include = std::move(include),
           .exclude = std::move(exclude),
-          .road = Road::document};
+          .configuredBy = ConfiguredBy::document};
 }
 
 // The mask is made for `w` x `h` pixels; the frames have 20 x 18.
 Sequence maskFor(int w, int h) {
   Sequence sequence = over("mask_" + std::to_string(w) + "x" + std::to_string(h), 20, 18, wholeFrame(), {});
   sequence.entries = {"frmW " + std::to_string(w), "frmH " + std::to_string(h)};
-  sequence.road = Road::parameters;
+  sequence.configuredBy = ConfiguredBy::parameters;
   return sequence;
 }
 
@@ -60,7 +60,7 @@ std::vector<Sequence> regionSequences() {
       over("excluded_concave", 33, 31, wholeFrame(), {concave, star}),
       over("without_points", 20, 16, {twoPoints}, {}),
       over("all_excluded", 20, 16, wholeFrame(), wholeFrame()),
-      // The frame's last pixels lie inside, its first ones outside: pruning looks at the first.
+      // The frame's last pixels are inside, its first ones outside: pruning reads the first.
       over("lower_part", 33, 31, {rectangle("low", "-1", "0.3", "2", "2")}, {}),
       over("lower_part_short_tail", 35, 31, {rectangle("low", "-1", "0.3", "2", "2")}, {}),
       over("right_part", 33, 31, {rectangle("right", "0.4", "-1", "2", "2")}, {}),

@@ -19,14 +19,15 @@ scene::Scene graded(int channels) {
                      {.area = {20, 3, 10, 11}, .from = 12, .until = 45, .shade = 150}}};
 }
 
-Sequence withEntries(const std::string& name, std::vector<std::string> entries, int channels, Road road) {
+Sequence withEntries(const std::string& name, std::vector<std::string> entries, int channels,
+                     ConfiguredBy by) {
   return {.name = name,
           .width = 33,
           .height = 31,
           .frames = 70,
-          .frame = filmed(graded(channels), 200),
+          .frame = framesOf(graded(channels), 200),
           .entries = std::move(entries),
-          .road = road};
+          .configuredBy = by};
 }
 
 std::string named(const std::string& key, int value) {
@@ -39,25 +40,25 @@ std::vector<Sequence> settingSequences() {
   std::vector<Sequence> list;
   for (const int level : {-2, -1, 0, 1, 2, 3, 4, 5, 6}) {
     list.push_back(withEntries(named("sensitivity", level), {"sensitivity " + std::to_string(level)}, 3,
-                               Road::document));
+                               ConfiguredBy::document));
   }
   for (const int level : {0, 1, 2, 3, 4, 5, 9}) {
     list.push_back(withEntries(named("adaptation", level),
                                {"sensitivity 2", "lcAdap " + std::to_string(level)}, level % 2 == 0 ? 4 : 1,
-                               Road::document));
+                               ConfiguredBy::document));
   }
   for (const int life : {0, -1, -1000000, -2000000000, 5}) {
     list.push_back(
-        withEntries(named("life", life), {"lifeStatic " + std::to_string(life)}, 3, Road::document));
+        withEntries(named("life", life), {"lifeStatic " + std::to_string(life)}, 3, ConfiguredBy::document));
   }
   for (const int matches : {1, 2, 3, 20, 21}) {
     list.push_back(withEntries(named("matches", matches), {"MIN_MATCH_NUM " + std::to_string(matches)}, 3,
-                               Road::parameters));
+                               ConfiguredBy::parameters));
   }
   list.push_back(
-      withEntries("matches_20_grey", {"MIN_MATCH_NUM 20", "MIN_MATCH_DIST 30"}, 1, Road::parameters));
+      withEntries("matches_20_grey", {"MIN_MATCH_NUM 20", "MIN_MATCH_DIST 30"}, 1, ConfiguredBy::parameters));
   const auto add = [&](const std::string& name, std::vector<std::string> entries) {
-    list.push_back(withEntries(name, std::move(entries), 3, Road::parameters));
+    list.push_back(withEntries(name, std::move(entries), 3, ConfiguredBy::parameters));
   };
   add("ghosts_stay", {"GHOST_SUPPRESSION 0"});
   add("ghosts_stay_negative", {"GHOST_SUPPRESSION -3"});

@@ -48,8 +48,8 @@ std::vector<Sequence> sizeSequences() {
                       .width = w,
                       .height = h,
                       .frames = 80,
-                      .frame = filmed(busy(w, h, channels), 200),
-                      .road = Road::document});
+                      .frame = framesOf(busy(w, h, channels), 200),
+                      .configuredBy = ConfiguredBy::document});
     }
   }
   return list;

@@ -43,7 +43,7 @@ Sequence shown(const std::string& name, std::vector<Shot> shots) {
           .frames = static_cast<int>(shots.size()),
           .frame = frame,
           .entries = {"sensitivity -1"},
-          .road = Road::document};
+          .configuredBy = ConfiguredBy::document};
 }
 
 Sequence starting(Sequence sequence, std::int32_t threshold, std::int32_t working, std::int32_t hold) {

@@ -60,7 +60,7 @@ std::vector<Sequence> timeSequences() {
   list.push_back(clocked("clock_usable", {200000}));
   list.push_back(clocked("clock_slow", {5000000, 400000}));
   list.push_back(clocked("clock_fast", {1000, 25000, 24999}));
-  list.push_back(clocked("clock_stands_and_goes_back", {0, 200000, -100000, 300000}));
+  list.push_back(clocked("clock_stops_and_goes_back", {0, 200000, -100000, 300000}));
   list.push_back(clocked("clock_crosses_seconds", {333333, 333334, 1}));
   return list;
 }

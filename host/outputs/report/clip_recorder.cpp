@@ -54,14 +54,14 @@ void ClipRecorder::begin(const events::Event& event) {
   write_to(*place->second);
 }
 
-void ClipRecorder::go_on(const events::Event& event) {
+void ClipRecorder::extend(const events::Event& event) {
   Clip& clip = *clips_.at(event.id);
   clip.to = event.to;
   write_to(clip);
 }
 
 void ClipRecorder::end(const events::Event& event) {
-  go_on(event);
+  extend(event);
   clips_.at(event.id)->ended = true;
 }
 

@@ -25,7 +25,7 @@ class ClipRecorder {
 
   void begin(const events::Event& event);
   bool records(const events::Event& event) const { return clips_.contains(event.id); }
-  void go_on(const events::Event& event);
+  void extend(const events::Event& event);
   void end(const events::Event& event);  // the clip is complete after its post-roll
 
   void finish();

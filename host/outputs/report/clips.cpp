@@ -62,7 +62,7 @@ void Clips::begun(const events::Event& event) {
 }
 
 void Clips::changed(const events::Event& event) {
-  if (recorder_.records(event)) recorder_.go_on(event);
+  if (recorder_.records(event)) recorder_.extend(event);
 }
 
 void Clips::ended(const events::Event& event) {
