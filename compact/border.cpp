@@ -1,7 +1,7 @@
 #include "compact/border.h"
 
 #include <algorithm>
-#include <new>
+#include <cstdlib>
 
 #include "engine/neighbours.h"
 
@@ -14,7 +14,7 @@ bool Border::draw(const Shape& shape, std::int32_t stride) {
   const auto height = static_cast<std::size_t>(shape.height);
   const bool all = width < 5 || height < 5;
   const std::size_t pixels = all ? width * height : 4 * width + 4 * (height - 4);
-  entries_.reset(new (std::nothrow) std::int32_t[pixels * neighbourEntries]);
+  entries_.reset(static_cast<std::int32_t*>(std::malloc(pixels * neighbourEntries * sizeof(std::int32_t))));
   if (entries_ == nullptr) return false;
 
   const std::vector<pnt> offsets = neighbourOffsets();

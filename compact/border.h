@@ -7,6 +7,7 @@
 #include <memory>
 
 #include "compact/kernels.h"
+#include "compact/memory.h"
 
 namespace lm::compact {
 
@@ -35,7 +36,7 @@ class Border {
 
   std::int32_t width_ = 0;
   std::int32_t height_ = 0;
-  std::unique_ptr<std::int32_t[]> entries_;
+  std::unique_ptr<std::int32_t, Freed> entries_;
 };
 
 }  // namespace lm::compact

@@ -61,7 +61,7 @@ BlockRange united(const BlockRange& a, const BlockRange& b) {
 
 Engine::Engine() : Engine(simd::GetCpuInstructionSet()) {}
 
-Engine::Engine(int level) : level_(level), kernels_(kernelsFor(level)) {}
+Engine::Engine(int level) : kernels_(kernelsFor(level)) {}
 
 bool Engine::suits(const kAMBLE& settings, const Shape& shape) {
   const std::int64_t pixels = std::int64_t{shape.width} * shape.height;
@@ -237,7 +237,7 @@ std::vector<boxRect> Engine::boxes(kAMBLE& settings) {
   // Kept: the last pixels of the mask are pruned by the first pixels of the region.
   const std::int32_t width = shape_.width;
   const std::int32_t pixels = width * shape_.height;
-  const std::int32_t tail = pixels % pruneBlock(level_);
+  const std::int32_t tail = pixels % pruneBlock(simd::GetCpuInstructionSet());
   for (std::int32_t i = 0; i < tail; ++i) {
     const std::int32_t pixel = pixels - tail + i;
     if (!regionStart_[static_cast<std::size_t>(i)]) erosion_.clear(pixel % width, pixel / width);

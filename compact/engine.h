@@ -20,7 +20,7 @@ namespace lm::compact {
 
 class Engine {
  public:
-  // For this processor, or for one of `level` (simd/cpu_level.h).
+  // With the kernels for this processor, or for `level` (simd/cpu_level.h).
   Engine();
   explicit Engine(int level);
 
@@ -43,7 +43,6 @@ class Engine {
   void seed(const std::uint8_t* frame);
   void learnRows(kAMBLE& settings, const std::uint8_t* frame);
 
-  int level_;
   const Kernels& kernels_;
   Shape shape_;
   bool started_ = false;

@@ -28,8 +28,6 @@ class Parts {
 
 }  // namespace
 
-void Memory::Free::operator()(void* memory) const { std::free(memory); }
-
 bool Memory::make(const Shape& shape) {
   blocks_ = shape.blocks();
   planes_ = shape.planes();

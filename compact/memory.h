@@ -3,12 +3,18 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstdlib>
 #include <memory>
 #include <vector>
 
 #include "compact/kernels.h"
 
 namespace lm::compact {
+
+// For what came from malloc.
+struct Freed {
+  void operator()(void* memory) const { std::free(memory); }
+};
 
 class Memory {
  public:
@@ -24,10 +30,7 @@ class Memory {
  private:
   std::size_t wordsBefore(std::int32_t y) const { return static_cast<std::size_t>(y) * blocks_; }
 
-  struct Free {
-    void operator()(void* memory) const;
-  };
-  std::unique_ptr<void, Free> memory_;
+  std::unique_ptr<void, Freed> memory_;
   std::size_t blocks_ = 0;
   std::size_t planes_ = 0;
   std::uint8_t* background_[maxChannels] = {};

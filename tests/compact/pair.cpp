@@ -32,10 +32,10 @@ int drawnBy(const Step& step) {
 }  // namespace
 
 std::vector<int> levels() {
-  std::vector<int> known = {simd::level::sse2, simd::level::sse41, simd::level::avx2};
-  known.erase(
-      std::remove_if(known.begin(), known.end(), [](int level) { return level > GetCpuInstructionSet(); }),
-      known.end());
+  std::vector<int> known;
+  for (const int level : {simd::level::sse2, simd::level::sse41, simd::level::avx2}) {
+    if (level <= GetCpuInstructionSet()) known.push_back(level);
+  }
   return known;
 }
 
