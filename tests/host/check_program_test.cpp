@@ -44,7 +44,7 @@ TEST_F(CheckProgram, PrintsTheWorstFirstThenWhatIsInEffectThenASummary) {
           "  still objects kept for    3 seconds, 90 frames at 30 per second\n"
           "  minimum component size    adapts to the video\n"
           "  watched                   100 % of the frame\n"
-          "  memory                    272 MB\n" +
+          "  memory                    67 MB\n" +
           file_ + ": 1 warning, 1 note\n");
 }
 

@@ -153,7 +153,7 @@ TEST(CheckSettings, HaveTheEffectiveValuesOfTheirTables) {
   EXPECT_NEAR(effective.min_box_height, 0.25, 1e-6);
   EXPECT_EQ(effective.frame, kFrame);
   EXPECT_EQ(effective.min_box_pixels, cv::Size(64, 90));
-  EXPECT_EQ(effective.memory, 67'968'000U);  // 230400 pixels of 295 bytes
+  EXPECT_EQ(effective.memory, 16'819'200U);  // 230400 pixels of 73 bytes
   EXPECT_EQ(effective.watched, 1.0);
 }
 
