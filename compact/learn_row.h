@@ -107,10 +107,10 @@ template <int relation>
 
 // ---- update -----------------------------------------------------------------------------------------------
 
-constexpr uint8_t turnMask = 15;      // refresh cycle of 16 frames
-constexpr uint8_t refreshTurn = 1;    // position in the cycle at which a pixel is refreshed
-constexpr uint8_t oneFrame = 1 << 4;  // of rest
-constexpr uint8_t fullRest = 15 << 4;
+inline constexpr uint8_t turnMask = 15;      // refresh cycle of 16 frames
+inline constexpr uint8_t refreshTurn = 1;    // position in the cycle at which a pixel is refreshed
+inline constexpr uint8_t oneFrame = 1 << 4;  // of rest
+inline constexpr uint8_t fullRest = 15 << 4;
 
 // Counts down the rest of 32 pixels; whether any of them still rests.
 [[gnu::always_inline]] inline bool countDown(uint8_t* turns) {
@@ -286,6 +286,7 @@ void learn(const LearnRule& rule, const LearnRow& input, BlockRange blocks, cons
 
 }  // namespace
 
+// Once per level. NOLINTNEXTLINE(misc-definitions-in-headers)
 void learnRow(const LearnRule& rule, const LearnRow& input, BlockRange blocks, const RowPlanes& row,
               LightSums& sums) {
   switch (rule.channels) {

@@ -18,6 +18,7 @@ void split(const uint8_t* pixels, size_t width, uint8_t* const* to) {
 
 }  // namespace
 
+// Once per level. NOLINTNEXTLINE(misc-definitions-in-headers)
 void splitRow(std::int32_t channels, const uint8_t* pixels, size_t width, uint8_t* const* to) {
   switch (channels) {
     case 1:
@@ -29,6 +30,7 @@ void splitRow(std::int32_t channels, const uint8_t* pixels, size_t width, uint8_
   }
 }
 
+// Once per level. NOLINTNEXTLINE(misc-definitions-in-headers)
 void seedRow(size_t planes, const uint8_t* const (*rows)[maxChannels], BlockRange blocks, uint8_t* samples) {
   // The pixel itself, then its neighbours: x from -2, and for each x five rows.
   const auto fill = [&](size_t block, size_t slot, size_t row, std::ptrdiff_t dx) {

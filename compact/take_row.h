@@ -39,6 +39,7 @@ void take(const TakeRule& rule, const uint8_t* pixels, size_t left, BlockRange b
 
 }  // namespace
 
+// Once per level. NOLINTNEXTLINE(misc-definitions-in-headers)
 void takeRow(const TakeRule& rule, const uint8_t* pixels, size_t left, BlockRange blocks,
              const RowPlanes& row, const RowChanges& changes) {
   switch (rule.channels) {
