@@ -75,6 +75,9 @@ int levelOfFunction(const std::string& function) {
     });
     return byName;
   }();
+  // The compact engine's kernels are in a namespace for each level.
+  if (function.find("lm::compact::avx2::") != std::string::npos) return level::avx2;
+  if (function.find("lm::compact::sse41::") != std::string::npos) return level::sse41;
   const auto found = levels.find(function.substr(0, function.find('(')));
   return found == levels.end() ? 0 : found->second;
 }

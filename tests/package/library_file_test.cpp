@@ -85,6 +85,11 @@ TEST(LeveledObjects, DefineExactlyTheTablesVersionsAboveTheBaseLevel) {
       if (row.level > simd::level::sse2) versions.insert(std::string("lm::") + row.name);
     }
   });
+  for (const char* level : {"sse41", "avx2"}) {
+    for (const char* kernel : {"takeRow", "learnRow", "splitRow", "seedRow"}) {
+      versions.insert(std::string("lm::compact::") + level + "::" + kernel);
+    }
+  }
   std::set<std::string> defined;
   for (const auto& symbol : symbolsOf("--extern-only " LEVELED_OBJECTS)) {
     if (symbol.name.starts_with("DW.ref.")) continue;  // data that unoptimised code refers to for exceptions
