@@ -8,6 +8,8 @@ set(LIGHTMOTION_AVX2_SOURCES
 set_source_files_properties(${LIGHTMOTION_SSSE3_SOURCES} PROPERTIES COMPILE_OPTIONS -mssse3)
 set_source_files_properties(${LIGHTMOTION_SSE41_SOURCES} PROPERTIES COMPILE_OPTIONS -msse4.1)
 set_source_files_properties(${LIGHTMOTION_AVX2_SOURCES} PROPERTIES COMPILE_OPTIONS -mavx2)
+# Vectors of 32 bytes are passed between inlined functions only.
+set_property(SOURCE compact/sse2.cpp compact/sse41.cpp APPEND PROPERTY COMPILE_OPTIONS -Wno-psabi)
 set(LIGHTMOTION_SIMD_SOURCES
     simd/cpu_level.cpp simd/dispatch.cpp simd/mask_reference.cpp simd/model_reference.cpp simd/reference.cpp
     simd/sse2.cpp compact/sse2.cpp ${LIGHTMOTION_SSSE3_SOURCES} ${LIGHTMOTION_SSE41_SOURCES} ${LIGHTMOTION_AVX2_SOURCES})
