@@ -64,10 +64,11 @@ Engine::Engine() : Engine(simd::GetCpuInstructionSet()) {}
 Engine::Engine(int level) : kernels_(kernelsFor(level)) {}
 
 bool Engine::suits(const kAMBLE& settings, const Shape& shape) {
-  const std::int64_t pixels = std::int64_t{shape.width} * shape.height;
   const bool known = shape.channels == 1 || shape.channels == 3 || shape.channels == 4;
-  return known && shape.width >= 1 && shape.height >= 1 &&
-         pixels <= std::numeric_limits<std::int32_t>::max() / shape.channels &&
+  if (!known || shape.width < 1 || shape.height < 1) return false;
+  // Of a plane, whose rows are whole blocks.
+  const std::int64_t pixels = static_cast<std::int64_t>(shape.blocks() * blockPixels) * shape.height;
+  return pixels <= std::numeric_limits<std::int32_t>::max() / shape.channels &&
          settings.szImgX == shape.width && settings.szImgY == shape.height && settings.roiMask != nullptr &&
          settings.frmCount == 0 && settings.numNbr == std::int32_t{neighbourEntries} &&
          settings.thrMatch >= 0 && settings.thrMatch <= 254 && settings.minMatchNum >= 1 &&
