@@ -110,7 +110,7 @@ TEST_F(CheckProgram, PrintsOneObjectForPrograms) {
   EXPECT_EQ(effective["min_box"]["width"], 0.05);
   EXPECT_EQ(effective["min_box_pixels"]["height"], 18);
   EXPECT_EQ(effective["frame_size"]["width"], 640);
-  EXPECT_EQ(effective["memory"].asUInt64(), 67'968'000U);
+  EXPECT_EQ(effective["memory"].asUInt64(), 16'819'200U);
   EXPECT_EQ(effective["watched_share"].asDouble(), 1.0);
 }
 

@@ -139,7 +139,7 @@ TEST(CheckRegions, ShareOfTheFrameIsCountedInPixels) {
   const lm::host::detector::check::Verdict verdict =
       lm::host::detector::check::check_document(roi(rectangle("0.25", "0.25", "0.5", "0.5")), kFrame);
   EXPECT_EQ(verdict.effective->watched, 14400.0 / 230400);
-  EXPECT_EQ(verdict.effective->memory, 230400U * 296);  // one more region mask than without regions
+  EXPECT_EQ(verdict.effective->memory, 230400U * 74);  // one more region mask than without regions
 }
 
 // Without the right half and without column 0, columns 1 to 320 remain.
