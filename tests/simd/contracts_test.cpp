@@ -46,11 +46,11 @@ TEST(Contracts, TakeFrameNeedsARangeChannelsAndThePlanesThatItReads) {
 }
 
 TEST(Contracts, ListsNeedRoomForOneBlock) {
-  lm::BusyBlock busy;
+  lm::BusyBlock busy{};
   EXPECT_TRUE(lm::canFindBusy(&busy, 1));
   EXPECT_FALSE(lm::canFindBusy(&busy, 0));
   EXPECT_FALSE(lm::canFindBusy(nullptr, 1));
-  lm::UpdateBlock work;
+  lm::UpdateBlock work{};
   lm::UpdatePlanes planes{};
   EXPECT_TRUE(lm::canFindUpdateWork(planes, &work, 1));
   EXPECT_FALSE(lm::canFindUpdateWork(planes, &work, 0));
@@ -81,7 +81,7 @@ TEST(Contracts, BusyPixelsAreDisjointAndInsideTheBlock) {
 }
 
 TEST(Contracts, MatchingNeedsChannelsAndRoomForDistances) {
-  std::uint32_t distances[32];
+  std::uint32_t distances[32] = {};
   EXPECT_TRUE(lm::canMatchBlock({.channels = 4, .radius = -1, .needed = 0}, ~0U, distances));
   EXPECT_TRUE(lm::canMatchBlock({.channels = 1, .radius = 0, .needed = 2}, 0, nullptr));
   EXPECT_FALSE(lm::canMatchBlock({.channels = 1, .radius = 0, .needed = 2}, 1, nullptr));
@@ -89,7 +89,7 @@ TEST(Contracts, MatchingNeedsChannelsAndRoomForDistances) {
 }
 
 TEST(Contracts, ARowIsPackedIntoTwoDistinctArrays) {
-  std::uint64_t set[1], cleared[1];
+  std::uint64_t set[1] = {}, cleared[1] = {};
   EXPECT_TRUE(lm::canPackRow(64, set, cleared));
   EXPECT_FALSE(lm::canPackRow(64, set, set));
   EXPECT_FALSE(lm::canPackRow(64, nullptr, cleared));
@@ -103,7 +103,7 @@ TEST(ContractsDeathTest, VersionsAssertTheirContracts) {
   lm::FramePlanes planes = framePlanes();
   planes.channels = 2;
   EXPECT_DEATH(lm::takeFrame_c(planes, 0, 1), "canTakeFrame");
-  std::uint64_t bits[1];
+  std::uint64_t bits[1] = {};
   EXPECT_DEATH(lm::packRow_c(bytes, 8, {.set = 1, .relabel = 1, .cleared = 0}, bits, bits), "canPackRow");
   EXPECT_DEATH(simd::replace_if_u8_c(bytes + 1, bytes, 0, 0), "begin <= end");
 }
