@@ -18,6 +18,9 @@
 namespace lm::compact {
 namespace {
 
+constexpr int neighbourSide = 2 * neighbourRadius + 1;
+static_assert(neighbourEntries == neighbourSide * neighbourSide && RecentRows::ahead == neighbourRadius);
+
 std::uint8_t byteLimit(std::int32_t threshold) { return static_cast<std::uint8_t>(std::min(threshold, 255)); }
 
 TakeRule takeRule(const kAMBLE& settings, std::int32_t channel, std::int32_t next) {

@@ -4,6 +4,7 @@
 
 #include "compact/lanes.h"
 #include "simd/life.h"
+#include "simd/refresh.h"
 
 namespace lm::compact::LIGHTMOTION_LEVEL {
 namespace {
@@ -107,10 +108,10 @@ template <int relation>
 
 // ---- update -----------------------------------------------------------------------------------------------
 
-inline constexpr uint8_t turnMask = 15;      // refresh cycle of 16 frames
-inline constexpr uint8_t refreshTurn = 1;    // position in the cycle at which a pixel is refreshed
+// A byte holds the position in the refresh cycle in its low half, and the frames to rest in its high half.
 inline constexpr uint8_t oneFrame = 1 << 4;  // of rest
-inline constexpr uint8_t fullRest = 15 << 4;
+inline constexpr uint8_t fullRest = refreshRest << 4;
+static_assert(refreshCycle == oneFrame && refreshRest < 16);
 
 // Counts down the rest of 32 pixels; whether any of them still rests.
 [[gnu::always_inline]] inline bool countDown(uint8_t* turns) {
@@ -163,7 +164,7 @@ class Block {
       uint8_t& turn = row_.turn[at_ + k];
       if (turn >= oneFrame) continue;
       const bool now = turn == refreshTurn;
-      turn = static_cast<uint8_t>(((turn + 1) & turnMask) | (now ? fullRest : 0));
+      turn = static_cast<uint8_t>((turn + 1) % refreshCycle | (now ? fullRest : 0));
       due |= static_cast<uint32_t>(now) << k;
     }
     if (due != 0) row_.resting[block_] = 1;

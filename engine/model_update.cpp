@@ -15,12 +15,9 @@
 #include "engine/ranges.h"
 #include "engine/rules.h"
 #include "simd/model_kernels.h"
+#include "simd/refresh.h"
 
 namespace {
-
-constexpr std::uint32_t refreshCycle = 16;  // a qualifying pixel is refreshed once in so many frames
-constexpr std::uint32_t refreshTurn = 1;    // position in the cycle at which it is
-constexpr std::int32_t refreshRest = 15;    // frames that it then rests
 
 // A copy of constant length compiles to a move or two.
 void copyPixel(std::uint8_t* to, const std::uint8_t* from, std::size_t bytes) {
@@ -48,8 +45,8 @@ bool isRefreshDue(kAMBLE& engine, std::size_t pixel) {
   engine.updTimer[pixel] = 0;
   if (std::int64_t{engine.minDist[pixel]} <= std::int64_t{engine.thrMatch}) return false;
   const std::uint32_t turn = engine.refreshCount[pixel];
-  engine.refreshCount[pixel] = turn + 1 == refreshCycle ? 0 : turn + 1;
-  return turn == refreshTurn;
+  engine.refreshCount[pixel] = turn + 1 == lm::refreshCycle ? 0 : turn + 1;
+  return turn == lm::refreshTurn;
 }
 
 // Blocks found before the first of them is processed, so that cursors and samples are prefetched during the
@@ -163,7 +160,7 @@ void refresh(kAMBLE& engine, Batch& batch) {
   prefetch(engine.refreshCount, batch.changed);
   for (const std::uint32_t pixel : batch.changed) {
     if (!isRefreshDue(engine, pixel)) continue;
-    engine.updTimer[pixel] = refreshRest;
+    engine.updTimer[pixel] = lm::refreshRest;
     batch.written.append(pixel, true);
   }
 }
