@@ -18,7 +18,7 @@
 namespace lm::compact {
 namespace {
 
-constexpr int neighbourSide = 2 * neighbourRadius + 1;
+constexpr std::size_t neighbourSide = 2 * neighbourRadius + 1;
 static_assert(neighbourEntries == neighbourSide * neighbourSide && RecentRows::ahead == neighbourRadius);
 
 std::uint8_t byteLimit(std::int32_t threshold) { return static_cast<std::uint8_t>(std::min(threshold, 255)); }
