@@ -54,10 +54,10 @@ constexpr Requirement kRequirements[] = {
      [](const Records& r) {
        return r.value("first_frame", "quiet", text_of(kFullHd), kPlugin, "warm_per_mog2");
      }},
-    {"quiet: grey / 3 channels", 0.6, 0.4, [](const Records& r) { return saving(r, "grey"); }},
-    {"quiet: region of a tenth / whole", 0.35, 0.2, [](const Records& r) { return saving(r, "10%"); }},
+    {"quiet: grey / 3 channels", 0.6, 0.4, [](const Records& r) { return saving(r, "grey frames"); }},
+    {"quiet: region of a tenth / whole", 0.35, 0.2, [](const Records& r) { return saving(r, "region 10%"); }},
     {"street: SSE4.1 / AVX2, instructions", 2.2, 1.8,
-     [](const Records& r) { return r.value("instructions", "street", text_of(kVga), "SSE4.1", "per_avx2"); }},
+     [](const Records& r) { return r.value("instructions", "street", text_of(kFullHd), "SSE4.1", "per_avx2"); }},
 };
 
 struct Row {

@@ -56,6 +56,7 @@ std::vector<std::string> heads() {
   std::vector<std::string> heads = {"scene", "size", "lightmotion"};
   for (const Column& column : kColumns) heads.emplace_back(column.head);
   for (const Column& column : kColumns) heads.push_back(std::string("/") + column.head);
+  heads.emplace_back("/CNT, means");
   return heads;
 }
 
@@ -63,6 +64,7 @@ struct Row {
   std::string scene, size;
   double ours = 0;
   double others[std::size(kColumns)] = {};
+  double means = 0;  // against CNT
   double worst() const { return ours / others[1]; }
 };
 
@@ -71,6 +73,8 @@ Row row_of(const Records& records, const std::string& scene, const std::string& 
   std::ranges::transform(kColumns, row.others, [&](const Column& column) {
     return records.value("frames", scene, size, column.candidate, column.measure);
   });
+  row.means = records.value("frames", scene, size, kPlugin, "mean_ms") /
+              records.value("frames", scene, size, kCnt, "mean_ms");
   return row;
 }
 
@@ -85,6 +89,7 @@ void print(std::vector<Row> rows) {
     std::vector<std::string> cells = {row.scene, row.size, figure(row.ours)};
     for (const double other : row.others) cells.push_back(figure(other));
     for (const double other : row.others) cells.push_back(figure(row.ours / other));
+    cells.push_back(figure(row.means));
     table.row(cells);
   }
 }

@@ -23,9 +23,9 @@ constexpr std::array<Level, 3> kLevels = {
 // Callgrind ends its messages with "Collected : COUNT". NaN without Valgrind.
 double instructions_of(int level, int frames) {
   const std::string command =
-      "valgrind --tool=callgrind --callgrind-out-file=/dev/null --toggle-collect=counted_frame '" +
+      "valgrind --tool=callgrind --callgrind-out-file=/dev/null --instr-atstart=no '" +
       host::detector::program_folder() + "/bench_level' " + std::to_string(level) + " " +
-      std::to_string(frames) + " " + text_of(kVga) + " 2>&1";
+      std::to_string(frames) + " " + text_of(kFullHd) + " 2>&1";
   const auto close = [](std::FILE* pipe) { pclose(pipe); };
   const std::unique_ptr<std::FILE, decltype(close)> output(popen(command.c_str(), "r"), close);
   double count = std::numeric_limits<double>::quiet_NaN();
@@ -39,9 +39,9 @@ double instructions_of(int level, int frames) {
 }  // namespace
 
 void measure_instructions(const Plan& plan, Records& records) {
-  const int frames = plan.frames > 0 ? plan.frames : 60;
+  const int frames = plan.frames > 0 ? plan.frames : 40;
   const Table table(
-      "Instructions per frame at the levels of processors, street, 640x480: millions, and against AVX2",
+      "Instructions per frame at the levels of processors, street, 1920x1080: millions, and against AVX2",
       {"level", "millions", "/AVX2"}, 1);
   if (simd::GetCpuInstructionSet() < simd::level::avx2) {
     table.row({"not measured: this processor has no AVX2"});
@@ -52,8 +52,8 @@ void measure_instructions(const Plan& plan, Records& records) {
     if (plan.brief && level.level < simd::level::sse41) continue;
     const double millions = instructions_of(level.level, frames) / frames / 1e6;
     if (level.level == simd::level::avx2) avx2 = millions;
-    records.add({"instructions", "street", text_of(kVga), level.name, "millions", millions});
-    records.add({"instructions", "street", text_of(kVga), level.name, "per_avx2", millions / avx2});
+    records.add({"instructions", "street", text_of(kFullHd), level.name, "millions", millions});
+    records.add({"instructions", "street", text_of(kFullHd), level.name, "per_avx2", millions / avx2});
     table.row({level.name, figure(millions), figure(millions / avx2)});
   }
 }

@@ -6,13 +6,13 @@ namespace lm::bench {
 namespace {
 
 Candidate whole_frame(const std::string& library, int channels) {
-  return {.name = channels == 1 ? "grey" : "100%", .grey = channels == 1, .make = [=](cv::Size frame) {
-            return make_plugin(library, document_for(frame, 1, channels));
-          }};
+  return {.name = channels == 1 ? "grey frames" : "whole frame",
+          .grey = channels == 1,
+          .make = [=](cv::Size frame) { return make_plugin(library, document_for(frame, 1, channels)); }};
 }
 
 Candidate region(const std::string& library, int percent) {
-  return {.name = std::to_string(percent) + "%",
+  return {.name = "region " + std::to_string(percent) + "%",
           .make = [=](cv::Size frame) { return make_plugin(library, document_for(frame, percent / 100.0)); }};
 }
 

@@ -29,7 +29,7 @@ void measure_first_frame(const Plan& plan, Records& records);
 void measure_memory(const Plan& plan, Records& records);
 void measure_savings(const Plan& plan, Records& records);
 
-// At 640x480: its programs run under Valgrind.
+// Runs bench_level under Valgrind.
 void measure_instructions(const Plan& plan, Records& records);
 
 }  // namespace lm::bench
