@@ -57,7 +57,9 @@ constexpr Requirement kRequirements[] = {
     {"quiet: grey / 3 channels", 0.6, 0.4, [](const Records& r) { return saving(r, "grey frames"); }},
     {"quiet: region of a tenth / whole", 0.35, 0.2, [](const Records& r) { return saving(r, "region 10%"); }},
     {"street: SSE4.1 / AVX2, instructions", 2.2, 1.8,
-     [](const Records& r) { return r.value("instructions", "street", text_of(kFullHd), "SSE4.1", "per_avx2"); }},
+     [](const Records& r) {
+       return r.value("instructions", "street", text_of(kFullHd), "SSE4.1", "per_avx2");
+     }},
 };
 
 struct Row {

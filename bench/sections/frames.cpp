@@ -101,7 +101,7 @@ int timed_frames(const Plan& plan, const Scene& scene) {
   if (plan.frames > 0) return plan.frames;
   const bool large = scene.size().area() > kFullHd.area();
   if (scene.ends()) return large ? 200 : to_the_end;
-  return large ? 16 : 60;
+  return large ? 16 : plan.brief ? 150 : 60;
 }
 
 bool measure_frames(const Plan& plan, Records& records) {
