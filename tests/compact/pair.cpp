@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cstdlib>
-#include <memory>
 #include <utility>
 
 #include "base/aligned.h"
@@ -41,7 +40,7 @@ std::vector<int> levels() {
 
 Pair::Pair(const lm::compact::Shape& shape, std::vector<std::string> entries, std::vector<polygon> include,
            std::vector<polygon> exclude, int level)
-    : shape_(shape), compact_(level) {
+    : shape_(shape), compact_(level), frame_(static_cast<std::size_t>(shape.height) * shape.rowBytes()) {
   std::vector<polygon> include2 = include;
   std::vector<polygon> exclude2 = exclude;
   open_.setParam(entries, include, exclude);
@@ -50,13 +49,16 @@ Pair::Pair(const lm::compact::Shape& shape, std::vector<std::string> entries, st
 }
 
 std::string Pair::feed(const std::vector<std::uint8_t>& pixels, const std::string& timestamp) {
-  const std::unique_ptr<std::uint8_t[]> exact(new std::uint8_t[pixels.size()]);
-  std::copy(pixels.begin(), pixels.end(), exact.get());
+  const bool back = frames_ % 2 == 0;
+  const std::size_t beyond = pixels.size() % 32;
+  frame_.place(pixels.size(), back && beyond != 0 ? 32 - beyond : 0,
+               back ? GuardedBuffer::Against::back : GuardedBuffer::Against::front);
+  std::copy(pixels.begin(), pixels.end(), frame_.begin());
   open_.setTimestamp(timestamp.c_str());
   settings_.setTimestamp(timestamp.c_str());
   const int drawn =
-      drawnBy([&] { open_.learnBg_ncv(exact.get(), shape_.width, shape_.height, shape_.channels); });
-  const int drawn2 = drawnBy([&] { compact_.learn(settings_, exact.get(), shape_); });
+      drawnBy([&] { open_.learnBg_ncv(frame_.begin(), shape_.width, shape_.height, shape_.channels); });
+  const int drawn2 = drawnBy([&] { compact_.learn(settings_, frame_.begin(), shape_); });
   if (drawn != drawn2) return "rand() was drawn from a different number of times";
   ++frames_;
 

@@ -1,0 +1,99 @@
+// The compact engine gives what the open one gives at the ends of its ranges: of thresholds, of counters and
+// of regions.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+#include "tests/compact/pair.h"
+#include "tests/compact/scenes.h"
+
+namespace {
+
+using lm::compact::Shape;
+
+struct Edge {
+  Shape shape;
+  std::vector<std::string> entries;
+  std::vector<polygon> include;
+};
+
+// What differs first over frames 0, 1, 2, ... of `pixels`, 40 ms apart.
+template <typename Pixels>
+std::string compareOver(const Edge& edge, int frames, const Pixels& pixels) {
+  for (const int level : levels()) {
+    std::vector<std::string> entries = sizeEntries(edge.shape);
+    entries.insert(entries.end(), edge.entries.begin(), edge.entries.end());
+    Pair pair(edge.shape, entries, edge.include, {}, level);
+    if (!pair.suits()) return "the compact engine does not take it";
+    for (int frame = 0; frame < frames; ++frame) {
+      const std::string difference = pair.feed(pixels(pair, frame), std::to_string(1000 + 40 * frame));
+      if (!difference.empty())
+        return "level " + std::to_string(level) + ", frame " + std::to_string(frame) + ": " + difference;
+    }
+  }
+  return "";
+}
+
+std::vector<std::uint8_t> filled(const Shape& shape, std::uint8_t value) {
+  return std::vector<std::uint8_t>(static_cast<std::size_t>(shape.height) * shape.rowBytes(), value);
+}
+
+// A change of 255 is not more than a limit of 255.
+TEST(CompactEngine, GivesWhatTheOpenEngineGivesForTheLargestDifference) {
+  const Shape shape{40, 12, 1};
+  const auto blinking = [&](Pair&, int frame) { return filled(shape, frame % 2 == 0 ? 0 : 255); };
+  for (const char* limit : {"254", "255", "256"}) {
+    const Edge edge{shape, {std::string("THR_DIFF_HEURISTIC ") + limit}, {wholeOf(shape)}};
+    EXPECT_EQ(compareOver(edge, 8, blinking), "") << limit;
+    const Edge still{shape, {edge.entries[0], "ILLUMINATION_CHANGE 0"}, {wholeOf(shape)}};
+    EXPECT_EQ(compareOver(still, 8, blinking), "") << limit << ", without lighting changes";
+  }
+}
+
+// The counter of frames wraps around from the largest to the smallest number.
+TEST(CompactEngine, GivesWhatTheOpenEngineGivesAfter2To31Frames) {
+  const Shape shape{70, 30, 3};
+  Dice dice(5);
+  const auto passing = [&](Pair& pair, int frame) {
+    if (frame == 6) pair.setFrameCount(2147483645);
+    return draw({shape, Kind::passing, 1.0}, frame, dice);
+  };
+  EXPECT_EQ(compareOver({shape, {"sensitivity 4", "minBoxW 0.01"}, {wholeOf(shape)}}, 14, passing), "");
+}
+
+// Pixels of the columns and rows, ends included: the left and the bottom edge of a polygon are outside.
+polygon regionOf(int left, int top, int right, int bottom) {
+  return polygonOf({{left - 1, top}, {right, top}, {right, bottom + 1}, {left - 1, bottom + 1}});
+}
+
+// One pixel in twelve is brighter or darker than before by what counts as a lighting change and not as
+// motion.
+std::vector<std::uint8_t> flickering(const Shape& shape, Dice& dice) {
+  std::vector<std::uint8_t> pixels = filled(shape, 100);
+  for (std::uint8_t& value : pixels) value = static_cast<std::uint8_t>(value + (dice.below(12) == 0 ? 8 : 0));
+  return pixels;
+}
+
+// A pixel asks neighbours outside the regions, in other blocks and in rows above and below.
+TEST(CompactEngine, GivesWhatTheOpenEngineGivesForRegionsThatEndWhereBlocksDo) {
+  const Shape shape{130, 40, 1};
+  const std::vector<std::vector<polygon>> regions = {
+      {regionOf(32, 0, 63, 39)},
+      {regionOf(64, 5, 64, 30)},
+      {regionOf(31, 5, 31, 30)},
+      {regionOf(33, 0, 62, 39)},
+      {regionOf(96, 0, 127, 39)},
+      {regionOf(128, 0, 129, 39)},
+      {regionOf(0, 0, 31, 39)},
+      {regionOf(30, 2, 99, 2)},
+      {regionOf(30, 37, 99, 37)},
+      {regionOf(40, 0, 50, 1), regionOf(100, 17, 110, 18), regionOf(40, 38, 50, 39)},
+      {regionOf(64, 8, 95, 8), regionOf(0, 10, 31, 10)}};
+  for (std::size_t i = 0; i < regions.size(); ++i) {
+    Dice dice(1);
+    const auto next = [&](Pair&, int) { return flickering(shape, dice); };
+    EXPECT_EQ(compareOver({shape, {"sensitivity 3"}, regions[i]}, 12, next), "") << "regions " << i;
+  }
+}
+
+}  // namespace
