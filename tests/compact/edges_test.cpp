@@ -15,9 +15,10 @@ struct Edge {
   Shape shape;
   std::vector<std::string> entries;
   std::vector<polygon> include;
+  int interval = 40;  // milliseconds
 };
 
-// What differs first over frames 0, 1, 2, ... of `pixels`, 40 ms apart.
+// What differs first over frames 0, 1, 2, ... of `pixels`.
 template <typename Pixels>
 std::string compareOver(const Edge& edge, int frames, const Pixels& pixels) {
   for (const int level : levels()) {
@@ -26,7 +27,8 @@ std::string compareOver(const Edge& edge, int frames, const Pixels& pixels) {
     Pair pair(edge.shape, entries, edge.include, {}, level);
     if (!pair.suits()) return "the compact engine does not take it";
     for (int frame = 0; frame < frames; ++frame) {
-      const std::string difference = pair.feed(pixels(pair, frame), std::to_string(1000 + 40 * frame));
+      const std::string difference =
+          pair.feed(pixels(pair, frame), std::to_string(1000 + edge.interval * frame));
       if (!difference.empty())
         return "level " + std::to_string(level) + ", frame " + std::to_string(frame) + ": " + difference;
     }
@@ -50,6 +52,18 @@ TEST(CompactEngine, GivesWhatTheOpenEngineGivesForTheLargestDifference) {
   }
 }
 
+// Distances of 90 to 110 in each of three channels add up to more than 255 and more than the radius, so the
+// pixels are refreshed: what comes close to the new sample afterwards is background.
+TEST(CompactEngine, GivesWhatTheOpenEngineGivesForDistancesBeyondAByte) {
+  const Shape shape{40, 12, 3};
+  const auto far = [&](Pair&, int frame) {
+    if (frame == 0) return filled(shape, 50);
+    return filled(shape, frame == 10 ? 250 : frame % 2 == 0 ? 140 : 160);
+  };
+  const std::vector<std::string> entries = {"MIN_MATCH_DIST 120", "MIN_MATCH_NUM 1", "ILLUMINATION_CHANGE 0"};
+  EXPECT_EQ(compareOver({shape, entries, {wholeOf(shape)}}, 11, far), "");
+}
+
 // The counter of frames wraps around from the largest to the smallest number.
 TEST(CompactEngine, GivesWhatTheOpenEngineGivesAfter2To31Frames) {
   const Shape shape{70, 30, 3};
@@ -59,6 +73,26 @@ TEST(CompactEngine, GivesWhatTheOpenEngineGivesAfter2To31Frames) {
     return draw({shape, Kind::passing, 1.0}, frame, dice);
   };
   EXPECT_EQ(compareOver({shape, {"sensitivity 4", "minBoxW 0.01"}, {wholeOf(shape)}}, 14, passing), "");
+}
+
+// A host may change the bands of the life of still foreground, between frames too.
+TEST(CompactEngine, GivesWhatTheOpenEngineGivesForOtherBandsOfLife) {
+  const std::int32_t x2 = THRESH_SAME_PIXEL_x2;
+  const std::int32_t x3 = THRESH_SAME_PIXEL_x3;
+  const Shape shape{70, 20, 3};
+  Dice dice(9);
+  const auto noisy = [&](Pair&, int frame) {
+    if (frame == 0) THRESH_SAME_PIXEL_x2 = x2;
+    if (frame == 0) THRESH_SAME_PIXEL_x3 = x3;
+    if (frame == 12) THRESH_SAME_PIXEL_x2 = 5;
+    if (frame == 24) THRESH_SAME_PIXEL_x3 = 300;
+    if (frame == 36) THRESH_SAME_PIXEL_x2 = THRESH_SAME_PIXEL_x3 = -1;
+    return draw({shape, Kind::stopping, 12.0}, frame, dice);
+  };
+  const std::vector<std::string> entries = {"sensitivity 5", "minBoxW 0.01"};
+  EXPECT_EQ(compareOver({shape, entries, {wholeOf(shape)}, 330}, 48, noisy), "");
+  THRESH_SAME_PIXEL_x2 = x2;
+  THRESH_SAME_PIXEL_x3 = x3;
 }
 
 // Pixels of the columns and rows, ends included: the left and the bottom edge of a polygon are outside.

@@ -18,16 +18,19 @@ class Pair {
   // Whether the compact engine takes this configuration.
   bool suits() const { return suits_; }
 
-  // Gives both a frame; what differs afterwards, or "". The frame lies beside an
-  // inaccessible page.
+  // Gives both a frame; what differs afterwards, or "". The frame lies beside an inaccessible page. Without
+  // pixels it is null, which both refuse.
   std::string feed(const std::vector<std::uint8_t>& pixels, const std::string& timestamp);
 
-  // As if so many frames had been learned.
+  // As if so many frames had been learned; after the first.
   void setFrameCount(std::int32_t count) { open_.frmCount = settings_.frmCount = count; }
 
+  int frames() const { return frames_; }  // learned
   std::size_t boxes() const { return boxes_.size(); }
 
  private:
+  const std::uint8_t* placed(const std::vector<std::uint8_t>& pixels);
+  std::vector<boxRect> boxesOfOpen();
   std::string compareMasks() const;
   std::string compareState() const;
 

@@ -19,7 +19,9 @@ polygon columnsOf(const Shape& shape, int left, int right) {
 std::string compareOver(const Scene& scene, const std::vector<polygon>& include, int level, int& boxes) {
   Dice dice(static_cast<std::uint32_t>(scene.shape.width));
   std::vector<std::string> entries = sizeEntries(scene.shape);
-  entries.emplace_back("sensitivity " + std::to_string(1 + scene.shape.width % 5));
+  constexpr std::array sensitivities = {"1", "2", "3", "4", "5", "-1"};
+  entries.push_back(std::string("sensitivity ") +
+                    sensitivities[static_cast<std::size_t>(scene.shape.width / 6 % 6)]);
   entries.emplace_back("minBoxW 0.01");
   Pair pair(scene.shape, entries, include, {}, level);
   if (!pair.suits()) return "the compact engine does not take it";
