@@ -64,6 +64,26 @@ TEST(CompactEngine, GivesWhatTheOpenEngineGivesForDistancesBeyondAByte) {
   EXPECT_EQ(compareOver({shape, entries, {wholeOf(shape)}}, 11, far), "");
 }
 
+// A pixel that was refreshed rests, also while nothing changes. Two frames bring the first refresh; after
+// `still` frames, sixteen more bring the second, if the rest is over by then: its sample, 82, makes 100
+// background. All values but 100 match within the radius of 20 per channel, and exceed it over three
+// channels.
+TEST(CompactEngine, GivesWhatTheOpenEngineGivesForARestInStillFrames) {
+  const Shape shape{40, 12, 3};
+  const std::vector<std::string> entries = {"MIN_MATCH_DIST 20", "MIN_MATCH_NUM 1", "ILLUMINATION_CHANGE 0"};
+  for (const int still : {0, 1, 12, 13, 14, 15, 16, 40}) {
+    const auto pixels = [&](Pair&, int frame) {
+      if (frame == 0) return filled(shape, 50);
+      if (frame == 1) return filled(shape, 58);
+      const int moving = frame - 2 - still;
+      if (moving <= 0) return filled(shape, 70);
+      if (moving == 17) return filled(shape, 100);
+      return filled(shape, moving % 2 == 0 ? 82 : 58);
+    };
+    EXPECT_EQ(compareOver({shape, entries, {wholeOf(shape)}}, 20 + still, pixels), "") << still;
+  }
+}
+
 // The counter of frames wraps around from the largest to the smallest number.
 TEST(CompactEngine, GivesWhatTheOpenEngineGivesAfter2To31Frames) {
   const Shape shape{70, 30, 3};

@@ -152,7 +152,7 @@ std::string documentOf(const Shape& shape, const std::string& more = "") {
 }
 
 // The open engine makes an array for every pixel.
-TEST_F(EntryPointsBesideTheOpenEngine, MakeNothingForASinglePixel) {
+TEST_F(EntryPointsBesideTheOpenEngine, AllocateNothingPerPixel) {
   const Shape shape{40, 30, 3};
   ASSERT_TRUE(start(documentOf(shape)));
   const std::vector<std::uint8_t> pixels(40 * 30 * 3, 50);
@@ -163,7 +163,6 @@ TEST_F(EntryPointsBesideTheOpenEngine, MakeNothingForASinglePixel) {
 }
 
 TEST_F(EntryPointsBesideTheOpenEngine, PrintTheSame) {
-  const Shape shape{40, 30, 3};
   const std::vector<std::uint8_t> pixels(40 * 30 * 5, 50);
   for (const int channels : {1, 2, 3, 4, 5}) {
     const std::string document = documentOf({40, 30, channels});

@@ -87,15 +87,15 @@ std::array<std::string, 6> resultsOfTheOpenEngine(bool learnsFirst) {
   return texts;
 }
 
-class CompactEngineMemory : public ::testing::TestWithParam<std::size_t> {
+class FailingAllocationsInFrame : public ::testing::TestWithParam<std::size_t> {
  protected:
-  CompactEngineMemory() { ::terminate(); }
-  ~CompactEngineMemory() override { ::terminate(); }
+  FailingAllocationsInFrame() { ::terminate(); }
+  ~FailingAllocationsInFrame() override { ::terminate(); }
 };
-INSTANTIATE_TEST_SUITE_P(FailsInFrame, CompactEngineMemory, ::testing::Values(0, 2),
+INSTANTIATE_TEST_SUITE_P(CompactEngine, FailingAllocationsInFrame, ::testing::Values(0, 2),
                          ::testing::PrintToStringParamName());
 
-TEST_P(CompactEngineMemory, AndTheFramesAfterwardsAreAnsweredAsByTheOpenEngine) {
+TEST_P(FailingAllocationsInFrame, LoseNoFrameButTheFirst) {
   const auto all = resultsOfTheOpenEngine(true);
   const auto fewer = resultsOfTheOpenEngine(false);
   ASSERT_NE(all[3], fewer[3]);
