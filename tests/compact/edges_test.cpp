@@ -2,7 +2,7 @@
 // of regions.
 #include <gtest/gtest.h>
 
-#include <algorithm>
+#include <array>
 
 #include "tests/compact/pair.h"
 #include "tests/compact/scenes.h"
@@ -52,6 +52,19 @@ TEST(CompactEngine, GivesWhatTheOpenEngineGivesForTheLargestDifference) {
   }
 }
 
+// In steps of at most 254 a pixel stays background without being compared, 255 away from the background
+// image. That is no lighting change when those are ignored: nothing was written when 255 is compared at last.
+TEST(CompactEngine, GivesWhatTheOpenEngineGivesForTheLargestDifferenceToTheBackground) {
+  const Shape shape{40, 12, 1};
+  constexpr std::array<std::uint8_t, 6> values = {0, 0, 128, 255, 0, 255};
+  const auto stepping = [&](Pair&, int frame) {
+    return filled(shape, values[static_cast<std::size_t>(frame)]);
+  };
+  const std::vector<std::string> entries = {"THR_DIFF_HEURISTIC 254", "ILLUMINATION_CHANGE 0",
+                                            "MIN_MATCH_NUM 1"};
+  EXPECT_EQ(compareOver({shape, entries, {wholeOf(shape)}}, 6, stepping), "");
+}
+
 // Distances of 90 to 110 in each of three channels add up to more than 255 and more than the radius, so the
 // pixels are refreshed: what comes close to the new sample afterwards is background.
 TEST(CompactEngine, GivesWhatTheOpenEngineGivesForDistancesBeyondAByte) {
@@ -86,13 +99,16 @@ TEST(CompactEngine, GivesWhatTheOpenEngineGivesForARestInStillFrames) {
 
 // The counter of frames wraps around from the largest to the smallest number.
 TEST(CompactEngine, GivesWhatTheOpenEngineGivesAfter2To31Frames) {
-  const Shape shape{70, 30, 3};
+  const Shape shape{70, 60, 3};
   Dice dice(5);
+  std::size_t boxes = 0;
   const auto passing = [&](Pair& pair, int frame) {
     if (frame == 6) pair.setFrameCount(2147483645);
+    if (frame > 10) boxes += pair.boxes();
     return draw({shape, Kind::passing, 1.0}, frame, dice);
   };
   EXPECT_EQ(compareOver({shape, {"sensitivity 4", "minBoxW 0.01"}, {wholeOf(shape)}}, 14, passing), "");
+  EXPECT_GT(boxes, 0U);
 }
 
 // A host may change the bands of the life of still foreground, between frames too.
