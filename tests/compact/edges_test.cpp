@@ -158,7 +158,8 @@ TEST(CompactEngine, GivesWhatTheOpenEngineGivesForRegionsThatEndWhereBlocksDo) {
       {regionOf(30, 2, 99, 2)},
       {regionOf(30, 37, 99, 37)},
       {regionOf(40, 0, 50, 1), regionOf(100, 17, 110, 18), regionOf(40, 38, 50, 39)},
-      {regionOf(64, 8, 95, 8), regionOf(0, 10, 31, 10)}};
+      {regionOf(64, 8, 95, 8), regionOf(0, 10, 31, 10)},
+      {regionOf(200, 0, 210, 39)}};
   for (std::size_t i = 0; i < regions.size(); ++i) {
     Dice dice(1);
     const auto next = [&](Pair&, int) { return flickering(shape, dice); };
