@@ -70,7 +70,7 @@ void Model::differenceInTurn(std::size_t n) {
 
 void Model::differenceOf(const std::vector<Byte>& a, const std::vector<Byte>& b, std::vector<Byte>& out,
                          int channel) const {
-  const std::size_t total = static_cast<std::size_t>(wrapMul(szImgX, szImgY) * frmChn);
+  const std::size_t total = static_cast<std::size_t>(std::max(wrapMul(szImgX, szImgY), 0) * frmChn);
   std::size_t p = 0;
   for (std::size_t k = static_cast<std::size_t>(channel); k < total; k += static_cast<std::size_t>(frmChn)) {
     out[p++] = static_cast<Byte>(std::abs(a[k] - b[k]));
