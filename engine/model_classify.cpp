@@ -95,6 +95,7 @@ bool canClassify(const kAMBLE& engine) {
 
 bool kAMBLE::recogFg_ncv() {
   if (!canClassify(*this)) return false;
-  for (std::size_t pixel = 0; pixel < bgModel.size(); ++pixel) classifyPixel(*this, pixel);
+  const std::size_t count = lm::countOf(numPixel);
+  for (std::size_t pixel = 0; pixel < count; ++pixel) classifyPixel(*this, pixel);
   return true;
 }

@@ -78,7 +78,8 @@ bool canUpdate(const kAMBLE& engine) {
 bool kAMBLE::updateModel_ncv() {
   if (!canUpdate(*this)) return false;
   lm::LightCount light;
-  for (std::size_t pixel = 0; pixel < bgModel.size(); ++pixel) updatePixel(*this, pixel, light);
+  const std::size_t count = lm::countOf(numPixel);
+  for (std::size_t pixel = 0; pixel < count; ++pixel) updatePixel(*this, pixel, light);
   illumRatio = light.ratio();
   return true;
 }

@@ -1,4 +1,5 @@
 // Labelling the 4-connected regions of a map.
+#include <algorithm>
 #include <vector>
 
 #include "base/integers.h"
@@ -47,13 +48,15 @@ std::uint32_t skipValue(std::uint32_t label, std::uint32_t value) {
 std::vector<ccObj> kAMBLE::connectedComponent(std::uint32_t* labels, std::uint8_t value) {
   std::vector<ccObj> components;
   if (labels == nullptr || !lm::hasDirectNeighbours(*this)) return components;
+  const std::uint32_t searched = value;
+  std::uint32_t* const end = labels + lm::countOf(numPixel);
   std::vector<std::int32_t> stack;
-  std::uint32_t label = skipValue(2, value);
-  for (std::int32_t pixel = 0; pixel < numPixel; ++pixel) {
-    if (labels[pixel] != value) continue;
-    const std::int32_t count = fillRegion(*this, labels, value, label, pixel, stack);
-    components.push_back({label, count, pixel});
-    label = skipValue(label + 1, value);
+  std::uint32_t label = skipValue(2, searched);
+  for (std::uint32_t* at = std::find(labels, end, searched); at != end; at = std::find(at, end, searched)) {
+    const auto seed = static_cast<std::int32_t>(at - labels);
+    const std::int32_t count = fillRegion(*this, labels, searched, label, seed, stack);
+    components.push_back({label, count, seed});
+    label = skipValue(label + 1, searched);
   }
   return components;
 }
