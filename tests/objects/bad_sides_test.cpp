@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstdlib>
 #include <string>
 #include <utility>
 
@@ -100,6 +101,21 @@ TEST(SmallerSides, RowsAreCutAtTheNewWidth) {
   EXPECT_EQ(scene.extract(), Boxes{box(19, 19, 7, 3)});
   EXPECT_EQ(scene.labelRows[20][20], 2U);
   EXPECT_EQ(scene.labelRows[21][20], 0U);
+}
+
+// A row that is missing, as after a failed allocation, is made as long as the others of the table.
+TEST(SmallerSides, MissingRowIsMadeForTheWholeTable) {
+  Scene scene(64, 32);
+  scene.extract();
+  std::free(scene.labelRows[5]);
+  scene.labelRows[5] = nullptr;
+  scene.szImgX = 32;
+  scene.extract();
+  ASSERT_NE(scene.labelRows[5], nullptr);
+  scene.szImgX = 64;
+  scene.paint(Rect{50, 5, 14, 1});
+  EXPECT_EQ(scene.extract().size(), 1U);
+  EXPECT_EQ(scene.labelRows[5][63], 2U);
 }
 
 TEST(LargerSides, GiveNothingAndLeaveTheMask) {
