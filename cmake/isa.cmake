@@ -2,14 +2,11 @@
 # compiled for baseline x86-64 (which includes SSE2).
 set(LIGHTMOTION_SSSE3_SOURCES simd/ssse3.cpp)
 set(LIGHTMOTION_SSE41_SOURCES simd/sse41.cpp compact/sse41.cpp)
-set(LIGHTMOTION_AVX2_SOURCES
-    simd/avx2.cpp simd/mask_avx2.cpp simd/model_classify_avx2.cpp simd/model_match_avx2.cpp simd/model_take_avx2.cpp
-    simd/model_update_avx2.cpp compact/avx2.cpp)
+set(LIGHTMOTION_AVX2_SOURCES simd/avx2.cpp compact/avx2.cpp)
 set_source_files_properties(${LIGHTMOTION_SSSE3_SOURCES} PROPERTIES COMPILE_OPTIONS -mssse3)
 set_source_files_properties(${LIGHTMOTION_SSE41_SOURCES} PROPERTIES COMPILE_OPTIONS -msse4.1)
 set_source_files_properties(${LIGHTMOTION_AVX2_SOURCES} PROPERTIES COMPILE_OPTIONS -mavx2)
 # Vectors of 32 bytes are passed between inlined functions only.
 set_property(SOURCE compact/sse2.cpp compact/sse41.cpp APPEND PROPERTY COMPILE_OPTIONS -Wno-psabi)
 set(LIGHTMOTION_SIMD_SOURCES
-    simd/cpu_level.cpp simd/dispatch.cpp simd/mask_reference.cpp simd/model_reference.cpp simd/reference.cpp
-    simd/sse2.cpp compact/sse2.cpp ${LIGHTMOTION_SSSE3_SOURCES} ${LIGHTMOTION_SSE41_SOURCES} ${LIGHTMOTION_AVX2_SOURCES})
+    simd/cpu_level.cpp simd/dispatch.cpp simd/reference.cpp simd/sse2.cpp compact/sse2.cpp ${LIGHTMOTION_SSSE3_SOURCES} ${LIGHTMOTION_SSE41_SOURCES} ${LIGHTMOTION_AVX2_SOURCES})

@@ -24,7 +24,7 @@ bool Border::draw(const Shape& shape, std::int32_t stride) {
     const bool whole = isWhole(y);
     for (std::int32_t x = 0; x < width_; ++x) {
       if (!whole && x == 2) x = width_ - 2;
-      fillAtBorder(entries, neighbourEntries, offsets, frame, x, y);
+      fillNeighbours(entries, neighbourEntries, offsets, frame, x, y);
       std::transform(entries, entries + neighbourEntries, entries,
                      [&](std::int32_t index) { return index / width_ * stride + index % width_; });
       entries += neighbourEntries;

@@ -9,7 +9,6 @@
 #include "engine/engine_state.h"
 #include "engine/kamble.h"
 #include "engine/neighbours.h"
-#include "engine/ranges.h"
 #include "engine/rules.h"
 #include "objects/extract.h"
 #include "simd/cpu_level.h"
@@ -29,6 +28,13 @@ TakeRule takeRule(const kAMBLE& settings, std::int32_t channel, std::int32_t nex
           .nextChannel = next,
           .unchanged = byteLimit(settings.thrHeuris),
           .sameLight = settings.illumChange ? byteLimit(settings.thrIllum) : std::uint8_t{255}};
+}
+
+LifeRule lifeRule(const kAMBLE& settings) {
+  return {.limit = static_cast<float>(settings.lifeStaticFrm),
+          .absorbed = absorbedLife(settings.lifeStaticFrm),
+          .band2 = THRESH_SAME_PIXEL_x2,
+          .band3 = THRESH_SAME_PIXEL_x3};
 }
 
 LearnRule learnRule(const kAMBLE& settings) {
@@ -198,8 +204,9 @@ void Engine::seed(const std::uint8_t* frame) {
 }
 
 void Engine::learnRows(kAMBLE& settings, const std::uint8_t* frame) {
-  const std::int32_t channel = takeChannel(settings);
-  const TakeRule take = takeRule(settings, channel, comparedChannel(settings));
+  const std::int32_t channel = comparedChannel(settings.diffChn);
+  settings.diffChn = nextChannel(settings.diffChn, settings.frmChn);
+  const TakeRule take = takeRule(settings, channel, comparedChannel(settings.diffChn));
   const LearnRule rule = learnRule(settings);
   const auto width = static_cast<std::size_t>(shape_.width);
   const std::size_t pixels = width * static_cast<std::size_t>(shape_.height);
@@ -247,12 +254,17 @@ std::vector<boxRect> Engine::boxes(kAMBLE& settings) {
     const std::int32_t pixel = pixels - tail + i;
     if (!regionStart_[static_cast<std::size_t>(i)]) erosion_.clear(pixel % width, pixel / width);
   }
-  runs_.start(width, 1);
+  runs_.start(width);
   for (std::int32_t y = 0; y < shape_.height; ++y) {
     if (erosion_.holds(y)) runs_.addRow(erosion_.row(y), erosion_.words(), y);
   }
   SmallComponents small;
-  std::vector<boxRect> found = boxesOf(settings, runs_.number(), small);
+  std::vector<boxRect> found;
+  for (const SpannedComponent& spanned : runs_.number()) {
+    if (!isLarge(settings, spanned.component, small)) continue;
+    found.push_back(boxBetween(spanned.left - 1, spanned.top - 1, spanned.right + 1, spanned.bottom + 1,
+                               width, shape_.height));
+  }
   joinBoxes(settings, found);
   finishBoxes(settings, found, small);
   return found;

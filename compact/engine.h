@@ -11,8 +11,8 @@
 #include "compact/border.h"
 #include "compact/erosion.h"
 #include "compact/memory.h"
+#include "compact/runs.h"
 #include "objects/box.h"
-#include "objects/runs.h"
 
 class kAMBLE;
 

@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "objects/bit_rows.h"
+#include "compact/bit_rows.h"
 
 namespace lm::compact {
 

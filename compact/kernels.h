@@ -36,6 +36,15 @@ using TakeRowFn = void(const TakeRule& rule, const std::uint8_t* pixels, std::si
 
 inline constexpr std::size_t neighbourEntries = 25;  // of every pixel
 
+// How still foreground is absorbed: pixels whose life exceeds `limit` are, and their life becomes `absorbed`.
+// `band2` and `band3` are the upper bands of the frame difference in gainLife (engine/life.h).
+struct LifeRule {
+  float limit;
+  float absorbed;
+  std::int32_t band2;
+  std::int32_t band3;
+};
+
 struct LearnRule {
   std::int32_t channels;  // as in TakeRule
   std::uint8_t radius;    // of each channel, up to 254

@@ -3,8 +3,8 @@
 #pragma once
 
 #include "compact/lanes.h"
-#include "simd/life.h"
-#include "simd/refresh.h"
+#include "engine/life.h"
+#include "engine/refresh.h"
 
 namespace lm::compact::LIGHTMOTION_LEVEL {
 namespace {
@@ -80,7 +80,7 @@ template <int relation>
   return _mm256_blendv_ps(_mm256_add_ps(life, _mm256_set1_ps(gain)), otherwise, above);
 }
 
-// gainLife (simd/life.h) of eight pixels.
+// gainLife (engine/life.h) of eight pixels.
 [[gnu::always_inline]] inline __m256 gained(const LifeRule& rule, __m256 life, __m256i change) {
   const __m256 most = upTo(_mm256_set1_epi32(rule.band3), change, life, lifeGain3, decayed(life));
   const __m256 more = upTo(_mm256_set1_epi32(rule.band2), change, life, lifeGain2, most);

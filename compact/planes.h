@@ -8,10 +8,11 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "simd/model_kernels.h"
 #include "simd/samples.h"
 
 namespace lm::compact {
+
+inline constexpr std::size_t blockPixels = 32;
 
 // Channels of a sample that are compared, at most; more are not kept.
 inline constexpr std::size_t maxChannels = 3;

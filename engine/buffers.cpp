@@ -33,27 +33,36 @@ void growRegionMask(std::uint8_t*& mask, lm::Made& made, std::size_t need) {
   made = {mask, need};
 }
 
-// `list` with `count` elements; new ones are `value`.
-template <typename T>
-void resizeLarge(std::vector<T>& list, std::size_t count, const T& value) {
-  list.reserve(count);
-  lm::adviseLarge(list.data(), count * sizeof(T));
-  list.resize(count, value);
+// Calls act(pixel, x, y) for every pixel.
+template <typename Act>
+void forEachPixel(const lm::FrameShape& shape, Act act) {
+  std::int32_t x = 0;
+  std::int32_t y = 0;
+  for (std::int32_t pixel = 0; pixel < shape.count; ++pixel) {
+    act(static_cast<std::size_t>(pixel), x, y);
+    if (++x < shape.width) continue;
+    x = 0;
+    ++y;
+  }
 }
 
+// Without rows the arrays stay null.
 // Kept: arrays from an earlier call are replaced, not freed.
 void makeNeighbourArrays(kAMBLE& engine, const lm::FrameShape& shape) {
-  resizeLarge<int*>(engine.nbrIdx, static_cast<std::size_t>(shape.count), nullptr);
-  lm::stateOf(engine).nbrWidth = shape.width;
+  engine.nbrIdx.resize(static_cast<std::size_t>(shape.count), nullptr);
   if (shape.width < 1) return;
-  for (int*& entries : engine.nbrIdx) entries = new int[static_cast<std::size_t>(engine.numNbr)];
-  lm::fillNeighbours(engine.nbrIdx, engine.numNbr, engine.nbrOffset, shape);
-  lm::stateOf(engine).nbrDistances = lm::neighbourDistances(engine.nbrOffset, engine.numNbr, shape);
+  forEachPixel(shape, [&](std::size_t pixel, std::int32_t x, std::int32_t y) {
+    engine.nbrIdx[pixel] = new int[static_cast<std::size_t>(engine.numNbr)];
+    lm::fillNeighbours(engine.nbrIdx[pixel], engine.numNbr, engine.nbrOffset, shape, x, y);
+  });
 }
 
 void makeDirectNeighbours(kAMBLE& engine, const lm::FrameShape& shape) {
-  resizeLarge(engine.nbr4Idx, static_cast<std::size_t>(shape.count), int128_t{-1, -1, -1, -1, {}});
-  if (shape.width >= 1) lm::fillDirectNeighbours(engine.nbr4Idx, shape);
+  engine.nbr4Idx.resize(static_cast<std::size_t>(shape.count), int128_t{-1, -1, -1, -1, {}});
+  if (shape.width < 1) return;
+  forEachPixel(shape, [&](std::size_t pixel, std::int32_t x, std::int32_t y) {
+    lm::fillDirectNeighbours(engine.nbr4Idx[pixel], shape, x, y);
+  });
 }
 
 // Extends roiMask and the region masks that setParam made to `count` pixels: the new ones count as outside.
@@ -143,7 +152,7 @@ bool kAMBLE::initBuffer_ncv() {
   makeNeighbourArrays(*this, shape);
   makeDirectNeighbours(*this, shape);
   morphList.reserve(static_cast<std::size_t>(count));
-  resizeLarge(bgModel, static_cast<std::size_t>(count), BgModel{});
+  bgModel.resize(static_cast<std::size_t>(count));
 
   // Kept: always a new one; an earlier background image is not freed.
   const std::int32_t bytes = lm::wrapMul(count, frmChn);
@@ -183,5 +192,4 @@ void kAMBLE::destoryBuffer() {
   nbr4Idx.clear();
   if (state == nullptr) return;
   state->curFrame = state->prevFrame = state->bgImg = state->roiMask = {};
-  state->nbrDistances.clear();
 }

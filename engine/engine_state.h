@@ -3,14 +3,11 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <memory>
 #include <vector>
 
 class kAMBLE;
 
 namespace lm {
-
-struct ObjectScratch;  // objects/scratch.h
 
 // A plane that the engine allocated. One that a caller put in its place is taken to be large enough.
 struct Made {
@@ -24,17 +21,10 @@ struct Made {
 
 struct EngineState {
   Made curFrame, prevFrame, bgImg, roiMask;
-  // A strip has one row more than this many pixels fill: few enough for its planes to stay in a processor's
-  // own cache from one step to the next. Any number gives the same results.
-  std::size_t stripPixels = 8192;
-  std::vector<int> nbrDistances;  // see neighbourDistances; empty unless initBuffer_ncv filled the arrays
-  std::int32_t nbrWidth = 0;      // width of the frame that the neighbour tables were made for
-  std::int32_t planePixels = 0;   // pixels that the planes were made for; 0 without planes
-  std::vector<Made> regionMasks;  // of roiInclude and roiExclude, those that setParam made
+  std::int32_t planePixels = 0;            // pixels that the planes were made for; 0 without planes
+  std::vector<Made> regionMasks;           // of roiInclude and roiExclude, those that setParam made
   std::vector<std::uint32_t*> labelTable;  // the table that labelRows points to
-  // What object extraction keeps between frames; it brings its own deleter, so that the engine need not know
-  // the type.
-  std::unique_ptr<ObjectScratch, void (*)(ObjectScratch*)> objects{nullptr, nullptr};
+  std::int32_t labelWidth = 0;             // labels in each of its rows
 };
 
 // The engine's own, made on the first call: the constructor of the engine allocates nothing.

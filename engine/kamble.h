@@ -12,6 +12,10 @@
 // 32-byte alignment, zero-filled, freed with free(), null until made and after a failed allocation; an
 // operation that needs a missing plane returns false, 0 or an empty list. Array and container
 // allocations throw std::bad_alloc or std::length_error.
+//
+// Every operation reads its input from the fields below, and a host may write them between calls. What it
+// puts in the place of a plane has numPixel elements (labelRows: H rows of W); entries of the neighbour
+// tables are -1 or the index of a pixel, cursors are below the number of entries that they count.
 #pragma once
 
 #include <sys/time.h>
@@ -31,8 +35,8 @@ namespace lm {
 struct EngineState;  // engine/engine_state.h
 }
 
-// Remembered samples of one pixel: slot s holds the pixel's bytes in the frame's own order, bytes beyond Ch
-// are 0.
+// Remembered samples of one pixel: slot s holds the pixel's bytes in the frame's own order; bytes beyond Ch
+// are never written.
 struct BgModel {
   static constexpr int numSamples = lm::samplesPerPixel;  // slots
   std::uint8_t samples[numSamples][4];                    // slot, byte
@@ -117,18 +121,21 @@ class kAMBLE {
   // ---- objects (objects/) -----------------------------------------------------------------------
 
   // Boxes of what moves, as fractions of the frame, from a private copy of fgMask (numPixel bytes, 255
-  // foreground, 0 background, 32-byte aligned), which is changed. Adapts thrCcPxl2 when autoSensitivity is
-  // on. (extract.cpp)
+  // foreground, 0 background, 32-byte aligned), which is changed. 1 is foreground as well; other values
+  // neither are nor erode any. Adapts thrCcPxl2 when autoSensitivity is on. A side below 1 gives boxes
+  // without that side and a line on standard error for each; sides with more pixels than numPixel, or than
+  // the label rows that the engine made, give none. (extract.cpp)
   std::vector<boxRect> genFgObj_ncv(unsigned char* mask);
 
-  // Labels the 4-connected regions of `value` in place, 2, 3, ... (never `value`), and lists them in raster
-  // order of their first pixels. `labels`: numPixel words. Other pixels keep their values. (components.cpp)
+  // Labels the regions of `value` in place, 2, 3, ... (never `value`), and lists them in raster order of
+  // their first pixels. A region is what nbr4Idx connects. `labels`: numPixel words. Other pixels keep their
+  // values. (components.cpp)
   std::vector<ccObj> connectedComponent(std::uint32_t* labels, std::uint8_t value);
 
   // Leaves the shape of the `set` regions as it is (see docs/behaviour.md), then turns `set` into `relabel`.
   // Returns 1. (morphology_list.cpp)
   int dilate_ncv_fast(std::uint8_t* mask, std::uint8_t set, std::uint8_t relabel, int passes);
-  // Peels `passes` layers off every region of `set` where it borders `cleared`. Returns 1.
+  // Peels `passes` layers off every region of `set` where it borders `cleared` in nbr4Idx. Returns 1.
   // (morphology_list.cpp)
   int erode_ncv_fast(std::uint8_t* mask, std::uint8_t set, std::uint8_t cleared, int passes);
   // As dilate_ncv_fast, except that bytes that held set - 1 become `set` too. (morphology_marker.cpp)
@@ -185,8 +192,8 @@ class kAMBLE {
   std::uint32_t* auxMap = nullptr;    // plane; not read
   float* fgLife = nullptr;            // new[]; life of foreground that stays still, frames
   std::vector<BgModel> bgModel;       // remembered samples
-  std::vector<int*> nbrIdx;           // new[] of numNbr each: pixel indices of the 5 x 5 neighbourhood
-  std::vector<int128_t> nbr4Idx;      // direct neighbours
+  std::vector<int*> nbrIdx;           // new[] of numNbr each: the 5 x 5 neighbourhood; -1: the pixel itself
+  std::vector<int128_t> nbr4Idx;      // direct neighbours, which erosion and labelling follow
   std::uint32_t* labelMap = nullptr;  // plane; labels of the last frame's components (objects/extract.cpp)
   std::uint32_t** labelRows = nullptr;    // H rows of W labels, copied from labelMap; table: labelTable
   std::vector<pnt> nbrOffset;             // 25 offsets (dx, dy), dx outer

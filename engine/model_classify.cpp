@@ -1,89 +1,101 @@
 // Deciding for every pixel whether it is background or foreground, and keeping count of how long foreground
 // has stayed still.
-#include <array>
-#include <bit>
-#include <cassert>
+#include <algorithm>
 
-#include "base/bits.h"
 #include "base/integers.h"
-#include "base/prefetch.h"
 #include "engine/engine_state.h"
 #include "engine/kamble.h"
-#include "engine/ranges.h"
+#include "engine/life.h"
 #include "engine/rules.h"
-#include "simd/model_kernels.h"
+#include "simd/simd.h"
 
 namespace {
 
-// Prefetches the samples that classifyBlock reads. Where most pixels are compared the reads are sequential
-// and the hardware prefetcher covers them.
-void prefetchSamples(const kAMBLE& engine, const lm::BusyBlock& block) {
-  if (std::popcount(block.pixels.compared) > static_cast<int>(lm::blockPixels / 2)) return;
-  constexpr std::size_t line = 64;  // bytes of a cache line; a pixel's samples are in two
-  lm::forEachBit(block.pixels.compared, [&](std::size_t k) {
-    const std::uint8_t* samples = engine.bgModel[block.begin + k].samples[0];
-    lm::prefetch(samples);
-    lm::prefetch(samples + line);
-  });
+constexpr std::uint8_t foreground = 255;
+constexpr std::uint8_t background = 0;
+constexpr std::uint32_t nothingMatched = 999;
+
+// Match distance of a pixel and a sample, or -1.
+int matchDistance(const std::uint8_t* pixel, const std::uint8_t* sample, int channels, int radius) {
+  if (channels == 3) return simd::isMatchVal_bgr24(pixel, sample, radius);
+  if (channels == 4) return simd::isMatchVal_bgr32(pixel, sample, radius);
+  const int distance = *pixel > *sample ? *pixel - *sample : *sample - *pixel;
+  return distance <= radius ? distance : -1;
 }
 
-void classifyBlock(const kAMBLE& engine, const std::uint8_t* frame, const lm::ClassifyPlanes& planes,
-                   const lm::BusyBlock& block, std::size_t end) {
-  assert(block.begin < end && lm::fitsIn(block.pixels.compared, end - block.begin));
-  const lm::ModelKernels& kernels = lm::modelKernels();
-  std::uint32_t matched = 0;
-  if (block.pixels.compared != 0) {
-    const lm::MatchRule rule{
-        .channels = engine.frmChn, .radius = engine.thrMatch, .needed = engine.minMatchNum};
-    const std::uint8_t* values = frame + block.begin * static_cast<std::size_t>(engine.frmChn);
-    matched = kernels.matchBlock(rule, engine.bgModel[block.begin].samples[0], values, block.pixels.compared,
-                                 engine.minDist + block.begin);
+// Compares the pixel with its samples in slot order until enough match; minDist becomes the smallest distance
+// until then. With one channel the count is tested after every slot, so that a pixel that needs no match is
+// background at once; with more, only after a match.
+bool isBackground(kAMBLE& engine, std::size_t pixel) {
+  const int channels = engine.frmChn;
+  const std::uint8_t* value = engine.curFrame + pixel * static_cast<std::size_t>(channels);
+  std::uint32_t nearest = nothingMatched;
+  int matches = 0;
+  bool enough = false;
+  for (const auto& sample : engine.bgModel[pixel].samples) {
+    const int distance = matchDistance(value, sample, channels, engine.thrMatch);
+    const bool matched = distance != -1;
+    if (matched) {
+      nearest = std::min(nearest, static_cast<std::uint32_t>(distance));
+      ++matches;
+    }
+    enough = (matched || channels == 1) && matches >= engine.minMatchNum;
+    if (enough) break;
   }
-  kernels.settleBlock(planes, block.begin, end, block.pixels, matched);
+  engine.minDist[pixel] = nearest;
+  return enough;
 }
 
-lm::ClassifyPlanes planesOf(const kAMBLE& engine) {
-  return {.roiMask = engine.roiMask,
-          .rdDiff = engine.rdDiff,
-          .prevFgMask = engine.prevFgMask,
-          .fgMask = engine.fgMask,
-          .absorbMask = engine.absorbMask,
-          .fgLife = engine.fgLife,
-          .unchanged = engine.thrHeuris,
-          .accountLife = engine.ghostSuppression,
-          .life = lm::lifeRule(engine)};
+bool isUnchangedBackground(const kAMBLE& engine, std::size_t pixel) {
+  return engine.rdDiff[pixel] <= engine.thrHeuris && engine.prevFgMask[pixel] == background;
 }
 
-}  // namespace
-
-lm::LifeRule lm::lifeRule(const kAMBLE& engine) {
-  return {.limit = static_cast<float>(engine.lifeStaticFrm),
-          .absorbed = absorbedLife(engine.lifeStaticFrm),
-          .band2 = THRESH_SAME_PIXEL_x2,
-          .band3 = THRESH_SAME_PIXEL_x3};
-}
-
-void lm::classifyRange(kAMBLE& engine, const std::uint8_t* frame, std::size_t begin, std::size_t end) {
-  assert(begin <= end && end <= engine.bgModel.size());
-  const ClassifyPlanes planes = planesOf(engine);
-  std::array<BusyBlock, 16> blocks;
-  while (begin < end) {
-    const std::size_t found = modelKernels().findBusy(planes, begin, end, blocks.data(), blocks.size());
-    assert(found <= blocks.size());
-    for (std::size_t i = 0; i < found; ++i) prefetchSamples(engine, blocks[i]);
-    for (std::size_t i = 0; i < found; ++i) classifyBlock(engine, frame, planes, blocks[i], end);
+void accountLife(kAMBLE& engine, std::size_t pixel) {
+  float& life = engine.fgLife[pixel];
+  if (engine.fgMask[pixel] == foreground) {
+    life = lm::gainLife(life, engine.rdDiff[pixel], THRESH_SAME_PIXEL_x2, THRESH_SAME_PIXEL_x3);
+  } else if (engine.absorbMask[pixel] == 255) {
+    life = lm::absorbedLife(engine.lifeStaticFrm);
+  } else {
+    life = lm::decayLife(life);
   }
 }
 
-bool lm::canClassify(const kAMBLE& engine) {
+void absorb(kAMBLE& engine, std::size_t pixel) {
+  engine.fgMask[pixel] = background;
+  engine.absorbMask[pixel] = 255;
+  engine.fgLife[pixel] = lm::absorbedLife(engine.lifeStaticFrm);
+}
+
+void classifyPixel(kAMBLE& engine, std::size_t pixel) {
+  if (engine.roiMask[pixel] == 0) {
+    engine.fgMask[pixel] = background;
+    return;
+  }
+  // Unchanged background keeps the value that fgMask holds.
+  if (!isUnchangedBackground(engine, pixel)) {
+    if (engine.ghostSuppression && engine.fgLife[pixel] > static_cast<float>(engine.lifeStaticFrm)) {
+      absorb(engine, pixel);
+      return;
+    }
+    engine.fgMask[pixel] = isBackground(engine, pixel) ? background : foreground;
+  }
+  if (engine.ghostSuppression) accountLife(engine, pixel);
+}
+
+// Whether the planes that classification needs exist.
+bool canClassify(const kAMBLE& engine) {
   return engine.roiMask != nullptr && engine.fgMask != nullptr && engine.prevFgMask != nullptr &&
          engine.rdDiff != nullptr && engine.curFrame != nullptr && engine.absorbMask != nullptr &&
          engine.fgLife != nullptr && engine.minDist != nullptr && lm::hasModel(engine) &&
          lm::holdsFrames(engine);
 }
 
+}  // namespace
+
 bool kAMBLE::recogFg_ncv() {
-  if (!lm::canClassify(*this)) return false;
-  lm::classifyRange(*this, curFrame, 0, lm::countOf(numPixel));
+  if (!canClassify(*this)) return false;
+  const std::size_t count = lm::countOf(numPixel);
+  for (std::size_t pixel = 0; pixel < count; ++pixel) classifyPixel(*this, pixel);
   return true;
 }

@@ -1,14 +1,15 @@
 // The neighbour tables of the model and of the morphology.
 #pragma once
 
+#include <cassert>
 #include <cstddef>
 #include <cstdint>
 #include <vector>
 
+#include "base/integers.h"
 #include "config/polygon.h"
-
-struct int128_t;
-class kAMBLE;
+#include "engine/kamble.h"
+#include "engine/rules.h"
 
 namespace lm {
 
@@ -28,48 +29,22 @@ struct FrameShape {
   std::int32_t indexAt(std::int64_t x, std::int64_t y) const;
 };
 
-// Fills every pixel's array of `numEntries` with the indices of its neighbours at `offsets`; an entry outside
-// the frame becomes a copy of another entry of the same pixel, drawn from rand() in index order.
-void fillNeighbours(const std::vector<int*>& arrays, std::int32_t numEntries, const std::vector<pnt>& offsets,
-                    const FrameShape& shape);
+// Fills the array of the pixel at (x, y): `numEntries` indices of its neighbours at `offsets`. An entry
+// outside the frame becomes a copy of another one, drawn from rand() in the order of the entries.
+void fillNeighbours(int* entries, std::int32_t numEntries, const std::vector<pnt>& offsets,
+                    const FrameShape& shape, std::int32_t x, std::int32_t y);
 
-// Fills the array of one pixel near the border, at (x, y), in the same way.
-void fillAtBorder(int* entries, std::int32_t numEntries, const std::vector<pnt>& offsets,
-                  const FrameShape& shape, std::int32_t x, std::int32_t y);
+// Fills the direct neighbours of the pixel at (x, y) that are inside the frame; other fields keep their
+// values.
+void fillDirectNeighbours(int128_t& record, const FrameShape& shape, std::int32_t x, std::int32_t y);
 
-// Index offsets of the neighbours of an interior pixel: the same for all of them.
-std::vector<int> neighbourDistances(const std::vector<pnt>& offsets, std::int32_t numEntries,
-                                    const FrameShape& shape);
-
-// Fixed neighbour offsets for interior blocks; they save the reads of the pixels' arrays.
-class NeighbourDistances {
- public:
-  // For no block.
-  NeighbourDistances() = default;
-  // For blocks whose neighbourhoods are inside the frame; for none when `distances` is empty.
-  NeighbourDistances(const kAMBLE& engine, const std::vector<int>& distances);
-
-  // The offsets for the 32 pixels from `begin` on, or null when their arrays must be read.
-  const int* of(std::size_t begin) const {
-    if (begin < first_ || begin >= last_) return nullptr;
-    const std::uint32_t column = static_cast<std::uint32_t>(begin) % width_;
-    return column >= reach && column <= lastColumn_ ? distances_ : nullptr;
-  }
-
-  // Offsets of an interior block, or null.
-  const int* inside() const { return distances_; }
-
- private:
-  static constexpr std::uint32_t reach = neighbourRadius;
-
-  const int* distances_ = nullptr;
-  std::uint32_t width_ = 1;
-  std::uint32_t lastColumn_ = 0;  // where a block may start
-  std::size_t first_ = 0;         // blocks start at [first_, last_)
-  std::size_t last_ = 0;
-};
-
-// Fills the direct neighbours of every pixel that are inside the frame; other fields keep their values.
-void fillDirectNeighbours(std::vector<int128_t>& records, const FrameShape& shape);
+// The pixel's next neighbour in turn; -1 in its array is the pixel itself.
+inline std::size_t takeNeighbour(kAMBLE& engine, std::size_t pixel) {
+  const std::uint32_t entry = engine.nbrCursor[pixel];
+  assert(entry < countOf(engine.numNbr));
+  engine.nbrCursor[pixel] = nextInRing(entry, engine.numNbr);
+  const int neighbour = engine.nbrIdx[pixel][entry];
+  return neighbour == -1 ? pixel : static_cast<std::size_t>(neighbour);
+}
 
 }  // namespace lm

@@ -1,7 +1,9 @@
-// The rules of the engine as small pure functions: how cursors, lives and rates move. They allocate nothing
-// and throw nothing.
+// Rules that both engines share, as small pure functions: how cursors, lives and rates move. They allocate
+// nothing and throw nothing. How much life a frame gives is in life.h, when the slow refresh is due in
+// refresh.h.
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 
 #include "base/integers.h"
@@ -41,6 +43,18 @@ constexpr LockSegment moveLock(std::int32_t first, std::int32_t width, std::int3
   return {start, wrapSub(wrapAdd(start, width), 1)};
 }
 
+// ---- differences ------------------------------------------------------------------------------------------
+
+// Channel that is compared when the counter is at `turn`. The fourth channel never is: its turn uses channel
+// 0 again, as does a counter that a host set below 0.
+constexpr std::int32_t comparedChannel(std::int32_t turn) { return turn >= 0 && turn < 3 ? turn : 0; }
+
+// The counter after a comparison of frames of `channels` channels.
+constexpr std::int32_t nextChannel(std::int32_t turn, std::int32_t channels) {
+  const std::int32_t next = wrapAdd(turn, 1);
+  return next < channels ? next : 0;
+}
+
 // ---- life of still foreground -----------------------------------------------------------------------------
 
 // Life that a pixel holds once it was absorbed.
@@ -49,6 +63,19 @@ constexpr float absorbedLife(std::int32_t lifeStaticFrm) {
 }
 
 // ---- light ------------------------------------------------------------------------------------------------
+
+// Background pixels examined in a frame, and those whose light changed.
+struct LightCount {
+  std::int64_t examined = 0;
+  std::int64_t changed = 0;
+
+  // The share that changed; 0 when none was examined. Both counts stop at 2^24, as 32-bit floats do.
+  constexpr float ratio() const {
+    constexpr std::int64_t limit = 1 << 24;
+    if (examined == 0) return 0.0F;
+    return static_cast<float>(std::min(changed, limit)) / static_cast<float>(std::min(examined, limit));
+  }
+};
 
 // Whether a share of background whose light changed counts as a change of the whole scene.
 constexpr bool isGlobalChange(float ratio) { return !(ratio < 0.15F); }

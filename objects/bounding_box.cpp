@@ -8,7 +8,7 @@ namespace {
 
 template <typename Pixel, typename Label>
 bool rowHolds(Pixel** rows, Label label, int y, int width) {
-  return std::any_of(rows[y], rows[y] + std::max(width, 0), [label](Pixel pixel) { return pixel == label; });
+  return width >= 1 && std::any_of(rows[y], rows[y] + width, [label](Pixel pixel) { return pixel == label; });
 }
 
 template <typename Pixel, typename Label>

@@ -1,20 +1,26 @@
 // The steps from components to the boxes that are reported, for both engines.
 #pragma once
 
+#include <cstdint>
 #include <vector>
 
 #include "objects/box.h"
-#include "objects/runs.h"
+#include "objects/component.h"
 #include "objects/small_components.h"
 
 class kAMBLE;
 
 namespace lm {
 
-// The boxes, in pixels, of the components that are large enough; with automatic sensitivity the others are
-// collected in `small`.
-std::vector<boxRect> boxesOf(const kAMBLE& engine, const std::vector<SpannedComponent>& components,
-                             SmallComponents& small);
+// Where a component begins. A frame without columns has only the first.
+struct Position {
+  std::int32_t x, y;
+};
+Position firstPixel(const kAMBLE& engine, const ccObj& component);
+
+// Whether a component has enough pixels for a box. With automatic sensitivity one that has not is added to
+// `small`.
+bool isLarge(const kAMBLE& engine, const ccObj& component, SmallComponents& small);
 
 // Joins boxes that lie close together, drops small ones, joins those that overlap.
 void joinBoxes(const kAMBLE& engine, std::vector<boxRect>& boxes);

@@ -14,7 +14,8 @@ namespace {
 bool isSortedByTop(const std::vector<boxRect>& boxes) {
   constexpr float limit = 16384.0F;
   const auto inBounds = [](const boxRect& box) {
-    return box.x >= 0.0F && box.x + box.width < limit && box.y >= 0.0F && box.y + box.height < limit;
+    return box.x >= 0.0F && box.width >= 0.0F && box.x + box.width < limit && box.y >= 0.0F &&
+           box.height >= 0.0F && box.y + box.height < limit;
   };
   return std::all_of(boxes.begin(), boxes.end(), inBounds) &&
          std::is_sorted(boxes.begin(), boxes.end(),

@@ -1,6 +1,6 @@
 // Erosion and dilation of byte masks, in place. Three families:
 //
-//   list    kAMBLE::dilate_ncv_fast, erode_ncv_fast   morphology_list.cpp    extraction does both at once
+//   list    kAMBLE::dilate_ncv_fast, erode_ncv_fast   morphology_list.cpp    used by object extraction
 //   marker  kAMBLE::dilate_ncv, erode_ncv             morphology_marker.cpp  not used by the library itself
 //   rows    dilate_ncv2, erode_ncv2 (below)           morphology_rows.cpp    not used by the library itself
 //

@@ -1,43 +1,19 @@
-// The list-based morphology: a pass changes only the pixels that it lists.
-#include <algorithm>
-
+// The list-based morphology, which object extraction uses: a pass changes only the pixels that it lists.
 #include "base/integers.h"
 #include "engine/kamble.h"
-#include "objects/scratch.h"
+#include "objects/neighbour_test.h"
 #include "simd/simd.h"
 
-namespace {
-
-bool isSized(const kAMBLE& engine) {
-  return lm::stateOf(engine).nbrWidth >= 1 && engine.nbr4Idx.size() == lm::countOf(engine.numPixel);
-}
-
-// Whether any direct neighbour of the pixel at column `x` of the row that starts at `begin` is not `value`.
-bool bordersOthers(const kAMBLE& engine, const std::uint8_t* mask, std::int32_t begin, std::int32_t x,
-                   std::uint8_t value) {
-  const std::int32_t width = lm::stateOf(engine).nbrWidth;
-  const std::int32_t pixel = begin + x;
-  const bool atEnd = x + 1 == width || pixel + 1 == engine.numPixel;
-  return (x > 0 && mask[pixel - 1] != value) || (!atEnd && mask[pixel + 1] != value) ||
-         (begin > 0 && mask[pixel - width] != value) ||
-         (pixel < engine.numPixel - width && mask[pixel + width] != value);
-}
-
-}  // namespace
-
 int kAMBLE::dilate_ncv_fast(std::uint8_t* mask, std::uint8_t set, std::uint8_t relabel, int passes) {
-  if (mask == nullptr || !isSized(*this)) return 0;
-  // Kept: a pass marks border pixels of the set regions and sets them back, so it leaves the mask as it was,
-  // and every further pass does the same again.
-  if (passes >= 1) {
-    const std::int32_t width = lm::stateOf(*this).nbrWidth;
+  if (mask == nullptr || !lm::hasDirectNeighbours(*this)) return 0;
+  const auto notSet = [set](std::uint8_t value) { return value != set; };
+  // Kept: a pass marks border pixels of the set regions and sets them back, so it leaves the mask as it was.
+  for (int pass = 0; pass < passes; ++pass) {
     morphList.clear();
-    for (std::int32_t begin = 0; begin < numPixel; begin += width) {
-      for (std::int32_t x = 0; x < std::min(width, numPixel - begin); ++x) {
-        if (mask[begin + x] != set || !bordersOthers(*this, mask, begin, x, set)) continue;
-        mask[begin + x] = static_cast<std::uint8_t>(set - 1);
-        morphList.push_back(begin + x);
-      }
+    for (std::int32_t pixel = 0; pixel < numPixel; ++pixel) {
+      if (mask[pixel] != set || !lm::anyNeighbour(*this, mask, pixel, notSet)) continue;
+      mask[pixel] = static_cast<std::uint8_t>(set - 1);
+      morphList.push_back(pixel);
     }
     for (const int pixel : morphList) mask[pixel] = set;
   }
@@ -46,12 +22,14 @@ int kAMBLE::dilate_ncv_fast(std::uint8_t* mask, std::uint8_t set, std::uint8_t r
 }
 
 int kAMBLE::erode_ncv_fast(std::uint8_t* mask, std::uint8_t set, std::uint8_t cleared, int passes) {
-  if (mask == nullptr || !isSized(*this)) return 0;
-  if (passes < 1) return 1;
-  lm::MaskBits& bits = lm::scratchOf(*this).mask;
-  bits.read(mask, lm::countOf(lm::stateOf(*this).nbrWidth), lm::countOf(numPixel),
-            {.set = set, .relabel = set, .cleared = cleared});
-  bits.peel(passes, morphList);
-  bits.write(mask);
+  if (mask == nullptr || !lm::hasDirectNeighbours(*this)) return 0;
+  const auto isCleared = [cleared](std::uint8_t value) { return value == cleared; };
+  for (int pass = 0; pass < passes; ++pass) {
+    morphList.clear();
+    for (std::int32_t pixel = 0; pixel < numPixel; ++pixel) {
+      if (mask[pixel] == set && lm::anyNeighbour(*this, mask, pixel, isCleared)) morphList.push_back(pixel);
+    }
+    for (const int pixel : morphList) mask[pixel] = cleared;
+  }
   return 1;
 }

@@ -7,6 +7,7 @@
 #include "base/aligned.h"
 #include "base/integers.h"
 #include "config/document.h"
+#include "engine/engine_state.h"
 #include "engine/kamble.h"
 
 namespace {
@@ -70,7 +71,9 @@ int lightMotion::frameProc(const unsigned char* frame, const char* timestamp, in
   const bool copyMade = lm::makeOnce(fgMaskCopy, pixels);
   objList.clear();
   // Without a mask (no frame was accepted yet, or an allocation failed) nothing moved.
-  if (!copyMade || engine->fgMask == nullptr || engine->numPixel != pixels) return 1;
+  if (!copyMade || engine->fgMask == nullptr || engine->numPixel != pixels || !lm::hasModel(*engine)) {
+    return 1;
+  }
   std::memcpy(fgMaskCopy, engine->fgMask, lm::countOf(pixels));
   objList = engine->genFgObj_ncv(fgMaskCopy);
   if (!objList.empty()) *resultLen = genRes(timestamp);

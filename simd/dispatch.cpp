@@ -14,29 +14,6 @@ Kernels kernelsFor(int level) {
           .touch = versionFor(level, touchVersions).function};
 }
 
-ModelKernels modelKernelsFor(int level) {
-  return {.takeFrame = versionFor(level, takeFrameVersions).function,
-          .findBusy = versionFor(level, findBusyVersions).function,
-          .settleBlock = versionFor(level, settleBlockVersions).function,
-          .matchBlock = versionFor(level, matchBlockVersions).function,
-          .findUpdateWork = versionFor(level, findUpdateWorkVersions).function};
-}
-
-MaskKernels maskKernelsFor(int level) {
-  return {.packRow = versionFor(level, packRowVersions).function,
-          .unpackRow = versionFor(level, unpackRowVersions).function};
-}
-
-const ModelKernels& modelKernels() {
-  static const ModelKernels chosen = modelKernelsFor(GetCpuInstructionSet());
-  return chosen;
-}
-
-const MaskKernels& maskKernels() {
-  static const MaskKernels chosen = maskKernelsFor(GetCpuInstructionSet());
-  return chosen;
-}
-
 }  // namespace lm
 
 namespace simd {

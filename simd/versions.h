@@ -4,8 +4,6 @@
 
 #include <cstddef>
 
-#include "simd/mask_kernels.h"
-#include "simd/model_kernels.h"
 #include "simd/simd.h"
 
 namespace lm {
@@ -21,7 +19,6 @@ namespace level = simd::level;
 
 // In each array the reference version comes first, then rising levels.
 
-// ---- public, in namespace simd ----------------------------------------------------------------------------
 inline constexpr Version<simd::ReplaceFn> replaceVersions[] = {
     {"replace_if_u8_c", level::none, simd::replace_if_u8_c},
     {"replace_if_u8_sse2", level::sse2, simd::replace_if_u8_sse2},
@@ -52,66 +49,17 @@ inline constexpr Version<simd::WidenFn> widenVersions[] = {
     {"cvt_u8_to_u32", level::none, simd::cvt_u8_to_u32},
 };
 
-// ---- of the background model, in namespace lm -------------------------------------------------------------
-inline constexpr Version<TakeFrameFn> takeFrameVersions[] = {
-    {"takeFrame_c", level::none, takeFrame_c},
-    {"takeFrame_avx2", level::avx2, takeFrame_avx2},
-};
-inline constexpr Version<FindBusyFn> findBusyVersions[] = {
-    {"findBusy_c", level::none, findBusy_c},
-    {"findBusy_avx2", level::avx2, findBusy_avx2},
-};
-inline constexpr Version<SettleBlockFn> settleBlockVersions[] = {
-    {"settleBlock_c", level::none, settleBlock_c},
-    {"settleBlock_avx2", level::avx2, settleBlock_avx2},
-};
-inline constexpr Version<MatchBlockFn> matchBlockVersions[] = {
-    {"matchBlock_c", level::none, matchBlock_c},
-    {"matchBlock_avx2", level::avx2, matchBlock_avx2},
-};
-inline constexpr Version<FindUpdateWorkFn> findUpdateWorkVersions[] = {
-    {"findUpdateWork_c", level::none, findUpdateWork_c},
-    {"findUpdateWork_avx2", level::avx2, findUpdateWork_avx2},
-};
-
-// ---- of object extraction, in namespace lm ----------------------------------------------------------------
-inline constexpr Version<PackRowFn> packRowVersions[] = {
-    {"packRow_c", level::none, packRow_c},
-    {"packRow_avx2", level::avx2, packRow_avx2},
-};
-inline constexpr Version<UnpackRowFn> unpackRowVersions[] = {
-    {"unpackRow_c", level::none, unpackRow_c},
-    {"unpackRow_avx2", level::avx2, unpackRow_avx2},
-};
-
 // ---- queries ----------------------------------------------------------------------------------------------
 
-// Calls visit(kernel, versions) for every public kernel, then for every internal one.
+// Calls visit(kernel, versions) for every kernel.
 template <class Visit>
-void forEachPublicKernel(Visit visit) {
+void forEachKernel(Visit visit) {
   visit("replace_if_u8", replaceVersions);
   visit("genRdDiff", genRdDiffVersions);
   visit("pruneFgByRoi", pruneVersions);
   visit("isMatchVal_bgr24", matchVersions);
   visit("isTouch", touchVersions);
   visit("cvt_u8_to_u32", widenVersions);
-}
-
-template <class Visit>
-void forEachInternalKernel(Visit visit) {
-  visit("takeFrame", takeFrameVersions);
-  visit("findBusy", findBusyVersions);
-  visit("settleBlock", settleBlockVersions);
-  visit("matchBlock", matchBlockVersions);
-  visit("findUpdateWork", findUpdateWorkVersions);
-  visit("packRow", packRowVersions);
-  visit("unpackRow", unpackRowVersions);
-}
-
-template <class Visit>
-void forEachKernel(Visit visit) {
-  forEachPublicKernel(visit);
-  forEachInternalKernel(visit);
 }
 
 // The last version that a processor of `level` can run.

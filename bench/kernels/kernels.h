@@ -40,7 +40,5 @@ void add_versions(const lm::Version<Function> (&versions)[count], Run run) {
 // One function per source; called by main.
 void add_copy();
 void add_pixel_kernels();
-void add_model_kernels();
-void add_mask_kernels();
 
 }  // namespace lm::bench

@@ -23,8 +23,6 @@ int main(int argc, char** argv) {
   }
   lm::bench::add_copy();
   lm::bench::add_pixel_kernels();
-  lm::bench::add_model_kernels();
-  lm::bench::add_mask_kernels();
   benchmark::Initialize(&argc, argv);
   if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 2;
   benchmark::RunSpecifiedBenchmarks();

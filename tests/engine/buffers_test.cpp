@@ -249,6 +249,15 @@ TEST_F(SecondSetUp, GivesEveryPixelANewNeighbourArray) {
   }
 }
 
+TEST_F(SecondSetUp, KeepsWhatAHostWroteForDirectNeighboursOutsideTheFrame) {
+  engine.nbr4Idx[0] = {7, 7, 7, 7, {}};
+  setUpAgain();
+  EXPECT_EQ(engine.nbr4Idx[0].up, 7);
+  EXPECT_EQ(engine.nbr4Idx[0].right, 1);
+  EXPECT_EQ(engine.nbr4Idx[0].down, 4);
+  EXPECT_EQ(engine.nbr4Idx[0].left, 7);
+}
+
 TEST_F(SecondSetUp, TruncatesLongerListsToTheNewSize) {
   engine.szImgX = 3;
   setUpAgain();

@@ -85,6 +85,15 @@ TEST_P(ModelSeedChannels, BackgroundImageIsTheFrame) {
 
 INSTANTIATE_TEST_SUITE_P(ModelSeed, ModelSeedChannels, ::testing::Values(1, 3, 4));
 
+TEST(ModelSeed, BytesBeyondTheChannelsAreNotWritten) {
+  CountingFrame engine(5, 5, 3);
+  engine.initModel_ncv();
+  engine.frmChn = 1;
+  engine.initModel_ncv();
+  const std::uint8_t* sample = engine.bgModel[12].samples[0];
+  EXPECT_EQ(Bytes(sample, sample + 4), (Bytes{12, 37, 38, 0})) << "pixel 12 held 36, 37, 38";
+}
+
 TEST(ModelSeed, PixelsOutsideTheRegionsAreSeededToo) {
   CountingFrame engine(5, 5, 1);
   engine.roiMask[12] = 0;

@@ -6,8 +6,6 @@
 #include <cstdlib>
 #include <set>
 
-#include "engine/engine_state.h"
-#include "engine/neighbours.h"
 #include "tests/support/engine_fixture.h"
 
 namespace lm::test {
@@ -148,43 +146,6 @@ TEST(DirectNeighbours, RecordsEndInZeros) {
     EXPECT_TRUE(
         std::all_of(std::begin(record.zero), std::end(record.zero), [](int byte) { return byte == 0; }));
   }
-}
-
-// Whether the arrays of the 32 pixels from `begin` on agree with the fixed offsets.
-bool followDistances(const SizedEngine& engine, std::size_t begin) {
-  if (begin + 32 > engine.pixels()) return false;
-  for (std::size_t i = begin; i < begin + 32; ++i) {
-    for (std::size_t k = 0; k < 25; ++k) {
-      if (engine.nbrIdx[i][k] != static_cast<int>(i) + stateOf(engine).nbrDistances[k]) return false;
-    }
-  }
-  return true;
-}
-
-TEST(NeighbourDistances, AreGivenForBlocksInsideTheFrameOnly) {
-  for (const auto& [width, height] :
-       {std::pair{36, 5}, {37, 6}, {64, 5}, {100, 9}, {35, 7}, {50, 4}, {1, 200}}) {
-    const SizedEngine engine(width, height, 1);
-    const NeighbourDistances distances(engine, stateOf(engine).nbrDistances);
-    std::size_t given = 0;
-    for (std::size_t begin = 0; begin < engine.pixels(); ++begin) {
-      if (distances.of(begin) == nullptr) continue;
-      ++given;
-      EXPECT_TRUE(followDistances(engine, begin)) << width << "x" << height << ", block at " << begin;
-    }
-    // Two columns on either side and two rows above and below have an incomplete neighbourhood.
-    const std::size_t columns = width >= 36 ? static_cast<std::size_t>(width) - 35 : 0;
-    const std::size_t rows = height >= 5 ? static_cast<std::size_t>(height) - 4 : 0;
-    EXPECT_EQ(given, columns * rows) << width << "x" << height;
-  }
-}
-
-TEST(NeighbourDistances, AreNotGivenForArraysOfAnotherLength) {
-  SizedEngine engine(40, 8, 1);
-  const std::size_t inside = 3 * 40 + 4;
-  ASSERT_NE(NeighbourDistances(engine, stateOf(engine).nbrDistances).of(inside), nullptr);
-  engine.numNbr = 9;
-  EXPECT_EQ(NeighbourDistances(engine, stateOf(engine).nbrDistances).of(inside), nullptr);
 }
 
 }  // namespace

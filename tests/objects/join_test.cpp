@@ -1,6 +1,7 @@
 // Joining boxes that are close together or overlap, and dropping small ones.
 #include <gtest/gtest.h>
 
+#include "objects/join.h"
 #include "tests/objects/scene.h"
 
 namespace lm::test {
@@ -59,6 +60,13 @@ TEST(GapPass, JoinedBoxIsNotJoinedAgainInTheSamePass) {
   // First pass: 26 - 9 + 1 and 48 - 31 + 1 wide. Second: 49 - 9 + 1. The height grows twice, not three times
   // as if each box had been added to the first in turn.
   EXPECT_EQ(scene.extract(), Boxes{box(9, 9, 41, 8)});
+}
+
+// As with a frame whose height a host set below 0: the spans overlap in y, columns 6 and 9 are 3 apart.
+TEST(GapPass, JoinsBoxesOfNegativeHeight) {
+  Boxes boxes{box(5, 0, 1, -30), box(9, 0, 1, -30)};
+  joinNear(boxes, 3.0F);
+  EXPECT_EQ(boxes, Boxes{box(5, 0, 6, -29)});
 }
 
 TEST(GapPass, EveryJoinAddsOnePixelToWidthAndHeight) {

@@ -67,11 +67,8 @@ int levelOfMnemonic(const std::string& mnemonic) {
 int levelOfFunction(const std::string& function) {
   static const std::map<std::string, int> levels = [] {
     std::map<std::string, int> byName;
-    lm::forEachPublicKernel([&](const char*, const auto& versions) {
+    lm::forEachKernel([&](const char*, const auto& versions) {
       for (const auto& version : versions) byName[std::string("simd::") + version.name] = version.level;
-    });
-    lm::forEachInternalKernel([&](const char*, const auto& versions) {
-      for (const auto& version : versions) byName[std::string("lm::") + version.name] = version.level;
     });
     return byName;
   }();

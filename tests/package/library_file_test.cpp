@@ -75,14 +75,9 @@ TEST(LibraryFile, AHostThatIsLinkedAgainstItHasItsOwnCopiesOfTheVariables) {
 // A weak function in such an object could replace the base level's copy in the whole library.
 TEST(LeveledObjects, DefineExactlyTheTablesVersionsAboveTheBaseLevel) {
   std::set<std::string> versions;
-  lm::forEachPublicKernel([&](const char*, const auto& rows) {
+  lm::forEachKernel([&](const char*, const auto& rows) {
     for (const auto& row : rows) {
       if (row.level > simd::level::sse2) versions.insert(std::string("simd::") + row.name);
-    }
-  });
-  lm::forEachInternalKernel([&](const char*, const auto& rows) {
-    for (const auto& row : rows) {
-      if (row.level > simd::level::sse2) versions.insert(std::string("lm::") + row.name);
     }
   });
   for (const char* level : {"sse41", "avx2"}) {

@@ -14,7 +14,6 @@ bool Model::seed() {
   }
   const std::size_t channels = static_cast<std::size_t>(frmChn);
   const auto copyPixel = [&](std::size_t from, std::array<Byte, 4>& slot) {
-    slot = {};
     for (std::size_t c = 0; c < channels; ++c) slot[c] = curFrame[from * channels + c];
   };
   for (std::size_t i = 0; i < bgModel.size(); ++i) {
@@ -27,13 +26,13 @@ bool Model::seed() {
 
 // The pixel's next neighbour, in turn.
 std::size_t Model::nextNeighbour(std::size_t i) {
-  const std::size_t neighbour = static_cast<std::size_t>(nbrIdx[i][nbrCursor[i]]);
+  const std::int32_t entry = nbrIdx[i][nbrCursor[i]];
   ++nbrCursor[i];
   if (nbrCursor[i] == static_cast<std::uint32_t>(numNbr)) {
     mark(Branch::neighbourCursorWraps);
     nbrCursor[i] = 0;
   }
-  return neighbour;
+  return entry == -1 ? i : static_cast<std::size_t>(entry);
 }
 
 void Model::difference() {
@@ -71,7 +70,7 @@ void Model::differenceInTurn(std::size_t n) {
 
 void Model::differenceOf(const std::vector<Byte>& a, const std::vector<Byte>& b, std::vector<Byte>& out,
                          int channel) const {
-  const std::size_t total = static_cast<std::size_t>(wrapMul(szImgX, szImgY) * frmChn);
+  const std::size_t total = static_cast<std::size_t>(std::max(wrapMul(szImgX, szImgY), 0) * frmChn);
   std::size_t p = 0;
   for (std::size_t k = static_cast<std::size_t>(channel); k < total; k += static_cast<std::size_t>(frmChn)) {
     out[p++] = static_cast<Byte>(std::abs(a[k] - b[k]));

@@ -103,7 +103,15 @@ void Model::findNeighbours(int x, int y) {
     while (entry == -1) entry = around[static_cast<std::size_t>(std::rand() % numNbr)];
   }
   nbrIdx.push_back(around);
-  nbr4Idx[nbrIdx.size() - 1] = {indexOf(x, y - 1), indexOf(x + 1, y), indexOf(x, y + 1), indexOf(x - 1, y)};
+  // An entry without a neighbour keeps its value: -1, unless a host wrote it.
+  const auto store = [](std::int32_t& entry, int neighbour) {
+    if (neighbour != -1) entry = neighbour;
+  };
+  FourNeighbours& direct = nbr4Idx[nbrIdx.size() - 1];
+  store(direct.up, indexOf(x, y - 1));
+  store(direct.right, indexOf(x + 1, y));
+  store(direct.down, indexOf(x, y + 1));
+  store(direct.left, indexOf(x - 1, y));
 }
 
 }  // namespace plain

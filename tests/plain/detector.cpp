@@ -33,7 +33,7 @@ int Detector::frameProc(const Byte* frame, const std::string& timestamp) {
   if (fgMaskCopy.empty()) fgMaskCopy.resize(pixels);
   objList.clear();
   // No motion before a frame of this size was learned.
-  if (engine->fgMask.empty() || engine->numPixel != frmW * frmH) return 0;
+  if (engine->fgMask.empty() || engine->numPixel != frmW * frmH || engine->bgModel.size() != pixels) return 0;
   std::copy_n(engine->fgMask.begin(), pixels, fgMaskCopy.begin());
   objList = engine->objects(fgMaskCopy);
   return objList.empty() ? 0 : genRes(timestamp);

@@ -12,9 +12,12 @@ struct Span {
   float end() const { return start + length; }
 };
 
-bool meet(const Span& a, const Span& b) {
-  return (b.start <= a.start && a.start <= b.end()) || (a.start <= b.start && b.start <= a.end());
+// A span ends before its start if a side of the frame is below 0.
+bool startsIn(const Span& a, const Span& b) {
+  return std::min(b.start, b.end()) <= a.start && a.start <= std::max(b.start, b.end());
 }
+
+bool meet(const Span& a, const Span& b) { return startsIn(a, b) || startsIn(b, a); }
 
 // Distance between facing ends, in whole pixels; also positive for spans that overlap.
 int apart(const Span& a, const Span& b) {
@@ -61,7 +64,7 @@ float Model::gap(const Box& a, const Box& b) {
 }
 
 bool Model::near(const Box& a, const Box& b) {
-  const float pixels = std::trunc(gap(a, b));
+  const float pixels = static_cast<float>(truncated(gap(a, b)));
   markIf(pixels == thrConnect, Branch::gapAtBound);
   mark(pixels <= thrConnect ? Branch::gapJoins : Branch::gapTooWide);
   return pixels <= thrConnect;

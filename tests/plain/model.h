@@ -145,6 +145,8 @@ class Model {
   bool inside(std::size_t i) const { return i < roiMask.size() && roiMask[i] != 0; }
   // objects.cpp
   bool canExtract() const;
+  bool hasSides() const { return szImgX >= 1 && szImgY >= 1; }
+  Vertex firstPixel(const Component& component) const;
   void prune(std::vector<Byte>& mask);
   void fillLabels(const std::vector<Byte>& mask);
   Box boxOf(const Component& component);

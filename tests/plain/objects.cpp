@@ -6,8 +6,10 @@
 namespace plain {
 
 bool Model::canExtract() const {
-  const bool rowsFit = labelRows.empty() || labelRows.size() == static_cast<std::size_t>(szImgY);
-  return szImgX >= 1 && numPixel >= 1 && wrapMul(szImgX, szImgY) == numPixel && rowsFit && !roiMask.empty() &&
+  const bool rowsFit = labelRows.empty() || (szImgY <= static_cast<std::int32_t>(labelRows.size()) &&
+                                             szImgX <= static_cast<std::int32_t>(labelRows.front().size()));
+  const bool sidesFit = !hasSides() || std::int64_t{szImgX} * szImgY <= numPixel;
+  return numPixel >= 1 && rowsFit && sidesFit && !roiMask.empty() &&
          nbr4Idx.size() == static_cast<std::size_t>(numPixel);
 }
 
@@ -18,7 +20,7 @@ std::vector<Box> Model::objects(std::vector<Byte>& mask) {
   prune(mask);
   fillLabels(mask);
   const std::vector<Component> components = label(labelMap, 1);
-  for (int y = 0; y < szImgY; ++y) {
+  for (int y = 0; hasSides() && y < szImgY; ++y) {
     std::copy_n(labelMap.begin() + y * szImgX, szImgX, labelRows[static_cast<std::size_t>(y)].begin());
   }
 
@@ -31,7 +33,7 @@ std::vector<Box> Model::objects(std::vector<Byte>& mask) {
       found.push_back(boxOf(component));
     } else if (autoSensitivity) {
       mark(Branch::componentSmallNoted);
-      small.push_back({component.first % szImgX, component.first / szImgX});
+      small.push_back(firstPixel(component));
     } else {
       mark(Branch::componentDropped);
     }
@@ -48,10 +50,11 @@ std::vector<Box> Model::objects(std::vector<Byte>& mask) {
   joinAll([this](const Box& a, const Box& b) { return overlap(a, b); }, Branch::overlapSecondPass);
 
   for (Box& box : found) {
-    box.x /= static_cast<float>(szImgX);
-    box.width /= static_cast<float>(szImgX);
-    box.y /= static_cast<float>(szImgY);
-    box.height /= static_cast<float>(szImgY);
+    const auto fraction = [](float pixels, int side) {
+      return side < 1 ? 0.0F : pixels / static_cast<float>(side);
+    };
+    box = {fraction(box.x, szImgX), fraction(box.y, szImgY), fraction(box.width, szImgX),
+           fraction(box.height, szImgY)};
   }
   adapt(!found.empty(), small);
   return found;
@@ -60,6 +63,7 @@ std::vector<Box> Model::objects(std::vector<Byte>& mask) {
 void Model::fillLabels(const std::vector<Byte>& mask) {
   if (labelMap.empty()) labelMap.resize(mask.size());
   std::copy(mask.begin(), mask.end(), labelMap.begin());
+  if (!hasSides()) return;
   const std::vector<std::uint32_t> row(static_cast<std::size_t>(szImgX));
   if (labelRows.empty()) labelRows.assign(static_cast<std::size_t>(szImgY), row);
 }
@@ -78,9 +82,15 @@ void Model::prune(std::vector<Byte>& mask) {
   }
 }
 
+Vertex Model::firstPixel(const Component& component) const {
+  if (szImgX == 0) return {0, 0};
+  return {component.first % szImgX, component.first / szImgX};
+}
+
 // The first empty row or column in every direction from the component's first pixel: a margin of one pixel on
 // each side. There is none at the left and top border; if none is found to the right or below, the box gets
-// the whole frame's width or height.
+// the whole frame's width or height. There is nothing to find beside or below the frame, which a host may
+// have made smaller.
 Box Model::boxOf(const Component& component) {
   const auto holds = [&](int x, int y) {
     return labelRows[static_cast<std::size_t>(y)][static_cast<std::size_t>(x)] == component.label;
@@ -97,8 +107,10 @@ Box Model::boxOf(const Component& component) {
     }
     return true;
   };
-  const int x0 = component.first % szImgX, y0 = component.first / szImgX;
-  int top = y0, left = x0, bottom = y0, right = x0;
+  const auto [x0, y0] = firstPixel(component);
+  const bool inColumns = x0 >= 0 && x0 < szImgX, inRows = y0 >= 0 && y0 < szImgY;
+  int top = inRows && szImgX >= 1 ? y0 : -1, bottom = inRows ? y0 : szImgY;
+  int left = inColumns ? x0 : -1, right = inColumns ? x0 : szImgX;
   while (top >= 0 && !emptyRow(top)) --top;
   while (left >= 0 && !emptyColumn(left)) --left;
   while (bottom < szImgY && !emptyRow(bottom)) ++bottom;

@@ -4,7 +4,6 @@
 
 #include <algorithm>
 
-#include "engine/engine_state.h"
 #include "engine/kamble.h"
 #include "plugin/detector.h"
 #include "tests/plugin/scene.h"
@@ -50,8 +49,8 @@ TEST_F(SecondInit, OfTallerFramesReleasesOnlyTheExistingLabelRows) {
 }
 
 // Neighbours are those of the first frame, 100 pixels wide. After seeding, a pixel's next neighbour is one
-// column to the right and two rows below. The 32 pixels from 4864 on, in column 14 of the second shape, are
-// interior pixels there, but two rows of 100 pixels below them lie outside the frame.
+// column to the right and two rows below. Two
+// rows of 100 pixels below the 32 pixels from 4864 on lie outside the frame.
 TEST_F(SecondInit, OfRotatedFramesUsesTheNeighboursOfTheFirstFrame) {
   learn(dark_);
   configure({50, 100, 1});
@@ -64,15 +63,18 @@ TEST_F(SecondInit, OfRotatedFramesUsesTheNeighboursOfTheFirstFrame) {
   EXPECT_EQ(detector_.engine->bgImg[3050 + 201], 50) << "not written: its neighbour did not change";
 }
 
-// For each strip, the illumination difference is computed as far ahead as the neighbours reach.
-TEST_F(SecondInit, OfNarrowerFramesComputesDifferencesTwoRowsOfTheFirstFrameAhead) {
+// A host may make the buffers for another size and leave numPixel as it is.
+TEST_F(SecondInit, FrameIsLeftOutWhileThePlanesHoldFewerPixels) {
   learn(dark_);
-  configure({50, 100, 1});
-  stateOf(*detector_.engine).stripPixels = 40;
-  Bytes brighter = dark_;
-  for (const std::size_t pixel : {1050, 1050 + 201}) brighter[pixel] = 58;
-  learn(brighter);
-  EXPECT_EQ(detector_.engine->bgImg[1050], 58);
+  kAMBLE& engine = *detector_.engine;
+  engine.destoryBuffer();
+  engine.szImgX = 10;
+  engine.szImgY = 5;
+  ASSERT_TRUE(engine.initBuffer_ncv());
+  std::fill_n(detector_.fgMaskCopy, 5000, std::uint8_t{9});
+  learn(dark_);
+  EXPECT_EQ(detector_.fgMaskCopy[0], 9) << "nothing was copied";
+  EXPECT_EQ(detector_.fgMaskCopy[4999], 9);
 }
 
 // A refused configuration still sets the frame size, so the frames of a host that ignores the refusal are

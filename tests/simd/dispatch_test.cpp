@@ -27,24 +27,6 @@ TEST(KernelsFor, EveryLevelHasItsVersions) {
     EXPECT_EQ(namesOf(lm::kernelsFor(level)), expected[level]) << level;
 }
 
-TEST(KernelsFor, InternalKernelsUseAvx2AtTheHighestLevelOnly) {
-  using Names = std::vector<std::string>;
-  for (int level = 0; level <= 8; ++level) {
-    const std::string suffix = level == 8 ? "_avx2" : "_c";
-    EXPECT_EQ(namesOf(lm::modelKernelsFor(level)),
-              Names({"takeFrame" + suffix, "findBusy" + suffix, "settleBlock" + suffix, "matchBlock" + suffix,
-                     "findUpdateWork" + suffix}))
-        << level;
-    EXPECT_EQ(namesOf(lm::maskKernelsFor(level)), Names({"packRow" + suffix, "unpackRow" + suffix})) << level;
-  }
-}
-
-TEST(KernelsFor, InternalKernelsAreThoseOfTheProcessor) {
-  const int level = GetCpuInstructionSet();
-  EXPECT_EQ(namesOf(lm::modelKernels()), namesOf(lm::modelKernelsFor(level)));
-  EXPECT_EQ(namesOf(lm::maskKernels()), namesOf(lm::maskKernelsFor(level)));
-}
-
 TEST(KernelsFor, NoVersionIsChosenBelowItsLevel) {
   for (int level = 0; level <= 8; ++level) {
     lm::forEachKernel([&](const char*, const auto& versions) {

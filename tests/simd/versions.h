@@ -25,5 +25,3 @@ std::ostream& operator<<(std::ostream& stream, const Version<Function>& version)
 
 // The names of the versions that the pointers refer to, in the table's order of kernels.
 std::vector<std::string> namesOf(const lm::Kernels& kernels);
-std::vector<std::string> namesOf(const lm::ModelKernels& kernels);
-std::vector<std::string> namesOf(const lm::MaskKernels& kernels);

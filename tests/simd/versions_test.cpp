@@ -33,7 +33,7 @@ TEST(Versions, TheExportedNamesAreTheTablesVersionsTheEntryPointsAndTheDispatche
                                  "detail::prune_fg_by_roi_dispatch",
                                  "detail::is_match_val_bgr24_dispatch",
                                  "detail::is_touch_dispatch"};
-  lm::forEachPublicKernel([&](const std::string& kernel, const auto& versions) {
+  lm::forEachKernel([&](const std::string& kernel, const auto& versions) {
     names.insert(kernel);
     for (const auto& version : versions) names.insert(version.name);
   });

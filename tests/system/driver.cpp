@@ -3,7 +3,7 @@
 #include <cstdlib>
 #include <sstream>
 
-#include "engine/engine_state.h"
+#include "engine/kamble.h"
 #include "plugin/detector.h"
 #include "plugin/entry_points.h"
 #include "simd/cpu_level.h"
@@ -145,7 +145,7 @@ std::string compareFrame(const Sequence& sequence, int k, const Frame& frame, li
 
 }  // namespace
 
-std::string compareOver(const Sequence& sequence, Cut cut) {
+std::string compareOver(const Sequence& sequence) {
   const ExportedBands bands;
   Frame frame = sequence.frame(0);
   Configured plain(sequence, frame.channels);
@@ -153,9 +153,6 @@ std::string compareOver(const Sequence& sequence, Cut cut) {
   std::string difference = configure(detector, sequence, frame.channels, plain);
   for (int k = 0; difference.empty() && k < sequence.frames; ++k) {
     if (k > 0) frame = sequence.frame(k);
-    // A strip has one row more than stripPixels holds: one to five rows here.
-    if (cut == Cut::anywhere)
-      lm::stateOf(*detector.engine).stripPixels = static_cast<std::size_t>(k % 5 * sequence.width);
     difference = report(sequence, k, compareFrame(sequence, k, frame, detector, plain.model));
   }
   return difference;

@@ -5,12 +5,9 @@
 
 #include "tests/system/sequence.h"
 
-// How the engine divides frames into strips: as usual, or differently for every frame.
-enum class Cut { usual, anywhere };
-
 // Compares every field and the result text after every frame. Returns the first difference and its frame, or
 // an empty string.
-std::string compareOver(const Sequence& sequence, Cut cut = Cut::usual);
+std::string compareOver(const Sequence& sequence);
 
 // Compares the result texts of the four entry points; for sequences configured by a document.
 std::string compareTextsOver(const Sequence& sequence);

@@ -3,8 +3,7 @@
 //
 // Excluded is what a host must not do: pass frames or masks of other lengths than announced, pass frames of
 // another shape than the engine's tables while its frame count is 0, or write values outside the documented
-// ranges. Also excluded are writes to the neighbour tables and the label planes, and masks of values that the
-// engine never makes.
+// ranges. Tables of neighbours hold any pixels, masks any values, and sides may be 0 or negative.
 #pragma once
 
 #include <algorithm>
@@ -142,6 +141,8 @@ std::vector<Operation> configurationOperations();
 std::vector<Operation> objectOperations();
 std::vector<Operation> fieldOperations();
 std::vector<Operation> planeOperations();
+std::vector<Operation> tableOperations();
+std::vector<Operation> sizeOperations();
 std::vector<Operation> detectorOperations();
 
 // Makes `steps` random calls. Returns an empty string, or where the sides differ: seed, step, difference and

@@ -75,26 +75,11 @@ std::string writeField(Pair& pair, Dice& dice, std::string& call) {
   return "";
 }
 
-// The frame size, without a configuration: width and height swapped, or another size.
-std::string writeSize(Pair& pair, Dice& dice, std::string& call) {
-  Shape shape = dice.chance(60) ? pair.sized() : anyShape(dice);
-  if (dice.chance(50)) std::swap(shape.width, shape.height);
-  call = "szImgX = " + std::to_string(shape.width) + ", szImgY = " + std::to_string(shape.height);
-  toBoth(pair, [shape](auto& state) {
-    state.szImgX = shape.width;
-    state.szImgY = shape.height;
-  });
-  return "";
-}
-
-bool withTables(const Pair& pair) { return pair.hasEngine() && pair.hasTables(); }
-
 }  // namespace
 
 std::vector<Operation> fieldOperations() {
   return {
       {"field", 60, withEngine, writeField},
-      {"szImgX, szImgY", 8, withTables, writeSize},
   };
 }
 

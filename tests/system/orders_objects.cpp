@@ -45,9 +45,10 @@ std::vector<T> blobs(const Pair& pair, Dice& dice, const std::vector<T>& values)
 
 std::string extract(Pair& pair, Dice& dice, std::string& call) {
   const bool own = dice.chance(50) && pair.model().fgMask.size() >= pair.pixels();
-  Bytes mask = blobs<std::uint8_t>(pair, dice, {0, 255});
+  const bool odd = !own && dice.chance(40);
+  Bytes mask = blobs<std::uint8_t>(pair, dice, odd ? Bytes{0, 255, 1, 2, 100, 254} : Bytes{0, 255});
   if (own) std::copy_n(pair.model().fgMask.begin(), pair.pixels(), mask.begin());
-  call = own ? "genFgObj_ncv(copy of fgMask)" : "genFgObj_ncv(blobs)";
+  call = own ? "genFgObj_ncv(copy of fgMask)" : odd ? "genFgObj_ncv(odd blobs)" : "genFgObj_ncv(blobs)";
   Plane<std::uint8_t> plane(mask);
   const std::string difference = callBoth(
       0, [&] { return pair.engine().genFgObj_ncv(plane.data()); },

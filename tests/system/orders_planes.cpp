@@ -46,14 +46,13 @@ struct PlaneKind {
   }
 
 constexpr PlaneKind planes[] = {
-    PLANE(fgMask, 0, 1, 255),      PLANE(prevFgMask, 0, 1, 255),
-    PLANE(bgImg, 0, 255, 1),       PLANE(curFrame, 0, 255, 1),
-    PLANE(prevFrame, 0, 255, 1),   PLANE(illumDiff, 0, 60, 1),
-    PLANE(rdDiff, 0, 60, 1),       PLANE(absorbMask, 0, 1, 255),
-    PLANE(roiMask, 0, 1, 1),       PLANE(updTimer, -2, 16, 1),
-    PLANE(minDist, 0, 70, 1),      PLANE(fgLife, 0, 30, 1),
-    PLANE(sampleCursor, 0, 19, 1), PLANE(refreshCount, 0, 15, 1),
-    PLANE(nbrCursor, 0, 12, 1),  // of at least 13 neighbours
+    PLANE(fgMask, 0, 1, 255),      PLANE(prevFgMask, 0, 1, 255),   PLANE(fgMask, 0, 255, 1),
+    PLANE(prevFgMask, 0, 3, 1),    PLANE(absorbMask, 254, 255, 1), PLANE(roiMask, 0, 3, 1),
+    PLANE(labelMap, 0, 3, 1),      PLANE(bgImg, 0, 255, 1),        PLANE(curFrame, 0, 255, 1),
+    PLANE(prevFrame, 0, 255, 1),   PLANE(illumDiff, 0, 60, 1),     PLANE(rdDiff, 0, 60, 1),
+    PLANE(absorbMask, 0, 1, 255),  PLANE(roiMask, 0, 1, 1),        PLANE(updTimer, -2, 16, 1),
+    PLANE(minDist, 0, 70, 1),      PLANE(fgLife, 0, 30, 1),        PLANE(sampleCursor, 0, 19, 1),
+    PLANE(refreshCount, 0, 15, 1), PLANE(nbrCursor, 0, 12, 1),  // of at least 13 neighbours
 };
 
 #undef PLANE

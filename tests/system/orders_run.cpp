@@ -42,8 +42,9 @@ class Quiet {
 
 std::vector<Operation> allOperations() {
   std::vector<Operation> all;
-  for (const auto& part : {frameOperations, bufferOperations, configurationOperations, objectOperations,
-                           fieldOperations, planeOperations, detectorOperations}) {
+  for (const auto& part :
+       {frameOperations, bufferOperations, configurationOperations, objectOperations, fieldOperations,
+        planeOperations, tableOperations, sizeOperations, detectorOperations}) {
     for (const Operation& operation : part()) all.push_back(operation);
   }
   return all;

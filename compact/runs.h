@@ -8,7 +8,7 @@
 
 #include "objects/component.h"
 
-namespace lm {
+namespace lm::compact {
 
 // A component and the rows and columns that it spans.
 struct SpannedComponent {
@@ -31,8 +31,8 @@ struct RunsOfRow {
 // Its storage is kept from one map to the next.
 class RunLabeller {
  public:
-  // Forgets all runs. `width`: pixels in a row; `value`: a label that is not used.
-  void start(std::int32_t width, std::uint32_t value);
+  // Forgets all runs. `width`: pixels in a row.
+  void start(std::int32_t width);
 
   // Adds the runs of row `y`, `words` words of bits with a blank word before and after. Rows come in rising
   // order; rows without a run may be left out.
@@ -42,23 +42,16 @@ class RunLabeller {
   // count from 2.
   const std::vector<SpannedComponent>& number();
 
-  // The rows that were added, in order.
-  const std::vector<RunsOfRow>& rows() const { return rows_; }
-
-  // Writes the labels of a row; after number().
-  void paint(const RunsOfRow& row, std::uint32_t* labels) const;
-
  private:
   std::uint32_t root(std::uint32_t run);
   void unite(std::uint32_t a, std::uint32_t b);
   void uniteWithRowAbove(const RunsOfRow& above, const RunsOfRow& below);
 
   std::int32_t width_ = 0;
-  std::uint32_t value_ = 0;
   std::vector<std::uint64_t> edges_;  // 1 where a pixel and the one to its left differ
   std::vector<Run> runs_;
   std::vector<RunsOfRow> rows_;
   std::vector<SpannedComponent> components_;
 };
 
-}  // namespace lm
+}  // namespace lm::compact

@@ -1,18 +1,12 @@
-#include "objects/runs.h"
+#include "compact/runs.h"
 
 #include <algorithm>
 #include <cassert>
 
-#include "objects/bit_rows.h"
+#include "compact/bit_rows.h"
 
-namespace lm {
+namespace lm::compact {
 namespace {
-
-// The label of the component number `index`: 2, 3, ... without `value`.
-std::uint32_t labelOf(std::size_t index, std::uint32_t value) {
-  const auto label = static_cast<std::uint32_t>(index) + 2;
-  return value >= 2 && label >= value ? label + 1 : label;
-}
 
 void include(SpannedComponent& spanned, const Run& run, std::int32_t row) {
   spanned.component.count += run.end - run.begin;
@@ -23,9 +17,8 @@ void include(SpannedComponent& spanned, const Run& run, std::int32_t row) {
 
 }  // namespace
 
-void RunLabeller::start(std::int32_t width, std::uint32_t value) {
+void RunLabeller::start(std::int32_t width) {
   width_ = width;
-  value_ = value;
   runs_.clear();
   rows_.clear();
   components_.clear();
@@ -89,7 +82,7 @@ const std::vector<SpannedComponent>& RunLabeller::number() {
       if (run.parent == i) {
         const std::int32_t first = row.y * width_ + run.begin;
         const auto index = static_cast<std::uint32_t>(components_.size());
-        components_.push_back({{labelOf(index, value_), 0, first}, run.begin, row.y, run.begin, row.y});
+        components_.push_back({{index + 2, 0, first}, run.begin, row.y, run.begin, row.y});
         run.parent = index;
       } else {
         run.parent = runs_[run.parent].parent;  // an earlier run: it holds its component already
@@ -100,12 +93,4 @@ const std::vector<SpannedComponent>& RunLabeller::number() {
   return components_;
 }
 
-void RunLabeller::paint(const RunsOfRow& row, std::uint32_t* labels) const {
-  for (std::uint32_t i = row.begin; i < row.end; ++i) {
-    const Run& run = runs_[i];
-    assert(run.parent < components_.size() && run.end <= width_);
-    std::fill(labels + run.begin, labels + run.end, labelOf(run.parent, value_));
-  }
-}
-
-}  // namespace lm
+}  // namespace lm::compact

@@ -7,9 +7,11 @@
 #include <cstdint>
 #include <vector>
 
-#include "simd/mask_kernels.h"
+namespace lm::compact {
 
-namespace lm {
+inline constexpr std::size_t wordPixels = 64;
+
+constexpr std::size_t wordsFor(std::size_t pixels) { return (pixels + wordPixels - 1) / wordPixels; }
 
 // Every row has a blank word before and after it, and there is a blank row above the first and one below the
 // last: the neighbours of pixels at the frame's edge read as 0.
@@ -50,4 +52,4 @@ void forEachColumn(const std::uint64_t* row, std::size_t words, Act act) {
   }
 }
 
-}  // namespace lm
+}  // namespace lm::compact

@@ -7,7 +7,8 @@ namespace lm {
 
 inline constexpr float leastLife = 1.0F;  // a smaller one does not decay
 inline constexpr float lifeLoss = 0.8F;
-inline constexpr std::int32_t lifeBand1 = 10;  // the upper bands are variables: see LifeRule
+inline constexpr std::int32_t lifeBand1 =
+    10;  // the upper bands are the variables THRESH_SAME_PIXEL_x2 and _x3
 inline constexpr float lifeGain1 = 1.0F;
 inline constexpr float lifeGain2 = 0.5F;
 inline constexpr float lifeGain3 = 0.2F;
