@@ -235,8 +235,7 @@ void Engine::learnRows(kAMBLE& settings, const std::uint8_t* frame) {
                          .border = border_.row(y)};
     run.learnRow(rule, input, learned, memory_.row(y), sums);
   }
-  const std::int64_t examined = settings.illumChange ? regionPixels_ - sums.excluded : 0;
-  settings.illumRatio = LightCount{examined, sums.lit}.ratio();
+  settings.illumRatio = LightCount{regionPixels_ - sums.excluded, sums.lit}.ratio();
 }
 
 std::vector<boxRect> Engine::boxes(kAMBLE& settings) {

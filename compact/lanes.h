@@ -33,6 +33,9 @@ using std::uint8_t;
 [[gnu::always_inline]] inline __m256i every(uint8_t byte) {
   return _mm256_set1_epi8(static_cast<char>(byte));
 }
+[[gnu::always_inline]] inline void prefetch(const void* bytes) {
+  _mm_prefetch(static_cast<const char*>(bytes), _MM_HINT_T0);
+}
 // The absolute differences of bytes: one of the two subtractions saturates to 0.
 [[gnu::always_inline]] inline __m256i differenceOf(__m256i a, __m256i b) {
   return _mm256_or_si256(_mm256_subs_epu8(a, b), _mm256_subs_epu8(b, a));

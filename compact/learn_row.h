@@ -18,6 +18,10 @@ struct Matches {
   uint32_t near;
 };
 
+// Slots of a block that are compared before those of the next block are prefetched: a block that needs more
+// seldom comes alone.
+inline constexpr size_t fewSlots = 4;
+
 // All pixels of a block against one slot after the other, until those that are `wanted` have enough.
 template <size_t planes>
 [[gnu::always_inline]] inline Matches match(const LearnRule& rule, const uint8_t* samples,
@@ -38,13 +42,18 @@ template <size_t planes>
       distance = _mm256_adds_epu8(distance, difference);
     }
     const __m256i matches = isAtMost(largest, radius);
-    const __m256i close = _mm256_and_si256(matches, isAtMost(distance, radius));
+    const __m256i close = isAtMost(distance, radius);
     near = _mm256_or_si256(near, _mm256_andnot_si256(enough, close));
     count = _mm256_sub_epi8(count, matches);
     enough = isAtLeast(count, needed);
     if (_mm256_testc_si256(_mm256_or_si256(enough, others), all) != 0) break;
+    if (slot >= fewSlots) {
+      const uint8_t* ofNextBlock = samples + samplesPerPixel * planes * blockPixels;
+      prefetch(ofNextBlock);
+      if constexpr (planes > 1) prefetch(ofNextBlock + 64);
+    }
   }
-  return {bitsOf(enough) & wanted, bitsOf(near)};
+  return {bitsOf(enough), bitsOf(near)};
 }
 
 // ---- life -------------------------------------------------------------------------------------------------
@@ -92,16 +101,16 @@ template <int relation>
                                                     const uint8_t* differences, uint32_t counted,
                                                     uint32_t foreground, uint32_t absorbed) {
   for (size_t k = 0; k < 4; ++k) {
-    const uint32_t mine = counted >> (8 * k) & 0xFF;
-    if (mine == 0) continue;
+    if ((counted >> (8 * k) & 0xFF) == 0) continue;
     float* const eight = lives + 8 * k;
     const __m256 life = _mm256_loadu_ps(eight);
     const __m256i change =
         _mm256_cvtepu8_epi32(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(differences + 8 * k)));
     const __m256 still =
         _mm256_blendv_ps(decayed(life), _mm256_set1_ps(rule.absorbed), lanesOf(absorbed >> (8 * k)));
-    const __m256 next = _mm256_blendv_ps(still, gained(rule, life, change), lanesOf(foreground >> (8 * k)));
-    _mm256_storeu_ps(eight, _mm256_blendv_ps(life, next, lanesOf(mine)));
+    // What is not counted is neither foreground nor alive: it stays as it is.
+    _mm256_storeu_ps(eight,
+                     _mm256_blendv_ps(still, gained(rule, life, change), lanesOf(foreground >> (8 * k))));
   }
   return livesThat<_CMP_GE_OQ>(lives, leastLife);
 }

@@ -44,7 +44,8 @@ bool Memory::make(const Shape& shape) {
     parts.take(slot_, pixels);
     parts.take(turn_, pixels);
     parts.take(life_, pixels);
-    parts.take(samples_, words * sampleBytes(planes_));
+    // And one block, for the prefetch of the next one.
+    parts.take(samples_, (words + 1) * sampleBytes(planes_));
   };
   Parts sizes(0);
   layOut(sizes);

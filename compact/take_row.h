@@ -30,9 +30,12 @@ void take(const TakeRule& rule, const uint8_t* pixels, size_t left, BlockRange b
     if (((changed | row.foreground[block]) & row.region[block]) != 0) {
       // Most pixels need no more than the first few slots.
       const uint8_t* samples = row.samples + block * blockBytes;
-      for (size_t line = 0; line < 4; ++line) {
-        _mm_prefetch(reinterpret_cast<const char*>(samples + 64 * line), _MM_HINT_T0);
-      }
+      for (size_t line = 0; line < 4; ++line) prefetch(samples + 64 * line);
+      if (row.foreground[block] == 0) continue;
+      prefetch(row.life + at);
+      prefetch(row.life + at + blockPixels / 2);
+      prefetch(row.slot + at);
+      prefetch(row.turn + at);
     }
   }
 }
