@@ -24,7 +24,9 @@ void print_header(const std::string& commit, const std::string& yardstick_commit
   line("processor", processor() + ", kernels of level " + std::to_string(GetCpuInstructionSet()));
   line("compiler", LIGHTMOTION_COMPILER);
   line("commit", commit + ", yardstick " + yardstick_commit);
-  line("input", "generated, 3 channels, 25 frames per second; street: " + street_origin());
+  line("input",
+       "3 channels, 25 frames per second, Gaussian noise of sigma 1.5 (noisy: 2.5, storm: none); street: " +
+           street_origin());
   line("settings", "sensitivity 3, the whole frame in the region");
   line("peers", peer_settings());
   line("method",

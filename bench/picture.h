@@ -7,7 +7,7 @@
 
 namespace lm::bench {
 
-// Bars for each scene at `size`, in multiples of the time of copying the frame. `note`: a line at the bottom.
+// Bars for each scene at `size`, in milliseconds, worst scene first. `note`: a line at the bottom.
 // Throws std::runtime_error.
 void draw_picture(const Records& records, const std::string& size, const std::string& note,
                   const std::string& file);

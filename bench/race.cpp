@@ -13,6 +13,7 @@ struct Runner {
   Runner(const Candidate& candidate, cv::Size size) : peer(candidate.make(size)) {
     lap.name = candidate.name;
     lap.divided = candidate.divided;
+    grey = candidate.grey;
   }
 
   void run(const cv::Mat& frame, const std::string& time, bool timed) {
@@ -32,6 +33,7 @@ struct Runner {
   }
 
   std::unique_ptr<Peer> peer;
+  bool grey = false;
   Lap lap;
   std::vector<double> masks, wholes, shares;
 };
@@ -48,6 +50,11 @@ double median_of_cycles(const std::vector<double>& times, std::size_t cycle) {
 
 }  // namespace
 
+const Lap* find(const std::vector<Lap>& laps, const std::string& name) {
+  const auto lap = std::ranges::find(laps, name, &Lap::name);
+  return lap == laps.end() ? nullptr : &*lap;
+}
+
 double median(std::vector<double> values) {
   std::ranges::sort(values);
   const std::size_t half = values.size() / 2;
@@ -60,25 +67,32 @@ double milliseconds_of(const std::function<void()>& work) {
   return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count();
 }
 
-std::vector<Lap> race(const std::vector<Candidate>& candidates, const Scene& scene, Rounds rounds) {
+std::vector<Lap> race(const std::vector<Candidate>& candidates, Scene scene, Rounds rounds) {
   const host::base::CapturedStream chatter(stderr);  // messages that libraries print on their first frame
   std::vector<Runner> runners;
   runners.reserve(candidates.size());
-  for (const Candidate& candidate : candidates) runners.emplace_back(candidate, scene.opening.size());
+  for (const Candidate& candidate : candidates) runners.emplace_back(candidate, scene.size());
 
-  const int cycles = (rounds.timed + scene.cycle - 1) / scene.cycle;
-  const int frames = rounds.warm + cycles * scene.cycle;
+  const int cycles = (rounds.timed + scene.cycle() - 1) / scene.cycle();
+  const int frames = rounds.warm + cycles * scene.cycle();
+  const bool any_grey = std::ranges::any_of(candidates, &Candidate::grey);
+  cv::Mat grey;
   for (int n = 0; n < frames; ++n) {
+    const cv::Mat* const frame = scene.next();
+    if (frame == nullptr) break;
+    if (any_grey) cv::extractChannel(*frame, grey, 1);
     for (std::size_t i = 0; i < runners.size(); ++i) {
       Runner& runner = runners[(i + static_cast<std::size_t>(n)) % runners.size()];
-      runner.run(scene.at(n), time_of(n), n >= rounds.warm);
+      runner.run(runner.grey ? grey : *frame, time_of(n), n >= rounds.warm);
     }
   }
 
+  const auto cycle = static_cast<std::size_t>(scene.cycle());
   std::vector<Lap> laps;
   for (Runner& runner : runners) {
-    runner.lap.mask = median_of_cycles(runner.masks, static_cast<std::size_t>(scene.cycle));
-    runner.lap.whole = median_of_cycles(runner.wholes, static_cast<std::size_t>(scene.cycle));
+    runner.lap.mask = median_of_cycles(runner.masks, cycle);
+    runner.lap.whole = median_of_cycles(runner.wholes, cycle);
+    runner.lap.mean = mean(runner.wholes.data(), runner.wholes.size());
     if (!runner.shares.empty()) runner.lap.foreground = mean(runner.shares.data(), runner.shares.size());
     laps.push_back(std::move(runner.lap));
   }

@@ -22,7 +22,7 @@ void Records::write_csv(const std::string& file) const {
   std::ofstream out(file);
   out << "section,scene,size,candidate,measure,value\n";
   for (const Record& r : all_) {
-    out << r.section << ',' << r.scene << ',' << r.size << ',' << r.candidate << ',' << r.measure << ','
+    out << r.section << ',' << r.scene << ',' << r.size << ",\"" << r.candidate << "\"," << r.measure << ','
         << r.value << '\n';
   }
   if (!out.flush()) throw std::runtime_error("cannot write " + file);

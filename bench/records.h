@@ -33,6 +33,7 @@ std::string text_of(cv::Size size);
 // Throws std::invalid_argument.
 cv::Size size_of(const std::string& text);
 
+inline const cv::Size kVga(640, 480);
 inline const cv::Size kFullHd(1920, 1080);
 
 }  // namespace lm::bench

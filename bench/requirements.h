@@ -5,7 +5,7 @@
 
 namespace lm::bench {
 
-// Prints the table and adds it to the records.
-void judge(Records& records);
+// Prints the table and adds it to the records. Whether all were measured and met.
+bool judge(Records& records);
 
 }  // namespace lm::bench

@@ -94,6 +94,7 @@ bool Engine::learn(kAMBLE& settings, const std::uint8_t* frame, const Shape& sha
     if (!start(settings, frame)) return false;
   } else {
     learnRows(settings, frame);
+    classified_ = true;
   }
   settings.frmCount = wrapAdd(settings.frmCount, 1);
   return true;
@@ -242,7 +243,7 @@ std::vector<boxRect> Engine::boxes(kAMBLE& settings) {
   if (!started_) return {};
   for (std::int32_t y = 0; y < shape_.height; ++y) {
     // The words of a first frame mark what has not been classified.
-    if (settings.frmCount > 1) erosion_.read(y, memory_.foreground(y), shape_.blocks());
+    if (classified_) erosion_.read(y, memory_.foreground(y), shape_.blocks());
   }
   erosion_.peel(3);
   // Kept: the last pixels of the mask are pruned by the first pixels of the region.

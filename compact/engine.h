@@ -46,6 +46,7 @@ class Engine {
   const Kernels& kernels_;
   Shape shape_;
   bool started_ = false;
+  bool classified_ = false;  // a frame after the first
   Memory memory_;
   RecentRows recent_;
   Border border_;

@@ -27,6 +27,7 @@ class Peer {
 struct Candidate {
   std::string name;
   bool divided = false;  // the mask is also timed separately
+  bool grey = false;     // gets frames of one channel
   std::function<std::unique_ptr<Peer>(cv::Size)> make;
 };
 
@@ -45,15 +46,14 @@ std::string peer_settings();
 // The names of candidates in the results.
 inline constexpr const char* kPlugin = "lightmotion";
 inline constexpr const char* kYardstick = "yardstick";
-inline constexpr const char* kCopy = "memcpy";
+inline constexpr const char* kMog2 = "MOG2";
+inline constexpr const char* kCnt = "CNT mask";
 
 // A configuration with a centred region that covers `share` of the frame; 1: the whole frame.
-std::string document_for(cv::Size frame, double share = 1);
+std::string document_for(cv::Size frame, double share = 1, int channels = 3);
 
 std::unique_ptr<Peer> make_plugin(const std::string& library, const std::string& document);
 std::unique_ptr<Peer> make_mog2(cv::Size frame);
-std::unique_ptr<Peer> make_knn(cv::Size frame);
 std::unique_ptr<Peer> make_cnt(cv::Size frame);
-std::unique_ptr<Peer> make_copy(cv::Size frame);
 
 }  // namespace lm::bench

@@ -80,13 +80,14 @@ std::string point(double x, double y) {
 
 }  // namespace
 
-std::string document_for(cv::Size frame, double share) {
+std::string document_for(cv::Size frame, double share, int channels) {
   const double side = std::sqrt(share);
   // The whole frame needs a region larger than the frame, because a region's left edge is outside it.
   const double low = share < 1 ? (1 - side) / 2 : -1;
   const double high = share < 1 ? (1 + side) / 2 : 2;
   return R"({"frmW":")" + std::to_string(frame.width) + R"(","frmH":")" + std::to_string(frame.height) +
-         R"(","frmChn":"3","sensitivity":"3","roi":[{"name":"region","points":[)" + point(low, low) + "," +
+         R"(","frmChn":")" + std::to_string(channels) +
+         R"(","sensitivity":"3","roi":[{"name":"region","points":[)" + point(low, low) + "," +
          point(high, low) + "," + point(high, high) + "," + point(low, high) + "]}]}";
 }
 

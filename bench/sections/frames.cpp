@@ -1,22 +1,12 @@
+#include <algorithm>
 #include <cstdio>
+#include <iterator>
 
 #include "bench/sections/sections.h"
 #include "bench/table.h"
 
 namespace lm::bench {
 namespace {
-
-Rounds rounds_for(cv::Size size, int frames) {
-  if (frames == 0) frames = size.area() > kFullHd.area() ? 12 : 40;
-  return {.warm = 16, .timed = frames};
-}
-
-const Lap* find(const std::vector<Lap>& laps, const std::string& name) {
-  for (const Lap& lap : laps) {
-    if (lap.name == name) return &lap;
-  }
-  return nullptr;
-}
 
 // All builds of the plug-in return the same document for every frame.
 bool agree(const std::vector<Lap>& laps) {
@@ -35,26 +25,21 @@ bool agree(const std::vector<Lap>& laps) {
 bool peers_see_motion(const std::vector<Lap>& laps) {
   bool plausible = true;
   for (const Lap& lap : laps) {
-    if (!lap.divided || (lap.foreground > 0 && lap.foreground < 1)) continue;
+    if (lap.foreground == -1 || (lap.foreground > 0 && lap.foreground < 1)) continue;
     std::printf("  WRONG: %s has %g of the frame in its mask\n", lap.name.c_str(), lap.foreground);
     plausible = false;
   }
   return plausible;
 }
 
-void record(Records& records, const Scene& scene, const std::string& size, const std::vector<Lap>& laps) {
-  const Lap* const copy = find(laps, kCopy);
-  const auto add = [&](const Lap& lap, const std::string& part, double time) {
-    records.add({"frames", scene.name, size, lap.name, part + "_ms", time});
-    if (copy != nullptr)
-      records.add({"frames", scene.name, size, lap.name, part + "_copies", time / copy->whole});
+void record(Records& records, const std::string& scene, const std::string& size, const Lap& lap) {
+  const auto add = [&](const char* measure, double value) {
+    records.add({"frames", scene, size, lap.name, measure, value});
   };
-  for (const Lap& lap : laps) {
-    if (lap.divided) add(lap, "mask", lap.mask);
-    add(lap, "whole", lap.whole);
-    if (lap.foreground >= 0)
-      records.add({"frames", scene.name, size, lap.name, "foreground", lap.foreground});
-  }
+  if (lap.divided) add("mask_ms", lap.mask);
+  add("whole_ms", lap.whole);
+  add("mean_ms", lap.mean);
+  if (lap.foreground >= 0) add("foreground", lap.foreground);
 }
 
 struct Column {
@@ -62,59 +47,80 @@ struct Column {
   const char* candidate;
   const char* measure;
 };
-constexpr Column kColumns[] = {
-    {"copy ms", kCopy, "whole_ms"},       {"ms", kPlugin, "whole_ms"},
-    {"copies", kPlugin, "whole_copies"},  {"yardstick", kYardstick, "whole_copies"},
-    {"CNT mask", "CNT", "mask_copies"},   {"CNT", "CNT", "whole_copies"},
-    {"MOG2 mask", "MOG2", "mask_copies"}, {"MOG2", "MOG2", "whole_copies"},
-    {"KNN mask", "KNN", "mask_copies"},   {"KNN", "KNN", "whole_copies"},
-};
-// This build's total time compared with another build's.
-constexpr Column kAgainst[] = {{"/yardstick", kYardstick, "whole_ms"},
-                               {"/CNT mask", "CNT", "mask_ms"},
-                               {"/MOG2 mask", "MOG2", "mask_ms"},
-                               {"/MOG2", "MOG2", "whole_ms"}};
+constexpr Column kColumns[] = {{"yardstick", kYardstick, "whole_ms"},
+                               {"CNT mask", kCnt, "whole_ms"},
+                               {"MOG2 mask", kMog2, "mask_ms"},
+                               {"MOG2", kMog2, "whole_ms"}};
 
 std::vector<std::string> heads() {
-  std::vector<std::string> heads = {"scene", "size"};
+  std::vector<std::string> heads = {"scene", "size", "lightmotion"};
   for (const Column& column : kColumns) heads.emplace_back(column.head);
-  for (const Column& column : kAgainst) heads.emplace_back(column.head);
+  for (const Column& column : kColumns) heads.push_back(std::string("/") + column.head);
+  heads.emplace_back("/CNT, means");
   return heads;
 }
 
-std::vector<std::string> cells(const Records& records, const std::string& scene, const std::string& size) {
-  std::vector<std::string> cells = {scene, size};
-  const auto value = [&](const Column& column) {
+struct Row {
+  std::string scene, size;
+  double ours = 0;
+  double others[std::size(kColumns)] = {};
+  double means = 0;  // against CNT
+  double worst() const { return ours / others[1]; }
+};
+
+Row row_of(const Records& records, const std::string& scene, const std::string& size) {
+  Row row{scene, size, records.value("frames", scene, size, kPlugin, "whole_ms")};
+  std::ranges::transform(kColumns, row.others, [&](const Column& column) {
     return records.value("frames", scene, size, column.candidate, column.measure);
-  };
-  const double ours = records.value("frames", scene, size, kPlugin, "whole_ms");
-  for (const Column& column : kColumns) cells.push_back(figure(value(column)));
-  for (const Column& column : kAgainst) cells.push_back(figure(ours / value(column)));
-  return cells;
+  });
+  row.means = records.value("frames", scene, size, kPlugin, "mean_ms") /
+              records.value("frames", scene, size, kCnt, "mean_ms");
+  return row;
+}
+
+void print(std::vector<Row> rows) {
+  std::ranges::stable_sort(rows, std::ranges::greater(), &Row::worst);
+  const Table table(
+      "Whole frames, worst first: milliseconds of every candidate, and lightmotion's against the others' "
+      "(below "
+      "1: lightmotion is faster)",
+      heads(), 2);
+  for (const Row& row : rows) {
+    std::vector<std::string> cells = {row.scene, row.size, figure(row.ours)};
+    for (const double other : row.others) cells.push_back(figure(other));
+    for (const double other : row.others) cells.push_back(figure(row.ours / other));
+    cells.push_back(figure(row.means));
+    table.row(cells);
+  }
 }
 
 }  // namespace
+
+int timed_frames(const Plan& plan, const Scene& scene) {
+  constexpr int to_the_end = 1'000'000;
+  if (plan.frames > 0) return plan.frames;
+  const bool large = scene.size().area() > kFullHd.area();
+  if (scene.ends()) return large ? 200 : to_the_end;
+  return large ? 16 : plan.brief ? 150 : 60;
+}
 
 bool measure_frames(const Plan& plan, Records& records) {
   const std::vector<Candidate> candidates = all_candidates(plan.libraries);
   bool right = true;
   std::size_t compared = 0;
-  const Table table(
-      "Whole frames: milliseconds of one copy of the frame and of lightmotion's complete work; then every "
-      "candidate in "
-      "copies;\nthen lightmotion's complete work against others (below 1: lightmotion is faster)",
-      heads(), 2);
-  for (const std::string& name : plan.scenes) {
-    for (const cv::Size& size : plan.sizes) {
-      const Scene scene = make_scene(name, size);
-      const std::vector<Lap> laps = race(candidates, scene, rounds_for(size, plan.frames));
-      record(records, scene, text_of(size), laps);
-      table.row(cells(records, name, text_of(size)));
-      right &= agree(laps);
-      if (scene.partly_moving) right &= peers_see_motion(laps);
-      compared += laps.front().documents.size();
-    }
+  std::vector<Row> rows;
+  for (const auto& [name, size] : plan.rows) {
+    Scene scene = make_scene(name, size);
+    const int timed = timed_frames(plan, scene);
+    const bool partly_moving = scene.partly_moving();
+    const std::vector<Lap> laps = race(candidates, std::move(scene), {.timed = timed});
+    for (const Lap& lap : laps) record(records, name, text_of(size), lap);
+    rows.push_back(row_of(records, name, text_of(size)));
+    right &= agree(laps);
+    if (partly_moving) right &= peers_see_motion(laps);
+    compared += laps.front().documents.size();
   }
+  print(rows);
   if (right && !plan.libraries.yardstick.empty()) {
     std::printf("\nlightmotion and the yardstick gave the same result on each of %zu frames.\n", compared);
   }

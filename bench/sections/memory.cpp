@@ -1,12 +1,10 @@
 // Peak memory, each candidate in its own process.
 #include <malloc.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <fstream>
 #include <limits>
-#include <stdexcept>
 
+#include "bench/child.h"
 #include "bench/sections/sections.h"
 #include "bench/table.h"
 #include "host/base/standard_streams.h"
@@ -27,49 +25,39 @@ double status_bytes(const std::string& key) {
 void reset_peak() { std::ofstream("/proc/self/clear_refs") << "5"; }
 
 // The candidate's memory in addition to what the process used when its frames were ready.
-double peak_growth(const Candidate& candidate, const Scene& scene) {
-  constexpr int frames = 20;
+double peak_growth(const Candidate& candidate, const std::vector<cv::Mat>& frames) {
   const host::base::CapturedStream chatter(stderr);
   malloc_trim(0);  // otherwise the candidate would reuse, uncounted, memory freed after making the frames
   const double idle = status_bytes("VmRSS");
   reset_peak();
-  const auto peer = candidate.make(scene.opening.size());
-  for (int n = 0; n < frames; ++n) {
-    peer->find_mask(scene.at(n), time_of(n));
+  const auto peer = candidate.make(frames[0].size());
+  for (std::size_t n = 0; n < frames.size(); ++n) {
+    peer->find_mask(frames[n], time_of(static_cast<int>(n)));
     peer->find_objects();
   }
   return status_bytes("VmHWM") - idle;
 }
 
-double in_child(const std::function<double()>& measure) {
-  int ends[2];
-  if (pipe(ends) != 0) throw std::runtime_error("no pipe");
-  const pid_t child = fork();
-  if (child < 0) throw std::runtime_error("no child process");
-  if (child == 0) {
-    const double value = measure();
-    const bool sent = write(ends[1], &value, sizeof value) == sizeof value;
-    _exit(sent ? 0 : 1);
-  }
-  close(ends[1]);
-  double value = std::numeric_limits<double>::quiet_NaN();
-  if (read(ends[0], &value, sizeof value) != sizeof value) value = std::numeric_limits<double>::quiet_NaN();
-  close(ends[0]);
-  waitpid(child, nullptr, 0);
-  return value;
+std::vector<cv::Mat> first_frames(const char* name) {
+  Scene scene = make_scene(name, kFullHd);
+  std::vector<cv::Mat> frames(20);
+  for (cv::Mat& frame : frames) frame = scene.next()->clone();
+  return frames;
 }
 
 }  // namespace
 
 void measure_memory(const Plan& plan, Records& records) {
-  const Scene scene = make_scene("busy", kFullHd);
-  const Table table("Peak memory beyond an idle process, busy, 1920x1080: bytes per pixel",
-                    {"candidate", "bytes"}, 1);
-  for (const Candidate& candidate : all_candidates(plan.libraries)) {
-    std::fflush(stdout);
-    const double bytes = in_child([&] { return peak_growth(candidate, scene); }) / kFullHd.area();
-    records.add({"memory", "busy", text_of(kFullHd), candidate.name, "bytes_per_pixel", bytes});
-    table.row({candidate.name, figure(bytes)});
+  const Table table("Peak memory beyond an idle process, 1920x1080: bytes per pixel",
+                    {"scene", "candidate", "bytes"}, 2);
+  for (const char* const name : {"busy", "storm"}) {
+    const std::vector<cv::Mat> frames = first_frames(name);
+    for (const Candidate& candidate : all_candidates(plan.libraries)) {
+      const double bytes =
+          in_child(1, [&] { return std::vector{peak_growth(candidate, frames)}; }).front() / kFullHd.area();
+      records.add({"memory", name, text_of(kFullHd), candidate.name, "bytes_per_pixel", bytes});
+      table.row({name, candidate.name, figure(bytes)});
+    }
   }
 }
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "bench/peers/peer.h"
@@ -12,19 +13,23 @@ namespace lm::bench {
 
 struct Plan {
   Libraries libraries;
-  std::vector<std::string> scenes;
-  std::vector<cv::Size> sizes;
-  int frames = 0;  // timed frames per row; 0: depends on the size
+  std::vector<std::pair<std::string, cv::Size>> rows;  // scenes and sizes of measure_frames
+  int frames = 0;                                      // timed frames of a row; 0: depends on the size
+  bool brief = false;                                  // only what the requirements need
 };
 
-// Whole frames of every scene and size. False if a result is wrong; the error is printed.
+// How many frames of a scene are timed.
+int timed_frames(const Plan& plan, const Scene& scene);
+
+// Whole frames of every row. False if a result is wrong; the error is printed.
 bool measure_frames(const Plan& plan, Records& records);
 
 // The others are measured at 1920x1080.
 void measure_first_frame(const Plan& plan, Records& records);
 void measure_memory(const Plan& plan, Records& records);
-void measure_regions(const Plan& plan, Records& records);
-void measure_stages(const Plan& plan, Records& records);
-void measure_objects(Records& records);
+void measure_savings(const Plan& plan, Records& records);
+
+// Runs bench_level under Valgrind.
+void measure_instructions(const Plan& plan, Records& records);
 
 }  // namespace lm::bench

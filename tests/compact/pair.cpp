@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cstdlib>
-#include <memory>
 #include <utility>
 
 #include "base/aligned.h"
@@ -41,7 +40,7 @@ std::vector<int> levels() {
 
 Pair::Pair(const lm::compact::Shape& shape, std::vector<std::string> entries, std::vector<polygon> include,
            std::vector<polygon> exclude, int level)
-    : shape_(shape), compact_(level) {
+    : shape_(shape), compact_(level), frame_(static_cast<std::size_t>(shape.height) * shape.rowBytes()) {
   std::vector<polygon> include2 = include;
   std::vector<polygon> exclude2 = exclude;
   open_.setParam(entries, include, exclude);
@@ -50,21 +49,19 @@ Pair::Pair(const lm::compact::Shape& shape, std::vector<std::string> entries, st
 }
 
 std::string Pair::feed(const std::vector<std::uint8_t>& pixels, const std::string& timestamp) {
-  const std::unique_ptr<std::uint8_t[]> exact(new std::uint8_t[pixels.size()]);
-  std::copy(pixels.begin(), pixels.end(), exact.get());
+  const std::uint8_t* const frame = placed(pixels);
   open_.setTimestamp(timestamp.c_str());
   settings_.setTimestamp(timestamp.c_str());
+  bool learned = false;
+  bool learned2 = false;
   const int drawn =
-      drawnBy([&] { open_.learnBg_ncv(exact.get(), shape_.width, shape_.height, shape_.channels); });
-  const int drawn2 = drawnBy([&] { compact_.learn(settings_, exact.get(), shape_); });
+      drawnBy([&] { learned = open_.learnBg_ncv(frame, shape_.width, shape_.height, shape_.channels); });
+  const int drawn2 = drawnBy([&] { learned2 = compact_.learn(settings_, frame, shape_); });
   if (drawn != drawn2) return "rand() was drawn from a different number of times";
-  ++frames_;
+  if (learned != learned2) return differs("learned", learned ? 1 : 0, learned2 ? 1 : 0);
+  frames_ += learned ? 1 : 0;
 
-  std::uint8_t* mask = nullptr;
-  lm::makeOnce(mask, shape_.width * shape_.height);
-  std::copy_n(open_.fgMask, lm::countOf(open_.numPixel), mask);
-  boxes_ = open_.genFgObj_ncv(mask);
-  lm::release(mask);
+  boxes_ = boxesOfOpen();
   const std::vector<boxRect> boxes = compact_.boxes(settings_);
 
   const std::string difference = compareMasks();
@@ -73,6 +70,26 @@ std::string Pair::feed(const std::vector<std::uint8_t>& pixels, const std::strin
     return "boxes: open " + std::to_string(boxes_.size()) + ", compact " + std::to_string(boxes.size());
   }
   return compareState();
+}
+
+const std::uint8_t* Pair::placed(const std::vector<std::uint8_t>& pixels) {
+  if (pixels.empty()) return nullptr;
+  const bool back = frames_ % 2 == 0;
+  const std::size_t beyond = pixels.size() % 32;
+  frame_.place(pixels.size(), back && beyond != 0 ? 32 - beyond : 0,
+               back ? GuardedBuffer::Against::back : GuardedBuffer::Against::front);
+  std::copy(pixels.begin(), pixels.end(), frame_.begin());
+  return frame_.begin();
+}
+
+std::vector<boxRect> Pair::boxesOfOpen() {
+  if (open_.fgMask == nullptr) return {};
+  std::uint8_t* mask = nullptr;
+  lm::makeOnce(mask, shape_.width * shape_.height);
+  std::copy_n(open_.fgMask, lm::countOf(open_.numPixel), mask);
+  std::vector<boxRect> boxes = open_.genFgObj_ncv(mask);
+  lm::release(mask);
+  return boxes;
 }
 
 std::string Pair::compareMasks() const {

@@ -7,6 +7,7 @@
 
 #include "compact/engine.h"
 #include "engine/kamble.h"
+#include "tests/support/guarded_buffer.h"
 
 class Pair {
  public:
@@ -17,12 +18,19 @@ class Pair {
   // Whether the compact engine takes this configuration.
   bool suits() const { return suits_; }
 
-  // Gives both a frame; what differs afterwards, or "". The frame is passed in memory of its exact size.
+  // Gives both a frame; what differs afterwards, or "". The frame lies beside an inaccessible page. Without
+  // pixels it is null, which both refuse.
   std::string feed(const std::vector<std::uint8_t>& pixels, const std::string& timestamp);
 
+  // As if so many frames had been learned; after the first.
+  void setFrameCount(std::int32_t count) { open_.frmCount = settings_.frmCount = count; }
+
+  int frames() const { return frames_; }  // learned
   std::size_t boxes() const { return boxes_.size(); }
 
  private:
+  const std::uint8_t* placed(const std::vector<std::uint8_t>& pixels);
+  std::vector<boxRect> boxesOfOpen();
   std::string compareMasks() const;
   std::string compareState() const;
 
@@ -30,6 +38,7 @@ class Pair {
   kAMBLE open_;
   kAMBLE settings_;
   lm::compact::Engine compact_;
+  GuardedBuffer frame_;
   std::vector<boxRect> boxes_;
   int frames_ = 0;
   bool suits_ = false;

@@ -56,6 +56,32 @@ TEST_F(CompactEngineTakes, ThresholdsOfBytes) {
   EXPECT_TRUE(takes({8, 8, 3}));
 }
 
+TEST_F(CompactEngineTakes, DifferencesFrom0On) {
+  settings_.thrHeuris = settings_.thrIllum = 0;
+  EXPECT_TRUE(takes({8, 8, 3}));
+  settings_.thrHeuris = -1;
+  EXPECT_FALSE(takes({8, 8, 3}));
+  settings_.thrHeuris = 0;
+  settings_.thrIllum = -1;
+  EXPECT_FALSE(takes({8, 8, 3}));
+}
+
+TEST_F(CompactEngineTakes, FramesOfTheConfiguredSize) {
+  ASSERT_TRUE(takes({8, 8, 3}));
+  EXPECT_FALSE(lm::compact::Engine::suits(settings_, {9, 8, 3}));
+  EXPECT_FALSE(lm::compact::Engine::suits(settings_, {8, 9, 3}));
+}
+
+TEST_F(CompactEngineTakes, OnlySettingsWithARegionAndTheUsualNeighbourhood) {
+  settings_.numNbr = 24;
+  EXPECT_FALSE(takes({8, 8, 3}));
+  settings_.numNbr = 25;
+  EXPECT_TRUE(takes({8, 8, 3}));
+  std::free(settings_.roiMask);
+  settings_.roiMask = nullptr;
+  EXPECT_FALSE(takes({8, 8, 3}));
+}
+
 TEST_F(CompactEngineTakes, OnlyEnginesThatHaveSeenNoFrame) {
   settings_.frmCount = 1;
   EXPECT_FALSE(takes({8, 8, 3}));
