@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <utility>
 
 #include "tests/support/engine_fixture.h"
 
@@ -38,7 +39,7 @@ TEST(HostNeighbours, LightIsFollowedWhereTheListedNeighbourChangedToo) {
 
 TEST(HostNeighbours, LightIsNotFollowedWhereTheListedNeighbourDidNotChange) {
   WideEngine engine;
-  engine.illumDiff[inside] = engine.illumDiff[inside - 2 * width - 2] = 6;  // entry 0 of the table
+  engine.illumDiff[inside] = engine.illumDiff[inside - 302] = 6;  // entry 0 of the table
   engine.nbrIdx[inside][0] = 0;
   engine.updateModel_ncv();
   EXPECT_EQ(engine.written(), 0U);
@@ -139,14 +140,17 @@ TEST(WideFrames, DifferencesAreThoseOfEveryPixel) {
   }
 }
 
+// The last product, times three channels, wraps to 1.
 TEST(WideFrames, SidesBelowOneCompareNothing) {
   for (const auto& [w, h] : {std::pair{0, 9}, {width, -9}, {-1431655765, 1}}) {
-    WideEngine engine;
+    SizedEngine engine(width, 9, 3);
+    engine.addFrames();
     engine.szImgX = w;
     engine.szImgY = h;
     std::fill_n(engine.rdDiff, engine.pixels(), std::uint8_t{77});
     EXPECT_FALSE(engine.heuristic_ncv());
     EXPECT_EQ(std::count(engine.rdDiff, engine.rdDiff + engine.pixels(), 77), 9 * width) << w << " x " << h;
+    EXPECT_EQ(engine.diffChn, 1) << "the channel's turn is over";
   }
 }
 

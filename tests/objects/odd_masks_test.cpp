@@ -59,9 +59,9 @@ TEST(WideMasks, ComponentsAndBoxesCrossBlocks) {
 TEST(OddMasks, OtherValuesKeepTheirsAndDoNotErode) {
   Scene scene(256, 3);
   scene.fill({0, 1, 256, 1});
-  for (const int row : {0, 2}) {
-    std::iota(scene.mask + row * 256, scene.mask + row * 256 + 253, std::uint8_t{2});
-    std::fill_n(scene.mask + row * 256 + 253, 3, std::uint8_t{100});
+  for (const std::ptrdiff_t begin : {0, 512}) {
+    std::iota(scene.mask + begin, scene.mask + begin + 253, std::uint8_t{2});
+    std::fill_n(scene.mask + begin + 253, 3, std::uint8_t{100});
   }
   EXPECT_EQ(scene.genFgObj_ncv(scene.mask).size(), 1U);
   for (int x = 0; x < 253; ++x) {
@@ -81,10 +81,11 @@ TEST(OddMasks, OtherValuesShieldFromClearedPixelsUntilForegroundBesideThemIsGone
   scene.genFgObj_ncv(scene.mask);
   // Three layers around (32, 5) in the four columns: 1 + 3 + 5 pixels.
   EXPECT_EQ(std::count(scene.mask, scene.mask + 840, 1), 48 - 9);
-  EXPECT_EQ(drawing(scene.mask + 2 * 70 + 30, 10, 10), picture({"7771111777"}));
-  EXPECT_EQ(drawing(scene.mask + 3 * 70 + 30, 10, 10), picture({"777.111777"}));
-  EXPECT_EQ(drawing(scene.mask + 4 * 70 + 30, 10, 10), picture({"777..11777"}));
-  EXPECT_EQ(drawing(scene.mask + 5 * 70 + 30, 10, 10), picture({"77....1777"}));
+  // Columns 30 to 39 of the rows 2 to 5.
+  EXPECT_EQ(drawing(scene.mask + 170, 10, 10), picture({"7771111777"}));
+  EXPECT_EQ(drawing(scene.mask + 240, 10, 10), picture({"777.111777"}));
+  EXPECT_EQ(drawing(scene.mask + 310, 10, 10), picture({"777..11777"}));
+  EXPECT_EQ(drawing(scene.mask + 380, 10, 10), picture({"77....1777"}));
 }
 
 TEST(OddMasks, OnesCountAsForegroundBesideForeground) {
