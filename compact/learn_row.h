@@ -229,12 +229,25 @@ class Learner {
   Learner(const LearnRule& rule, const LearnRow& input, const RowPlanes& row)
       : rule_(rule), input_(input), row_(row), read_(input.pixels, input.left) {}
 
+  // The blocks with work of the eight from `block` on, as bits: testing one block after the other would
+  // mispredict most of those that noise touches.
+  [[gnu::always_inline]] uint32_t workOfEight(size_t block) const {
+    const __m256i stirred =
+        _mm256_or_si256(load32(input_.changes.changed + block), load32(row_.foreground + block));
+    const __m256i touched = _mm256_and_si256(load32(row_.region + block),
+                                             _mm256_or_si256(stirred, load32(input_.changes.lit + block)));
+    const __m128i resting = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(row_.resting + block));
+    const __m256i pending = _mm256_or_si256(load32(row_.alive + block), _mm256_cvtepu8_epi32(resting));
+    const __m256i idle = _mm256_cmpeq_epi32(_mm256_or_si256(touched, pending), _mm256_setzero_si256());
+    return static_cast<uint32_t>(_mm256_movemask_ps(_mm256_castsi256_ps(idle))) ^ 0xFF;
+  }
+
   [[gnu::always_inline]] void learn(size_t block, LightSums& sums) {
     const uint32_t region = row_.region[block];
     const uint32_t stirred = region & (input_.changes.changed[block] | row_.foreground[block]);
     const uint32_t lit = region & input_.changes.lit[block];
     const uint32_t alive = row_.alive[block];
-    if ((stirred | lit | alive) == 0 && row_.resting[block] == 0) return;
+    if ((stirred | lit | alive | row_.resting[block]) == 0) return;
 
     const size_t at = block * blockPixels;
     const Block<channels> mine(rule_, input_, row_, block);
@@ -291,7 +304,13 @@ template <int channels>
 void learn(const LearnRule& rule, const LearnRow& input, BlockRange blocks, const RowPlanes& row,
            LightSums& sums) {
   Learner<channels> learner(rule, input, row);
-  for (size_t block = blocks.begin; block < blocks.end; ++block) learner.learn(block, sums);
+  size_t block = blocks.begin;
+  for (; block + 8 <= blocks.end; block += 8) {
+    for (uint32_t work = learner.workOfEight(block); work != 0; work &= work - 1) {
+      learner.learn(block + firstOf(work), sums);
+    }
+  }
+  for (; block < blocks.end; ++block) learner.learn(block, sums);
 }
 
 }  // namespace

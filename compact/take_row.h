@@ -26,8 +26,11 @@ void take(const TakeRule& rule, const uint8_t* pixels, size_t left, BlockRange b
     store32(changes.difference + at, difference);
     const uint32_t changed = ~bitsOf(isAtMost(difference, unchanged));
     changes.changed[block] = changed;
-    changes.lit[block] = ~bitsOf(isAtMost(light, sameLight));
-    if (((changed | row.foreground[block]) & row.region[block]) != 0) {
+    const uint32_t lit = ~bitsOf(isAtMost(light, sameLight));
+    changes.lit[block] = lit;
+    const uint32_t region = row.region[block];
+    if ((lit & region) != 0) prefetch(row.neighbour + at);
+    if (((changed | row.foreground[block]) & region) != 0) {
       // Most pixels need no more than the first few slots.
       const uint8_t* samples = row.samples + block * blockBytes;
       for (size_t line = 0; line < 4; ++line) prefetch(samples + 64 * line);
