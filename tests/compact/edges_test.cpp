@@ -82,7 +82,7 @@ TEST(CompactEngine, GivesWhatTheOpenEngineGivesForDistancesBeyondAByte) {
 // background. All values but 100 match within the radius of 20 per channel, and exceed it over three
 // channels.
 TEST(CompactEngine, GivesWhatTheOpenEngineGivesForARestInStillFrames) {
-  const Shape shape{40, 12, 3};
+  const Shape shape{300, 6, 3};
   const std::vector<std::string> entries = {"MIN_MATCH_DIST 20", "MIN_MATCH_NUM 1", "ILLUMINATION_CHANGE 0"};
   for (const int still : {0, 1, 12, 13, 14, 15, 16, 40}) {
     const auto pixels = [&](Pair&, int frame) {
@@ -94,6 +94,19 @@ TEST(CompactEngine, GivesWhatTheOpenEngineGivesForARestInStillFrames) {
       return filled(shape, moving % 2 == 0 ? 82 : 58);
     };
     EXPECT_EQ(compareOver({shape, entries, {wholeOf(shape)}}, 20 + still, pixels), "") << still;
+  }
+}
+
+// The life of what was foreground decays, also while nothing changes: what comes back is absorbed later.
+TEST(CompactEngine, GivesWhatTheOpenEngineGivesForLifeInStillFrames) {
+  const Shape shape{300, 6, 3};
+  for (const int still : {1, 2, 5, 9}) {
+    const auto pixels = [&](Pair&, int frame) {
+      const bool gone = frame == 0 || (frame > 7 && frame <= 7 + still);
+      return filled(shape, gone ? 50 : 200);
+    };
+    const Edge edge{shape, {"ILLUMINATION_CHANGE 0"}, {wholeOf(shape)}, 330};
+    EXPECT_EQ(compareOver(edge, 30 + still, pixels), "") << still;
   }
 }
 
