@@ -8,7 +8,7 @@ namespace Json {
 class Value;
 }
 
-namespace lm::host::detector::check {
+namespace lm::check {
 
 class Findings;
 
@@ -24,12 +24,12 @@ struct Outline {
 };
 
 struct Outlines {
-  bool whole_frame = false;  // no regions in the document: the program adds one
+  bool wholeFrame = false;  // no regions in the document: the program adds one
   std::vector<Outline> included{};
   std::vector<Outline> excluded{};
 };
 
 // Reports what the plug-in cannot read, and values that it reads differently than they look.
-Outlines read_outlines(const Json::Value& document, Findings& findings);
+Outlines readOutlines(const Json::Value& document, Findings& findings);
 
-}  // namespace lm::host::detector::check
+}  // namespace lm::check

@@ -4,23 +4,26 @@
 #include <string>
 #include <vector>
 
+#include "config/check/findings.h"
+
 namespace Json {
 class Value;
 }
 
-namespace lm::host::detector::check {
-
-class Findings;
+namespace lm::check {
 
 // Of the document itself: the plug-in's settings, its lists of regions, and two keys that nothing reads,
-// "comment" and an editor's "$schema".
-std::vector<std::string> document_keys();
+// "comment" and an editor's "$schema". For handles also those of handleKeys.
+std::vector<std::string> documentKeys(Reader reader = Reader::plugin);
+
+// The keys that only handles know.
+inline constexpr const char* handleKeys[] = {"format", "absorb_seconds", "extent", "peel"};
 
 // The one of `known` that is most similar to `key`; empty if none is similar.
 std::string nearest(const std::string& key, const std::vector<std::string>& known);
 
 // Reports every key of `object` that is not in `known`. `path`: of the object, empty for the document.
-void check_keys(const Json::Value& object, const std::string& path, const std::vector<std::string>& known,
-                Findings& findings);
+void checkKeys(const Json::Value& object, const std::string& path, const std::vector<std::string>& known,
+               Findings& findings);
 
-}  // namespace lm::host::detector::check
+}  // namespace lm::check

@@ -1,19 +1,20 @@
-#include "host/detector/check/known_keys.h"
+#include "config/check/known_keys.h"
 
 #include <json/json.h>
 
 #include <algorithm>
 #include <cctype>
+#include <iterator>
 #include <numeric>
 
+#include "config/check/findings.h"
+#include "config/document.h"
 #include "config/param_table.h"
 #include "config/region_rules.h"
 #include "config/scalar_keys.h"
 #include "config/settings.h"
-#include "host/detector/check/findings.h"
-#include "host/detector/check/sizes.h"
 
-namespace lm::host::detector::check {
+namespace lm::check {
 namespace {
 
 std::string lowered(std::string text) {
@@ -38,7 +39,9 @@ std::size_t distance(const std::string& a, const std::string& b) {
   return row.back();
 }
 
-std::string hint_for(const std::string& key, const std::vector<std::string>& known) {
+std::string hintFor(const std::string& key, const std::vector<std::string>& known) {
+  if (std::find(std::begin(handleKeys), std::end(handleKeys), key) != std::end(handleKeys))
+    return "only detectors by handle (lightmotion.h) know it";
   const std::string near = nearest(key, known);
   if (!near.empty()) return "did you mean \"" + near + "\"?";
   if (findParam<Settings>(key) != nullptr)
@@ -50,16 +53,17 @@ std::string hint_for(const std::string& key, const std::vector<std::string>& kno
 
 }  // namespace
 
-std::vector<std::string> document_keys() {
+std::vector<std::string> documentKeys(Reader reader) {
   std::vector<std::string> keys;
-  for (const auto& key : scalarKeys<Sizes>) keys.emplace_back(key.name);
+  for (const auto& key : scalarKeys<FrameSize>) keys.emplace_back(key.name);
   keys.insert(keys.end(), {includedRegions.key, excludedRegions.key, "comment", "$schema"});
+  if (reader == Reader::handle) keys.insert(keys.end(), std::begin(handleKeys), std::end(handleKeys));
   return keys;
 }
 
 std::string nearest(const std::string& key, const std::vector<std::string>& known) {
-  constexpr std::size_t kLongest = 64;
-  if (key.size() > kLongest) return "";
+  constexpr std::size_t longest = 64;
+  if (key.size() > longest) return "";
   std::string best;
   std::size_t least = (key.size() + 1) / 3;  // the largest distance accepted
   for (const std::string& name : known) {
@@ -71,14 +75,14 @@ std::string nearest(const std::string& key, const std::vector<std::string>& know
   return best;
 }
 
-void check_keys(const Json::Value& object, const std::string& path, const std::vector<std::string>& known,
-                Findings& findings) {
+void checkKeys(const Json::Value& object, const std::string& path, const std::vector<std::string>& known,
+               Findings& findings) {
   for (const std::string& key : object.getMemberNames()) {
     if (std::find(known.begin(), known.end(), key) != known.end()) continue;
     std::string member = path;
     member.append(path.empty() ? "" : ".").append(key);
-    findings.add_to_key(Severity::kWarning, member, "unknown key, ignored", hint_for(key, known));
+    findings.addToKey(Severity::warning, member, "unknown key, ignored", hintFor(key, known));
   }
 }
 
-}  // namespace lm::host::detector::check
+}  // namespace lm::check

@@ -1,6 +1,6 @@
-#include "host/detector/check/crossing.h"
+#include "config/check/crossing.h"
 
-namespace lm::host::detector::check {
+namespace lm::check {
 namespace {
 
 // The side of the line from `a` to `b` on which the corner lies: above 0, below 0, or 0.
@@ -11,19 +11,19 @@ double side(const Corner& a, const Corner& b, const Corner& corner) {
          dy * (static_cast<double>(corner.x) - static_cast<double>(a.x));
 }
 
-bool on_both_sides(double one, double other) { return (one > 0 && other < 0) || (one < 0 && other > 0); }
+bool onBothSides(double one, double other) { return (one > 0 && other < 0) || (one < 0 && other > 0); }
 
 bool cross(const Corner& a, const Corner& b, const Corner& c, const Corner& d) {
-  return on_both_sides(side(a, b, c), side(a, b, d)) && on_both_sides(side(c, d, a), side(c, d, b));
+  return onBothSides(side(a, b, c), side(a, b, d)) && onBothSides(side(c, d, a), side(c, d, b));
 }
 
 }  // namespace
 
-std::optional<Crossing> first_crossing(const std::vector<Corner>& corners) {
-  constexpr std::size_t kMost =
+std::optional<Crossing> firstCrossing(const std::vector<Corner>& corners) {
+  constexpr std::size_t most =
       4096;  // more are not drawn by hand, and every edge is compared with every other
   const std::size_t count = corners.size();
-  if (count > kMost) return std::nullopt;
+  if (count > most) return std::nullopt;
   for (std::size_t i = 0; i < count; ++i) {
     for (std::size_t k = i + 2; k < count; ++k) {
       if (cross(corners[i], corners[i + 1], corners[k], corners[(k + 1) % count])) return Crossing{i, k};
@@ -32,4 +32,4 @@ std::optional<Crossing> first_crossing(const std::vector<Corner>& corners) {
   return std::nullopt;
 }
 
-}  // namespace lm::host::detector::check
+}  // namespace lm::check

@@ -1,4 +1,4 @@
-#include "host/detector/check/findings.h"
+#include "config/check/findings.h"
 
 #include <json/json.h>
 
@@ -7,7 +7,17 @@
 #include <cstdio>
 #include <tuple>
 
-namespace lm::host::detector::check {
+namespace lm::check {
+
+std::string message(const Finding& finding) {
+  std::string text = finding.key.empty() ? finding.text : '"' + finding.key + "\": " + finding.text;
+  if (!finding.hint.empty()) text.append(" (").append(finding.hint).append(")");
+  return text;
+}
+
+bool Findings::reads(const Json::Value& value) const {
+  return value.isString() || (reader_ == Reader::handle && value.isNumeric());
+}
 
 void Findings::add(Severity severity, const std::string& path, Place place, const std::string& text,
                    const std::string& hint) {
@@ -16,28 +26,28 @@ void Findings::add(Severity severity, const std::string& path, Place place, cons
 
 void Findings::add(Severity severity, const std::string& path, const std::string& text,
                    const std::string& hint) {
-  add(severity, path, path.empty() ? Place{} : places_.of_value(path), text, hint);
+  add(severity, path, path.empty() ? Place{} : places_.ofValue(path), text, hint);
 }
 
-void Findings::add_to_key(Severity severity, const std::string& path, const std::string& text,
-                          const std::string& hint) {
-  add(severity, path, places_.of_key(path), text, hint);
+void Findings::addToKey(Severity severity, const std::string& path, const std::string& text,
+                        const std::string& hint) {
+  add(severity, path, places_.ofKey(path), text, hint);
 }
 
-void Findings::add_repeats() {
+void Findings::addRepeats() {
   for (const Places::Repeat& repeat : places_.repeats()) {
-    add(Severity::kWarning, repeat.path, repeat.place,
+    add(Severity::warning, repeat.path, repeat.place,
         "appears twice; the one in line " + std::to_string(repeat.before.line) + " is ignored",
         "keep one of them");
   }
 }
 
-bool Findings::any_error() const {
+bool Findings::anyError() const {
   return std::any_of(all_.begin(), all_.end(),
-                     [](const Finding& f) { return f.severity == Severity::kError; });
+                     [](const Finding& f) { return f.severity == Severity::error; });
 }
 
-std::vector<Finding> Findings::in_order() const {
+std::vector<Finding> Findings::inOrder() const {
   std::vector<Finding> sorted = all_;
   std::stable_sort(sorted.begin(), sorted.end(), [](const Finding& a, const Finding& b) {
     return std::tie(a.line, a.column) < std::tie(b.line, b.column);
@@ -46,16 +56,21 @@ std::vector<Finding> Findings::in_order() const {
 }
 
 std::string shown(const Json::Value& value) {
-  constexpr std::size_t kLongest = 40;
+  constexpr std::size_t longest = 40;
   Json::StreamWriterBuilder compact;
   compact["indentation"] = "";
   compact["emitUTF8"] = true;
   compact["precision"] = 9;
   std::string text = Json::writeString(compact, value);
-  if (text.size() <= kLongest) return text;
-  std::size_t end = kLongest - 3;
+  if (text.size() <= longest) return text;
+  std::size_t end = longest - 3;
   while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xC0U) == 0x80U) --end;  // within a character
   return text.substr(0, end) + "...";
+}
+
+std::string numberText(const Json::Value& value) {
+  const bool whole = value.type() == Json::realValue && value.isInt64();
+  return whole ? std::to_string(value.asInt64()) : value.asString();
 }
 
 std::string shown(double number) {
@@ -64,4 +79,4 @@ std::string shown(double number) {
   return text.data();
 }
 
-}  // namespace lm::host::detector::check
+}  // namespace lm::check

@@ -5,9 +5,9 @@
 #include <optional>
 #include <vector>
 
-#include "host/detector/check/outlines.h"
+#include "config/check/outlines.h"
 
-namespace lm::host::detector::check {
+namespace lm::check {
 
 // Two edges, each by the index of its first corner.
 struct Crossing {
@@ -16,6 +16,6 @@ struct Crossing {
 };
 
 // The first two edges of a closed outline that cross. Edges that only touch do not cross.
-std::optional<Crossing> first_crossing(const std::vector<Corner>& corners);
+std::optional<Crossing> firstCrossing(const std::vector<Corner>& corners);
 
-}  // namespace lm::host::detector::check
+}  // namespace lm::check

@@ -1,4 +1,4 @@
-#include "host/detector/check/scalars.h"
+#include "config/check/scalars.h"
 
 #include <json/json.h>
 
@@ -6,20 +6,20 @@
 #include <string>
 #include <string_view>
 
+#include "config/check/findings.h"
+#include "config/document.h"
 #include "config/param_entry.h"
 #include "config/scalar_keys.h"
-#include "host/detector/check/findings.h"
-#include "host/detector/check/sizes.h"
 
-namespace lm::host::detector::check {
+namespace lm::check {
 namespace {
 
-std::string in_quotes(const std::string& text) { return shown(Json::Value(text)); }
+std::string inQuotes(const std::string& text) { return shown(Json::Value(text)); }
 
-std::string without_blanks_around(const std::string& text) {
-  constexpr const char* kBlanks = " \t\n\v\f\r";
-  const std::size_t begin = text.find_first_not_of(kBlanks);
-  return begin == std::string::npos ? "" : text.substr(begin, text.find_last_not_of(kBlanks) + 1 - begin);
+std::string withoutBlanksAround(const std::string& text) {
+  constexpr const char* blanks = " \t\n\v\f\r";
+  const std::size_t begin = text.find_first_not_of(blanks);
+  return begin == std::string::npos ? "" : text.substr(begin, text.find_last_not_of(blanks) + 1 - begin);
 }
 
 // The value that stays in effect when a value of this key is refused.
@@ -28,51 +28,52 @@ std::string kept(const std::string& key, const Settings& settings) {
   return shown(static_cast<double>(key == "minBoxW" ? settings.minObjW : settings.minObjH)) + " is kept";
 }
 
-class Reader {
+class ScalarReader {
  public:
-  Reader(Findings& findings, Settings& settings) : findings_(findings), settings_(settings) {}
+  ScalarReader(Findings& findings, Settings& settings) : findings_(findings), settings_(settings) {}
 
-  void read(const std::string& key, const std::string& text, bool is_size) {
+  void read(const std::string& key, const std::string& text, bool isSize) {
     const bool own = entry_.scan(key + ' ' + text);
-    if (!own && is_size) return;  // reported already: the plug-in converts sizes first
+    if (!own && isSize) return;  // reported already: the plug-in converts sizes first
     if (!own) {
-      findings_.add(Severity::kWarning, key,
-                    "is empty: the plug-in reuses " + in_quotes(entry_.value) + " from \"" + giver_ + "\"",
-                    "set a value or remove the key");
+      findings_.add(
+          Severity::warning, key,
+          "is empty: " + findings_.who() + " reuses " + inQuotes(entry_.value) + " from \"" + giver_ + "\"",
+          "set a value or remove the key");
     }
     const auto* row = findParam<Settings>(key);
     if (row == nullptr) {
-      findings_.add_to_key(Severity::kWarning, key, "has no effect: the plug-in reads it but never uses it",
-                           "remove it");
+      findings_.addToKey(Severity::warning, key,
+                         "has no effect: " + findings_.who() + " reads it but never uses it", "remove it");
     } else {
-      convert(*row, own ? text : entry_.value, is_size);
+      convert(*row, own ? text : entry_.value, isSize);
     }
     if (own) giver_ = key;
   }
 
  private:
-  void convert(const ParamRow<Settings>& row, const std::string& text, bool is_size) {
+  void convert(const ParamRow<Settings>& row, const std::string& text, bool isSize) {
     const std::string key(row.key);
     double number = 0;
     std::size_t used = 0;
     try {
       number = convertParam(row.conversion, entry_.value, &used);
     } catch (const std::exception&) {
-      if (is_size) return;
-      findings_.add(Severity::kError, key,
+      if (isSize) return;
+      findings_.add(Severity::error, key,
                     std::string("must be a ") + (row.conversion == Conversion::integer ? "whole " : "") +
-                        "number, not " + in_quotes(text) + "; the plug-in refuses it",
+                        "number, not " + inQuotes(text) + "; " + findings_.who() + " refuses it",
                     row.range);
       return;
     }
-    if (entry_.value.substr(0, used) != without_blanks_around(text)) {
-      findings_.add(Severity::kWarning, key, in_quotes(text) + " is read as " + shown(number),
+    if (entry_.value.substr(0, used) != withoutBlanksAround(text)) {
+      findings_.add(Severity::warning, key, inQuotes(text) + " is read as " + shown(number),
                     "write only the number");
     }
     const Settings before = settings_;
     if (applyParam(row, settings_, number)) {
       remark(key, number);
-    } else if (!is_size) {
+    } else if (!isSize) {
       refuse(row, shown(number), kept(key, before));
     }
   }
@@ -82,22 +83,22 @@ class Reader {
     const std::string key(row.key);
     const std::string outcome = row.fallBack != nullptr ? "the values of level 3 are used" : stays;
     const std::string hint = key == "lifeStatic" ? "remove it for the default of 3 seconds" : row.range;
-    findings_.add(Severity::kWarning, key, number + " is out of range: " + outcome, hint);
+    findings_.add(Severity::warning, key, number + " is out of range: " + outcome, hint);
   }
 
   // A value that is accepted but has unexpected consequences.
   void remark(const std::string& key, double number) {
     if (key == "sensitivity" && number == autoSensitivityLevel) {
-      findings_.add(Severity::kNote, key,
+      findings_.add(Severity::note, key,
                     "-1: uses the values of level 5 and adapts the minimum component size to the video");
     }
     if (key != "lifeStatic") return;
     if (number < 0) {
-      findings_.add(Severity::kError, key,
+      findings_.add(Severity::error, key,
                     shown(number) + " makes everything background at once: nothing is ever detected",
                     "remove it for the default of 3 seconds");
     } else {
-      findings_.add(Severity::kWarning, key,
+      findings_.add(Severity::warning, key,
                     "0: anything that stays nearly unchanged for a moment becomes background at once",
                     "remove it for the default of 3 seconds");
     }
@@ -111,19 +112,21 @@ class Reader {
 
 }  // namespace
 
-Settings check_scalars(const Json::Value& document, const SettledSizes& sizes, Findings& findings) {
+Settings checkScalars(const Json::Value& document, const SizeTexts& sizes, Findings& findings) {
   Settings settings;
-  Reader reader(findings, settings);
-  for (const ScalarKey<Sizes>& key : scalarKeys<Sizes>) {
+  ScalarReader reader(findings, settings);
+  for (const ScalarKey<FrameSize>& key : scalarKeys<FrameSize>) {
     const Json::Value& value = document[key.name];
-    const bool is_size = key.field != nullptr;
-    if (is_size) {
-      reader.read(key.name, sizes.texts.at(key.name), true);
-    } else if (value.isString()) {
-      reader.read(key.name, value.asString(), false);
+    const bool isSize = key.field != nullptr;
+    if (isSize) {
+      reader.read(key.name, sizes.at(key.name), true);
+    } else if (findings.reads(value)) {
+      reader.read(key.name, numberText(value), false);
+    } else if (document.isMember(key.name) && findings.reader() == Reader::handle) {
+      findings.add(Severity::error, key.name, "must be a number, not " + shown(value));
     } else if (document.isMember(key.name)) {
       findings.add(
-          Severity::kWarning, key.name,
+          Severity::warning, key.name,
           shown(value) + " is not a string: the plug-in ignores it and uses the default",
           value.isNumeric() ? "write \"" + shown(value) + "\"" : "write a number in quotation marks");
     }
@@ -131,4 +134,4 @@ Settings check_scalars(const Json::Value& document, const SettledSizes& sizes, F
   return settings;
 }
 
-}  // namespace lm::host::detector::check
+}  // namespace lm::check

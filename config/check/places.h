@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-namespace lm::host::detector::check {
+namespace lm::check {
 
 // From 1; columns count characters. 0 if not in the text.
 struct Place {
@@ -20,8 +20,8 @@ class Places {
   explicit Places(const std::string& text);
 
   // `path`: such as roi[0].points[2].x; for duplicate keys, the last one, which is the one in effect.
-  Place of_value(const std::string& path) const;
-  Place of_key(const std::string& path) const;
+  Place ofValue(const std::string& path) const;
+  Place ofKey(const std::string& path) const;
 
   // A key that its object already has.
   struct Repeat {
@@ -38,13 +38,13 @@ class Places {
   };
 
   char next(std::size_t ahead = 0) const { return at_ + ahead < text_.size() ? text_[at_ + ahead] : '\0'; }
-  void skip_blanks();
-  void skip_behind(const char* terminator);
-  bool skip_over(char wanted);
-  std::string read_string();
-  void read_value(const std::string& path);
-  void read_members(const std::string& path);
-  void read_items(const std::string& path);
+  void skipBlanks();
+  void skipBehind(const char* terminator);
+  bool skipOver(char wanted);
+  std::string readString();
+  void readValue(const std::string& path);
+  void readMembers(const std::string& path);
+  void readItems(const std::string& path);
   Place place(std::size_t offset) const;
 
   const std::string& text_;
@@ -54,4 +54,4 @@ class Places {
   std::vector<Repeat> repeats_;
 };
 
-}  // namespace lm::host::detector::check
+}  // namespace lm::check
