@@ -41,10 +41,9 @@ Engine::Engine(int level, Scope scope, bool redFirst)
 
 bool Engine::suitsSize(const Shape& shape) {
   const bool known = shape.channels == 1 || shape.channels == 3 || shape.channels == 4;
-  if (!known || shape.width < 1 || shape.height < 1) return false;
-  // Of a plane, whose rows are whole blocks.
-  const std::int64_t pixels = static_cast<std::int64_t>(shape.blocks() * blockPixels) * shape.height;
-  return pixels <= std::numeric_limits<std::int32_t>::max() / shape.channels;
+  static_assert(blockPixels == 32);
+  return known && shape.width >= 1 && shape.height >= 1 &&
+         fitsIndices(shape.width, shape.height, shape.channels);
 }
 
 bool Engine::suits(const kAMBLE& settings, const Shape& shape) {

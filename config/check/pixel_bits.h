@@ -15,7 +15,10 @@ class PixelBits {
   // `mask`: width x height bytes, 0 or not.
   PixelBits(const std::uint8_t* mask, std::int32_t width, std::int32_t height);
 
+  bool operator==(const PixelBits&) const = default;
+
   bool empty() const { return words_.empty(); }  // of no frame
+  std::size_t bytes() const { return words_.size() * sizeof(std::uint32_t); }
   std::size_t wordsPerRow() const { return perRow_; }
   const std::uint32_t* row(std::int32_t y) const {
     return words_.data() + static_cast<std::size_t>(y) * perRow_;

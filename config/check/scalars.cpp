@@ -28,6 +28,12 @@ std::string kept(const std::string& key, const Settings& settings) {
   return shown(static_cast<double>(key == "minBoxW" ? settings.minObjW : settings.minObjH)) + " is kept";
 }
 
+// A number of JSON; of a text, what follows the whole number is ignored.
+bool isFractionForInteger(const char* key, const Json::Value& value) {
+  const auto* row = findParam<Settings>(key);
+  return row != nullptr && row->conversion == Conversion::integer && value.isNumeric() && !value.isIntegral();
+}
+
 class ScalarReader {
  public:
   ScalarReader(Findings& findings, Settings& settings) : findings_(findings), settings_(settings) {}
@@ -120,6 +126,9 @@ Settings checkScalars(const Json::Value& document, const SizeTexts& sizes, Findi
     const bool isSize = key.field != nullptr;
     if (isSize) {
       reader.read(key.name, sizes.at(key.name), true);
+    } else if (findings.reads(value) && isFractionForInteger(key.name, value)) {
+      findings.add(Severity::error, key.name, "must be a whole number, not " + shown(value),
+                   findParam<Settings>(key.name)->range);
     } else if (findings.reads(value)) {
       reader.read(key.name, numberText(value), false);
     } else if (document.isMember(key.name) && findings.reader() == Reader::handle) {
