@@ -17,7 +17,7 @@
 #include <string_view>
 #include <vector>
 
-#include "lightmotion.h"
+#include "lightmotion/lightmotion.h"
 
 namespace lightmotion {
 
