@@ -1,6 +1,7 @@
 // The first-frame set-up of the engine's memory, and its release.
 #include <algorithm>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <utility>
 
@@ -53,7 +54,7 @@ void makeNeighbourArrays(kAMBLE& engine, const lm::FrameShape& shape) {
   if (shape.width < 1) return;
   forEachPixel(shape, [&](std::size_t pixel, std::int32_t x, std::int32_t y) {
     engine.nbrIdx[pixel] = new int[static_cast<std::size_t>(engine.numNbr)];
-    lm::fillNeighbours(engine.nbrIdx[pixel], engine.numNbr, engine.nbrOffset, shape, x, y);
+    lm::fillNeighbours(engine.nbrIdx[pixel], engine.numNbr, engine.nbrOffset, shape, x, y, std::rand);
   });
 }
 
@@ -107,10 +108,14 @@ void releasePlanes(kAMBLE& engine) {
 
 }  // namespace
 
-void lm::takeSize(kAMBLE& engine, std::int32_t width, std::int32_t height) {
+void lm::storeSize(kAMBLE& engine, std::int32_t width, std::int32_t height) {
   engine.szImgX = width;
   engine.szImgY = height;
   engine.numPixel = wrapMul(width, height);
+}
+
+void lm::takeSize(kAMBLE& engine, std::int32_t width, std::int32_t height) {
+  storeSize(engine, width, height);
   std::fprintf(stderr, "W, H, Pixels = %d, %d, %d\n", width, height, engine.numPixel);
 }
 

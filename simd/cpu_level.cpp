@@ -2,6 +2,8 @@
 
 #include <cpuid.h>
 
+#include <atomic>
+
 namespace {
 
 constexpr std::uint32_t bit(unsigned n) { return std::uint32_t{1} << n; }
@@ -40,7 +42,7 @@ CpuidWords readWords() {
   return words;
 }
 
-int cachedLevel = -1;  // not yet probed
+constinit std::atomic<int> cachedLevel = -1;  // not yet probed; every thread finds the same
 
 }  // namespace
 
@@ -61,6 +63,9 @@ int levelOf(const CpuidWords& words) {
 }
 
 int GetCpuInstructionSet() {
-  if (cachedLevel == -1) cachedLevel = levelOf(readWords());
-  return cachedLevel;
+  int level = cachedLevel.load(std::memory_order_relaxed);
+  if (level != -1) return level;
+  level = levelOf(readWords());
+  cachedLevel.store(level, std::memory_order_relaxed);
+  return level;
 }
