@@ -1,4 +1,5 @@
-// 64 detectors in 8 threads give what one alone gives. Long jobs run this under the thread sanitizer.
+// 64 detectors in 8 threads give what one alone gives. tests/long/threads runs this under the thread
+// sanitizer.
 #include <gtest/gtest.h>
 
 #include <thread>
