@@ -33,7 +33,7 @@ foreach(header ${LIGHTMOTION_PUBLIC_HEADERS})
 endforeach()
 
 # Included as <lightmotion/lightmotion.h>.
-install(FILES lightmotion/lightmotion.h lightmotion/lightmotion.hpp DESTINATION ${include_folder} COMPONENT development)
+install(FILES lightmotion/lightmotion.h lightmotion/lightmotion.hpp lightmotion/opencv.hpp DESTINATION ${include_folder} COMPONENT development)
 
 install(EXPORT lightmotion NAMESPACE lightmotion:: FILE lightmotion-targets.cmake
         DESTINATION ${cmake_folder} COMPONENT development)
