@@ -1,6 +1,8 @@
 #include "simd/cpu_level.h"
 
+#if defined(__x86_64__)
 #include <cpuid.h>
+#endif
 
 namespace {
 
@@ -17,6 +19,8 @@ constexpr std::uint32_t osxsave = bit(27), avx = bit(28);
 constexpr std::uint32_t sseState = bit(1), avxState = bit(2);
 // Leaf 7, EBX.
 constexpr std::uint32_t avx2 = bit(5);
+
+#if defined(__x86_64__)
 
 // XGETBV(0). Raises an illegal instruction where OSXSAVE is not reported.
 std::uint32_t readXcr0() {
@@ -40,6 +44,15 @@ CpuidWords readWords() {
   return words;
 }
 
+int probe() { return levelOf(readWords()); }
+
+#else
+
+// Every version runs on every processor, and results are those of x86-64 with AVX2.
+int probe() { return simd::level::avx2; }
+
+#endif
+
 int cachedLevel = -1;  // not yet probed
 
 }  // namespace
@@ -61,6 +74,6 @@ int levelOf(const CpuidWords& words) {
 }
 
 int GetCpuInstructionSet() {
-  if (cachedLevel == -1) cachedLevel = levelOf(readWords());
+  if (cachedLevel == -1) cachedLevel = probe();
   return cachedLevel;
 }

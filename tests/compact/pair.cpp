@@ -33,7 +33,10 @@ int drawnBy(const Step& step) {
 std::vector<int> levels() {
   std::vector<int> known;
   for (const int level : {simd::level::sse2, simd::level::sse41, simd::level::avx2}) {
-    if (level <= GetCpuInstructionSet()) known.push_back(level);
+    if (level > GetCpuInstructionSet()) continue;
+    const bool repeats =
+        !known.empty() && &lm::compact::kernelsFor(known.back()) == &lm::compact::kernelsFor(level);
+    if (!repeats) known.push_back(level);
   }
   return known;
 }
