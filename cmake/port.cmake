@@ -1,23 +1,18 @@
-# Toolchain for another architecture, by Debian's cross compilers: LIGHTMOTION_PORT is arm64, armhf or s390x. Its libraries
-# are in the folder that tools/port_root makes; its programs run under Debian's user-mode emulator.
+# Toolchain for another of Debian's architectures, LIGHTMOTION_PORT, by Debian's cross compiler for it. Its libraries are
+# those of tools/port_root, and its programs run under emulation by tools/port_run.
 list(APPEND CMAKE_TRY_COMPILE_PLATFORM_VARIABLES LIGHTMOTION_PORT)
+foreach(name GNU_CPU MULTIARCH)
+  execute_process(COMMAND dpkg-architecture -A${LIGHTMOTION_PORT} -qDEB_TARGET_${name} OUTPUT_VARIABLE ${name}
+                  OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
+endforeach()
 set(CMAKE_SYSTEM_NAME Linux)
-if(LIGHTMOTION_PORT STREQUAL arm64)
-  set(CMAKE_SYSTEM_PROCESSOR aarch64)
-  set(CMAKE_LIBRARY_ARCHITECTURE aarch64-linux-gnu)
-elseif(LIGHTMOTION_PORT STREQUAL armhf)
-  set(CMAKE_SYSTEM_PROCESSOR arm)
-  set(CMAKE_LIBRARY_ARCHITECTURE arm-linux-gnueabihf)
+set(CMAKE_SYSTEM_PROCESSOR ${GNU_CPU})
+set(CMAKE_LIBRARY_ARCHITECTURE ${MULTIARCH})
+set(CMAKE_C_COMPILER ${MULTIARCH}-gcc)
+set(CMAKE_CXX_COMPILER ${MULTIARCH}-g++)
+if(GNU_CPU STREQUAL arm)
   set(CMAKE_CXX_FLAGS_INIT -Wno-psabi) # notes on what GCC 7 changed
-elseif(LIGHTMOTION_PORT STREQUAL s390x)
-  set(CMAKE_SYSTEM_PROCESSOR s390x)
-  set(CMAKE_LIBRARY_ARCHITECTURE s390x-linux-gnu)
-else()
-  message(FATAL_ERROR "LIGHTMOTION_PORT is `${LIGHTMOTION_PORT}`; known: arm64, armhf, s390x")
 endif()
-
-set(CMAKE_C_COMPILER ${CMAKE_LIBRARY_ARCHITECTURE}-gcc)
-set(CMAKE_CXX_COMPILER ${CMAKE_LIBRARY_ARCHITECTURE}-g++)
 
 set(port_root ${CMAKE_CURRENT_LIST_DIR}/../build/port_roots/${LIGHTMOTION_PORT})
 set(CMAKE_FIND_ROOT_PATH ${port_root})
@@ -25,9 +20,7 @@ set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
 foreach(kind LIBRARY INCLUDE PACKAGE)
   set(CMAKE_FIND_ROOT_PATH_MODE_${kind} ONLY)
 endforeach()
-set(port_libraries ${port_root}/usr/lib/${CMAKE_LIBRARY_ARCHITECTURE})
-set(ENV{PKG_CONFIG_LIBDIR} ${port_libraries}/pkgconfig)
+set(ENV{PKG_CONFIG_LIBDIR} ${port_root}/usr/lib/${MULTIARCH}/pkgconfig)
 set(ENV{PKG_CONFIG_SYSROOT_DIR} ${port_root})
 
-set(CMAKE_CROSSCOMPILING_EMULATOR qemu-${CMAKE_SYSTEM_PROCESSOR} -L /usr/${CMAKE_LIBRARY_ARCHITECTURE}
-    -E LD_LIBRARY_PATH=${port_libraries})
+set(CMAKE_CROSSCOMPILING_EMULATOR ${CMAKE_CURRENT_LIST_DIR}/../tools/port_run ${LIGHTMOTION_PORT})

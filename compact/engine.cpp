@@ -70,7 +70,9 @@ BlockRange united(const BlockRange& a, const BlockRange& b) {
 
 Engine::Engine() : Engine(simd::GetCpuInstructionSet()) {}
 
-Engine::Engine(int level) : kernels_(kernelsFor(level)) {}
+Engine::Engine(int level) : Engine(kernelsFor(level)) {}
+
+Engine::Engine(const Kernels& kernels) : kernels_(kernels) {}
 
 bool Engine::suits(const kAMBLE& settings, const Shape& shape) {
   const bool known = shape.channels == 1 || shape.channels == 3 || shape.channels == 4;

@@ -20,9 +20,10 @@ namespace lm::compact {
 
 class Engine {
  public:
-  // With the kernels for this processor, or for `level` (simd/cpu_level.h).
+  // With the kernels for this processor, for `level` (simd/cpu_level.h), or with `kernels`.
   Engine();
   explicit Engine(int level);
+  explicit Engine(const Kernels& kernels);
 
   // Whether this engine can take the place of a configured one that has seen no frame, for frames of this
   // shape. Sizes whose products do not fit 32 bits and settings that no document can make are left to kAMBLE.
