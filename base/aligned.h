@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
+#include <limits>
 #include <type_traits>
 
 namespace lm {
@@ -16,17 +17,16 @@ inline constexpr std::size_t planeAlignment = 32;
 // Advises huge pages for the aligned part: a frame's planes are a hundred thousand small pages otherwise, and
 // the first frame spends its time on page faults. Nothing depends on it.
 inline void adviseLarge(void* memory, std::size_t bytes) {
-  constexpr std::uintptr_t largePage = std::uintptr_t{1} << 21;
-  const auto address = reinterpret_cast<std::uintptr_t>(memory);
-  const std::uintptr_t begin = (address + largePage - 1) & ~(largePage - 1);
-  const std::uintptr_t end = (address + bytes) & ~(largePage - 1);
-  if (begin < end) madvise(static_cast<char*>(memory) + (begin - address), end - begin, MADV_HUGEPAGE);
+  constexpr std::size_t largePage = std::size_t{1} << 21;
+  const std::size_t skipped = -reinterpret_cast<std::uintptr_t>(memory) % largePage;
+  if (bytes < skipped + largePage) return;
+  madvise(static_cast<char*>(memory) + skipped, (bytes - skipped) / largePage * largePage, MADV_HUGEPAGE);
 }
 
 // `bytes` bytes at 32-byte alignment, to be released with free(); null on failure, without a message. A count
-// that wrapped below zero fails.
-inline void* allocateAligned(std::ptrdiff_t bytes) {
-  if (bytes < 0) return nullptr;
+// that wrapped below zero fails, as does one beyond the address space.
+inline void* allocateAligned(std::int64_t bytes) {
+  if (bytes < 0 || bytes > std::numeric_limits<std::ptrdiff_t>::max()) return nullptr;
   void* memory = nullptr;
   if (posix_memalign(&memory, planeAlignment, static_cast<std::size_t>(bytes)) != 0) return nullptr;
   adviseLarge(memory, static_cast<std::size_t>(bytes));
@@ -39,7 +39,7 @@ template <typename T>
 bool makeOnce(T*& field, std::int32_t count, int fill = 0) {
   static_assert(std::is_trivial_v<T>);
   if (field != nullptr) return true;
-  const std::ptrdiff_t bytes = static_cast<std::ptrdiff_t>(count) * static_cast<std::ptrdiff_t>(sizeof(T));
+  const std::int64_t bytes = std::int64_t{count} * static_cast<std::int64_t>(sizeof(T));
   field = static_cast<T*>(allocateAligned(bytes));
   if (field == nullptr) return false;
   if (bytes > 0) std::memset(field, fill, static_cast<std::size_t>(bytes));

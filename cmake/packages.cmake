@@ -34,10 +34,21 @@ This package contains the plug-in that video-analytics hosts load.")
 set(CPACK_DEBIAN_LIBRARY_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
 set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS_POLICY ">=")
+# As dpkg-gensymbols does: the names of this architecture, without tags.
+math(EXPR bits "8 * ${CMAKE_SIZEOF_VOID_P}")
+file(STRINGS packaging/symbols lines)
+set(symbols "")
+foreach(line IN LISTS lines)
+  if(NOT line MATCHES "^ \\(arch-bits=([0-9]+)\\)" OR CMAKE_MATCH_1 EQUAL bits)
+    string(REGEX REPLACE "^ \\([^)]*\\)" " " line "${line}")
+    string(APPEND symbols "${line}\n")
+  endif()
+endforeach()
+file(WRITE ${PROJECT_BINARY_DIR}/packaging/symbols "${symbols}")
 # dpkg's trigger registers the library with the dynamic linker. Listing the names of missing scripts keeps CPack from
 # generating scripts that do the same; it skips missing files with a warning.
 set(CPACK_DEBIAN_LIBRARY_PACKAGE_CONTROL_EXTRA
-    ${PROJECT_SOURCE_DIR}/packaging/symbols ${PROJECT_SOURCE_DIR}/packaging/triggers not-wanted/postinst not-wanted/postrm)
+    ${PROJECT_BINARY_DIR}/packaging/symbols ${PROJECT_SOURCE_DIR}/packaging/triggers not-wanted/postinst not-wanted/postrm)
 
 package(development liblightmotion-dev libdevel "liblightmotion1 (= ${PROJECT_VERSION}), libjsoncpp-dev"
         "motion detection for video (development files)" "${what}

@@ -36,8 +36,10 @@ TakeRule takeRule(const kAMBLE& settings, std::int32_t channel, std::int32_t nex
 
 Engine::Engine() : Engine(simd::GetCpuInstructionSet()) {}
 
-Engine::Engine(int level, Scope scope, bool redFirst)
-    : kernels_(kernelsFor(level)), scope_(scope), redFirst_(redFirst) {}
+Engine::Engine(int level, Scope scope, bool redFirst) : Engine(kernelsFor(level), scope, redFirst) {}
+
+Engine::Engine(const Kernels& kernels, Scope scope, bool redFirst)
+    : kernels_(kernels), scope_(scope), redFirst_(redFirst) {}
 
 bool Engine::suitsSize(const Shape& shape) {
   const bool known = shape.channels == 1 || shape.channels == 3 || shape.channels == 4;

@@ -38,10 +38,11 @@ struct Extras {
 
 class Engine {
  public:
-  // With the kernels for this processor, or for `level` (simd/cpu_level.h). `redFirst`: the channels of a
-  // pixel come in reverse order.
+  // With the kernels for this processor, for `level` (simd/cpu_level.h), or with `kernels`. `redFirst`: the
+  // channels of a pixel come in reverse order.
   Engine();
   explicit Engine(int level, Scope scope = Scope::process, bool redFirst = false);
+  explicit Engine(const Kernels& kernels, Scope scope = Scope::process, bool redFirst = false);
 
   // Whether this engine can take the place of a configured one that has seen no frame, for frames of this
   // shape. Sizes whose products do not fit 32 bits and settings that no document can make are left to kAMBLE.

@@ -51,13 +51,17 @@ using std::uint8_t;
 [[gnu::always_inline]] inline uint32_t bitsOf(__m256i bytes) {
   return static_cast<uint32_t>(_mm256_movemask_epi8(bytes));
 }
+inline constexpr bool bigEndian = __BYTE_ORDER__ == __ORDER_BIG_ENDIAN__;
+
 // 0xFF in the bytes whose bits are set.
 [[gnu::always_inline]] inline __m256i bytesOf(uint32_t bits) {
+  if constexpr (bigEndian) bits = __builtin_bswap32(bits);
   const __m256i spread =
       _mm256_shuffle_epi8(_mm256_set1_epi32(static_cast<int>(bits)),
                           _mm256_setr_epi8(0, 0, 0, 0, 0, 0, 0, 0, 1, 1, 1, 1, 1, 1, 1, 1, 2, 2, 2, 2, 2, 2,
                                            2, 2, 3, 3, 3, 3, 3, 3, 3, 3));
-  const __m256i each = _mm256_set1_epi64x(static_cast<long long>(0x8040201008040201ULL));
+  constexpr unsigned long long eachByte = bigEndian ? 0x0102040810204080ULL : 0x8040201008040201ULL;
+  const __m256i each = _mm256_set1_epi64x(static_cast<long long>(eachByte));
   return _mm256_cmpeq_epi8(_mm256_and_si256(spread, each), each);
 }
 
@@ -130,10 +134,11 @@ struct ChannelOf<3> {
 template <>
 struct ChannelOf<4> {
   int shift;
-  explicit ChannelOf(int channel) : shift(8 * channel) {}
+  explicit ChannelOf(int channel) : shift(8 * (bigEndian ? 3 - channel : channel)) {}
   [[gnu::always_inline]] __m256i operator()(const Pixels<4>& pixels) const {
     const __m256i lowest = _mm256_set1_epi32(0xFF);
-    const __m128i count = _mm_cvtsi32_si128(shift);
+    // SIMDe reads the count from 64 bits.
+    const __m128i count = bigEndian ? _mm_cvtsi64_si128(shift) : _mm_cvtsi32_si128(shift);
     const __m256i a = _mm256_and_si256(_mm256_srl_epi32(pixels.a, count), lowest);
     const __m256i b = _mm256_and_si256(_mm256_srl_epi32(pixels.b, count), lowest);
     const __m256i c = _mm256_and_si256(_mm256_srl_epi32(pixels.c, count), lowest);

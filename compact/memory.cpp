@@ -1,6 +1,7 @@
 #include "compact/memory.h"
 
 #include <cstdlib>
+#include <limits>
 
 #include "base/aligned.h"
 
@@ -8,6 +9,7 @@ namespace lm::compact {
 namespace {
 
 constexpr std::size_t cacheLine = 64;
+constexpr std::size_t mostPerPixel = 100;  // bytes, of all planes or of a border pixel
 
 // Hands out consecutive parts of an allocation, each on a cache line of its own; adds up their sizes first.
 class Parts {
@@ -32,6 +34,8 @@ bool Memory::make(const Shape& shape) {
   blocks_ = shape.blocks();
   planes_ = shape.planes();
   const std::size_t words = blocks_ * static_cast<std::size_t>(shape.height);
+  // Sizes below do not wrap where they have 32 bits.
+  if (words > std::numeric_limits<std::size_t>::max() / (blockPixels * mostPerPixel)) return false;
   const std::size_t pixels = words * blockPixels;
   const auto layOut = [&](Parts& parts) {
     parts.take(previous_, pixels);

@@ -16,7 +16,7 @@ namespace {
 
 // Extends `mask` from `have` to `need` bytes: the new ones count as outside. False leaves it as it was.
 bool growRoiMask(std::uint8_t*& mask, std::size_t have, std::size_t need) {
-  auto* larger = static_cast<std::uint8_t*>(lm::allocateAligned(static_cast<std::ptrdiff_t>(need)));
+  auto* larger = static_cast<std::uint8_t*>(lm::allocateAligned(static_cast<std::int64_t>(need)));
   if (larger == nullptr) return false;
   std::memcpy(larger, mask, have);
   std::memset(larger + have, 0, need - have);

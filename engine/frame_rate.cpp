@@ -33,8 +33,10 @@ double smoothingStep(double rate) {
 
 void rateFromClock(kAMBLE& engine) {
   gettimeofday(&engine.curTime, nullptr);
-  const std::int64_t seconds = lm::wrapSub(engine.curTime.tv_sec, engine.prevTime.tv_sec);
-  const std::int64_t microseconds = lm::wrapSub(engine.curTime.tv_usec, engine.prevTime.tv_usec);
+  const std::int64_t seconds =
+      lm::wrapSub(std::int64_t{engine.curTime.tv_sec}, std::int64_t{engine.prevTime.tv_sec});
+  const std::int64_t microseconds =
+      lm::wrapSub(std::int64_t{engine.curTime.tv_usec}, std::int64_t{engine.prevTime.tv_usec});
   engine.elapsedUs = lm::wrapAdd(lm::wrapMul(seconds, std::int64_t{engine.usPerSec}), microseconds);
   engine.prevTime = engine.curTime;
   // A clock that was set back counts as a very long time, that is as a very low rate.

@@ -35,8 +35,8 @@ bool edgeRowTouches(const Planes& planes, std::int64_t start, std::int64_t colum
 
   std::vector<std::uint8_t> fg(static_cast<std::size_t>(kept));
   std::vector<std::uint8_t> region(static_cast<std::size_t>(kept));
-  std::copy(planes.fgMask + start + from, planes.fgMask + start + to, fg.begin() + from);
-  std::copy(planes.regionMask + start + from, planes.regionMask + start + to, region.begin() + from);
+  std::copy(planes.fgMask + start + from, planes.fgMask + start + to, fg.data() + from);
+  std::copy(planes.regionMask + start + from, planes.regionMask + start + to, region.data() + from);
   const int width = static_cast<int>(kept);
   return simd::isTouch({0, 0, width, 1}, fg.data(), region.data(), width, 1);
 }

@@ -1,6 +1,5 @@
 // Versions for AVX2.
-#include <immintrin.h>
-
+#include "simd/intrinsics.h"
 #include "simd/rest.h"
 #include "simd/simd.h"
 

@@ -3,8 +3,6 @@
 // state their level.
 #pragma once
 
-#include <tmmintrin.h>
-
 #include <cstddef>
 #include <cstdint>
 

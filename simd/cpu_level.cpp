@@ -1,6 +1,8 @@
 #include "simd/cpu_level.h"
 
+#if defined(__x86_64__)
 #include <cpuid.h>
+#endif
 
 #include <atomic>
 
@@ -19,6 +21,8 @@ constexpr std::uint32_t osxsave = bit(27), avx = bit(28);
 constexpr std::uint32_t sseState = bit(1), avxState = bit(2);
 // Leaf 7, EBX.
 constexpr std::uint32_t avx2 = bit(5);
+
+#if defined(__x86_64__)
 
 // XGETBV(0). Raises an illegal instruction where OSXSAVE is not reported.
 std::uint32_t readXcr0() {
@@ -41,6 +45,15 @@ CpuidWords readWords() {
   if (__get_cpuid_count(7, 0, &eax, &ebx, &ecx, &edx) != 0) words.leaf7Ebx = ebx;
   return words;
 }
+
+int probe() { return levelOf(readWords()); }
+
+#else
+
+// Every version runs on every processor, and results are those of x86-64 with AVX2.
+int probe() { return simd::level::avx2; }
+
+#endif
 
 constinit std::atomic<int> cachedLevel = -1;  // not yet probed; every thread finds the same
 
@@ -65,7 +78,7 @@ int levelOf(const CpuidWords& words) {
 int GetCpuInstructionSet() {
   int level = cachedLevel.load(std::memory_order_relaxed);
   if (level != -1) return level;
-  level = levelOf(readWords());
+  level = probe();
   cachedLevel.store(level, std::memory_order_relaxed);
   return level;
 }

@@ -16,7 +16,8 @@ struct CpuidWords {
 // volume 2A, CPUID.
 int levelOf(const CpuidWords& words);
 
-// Level of this processor; probed on the first call, then cached. Also available as
+// Level of this processor; probed on the first call, then cached. On other architectures than x86-64 always
+// level::avx2: there every version is made of instructions that all processors have. Also available as
 // simd::GetCpuInstructionSet.
 int GetCpuInstructionSet();
 

@@ -3,9 +3,9 @@
 // fault.
 #pragma once
 
-#include <emmintrin.h>
-
 #include <cstdint>
+
+#include "simd/intrinsics.h"
 
 [[gnu::always_inline]] static inline __m128i load16(const std::uint8_t* p) {
   return _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));

@@ -1,6 +1,4 @@
 // Versions for SSE2, the base of x86-64.
-#include <emmintrin.h>
-
 #include "simd/lanes.h"
 #include "simd/rest.h"
 #include "simd/simd.h"

@@ -1,6 +1,4 @@
 // Versions for SSE4.1.
-#include <smmintrin.h>
-
 #include "simd/byte_shuffle.h"
 #include "simd/lanes.h"
 #include "simd/rest.h"

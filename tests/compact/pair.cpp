@@ -33,14 +33,22 @@ int drawnBy(const Step& step) {
 std::vector<int> levels() {
   std::vector<int> known;
   for (const int level : {simd::level::sse2, simd::level::sse41, simd::level::avx2}) {
-    if (level <= GetCpuInstructionSet()) known.push_back(level);
+    if (level > GetCpuInstructionSet()) continue;
+    const bool repeats =
+        !known.empty() && &lm::compact::kernelsFor(known.back()) == &lm::compact::kernelsFor(level);
+    if (!repeats) known.push_back(level);
   }
   return known;
 }
 
 Pair::Pair(const lm::compact::Shape& shape, std::vector<std::string> entries, std::vector<polygon> include,
            std::vector<polygon> exclude, int level)
-    : shape_(shape), compact_(level), frame_(static_cast<std::size_t>(shape.height) * shape.rowBytes()) {
+    : Pair(shape, std::move(entries), std::move(include), std::move(exclude),
+           lm::compact::kernelsFor(level)) {}
+
+Pair::Pair(const lm::compact::Shape& shape, std::vector<std::string> entries, std::vector<polygon> include,
+           std::vector<polygon> exclude, const lm::compact::Kernels& kernels)
+    : shape_(shape), compact_(kernels), frame_(static_cast<std::size_t>(shape.height) * shape.rowBytes()) {
   std::vector<polygon> include2 = include;
   std::vector<polygon> exclude2 = exclude;
   open_.setParam(entries, include, exclude);

@@ -14,6 +14,8 @@ class Pair {
   // `level`: of the processor, for the compact engine.
   Pair(const lm::compact::Shape& shape, std::vector<std::string> entries, std::vector<polygon> include,
        std::vector<polygon> exclude, int level);
+  Pair(const lm::compact::Shape& shape, std::vector<std::string> entries, std::vector<polygon> include,
+       std::vector<polygon> exclude, const lm::compact::Kernels& kernels);
 
   // Whether the compact engine takes this configuration.
   bool suits() const { return suits_; }

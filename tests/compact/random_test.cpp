@@ -8,6 +8,7 @@
 #include <cstdlib>
 
 #include "tests/compact/pair.h"
+#include "tests/compact/portable.h"
 #include "tests/compact/scenes.h"
 
 namespace {
@@ -22,7 +23,7 @@ std::vector<std::string> anyEntries(const Shape& shape, Dice& dice) {
   return entries;
 }
 
-std::string run(std::uint32_t seed, int level) {
+std::string run(std::uint32_t seed, const lm::compact::Kernels& kernels) {
   Dice dice(seed);
   const int scale = seed % 64 == 0 ? 4 : 1;  // some seeds of a long job take larger frames
   const Shape shape{dice.from(1, 150 * scale), dice.from(1, 60 * scale), dice.oneOf({1, 3, 3, 4})};
@@ -35,7 +36,7 @@ std::string run(std::uint32_t seed, int level) {
     for (int count = dice.from(1, 3); count > 0; --count) include.push_back(anyPolygon(shape, dice));
   }
   if (dice.chance(40)) exclude.push_back(anyPolygon(shape, dice));
-  Pair pair(shape, anyEntries(shape, dice), include, exclude, level);
+  Pair pair(shape, anyEntries(shape, dice), include, exclude, kernels);
   if (!pair.suits()) return "the compact engine does not take it";
   const int frames = dice.from(20, scene.kind == Kind::stopping ? 120 : 60);
   std::int64_t time = 1000;
@@ -44,8 +45,7 @@ std::string run(std::uint32_t seed, int level) {
     const std::string difference =
         pair.feed(refused ? std::vector<std::uint8_t>{} : draw(scene, frame, dice), std::to_string(time));
     if (!difference.empty()) {
-      return "seed " + std::to_string(seed) + ", level " + std::to_string(level) + ", frame " +
-             std::to_string(frame) + ": " + difference;
+      return "seed " + std::to_string(seed) + ", frame " + std::to_string(frame) + ": " + difference;
     }
     time += dice.chance(5) ? 500 : 40;
   }
@@ -65,9 +65,14 @@ TEST(CompactEngine, GivesWhatTheOpenEngineGives) {
   const auto end = std::chrono::steady_clock::now() + minutes;
   std::uint32_t seed = first;
   for (; seed < first + rounds || std::chrono::steady_clock::now() < end; ++seed) {
-    for (const int level : levels()) ASSERT_EQ(run(seed, level), "");
+    for (const int level : levels())
+      ASSERT_EQ(run(seed, lm::compact::kernelsFor(level)), "") << "level " << level;
   }
   if (minutes.count() > 0) std::printf("%u configurations\n", seed - first);
+}
+
+TEST(CompactEngine, GivesTheSameWithTheKernelsOfOtherArchitectures) {
+  for (std::uint32_t seed = 1; seed <= 12; ++seed) ASSERT_EQ(run(seed, portableKernels()), "");
 }
 
 }  // namespace

@@ -3,6 +3,7 @@ import os
 import pathlib
 import re
 import shutil
+import sys
 import tempfile
 import unittest
 
@@ -58,7 +59,10 @@ class Packages(unittest.TestCase):
 
     def test_library_tells_dependants_which_package_has_which_names(self):
         self.assertEqual(control_file("liblightmotion1", "shlibs"), f"liblightmotion 1 liblightmotion1 (>= {VERSION})\n")
-        self.assertEqual(control_file("liblightmotion1", "symbols"), (SOURCE / "packaging/symbols").read_text())
+        bits = 64 if sys.maxsize > 2**32 else 32
+        lines = [re.sub(rf"^ \(arch-bits={bits}\)", " ", line) for line in open(SOURCE / "packaging/symbols")]
+        names = [line for line in lines if not line.startswith(" (")]
+        self.assertEqual(control_file("liblightmotion1", "symbols"), "".join(names))
 
     def test_library_is_registered_by_trigger_and_runs_no_scripts(self):
         self.assertIn("activate-noawait ldconfig\n", control_file("liblightmotion1", "triggers"))

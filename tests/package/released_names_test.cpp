@@ -17,12 +17,17 @@ std::string readable(const std::string& name) {
   return text ? text.get() : name;
 }
 
-// Name and version from lines such as " getRes@Base 1.0.0"; other lines concern the library as a whole.
+// Name and version from lines such as " getRes@Base 1.0.0", of which those with a tag such as
+// "(arch-bits=64)" are for some architectures only; other lines concern the library as a whole.
 std::map<std::string, std::string> listed() {
   std::map<std::string, std::string> versions;
   for (const auto& line : entriesOf(SYMBOLS_FILE)) {
     const auto at = line.find("@Base ");
-    if (line[0] == ' ' && at != std::string::npos) versions[line.substr(1, at - 1)] = line.substr(at + 6);
+    if (line[0] != ' ' || at == std::string::npos) continue;
+    const std::string tag = line[1] == '(' ? line.substr(1, line.find(')')) : "";
+    if (tag.empty() || tag == "(arch-bits=" + std::to_string(8 * sizeof(void*)) + ")") {
+      versions[line.substr(1 + tag.size(), at - 1 - tag.size())] = line.substr(at + 6);
+    }
   }
   return versions;
 }

@@ -116,7 +116,8 @@ TEST(PruneAcrossLevels, AHalfFullLastBlockOf32IsPrunedWithAvx2Only) {
     return pruned;
   };
   std::vector<std::uint8_t> withoutLast16 = mask;
-  std::fill_n(withoutLast16.end() - 16, 16, std::uint8_t{0});
+  withoutLast16.resize(pixels - 16);
+  withoutLast16.resize(pixels, 0);
   EXPECT_EQ(prunedBy(simd::pruneFgByRoi_sse2), mask);
   EXPECT_EQ(prunedBy(simd::pruneFgByRoi_sse41), mask);
   EXPECT_EQ(prunedBy(simd::pruneFgByRoi_avx2), withoutLast16);

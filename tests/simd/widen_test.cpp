@@ -14,9 +14,9 @@ TEST(Widen, GivesEveryByteAsAWordAtEveryLengthAndOffset) {
     fill(bytes);
     const auto before = copyOf(bytes);
     simd::cvt_u8_to_u32(bytes.begin(), reinterpret_cast<std::uint32_t*>(words.begin()), at.length);
-    std::vector<std::uint8_t> model;  // little-endian words
-    for (const auto byte : before) model.insert(model.end(), {byte, 0, 0, 0});
-    ASSERT_EQ(mismatch(words, model), "") << at;
+    const std::vector<std::uint32_t> widened(before.begin(), before.end());
+    const auto* model = reinterpret_cast<const std::uint8_t*>(widened.data());
+    ASSERT_EQ(mismatch(words, {model, model + words.size()}), "") << at;
     ASSERT_EQ(mismatch(bytes, before), "") << at;
   });
 }

@@ -120,29 +120,36 @@ using namespace lm::test;
 
 // ---- the replaced functions, under their names in the object files ------------------------------
 
+// std::size_t in these names.
+#if __SIZEOF_SIZE_T__ == 8
+#define SIZE "m"
+#else
+#define SIZE "j"
+#endif
+
 void* operator new(std::size_t size) {
-  static auto* const next = original<void*(std::size_t)>("_Znwm");
+  static auto* const next = original<void*(std::size_t)>("_Znw" SIZE);
   if (isAbsurd(size) || refuses(Request::throwingNew)) throw std::bad_alloc();
   void* block = allocate(next, size);
   countBlock(1);
   return block;
 }
 void* operator new[](std::size_t size) {
-  static auto* const next = original<void*(std::size_t)>("_Znam");
+  static auto* const next = original<void*(std::size_t)>("_Zna" SIZE);
   if (isAbsurd(size) || refuses(Request::throwingNew)) throw std::bad_alloc();
   void* block = allocate(next, size);
   countBlock(1);
   return block;
 }
 void* operator new(std::size_t size, const std::nothrow_t& quiet) noexcept {
-  static auto* const next = original<void*(std::size_t, const std::nothrow_t&)>("_ZnwmRKSt9nothrow_t");
+  static auto* const next = original<void*(std::size_t, const std::nothrow_t&)>("_Znw" SIZE "RKSt9nothrow_t");
   if (refuses(Request::quietNew)) return nullptr;
   void* block = allocate<const std::nothrow_t&>(next, size, quiet);
   if (block != nullptr) countBlock(1);
   return block;
 }
 void* operator new[](std::size_t size, const std::nothrow_t& quiet) noexcept {
-  static auto* const next = original<void*(std::size_t, const std::nothrow_t&)>("_ZnamRKSt9nothrow_t");
+  static auto* const next = original<void*(std::size_t, const std::nothrow_t&)>("_Zna" SIZE "RKSt9nothrow_t");
   if (refuses(Request::quietNew)) return nullptr;
   void* block = allocate<const std::nothrow_t&>(next, size, quiet);
   if (block != nullptr) countBlock(1);
@@ -158,11 +165,11 @@ void operator delete[](void* block) noexcept {
   giveBack(next, block);
 }
 void operator delete(void* block, std::size_t size) noexcept {
-  static auto* const next = original<void(void*, std::size_t)>("_ZdlPvm");
+  static auto* const next = original<void(void*, std::size_t)>("_ZdlPv" SIZE);
   giveBack(next, block, size);
 }
 void operator delete[](void* block, std::size_t size) noexcept {
-  static auto* const next = original<void(void*, std::size_t)>("_ZdaPvm");
+  static auto* const next = original<void(void*, std::size_t)>("_ZdaPv" SIZE);
   giveBack(next, block, size);
 }
 void operator delete(void* block, const std::nothrow_t& quiet) noexcept {

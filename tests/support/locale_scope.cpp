@@ -1,5 +1,6 @@
 #include "tests/support/locale_scope.h"
 
+#include <bit>
 #include <clocale>
 #include <cstdlib>
 #include <filesystem>
@@ -28,8 +29,10 @@ void writeSources(const fs::path& folder) {
 // localedef reports the missing categories as warnings (status 1); only whether the locale loads matters.
 void compileLocale(const fs::path& folder) {
   const std::string path = folder.string();
-  const std::string command = "localedef --no-archive -c -i " + path + "/source -f " + path + "/ascii " +
-                              path + "/comma >" + path + "/messages 2>&1";
+  // That of the machine, on which this program may be emulated, has another byte order.
+  const std::string order = std::endian::native == std::endian::big ? "--big-endian" : "--little-endian";
+  const std::string command = "localedef --no-archive " + order + " -c -i " + path + "/source -f " + path +
+                              "/ascii " + path + "/comma >" + path + "/messages 2>&1";
   [[maybe_unused]] const int status = std::system(command.c_str());
 }
 

@@ -145,7 +145,7 @@ std::string documentOf(const Sequence& sequence, int channels) {
   return text.str();
 }
 
-std::string compareOver(const Sequence& sequence) {
+std::string compareOver(const Sequence& sequence, const std::function<void(const lightMotion&)>& after) {
   const ExportedBands bands;
   Frame frame = sequence.frame(0);
   Configured plain(sequence, frame.channels);
@@ -154,6 +154,7 @@ std::string compareOver(const Sequence& sequence) {
   for (int k = 0; difference.empty() && k < sequence.frames; ++k) {
     if (k > 0) frame = sequence.frame(k);
     difference = report(sequence, k, compareFrame(sequence, k, frame, detector, plain.model));
+    after(detector);
   }
   return difference;
 }

@@ -29,13 +29,13 @@ Sequence listed(const std::string& name, std::vector<std::string> timestamps, in
 }
 
 // Without timestamps; the clock advances by the listed microseconds.
-Sequence clocked(const std::string& name, const std::vector<long>& steps) {
+Sequence clocked(const std::string& name, const std::vector<int>& steps) {
   Sequence sequence = at(name, 60, [](int k) { return std::string(k % 2 == 0 ? "0" : "-12"); });
   sequence.clock = [steps](int k) {
-    long microseconds = 0;
+    std::int64_t microseconds = 999000;
     for (int i = 0; i < k; ++i) microseconds += steps[static_cast<std::size_t>(i) % steps.size()];
-    const long whole = 1700000000L * 1000000 + 999000 + microseconds;
-    return timeval{whole / 1000000, whole % 1000000};
+    return timeval{static_cast<time_t>(1700000000 + microseconds / 1000000),
+                   static_cast<suseconds_t>(microseconds % 1000000)};
   };
   return sequence;
 }
