@@ -33,8 +33,13 @@ class BuildWithCMake(build_ext):
         return folder
 
 
+# What setuptools writes stays out of the sources.
+BUILD = pathlib.Path("build/python")
+(SOURCE / BUILD).mkdir(parents=True, exist_ok=True)
+
 setup(
     ext_modules=[Extension("lightmotion._core", sources=[], py_limited_api=True)],
     cmdclass={"build_ext": BuildWithCMake},
-    options={"build": {"build_base": "build/python"}, "bdist_wheel": {"py_limited_api": "cp311"}},
+    options={"build": {"build_base": str(BUILD)}, "egg_info": {"egg_base": str(BUILD)},
+             "bdist_wheel": {"py_limited_api": "cp311"}},
 )

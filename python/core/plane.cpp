@@ -38,14 +38,22 @@ Py_ssize_t bytesWithChroma(const PlaneShape& shape) {
   return rowBytes(shape) * shape.height + 2 * Py_ssize_t{shape.chromaWidth} * shape.chromaHeight;
 }
 
+// Bytes from one element to the next. Some exporters, such as ctypes, give none for arrays without gaps.
+Py_ssize_t step(const Py_buffer& view, int dimension) {
+  if (view.strides != nullptr) return view.strides[dimension];
+  Py_ssize_t bytes = view.itemsize;
+  for (int i = dimension + 1; i < view.ndim; ++i) bytes *= view.shape[i];
+  return bytes;
+}
+
 // ---- one dimension: bytes ---------------------------------------------------------------------------------
 
 bool planeOfBytes(const Py_buffer& view, const PlaneShape& shape, Py_ssize_t stride, Plane& plane) {
   const Py_ssize_t row = rowBytes(shape);
   const std::string size = number(shape.width) + " x " + number(shape.height) + " pixels of " +
                            number(shape.channels) + (shape.channels == 1 ? " byte" : " bytes");
-  if (view.shape[0] > 1 && view.strides[0] != 1) {
-    return refuse(shape, "bytes are " + number(view.strides[0]) + " apart, expected 1");
+  if (view.shape[0] > 1 && step(view, 0) != 1) {
+    return refuse(shape, "bytes are " + number(step(view, 0)) + " apart, expected 1");
   }
   if (stride == 0) {
     const bool fits = view.len == row * shape.height || view.len == bytesWithChroma(shape);
@@ -88,18 +96,18 @@ bool planeOfArray(const Py_buffer& view, const PlaneShape& shape, Plane& plane) 
   }
   const std::string copy = "; numpy.ascontiguousarray makes a copy that fits";
   // The step along a side of length 1 means nothing.
-  if (view.ndim == 3 && shape.channels > 1 && view.strides[2] != 1) {
-    return refuse(shape, "channels are " + number(view.strides[2]) + " bytes apart, expected 1" + copy);
+  if (view.ndim == 3 && shape.channels > 1 && step(view, 2) != 1) {
+    return refuse(shape, "channels are " + number(step(view, 2)) + " bytes apart, expected 1" + copy);
   }
-  if (shape.width > 1 && view.strides[1] != shape.channels) {
-    return refuse(shape, "pixels are " + number(view.strides[1]) + " bytes apart, expected " +
+  if (shape.width > 1 && step(view, 1) != shape.channels) {
+    return refuse(shape, "pixels are " + number(step(view, 1)) + " bytes apart, expected " +
                              number(shape.channels) + copy);
   }
-  if (view.shape[0] > 1 && view.strides[0] < rowBytes(shape)) {
-    return refuse(shape, "rows are " + number(view.strides[0]) + " bytes apart, expected at least " +
+  if (view.shape[0] > 1 && step(view, 0) < rowBytes(shape)) {
+    return refuse(shape, "rows are " + number(step(view, 0)) + " bytes apart, expected at least " +
                              number(rowBytes(shape)) + copy);
   }
-  plane = {view.buf, shape.height > 1 ? static_cast<std::size_t>(view.strides[0]) : 0};
+  plane = {view.buf, shape.height > 1 ? static_cast<std::size_t>(step(view, 0)) : 0};
   return true;
 }
 

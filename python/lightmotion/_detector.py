@@ -7,7 +7,7 @@ import pathlib
 import warnings
 from collections.abc import Iterator, Mapping
 from types import TracebackType
-from typing import TYPE_CHECKING, Any, Literal, Self, TypeAlias, get_args
+from typing import TYPE_CHECKING, Any, Literal, Self, TypeAlias, TypeVar, get_args, overload
 
 from . import _core
 from ._types import ConfigurationWarning, FrameError
@@ -24,6 +24,7 @@ if TYPE_CHECKING:
 
     Picture: TypeAlias = numpy.typing.NDArray[numpy.uint8]
     Output: TypeAlias = Picture | bytearray | memoryview | array.array[int] | mmap.mmap | ctypes.Array[Any]
+    OutputT = TypeVar("OutputT", bound=Output)
     Frame: TypeAlias = Output | bytes
 
 Format: TypeAlias = Literal["grey", "bgr", "rgb", "bgrx", "rgbx", "i420", "nv12"]
@@ -92,7 +93,7 @@ class Detector(_core.Detector):
         **settings: Any,
     ) -> Self:
         """A detector for arrays like ``frame``: grey, bgr or bgrx by its number of channels, or the given format."""
-        shape = memoryview(frame).shape
+        shape: tuple[int, ...] = frame.shape
         channels = shape[2] if len(shape) == 3 else 1
         if len(shape) not in (2, 3) or channels not in _FORMAT_OF_CHANNELS:
             raise FrameError(f"frame: shape {shape}, expected (height, width) or (height, width, 3 or 4)")
@@ -115,7 +116,11 @@ class Detector(_core.Detector):
         else:
             _warn(self._change(_json_of({**(changes or {}), **settings})))
 
-    def foreground(self, out: Output | None = None) -> Picture:
+    @overload
+    def foreground(self, out: None = None) -> Picture: ...
+    @overload
+    def foreground(self, out: OutputT) -> OutputT: ...
+    def foreground(self, out: Any = None) -> Any:
         """The foreground of the last frame: 255 where a pixel differs from the background, else 0.
 
         Before peeling; 0 outside the watched area and for a first frame. ``out`` is filled if it is given, else
@@ -123,7 +128,11 @@ class Detector(_core.Detector):
         """
         return self._picture(out, 1, self._foreground)
 
-    def background(self, out: Output | None = None) -> Picture:
+    @overload
+    def background(self, out: None = None) -> Picture: ...
+    @overload
+    def background(self, out: OutputT) -> OutputT: ...
+    def background(self, out: Any = None) -> Any:
         """The learned background as a picture in the format of the frames; the luma plane for i420 and nv12.
 
         0 where nothing is watched, and in the fourth byte of a pixel. ``out`` and errors as for foreground().
