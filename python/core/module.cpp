@@ -19,7 +19,7 @@ PyModuleDef definition = {PyModuleDef_HEAD_INIT,
 
 }  // namespace
 
-PyMODINIT_FUNC PyInit__core() {
+PyMODINIT_FUNC PyInit__core() {  // NOLINT(bugprone-reserved-identifier): Python's name for the module _core
   using namespace lm::python;
   Ref module(PyModule_Create(&definition));
   if (!module || !importTypes()) return nullptr;
