@@ -57,7 +57,7 @@
  * A configuration is refused if it cannot be read or if nothing could ever be detected. What is accepted but
  * probably not meant, such as a misspelt key, gives a warning.
  */
-#ifndef LIGHTMOTION_LIGHTMOTION_H
+#ifndef LIGHTMOTION_LIGHTMOTION_H /* C: NOLINTBEGIN(modernize-deprecated-headers,modernize-use-using) */
 #define LIGHTMOTION_LIGHTMOTION_H
 
 #include <stddef.h>
@@ -243,4 +243,4 @@ int lightmotion_get_info(const lightmotion_detector* detector, lightmotion_info*
 }
 #endif
 
-#endif /* LIGHTMOTION_LIGHTMOTION_H */
+#endif /* LIGHTMOTION_LIGHTMOTION_H NOLINTEND(modernize-deprecated-headers,modernize-use-using) */
