@@ -20,7 +20,8 @@ class BuildWithCMake(build_ext):
     def build_extension(self, ext):
         target = pathlib.Path(self.get_ext_fullpath(ext.name))
         folder = os.environ.get("LIGHTMOTION_BUILD_FOLDER") or self.configured()
-        subprocess.run(["cmake", "--build", folder, "--target", "lightmotion_wheel"], check=True)
+        subprocess.run(["cmake", "--build", folder, "--target", "lightmotion_wheel",
+                        "--parallel", str(os.cpu_count())], check=True)
         target.parent.mkdir(parents=True, exist_ok=True)
         shutil.copy(pathlib.Path(folder, "python/wheel/_core.abi3.so"), target)
 

@@ -4,7 +4,7 @@
 >>> for result in lightmotion.detect("street.avi", sensitivity=4):
 ...     print(result.milliseconds, result.boxes)
 
-Frames from elsewhere: see Detector. The keys of a configuration: docs/integration.md.
+Frames from elsewhere: see Detector. The keys of a configuration: docs/handles.md.
 """
 from ._core import version as __version__
 from ._detector import Detector

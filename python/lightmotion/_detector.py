@@ -42,8 +42,8 @@ class Detector(_core.Detector):
     ...     print(box.x, box.y, box.width, box.height, box.regions)
 
     ``configuration`` is a mapping, JSON text, or the path of a JSON file; ``settings`` are keys that replace those
-    of the configuration. ``width``, ``height`` and ``format`` stand for the keys frmW, frmH and format. The keys:
-    lightmotion/lightmotion.h and docs/integration.md; numbers may be numbers.
+    of the configuration. ``width``, ``height`` and ``format`` stand for the keys frmW, frmH and format. All keys:
+    docs/handles.md.
 
     Raises ConfigurationError. What is accepted but probably not meant gives a ConfigurationWarning.
 

@@ -3,8 +3,10 @@ from __future__ import annotations
 
 import os
 import pathlib
+import re
 import subprocess
 import sys
+from collections.abc import Iterator
 from typing import Any
 
 import lightmotion
@@ -12,6 +14,7 @@ import numpy
 import pytest
 from lightmotion import _video
 
+PAGE = pathlib.Path(__file__).parents[2] / "docs/python.md"
 EXAMPLE = pathlib.Path(__file__).parents[2] / "examples/python/boxes.py"
 READERS = {"av": _video._opened_with_pyav, "cv2": _video._opened_with_opencv}
 
@@ -105,3 +108,22 @@ def test_the_example_draws_boxes(video: pathlib.Path, tmp_path: pathlib.Path) ->
     assert len(images) == 20
     green = [numpy.count_nonzero((image[:, :, 1] > 180) & (image[:, :, 2] < 120)) for image in images]
     assert min(green[3:]) > 50 and max(green[:1]) == 0
+
+
+def test_the_code_of_the_documentation_runs(
+    video: pathlib.Path, monkeypatch: pytest.MonkeyPatch, capsys: pytest.CaptureFixture[str]
+) -> None:
+    pytest.importorskip("cv2")
+    of_a_video, of_frames = re.findall(r"^```python\n(.*?)^```", PAGE.read_text(), re.MULTILINE | re.DOTALL)
+    monkeypatch.chdir(video.parent)
+    exec(of_a_video.replace("street.avi", video.name), {})
+
+    def frames() -> Iterator[tuple[Any, int]]:
+        for number in range(9):
+            frame = numpy.full((720, 1280, 3), 60, numpy.uint8)
+            if number > 0:
+                frame[200:400, 100 + 50 * number : 300 + 50 * number] = 200
+            yield frame, 40 * number
+
+    exec(of_frames, {"lightmotion": lightmotion, "frames": frames})
+    assert len(capsys.readouterr().out.splitlines()) == 8
