@@ -3,6 +3,7 @@ import os
 import pathlib
 import re
 import shutil
+import sys
 import tempfile
 import unittest
 
@@ -89,6 +90,15 @@ class Packages(unittest.TestCase):
             pathlib.Path(folder, "debian/control").touch()
             found = output_of("dpkg-shlibdeps", "-O", f"-S{folder}/root", "-e" + f"{folder}/host", cwd=folder)
             self.assertIn("liblightmotion1 (>= 1.0.0)", found)
+
+    def test_python_module_finds_the_library_of_its_package(self):
+        with tempfile.TemporaryDirectory() as folder:
+            for package in "liblightmotion1", "python3-lightmotion":
+                output_of("dpkg-deb", "--extract", PACKAGES[package], folder)
+            where = {"PYTHONPATH": f"{folder}/usr/lib/python3/dist-packages", "LD_LIBRARY_PATH": f"{folder}/usr/lib/{ARCH}"}
+            tell = "import lightmotion, importlib.metadata as m; print(lightmotion.__version__, m.version('lightmotion'))"
+            told = output_of(sys.executable, "-B", "-c", tell, cwd=folder, environment={**os.environ, **where})
+            self.assertEqual(told, f"{VERSION} {VERSION}\n")
 
     @unittest.skipUnless(shutil.which("lintian"), "lintian is not installed")
     def test_lintian_has_neither_errors_nor_warnings(self):
