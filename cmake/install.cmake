@@ -74,6 +74,19 @@ if(LIGHTMOTION_HOST)
           DESTINATION ${data}/doc/lightmotion/examples/cluster COMPONENT program)
 endif()
 
+# ---- Python -------------------------------------------------------------------------------------------------
+# Only as a package: pip knows where other installations of Python search.
+if(LIGHTMOTION_PYTHON)
+  set(modules lib/python3/dist-packages)
+  install(TARGETS lightmotion_python LIBRARY DESTINATION ${modules}/lightmotion COMPONENT python EXCLUDE_FROM_ALL)
+  install(FILES ${LIGHTMOTION_PYTHON_FILES} DESTINATION ${modules}/lightmotion COMPONENT python EXCLUDE_FROM_ALL)
+  configure_file(packaging/python3/PKG-INFO.in ${PROJECT_BINARY_DIR}/python/PKG-INFO @ONLY)
+  install(FILES ${PROJECT_BINARY_DIR}/python/PKG-INFO RENAME lightmotion-${PROJECT_VERSION}.egg-info
+          DESTINATION ${modules} COMPONENT python EXCLUDE_FROM_ALL)
+  install(PROGRAMS examples/python/boxes.py DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/python3-lightmotion/examples
+          COMPONENT python EXCLUDE_FROM_ALL)
+endif()
+
 # ---- texts that Debian requires compressed, and each package's changelog and copyright file --------------------
 # Without a timestamp, so that the same sources give the same bytes.
 function(compressed source target)
@@ -94,10 +107,13 @@ add_custom_target(lightmotion_papers ALL DEPENDS ${man_page}.gz ${changelog}.gz)
 
 function(papers package component)
   install(FILES packaging/copyright ${changelog}.gz
-          DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/${package} COMPONENT ${component})
+          DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/${package} COMPONENT ${component} ${ARGN})
 endfunction()
 papers(liblightmotion1 library)
 papers(liblightmotion-dev development)
+if(LIGHTMOTION_PYTHON)
+  papers(python3-lightmotion python EXCLUDE_FROM_ALL)
+endif()
 if(LIGHTMOTION_HOST)
   papers(lightmotion program)
   install(FILES ${man_page}.gz DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT program)

@@ -1,4 +1,5 @@
-# `cpack` builds three Debian packages from what install.cmake installs: the library, its development files and the program.
+# `cpack` builds Debian packages from what install.cmake installs: the library, its development files, the program and
+# the Python package.
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME lightmotion)
 set(CPACK_PACKAGE_VERSION ${PROJECT_VERSION})
@@ -69,6 +70,21 @@ and cameras and writes result lines, events, reports and annotated videos.")
   # Loaded when a local camera is used. Its version number is that of the libavformat used for the build.
   string(REGEX REPLACE "\\..*" "" ffmpeg_number "${FFMPEG_libavformat_VERSION}")
   set(CPACK_DEBIAN_PROGRAM_PACKAGE_SUGGESTS libavdevice${ffmpeg_number})
+endif()
+
+if(LIGHTMOTION_PYTHON)
+  list(APPEND CPACK_COMPONENTS_ALL python)
+  package(python python3-lightmotion python "liblightmotion1 (= ${PROJECT_VERSION}), python3 (>= 3.11~)"
+          "motion detection for video (Python 3)" "${what}
+
+This package contains the Python module.")
+  set(CPACK_DEBIAN_PYTHON_PACKAGE_RECOMMENDS python3-numpy)
+  set(CPACK_DEBIAN_PYTHON_PACKAGE_SUGGESTS "python3-av, python3-opencv")
+  set(CPACK_DEBIAN_PYTHON_PACKAGE_SHLIBDEPS ON)
+  set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${PROJECT_BINARY_DIR}) # has the library that the module uses
+  # As Debian's own tools write them: compiled modules belong to no package and have to go with it.
+  set(CPACK_DEBIAN_PYTHON_PACKAGE_CONTROL_EXTRA ${PROJECT_SOURCE_DIR}/packaging/python3/postinst
+                                                ${PROJECT_SOURCE_DIR}/packaging/python3/prerm)
 endif()
 
 include(CPack)

@@ -2,7 +2,7 @@
 # Runs in the bare root, with the packages in /packages: installs, uses and removes them.
 set -eu
 export DEBIAN_FRONTEND=noninteractive LC_ALL=C.UTF-8
-packages="liblightmotion1 liblightmotion-dev lightmotion"
+packages="liblightmotion1 liblightmotion-dev lightmotion python3-lightmotion"
 
 step() { echo "---- $*"; }
 fail() { echo "failed: $*" >&2; exit 1; }
@@ -47,10 +47,31 @@ done
 cmp host-c.jsonl host.jsonl
 cmp host-c.jsonl host.py.jsonl
 
+step "the Python module runs, with numpy and without it"
+install /packages/python3-lightmotion_*.deb
+cat >module.py <<'EOF'
+import lightmotion
+
+detector = lightmotion.Detector(width=160, height=120, format="grey")
+for number in range(9):
+    frame = bytearray([60]) * (160 * 120)
+    for y in range(48, 72) if number > 0 else ():
+        frame[160 * y + 5 * number:160 * y + 5 * number + 24] = bytes([200]) * 24
+    boxes = detector(frame, 1 + 40 * number)
+print(len(boxes))
+EOF
+[ "$(as_user python3 module.py)" = 1 ] || fail "one square moves"
+install python3-numpy
+python3 -c 'import lightmotion, numpy
+frame = numpy.zeros((120, 160), numpy.uint8)
+detector = lightmotion.Detector.for_frame(frame)
+detector(frame)
+assert detector.foreground().shape == (120, 160)'
+
 step "the packages install once more over themselves"
 quietly dpkg -i /packages/*.deb
 
-step "the library does not go while somebody needs it; all three go without a trace"
+step "the library does not go while somebody needs it; all go without a trace"
 if dpkg --remove liblightmotion1 >/tmp/log 2>&1; then fail "the library went"; fi
 # shellcheck disable=SC2086  # a list of words
 quietly apt-get purge -y $packages

@@ -27,7 +27,9 @@ class Installation(unittest.TestCase):
 
     def test_holds_exactly_the_listed_files(self):
         found = {str(file.relative_to(PREFIX)) for file in PREFIX.rglob("*") if not file.is_dir()}
-        self.assertEqual(found, set.union(*expected_files().values()))
+        # What is Python is installed by its package or by pip.
+        expected = [files for package, files in expected_files().items() if package != "python3-lightmotion"]
+        self.assertEqual(found, set.union(*expected))
 
     def test_links_lead_from_the_name_to_the_version(self):
         self.assertEqual((LIBRARY_FOLDER / "liblightmotion.so").readlink().name, "liblightmotion.so.1")

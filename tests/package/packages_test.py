@@ -26,7 +26,7 @@ def control_file(package, name):
 
 
 class Packages(unittest.TestCase):
-    def test_are_three(self):
+    def test_are_those_that_are_listed(self):
         self.assertEqual(set(PACKAGES), set(expected_files()))
 
     def test_hold_exactly_the_listed_files(self):
@@ -40,7 +40,7 @@ class Packages(unittest.TestCase):
             for line in output_of("dpkg-deb", "--contents", file).splitlines():
                 mode, owner, name = line.split()[0], line.split()[1], line.split()[5]
                 expected = {"d": "drwxr-xr-x", "l": "lrwxrwxrwx"}.get(mode[0])
-                runnable = name.endswith(("/usr/bin/lightmotion", "/host.py", ".sbatch", ".sh"))
+                runnable = name.endswith(("/usr/bin/lightmotion", "/host.py", "/boxes.py", ".sbatch", ".sh"))
                 expected = expected or ("-rwxr-xr-x" if runnable else "-rw-r--r--")
                 self.assertEqual((mode, owner), (expected, "root/root"), f"{package}: {name}")
 
@@ -49,12 +49,13 @@ class Packages(unittest.TestCase):
             self.assertEqual(field(package, "Version"), VERSION)
 
     def test_need_each_other_in_the_same_version(self):
-        for package in "liblightmotion-dev", "lightmotion":
+        for package in "liblightmotion-dev", "lightmotion", "python3-lightmotion":
             self.assertIn(f"liblightmotion1 (= {VERSION})", dependencies(package))
 
     def test_need_the_libraries_that_they_use(self):
         self.assertRegex(field("liblightmotion1", "Depends"), r"libc6 \(.*libjsoncpp\d+ \(.*libstdc\+\+6 \(")
         self.assertRegex(field("lightmotion", "Depends"), r"libavformat\d+ \(.*libopencv-core\d+ \(")
+        self.assertRegex(field("python3-lightmotion", "Depends"), r"python3 \(>= 3\.11~\), libc6 \(")
         self.assertIn("libjsoncpp-dev", dependencies("liblightmotion-dev"))
 
     def test_library_tells_dependants_which_package_has_which_names(self):
@@ -67,7 +68,8 @@ class Packages(unittest.TestCase):
     def test_library_is_registered_by_trigger_and_runs_no_scripts(self):
         self.assertIn("activate-noawait ldconfig\n", control_file("liblightmotion1", "triggers"))
         for package, file in PACKAGES.items():
-            self.assertNotRegex(output_of("dpkg-deb", "--info", file), r"\b(pre|post)(inst|rm)\b", package)
+            if package != "python3-lightmotion": # compiles its modules when it is installed, as all such packages
+                self.assertNotRegex(output_of("dpkg-deb", "--info", file), r"\b(pre|post)(inst|rm)\b", package)
 
     def test_changelog_ends_with_the_version_of_the_project(self):
         with tempfile.TemporaryDirectory() as folder:
@@ -91,6 +93,15 @@ class Packages(unittest.TestCase):
             pathlib.Path(folder, "debian/control").touch()
             found = output_of("dpkg-shlibdeps", "-O", f"-S{folder}/root", "-e" + f"{folder}/host", cwd=folder)
             self.assertIn("liblightmotion1 (>= 1.0.0)", found)
+
+    def test_python_module_finds_the_library_of_its_package(self):
+        with tempfile.TemporaryDirectory() as folder:
+            for package in "liblightmotion1", "python3-lightmotion":
+                output_of("dpkg-deb", "--extract", PACKAGES[package], folder)
+            where = {"PYTHONPATH": f"{folder}/usr/lib/python3/dist-packages", "LD_LIBRARY_PATH": f"{folder}/usr/lib/{ARCH}"}
+            tell = "import lightmotion, importlib.metadata as m; print(lightmotion.__version__, m.version('lightmotion'))"
+            told = output_of(sys.executable, "-B", "-c", tell, cwd=folder, environment={**os.environ, **where})
+            self.assertEqual(told, f"{VERSION} {VERSION}\n")
 
     @unittest.skipUnless(shutil.which("lintian"), "lintian is not installed")
     def test_lintian_has_neither_errors_nor_warnings(self):
