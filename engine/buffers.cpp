@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <functional>
 #include <utility>
 
 #include "base/aligned.h"
@@ -52,9 +53,10 @@ void forEachPixel(const lm::FrameShape& shape, Act act) {
 void makeNeighbourArrays(kAMBLE& engine, const lm::FrameShape& shape) {
   engine.nbrIdx.resize(static_cast<std::size_t>(shape.count), nullptr);
   if (shape.width < 1) return;
+  const std::function<int()> draw = std::rand;
   forEachPixel(shape, [&](std::size_t pixel, std::int32_t x, std::int32_t y) {
     engine.nbrIdx[pixel] = new int[static_cast<std::size_t>(engine.numNbr)];
-    lm::fillNeighbours(engine.nbrIdx[pixel], engine.numNbr, engine.nbrOffset, shape, x, y, std::rand);
+    lm::fillNeighbours(engine.nbrIdx[pixel], engine.numNbr, engine.nbrOffset, shape, x, y, draw);
   });
 }
 

@@ -1,4 +1,6 @@
 // The functions of lightmotion.h: arguments are checked here, and no exception leaves.
+#include <json/json.h>
+
 #include <algorithm>
 #include <cstring>
 #include <exception>
@@ -61,6 +63,8 @@ int guarded(const Work& work) noexcept {
   } catch (const std::bad_alloc&) {
     return LIGHTMOTION_ERROR_MEMORY;
   } catch (const std::length_error&) {
+    return LIGHTMOTION_ERROR_MEMORY;
+  } catch (const Json::RuntimeError&) {  // of its own allocations
     return LIGHTMOTION_ERROR_MEMORY;
   } catch (...) {
     return LIGHTMOTION_ERROR_INTERNAL;

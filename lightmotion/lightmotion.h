@@ -57,7 +57,7 @@
  * A configuration is refused if it cannot be read or if nothing could ever be detected. What is accepted but
  * probably not meant, such as a misspelt key, gives a warning.
  */
-#ifndef LIGHTMOTION_LIGHTMOTION_H
+#ifndef LIGHTMOTION_LIGHTMOTION_H /* C: NOLINTBEGIN(modernize-deprecated-headers,modernize-use-using) */
 #define LIGHTMOTION_LIGHTMOTION_H
 
 #include <stddef.h>
@@ -69,11 +69,14 @@ extern "C" {
 
 /* ---- version ------------------------------------------------------------------------------------------- */
 
+/* Version of this header, first number. */
 #define LIGHTMOTION_VERSION_MAJOR 1
+/* Second number. */
 #define LIGHTMOTION_VERSION_MINOR 0
+/* Third number. */
 #define LIGHTMOTION_VERSION_PATCH 0
 
-/* Of this header, as a number that can be compared: 10203 is 1.2.3. */
+/* Version of this header, as a number that can be compared: 10203 is 1.2.3. */
 #define LIGHTMOTION_VERSION \
   (LIGHTMOTION_VERSION_MAJOR * 10000 + LIGHTMOTION_VERSION_MINOR * 100 + LIGHTMOTION_VERSION_PATCH)
 
@@ -85,6 +88,7 @@ const char* lightmotion_version_text(void);
 
 /* ---- errors -------------------------------------------------------------------------------------------- */
 
+/* What functions return instead of a result. */
 typedef enum lightmotion_error {
   LIGHTMOTION_OK = 0,
   LIGHTMOTION_ERROR_ARGUMENT = -1,      /* a null pointer, a stride that is too small, an unknown number */
@@ -103,12 +107,13 @@ const char* lightmotion_error_text(int error);
 /* One detector: a configuration and what it has learned. */
 typedef struct lightmotion_detector lightmotion_detector;
 
+/* The format of the pixels of a frame. */
 typedef enum lightmotion_format {
-  LIGHTMOTION_FORMAT_UNKNOWN = 0,
-  LIGHTMOTION_FORMAT_GREY = 1, /* 1 byte per pixel */
-  LIGHTMOTION_FORMAT_BGR = 2,  /* 3 bytes */
-  LIGHTMOTION_FORMAT_RGB = 3,  /* gives what BGR gives for the same picture */
-  LIGHTMOTION_FORMAT_BGRX = 4, /* 4 bytes; the fourth is ignored */
+  LIGHTMOTION_FORMAT_UNKNOWN = 0, /* as the configuration says */
+  LIGHTMOTION_FORMAT_GREY = 1,    /* 1 byte per pixel */
+  LIGHTMOTION_FORMAT_BGR = 2,     /* 3 bytes */
+  LIGHTMOTION_FORMAT_RGB = 3,     /* gives what BGR gives for the same picture */
+  LIGHTMOTION_FORMAT_BGRX = 4,    /* 4 bytes; the fourth is ignored */
   LIGHTMOTION_FORMAT_RGBX = 5,
   LIGHTMOTION_FORMAT_I420 = 6, /* pass the luma plane: 1 byte per pixel, as grey */
   LIGHTMOTION_FORMAT_NV12 = 7
@@ -167,8 +172,8 @@ typedef struct lightmotion_box {
   float rel_x, rel_y, rel_width, rel_height; /* the same as fractions of the frame's width and height */
   const int32_t* regions; /* indices of the regions of interest that it touches, rising: those in which some
                              foreground pixel of the box lies; at least one */
-  int32_t region_count;
-  uint32_t reserved[5]; /* 0 */
+  int32_t region_count;   /* how many these are */
+  uint32_t reserved[5];   /* 0 */
 } lightmotion_box;
 
 /*
@@ -224,7 +229,7 @@ typedef struct lightmotion_info {
   int32_t width, height;   /* of a frame, pixels */
   int32_t format;          /* a lightmotion_format */
   int32_t bytes_per_pixel; /* 1, 3 or 4 */
-  int32_t region_count;
+  int32_t region_count;    /* regions of interest; 1 without any: the frame */
   float watched;     /* share of the frame inside the regions of interest and outside exclusion regions */
   int64_t frames;    /* processed since creation or reset */
   double frame_rate; /* frames per second, from the last timestamps; 30 until there are two */
@@ -238,4 +243,4 @@ int lightmotion_get_info(const lightmotion_detector* detector, lightmotion_info*
 }
 #endif
 
-#endif /* LIGHTMOTION_LIGHTMOTION_H */
+#endif /* LIGHTMOTION_LIGHTMOTION_H NOLINTEND(modernize-deprecated-headers,modernize-use-using) */

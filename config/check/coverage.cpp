@@ -21,6 +21,7 @@ double workOf(const Outlines& outlines, const FrameSize& frame) {
 }
 
 std::vector<PixelBits> masksOf(const std::vector<Outline>& regions, const FrameSize& frame) {
+  if (regions.empty()) return {};
   std::vector<std::uint8_t> mask(static_cast<std::size_t>(frame.frmW) * static_cast<std::size_t>(frame.frmH));
   std::vector<PixelBits> masks;
   masks.reserve(regions.size());

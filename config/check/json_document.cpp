@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <cstdio>
 #include <memory>
+#include <new>
+#include <string_view>
 
 #include "config/json_text.h"
 
@@ -32,7 +34,9 @@ std::string parse(const std::string& text, Json::Value& root) {
   std::string report;
   try {
     if (reader->parse(text.data(), text.data() + text.size(), &root, &report)) return "";
-  } catch (const Json::Exception&) {
+  } catch (const Json::RuntimeError& error) {
+    // The other one is that an allocation failed.
+    if (std::string_view(error.what()).find("stackLimit") == std::string_view::npos) throw std::bad_alloc();
     throw NoDocument("nested too deeply");
   }
   return report.empty() ? "no document" : report;
@@ -57,8 +61,9 @@ Json::Value readDocument(const std::string& text) {
 
 Json::Value readDocumentInAnyLocale(const std::string& text) {
   Json::Value root;
-  if (!parse(withoutDecimalPoints(text), root).empty() || !root.isObject()) readDocument(text);
-  return root;
+  if (parse(withoutDecimalPoints(text), root).empty() && root.isObject()) return root;
+  readDocument(text);
+  throw std::bad_alloc();  // what was wrong is not the text: the streams that read numbers swallow it
 }
 
 }  // namespace lm::check

@@ -4,6 +4,7 @@
 
 #include <cmath>
 #include <exception>
+#include <new>
 #include <optional>
 
 #include "config/check/crossing.h"
@@ -73,6 +74,10 @@ std::optional<float> readCoordinate(const Json::Value& point, const std::string&
           comma ? "use a decimal point, not a comma" : "write only the number, a fraction of the frame");
     }
     return number;
+  } catch (const std::bad_alloc&) {
+    throw;
+  } catch (const Json::RuntimeError&) {  // of an allocation too
+    throw;
   } catch (const std::exception&) {
     findings.add(Severity::error, place,
                  what + "must be a number" + (what.empty() ? ", not " + shown(value) : std::string()) + "; " +

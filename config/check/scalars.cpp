@@ -2,7 +2,7 @@
 
 #include <json/json.h>
 
-#include <exception>
+#include <stdexcept>
 #include <string>
 #include <string_view>
 
@@ -64,7 +64,7 @@ class ScalarReader {
     std::size_t used = 0;
     try {
       number = convertParam(row.conversion, entry_.value, &used);
-    } catch (const std::exception&) {
+    } catch (const std::logic_error&) {  // of the conversions
       if (isSize) return;
       findings_.add(Severity::error, key,
                     std::string("must be a ") + (row.conversion == Conversion::integer ? "whole " : "") +

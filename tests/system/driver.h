@@ -5,6 +5,9 @@
 
 #include "tests/system/sequence.h"
 
+// The document that configures a sequence, for frames of so many channels.
+std::string documentOf(const Sequence& sequence, int channels);
+
 // Compares every field and the result text after every frame. Returns the first difference and its frame, or
 // an empty string.
 std::string compareOver(const Sequence& sequence);
