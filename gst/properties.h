@@ -9,12 +9,12 @@ namespace lm::gst {
 
 // What decides the detector's configuration.
 struct Settings {
-  std::string config;      // JSON text; empty: none
-  std::string configFile;  // a path; empty: none
-  std::string regions;     // in the syntax of regions_text.h; empty: those of the configuration
-  int sensitivity = 0;     // 0: that of the configuration
-  double minBox = 0;       // likewise
-  double absorb = 0;       // seconds; likewise, and -1: for ever
+  std::string config{};      // JSON text; empty: none
+  std::string configFile{};  // a path; empty: none
+  std::string regions{};     // in the syntax of regions_text.h; empty: those of the configuration
+  int sensitivity = 0;       // 0: that of the configuration
+  double minBox = 0;         // likewise
+  double absorb = 0;         // seconds; likewise, and -1: for ever
 };
 
 enum class Post { none, events, all };
