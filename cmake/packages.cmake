@@ -1,4 +1,5 @@
-# `cpack` builds three Debian packages from what install.cmake installs: the library, its development files and the program.
+# `cpack` builds Debian packages from what install.cmake installs: the library, its development files, the program and the
+# GStreamer plug-in.
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME lightmotion)
 set(CPACK_PACKAGE_VERSION ${PROJECT_VERSION})
@@ -57,6 +58,18 @@ and cameras and writes result lines, events, reports and annotated videos.")
   # Loaded when a local camera is used. Its version number is that of the libavformat used for the build.
   string(REGEX REPLACE "\\..*" "" ffmpeg_number "${FFMPEG_libavformat_VERSION}")
   set(CPACK_DEBIAN_PROGRAM_PACKAGE_SUGGESTS libavdevice${ffmpeg_number})
+endif()
+
+if(LIGHTMOTION_GSTREAMER)
+  list(APPEND CPACK_COMPONENTS_ALL gstreamer)
+  package(gstreamer gstreamer1.0-lightmotion video "liblightmotion1 (= ${PROJECT_VERSION})"
+          "motion detection for video (GStreamer plug-in)" "${what}
+
+This package contains the GStreamer element lightmotion, which attaches the
+boxes to frames and posts messages.")
+  set(CPACK_DEBIAN_GSTREAMER_PACKAGE_SHLIBDEPS ON)
+  # Where dpkg-shlibdeps finds the library, which no installed package has.
+  set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${PROJECT_BINARY_DIR})
 endif()
 
 include(CPack)

@@ -2,7 +2,7 @@
 # Runs in the bare root, with the packages in /packages: installs, uses and removes them.
 set -eu
 export DEBIAN_FRONTEND=noninteractive LC_ALL=C.UTF-8
-packages="liblightmotion1 liblightmotion-dev lightmotion"
+packages="liblightmotion1 liblightmotion-dev lightmotion gstreamer1.0-lightmotion"
 
 step() { echo "---- $*"; }
 fail() { echo "failed: $*" >&2; exit 1; }
@@ -47,10 +47,15 @@ done
 cmp host-c.jsonl host.jsonl
 cmp host-c.jsonl host.py.jsonl
 
+step "GStreamer finds the element"
+install /packages/gstreamer1.0-lightmotion_*.deb gstreamer1.0-tools gstreamer1.0-plugins-base
+as_user gst-launch-1.0 -m videotestsrc pattern=ball num-buffers=60 ! lightmotion ! fakesink >/tmp/log
+grep -q event-end /tmp/log || { cat /tmp/log; fail "the ball does not move"; }
+
 step "the packages install once more over themselves"
 quietly dpkg -i /packages/*.deb
 
-step "the library does not go while somebody needs it; all three go without a trace"
+step "the library does not go while somebody needs it; all go without a trace"
 if dpkg --remove liblightmotion1 >/tmp/log 2>&1; then fail "the library went"; fi
 # shellcheck disable=SC2086  # a list of words
 quietly apt-get purge -y $packages
