@@ -1,5 +1,5 @@
-# `cpack` builds Debian packages from what install.cmake installs: the library, its development files, the program and the
-# GStreamer plug-in.
+# `cpack` builds Debian packages from what install.cmake installs: the library, its development files, the program and
+# the GStreamer plug-in.
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME lightmotion)
 set(CPACK_PACKAGE_VERSION ${PROJECT_VERSION})

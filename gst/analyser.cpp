@@ -88,8 +88,10 @@ void Analyser::change(const Settings& settings, const std::string& fileText) {
 
 Moment Analyser::momentOf(const GstBuffer* buffer) const {
   const GstClockTime time = GST_BUFFER_PTS(buffer);
-  return {time, gst_segment_to_stream_time(&element_->segment, GST_FORMAT_TIME, time),
-          gst_segment_to_running_time(&element_->segment, GST_FORMAT_TIME, time)};
+  const GstSegment& segment = element_->segment;
+  if (segment.format != GST_FORMAT_TIME) return {.timestamp = time};
+  return {time, gst_segment_to_stream_time(&segment, GST_FORMAT_TIME, time),
+          gst_segment_to_running_time(&segment, GST_FORMAT_TIME, time)};
 }
 
 GstFlowReturn Analyser::frame(GstBuffer* buffer, const Handling& handling) {

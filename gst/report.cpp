@@ -42,8 +42,8 @@ void post(GstElement* element, GstStructure* fields) {
 
 #ifdef LIGHTMOTION_GST_ANALYTICS
 void attachAnalytics(GstBuffer* buffer, GQuark type, const Boxes& boxes) {
-  GstAnalyticsRelationMeta* const relations = gst_buffer_add_analytics_relation_meta(buffer);
-  if (relations == nullptr) return;
+  GstAnalyticsRelationMeta* relations = gst_buffer_get_analytics_relation_meta(buffer);
+  if (relations == nullptr) relations = gst_buffer_add_analytics_relation_meta(buffer);
   for (const lightmotion_box& box : boxes) {
     GstAnalyticsODMtd made;
     gst_analytics_relation_meta_add_od_mtd(relations, type, box.x, box.y, box.width, box.height, 1.0F, &made);

@@ -117,6 +117,17 @@ TEST(GstBoxes, FramesWithoutTimestampsAreAnalysed) {
   EXPECT_GT(found, 3U);
 }
 
+TEST(GstBoxes, FramesOfAStreamWithoutTimeAreAnalysed) {
+  Stream stream;
+  stream.setFormat(GST_VIDEO_FORMAT_GRAY8);
+  GstSegment segment;
+  gst_segment_init(&segment, GST_FORMAT_BYTES);
+  stream.event(gst_event_new_segment(&segment));
+  std::size_t found = 0;
+  for (int i = 0; i < 10; ++i) found += stream.frame(i).size();
+  EXPECT_GT(found, 3U);
+}
+
 TEST(GstBoxes, ElementsInDifferentThreadsDoNotDisturbEachOther) {
   const auto run = [](GstVideoFormat format, int libraryFormat, const Scene& scene) {
     Stream stream;

@@ -22,7 +22,8 @@ def commands():
 
 def reports(output):
     """(element, type, fields) of every message of the element."""
-    found = re.findall(r'from element "([^"]+)" \(element\): lightmotion, type=\(string\)([a-z-]+), (.*);$', output, re.MULTILINE)
+    message = r'from element "([^"]+)" \(element\): lightmotion, type=\(string\)([a-z-]+), (.*);$'
+    found = re.findall(message, output, re.MULTILINE)
     return [(name, kind, dict(re.findall(r"([a-z-]+)=\(\w+\)([^,;]+)", fields))) for name, kind, fields in found]
 
 
@@ -35,8 +36,8 @@ class Pipelines(unittest.TestCase):
         if clip.exists():
             (self.folder / "street.avi").symlink_to(clip)
         else:
-            self.run_line("gst-launch-1.0 videotestsrc pattern=ball num-buffers=75 ! video/x-raw,format=I420,framerate=25/1 ! "
-                          "jpegenc ! avimux ! filesink location=street.avi")
+            self.run_line("gst-launch-1.0 videotestsrc pattern=ball num-buffers=75 ! "
+                          "video/x-raw,format=I420,framerate=25/1 ! jpegenc ! avimux ! filesink location=street.avi")
 
     def run_line(self, line):
         done = subprocess.run(shlex.split(line), cwd=self.folder, capture_output=True, text=True, timeout=120)

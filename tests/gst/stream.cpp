@@ -17,6 +17,7 @@ void prepare() {
     setenv("GST_PLUGIN_PATH_1_0", "", 1);
     setenv("GST_REGISTRY_1_0", GST_REGISTRY_FILE, 1);
     gst_init(nullptr, nullptr);
+    g_log_set_always_fatal(static_cast<GLogLevelFlags>(G_LOG_FATAL_MASK | G_LOG_LEVEL_CRITICAL));
     GError* error = nullptr;
     if (gst_plugin_load_file(GST_PLUGIN_FILE, &error) == nullptr) throw std::runtime_error(error->message);
   });
