@@ -1,4 +1,5 @@
-# What `cmake --install` installs. Its components become the packages: library, development files, program.
+# What `cmake --install` installs. Its components become the packages: library, development files, program, GStreamer
+# plug-in.
 #
 # Debian's linker, pkg-config and CMake search the architecture's own folder below /usr and /usr/local, so one build
 # tree serves both a manual installation and the packages.
@@ -87,6 +88,11 @@ if(LIGHTMOTION_PYTHON)
           COMPONENT python EXCLUDE_FROM_ALL)
 endif()
 
+# ---- GStreamer plug-in --------------------------------------------------------------------------------------
+if(LIGHTMOTION_GSTREAMER)
+  install(TARGETS gstlightmotion LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}/gstreamer-1.0 COMPONENT gstreamer)
+endif()
+
 # ---- texts that Debian requires compressed, and each package's changelog and copyright file --------------------
 # Without a timestamp, so that the same sources give the same bytes.
 function(compressed source target)
@@ -113,6 +119,9 @@ papers(liblightmotion1 library)
 papers(liblightmotion-dev development)
 if(LIGHTMOTION_PYTHON)
   papers(python3-lightmotion python EXCLUDE_FROM_ALL)
+endif()
+if(LIGHTMOTION_GSTREAMER)
+  papers(gstreamer1.0-lightmotion gstreamer)
 endif()
 if(LIGHTMOTION_HOST)
   papers(lightmotion program)

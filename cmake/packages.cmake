@@ -1,5 +1,5 @@
 # `cpack` builds Debian packages from what install.cmake installs: the library, its development files, the program and
-# the Python package.
+# the Python and GStreamer packages.
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME lightmotion)
 set(CPACK_PACKAGE_VERSION ${PROJECT_VERSION})
@@ -81,10 +81,22 @@ This package contains the Python module.")
   set(CPACK_DEBIAN_PYTHON_PACKAGE_RECOMMENDS python3-numpy)
   set(CPACK_DEBIAN_PYTHON_PACKAGE_SUGGESTS "python3-av, python3-opencv")
   set(CPACK_DEBIAN_PYTHON_PACKAGE_SHLIBDEPS ON)
-  set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${PROJECT_BINARY_DIR}) # has the library that the module uses
   # As Debian's own tools write them: compiled modules belong to no package and have to go with it.
   set(CPACK_DEBIAN_PYTHON_PACKAGE_CONTROL_EXTRA ${PROJECT_SOURCE_DIR}/packaging/python3/postinst
                                                 ${PROJECT_SOURCE_DIR}/packaging/python3/prerm)
 endif()
+
+if(LIGHTMOTION_GSTREAMER)
+  list(APPEND CPACK_COMPONENTS_ALL gstreamer)
+  package(gstreamer gstreamer1.0-lightmotion video "liblightmotion1 (= ${PROJECT_VERSION})"
+          "motion detection for video (GStreamer plug-in)" "${what}
+
+This package contains the GStreamer element lightmotion, which attaches the
+boxes to frames and posts messages.")
+  set(CPACK_DEBIAN_GSTREAMER_PACKAGE_SHLIBDEPS ON)
+endif()
+
+# Where dpkg-shlibdeps finds the library, which no installed package has.
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${PROJECT_BINARY_DIR})
 
 include(CPack)

@@ -20,6 +20,7 @@ MAY_INCLUDE = {
     "plugin": ["base", "engine", "objects", "config", "compact"],
     "lightmotion": ["base", "simd/cpu_level.h", "engine", "objects", "config", "compact", "plugin/result_text.h"],
     "python": ["lightmotion/lightmotion.h"],
+    "gst": ["lightmotion/lightmotion.h"],
     # The program: it drives the library by its entry points, and `check` reads the tables of its configuration.
     "host/base": [],
     "host/source": ["host/base"],

@@ -2,7 +2,7 @@
 # Runs in the bare root, with the packages in /packages: installs, uses and removes them.
 set -eu
 export DEBIAN_FRONTEND=noninteractive LC_ALL=C.UTF-8
-packages="liblightmotion1 liblightmotion-dev lightmotion python3-lightmotion"
+packages="liblightmotion1 liblightmotion-dev lightmotion python3-lightmotion gstreamer1.0-lightmotion"
 
 step() { echo "---- $*"; }
 fail() { echo "failed: $*" >&2; exit 1; }
@@ -67,6 +67,11 @@ frame = numpy.zeros((120, 160), numpy.uint8)
 detector = lightmotion.Detector.for_frame(frame)
 detector(frame)
 assert detector.foreground().shape == (120, 160)'
+
+step "GStreamer finds the element"
+install /packages/gstreamer1.0-lightmotion_*.deb gstreamer1.0-tools gstreamer1.0-plugins-base
+as_user gst-launch-1.0 -m videotestsrc pattern=ball num-buffers=60 ! lightmotion ! fakesink >/tmp/log
+grep -q event-end /tmp/log || { cat /tmp/log; fail "the ball does not move"; }
 
 step "the packages install once more over themselves"
 quietly dpkg -i /packages/*.deb

@@ -26,7 +26,7 @@ def control_file(package, name):
 
 
 class Packages(unittest.TestCase):
-    def test_are_those_that_are_listed(self):
+    def test_are_those_listed(self):
         self.assertEqual(set(PACKAGES), set(expected_files()))
 
     def test_hold_exactly_the_listed_files(self):
@@ -49,13 +49,15 @@ class Packages(unittest.TestCase):
             self.assertEqual(field(package, "Version"), VERSION)
 
     def test_need_each_other_in_the_same_version(self):
-        for package in "liblightmotion-dev", "lightmotion", "python3-lightmotion":
+        for package in "liblightmotion-dev", "lightmotion", "python3-lightmotion", "gstreamer1.0-lightmotion":
             self.assertIn(f"liblightmotion1 (= {VERSION})", dependencies(package))
 
     def test_need_the_libraries_that_they_use(self):
         self.assertRegex(field("liblightmotion1", "Depends"), r"libc6 \(.*libjsoncpp\d+ \(.*libstdc\+\+6 \(")
         self.assertRegex(field("lightmotion", "Depends"), r"libavformat\d+ \(.*libopencv-core\d+ \(")
         self.assertRegex(field("python3-lightmotion", "Depends"), r"python3 \(>= 3\.11~\), libc6 \(")
+        self.assertRegex(field("gstreamer1.0-lightmotion", "Depends"),
+                         r"libgstreamer-plugins-base1\.0-0 \(.*libgstreamer1\.0-0 \(.*libjsoncpp\d+ \(")
         self.assertIn("libjsoncpp-dev", dependencies("liblightmotion-dev"))
 
     def test_library_tells_dependants_which_package_has_which_names(self):
