@@ -28,6 +28,11 @@ python_test(installed.tree installed_test.py installation)
 python_test(installed.options options_test.py installation)
 python_test(run.script run_script_test.py installation)
 python_test(examples.hosts ../examples/examples_test.py installation)
+python_test(examples.interfaces ../examples/interfaces_test.py installation)
+if(TARGET lightmotion_python)
+  set_property(TEST examples.interfaces APPEND PROPERTY
+               ENVIRONMENT LIGHTMOTION_MODULE=$<TARGET_FILE_DIR:lightmotion_python>/..)
+endif()
 python_test(packages.contents packages_test.py packages)
 
 # The sources inside another project, which keeps its own settings.
