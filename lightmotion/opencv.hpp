@@ -69,7 +69,6 @@ class BackgroundSubtractor : public cv::BackgroundSubtractor {
   void clear() override {
     detector_.reset();
     boxes_.clear();
-    count_ = 0;
   }
 
   // Whether no frame has been processed.
@@ -98,7 +97,6 @@ class BackgroundSubtractor : public cv::BackgroundSubtractor {
     if (frame.dims != 2 || frame.empty()) CV_Error(cv::Error::StsBadSize, "a frame has rows and columns");
     if (!detector_ || frame.size() != size_ || frame.type() != type_) {
       Detector made(configuration_, frame.cols, frame.rows, format_of(frame.type()));
-      clear();
       size_ = frame.size();
       type_ = frame.type();
       detector_.emplace(std::move(made));
@@ -115,7 +113,7 @@ class BackgroundSubtractor : public cv::BackgroundSubtractor {
 
   std::string configuration_;
   double interval_ms_;
-  std::int64_t count_ = 0;  // frames since the first one
+  std::int64_t count_ = 0;  // of all frames
   cv::Size size_;
   int type_ = -1;
   std::optional<Detector> detector_;
