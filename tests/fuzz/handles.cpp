@@ -51,7 +51,7 @@ class Pair {
     lightmotion_info info{};
     info.struct_size = sizeof info;
     fuzz::require(lightmotion_get_info(pair_[0].get(), &info) == LIGHTMOTION_OK, "no info");
-    rowBytes_ = static_cast<std::size_t>(width_ * info.bytes_per_pixel);
+    rowBytes_ = static_cast<std::size_t>(width_) * static_cast<std::size_t>(info.bytes_per_pixel);
     picture_.emplace(width_, height_, info.bytes_per_pixel);
   }
 
@@ -117,7 +117,7 @@ class Pair {
   void requirePictures() const {
     std::vector<std::uint8_t> pictures[2];
     for (std::size_t i = 0; i < 2; ++i) {
-      pictures[i].resize(static_cast<std::size_t>(width_ * height_));
+      pictures[i].resize(static_cast<std::size_t>(width_) * static_cast<std::size_t>(height_));
       fuzz::require(lightmotion_foreground(pair_[i].get(), pictures[i].data(), 0) == LIGHTMOTION_OK,
                     "no mask");
     }

@@ -63,7 +63,7 @@ class WatchedArea : public ::testing::TestWithParam<compact::Shape> {
 
 INSTANTIATE_TEST_SUITE_P(Shapes, WatchedArea,
                          testing::Values(compact::Shape{130, 60, 1}, compact::Shape{128, 40, 1},
-                                         compact::Shape{300, 30, 1}));
+                                         compact::Shape{300, 30, 1}, compact::Shape{120, 50, 1}));
 
 TEST_P(WatchedArea, KeepsWhatWasLearnedAndLearnsWhatIsNewFromTheNextFrame) {
   const Detector changed = made(documentOf(shape_, west));
@@ -172,7 +172,8 @@ class WatchedElsewhere : public ::testing::TestWithParam<Film> {
 };
 
 INSTANTIATE_TEST_SUITE_P(Films, WatchedElsewhere,
-                         testing::Values(Film{"passing", {{300, 24, 1}, Kind::passing, 4}},
+                         testing::Values(Film{"calm", {{300, 24, 1}, Kind::passing, 2.2}},
+                                         Film{"passing", {{300, 24, 1}, Kind::passing, 4}},
                                          Film{"noisy", {{320, 20, 1}, Kind::stopping, 12}},
                                          Film{"blinking", {{288, 20, 3}, Kind::blinking, 6}},
                                          Film{"brightening", {{300, 20, 4}, Kind::brightening, 3}},

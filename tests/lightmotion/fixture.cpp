@@ -70,6 +70,7 @@ std::vector<std::uint8_t> backgroundOf(const Detector& detector) {
 std::vector<std::vector<std::uint8_t>> framesOf(const Scene& scene, int count, std::uint32_t seed) {
   Dice dice(seed);
   std::vector<std::vector<std::uint8_t>> frames;
+  frames.reserve(static_cast<std::size_t>(count));
   for (int i = 0; i < count; ++i) frames.push_back(draw(scene, i, dice));
   return frames;
 }
@@ -81,9 +82,9 @@ std::vector<std::uint8_t> picture(const compact::Shape& shape, int value, const 
     for (int y = std::max(0, block.top); y < std::min(shape.height, block.top + block.height); ++y) {
       const int left = std::max(0, block.left);
       const int right = std::min(shape.width, block.left + block.width);
-      std::fill(pixels.begin() + (y * shape.width + left) * shape.channels,
-                pixels.begin() + (y * shape.width + right) * shape.channels,
-                static_cast<std::uint8_t>(block.value));
+      const std::ptrdiff_t row = std::ptrdiff_t{y} * shape.width;
+      std::fill(pixels.begin() + (row + left) * shape.channels,
+                pixels.begin() + (row + right) * shape.channels, static_cast<std::uint8_t>(block.value));
     }
   }
   return pixels;

@@ -21,6 +21,7 @@ constexpr compact::Shape shape{96, 64, 3};
 std::vector<std::string> texts(const Detector& detector,
                                const std::vector<std::vector<std::uint8_t>>& frames) {
   std::vector<std::string> results;
+  results.reserve(frames.size());
   std::int64_t time = 0;
   for (const auto& frame : frames) results.push_back(feed(detector, frame, time += 40));
   return results;
@@ -114,12 +115,12 @@ TEST(Messages, AreCutBetweenCharacters) {
   // "\"ü\": unknown key, ignored (...": the character takes bytes 1 and 2.
   const std::string document = documentOf(shape, "\"\xC3\xBC\": 1");
   std::array<char, 300> whole{};
-  Detector(lightmotion_create(document.c_str(), whole.data(), whole.size()));
+  lightmotion_destroy(lightmotion_create(document.c_str(), whole.data(), whole.size()));
   ASSERT_THAT(whole.data(), HasSubstr("\"\xC3\xBC\": unknown key"));
   for (std::size_t size = 0; size <= 6; ++size) {
     std::array<char, 8> part{};
     part.fill('#');
-    Detector(lightmotion_create(document.c_str(), part.data(), size));
+    lightmotion_destroy(lightmotion_create(document.c_str(), part.data(), size));
     const std::array<const char*, 7> expected = {
         "", "", "\"", "\"", "\"\xC3\xBC", "\"\xC3\xBC\"", "\"\xC3\xBC\":"};
     if (size > 0) {
@@ -159,8 +160,8 @@ TEST(Frames, FromTimeZeroAreLikeLaterOnes) {
   const Detector early = made(documentOf(shape));
   const Detector late = made(documentOf(shape));
   for (int i = 0; i < 10; ++i) {
-    feed(early, frames()[0], 40 * i);
-    feed(late, frames()[0], 1'700'000'000'000 + 40 * i);
+    feed(early, frames()[0], std::int64_t{40} * i);
+    feed(late, frames()[0], 1'700'000'000'000 + std::int64_t{40} * i);
     EXPECT_EQ(infoOf(early).frame_rate, infoOf(late).frame_rate);
   }
   EXPECT_EQ(infoOf(early).frame_rate, 25);
@@ -238,7 +239,7 @@ TEST(Pictures, AreForegroundBeforePeelingAndBackgroundWithoutIt) {
     const Detector detector = made(documentOf(any));
     const auto empty = picture(any, 80, {});
     feed(detector, empty, 40);
-    EXPECT_EQ(foregroundOf(detector), std::vector<std::uint8_t>(70 * 40, 0));
+    EXPECT_EQ(foregroundOf(detector), std::vector<std::uint8_t>(2800, 0));
     feed(detector, picture(any, 80, {{30, 10, 20, 20, 200}}), 80);
     EXPECT_EQ(foregroundOf(detector), picture({70, 40, 1}, 0, {{30, 10, 20, 20, 255}}));
     std::vector<std::uint8_t> expected = empty;

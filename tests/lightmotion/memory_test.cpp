@@ -41,7 +41,7 @@ TEST(Memory, FailingInTheFirstFrameLeavesItTheFirst) {
   const Detector expected = create(document).detector;
   std::vector<std::string> results;
   for (std::size_t i = 0; i < frames.size(); ++i) {
-    results.push_back(feed(expected, frames[i], 40 * static_cast<int>(i)));
+    results.push_back(feed(expected, frames[i], static_cast<std::int64_t>(40 * i)));
   }
   int failed = 0;
   for (std::uint64_t failAt = 1;; ++failAt) {
@@ -58,7 +58,7 @@ TEST(Memory, FailingInTheFirstFrameLeavesItTheFirst) {
     EXPECT_EQ(count, LIGHTMOTION_ERROR_MEMORY);
     EXPECT_EQ(infoOf(detector).frames, 0);
     for (std::size_t i = 0; i < frames.size(); ++i) {
-      EXPECT_EQ(feed(detector, frames[i], 40 * static_cast<int>(i)), results[i]);
+      EXPECT_EQ(feed(detector, frames[i], static_cast<std::int64_t>(40 * i)), results[i]);
     }
   }
   EXPECT_GT(failed, 10);
@@ -165,7 +165,7 @@ TEST(Memory, IsReleased) {
   {
     const Detector detector = create(document).detector;
     for (std::size_t i = 0; i < frames.size(); ++i) {
-      lightmotion_process(detector.get(), frames[i].data(), 0, 40 * static_cast<int>(i), nullptr);
+      lightmotion_process(detector.get(), frames[i].data(), 0, static_cast<std::int64_t>(40 * i), nullptr);
       lightmotion_json(detector.get(), nullptr);
       lightmotion_change(detector.get(), i % 2 == 0 ? "{\"roi\": null}" : "{\"ror\": []}", nullptr, 0);
     }

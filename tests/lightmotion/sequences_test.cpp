@@ -105,7 +105,7 @@ Outcome outcomeOf(const Sequence& sequence, const Way& way, std::string& differe
     return accepted ? Outcome::refusedByHandle
                     : (detector == nullptr ? Outcome::refusedByBoth : Outcome::same);
   }
-  const auto rowBytes = static_cast<std::size_t>(sequence.width * channels);
+  const auto rowBytes = static_cast<std::size_t>(sequence.width) * static_cast<std::size_t>(channels);
   const std::size_t stride = rowBytes + way.padding;
   for (int k = 0; k < sequence.frames; ++k) {
     if (k > 0) frame = sequence.frame(k);

@@ -4,6 +4,7 @@
 #include <cstddef>
 
 #include "engine/kamble.h"
+#include "lightmotion/lightmotion.h"
 #include "objects/component.h"
 #include "plugin/detector.h"
 #include "plugin/instance.h"
