@@ -67,9 +67,9 @@ TEST(GstSettings, EveryPropertyIsAKeyOfTheConfiguration) {
     } else {
       set(stream, row.property, row.value);
     }
-    stream.setFormat(GST_VIDEO_FORMAT_BGR);
-    Library library(GST_VIDEO_FORMAT_BGR, LIGHTMOTION_FORMAT_BGR, {}, row.config);
-    Library plain(GST_VIDEO_FORMAT_BGR, LIGHTMOTION_FORMAT_BGR);
+    stream.setFormat(GST_VIDEO_FORMAT_GRAY8);
+    Library library(GST_VIDEO_FORMAT_GRAY8, LIGHTMOTION_FORMAT_GREY, {}, row.config);
+    Library plain(GST_VIDEO_FORMAT_GRAY8, LIGHTMOTION_FORMAT_GREY);
     bool differs = false;
     for (int i = 0; i < frames; ++i) {
       const FoundBoxes boxes = stream.frame(i);
