@@ -130,7 +130,6 @@ void Engine::beginWatching(const std::uint8_t* frame) {
       added[block] = wanted & ~region[block];
       region[block] &= wanted;
       row.foreground[block] &= region[block];
-      row.alive[block] &= region[block];
       kept += std::popcount(region[block]);
       if (!contains(taken, block)) continue;
       const std::uint32_t unknown = contains(takenBefore, block) ? added[block] : wholeBlock;

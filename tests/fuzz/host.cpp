@@ -52,7 +52,7 @@ void readArguments(const std::string& text) {
 }
 
 // A configuration document for frames of 640 x 360.
-void readDocument(const std::string& text) {
+void readAsDocument(const std::string& text) {
   const check::Verdict verdict = check::check_document(text, cv::Size(640, 360));
   for (const check::Finding& finding : verdict.findings)
     fuzz::require(check::sentence("d", finding).find('\n') == std::string::npos,
@@ -151,7 +151,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
       readArguments(text);
       break;
     case 'd':
-      readDocument(text);
+      readAsDocument(text);
       break;
     case 'r':
       readResult(text);

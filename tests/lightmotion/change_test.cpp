@@ -2,8 +2,10 @@
 #include <gmock/gmock.h>
 
 #include <array>
+#include <ostream>
 
 #include "tests/lightmotion/fixture.h"
+#include "tests/support/by_name.h"
 
 namespace lm::test {
 namespace {
@@ -61,7 +63,7 @@ class WatchedArea : public ::testing::TestWithParam<compact::Shape> {
 
 INSTANTIATE_TEST_SUITE_P(Shapes, WatchedArea,
                          testing::Values(compact::Shape{130, 60, 1}, compact::Shape{128, 40, 1},
-                                         compact::Shape{300, 30, 1}));
+                                         compact::Shape{300, 30, 1}, compact::Shape{120, 50, 1}));
 
 TEST_P(WatchedArea, KeepsWhatWasLearnedAndLearnsWhatIsNewFromTheNextFrame) {
   const Detector changed = made(documentOf(shape_, west));
@@ -140,6 +142,79 @@ TEST_P(WatchedArea, CanChangeBeforeTheFirstFrame) {
   for (int frame = 0; frame < 40; ++frame) ASSERT_EQ(feed(changed, frame), feed(fresh, frame)) << frame;
 }
 
+// ---- regions, exactly -------------------------------------------------------------------------------------
+
+struct Film {
+  const char* name;
+  Scene scene;
+};
+void PrintTo(const Film& film, std::ostream* out) { *out << film.name; }
+
+// Regions that share no neighbours: what happens in one has no effect in the other.
+class WatchedElsewhere : public ::testing::TestWithParam<Film> {
+ protected:
+  static constexpr int count = 140;
+  const std::string far_ = strip(0.7, 2);
+  const compact::Shape shape_ = GetParam().scene.shape;
+  const std::vector<std::vector<std::uint8_t>> frames_ = framesOf(GetParam().scene, count);
+
+  Detector start(const std::string& roi) { return made(documentOf(shape_, "\"sensitivity\": 5, " + roi)); }
+  std::string feed(const Detector& detector, int frame) {
+    return test::feed(detector, frames_[static_cast<std::size_t>(frame)], 1000 + 40 * frame);
+  }
+  void expectSame(const Detector& a, const Detector& b, int from) {
+    for (int frame = from; frame < count; ++frame) {
+      ASSERT_EQ(feed(a, frame), feed(b, frame)) << frame;
+      ASSERT_EQ(foregroundOf(a), foregroundOf(b)) << frame;
+      ASSERT_EQ(backgroundOf(a), backgroundOf(b)) << frame;
+    }
+  }
+};
+
+INSTANTIATE_TEST_SUITE_P(Films, WatchedElsewhere,
+                         testing::Values(Film{"calm", {{300, 24, 1}, Kind::passing, 2.2}},
+                                         Film{"passing", {{300, 24, 1}, Kind::passing, 4}},
+                                         Film{"noisy", {{320, 20, 1}, Kind::stopping, 12}},
+                                         Film{"blinking", {{288, 20, 3}, Kind::blinking, 6}},
+                                         Film{"brightening", {{300, 20, 4}, Kind::brightening, 3}},
+                                         Film{"arbitrary", {{260, 20, 1}, Kind::arbitrary, 0}}),
+                         byName);
+
+// 12 and 36 frames are whole turns of the channels that are compared.
+TEST_P(WatchedElsewhere, IsLearnedAsByAFreshDetector) {
+  const Detector changed = start(west);
+  for (int frame = 0; frame < 12; ++frame) feed(changed, frame);
+  EXPECT_EQ(change(changed, far_), LIGHTMOTION_OK);
+  expectSame(changed, start(far_), 12);
+}
+
+TEST_P(WatchedElsewhere, IsLearnedAnewWhereItWasForgotten) {
+  const Detector changed = start("\"roi\": null");
+  for (int frame = 0; frame < 24; ++frame) feed(changed, frame);
+  EXPECT_EQ(change(changed, west), LIGHTMOTION_OK);
+  const int columns = shape_.width / 2 + 1;
+  for (int frame = 24; frame < 36; ++frame) {
+    feed(changed, frame);
+    const auto rest = test::columns(foregroundOf(changed), shape_.width, columns, shape_.width);
+    ASSERT_EQ(rest, std::vector<std::uint8_t>(rest.size(), 0)) << frame;
+  }
+  EXPECT_EQ(change(changed, far_), LIGHTMOTION_OK);
+  expectSame(changed, start(far_), 36);
+}
+
+TEST_P(WatchedElsewhere, IsKeptByAChangeAfterItsFirstFrame) {
+  const Detector changed = start(west);
+  const Detector fresh = start(far_);
+  for (int frame = 0; frame < 12; ++frame) feed(changed, frame);
+  EXPECT_EQ(change(changed, far_), LIGHTMOTION_OK);
+  feed(changed, 12);
+  feed(fresh, 12);
+  for (const Detector* detector : {&changed, &fresh}) {
+    EXPECT_EQ(change(*detector, strip(0.65, 2)), LIGHTMOTION_OK);
+  }
+  expectSame(changed, fresh, 13);
+}
+
 // ---- settings ---------------------------------------------------------------------------------------------
 
 constexpr compact::Shape grey{100, 80, 1};
@@ -154,6 +229,17 @@ TEST(Change, OfSensitivityKeepsWhatWasLearned) {
   EXPECT_EQ(change(detector, "\"sensitivity\": 5"), LIGHTMOTION_OK);
   feed(detector, picture(grey, 80, {}), 160);
   EXPECT_THAT(feed(detector, faint, 200), HasSubstr("32 32 16 16 in 0; "));
+}
+
+// Two pieces of 16 pixels close together lower the minimum to 6.
+TEST(Change, FromAutomaticSensitivityRestoresTheMinimum) {
+  const Detector detector = made(documentOf(grey, R"("sensitivity": -1, "peel": 0)"));
+  const auto pieces = picture(grey, 80, {{30, 30, 4, 4, 200}, {45, 30, 4, 4, 200}});
+  feed(detector, picture(grey, 80, {}), 40);
+  EXPECT_EQ(feed(detector, pieces, 80), "");
+  EXPECT_NE(feed(detector, pieces, 120), "");
+  EXPECT_EQ(change(detector, "\"sensitivity\": 5"), LIGHTMOTION_OK);
+  EXPECT_EQ(feed(detector, pieces, 160), "");
 }
 
 TEST(Change, OfTheMinimumBoxTakesEffect) {

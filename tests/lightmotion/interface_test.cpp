@@ -207,6 +207,12 @@ TEST(Frames, NamesOfRegionsAreThoseThatForegroundTouches) {
   const std::string text =
       feed(detector, picture(grey, 80, {{20, 20, 15, 15, 200}, {62, 50, 15, 15, 200}}), 80);
   EXPECT_EQ(text.substr(0, text.find('{')), "22 22 11 11 in 0 1; 64 52 11 11 in 1 2; ");
+  // Two things side by side, in the same 32 columns.
+  const Detector beside = made(
+      documentOf(grey, "\"roi\": [" + region("west", -1, 0.155) + ", " + region("east", 0.155, 2) + "]"));
+  feed(beside, picture(grey, 80, {}), 40);
+  const std::string two = feed(beside, picture(grey, 80, {{1, 20, 12, 12, 200}, {19, 20, 12, 12, 200}}), 80);
+  EXPECT_EQ(two.substr(0, two.find('{')), "3 22 8 8 in 0; 21 22 8 8 in 1; ");
   EXPECT_STREQ(lightmotion_region_name(detector.get(), 0), "west");
   EXPECT_STREQ(lightmotion_region_name(detector.get(), 1), "middle");
   EXPECT_STREQ(lightmotion_region_name(detector.get(), 2), "");
