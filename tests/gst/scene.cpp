@@ -1,6 +1,5 @@
 #include "tests/gst/scene.h"
 
-#include <algorithm>
 #include <cstring>
 
 namespace lm::gst {
@@ -8,14 +7,17 @@ namespace {
 
 constexpr int side = 24;
 constexpr int enters = 3;
-constexpr std::uint8_t rest = 0x5A;  // of padding and of planes that are not read
+constexpr std::uint8_t square = 220;  // its grey value
+constexpr std::uint8_t rest = 0x5A;   // of padding and of planes that are not read
 
 int bytesPerPixel(GstVideoFormat format) {
   return GST_VIDEO_FORMAT_INFO_PSTRIDE(gst_video_format_get_info(format), 0);
 }
 
-std::uint8_t componentOf(int value, int component) {
-  return static_cast<std::uint8_t>(std::clamp(value + 9 * (component - 1), 0, 255));
+// The components of the square change in turn, so that the order of the colours matters.
+std::uint8_t componentOf(int grey, int component, int frame) {
+  const int darker = grey == square && (frame + component) % 4 == 0 ? 70 : 0;
+  return static_cast<std::uint8_t>(grey + 9 * (component - 1) - darker);
 }
 
 bool redFirst(GstVideoFormat format) {
@@ -25,9 +27,9 @@ bool redFirst(GstVideoFormat format) {
 }  // namespace
 
 std::uint8_t greyAt(const Scene& scene, int x, int y, int frame) {
-  const int left = 4 * (frame - enters) % (scene.width - side);
+  const int left = scene.step * (frame - enters) % (scene.width - side);
   const bool present = frame >= enters && frame < scene.last;
-  if (present && x >= left && x < left + side && y >= scene.top && y < scene.top + side) return 220;
+  if (present && x >= left && x < left + side && y >= scene.top && y < scene.top + side) return square;
   return static_cast<std::uint8_t>(60 + (x * 7 + y * 13 + x * y % 11) % 40);
 }
 
@@ -38,8 +40,9 @@ std::vector<std::uint8_t> pixelsOf(const Scene& scene, GstVideoFormat format, in
     for (int x = 0; x < scene.width; ++x) {
       const int grey = greyAt(scene, x, y, frame);
       for (int i = 0; i < channels; ++i) {
-        const int blueFirst = redFirst(format) && i < 3 ? 2 - i : i;
-        pixels.push_back(channels == 1 ? static_cast<std::uint8_t>(grey) : componentOf(grey, blueFirst));
+        const int component = redFirst(format) && i < 3 ? 2 - i : i;
+        pixels.push_back(channels == 1 ? static_cast<std::uint8_t>(grey)
+                                       : componentOf(grey, component, frame));
       }
     }
   }

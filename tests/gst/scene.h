@@ -19,6 +19,7 @@ struct Scene {
   int height = sceneHeight;
   int last = 1000;
   int top = 20;  // of the square
+  int step = 4;  // pixels per frame that it moves
 };
 
 // The grey value of a pixel of the plain picture.

@@ -4,6 +4,7 @@
 
 #include <cstdio>
 #include <fstream>
+#include <thread>
 
 #include "tests/gst/stream.h"
 
@@ -67,9 +68,9 @@ TEST(GstSettings, EveryPropertyIsAKeyOfTheConfiguration) {
     } else {
       set(stream, row.property, row.value);
     }
-    stream.setFormat(GST_VIDEO_FORMAT_BGR);
-    Library library(GST_VIDEO_FORMAT_BGR, LIGHTMOTION_FORMAT_BGR, {}, row.config);
-    Library plain(GST_VIDEO_FORMAT_BGR, LIGHTMOTION_FORMAT_BGR);
+    stream.setFormat(GST_VIDEO_FORMAT_GRAY8);
+    Library library(GST_VIDEO_FORMAT_GRAY8, LIGHTMOTION_FORMAT_GREY, {}, row.config);
+    Library plain(GST_VIDEO_FORMAT_GRAY8, LIGHTMOTION_FORMAT_GREY);
     bool differs = false;
     for (int i = 0; i < frames; ++i) {
       const FoundBoxes boxes = stream.frame(i);
@@ -190,6 +191,25 @@ TEST(GstSettings, AChangeThatIsRefusedIsAWarningAndChangesNothing) {
     expectSame(stream, library, 12, frames);
     EXPECT_THAT(stream.texts(GST_MESSAGE_WARNING), IsEmpty());
   }
+}
+
+TEST(GstSettings, PropertiesAreSetInOneThreadWhileAnotherPushesFrames) {
+  Stream stream;
+  stream.setFormat(GST_VIDEO_FORMAT_GRAY8);
+  stream.frame(0);
+  std::thread other([&] {
+    for (int i = 0; i < 300; ++i) {
+      set(stream, "sensitivity", std::to_string(1 + i % 5));
+      setText(stream, "regions", i % 2 == 0 ? "bottom: -1,0.5 2,0.5 2,2 -1,2" : "");
+      set(stream, "draw", i % 3 == 0 ? "true" : "false");
+    }
+  });
+  for (int i = 1; i < 100; ++i) {
+    stream.frame(i);
+    EXPECT_EQ(stream.flow(), GST_FLOW_OK);
+  }
+  other.join();
+  EXPECT_THAT(stream.texts(GST_MESSAGE_WARNING), IsEmpty());
 }
 
 TEST(GstSettings, PropertiesKeepWhatIsSet) {
