@@ -32,6 +32,9 @@ foreach(header ${LIGHTMOTION_PUBLIC_HEADERS})
   install(FILES ${header} DESTINATION ${include_folder}/${folder} COMPONENT development)
 endforeach()
 
+# Included as <lightmotion/lightmotion.h>.
+install(FILES lightmotion/lightmotion.h lightmotion/lightmotion.hpp lightmotion/opencv.hpp DESTINATION ${include_folder} COMPONENT development)
+
 install(EXPORT lightmotion NAMESPACE lightmotion:: FILE lightmotion-targets.cmake
         DESTINATION ${cmake_folder} COMPONENT development)
 configure_package_config_file(packaging/lightmotion-config.cmake.in lightmotion-config.cmake

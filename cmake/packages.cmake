@@ -55,6 +55,7 @@ package(development liblightmotion-dev libdevel "liblightmotion1 (= ${PROJECT_VE
 
 This package contains the development files for hosts: headers, CMake and
 pkg-config files, and minimal hosts in C, C++ and Python.")
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SUGGESTS libopencv-video-dev) # for opencv.hpp
 
 if(LIGHTMOTION_HOST)
   list(APPEND CPACK_COMPONENTS_ALL program)

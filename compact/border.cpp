@@ -7,14 +7,15 @@
 
 namespace lm::compact {
 
-bool Border::draw(const Shape& shape, std::int32_t stride) {
+bool Border::draw(const Shape& shape, std::int32_t stride, const std::function<int()>& random) {
   width_ = shape.width;
   height_ = shape.height;
   const auto width = static_cast<std::size_t>(shape.width);
   const auto height = static_cast<std::size_t>(shape.height);
   const bool all = width < 5 || height < 5;
   const std::size_t pixels = all ? width * height : 4 * width + 4 * (height - 4);
-  entries_.reset(static_cast<std::int32_t*>(std::malloc(pixels * neighbourEntries * sizeof(std::int32_t))));
+  bytes_ = pixels * neighbourEntries * sizeof(std::int32_t);
+  entries_.reset(static_cast<std::int32_t*>(std::malloc(bytes_)));
   if (entries_ == nullptr) return false;
 
   const std::vector<pnt> offsets = neighbourOffsets();
@@ -24,7 +25,7 @@ bool Border::draw(const Shape& shape, std::int32_t stride) {
     const bool whole = isWhole(y);
     for (std::int32_t x = 0; x < width_; ++x) {
       if (!whole && x == 2) x = width_ - 2;
-      fillNeighbours(entries, neighbourEntries, offsets, frame, x, y);
+      fillNeighbours(entries, neighbourEntries, offsets, frame, x, y, random);
       std::transform(entries, entries + neighbourEntries, entries,
                      [&](std::int32_t index) { return index / width_ * stride + index % width_; });
       entries += neighbourEntries;

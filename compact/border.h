@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <memory>
 
 #include "compact/kernels.h"
@@ -13,9 +14,11 @@ namespace lm::compact {
 
 class Border {
  public:
-  // Draws the neighbours of a frame, in the order of its pixels. Places are y * `stride` + x. False when an
-  // allocation fails.
-  bool draw(const Shape& shape, std::int32_t stride);
+  // Draws the neighbours of a frame, in the order of its pixels, from `random`. Places are y * `stride` + x.
+  // False when an allocation fails.
+  bool draw(const Shape& shape, std::int32_t stride, const std::function<int()>& random);
+
+  std::size_t bytes() const { return bytes_; }
 
   // Of row `y`.
   BorderRow row(std::int32_t y) const;
@@ -36,6 +39,7 @@ class Border {
 
   std::int32_t width_ = 0;
   std::int32_t height_ = 0;
+  std::size_t bytes_ = 0;
   std::unique_ptr<std::int32_t, Freed> entries_;
 };
 

@@ -56,6 +56,7 @@ bool Memory::make(const Shape& shape) {
   memory_.reset();
   memory_.reset(std::calloc(1, sizes.bytes() + cacheLine));
   if (memory_ == nullptr) return false;
+  bytes_ = sizes.bytes() + cacheLine;
   adviseLarge(memory_.get(), sizes.bytes());
   Parts places(reinterpret_cast<std::uintptr_t>(memory_.get()));
   layOut(places);

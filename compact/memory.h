@@ -25,12 +25,14 @@ class Memory {
   RowPlanes row(std::int32_t y) const;
   std::uint32_t* region(std::int32_t y) const { return region_ + wordsBefore(y); }
   const std::uint32_t* foreground(std::int32_t y) const { return foreground_ + wordsBefore(y); }
+  std::size_t bytes() const { return bytes_; }
   std::size_t stride() const { return blocks_ * blockPixels; }  // pixels of a row of a plane
 
  private:
   std::size_t wordsBefore(std::int32_t y) const { return static_cast<std::size_t>(y) * blocks_; }
 
   std::unique_ptr<void, Freed> memory_;
+  std::size_t bytes_ = 0;
   std::size_t blocks_ = 0;
   std::size_t planes_ = 0;
   std::uint8_t* background_[maxChannels] = {};

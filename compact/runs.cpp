@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cassert>
+#include <iterator>
 
 #include "compact/bit_rows.h"
 
@@ -91,6 +92,18 @@ const std::vector<SpannedComponent>& RunLabeller::number() {
     }
   }
   return components_;
+}
+
+std::size_t RunLabeller::componentAt(std::int32_t x, std::int32_t y) const {
+  const auto row =
+      std::lower_bound(rows_.begin(), rows_.end(), y,
+                       [](const RunsOfRow& runs, std::int32_t wanted) { return runs.y < wanted; });
+  assert(row != rows_.end() && row->y == y);
+  const auto begin = runs_.begin() + row->begin;
+  const auto after = std::upper_bound(begin, runs_.begin() + row->end, x,
+                                      [](std::int32_t column, const Run& run) { return column < run.begin; });
+  assert(after != begin && x < std::prev(after)->end);
+  return std::prev(after)->parent;
 }
 
 }  // namespace lm::compact

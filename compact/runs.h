@@ -41,6 +41,10 @@ class RunLabeller {
   // Lists the components in raster order of their first pixels; the runs' parents become components. Labels
   // count from 2.
   const std::vector<SpannedComponent>& number();
+  const std::vector<SpannedComponent>& components() const { return components_; }
+
+  // After number(): the index of the component that holds the pixel, which is in a run.
+  std::size_t componentAt(std::int32_t x, std::int32_t y) const;
 
  private:
   std::uint32_t root(std::uint32_t run);

@@ -1,7 +1,9 @@
 // The first-frame set-up of the engine's memory, and its release.
 #include <algorithm>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
+#include <functional>
 #include <utility>
 
 #include "base/aligned.h"
@@ -51,9 +53,10 @@ void forEachPixel(const lm::FrameShape& shape, Act act) {
 void makeNeighbourArrays(kAMBLE& engine, const lm::FrameShape& shape) {
   engine.nbrIdx.resize(static_cast<std::size_t>(shape.count), nullptr);
   if (shape.width < 1) return;
+  const std::function<int()> draw = std::rand;
   forEachPixel(shape, [&](std::size_t pixel, std::int32_t x, std::int32_t y) {
     engine.nbrIdx[pixel] = new int[static_cast<std::size_t>(engine.numNbr)];
-    lm::fillNeighbours(engine.nbrIdx[pixel], engine.numNbr, engine.nbrOffset, shape, x, y);
+    lm::fillNeighbours(engine.nbrIdx[pixel], engine.numNbr, engine.nbrOffset, shape, x, y, draw);
   });
 }
 
@@ -107,10 +110,14 @@ void releasePlanes(kAMBLE& engine) {
 
 }  // namespace
 
-void lm::takeSize(kAMBLE& engine, std::int32_t width, std::int32_t height) {
+void lm::storeSize(kAMBLE& engine, std::int32_t width, std::int32_t height) {
   engine.szImgX = width;
   engine.szImgY = height;
   engine.numPixel = wrapMul(width, height);
+}
+
+void lm::takeSize(kAMBLE& engine, std::int32_t width, std::int32_t height) {
+  storeSize(engine, width, height);
   std::fprintf(stderr, "W, H, Pixels = %d, %d, %d\n", width, height, engine.numPixel);
 }
 

@@ -39,8 +39,9 @@ bool hasModel(const kAMBLE& engine);
 // numPixel pixels of so many bytes. (pipeline.cpp)
 bool holdsFrames(const kAMBLE& engine);
 
-// Stores the size of a first frame and writes it to standard error; derives the limits that are in pixels.
-// (buffers.cpp)
+// Stores the size of a first frame; stores it and writes it to standard error; derives the limits that are in
+// pixels. (buffers.cpp)
+void storeSize(kAMBLE& engine, std::int32_t width, std::int32_t height);
 void takeSize(kAMBLE& engine, std::int32_t width, std::int32_t height);
 void deriveLimits(kAMBLE& engine);
 

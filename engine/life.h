@@ -7,8 +7,10 @@ namespace lm {
 
 inline constexpr float leastLife = 1.0F;  // a smaller one does not decay
 inline constexpr float lifeLoss = 0.8F;
-inline constexpr std::int32_t lifeBand1 =
-    10;  // the upper bands are the variables THRESH_SAME_PIXEL_x2 and _x3
+inline constexpr std::int32_t lifeBand1 = 10;
+// The upper bands are the variables THRESH_SAME_PIXEL_x2 and _x3, which begin as these.
+inline constexpr std::int32_t lifeBand2 = 20;
+inline constexpr std::int32_t lifeBand3 = 30;
 inline constexpr float lifeGain1 = 1.0F;
 inline constexpr float lifeGain2 = 0.5F;
 inline constexpr float lifeGain3 = 0.2F;

@@ -1,7 +1,5 @@
 #include "engine/neighbours.h"
 
-#include <cstdlib>
-
 namespace lm {
 
 std::vector<pnt> neighbourOffsets() {
@@ -20,13 +18,14 @@ std::int32_t FrameShape::indexAt(std::int64_t x, std::int64_t y) const {
 }
 
 void fillNeighbours(int* entries, std::int32_t numEntries, const std::vector<pnt>& offsets,
-                    const FrameShape& shape, std::int32_t x, std::int32_t y) {
+                    const FrameShape& shape, std::int32_t x, std::int32_t y,
+                    const std::function<int()>& draw) {
   for (std::int32_t k = 0; k < numEntries; ++k) {
     const pnt& offset = offsets[static_cast<std::size_t>(k)];
     entries[k] = shape.indexAt(std::int64_t{x} + offset.x, std::int64_t{y} + offset.y);
   }
   for (std::int32_t k = 0; k < numEntries; ++k) {
-    while (entries[k] == -1) entries[k] = entries[std::rand() % numEntries];
+    while (entries[k] == -1) entries[k] = entries[draw() % numEntries];
   }
 }
 

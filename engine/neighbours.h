@@ -4,6 +4,7 @@
 #include <cassert>
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <vector>
 
 #include "base/integers.h"
@@ -30,9 +31,11 @@ struct FrameShape {
 };
 
 // Fills the array of the pixel at (x, y): `numEntries` indices of its neighbours at `offsets`. An entry
-// outside the frame becomes a copy of another one, drawn from rand() in the order of the entries.
+// outside the frame becomes a copy of another one, drawn in the order of the entries. `draw`: rand(), or
+// another source of such numbers.
 void fillNeighbours(int* entries, std::int32_t numEntries, const std::vector<pnt>& offsets,
-                    const FrameShape& shape, std::int32_t x, std::int32_t y);
+                    const FrameShape& shape, std::int32_t x, std::int32_t y,
+                    const std::function<int()>& draw);
 
 // Fills the direct neighbours of the pixel at (x, y) that are inside the frame; other fields keep their
 // values.

@@ -5,10 +5,19 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <limits>
 
 #include "base/integers.h"
 
 namespace lm {
+
+// ---- frames -----------------------------------------------------------------------------------------------
+
+// Whether 32 bits count the bytes of a frame whose rows are filled up to a multiple of 32 pixels.
+constexpr bool fitsIndices(std::int32_t width, std::int32_t height, std::int32_t channels) {
+  const std::int64_t row = (std::int64_t{width} + 31) / 32 * 32;
+  return row * height <= std::numeric_limits<std::int32_t>::max() / channels;
+}
 
 // ---- samples ----------------------------------------------------------------------------------------------
 

@@ -2,9 +2,10 @@
 #include "base/aligned.h"
 #include "engine/engine_state.h"
 #include "engine/kamble.h"
+#include "engine/life.h"
 
-std::int32_t THRESH_SAME_PIXEL_x3 = 30;
-std::int32_t THRESH_SAME_PIXEL_x2 = 20;
+std::int32_t THRESH_SAME_PIXEL_x3 = lm::lifeBand3;
+std::int32_t THRESH_SAME_PIXEL_x2 = lm::lifeBand2;
 std::int32_t g_seed = 0;
 
 kAMBLE::kAMBLE() = default;

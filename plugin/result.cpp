@@ -6,6 +6,7 @@
 
 #include "base/c_locale.h"
 #include "plugin/detector.h"
+#include "plugin/result_text.h"
 
 namespace {
 
@@ -37,15 +38,19 @@ void write_query_result_data(const std::vector<boxRect>& boxes, const char* time
   root["object"] = objects;
 }
 
-int lightMotion::genRes(const char* timestamp) {
-  const lm::CLocaleScope plainNumbers;
+std::string lm::resultText(const std::vector<boxRect>& boxes, const char* timestamp) {
+  const CLocaleScope plainNumbers;
   Json::Value root;
-  write_query_result_data(objList, timestamp, root);
+  write_query_result_data(boxes, timestamp, root);
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wdeprecated-declarations"  // hosts rely on its one-line form
   Json::FastWriter writer;
 #pragma GCC diagnostic pop
   const std::string text = writer.write(root);
-  resText = text.substr(0, text.find('\0'));
+  return text.substr(0, text.find('\0'));
+}
+
+int lightMotion::genRes(const char* timestamp) {
+  resText = lm::resultText(objList, timestamp);
   return static_cast<int>(resText.size());
 }

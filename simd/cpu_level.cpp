@@ -4,6 +4,8 @@
 #include <cpuid.h>
 #endif
 
+#include <atomic>
+
 namespace {
 
 constexpr std::uint32_t bit(unsigned n) { return std::uint32_t{1} << n; }
@@ -53,7 +55,7 @@ int probe() { return simd::level::avx2; }
 
 #endif
 
-int cachedLevel = -1;  // not yet probed
+constinit std::atomic<int> cachedLevel = -1;  // not yet probed; every thread finds the same
 
 }  // namespace
 
@@ -74,6 +76,9 @@ int levelOf(const CpuidWords& words) {
 }
 
 int GetCpuInstructionSet() {
-  if (cachedLevel == -1) cachedLevel = probe();
-  return cachedLevel;
+  int level = cachedLevel.load(std::memory_order_relaxed);
+  if (level != -1) return level;
+  level = probe();
+  cachedLevel.store(level, std::memory_order_relaxed);
+  return level;
 }

@@ -31,4 +31,13 @@ FNR == 1 && /^\/\*/     { sub(/^\/\*/, "/** @file\n *"); print; next }
   print_each($1, names, comment)
   next
 }
-                        { sub(/; +\/\/ /, ";  ///< "); print }
+/^ *[a-z_0-9]+ [a-z_]+(, [a-z_]+)+; +\/\*/ {  # C: the comment may go on in further lines
+  names = comment = $0
+  sub(/^ *[^ ]+ /, "", names)
+  sub(/;.*/, "", names)
+  sub(/.*; +\/\* /, "", comment)
+  sub(/ *\*\/$/, "", comment)
+  print_each($1, names, comment)
+  next
+}
+                        { sub(/; +\/\/ /, ";  ///< "); sub(/[;,] +\/\* /, "&<"); sub(/\/\* </, "/**< "); print }

@@ -40,8 +40,8 @@ enum CheckStatus { kFine = 0, kDoubtful = 1, kFaulty = 2 };
 CheckStatus status_of(const detector::check::Verdict& verdict) {
   CheckStatus status = kFine;
   for (const detector::check::Finding& finding : verdict.findings) {
-    if (finding.severity == detector::check::Severity::kError) return kFaulty;
-    if (finding.severity == detector::check::Severity::kWarning) status = kDoubtful;
+    if (finding.severity == detector::check::Severity::error) return kFaulty;
+    if (finding.severity == detector::check::Severity::warning) status = kDoubtful;
   }
   return status;
 }

@@ -2,9 +2,6 @@
 
 #include <json/json.h>
 
-#include <algorithm>
-#include <cstdio>
-#include <memory>
 #include <stdexcept>
 
 #include "host/base/json_text.h"
@@ -14,18 +11,6 @@ namespace lm::host::detector {
 namespace {
 
 const cv::Size kAnySize(640, 360);
-
-// From jsoncpp's "* Line 1, Column 3\n  Syntax error: ...\n", where further errors follow.
-NoDocument first_error(const std::string& report) {
-  int line = 0;
-  int column = 0;
-  const std::size_t end_of_place = std::min(report.find('\n'), report.size());
-  const std::size_t cause = report.find_first_not_of(" \n", end_of_place);
-  if (cause == std::string::npos || std::sscanf(report.c_str(), "* Line %d, Column %d", &line, &column) != 2)
-    return NoDocument("not JSON: " + report);
-  return {line, column,
-          "not JSON: " + report.substr(cause, std::min(report.find('\n', cause), report.size()) - cause)};
-}
 
 // "640" for the text "640", for the number 640 and for an omitted size, because the plug-in reads only texts.
 // A text without a number is kept; the plug-in refuses it.
@@ -63,35 +48,10 @@ Json::Value whole_frame() {
 
 }  // namespace
 
-NoDocument::NoDocument(int line, int column, const std::string& cause)
-    : std::invalid_argument("line " + std::to_string(line) + ", column " + std::to_string(column) + ": " +
-                            cause),
-      line_(line),
-      column_(column),
-      cause_(cause) {}
-
-Json::Value read_document(const std::string& text) {
-  Json::CharReaderBuilder settings;
-  settings["collectComments"] = false;
-  settings["failIfExtra"] = true;
-  const std::unique_ptr<Json::CharReader> reader(settings.newCharReader());
-  Json::Value root;
-  std::string report;
-  bool parsed = false;
-  try {
-    parsed = reader->parse(text.data(), text.data() + text.size(), &root, &report);
-  } catch (const Json::Exception&) {
-    throw NoDocument("nested too deeply");
-  }
-  if (!parsed) throw first_error(report);
-  if (!root.isObject()) throw NoDocument("not a JSON object");
-  return root;
-}
-
 std::string default_document() { return presets::find_preset("street")->document; }
 
 std::string complete_document(const std::string& text, cv::Size frame) {
-  Json::Value document = read_document(text);
+  Json::Value document = readDocument(text);
   const cv::Size size = frame.empty() ? kAnySize : frame;
   settle_size(document, "frmW", size.width, !frame.empty());
   settle_size(document, "frmH", size.height, !frame.empty());

@@ -2,33 +2,14 @@
 #pragma once
 
 #include <opencv2/core.hpp>
-#include <stdexcept>
 #include <string>
 
-namespace Json {
-class Value;
-}
+#include "config/check/json_document.h"
 
 namespace lm::host::detector {
 
-// Why a text is not a configuration document, with the line and column, from 1, if known.
-class NoDocument : public std::invalid_argument {
- public:
-  explicit NoDocument(const std::string& cause) : std::invalid_argument(cause), cause_(cause) {}
-  NoDocument(int line, int column, const std::string& cause);
-
-  int line() const { return line_; }
-  int column() const { return column_; }
-  const std::string& cause() const { return cause_; }  // what() includes the position
-
- private:
-  int line_ = 0;
-  int column_ = 0;
-  std::string cause_;
-};
-
-// The text as a JSON object; comments are allowed. Throws NoDocument.
-Json::Value read_document(const std::string& text);
+using lm::check::NoDocument;
+using lm::check::readDocument;
 
 // The document used without --config.
 std::string default_document();

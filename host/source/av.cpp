@@ -1,6 +1,7 @@
 #include "host/source/av.h"
 
 #include <array>
+#include <cstring>
 #include <new>
 
 namespace lm::host::source::av {
@@ -33,6 +34,42 @@ cv::Mat view(AVFrame& picture) {
   return cv::Mat(picture.height, picture.width, CV_8UC3, picture.data[0],
                  static_cast<std::size_t>(picture.linesize[0]));
 }
+
+bool is_key(const AVFrame& picture) {
+#ifdef AV_FRAME_FLAG_KEY
+  return (picture.flags & AV_FRAME_FLAG_KEY) != 0;
+#else
+  return picture.key_frame != 0;
+#endif
+}
+
+// Since FFmpeg 6.1 side data belongs to the codec parameters and is copied with them.
+#if LIBAVCODEC_VERSION_INT >= AV_VERSION_INT(60, 31, 0)
+
+const std::uint8_t* display_matrix(const AVStream& stream) {
+  const AVCodecParameters& codec = *stream.codecpar;
+  const AVPacketSideData* const data =
+      av_packet_side_data_get(codec.coded_side_data, codec.nb_coded_side_data, AV_PKT_DATA_DISPLAYMATRIX);
+  return data == nullptr ? nullptr : data->data;
+}
+
+void copy_side_data(const AVStream& /*from*/, AVStream& /*to*/) {}
+
+#else
+
+const std::uint8_t* display_matrix(const AVStream& stream) {
+  return av_stream_get_side_data(&stream, AV_PKT_DATA_DISPLAYMATRIX, nullptr);
+}
+
+void copy_side_data(const AVStream& from, AVStream& to) {
+  for (int i = 0; i < from.nb_side_data; ++i) {
+    const AVPacketSideData& data = from.side_data[i];
+    std::uint8_t* const copy = av_stream_new_side_data(&to, data.type, data.size);
+    if (copy != nullptr) std::memcpy(copy, data.data, data.size);
+  }
+}
+
+#endif
 
 std::string error_text(int code) {
   std::array<char, AV_ERROR_MAX_STRING_SIZE> text{};

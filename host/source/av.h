@@ -1,6 +1,7 @@
 // Owning types for FFmpeg's objects.
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <opencv2/core.hpp>
 #include <string>
@@ -43,6 +44,15 @@ Codec new_codec(const AVCodec* codec);
 
 // The pixels of a picture as blue, green, red; valid as long as the picture.
 cv::Mat view(AVFrame& picture);
+
+bool is_key(const AVFrame& picture);
+
+// The rotation that the file asks for (see av_display_rotation_get), or null.
+const std::uint8_t* display_matrix(const AVStream& stream);
+
+// Copies what a stream says beside its packets (rotation, colours of the screen that it was made on, ...) to
+// a stream that has its codec parameters already.
+void copy_side_data(const AVStream& from, AVStream& to);
 
 // "No such file or directory", "Invalid data found when processing input", ...
 std::string error_text(int code);

@@ -36,7 +36,7 @@ Time to_time(std::int64_t value, AVRational base) {
 
 // Clockwise quarter turns that make the picture upright, from the file's display matrix.
 int quarter_turns(const AVStream& stream) {
-  const std::uint8_t* matrix = av_stream_get_side_data(&stream, AV_PKT_DATA_DISPLAYMATRIX, nullptr);
+  const std::uint8_t* const matrix = av::display_matrix(stream);
   if (matrix == nullptr) return 0;
   const double anticlockwise = av_display_rotation_get(reinterpret_cast<const std::int32_t*>(matrix));
   if (!std::isfinite(anticlockwise)) return 0;
@@ -262,7 +262,7 @@ bool FfmpegSource::decode() {
     if (result >= 0) {
       const bool whole = picture_->decode_error_flags == 0 && (picture_->flags & AV_FRAME_FLAG_CORRUPT) == 0;
       if (!whole) note_damage("parts of a picture are missing");
-      if (whole && picture_->key_frame != 0) whole_picture_needed_ = false;
+      if (whole && av::is_key(*picture_)) whole_picture_needed_ = false;
       if (!whole_picture_needed_) return true;
       continue;
     }

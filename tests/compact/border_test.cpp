@@ -23,7 +23,7 @@ TEST(CompactBorder, DrawsTheNeighboursOfTheOpenEngine) {
 
       lm::compact::Border border;
       std::srand(5);
-      ASSERT_TRUE(border.draw({width, height, 1}, stride));
+      ASSERT_TRUE(border.draw({width, height, 1}, stride, std::rand));
       EXPECT_EQ(std::rand(), next);
       int pixels = 0;
       for (int y = 0; y < height; ++y) {

@@ -5,6 +5,7 @@
 
 #include <json/json.h>
 
+#include <cmath>
 #include <optional>
 
 #include "tests/config/comma_locale.h"
@@ -46,8 +47,6 @@ const std::vector<Case> cases = {
     {"5.5e-9223372036854775807", 0.0},
     {"5.5e-99999999999999999999999", 0.0},
     {"0.0e99999999999999999999999", 0.0},
-    {"5.5e9223372036854775807", std::nullopt},
-    {"5.5e99999999999999999999999", std::nullopt},
     // Not numbers.
     {"1.5e+-3", std::nullopt},
     {"1.5e-+3", std::nullopt},
@@ -68,6 +67,11 @@ const std::vector<Case> cases = {
 
 void expectEveryCase() {
   for (const Case& of : cases) EXPECT_EQ(valueOf(of.number), of.value) << of.number;
+  // Beyond every number: older versions of jsoncpp refuse it, newer ones make it infinite.
+  for (const char* number : {"5.5e9223372036854775807", "5.5e99999999999999999999999"}) {
+    const std::optional<double> value = valueOf(number);
+    EXPECT_TRUE(!value || std::isinf(*value)) << number;
+  }
 }
 
 // A carriage return ends a // comment too.

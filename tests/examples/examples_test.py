@@ -42,6 +42,9 @@ class Examples(unittest.TestCase):
         output_of("cmake", "--build", cls.folder / "cpp")
         cls.hosts = [cls.folder / "host", cls.folder / "cpp/host", EXAMPLES / "python/host.py"]
 
+        cls.detector = cls.folder / "detector"
+        output_of("cc", "-std=c11", *STRICT, EXAMPLES / "c/detector.c", *pkg_config("--cflags", "--libs"), "-o", cls.detector)
+
         cls.stand_in = cls.folder / "stand-in"
         cls.stand_in.mkdir()
         output_of("cc", "-shared", "-fPIC", "-Wl,-soname,liblightmotion.so.1", f"-I{SOURCE}",
@@ -89,6 +92,22 @@ class Examples(unittest.TestCase):
             frames = b"".join(bytes(value for value in frame for _ in range(channels)) for frame in square_frames())
             for done in self.of_all("160", "120", str(channels), input=frames, text=False):
                 self.assertEqual((done.returncode, done.stdout), (0, expected), done.stderr)
+
+    def test_detectors_by_handle_give_what_the_hosts_give(self):
+        inputs = {"1": b"".join(square_frames())}
+        for channels in "3", "4":
+            inputs[channels] = bytes(value for value in inputs["1"] for _ in range(int(channels)))
+        self.assertEqual(run(self.detector).stdout, run(self.hosts[0]).stdout)
+        for channels, frames in inputs.items():
+            done = [run(host, "160", "120", channels, input=frames, text=False) for host in (self.hosts[0], self.detector)]
+            self.assertEqual((done[1].returncode, done[1].stdout, done[1].stderr), (0, done[0].stdout, b""))
+
+    def test_detectors_by_handle_report_what_is_wrong(self):
+        for sizes, words in ((("160", "120"), "usage"), (("160", "x", "3"), "usage"), (("0", "120", "3"), "frmW"),
+                             (("160", "120", "2"), "1, 3 or 4"), (("99999", "99999", "1"), "too large")):
+            self.assert_fails(run(self.detector, *sizes, stdin=subprocess.DEVNULL), 2, words)
+        done = run(self.detector, "160", "120", "1", input=bytes(160 * 120 + 1), text=False)
+        self.assert_fails(done, 1, "ends within a frame")
 
     def test_end_quietly_with_an_empty_input(self):
         for done in self.of_all("160", "120", "3", stdin=subprocess.DEVNULL):

@@ -2,15 +2,16 @@
 #include <gtest/gtest.h>
 #include <json/json.h>
 
-#include "host/detector/check/crossing.h"
+#include "config/check/crossing.h"
+#include "config/check/findings.h"
+#include "config/check/known_keys.h"
 #include "host/detector/check/effect.h"
-#include "host/detector/check/findings.h"
-#include "host/detector/check/known_keys.h"
 #include "tests/host/check_findings.h"
 
 namespace {
 
 using namespace lm::host::detector::check;
+using namespace lm::check;
 
 // 715827882 x 3 = 2147483646 bytes; one pixel more makes 2147483649, above 2147483647.
 TEST(CheckLimits, TheLargestFrameIsAccepted) {
@@ -38,9 +39,9 @@ TEST(CheckLimits, OutlinesOfHundredsOfPointsAreChecked) {
   for (int i = 0; i < 600; ++i) corners.push_back({static_cast<float>(i) / 600, i % 2 == 0 ? 0.0F : 0.1F});
   corners.push_back({1, 1});
   corners.push_back({0, 1});
-  EXPECT_FALSE(first_crossing(corners));
+  EXPECT_FALSE(firstCrossing(corners));
   std::swap(corners[300], corners[302]);
-  EXPECT_TRUE(first_crossing(corners));
+  EXPECT_TRUE(firstCrossing(corners));
 }
 
 TEST(CheckLimits, AKeyIsNearWhenAThirdOfItsCharactersDiffer) {

@@ -1,11 +1,11 @@
-#include "host/detector/check/places.h"
+#include "config/check/places.h"
 
 #include <gtest/gtest.h>
 
 namespace {
 
-using lm::host::detector::check::Place;
-using lm::host::detector::check::Places;
+using lm::check::Place;
+using lm::check::Places;
 
 void expect_place(Place place, int line, int column) {
   EXPECT_EQ(place.line, line);
@@ -15,34 +15,34 @@ void expect_place(Place place, int line, int column) {
 TEST(CheckPlaces, OfKeysAndValuesAreCountedFromOne) {
   const std::string text = "{\"a\": 1,\n  \"b\" : [true, {\"c\": \"d\"}]}";
   const Places places(text);
-  expect_place(places.of_key("a"), 1, 2);
-  expect_place(places.of_value("a"), 1, 7);
-  expect_place(places.of_key("b"), 2, 3);
-  expect_place(places.of_value("b"), 2, 9);
-  expect_place(places.of_value("b[0]"), 2, 10);
-  expect_place(places.of_value("b[1]"), 2, 16);
-  expect_place(places.of_key("b[1].c"), 2, 17);
-  expect_place(places.of_value("b[1].c"), 2, 22);
-  expect_place(places.of_value("b[2]"), 0, 0);
+  expect_place(places.ofKey("a"), 1, 2);
+  expect_place(places.ofValue("a"), 1, 7);
+  expect_place(places.ofKey("b"), 2, 3);
+  expect_place(places.ofValue("b"), 2, 9);
+  expect_place(places.ofValue("b[0]"), 2, 10);
+  expect_place(places.ofValue("b[1]"), 2, 16);
+  expect_place(places.ofKey("b[1].c"), 2, 17);
+  expect_place(places.ofValue("b[1].c"), 2, 22);
+  expect_place(places.ofValue("b[2]"), 0, 0);
 }
 
 TEST(CheckPlaces, IgnoreTheContentsOfStringsAndComments) {
   const std::string text = "// {\"a\": 0}\n{ /* \" */ \"x\\\"}\": \"{\\\\\", // ]\n \"a\": 5 }";
   const Places places(text);
-  expect_place(places.of_value("x\"}"), 2, 19);
-  expect_place(places.of_value("a"), 3, 7);
+  expect_place(places.ofValue("x\"}"), 2, 19);
+  expect_place(places.ofValue("a"), 3, 7);
 }
 
 TEST(CheckPlaces, CountCharactersNotBytes) {
   const std::string text = "{\"t\xC3\xBCr\": \"\xE2\x82\xAC\", \"a\": 1}";
   const Places places(text);
-  expect_place(places.of_value("t\xC3\xBCr"), 1, 9);
-  expect_place(places.of_value("a"), 1, 19);
+  expect_place(places.ofValue("t\xC3\xBCr"), 1, 9);
+  expect_place(places.ofValue("a"), 1, 19);
 }
 
 TEST(CheckPlaces, DoNotCountAByteOrderMark) {
   const std::string text = "\xEF\xBB\xBF{\"a\": 1}";
-  expect_place(Places(text).of_value("a"), 1, 7);
+  expect_place(Places(text).ofValue("a"), 1, 7);
 }
 
 TEST(CheckPlaces, OfADuplicateKeyAreThoseOfTheLast) {
@@ -53,7 +53,7 @@ TEST(CheckPlaces, OfADuplicateKeyAreThoseOfTheLast) {
   expect_place(places.repeats()[0].place, 1, 24);
   expect_place(places.repeats()[0].before, 1, 16);
   EXPECT_EQ(places.repeats()[1].path, "a");
-  expect_place(places.of_value("a"), 1, 43);
+  expect_place(places.ofValue("a"), 1, 43);
 }
 
 TEST(CheckPlaces, TruncatedTextEndsTheSearch) {

@@ -156,7 +156,7 @@ TEST(CheckRegions, OneThatIsHiddenByExclusionsIsNamed) {
       "}],\"ror\":[{" + rectangle("0", "0", "0.2", "1") + "},{" + rectangle("0.2", "0", "0.4", "1") + "}]}";
   const lm::host::detector::check::Finding finding =
       finding_on(lm::host::detector::check::check_document(document, kFrame), "roi[1]");
-  EXPECT_EQ(finding.severity, lm::host::detector::check::Severity::kWarning);
+  EXPECT_EQ(finding.severity, lm::check::Severity::warning);
   EXPECT_EQ(finding.text, "region \"gate\" has no effect: exclusion regions cover all of it");
 }
 
@@ -211,7 +211,7 @@ TEST(CheckRegions, AMinimumBoxThatNoBoxInThemReachesIsAnError) {
   };
   const lm::host::detector::check::Finding finding =
       finding_on(verdict_on(rectangle("0.25", "0.25", "0.75", "0.75")), "minBoxW");
-  EXPECT_EQ(finding.severity, lm::host::detector::check::Severity::kError);
+  EXPECT_EQ(finding.severity, lm::check::Severity::error);
   EXPECT_EQ(finding.text,
             "no box can be large enough: the minimum box size is 576 x 324 pixels, the watched area spans "
             "320 x 180 pixels");

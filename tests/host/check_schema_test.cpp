@@ -5,7 +5,7 @@
 #include <cstdlib>
 #include <fstream>
 
-#include "host/detector/check/known_keys.h"
+#include "config/check/known_keys.h"
 #include "host/detector/presets/presets.h"
 #include "tests/host/check_findings.h"
 #include "tests/host/program.h"
@@ -29,7 +29,7 @@ with open(sys.argv[3], "w") as verdicts:
 TEST(CheckSchema, HasTheKeysOfADocumentButThoseOfNoEffect) {
   Json::Value schema;
   std::ifstream(kSchema) >> schema;
-  std::vector<std::string> keys = lm::host::detector::check::document_keys();
+  std::vector<std::string> keys = lm::check::documentKeys();
   std::erase_if(keys, [](const std::string& key) { return key.starts_with("maxBox"); });
   EXPECT_THAT(schema["properties"].getMemberNames(), testing::UnorderedElementsAreArray(keys));
 }
@@ -83,7 +83,7 @@ TEST(CheckSchema, MarksWhatCheckMarks) {
     bool fine = true;
     for (const lm::host::detector::check::Finding& finding :
          lm::host::detector::check::check_document(documents[i], std::nullopt).findings)
-      fine = fine && finding.severity == lm::host::detector::check::Severity::kNote;
+      fine = fine && finding.severity == lm::check::Severity::note;
     EXPECT_EQ(verdicts[i], fine ? "1" : "0") << documents[i];
   }
 }

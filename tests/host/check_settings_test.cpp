@@ -1,8 +1,8 @@
 // Findings on the plain settings of a configuration document.
 #include <gmock/gmock.h>
 
+#include "config/check/findings.h"
 #include "host/detector/check/effect.h"
-#include "host/detector/check/findings.h"
 #include "tests/host/check_findings.h"
 
 namespace {
@@ -195,28 +195,28 @@ TEST(CheckSettings, FourChannelsAreAWarningWithoutASourceAndTwoAnError) {
 // exceeds this computer's memory.
 TEST(CheckSettings, FramesOfMoreBytesThanThePluginCountsAreRefused) {
   EXPECT_EQ(finding_on(lm::host::detector::check::check_document("{}", cv::Size(26755, 26755)), "").severity,
-            lm::host::detector::check::Severity::kError);
+            lm::check::Severity::error);
   EXPECT_FALSE(lm::host::detector::check::check_document("{}", cv::Size(26754, 26754)).refused());
   EXPECT_EQ(finding_on(lm::host::detector::check::check_document(
                            R"({"frmW": "2147483647", "frmH": "2147483647"})", std::nullopt),
                        "frmW")
                 .severity,
-            lm::host::detector::check::Severity::kError);
+            lm::check::Severity::error);
 }
 
 TEST(CheckSettings, MoreMemoryThanTheComputerHasIsAWarning) {
   lm::host::detector::check::Effective effective;
   effective.frame = kFrame;
   effective.memory = 12'000'000'001;
-  lm::host::detector::check::Findings enough("{}");
+  lm::check::Findings enough("{}");
   lm::host::detector::check::check_memory(effective, 12'000'000'001, enough);
   lm::host::detector::check::check_memory(effective, 0, enough);  // unknown
-  EXPECT_THAT(enough.in_order(), IsEmpty());
-  lm::host::detector::check::Findings short_of("{}");
+  EXPECT_THAT(enough.inOrder(), IsEmpty());
+  lm::check::Findings short_of("{}");
   lm::host::detector::check::check_memory(effective, 8'000'000'000, short_of);
-  ASSERT_EQ(short_of.in_order().size(), 1U);
-  EXPECT_EQ(short_of.in_order()[0].severity, lm::host::detector::check::Severity::kWarning);
-  EXPECT_EQ(short_of.in_order()[0].text,
+  ASSERT_EQ(short_of.inOrder().size(), 1U);
+  EXPECT_EQ(short_of.inOrder()[0].severity, lm::check::Severity::warning);
+  EXPECT_EQ(short_of.inOrder()[0].text,
             "the plug-in needs 12 GB for frames of 640 x 360 pixels; this computer has 8000 MB");
 }
 

@@ -1,5 +1,5 @@
 // MQTT over TLS, with Debian's broker and a certificate made for the test.
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include <cstdlib>
 #include <optional>
@@ -79,7 +79,8 @@ TEST_F(EncryptedMqtt, ReceivesNothingWithAnUntrustedCertificate) {
 TEST_F(EncryptedMqtt, ReceivesNothingWithACertificateForAnotherHost) {
   start_broker("DNS:elsewhere.example");
   const std::string text = errors_of(certificate());
-  EXPECT_NE(text.find("TLS error"), std::string::npos) << text;
+  // The MQTT library's words for it depend on its version.
+  EXPECT_THAT(text, testing::AnyOf(testing::HasSubstr("TLS error"), testing::HasSubstr("Protocol error")));
   EXPECT_NE(text.find("4 messages not sent"), std::string::npos) << text;
 }
 

@@ -18,6 +18,7 @@ MAY_INCLUDE = {
     "config": ["base", "simd/samples.h", "engine", *RECORDS],
     "compact": ["base", "simd", "engine", "objects"],
     "plugin": ["base", "engine", "objects", "config", "compact"],
+    "lightmotion": ["base", "simd/cpu_level.h", "engine", "objects", "config", "compact", "plugin/result_text.h"],
     # The program: it drives the library by its entry points, and `check` reads the tables of its configuration.
     "host/base": [],
     "host/source": ["host/base"],

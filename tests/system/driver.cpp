@@ -32,32 +32,6 @@ std::vector<std::string> entriesOf(const Sequence& sequence, int channels) {
   return entries;
 }
 
-std::string documentOf(const Sequence& sequence, int channels) {
-  std::ostringstream text;
-  text << '{';
-  for (const std::string& entry : entriesOf(sequence, channels)) {
-    const std::size_t blank = entry.find(' ');
-    text << '"' << entry.substr(0, blank) << "\":\"" << entry.substr(blank + 1) << "\",";
-  }
-  const auto regions = [&](const char* key, const std::vector<plain::RegionText>& list) {
-    text << '"' << key << "\":[";
-    for (std::size_t i = 0; i < list.size(); ++i) {
-      text << (i == 0 ? "" : ",") << "{\"name\":\"" << list[i].name << "\",\"points\":[";
-      for (std::size_t p = 0; p < list[i].points.size(); ++p) {
-        const auto& [x, y] = list[i].points[p];
-        text << (p == 0 ? "" : ",") << "{\"x\":\"" << x << "\",\"y\":\"" << y << "\"}";
-      }
-      text << "]}";
-    }
-    text << ']';
-  };
-  regions("roi", sequence.include);
-  text << ',';
-  regions("ror", sequence.exclude);
-  text << '}';
-  return text.str();
-}
-
 std::vector<polygon> polygonsOf(const std::vector<plain::Region>& regions) {
   std::vector<polygon> polygons;
   for (const plain::Region& region : regions) {
@@ -144,6 +118,32 @@ std::string compareFrame(const Sequence& sequence, int k, const Frame& frame, li
 }
 
 }  // namespace
+
+std::string documentOf(const Sequence& sequence, int channels) {
+  std::ostringstream text;
+  text << '{';
+  for (const std::string& entry : entriesOf(sequence, channels)) {
+    const std::size_t blank = entry.find(' ');
+    text << '"' << entry.substr(0, blank) << "\":\"" << entry.substr(blank + 1) << "\",";
+  }
+  const auto regions = [&](const char* key, const std::vector<plain::RegionText>& list) {
+    text << '"' << key << "\":[";
+    for (std::size_t i = 0; i < list.size(); ++i) {
+      text << (i == 0 ? "" : ",") << "{\"name\":\"" << list[i].name << "\",\"points\":[";
+      for (std::size_t p = 0; p < list[i].points.size(); ++p) {
+        const auto& [x, y] = list[i].points[p];
+        text << (p == 0 ? "" : ",") << "{\"x\":\"" << x << "\",\"y\":\"" << y << "\"}";
+      }
+      text << "]}";
+    }
+    text << ']';
+  };
+  regions("roi", sequence.include);
+  text << ',';
+  regions("ror", sequence.exclude);
+  text << '}';
+  return text.str();
+}
 
 std::string compareOver(const Sequence& sequence, const std::function<void(const lightMotion&)>& after) {
   const ExportedBands bands;

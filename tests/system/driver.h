@@ -7,6 +7,9 @@
 #include "plugin/detector.h"
 #include "tests/system/sequence.h"
 
+// The document that configures a sequence, for frames of so many channels.
+std::string documentOf(const Sequence& sequence, int channels);
+
 // Compares every field and the result text after every frame, then calls `after`. Returns the first
 // difference and its frame, or an empty string.
 std::string compareOver(

@@ -76,7 +76,7 @@ Reply refusal(const detector::check::Verdict& verdict) {
   Json::Value value = base::parse_json(detector::check::to_json(verdict));
   value.removeMember("effective");
   for (const detector::check::Finding& finding : verdict.findings) {
-    if (finding.severity != detector::check::Severity::kError) continue;
+    if (finding.severity != detector::check::Severity::error) continue;
     value["error"] = finding.key.empty() ? finding.text : finding.key + ": " + finding.text;
     break;
   }

@@ -21,7 +21,7 @@ std::size_t offset(std::ptrdiff_t value) { return static_cast<std::size_t>(value
 }  // namespace
 
 std::string with_members(const std::string& text, const Members& members) {
-  const Json::Value root = detector::read_document(text);
+  const Json::Value root = detector::readDocument(text);
   std::vector<Change> changes;
   std::string added;
   for (const auto& [key, value] : members) {

@@ -12,8 +12,8 @@ namespace lm::host::detector::check {
 void check_before_run(const std::string& name, const std::string& text, std::optional<cv::Size> frame) {
   std::vector<Finding> errors;
   for (const Finding& finding : check_document(text, frame).findings) {
-    if (finding.severity == Severity::kError) errors.push_back(finding);
-    if (finding.severity == Severity::kWarning) base::warn(sentence(name, finding));
+    if (finding.severity == Severity::error) errors.push_back(finding);
+    if (finding.severity == Severity::warning) base::warn(sentence(name, finding));
   }
   if (errors.empty()) return;
   std::string cause = sentence(name, errors.front());

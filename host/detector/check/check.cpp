@@ -4,64 +4,62 @@
 
 #include <algorithm>
 
-#include "host/detector/check/coverage.h"
+#include "config/check/coverage.h"
+#include "config/check/findings.h"
+#include "config/check/json_document.h"
+#include "config/check/known_keys.h"
+#include "config/check/min_box.h"
+#include "config/check/outlines.h"
+#include "config/check/scalars.h"
 #include "host/detector/check/effect.h"
-#include "host/detector/check/findings.h"
-#include "host/detector/check/known_keys.h"
-#include "host/detector/check/outlines.h"
-#include "host/detector/check/scalars.h"
 #include "host/detector/check/sizes.h"
-#include "host/detector/document.h"
 
 namespace lm::host::detector::check {
+
+using lm::check::Findings;
+
 namespace {
 
-// Whether no region of interest has an outline; independent of pixels.
-bool nothing_included(const Outlines& outlines) {
-  return !outlines.whole_frame && std::none_of(outlines.included.begin(), outlines.included.end(),
-                                               [](const Outline& region) { return !region.corners.empty(); });
-}
-
 // For sizes and regions that could be read.
-std::optional<Coverage> look_at_regions(const Outlines& outlines, std::optional<cv::Size> frame,
-                                        Findings& findings) {
-  if (findings.any_error()) return std::nullopt;
-  if (nothing_included(outlines)) {
-    findings.add(Severity::kError, "roi", "nothing is watched: no region has three points");
-    return std::nullopt;
-  }
-  return frame ? check_coverage(outlines, *frame, findings) : std::nullopt;
+std::optional<lm::check::Coverage> look_at_regions(const lm::check::Outlines& outlines,
+                                                   std::optional<cv::Size> frame, Findings& findings) {
+  if (findings.anyError() || !lm::check::checkIncluded(outlines, findings) || !frame) return std::nullopt;
+  return lm::check::checkCoverage(outlines, {frame->width, frame->height, 3}, findings);
 }
 
 Verdict verdict_on(const Json::Value& document, std::optional<cv::Size> frame, Findings& findings) {
-  findings.add_repeats();
-  check_keys(document, "", document_keys(), findings);
+  findings.addRepeats();
+  lm::check::checkKeys(document, "", lm::check::documentKeys(), findings);
   const SettledSizes sizes = check_sizes(document, frame, findings);
-  const Outlines outlines = read_outlines(document, findings);
-  const std::optional<Coverage> coverage = look_at_regions(outlines, sizes.frame, findings);
-  const Settings settings = check_scalars(document, sizes, findings);
+  const lm::check::Outlines outlines = lm::check::readOutlines(document, findings);
+  const std::optional<lm::check::Coverage> coverage = look_at_regions(outlines, sizes.frame, findings);
+  const Settings settings = lm::check::checkScalars(document, sizes.texts, findings);
 
   const std::size_t regions = outlines.included.size() + outlines.excluded.size();
   Effective effective = in_effect(settings, sizes.frame, regions);
-  if (coverage) effective.watched = coverage->watched;
-  check_min_box(document, effective, coverage, findings);
-  if (findings.any_error()) return {findings.in_order(), std::nullopt};
+  if (coverage) effective.watched = coverage->share;
+  if (sizes.frame) {
+    lm::check::checkMinBox(document, {effective.min_box_pixels.width, effective.min_box_pixels.height},
+                           {sizes.frame->width, sizes.frame->height, 3}, coverage ? &*coverage : nullptr,
+                           findings);
+  }
+  if (findings.anyError()) return {findings.inOrder(), std::nullopt};
   check_memory(effective, installed_memory(), findings);
-  return {findings.in_order(), effective};
+  return {findings.inOrder(), effective};
 }
 
 }  // namespace
 
 bool Verdict::refused() const {
   return std::any_of(findings.begin(), findings.end(),
-                     [](const Finding& finding) { return finding.severity == Severity::kError; });
+                     [](const Finding& finding) { return finding.severity == Severity::error; });
 }
 
 const char* name_of(Severity severity) {
   switch (severity) {
-    case Severity::kError:
+    case Severity::error:
       return "error";
-    case Severity::kWarning:
+    case Severity::warning:
       return "warning";
     default:
       return "note";
@@ -71,9 +69,9 @@ const char* name_of(Severity severity) {
 Verdict check_document(const std::string& text, std::optional<cv::Size> frame) {
   Json::Value document;
   try {
-    document = read_document(text);
-  } catch (const NoDocument& fault) {
-    return {{{Severity::kError, "", fault.line(), fault.column(), fault.cause(), ""}}, std::nullopt};
+    document = lm::check::readDocument(text);
+  } catch (const lm::check::NoDocument& fault) {
+    return {{{Severity::error, "", fault.line(), fault.column(), fault.cause(), ""}}, std::nullopt};
   }
   Findings findings(text);
   return verdict_on(document, frame, findings);

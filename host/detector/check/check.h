@@ -8,22 +8,12 @@
 #include <string>
 #include <vector>
 
+#include "config/check/finding.h"
+
 namespace lm::host::detector::check {
 
-enum class Severity {
-  kNote,     // valid, and may be intended
-  kWarning,  // valid, but probably not intended
-  kError,    // the plug-in refuses it, or nothing can ever be found
-};
-
-struct Finding {
-  Severity severity = Severity::kNote;
-  std::string key;   // path of the key, such as roi[0].points[2].x; empty for the document as a whole
-  int line = 0;      // in the text, from 1; 0 if the text does not contain it
-  int column = 0;    // in characters, from 1; 0 if the text does not contain it
-  std::string text;  // what is wrong, naming the value
-  std::string hint;  // what would be valid; may be empty
-};
+using lm::check::Finding;
+using lm::check::Severity;
 
 // The effective values. Members that depend on the frame size are set if it is known.
 struct Effective {

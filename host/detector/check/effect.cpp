@@ -1,13 +1,10 @@
 #include "host/detector/check/effect.h"
 
-#include <json/json.h>
 #include <unistd.h>
 
-#include <cmath>
-
-#include "base/integers.h"
+#include "config/check/findings.h"
+#include "config/check/min_box.h"
 #include "engine/rules.h"
-#include "host/detector/check/findings.h"
 
 namespace lm::host::detector::check {
 namespace {
@@ -19,17 +16,6 @@ constexpr double kUsualRate = 30;  // frames per second
 
 std::string in_pixels(cv::Size size) {
   return std::to_string(size.width) + " x " + std::to_string(size.height) + " pixels";
-}
-
-// The largest box along one side: boxes have a margin of one pixel, and one that touches the right or bottom
-// border is as large as the frame.
-int largest(int begin, int length, int frame) { return begin + length >= frame ? frame : length + 2; }
-
-void check_side(const Json::Value& document, const char* key, int pixels, Findings& findings) {
-  if (!document[key].isString() || pixels > 0) return;
-  findings.add(Severity::kWarning, key,
-               "is less than a pixel: no box is dropped, whatever the minimum of the other side",
-               "make both at least a pixel, or remove both");
 }
 
 }  // namespace
@@ -46,38 +32,16 @@ Effective in_effect(const Settings& settings, std::optional<cv::Size> frame, std
   effective.min_box_height = static_cast<double>(settings.minObjH);
   if (!frame) return effective;
   effective.frame = *frame;
-  effective.min_box_pixels = {toInt32(static_cast<float>(frame->width) * settings.minObjW),
-                              toInt32(static_cast<float>(frame->height) * settings.minObjH)};
+  const lm::check::MinBox least = lm::check::minBoxOf(settings, {frame->width, frame->height, 3});
+  effective.min_box_pixels = {least.width, least.height};
   const auto pixels = static_cast<std::uint64_t>(frame->width) * static_cast<std::uint64_t>(frame->height);
   effective.memory = pixels * (kBytesPerPixel + regions);
   return effective;
 }
 
-void check_min_box(const Json::Value& document, const Effective& effective,
-                   const std::optional<Coverage>& coverage, Findings& findings) {
-  if (effective.frame.empty()) return;
-  const cv::Size least = effective.min_box_pixels;
-  check_side(document, "minBoxW", least.width, findings);
-  check_side(document, "minBoxH", least.height, findings);
-  if (!coverage || coverage->bounds.empty()) return;
-  const cv::Rect& watched = coverage->bounds;
-  const cv::Size most(largest(watched.x, watched.width, effective.frame.width),
-                      largest(watched.y, watched.height, effective.frame.height));
-  // A box is dropped if both sides are below.
-  if (most.width >= least.width || most.height >= least.height) return;
-  std::string key = "roi";
-  for (const char* stated : {"minBoxH", "minBoxW"}) {
-    if (document.isMember(stated)) key = stated;
-  }
-  findings.add(Severity::kError, key,
-               "no box can be large enough: the minimum box size is " + in_pixels(least) +
-                   ", the watched area spans " + in_pixels(watched.size()),
-               "reduce minBoxW or minBoxH, or enlarge the region");
-}
-
 void check_memory(const Effective& effective, std::uint64_t installed, Findings& findings) {
   if (installed == 0 || effective.memory <= installed) return;
-  findings.add(Severity::kWarning, "",
+  findings.add(Severity::warning, "",
                "the plug-in needs " + memory_text(effective.memory) + " for frames of " +
                    in_pixels(effective.frame) + "; this computer has " + memory_text(installed),
                "use smaller frames (--scale)");

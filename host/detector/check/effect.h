@@ -4,24 +4,16 @@
 #include <opencv2/core.hpp>
 #include <optional>
 
+#include "config/check/findings.h"
 #include "config/settings.h"
 #include "host/detector/check/check.h"
-#include "host/detector/check/coverage.h"
-
-namespace Json {
-class Value;
-}
 
 namespace lm::host::detector::check {
 
-class Findings;
+using lm::check::Findings;
 
 // `regions`: the number of regions of both kinds; each has its own mask.
 Effective in_effect(const Settings& settings, std::optional<cv::Size> frame, std::size_t regions);
-
-// Reports a minimum box size that drops nothing, or everything.
-void check_min_box(const Json::Value& document, const Effective& effective,
-                   const std::optional<Coverage>& coverage, Findings& findings);
 
 // Reports frames that need more memory than this computer has.
 void check_memory(const Effective& effective, std::uint64_t installed, Findings& findings);

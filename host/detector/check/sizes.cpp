@@ -4,10 +4,13 @@
 
 #include <limits>
 
+#include "config/check/findings.h"
 #include "config/param_entry.h"
-#include "host/detector/check/findings.h"
 
 namespace lm::host::detector::check {
+
+using lm::check::shown;
+
 namespace {
 
 constexpr int kChannels = 3;  // of the frames that this program passes
@@ -21,10 +24,10 @@ std::optional<int> stated_number(const Json::Value& value, const std::string& ke
     if (value.isString()) return static_cast<int>(convertParam(Conversion::integer, value.asString()));
     if (value.isIntegral()) return value.asInt();
   } catch (const std::exception&) {
-    findings.add(Severity::kError, key, "must be a whole number, not " + shown(value));
+    findings.add(Severity::error, key, "must be a whole number, not " + shown(value));
     return std::nullopt;
   }
-  findings.add(Severity::kWarning, key, shown(value) + " is ignored; the source's value is used",
+  findings.add(Severity::warning, key, shown(value) + " is ignored; the source's value is used",
                "write a number in quotation marks, or remove it");
   return std::nullopt;
 }
@@ -37,17 +40,16 @@ std::optional<int> check_size(const Json::Value& document, const std::string& ke
   const std::optional<int> stated = stated_number(value, key, findings);
   if (!stated) return std::nullopt;
   if (*stated < 1) {
-    findings.add(Severity::kError, key, shown(value) + " is refused by the plug-in",
+    findings.add(Severity::error, key, shown(value) + " is refused by the plug-in",
                  "must be 1 or more; or remove it");
     return std::nullopt;
   }
   if (actual && *stated != *actual) {
-    findings.add(Severity::kError, key,
+    findings.add(Severity::error, key,
                  "is " + std::to_string(*stated) + " but the source's frames have " + std::to_string(*actual),
                  "remove it to use the source's value");
   } else if (!value.isString()) {
-    findings.add(Severity::kNote, key,
-                 "the plug-in reads strings only; this program converts " + shown(value),
+    findings.add(Severity::note, key, "the plug-in reads strings only; this program converts " + shown(value),
                  shown(Json::Value(std::to_string(*stated))) + " works in every host");
   }
   return stated;
@@ -56,12 +58,12 @@ std::optional<int> check_size(const Json::Value& document, const std::string& ke
 void check_channels_alone(std::optional<int> stated, Findings& findings) {
   if (!stated || *stated == kChannels) return;
   if (*stated == 1 || *stated == 4) {
-    findings.add(Severity::kWarning, kDepth,
+    findings.add(Severity::warning, kDepth,
                  "is " + std::to_string(*stated) + " but this program passes frames with 3",
                  "valid for other hosts only; remove it for this program");
     return;
   }
-  findings.add(Severity::kError, kDepth,
+  findings.add(Severity::error, kDepth,
                "the plug-in refuses every frame of " + std::to_string(*stated) + " bytes per pixel",
                "3 for this program; 1 or 4 for others");
 }
@@ -70,7 +72,7 @@ void check_channels_alone(std::optional<int> stated, Findings& findings) {
 void check_product(cv::Size frame, const Json::Value& document, Findings& findings) {
   constexpr std::int64_t kMost = std::numeric_limits<std::int32_t>::max() / kChannels;
   if (std::int64_t{frame.width} * frame.height <= kMost) return;
-  findings.add(Severity::kError, document.isMember(kWidth) ? kWidth : "",
+  findings.add(Severity::error, document.isMember(kWidth) ? kWidth : "",
                "frames of " + std::to_string(frame.width) + " x " + std::to_string(frame.height) +
                    " pixels exceed what the plug-in can process",
                "at most " + std::to_string(kMost) + " pixels");

@@ -1,11 +1,11 @@
 // The frame size in a configuration document.
 #pragma once
 
-#include <cstdint>
-#include <map>
 #include <opencv2/core.hpp>
 #include <optional>
-#include <string>
+
+#include "config/check/findings.h"
+#include "config/check/scalars.h"
 
 namespace Json {
 class Value;
@@ -13,18 +13,11 @@ class Value;
 
 namespace lm::host::detector::check {
 
-class Findings;
-
-// The settings that state the frame size.
-struct Sizes {
-  std::int32_t frmW = 0;
-  std::int32_t frmH = 0;
-  std::int32_t frmChn = 0;
-};
+using lm::check::Findings;
 
 struct SettledSizes {
-  std::optional<cv::Size> frame;             // that the plug-in will use, if known
-  std::map<std::string, std::string> texts;  // of each setting, as the program passes it to the plug-in
+  std::optional<cv::Size> frame;  // that the plug-in will use, if known
+  lm::check::SizeTexts texts;     // of each setting, as the program passes it to the plug-in
 };
 
 // Reports invalid frame sizes, and sizes other than the source's. `frame`: the source's, if there is a

@@ -11,7 +11,7 @@
 namespace lm::host::detector::check {
 namespace {
 
-constexpr std::array kWorstFirst = {Severity::kError, Severity::kWarning, Severity::kNote};
+constexpr std::array kWorstFirst = {Severity::error, Severity::warning, Severity::note};
 
 std::string place(const std::string& name, const Finding& finding) {
   if (finding.line == 0) return name + ": ";
@@ -19,13 +19,7 @@ std::string place(const std::string& name, const Finding& finding) {
 }
 
 // Everything after the position.
-std::string message(const Finding& finding) {
-  std::string text;
-  if (!finding.key.empty()) text.append("\"").append(finding.key).append("\": ");
-  text += finding.text;
-  if (!finding.hint.empty()) text.append(" (").append(finding.hint).append(")");
-  return base::one_line(text);
-}
+std::string sentence_of(const Finding& finding) { return base::one_line(lm::check::message(finding)); }
 
 std::string percent(double fraction) {
   std::array<char, 32> text{};
@@ -92,7 +86,7 @@ std::string summary(const Verdict& verdict) {
 }  // namespace
 
 std::string sentence(const std::string& name, const Finding& finding) {
-  return place(name, finding) + message(finding);
+  return place(name, finding) + sentence_of(finding);
 }
 
 std::string to_text(const std::string& name, const Verdict& verdict) {
@@ -101,7 +95,7 @@ std::string to_text(const std::string& name, const Verdict& verdict) {
     for (const Finding& finding : verdict.findings) {
       if (finding.severity != severity) continue;
       text.append(place(name, finding)).append(name_of(severity)).append(": ");
-      text.append(message(finding)).append("\n");
+      text.append(sentence_of(finding)).append("\n");
     }
   }
   if (verdict.effective) text += table_of(*verdict.effective);

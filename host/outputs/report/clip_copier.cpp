@@ -1,6 +1,5 @@
 #include "host/outputs/report/clip_copier.h"
 
-#include <cstring>
 #include <filesystem>
 #include <limits>
 #include <memory>
@@ -36,14 +35,6 @@ int check(int result) {
 // A packet's presentation time or, if the container does not state it, its decoding time.
 std::int64_t shown_at(const AVPacket& packet) {
   return packet.pts != AV_NOPTS_VALUE ? packet.pts : packet.dts;
-}
-
-void copy_side_data(const AVStream& from, AVStream& to) {
-  for (int i = 0; i < from.nb_side_data; ++i) {
-    const AVPacketSideData& data = from.side_data[i];
-    std::uint8_t* copy = av_stream_new_side_data(&to, data.type, data.size);
-    if (copy != nullptr) std::memcpy(copy, data.data, data.size);
-  }
 }
 
 class Copy {
@@ -83,7 +74,7 @@ class Copy {
       to->time_base = from.time_base;
       to->sample_aspect_ratio = from.sample_aspect_ratio;
       to->avg_frame_rate = from.avg_frame_rate;
-      copy_side_data(from, *to);
+      source::av::copy_side_data(from, *to);
     }
   }
 
