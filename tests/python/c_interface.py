@@ -67,5 +67,5 @@ class CDetector:
 
 
 def members(box: CBox) -> tuple[Any, ...]:
-    numbers = [getattr(box, name) for name, _ in CBox._fields_[:8]]
+    numbers = [getattr(box, name) for name in (field[0] for field in CBox._fields_[:8])]
     return (*numbers, tuple(box.regions[: box.region_count]))
