@@ -1,10 +1,12 @@
 /*
  * lightmotion: motion detectors by handle. Valid C11 and C++.
  *
+ *     const char *configuration =
+ *         "{\"frmW\": 1280, \"frmH\": 720, \"format\": \"bgr\", \"sensitivity\": 4}";
  *     char message[512];
- *     lightmotion_detector *detector = lightmotion_create(
- *         "{\"frmW\": 1280, \"frmH\": 720, \"format\": \"bgr\", \"sensitivity\": 4}", message, sizeof
- * message); if (detector == NULL) return fail(message); while (next_frame(&pixels, &stride, &milliseconds)) {
+ *     lightmotion_detector *detector = lightmotion_create(configuration, message, sizeof message);
+ *     if (detector == NULL) return fail(message);
+ *     while (next_frame(&pixels, &stride, &milliseconds)) {
  *       const lightmotion_box *boxes;
  *       int count = lightmotion_process(detector, pixels, stride, milliseconds, &boxes);
  *       if (count < 0) return fail(lightmotion_error_text(count));

@@ -58,7 +58,8 @@ TEST(AbsorbSeconds, ForeverKeepsWhatRests) {
   EXPECT_EQ(framesWithBoxes({"", 40}, 500), 77) << "3 seconds without it";
 }
 
-// Its first sample does not yet match by itself: it is the life that keeps it background as it flickers.
+// Absorption writes one sample, and two must match: until there are more, the pixel's life keeps it in the
+// background, also when its value changes.
 TEST(AbsorbSeconds, EndsOnce) {
   const Detector detector = made(documentOf(shape, "\"absorb_seconds\": 10"));
   const auto still = scene({{30, 30, 20, 20, 200}});
