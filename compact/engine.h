@@ -58,7 +58,7 @@ class Engine {
 
   void setExtras(const Extras& extras) { extras_ = extras; }
 
-  // From the next frame on other pixels are watched (watch.cpp); after the first frame. Those that were not
+  // From the next frame on other pixels are watched (seeding.cpp); after the first frame. Those that were not
   // before are learned from that frame as from a first one. `mask`: as for watchedBy.
   void watch(Watched watched) { next_ = std::move(watched); }
 
