@@ -1,5 +1,5 @@
 # Tests of the tree that `cmake --install` creates and of the packages that `cpack` creates.
-if(LIGHTMOTION_SANITIZE OR NOT LIGHTMOTION_HOST OR NOT LIGHTMOTION_GSTREAMER)
+if(LIGHTMOTION_SANITIZE OR NOT LIGHTMOTION_HOST OR NOT LIGHTMOTION_GSTREAMER OR NOT LIGHTMOTION_PYTHON)
   message(STATUS "Installation and packages are tested in a plain build of everything")
   return()
 endif()

@@ -63,7 +63,8 @@ class Packages(unittest.TestCase):
     def test_library_tells_dependants_which_package_has_which_names(self):
         self.assertEqual(control_file("liblightmotion1", "shlibs"), f"liblightmotion 1 liblightmotion1 (>= {VERSION})\n")
         bits = 64 if sys.maxsize > 2**32 else 32
-        lines = [re.sub(rf"^ \(arch-bits={bits}\)", " ", line) for line in open(SOURCE / "packaging/symbols")]
+        listed = (SOURCE / "packaging/symbols").read_text().splitlines(keepends=True)
+        lines = [re.sub(rf"^ \(arch-bits={bits}\)", " ", line) for line in listed]
         names = [line for line in lines if not line.startswith(" (")]
         self.assertEqual(control_file("liblightmotion1", "symbols"), "".join(names))
 
