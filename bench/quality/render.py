@@ -33,7 +33,7 @@ def encoder(codec, width, height, fps, path):
     elif kind == "mjpeg":
         how = ["-c:v", "mjpeg", "-q:v", rate, "-pix_fmt", "yuvj420p"]
     else:  # as network cameras encode: no frames that refer forward, a key frame every four seconds
-        how = ["-c:v", "libx264", "-preset", "veryfast", "-bf", "0", "-g", str(int(4 * fps)), "-pix_fmt", "yuv420p",
+        how = ["-c:v", "libx264", "-preset", "superfast", "-bf", "0", "-g", str(int(4 * fps)), "-pix_fmt", "yuv420p",
                "-threads", "1"]
         how += ["-b:v", rate, "-maxrate", rate, "-bufsize", rate] if rate.endswith("k") else ["-crf", rate]
     return subprocess.Popen(["ffmpeg", "-v", "error", "-y", "-f", "rawvideo", "-pix_fmt", "bgr24", "-s", f"{width}x{height}",

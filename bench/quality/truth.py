@@ -5,6 +5,7 @@ import zlib
 from dataclasses import asdict, dataclass, field
 from pathlib import Path
 
+import cv2
 import numpy as np
 
 STATIC, SHADOW, OUTSIDE, UNKNOWN, MOTION = 0, 50, 85, 170, 255  # values of changedetection.net
@@ -62,10 +63,17 @@ class Truth:
     whole: list = field(default_factory=list)  # frames of which nothing is known: True
 
     def add_mask(self, label):
-        self.masks.append(zlib.compress(np.ascontiguousarray(label).tobytes(), 1))
+        """Keeps the part that is not 0: where it is, in 8 bytes, and its bytes, compressed."""
+        x, y, width, height = cv2.boundingRect(label)
+        part = label[y:y + height, x:x + width].tobytes()
+        self.masks.append(np.uint16((x, y, width, height)).tobytes() + zlib.compress(part, 1))
 
     def mask(self, frame):
-        return np.frombuffer(zlib.decompress(self.masks[frame]), np.uint8).reshape(self.height, self.width)
+        label = np.zeros((self.height, self.width), np.uint8)
+        x, y, width, height = (int(value) for value in np.frombuffer(self.masks[frame][:8], np.uint16))
+        part = np.frombuffer(zlib.decompress(self.masks[frame][8:]), np.uint8)
+        label[y:y + height, x:x + width] = part.reshape(height, width)
+        return label
 
     def unknown(self, frame):
         return bool(self.whole) and self.whole[frame]

@@ -31,8 +31,8 @@ def union(boxes):
 
 
 def targets(objects, reported, least):
-    """What must be in a box, and what may be: objects that touch count as one when a box fits around all of them, or when
-    none of them has a box of its own."""
+    """What must be in a box, and what may be: objects that touch count as one, unless several of them have a box of
+    their own, or one has and no box fits around all."""
     must, may = [], []
     groups = {}
     for item in objects:
@@ -43,8 +43,9 @@ def targets(objects, reported, least):
             may.extend(item.box for item in members)
             continue
         whole = union([item.box for item in members])
-        single = len(members) == 1
-        if single or iou_table([whole], reported).max(initial=0) >= least or not pairs(iou_table(counting, reported), least):
+        apart = len(pairs(iou_table(counting, reported), least)) if len(members) > 1 else 0
+        together = iou_table([whole], reported).max(initial=0) >= least
+        if apart == 0 or (apart == 1 and together):
             must.append(whole)
         else:
             must.extend(counting)

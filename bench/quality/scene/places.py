@@ -88,7 +88,10 @@ def parked(place, rng, across, down, heading, kind=None):
     """A vehicle that belongs to the background."""
     x, z = place.camera.at(across, down)
     state = State(x, z, heading, 0, 0, 0, 0, 0)
-    sprite, foot, base = vehicle.vehicle(place.camera, vehicle.Looks.draw(rng, kind), state)
+    drawn = vehicle.vehicle(place.camera, vehicle.Looks.draw(rng, kind), state)
+    if drawn is None:
+        return
+    sprite, foot, base = drawn
     colours, alpha = sprite.finish()
     whole = np.zeros(place.picture.shape[:2], np.float32)
     paint = np.zeros_like(place.picture)

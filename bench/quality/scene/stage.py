@@ -101,7 +101,10 @@ class Stage:
     def _draw(self, picture, owner, label, actor, state):
         """Returns how many pixels the object has, also those that are hidden or outside."""
         if actor.kind == "vehicle":
-            sprite, foot, base = vehicle(self.camera, actor.looks, state)
+            drawn = vehicle(self.camera, actor.looks, state)
+            if drawn is None:
+                return 0
+            sprite, foot, base = drawn
         else:
             sprite, foot = person(self.camera, actor.looks, state)
             base = None
@@ -124,7 +127,7 @@ class Stage:
                              [0, step, (sprite.top - foot[1]) * step + seed % 769]])
         grain = cv2.warpAffine(self.grain, matrix, alpha.shape[::-1], flags=cv2.INTER_LINEAR | cv2.WARP_INVERSE_MAP,
                                borderMode=cv2.BORDER_WRAP)
-        colours = colours * (self.ambient * (1 + (0.05 if base else 0.11) * grain))[..., None]
+        colours = colours * (self.ambient * (1 + (0.11 if base is None else 0.05) * grain))[..., None]
         colours, alpha = colours[here], alpha[here]
         for cover, row in self.hidden:
             if row > foot[1]:
@@ -144,7 +147,7 @@ class Stage:
     def _cast_shadow(self, picture, label, sprite, alpha, foot, base, state):
         right, down, strength = self.shadow
         if base is not None:  # below a vehicle it is dark under every sky
-            base = np.array(base)
+            base = np.asarray(base)
             left, top = np.floor(base.min(0)).astype(int) - 3
             wide, high = np.ceil(base.max(0)).astype(int) + 4 - (left, top)
             if wide < 2000 and high < 2000:

@@ -34,21 +34,22 @@ class Looks:
 
 
 def vehicle(camera, looks, state):
-    """Draws a vehicle at x, z, with its front towards `heading` (radians, 0 is the direction of x, pi/2 that of z)."""
+    """Draws a vehicle; None: it is outside the picture. It is at x, z, with its front towards `heading` (radians, 0 is the direction of x, pi/2 that of z)."""
     forward = np.array([np.cos(state.heading), np.sin(state.heading)])
     sideways = np.array([-forward[1], forward[0]])
     half, wide = looks.length / 2, looks.width / 2
 
-    def world(share, across, up):
-        """`share` runs from -1 (rear) to 1 (front), `across` from -1 to 1."""
-        x, z = np.array([state.x, state.z]) + forward * share * half + sideways * across * wide
-        return x, up, z
+    def at(points):
+        """Points (share, across, up): `share` runs from -1 (rear) to 1 (front), `across` from -1 to 1; `up` in metres."""
+        share, across, up = np.array(points, np.float64).T
+        x = state.x + forward[0] * half * share + sideways[0] * wide * across
+        z = state.z + forward[1] * half * share + sideways[1] * wide * across
+        return np.stack(camera.project(x, up, z), 1)
 
-    def at(*point):
-        return camera.project(*world(*point))
-
-    corners = np.array([at(s, a, u) for s in (-1, 1) for a in (-1, 1) for u in (0, looks.roof)])
+    corners = at([(s, a, u) for s in (-1, 1) for a in (-1, 1) for u in (0, looks.roof)])
     (left, top), (right, bottom) = corners.min(0), corners.max(0)
+    if right < 0 or bottom < 0 or left > camera.width or top > camera.height:
+        return None
     sprite = Sprite(left, top, right, bottom)
     paint = np.array(looks.paint)
     # The camera, at the origin, in the vehicle's directions: which faces it sees.
@@ -57,19 +58,18 @@ def vehicle(camera, looks, state):
     seen_side = 1 if to_camera @ sideways > 0 else -1
 
     def face(points, shade):
-        sprite.polygon([at(*point) for point in points], paint * shade)
+        sprite.polygon(at(points), paint * shade)
 
     def glass(points, bright=1.0):
-        sprite.polygon([at(*point) for point in points], np.array((75, 68, 62)) * bright)
+        sprite.polygon(at(points), np.array((75, 68, 62)) * bright)
 
     low, waist, roof = 0.22, looks.waist, looks.roof
     back, front = looks.back * 2 - 1, looks.front * 2 - 1
     a = seen_side
     # Tyres and what is dark below.
-    sprite.polygon([at(s, a * w, u) for s, w, u in ((-0.95, 1, 0.05), (0.95, 1, 0.05), (0.95, 1, 0.4), (-0.95, 1, 0.4))],
-                   (28, 27, 27))
-    sprite.polygon([at(seen_front * 0.97, w, u) for w, u in ((-0.95, 0.05), (0.95, 0.05), (0.95, 0.4), (-0.95, 0.4))],
-                   (22, 22, 22))
+    sprite.polygon(at([(-0.95, a, 0.05), (0.95, a, 0.05), (0.95, a, 0.4), (-0.95, a, 0.4)]), (28, 27, 27))
+    low_end = seen_front * 0.97
+    sprite.polygon(at([(low_end, w, u) for w, u in ((-0.95, 0.05), (0.95, 0.05), (0.95, 0.4), (-0.95, 0.4))]), (22, 22, 22))
     face([(-1, a, low), (1, a, low), (1, a, waist * 0.92), (-1, a, waist)], 0.86)
     face([(-1, a, waist * 0.62), (1, a, waist * 0.6), (1, a, waist * 0.92), (-1, a, waist)], 0.98)
     end = seen_front
@@ -98,12 +98,12 @@ def vehicle(camera, looks, state):
     for share in (-0.62, 0.62):
         for radius, colour in ((0.33, (25, 25, 26)), (0.19, (135, 135, 138))):
             ring = [(share + radius / half * np.cos(t), a * 1.01, 0.33 + radius * np.sin(t)) for t in np.linspace(0, 6.2, 14)]
-            sprite.polygon([at(*point) for point in ring], colour)
+            sprite.polygon(at(ring), colour)
     lamp = (235, 250, 255) if end > 0 and looks.lamps else (205, 215, 220) if end > 0 else (40, 35, 190)
     for across in (-0.78, 0.78):
         spread = 0.17
-        sprite.polygon([at(end * 1.005, across + w, waist * u) for w, u in
-                        ((-spread, 0.62), (spread, 0.62), (spread, 0.8), (-spread, 0.8))], lamp)
-    sprite.polygon([at(end * 1.005, w, u) for w, u in ((-0.25, 0.4), (0.25, 0.4), (0.25, 0.52), (-0.25, 0.52))],
-                   (210, 220, 220))
-    return sprite, camera.project(state.x, 0, state.z), [at(*corner, 0) for corner in ((-1, -1), (1, -1), (1, 1), (-1, 1))]
+        sprite.polygon(at([(end * 1.005, across + w, waist * u) for w, u in
+                           ((-spread, 0.62), (spread, 0.62), (spread, 0.8), (-spread, 0.8))]), lamp)
+    plate = [(end * 1.005, w, u) for w, u in ((-0.25, 0.4), (0.25, 0.4), (0.25, 0.52), (-0.25, 0.52))]
+    sprite.polygon(at(plate), (210, 220, 220))
+    return sprite, camera.project(state.x, 0, state.z), at([(*corner, 0) for corner in ((-1, -1), (1, -1), (1, 1), (-1, 1))])

@@ -1,13 +1,19 @@
 """Systems under test, by name. Each makes a Result of a Video."""
-from . import program
+from . import motioncells, program, subtractors
 
 
 def find(name, options):
     """A function from a Video to a Result."""
-    if name.split(":")[0] == "lightmotion":
+    kind = name.split(":")[0]
+    if kind == "lightmotion":
         return program.system(name, options)
-    raise SystemExit(f"--systems: unknown system {name!r}; known are {', '.join(known())}")
+    if kind in subtractors.GRIDS and name in (kind, f"{kind}:best"):
+        return subtractors.system(name)
+    if name in ("motioncells", "motioncells:best"):
+        return motioncells.system(name)
+    raise SystemExit(f"--systems: unknown system {name!r}; there are {', '.join(known())}")
 
 
 def known():
-    return ["lightmotion", "lightmotion:PRESET"]
+    peers = [*subtractors.GRIDS, "motioncells"]
+    return ["lightmotion", "lightmotion:PRESET"] + [name + which for name in peers for which in ("", ":best")]
