@@ -102,13 +102,15 @@ def highway(rng):
     return stage
 
 
-@scene
 def highway_exposure(rng):
     """Traffic on a motorway, 320x240, with an exposure that drifts and jumps."""
     stage = highway(rng)
     stage.exposure = drift(rng)
     disturbed(stage, 0, 45, "exposure")
     return stage
+
+
+scene(highway_exposure, like="highway")
 
 
 @scene
