@@ -53,7 +53,7 @@ def _render(name, seed, path, truth_path):
 def write(stage, path):
     """Renders a stage to a video file and returns its truth."""
     camera = stage.camera
-    sensor = Sensor(stage.rng, (camera.height, camera.width), stage.sigma)
+    sensor = Sensor(stage.rng, (camera.height, camera.width), stage.sigma, blotches=stage.blotches)
     if stage.exposure:
         sensor.exposure = stage.exposure
     truth = stage.truth()

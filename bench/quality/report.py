@@ -13,9 +13,14 @@ def load(folder):
     out = {}
     for path in sorted(Path(folder).glob("*/*.json")):
         record = json.loads(path.read_text())
-        out.setdefault(path.parent.name.replace("-", ":", 1) if ":" in record["system"] else record["system"],
-                       {}).setdefault(record["scene"], []).append(record)
+        out.setdefault(record["system"], {}).setdefault(record["scene"], []).append(record)
     return out
+
+
+def complete(records):
+    """The systems that were measured on every scene: means over a part are no means."""
+    scenes = set(records["lightmotion"])
+    return {system: of for system, of in records.items() if scenes <= set(of)}
 
 
 def mean(records, key):
@@ -46,16 +51,15 @@ def systems_table(records):
     rows = []
     for system, scenes in records.items():
         every = [record for of in scenes.values() for record in of]
+        total = lambda key: sum(record[key] for record in every)  # noqa: E731
         worst = min((value, scene) for scene, of in scenes.items() if (value := mean(of, "frame_f1")) is not None)
-        true = sum(record["events_true"] for record in every)
-        rows.append((mean([{"v": mean(of, "box05_f1")} for of in scenes.values()], "v") or 0,
+        rows.append((mean(every, "box05_f1") or 0,
                      [f"`{system}`", number(mean(every, "frame_f1"), 3), f"{number(worst[0])} ({worst[1]})",
-                      f"{sum(record['events_missed'] for record in every)} of {true}",
-                      str(sum(record["events_false"] for record in every)), number(events_ratio(every)),
-                      number(mean(every, "event_delay")), number(mean(every, "box03_f1"), 3), number(mean(every, "box05_f1"), 3),
-                      number(mean(every, "idf1"), 3), number(mean(every, "mask_f1"), 3)]))
-    return table(["System", "frame F1", "worst scene", "events missed", "false", "per true", "delay, s", "box F1, 0.3", "0.5", "IDF1",
-                  "mask F1"], [row for _, row in sorted(rows, key=lambda row: row[0])])
+                      f"{total('events_missed')} of {total('events_true')}", str(total("events_false")),
+                      number(events_ratio(every)), number(mean(every, "event_delay"))] +
+                     [number(mean(every, key), 3) for key in ("box03_f1", "box05_f1", "idf1", "mask_f1")]))
+    return table(["System", "frame F1", "worst scene", "events missed", "false", "per true", "delay, s", "box F1, 0.3", "0.5",
+                  "IDF1", "mask F1"], [row for _, row in sorted(rows, key=lambda row: row[0])])
 
 
 def scenes_table(records, system, peers):
@@ -65,14 +69,16 @@ def scenes_table(records, system, peers):
         best = max(((mean(records[peer][scene], "box05_f1") or 0, peer) for peer in peers if scene in records[peer]),
                    default=(None, "–"))
         first = mean(of, "frame_f1")
+        total = lambda key: sum(record[key] for record in of)  # noqa: E731, B023
         rows.append((first if first is not None else 2,
                      [f"`{scene}`", number(first, 3), percent(mean(of, "false_share")), percent(mean(of, "light_alone")),
-                      f"{sum(r['events_found'] for r in of)} of {sum(r['events_true'] for r in of)}",
-                      str(sum(r["events_false"] for r in of)), str(sum(r["events_fragments"] for r in of)),
-                      number(mean(of, "event_delay")), number(mean(of, "box05_precision")), number(mean(of, "box05_recall")),
-                      number(mean(of, "box05_f1"), 3), f"{number(best[0], 3)} ({best[1]})", number(mean(of, "idf1"), 3)]))
+                      f"{total('events_found')} of {total('events_true')}", str(total("events_false")),
+                      str(total("events_fragments")), number(mean(of, "event_delay")), number(mean(of, "box05_precision")),
+                      number(mean(of, "box05_recall")), number(mean(of, "box05_f1"), 3),
+                      f"{number(best[0], 3)} ({best[1]})", number(mean(of, "idf1"), 3)]))
     return table(["Scene", "frame F1", "false frames, %", "light alone, %", "events found", "false", "fragments", "delay, s",
-                  "box precision", "recall", "F1", "best peer", "IDF1"], [row for _, row in sorted(rows, key=lambda row: row[0])])
+                  "box precision", "recall", "F1", "best peer", "IDF1"],
+                 [row for _, row in sorted(rows, key=lambda row: row[0])])
 
 
 def chart(records, systems, path):
@@ -103,7 +109,8 @@ def chart(records, systems, path):
             for number_ in reversed(range(len(systems))):
                 value = mean(records[systems[number_]].get(scene, []), key)
                 if value is not None:
-                    cv2.circle(picture, (x0 + round(wide * value), y), 5 if number_ == 0 else 4, colours[number_], -1, cv2.LINE_AA)
+                    cv2.circle(picture, (x0 + round(wide * value), y), 5 if number_ == 0 else 4, colours[number_], -1,
+                               cv2.LINE_AA)
     cv2.imwrite(str(path), picture)
 
 

@@ -38,7 +38,7 @@ class Stage:
         self.ambient = 1.0  # brightness of objects
         self.haze = 0.0  # share of grey in front of objects: low contrast
         self.haze_colour = np.float32((170, 170, 165))
-        self.sigma = 1.6  # noise in grey levels
+        self.sigma, self.blotches = 1.6, 0.0  # noise in grey levels, and over how many pixels it is smoothed
         self.codec = "h264-20"
         self.exposure = None  # function of time and picture: factor
         self.grain = noise(np.random.default_rng(5), 128, 128, 8, 4, 0.7).astype(np.float32)
