@@ -62,7 +62,7 @@ bool Engine::learn(kAMBLE& settings, const std::uint8_t* frame, const Shape& sha
   shape_ = shape;
   stride_ = stride == 0 ? shape.rowBytes() : stride;
   if (!added_.empty()) finishWatching();
-  if (next_) beginWatching(frame);
+  if (next_ || !forgotten_.empty()) beginWatching(frame);
   const std::int64_t before = settings.prevTimestamp;
   settings.estFrameRate();
   keepPace(settings, before);
@@ -214,6 +214,8 @@ std::vector<boxRect> Engine::boxes(kAMBLE& settings) {
     found.push_back(boxBetween(spanned->left - 1, spanned->top - 1, spanned->right + 1, spanned->bottom + 1,
                                width, shape_.height));
   }
+  if (extras_.joinGap)
+    settings.thrConnect = static_cast<float>(*extras_.joinGap * std::max(width, shape_.height));
   joinBoxes(settings, found);
   finishBoxes(settings, found, small);
   return found;

@@ -119,6 +119,19 @@ const FormatRow* readFormat(const Json::Value& document, PixelFormat known, Find
   return format;
 }
 
+// Of a number or a text that is one; none for everything else.
+std::optional<double> numberOf(const Json::Value& value, const Findings& findings) {
+  if (!findings.reads(value)) return std::nullopt;
+  const std::string text = value.asString();
+  try {
+    std::size_t used = 0;
+    const double number = std::stod(text, &used);
+    return used == text.size() ? std::optional(number) : std::nullopt;
+  } catch (const std::logic_error&) {
+    return std::nullopt;
+  }
+}
+
 double readAbsorption(const Json::Value& document, Findings& findings) {
   constexpr const char* key = "absorb_seconds";
   constexpr const char* right = "0.1 to 86400 seconds, or \"forever\"";
@@ -129,20 +142,28 @@ double readAbsorption(const Json::Value& document, Findings& findings) {
     findings.addToKey(Severity::warning, "lifeStatic", "has no effect: absorb_seconds replaces it",
                       "remove it");
   }
-  double seconds = 0;
-  try {
-    if (!findings.reads(value)) throw std::invalid_argument("kind");
-    const std::string text = value.asString();
-    std::size_t used = 0;
-    seconds = std::stod(text, &used);
-    if (used != text.size()) throw std::invalid_argument("rest");
-  } catch (const std::logic_error&) {
+  const std::optional<double> seconds = numberOf(value, findings);
+  if (!seconds) {
     findings.add(Severity::error, key, shown(value) + " is not a time", right);
     return 0;
   }
-  if (seconds >= leastAbsorption && seconds <= longestAbsorption) return seconds;
+  if (*seconds >= leastAbsorption && *seconds <= longestAbsorption) return *seconds;
   findings.add(Severity::error, key, shown(value) + " is out of range", right);
   return 0;
+}
+
+std::optional<double> readJoinGap(const Json::Value& document, Findings& findings) {
+  constexpr const char* key = "join_gap";
+  constexpr const char* right = "0 to 1, of the frame's longer side";
+  if (!document.isMember(key)) return std::nullopt;
+  const Json::Value& value = document[key];
+  const std::optional<double> gap = numberOf(value, findings);
+  if (!gap) {
+    findings.add(Severity::error, key, shown(value) + " is not a number", right);
+  } else if (!(*gap >= 0 && *gap <= 1)) {
+    findings.add(Severity::error, key, shown(value) + " is out of range", right);
+  }
+  return gap;
 }
 
 bool readExtent(const Json::Value& document, Findings& findings) {
@@ -218,6 +239,7 @@ HandleReading readHandleDocument(const Json::Value& given, const std::string& te
                                                findings);
   configuration.absorbSeconds = readAbsorption(document, findings);
   configuration.wholeComponents = readExtent(document, findings);
+  configuration.joinGap = readJoinGap(document, findings);
   configuration.peeled = readPeel(document, findings);
   configuration.regionNames = namesOf(document);
 

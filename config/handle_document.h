@@ -25,6 +25,7 @@ struct HandleConfiguration {
   check::Coverage coverage;
   double absorbSeconds = 0;  // 0: as lifeStatic says; infinite: for ever
   bool wholeComponents = false;
+  std::optional<double> joinGap;  // a fraction of the longer side; none: as the plug-in
   int peeled = 3;
 };
 

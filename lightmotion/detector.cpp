@@ -44,7 +44,8 @@ void apply(const lm::Settings& from, kAMBLE& to) {
 compact::Extras extrasOf(const lm::HandleConfiguration& configuration) {
   return {.peeled = configuration.peeled,
           .wholeComponents = configuration.wholeComponents,
-          .absorbSeconds = configuration.absorbSeconds};
+          .absorbSeconds = configuration.absorbSeconds,
+          .joinGap = configuration.joinGap};
 }
 
 std::int32_t toPixel(float fraction, std::int32_t side) {
@@ -98,6 +99,10 @@ void lightmotion_detector::change(Json::Value document, lm::HandleConfiguration 
   apply(configuration_.settings, *settings_);
   if (engine_->started()) lm::deriveLimits(*settings_);
   engine_->setExtras(extrasOf(configuration_));
+}
+
+void lightmotion_detector::relearn(const compact::Area& area, const std::uint8_t* mask, std::size_t stride) {
+  if (engine_->started()) engine_->relearn(area, mask, stride);
 }
 
 void lightmotion_detector::forgetResults() noexcept {

@@ -53,8 +53,12 @@
  *     peel              layers that are peeled off the foreground before components are found, 0 to 3
  *                       (default). Fewer keep smaller and thinner things, and more noise
  *
- * A value of null is the default, as if the key were absent. Without absorb_seconds, extent and peel the
- * boxes are those of the entry points (plugin/entry_points.h) in a fresh process.
+ *     join_gap          boxes whose gap is at most this share of the frame's longer side become one, 0 to 1.
+ *                       Smaller keeps things apart that pass each other; larger keeps a thing in one piece of
+ *                       which the detector sees several. Default: 1/32, as for the entry points
+ *
+ * A value of null is the default, as if the key were absent. Without absorb_seconds, extent, peel and
+ * join_gap the boxes are those of the entry points (plugin/entry_points.h) in a fresh process.
  *
  * A configuration is refused if it cannot be read or if nothing could ever be detected. What is accepted but
  * probably not meant, such as a misspelt key, gives a warning.
@@ -162,6 +166,21 @@ int lightmotion_change(lightmotion_detector* detector, const char* changes, char
  * become invalid. Returns LIGHTMOTION_OK, or LIGHTMOTION_ERROR_ARGUMENT for null.
  */
 int lightmotion_reset(lightmotion_detector* detector);
+
+/*
+ * Learns a part of the frame anew: its pixels are learned from the next frame as from a first one, so that
+ * they are no foreground in it; all others keep what was learned. For what is known to be no object, such as
+ * the place that a parked car has left.
+ *
+ * The part: a rectangle that lies within the frame, and of it the pixels where `mask` is not 0; null is the
+ * whole rectangle. `mask`: height rows of width bytes, `stride` bytes from the start of a row to the start of
+ * the next, 0 for rows without padding; what lightmotion_foreground has copied can be passed, from the byte
+ * of (x, y) on. Pixels that are not watched stay so. Parts of several calls add up until the next frame.
+ * Before the first frame there is nothing to forget, and the call has no effect. Results of the last frame
+ * stay valid. Returns LIGHTMOTION_OK, LIGHTMOTION_ERROR_ARGUMENT or LIGHTMOTION_ERROR_MEMORY.
+ */
+int lightmotion_relearn(lightmotion_detector* detector, int32_t x, int32_t y, int32_t width, int32_t height,
+                        const void* mask, size_t stride);
 
 /* ---- frames -------------------------------------------------------------------------------------------- */
 

@@ -1,10 +1,9 @@
-// Programs that were built with a release's headers find the public fields where these programs look.
+// Programs that were built with a release's C++ headers find the public fields where these programs look.
 #include <gtest/gtest.h>
 
 #include <cstddef>
 
 #include "engine/kamble.h"
-#include "lightmotion/lightmotion.h"
 #include "objects/component.h"
 #include "plugin/detector.h"
 #include "plugin/instance.h"
