@@ -52,9 +52,10 @@ std::optional<std::int32_t> wholeNumber(const Json::Value& value, const std::str
   return std::nullopt;
 }
 
-std::int32_t readSide(const Json::Value& document, const char* key, std::int32_t known, Findings& findings) {
+std::int32_t readSide(const Json::Value& document, const char* key, std::int32_t known, bool required,
+                      Findings& findings) {
   if (!document.isMember(key)) {
-    if (known == 0) findings.add(Severity::error, key, "is missing", "the frame size in pixels");
+    if (known == 0 && required) findings.add(Severity::error, key, "is missing", "the frame size in pixels");
     return known;
   }
   const auto stated = wholeNumber(document[key], key, "1 or more", true, findings);
@@ -192,8 +193,8 @@ std::vector<std::string> namesOf(const Json::Value& document) {
   if (!regions.isArray()) return {"frame"};
   std::vector<std::string> names;
   for (const Json::Value& region : regions) {
-    const Json::Value& name = region["name"];
-    names.push_back(name.isString() ? name.asString() : std::string());
+    const bool named = region.isObject() && region["name"].isString();
+    names.push_back(named ? region["name"].asString() : std::string());
   }
   return names;
 }
@@ -224,11 +225,12 @@ HandleReading readHandleDocument(const Json::Value& given, const std::string& te
 
   HandleConfiguration configuration;
   FrameSize& frame = configuration.frame;
-  frame.frmW = readSide(document, "frmW", known.width, findings);
-  frame.frmH = readSide(document, "frmH", known.height, findings);
+  frame.frmW = readSide(document, "frmW", known.width, known.sizeRequired, findings);
+  frame.frmH = readSide(document, "frmH", known.height, known.sizeRequired, findings);
+  const bool hasSize = frame.frmW > 0 && frame.frmH > 0;
   if (const FormatRow* format = readFormat(document, known.format, findings)) configuration.format = *format;
   frame.frmChn = std::max(1, configuration.format.channels);
-  checkLargest(frame, findings);
+  if (hasSize) checkLargest(frame, findings);
 
   configuration.settings = check::checkScalars(document,
                                                {{"frmW", textOr(document["frmW"], frame.frmW)},
@@ -242,7 +244,7 @@ HandleReading readHandleDocument(const Json::Value& given, const std::string& te
   configuration.regionNames = namesOf(document);
 
   const check::Outlines outlines = check::readOutlines(document, findings);
-  if (!findings.anyError() && check::checkIncluded(outlines, findings)) {
+  if (!findings.anyError() && check::checkIncluded(outlines, findings) && hasSize) {
     configuration.coverage = *check::checkCoverage(outlines, frame, findings);
     check::checkMinBox(document, check::minBoxOf(configuration.settings, frame), frame,
                        &configuration.coverage, findings);

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <opencv2/imgproc.hpp>
+#include <utility>
 
 namespace lm::host::detector {
 namespace {
@@ -18,6 +19,7 @@ constexpr auto kMoves = 500ms;       // until it is looked at again if something
 constexpr int kLooks = 5;            // for a decision
 constexpr double kSame = 0.7;        // intersection over union of a box that stands still
 constexpr double kGhost = -0.1;      // mean of the looks up to which it is a ghost
+constexpr double kAlike = 0.6;       // of the texture: the same ground in another light
 constexpr int kMoved = 20;           // grey levels between two smoothed pictures, more than noise
 constexpr double kMovedPart = 0.01;  // of the pixels: something moves inside
 constexpr int kSmallest = 30;        // pixels of a component that is looked at
@@ -86,6 +88,34 @@ double edges_in_picture(const cv::Mat& picture, const cv::Mat& background, const
   return all > 0 ? (in_picture - in_background) / all : 0;
 }
 
+double texture_kept(const cv::Mat& picture, const cv::Mat& background, const cv::Mat& mask) {
+  cv::Mat inside;
+  // Its outline may be that of light and shadow.
+  cv::erode(mask, inside, cv::Mat::ones(5, 5, CV_8U), {-1, -1}, 1, cv::BORDER_CONSTANT, cv::Scalar(0));
+  if (cv::countNonZero(inside) < kSmallest) return 0;
+  const Slopes now = slopes_of(picture, 1);
+  const Slopes before = slopes_of(background, 1);
+  double common = 0;
+  double of_now = 0;
+  double of_before = 0;
+  const int channels = picture.channels();
+  for (int y = 0; y < picture.rows; ++y) {
+    const unsigned char* chosen = inside.ptr(y);
+    for (const auto& [a, b] : {std::pair(&now.x, &before.x), std::pair(&now.y, &before.y)}) {
+      const auto* slope = a->ptr<float>(y);
+      const auto* slope_before = b->ptr<float>(y);
+      for (int i = 0; i < picture.cols * channels; ++i) {
+        if (chosen[i / channels] == 0) continue;
+        common += static_cast<double>(slope[i]) * slope_before[i];
+        of_now += static_cast<double>(slope[i]) * slope[i];
+        of_before += static_cast<double>(slope_before[i]) * slope_before[i];
+      }
+    }
+  }
+  const double all = std::sqrt(of_now * of_before);
+  return all > 0 ? common / all : 0;
+}
+
 void Ghosts::follow(microseconds time, const std::vector<cv::Rect>& boxes) {
   for (const cv::Rect& box : boxes) {
     const auto same = std::max_element(still_.begin(), still_.end(), [&](const Still& a, const Still& b) {
@@ -123,7 +153,10 @@ GhostPart Ghosts::ghosts_in(Still& still, const cv::Mat& picture, const LearnedP
     const cv::Mat mask = labels == label;
     const cv::Rect inside = still.box - area.tl();
     if (cv::countNonZero(mask) < kSmallest || cv::countNonZero(mask(inside)) == 0) continue;
-    const double edges = edges_in_picture(picture(area), learned.background(area), mask);
+    const cv::Mat now = picture(area);
+    const cv::Mat before = learned.background(area);
+    const bool light = texture_kept(now, before, mask) >= kAlike;
+    const double edges = light ? -1 : edges_in_picture(now, before, mask);
     cv::add(still.evidence, cv::Scalar(edges), still.evidence, mask);
     const bool ghost = edges < 0 && cv::mean(still.evidence, mask)[0] <= kGhost * kLooks;
     if (still.looks < kLooks || !ghost) continue;

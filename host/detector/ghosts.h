@@ -6,6 +6,9 @@
 // picture, or in the background. (Comparing the edges of the foreground with those of the picture: F. Yin,
 // D. Makris, S. A. Velastin, "Real-time ghost removal for foreground segmentation methods", 8th International
 // Workshop on Visual Surveillance, 2008.)
+//
+// Light and shadow that stay have edges in the picture too, but they keep the texture of the ground: they are
+// taken back as well.
 #pragma once
 
 #include <chrono>
@@ -19,6 +22,10 @@ namespace lm::host::detector {
 // 0 if there are none. Pictures of the same size and type, 8 bits per channel; `mask`: one byte per pixel,
 // not 0 inside.
 double edges_in_picture(const cv::Mat& picture, const cv::Mat& background, const cv::Mat& mask);
+
+// How much the texture inside `mask` is that of the background: from 1, the same, perhaps in another light,
+// to 0, another one or none.
+double texture_kept(const cv::Mat& picture, const cv::Mat& background, const cv::Mat& mask);
 
 // A part of the frame, for lightmotion_relearn.
 struct GhostPart {

@@ -60,6 +60,38 @@ TEST(EdgesInPicture, IgnoresEdgesAcrossTheOutline) {
   EXPECT_GT(edges_in_picture(block, stripes, mask), 0.9);
 }
 
+// ---- texture ----------------------------------------------------------------------------------------------
+
+TEST(TextureKept, IsOneInAnotherLightAndLittleForAnotherThing) {
+  cv::Mat ground;
+  test::ground({80, 80}, 3).convertTo(ground, CV_8UC3);
+  const cv::Mat mask(80, 80, CV_8U, cv::Scalar(255));
+  EXPECT_NEAR(texture_kept(ground, ground, mask), 1, 1e-9);
+  cv::Mat bright;
+  ground.convertTo(bright, -1, 1, 10);
+  EXPECT_GT(texture_kept(bright, ground, mask), 0.97);
+  cv::Mat dim;
+  ground.convertTo(dim, -1, 0.5);
+  EXPECT_GT(texture_kept(dim, ground, mask), 0.9);
+  cv::Mat other;
+  test::ground({80, 80}, 4).convertTo(other, CV_8UC3);
+  EXPECT_LT(std::abs(texture_kept(other, ground, mask)), 0.3);
+  EXPECT_EQ(texture_kept(cv::Mat(80, 80, CV_8UC3, cv::Scalar(9, 9, 9)), ground, mask), 0);
+}
+
+// Only the left half is inside, where the pictures are the same.
+TEST(TextureKept, IsThatInsideTheMask) {
+  cv::Mat one;
+  test::ground({80, 80}, 3).convertTo(one, CV_8UC3);
+  cv::Mat two;
+  test::ground({80, 80}, 4).convertTo(two, CV_8UC3);
+  one.colRange(0, 40).copyTo(two.colRange(0, 40));
+  cv::Mat mask = cv::Mat::zeros(80, 80, CV_8U);
+  mask.colRange(0, 37) = 255;
+  EXPECT_GT(texture_kept(two, one, mask), 0.95);
+  EXPECT_LT(texture_kept(two, one, ~mask), 0.5);
+}
+
 // ---- with a detector --------------------------------------------------------------------------------------
 
 class Site {

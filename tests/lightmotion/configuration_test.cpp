@@ -51,6 +51,7 @@ TEST(Configuration, RefusedNamesTheKeyTheValueAndWhatIsRight) {
            Case{R"("roi": [])", "\"roi\": contains no region; the detector refuses"},
            Case{R"("roi": [{"points": [{"x": "left", "y": 0}, {"x": 1, "y": 0}, {"x": 1, "y": 1}]}])",
                 "\"roi[0].points[0].x\": must be a number, not \"left\"; the detector refuses it"},
+           Case{R"("roi": [3])", "\"roi[0]\": 3 is not a region; the detector refuses it"},
            Case{R"("roi": [{"points": []}])", "\"roi\": nothing is watched"},
            Case{R"("frmChn": 4)", "\"frmChn\": is 4 but \"bgr\" has 3"},
        }) {
