@@ -12,7 +12,7 @@ _lightmotion() {
       tune\:"find settings for your own footage"))' \
     '*::argument:->arguments'
   [[ $state == arguments ]] || return
-  local presets='(street indoor night grainy calm sensitive)'
+  local presets='(auto street indoor night grainy calm sensitive)'
   if [[ $line[1] == presets ]]; then
     _arguments '(- *)'{-h,--help}'[print help and exit]' "1:preset:$presets"
     return

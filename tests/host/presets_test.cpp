@@ -43,7 +43,10 @@ TEST(Presets, HaveUniqueNamesAndALineEach) {
 TEST(Presets, ContainOnlySettingsThatThePluginReadsAndAComment) {
   for (const Preset& preset : all()) {
     const std::vector<std::string> keys = parsed(preset.document).getMemberNames();
-    const std::vector<std::string> expected{"comment", "lcAdap", "minBoxH", "minBoxW", "sensitivity"};
+    std::vector<std::string> expected{"comment", "lcAdap", "minBoxH", "minBoxW", "sensitivity"};
+    // Detectors by handle only; the others are chosen.
+    if (preset.name == "auto")
+      expected = {"absorb_seconds", "comment", "extent", "lcAdap", "minBoxH", "minBoxW"};
     EXPECT_EQ(keys, expected) << preset.name;
     EXPECT_TRUE(check::check_document(preset.document, cv::Size(640, 360)).findings.empty()) << preset.name;
   }
@@ -54,6 +57,7 @@ TEST(Presets, StayInTheRangesThatThePluginAccepts) {
   for (const Preset& preset : all()) {
     const Json::Value root = parsed(preset.document);
     for (const char* key : {"sensitivity", "lcAdap"}) {
+      if (!root.isMember(key)) continue;
       const int level = std::stoi(root[key].asString());
       EXPECT_TRUE(level >= 1 && level <= 5) << preset.name << ' ' << key;
     }
@@ -64,7 +68,7 @@ TEST(Presets, StayInTheRangesThatThePluginAccepts) {
   }
 }
 
-TEST(Presets, OfTheStreetIsWhatRunsWithoutAConfiguration) {
+TEST(Presets, OfTheStreetIsWhatServeBeginsWith) {
   EXPECT_EQ(default_document(), find_preset("street")->document);
 }
 
