@@ -104,7 +104,7 @@ TEST(Document, TurnsNumbersIntoTextsAndLeavesOutNulls) {
 }
 
 TEST(Document, RefusesKeysThatOnlyDetectorsByHandleKnow) {
-  for (const char* key : {"absorb_seconds", "extent", "peel"}) {
+  for (const char* key : {"absorb_seconds", "extent", "peel", "join_gap"}) {
     EXPECT_EQ(refusal(std::string("{\"") + key + "\": 1}"),
               std::string("\"") + key + "\" cannot be used with --plugin: plug-ins do not know it");
   }
