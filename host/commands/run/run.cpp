@@ -158,11 +158,11 @@ class Run {
     const std::string document = process(frame, stated);
     detector::Boxes boxes = outputs::boxes_of(document);
     for (detector::Box& box : boxes) box.regions = regions_.touched(box.area);
+    boxes = events_.frame(frame, frame.number, std::move(boxes));
     if (!boxes.empty()) {
       write_line([&] { return outputs::result_line(frame.number, frame.time, boxes, stated); });
       ++figures_.frames_with_motion;
     }
-    events_.frame(frame, frame.number, boxes);
     figures_.events = events_.events();
     if (video_) video_->write(frame, boxes);
     ++figures_.frames;

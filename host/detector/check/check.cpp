@@ -12,6 +12,7 @@
 #include "config/check/outlines.h"
 #include "config/check/scalars.h"
 #include "host/detector/check/effect.h"
+#include "host/detector/check/lines.h"
 #include "host/detector/check/sizes.h"
 
 namespace lm::host::detector::check {
@@ -31,6 +32,7 @@ Verdict verdict_on(const Json::Value& document, std::optional<cv::Size> frame, F
   findings.addRepeats();
   lm::check::checkKeys(document, "", lm::check::documentKeys(), findings);
   const SettledSizes sizes = check_sizes(document, frame, findings);
+  check_lines(document, findings);
   const lm::check::Outlines outlines = lm::check::readOutlines(document, findings);
   const std::optional<lm::check::Coverage> coverage = look_at_regions(outlines, sizes.frame, findings);
   const Settings settings = lm::check::checkScalars(document, sizes.texts, findings);
