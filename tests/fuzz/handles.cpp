@@ -15,7 +15,7 @@ struct Destroyed {
   void operator()(lightmotion_detector* detector) const { lightmotion_destroy(detector); }
 };
 
-constexpr std::array<const char*, 20> members = {
+constexpr std::array<const char*, 22> members = {
     R"("sensitivity": 5)",
     R"("sensitivity": -1)",
     R"("sensitivity": null)",
@@ -28,6 +28,8 @@ constexpr std::array<const char*, 20> members = {
     R"("absorb_seconds": null)",
     R"("extent": "full")",
     R"("extent": null)",
+    R"("join_gap": 0)",
+    R"("join_gap": 0.5)",
     R"("peel": 0)",
     R"("peel": 2)",
     R"("roi": null)",

@@ -29,7 +29,7 @@ with open(sys.argv[3], "w") as verdicts:
 TEST(CheckSchema, HasTheKeysOfADocumentButThoseOfNoEffect) {
   Json::Value schema;
   std::ifstream(kSchema) >> schema;
-  std::vector<std::string> keys = lm::check::documentKeys();
+  std::vector<std::string> keys = lm::check::documentKeys(lm::check::Reader::handle);
   std::erase_if(keys, [](const std::string& key) { return key.starts_with("maxBox"); });
   EXPECT_THAT(schema["properties"].getMemberNames(), testing::UnorderedElementsAreArray(keys));
 }
@@ -56,8 +56,16 @@ TEST(CheckSchema, MarksWhatCheckMarks) {
       R"({"lines": [{"points": [{"x": "0", "y": "0"}, {"x": "1", "y": "0"}], "direction": "up"}]})",
       R"({"lines": [{"nam": "a", "points": [{"x": "0", "y": "0"}, {"x": "1", "y": "0"}]}]})",
       R"({"lines": [{"name": 1, "points": [{"x": "0", "y": "0"}, {"x": "1", "y": "0"}]}]})",
+      R"({"sensitivity": 5, "minBoxW": 0.25, "frmW": 640, "frmChn": 3, "format": "bgr"})",
+      R"({"absorb_seconds": 60, "extent": "full", "peel": 1})",
+      R"({"absorb_seconds": "forever", "extent": "core", "peel": 0})",
+      R"({"absorb_seconds": 0})",
+      R"({"absorb_seconds": "long"})",
+      R"({"extent": "whole"})",
+      R"({"peel": 4})",
+      R"({"sensitivity": 6})",
+      R"({"minBoxW": 1.5})",
       R"({"sensitivty": "5"})",
-      R"({"sensitivity": 5})",
       R"({"sensitivity": "9"})",
       R"({"lcAdap": ""})",
       R"({"minBoxW": "0"})",

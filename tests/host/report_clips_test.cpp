@@ -132,7 +132,7 @@ TEST(Copied, NothingFromOtherSources) {
 
 Event event_of(microseconds start, microseconds end) {
   Event event;
-  event.id.assign(1, 'a');
+  event.id = "0001";
   event.start = start;
   event.end = end;
   event.from = std::max<microseconds>(0us, start - 200ms);
@@ -236,7 +236,7 @@ TEST_F(Recorded, WhereTheFilesClockJumps) {
     listener.frame(frame, seen);
     Event first = event_of(500ms, 1s);
     Event second = event_of(2500ms, 3s);
-    second.id.assign(1, 'b');
+    second.id = "0002";
     if (i == 8) listener.begun(first);
     if (i == 14) listener.ended(first);
     if (i == 30) listener.begun(second);
@@ -248,7 +248,7 @@ TEST_F(Recorded, WhereTheFilesClockJumps) {
   ASSERT_GE(copied.size(), 12U);
   EXPECT_EQ(copied[0].bytes, whole[0].bytes) << "a copy";
   // 2.3 to 3.2 s.
-  EXPECT_EQ(clips::read(folder / "clips/00h00m02.500s-0001-motion.mp4").size(), 10U);
+  EXPECT_EQ(clips::read(folder / "clips/00h00m02.500s-0002-motion.mp4").size(), 10U);
 }
 
 // The only event of these frames begins with the second of them, 40 ms in.

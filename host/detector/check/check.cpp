@@ -11,6 +11,7 @@
 #include "config/check/min_box.h"
 #include "config/check/outlines.h"
 #include "config/check/scalars.h"
+#include "config/handle_document.h"
 #include "host/detector/check/effect.h"
 #include "host/detector/check/lines.h"
 #include "host/detector/check/sizes.h"
@@ -28,11 +29,25 @@ std::optional<lm::check::Coverage> look_at_regions(const lm::check::Outlines& ou
   return lm::check::checkCoverage(outlines, {frame->width, frame->height, 3}, findings);
 }
 
-Verdict verdict_on(const Json::Value& document, std::optional<cv::Size> frame, Findings& findings) {
+Verdict verdict_by_handle(const Json::Value& document, const std::string& text,
+                          std::optional<cv::Size> frame) {
+  KnownFrame known{.format = PixelFormat::bgr, .sizeRequired = frame.has_value()};
+  if (frame) known.width = frame->width, known.height = frame->height;
+  HandleReading reading = readHandleDocument(document, text, known);
+  if (!reading.configuration) return {std::move(reading.findings), std::nullopt};
+  Verdict verdict{std::move(reading.findings), in_effect(*reading.configuration)};
+  Findings more(text);
+  check_memory(*verdict.effective, installed_memory(), more);
+  const std::vector<Finding> first = more.inOrder();  // on the document as a whole
+  verdict.findings.insert(verdict.findings.begin(), first.begin(), first.end());
+  return verdict;
+}
+
+Verdict verdict_by_entry_points(const Json::Value& document, std::optional<cv::Size> frame,
+                                Findings& findings) {
   findings.addRepeats();
   lm::check::checkKeys(document, "", lm::check::documentKeys(), findings);
   const SettledSizes sizes = check_sizes(document, frame, findings);
-  check_lines(document, findings);
   const lm::check::Outlines outlines = lm::check::readOutlines(document, findings);
   const std::optional<lm::check::Coverage> coverage = look_at_regions(outlines, sizes.frame, findings);
   const Settings settings = lm::check::checkScalars(document, sizes.texts, findings);
@@ -48,6 +63,16 @@ Verdict verdict_on(const Json::Value& document, std::optional<cv::Size> frame, F
   if (findings.anyError()) return {findings.inOrder(), std::nullopt};
   check_memory(effective, installed_memory(), findings);
   return {findings.inOrder(), effective};
+}
+
+// Lines, which no detector reads.
+void add_lines(const Json::Value& document, const std::string& text, Verdict& verdict) {
+  Findings findings(text);
+  check_lines(document, findings);
+  if (findings.anyError()) verdict.effective.reset();
+  for (const Finding& finding : findings.inOrder()) verdict.findings.push_back(finding);
+  std::ranges::stable_sort(verdict.findings, {},
+                           [](const Finding& finding) { return std::pair(finding.line, finding.column); });
 }
 
 }  // namespace
@@ -68,7 +93,7 @@ const char* name_of(Severity severity) {
   }
 }
 
-Verdict check_document(const std::string& text, std::optional<cv::Size> frame) {
+Verdict check_document(const std::string& text, std::optional<cv::Size> frame, Reader reader) {
   Json::Value document;
   try {
     document = lm::check::readDocument(text);
@@ -76,7 +101,10 @@ Verdict check_document(const std::string& text, std::optional<cv::Size> frame) {
     return {{{Severity::error, "", fault.line(), fault.column(), fault.cause(), ""}}, std::nullopt};
   }
   Findings findings(text);
-  return verdict_on(document, frame, findings);
+  Verdict verdict = reader == Reader::handle ? verdict_by_handle(document, text, frame)
+                                             : verdict_by_entry_points(document, frame, findings);
+  add_lines(document, text, verdict);
+  return verdict;
 }
 
 }  // namespace lm::host::detector::check
