@@ -1,6 +1,7 @@
 // A box around something that moves.
 #pragma once
 
+#include <cstdint>
 #include <opencv2/core.hpp>
 #include <string>
 #include <vector>
@@ -10,7 +11,10 @@ namespace lm::host::detector {
 struct Box {
   cv::Rect2d area{};                   // fractions of the frame, clipped to it
   std::vector<std::string> regions{};  // names of the regions of interest touched, in the document's order
-  bool by_light = false;               // caused by a lighting change, not by motion; set by host/events
+  // The following are set by host/events.
+  bool by_light = false;               // caused by a lighting change, not by motion
+  std::int64_t id = 0;                 // of the object in it; 0 if unknown
+  std::vector<std::int64_t> others{};  // ids of further objects in it
 };
 
 using Boxes = std::vector<Box>;

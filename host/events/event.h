@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "host/detector/lines.h"
 #include "host/events/box.h"
 
 namespace lm::host::events {
@@ -31,6 +32,36 @@ struct Observation {
   std::optional<WallTime> wall;       // arrival time, for live sources
 };
 
+// Where an object was: the middle of its box's lower edge, smoothed, in fractions of the frame.
+struct PathPoint {
+  std::chrono::microseconds time{0};
+  cv::Point2d place;
+};
+
+// Objects are named by the ids of their boxes.
+struct EventObject {
+  std::int64_t id = 0;
+  std::chrono::microseconds start{0};
+  std::chrono::microseconds end{0};
+  std::vector<PathPoint> path;  // while it has a box of its own
+};
+
+// An object touched a region.
+struct Visit {
+  std::string region;
+  std::int64_t object = 0;
+  std::chrono::microseconds start{0};
+  std::chrono::microseconds end{0};
+};
+
+// An object's path crossed a line.
+struct Crossing {
+  std::string line;
+  std::int64_t object = 0;
+  std::chrono::microseconds time{0};
+  detector::Side to = detector::Side::kRight;
+};
+
 // Times are the source's. While an event is in progress, its end is the last frame that belongs to it.
 struct Event {
   std::string id;  // unique within a run and between runs of a live source; valid in a file name
@@ -49,11 +80,20 @@ struct Event {
   cv::Rect2d envelope;               // around all boxes, within the frame, in fractions of it
   cv::Rect2d largest;                // the largest box, likewise
   std::vector<std::string> regions;  // names of the regions touched, in the document's order
+  std::vector<EventObject> objects;  // of motion, in the order of their ids
+  std::vector<Visit> visits;         // in the order of their starts
+  std::vector<Crossing> crossings;   // in the order of time
   std::optional<LightChange> light;  // for lighting changes
   std::optional<WallTime> wall_start;
   std::optional<WallTime> wall_end;
   std::string started;  // why it started, in a sentence
   std::string ended;    // why it ended; empty while in progress
 };
+
+// How long the object that stayed longest was there.
+std::chrono::microseconds dwell(const Event& event);
+
+// The boxes of the event's kind; of motion, those of its objects if they have ids.
+Boxes boxes_of_event(const Boxes& boxes, const Event& event);
 
 }  // namespace lm::host::events

@@ -5,6 +5,7 @@
 #include "host/base/json_text.h"
 #include "host/base/time_text.h"
 #include "host/events/box_json.h"
+#include "host/events/trajectory.h"
 
 namespace lm::host::events {
 namespace {
@@ -14,6 +15,39 @@ Json::Value light_value(const LightChange& light) {
   value["before"] = light.before;
   value["after"] = light.after;
   value["share"] = light.share;
+  return value;
+}
+
+Json::Value object_value(const EventObject& object) {
+  Json::Value value;
+  value["id"] = Json::Int64(object.id);
+  value["start"] = base::seconds_number(object.start);
+  value["end"] = base::seconds_number(object.end);
+  for (const PathPoint& point : simplified(object.path, kPathTolerance)) {
+    Json::Value place;
+    place["time"] = base::seconds_number(point.time);
+    place["x"] = point.place.x;
+    place["y"] = point.place.y;
+    value["path"].append(std::move(place));
+  }
+  return value;
+}
+
+Json::Value visit_value(const Visit& visit) {
+  Json::Value value;
+  value["name"] = visit.region;
+  value["object"] = Json::Int64(visit.object);
+  value["start"] = base::seconds_number(visit.start);
+  value["end"] = base::seconds_number(visit.end);
+  return value;
+}
+
+Json::Value crossing_value(const Crossing& crossing) {
+  Json::Value value;
+  value["name"] = crossing.line;
+  value["object"] = Json::Int64(crossing.object);
+  value["time"] = base::seconds_number(crossing.time);
+  value["direction"] = detector::name_of(crossing.to);
   return value;
 }
 
@@ -53,6 +87,10 @@ Json::Value event_value(const Event& event) {
   value["largest"] = box_value(event.largest);
   value["regions"] = Json::Value(Json::arrayValue);
   for (const std::string& region : event.regions) value["regions"].append(region);
+  for (const EventObject& object : event.objects) value["objects"].append(object_value(object));
+  if (!event.objects.empty()) value["dwell"] = base::seconds_number(dwell(event));
+  for (const Visit& visit : event.visits) value["visits"].append(visit_value(visit));
+  for (const Crossing& crossing : event.crossings) value["crossings"].append(crossing_value(crossing));
   if (event.light) value["light"] = light_value(*event.light);
   if (event.wall_start) value["wall_start"] = utc_text(*event.wall_start);
   if (event.wall_end) value["wall_end"] = utc_text(*event.wall_end);

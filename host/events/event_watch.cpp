@@ -1,8 +1,22 @@
 #include "host/events/event_watch.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace lm::host::events {
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr std::chrono::microseconds kMemory = 5s;  // of objects that stand still
+
+// As seen: pixels need not be square.
+double aspect_of(const source::SourceInfo& source) {
+  return static_cast<double>(source.size.width) * source.pixel_aspect.width /
+         (static_cast<double>(source.size.height) * source.pixel_aspect.height);
+}
+
+}  // namespace
 
 EventWatch::EventWatch(const RunContext& context)
     : EventWatch(context, detector::Regions(context.document)) {}
@@ -11,12 +25,13 @@ EventWatch::EventWatch(const RunContext& context, const detector::Regions& regio
     : source_(context.source),
       gap_(std::llround(context.options.rules.gap * 1e6)),
       light_(regions),
-      tracker_(context.options.rules, regions.names()) {}
+      objects_(aspect_of(context.source), std::max(kMemory, gap_)),
+      tracker_(context.options.rules, regions.names(), detector::lines_of(context.document)) {}
 
-void EventWatch::frame(const source::Frame& frame, std::int64_t number, Boxes boxes) {
+Boxes EventWatch::frame(const source::Frame& frame, std::int64_t number, Boxes boxes) {
   if (frame.anew || (!frame.note.empty() && frame.time - last_ > gap_)) {
     light_.forget();
-    tracker_.interrupt("The source was interrupted: " + frame.note + ".");
+    interrupt("The source was interrupted: " + frame.note + ".");
   }
   last_ = frame.time;
   Observation seen;
@@ -25,7 +40,29 @@ void EventWatch::frame(const source::Frame& frame, std::int64_t number, Boxes bo
   seen.boxes = std::move(boxes);
   if (source_.start) seen.wall = *source_.start + frame.time;
   light_.look(frame.image, seen);
+  name_objects(seen);
   tracker_.observe(frame, seen);
+  return std::move(seen.boxes);
+}
+
+void EventWatch::name_objects(Observation& seen) {
+  std::vector<Box*> moving;
+  std::vector<cv::Rect2d> areas;
+  for (Box& box : seen.boxes) {
+    if (box.by_light) continue;
+    moving.push_back(&box);
+    areas.push_back(box.area);
+  }
+  const auto objects = objects_.update(seen.time, areas, moving.size() < seen.boxes.size());
+  for (std::size_t i = 0; i < moving.size(); ++i) {
+    moving[i]->id = objects[i].id;
+    moving[i]->others = objects[i].others;
+  }
+}
+
+void EventWatch::interrupt(const std::string& why) {
+  objects_.forget();
+  tracker_.interrupt(why);
 }
 
 void EventWatch::finish(bool stopped) {

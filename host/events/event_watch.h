@@ -11,6 +11,7 @@
 #include "host/events/event_tracker.h"
 #include "host/events/light.h"
 #include "host/events/listener.h"
+#include "host/events/objects/object_tracker.h"
 #include "host/events/run_context.h"
 
 namespace lm::host::events {
@@ -23,11 +24,12 @@ class EventWatch {
   // Adds a listener, before the first frame.
   void add(std::unique_ptr<EventListener> listener) { tracker_.add(std::move(listener)); }
 
-  // The next frame, as read from the source, with the boxes that the detector found.
-  void frame(const source::Frame& frame, std::int64_t number, Boxes boxes);
+  // The next frame, as read from the source, with the boxes that the detector found. Returns them with their
+  // objects.
+  Boxes frame(const source::Frame& frame, std::int64_t number, Boxes boxes);
 
   // Ends all events. `why`: a sentence.
-  void interrupt(const std::string& why) { tracker_.interrupt(why); }
+  void interrupt(const std::string& why);
 
   void finish(bool stopped);
   void commit() { tracker_.commit(); }
@@ -36,10 +38,12 @@ class EventWatch {
 
  private:
   EventWatch(const RunContext& context, const detector::Regions& regions);
+  void name_objects(Observation& seen);
 
   const source::SourceInfo& source_;
   const std::chrono::microseconds gap_;
   LightWatch light_;
+  objects::ObjectTracker objects_;
   EventTracker tracker_;
   std::chrono::microseconds last_{0};
 };

@@ -40,6 +40,9 @@ constexpr Column kColumns[] = {
     {"y", "largest"},
     {"width", "largest"},
     {"height", "largest"},
+    {"objects"},
+    {"dwell"},
+    {"crossings"},
     {"regions"},
     {"before", "light"},
     {"after", "light"},
@@ -56,7 +59,10 @@ std::string heading(const Column& column) {
 
 std::string joined(const Json::Value& names) {
   std::string text;
-  for (const Json::Value& name : names) text.append(text.empty() ? "" : ";").append(name.asString());
+  for (const Json::Value& item : names) {
+    const Json::Value& name = !item.isObject() ? item : item.isMember("name") ? item["name"] : item["id"];
+    text.append(text.empty() ? "" : ";").append(name.asString());
+  }
   return text;
 }
 

@@ -14,7 +14,7 @@ std::string tenths_text(double value) {
 
 std::string percent_text(double share) { return tenths_text(share * 100) + " %"; }
 
-std::string why_started(const Event& event, std::optional<std::chrono::microseconds> since) {
+std::string why_started(const Event& event, std::optional<std::chrono::microseconds> since, bool alone) {
   const std::string at = " at " + base::seconds_text(event.start) + " s: ";
   if (event.kind == EventKind::kLight && event.light) {
     const LightChange& light = *event.light;
@@ -25,12 +25,14 @@ std::string why_started(const Event& event, std::optional<std::chrono::microseco
   }
   const std::string boxes =
       event.most_boxes == 1 ? "A box appeared" : std::to_string(event.most_boxes) + " boxes appeared";
-  return boxes + at + "over " + percent_text(event.peak_share) + " of the frame, where nothing had moved " +
+  const std::string over = boxes + at + "over " + percent_text(event.peak_share) + " of the frame, ";
+  if (!alone) return over + "apart from what was moving already.";
+  return over + "where nothing had moved " +
          (since ? "for " + base::seconds_text(event.start - *since) + " s." : "before.");
 }
 
 std::string why_quiet(const Event& event, std::chrono::microseconds gap, std::chrono::microseconds hidden) {
-  const char* what = event.kind == EventKind::kLight ? "No box of the lighting change" : "Nothing moved";
+  const char* what = event.kind == EventKind::kLight ? "No box of the lighting change" : "It was not seen";
   std::string text = std::string(what) + " for more than " + base::seconds_text(gap) + " s after " +
                      base::seconds_text(event.end) + " s";
   if (hidden.count() > 0) {

@@ -13,8 +13,10 @@ namespace lm::host::events {
 std::string percent_text(double share);
 std::string tenths_text(double value);
 
-// `event`: after its first frame. `since`: end of the previous event of its kind.
-std::string why_started(const Event& event, std::optional<std::chrono::microseconds> since);
+// `event`: after its first frame. `since`: end of the previous event of its kind. `alone`: no other one is in
+// progress.
+std::string why_started(const Event& event, std::optional<std::chrono::microseconds> since,
+                        bool alone = true);
 
 // `hidden`: for how long after its last frame boxes of a lighting change would have hidden it.
 std::string why_quiet(const Event& event, std::chrono::microseconds gap, std::chrono::microseconds hidden);

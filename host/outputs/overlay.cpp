@@ -3,11 +3,15 @@
 #include <algorithm>
 #include <cmath>
 #include <opencv2/imgproc.hpp>
+#include <vector>
+
+#include "host/events/trajectory.h"
 
 namespace lm::host::outputs {
 namespace {
 
 const cv::Scalar kLine(64, 255, 96);
+const cv::Scalar kPath(64, 208, 255);
 const cv::Scalar kShade(24, 32, 24);
 const cv::Scalar kLetters(255, 255, 255);
 constexpr int kFont = cv::FONT_HERSHEY_SIMPLEX;
@@ -32,6 +36,21 @@ void draw_box(cv::Mat& image, const cv::Rect& rect, int width) {
   const cv::Rect outer(rect.tl() - cv::Point(1, 1), rect.br() + cv::Point(1, 1));
   draw_border(image, outer & cv::Rect({0, 0}, image.size()), width + 2, kShade);
   draw_border(image, rect, width, kLine);
+}
+
+// The id at the box's upper left corner, above it if there is room.
+void draw_id(cv::Mat& image, const cv::Rect& rect, std::int64_t id) {
+  const double scale = std::max(0.4, image.rows / 1200.0);
+  const int strokes = std::max(1, static_cast<int>(std::lround(scale * 1.5)));
+  const std::string text = std::to_string(id);
+  const cv::Size size = cv::getTextSize(text, kFont, scale, strokes, nullptr);
+  const int margin = line_width(image.size()) + 2;
+  if (size.width > image.cols / 4) return;
+  const int above = rect.y - margin;
+  const cv::Point place(std::min(rect.x, image.cols - size.width),
+                        above >= size.height ? above : rect.y + margin + size.height);
+  cv::putText(image, text, place, kFont, scale, kShade, strokes + 2, cv::LINE_AA);
+  cv::putText(image, text, place, kFont, scale, kLine, strokes, cv::LINE_AA);
 }
 
 void draw_caption(cv::Mat& image, const std::string& text) {
@@ -66,7 +85,23 @@ void draw_overlay(cv::Mat& image, const events::Boxes& boxes, const std::string&
     const cv::Rect pixels = pixels_of(box.area, image.size());
     if (!pixels.empty()) draw_box(image, pixels, line_width(image.size()));
   }
+  for (const events::Box& box : boxes) {
+    if (box.id > 0) draw_id(image, pixels_of(box.area, image.size()), box.id);
+  }
   if (!caption.empty()) draw_caption(image, caption);
+}
+
+void draw_paths(cv::Mat& image, const events::Event& event) {
+  for (const events::EventObject& object : event.objects) {
+    std::vector<cv::Point> points;
+    for (const events::PathPoint& point : events::simplified(object.path, events::kPathTolerance)) {
+      points.emplace_back(inside(point.place.x * image.cols, image.cols - 1),
+                          inside(point.place.y * image.rows, image.rows - 1));
+    }
+    const int width = line_width(image.size());
+    cv::polylines(image, points, false, kShade, width + 2, cv::LINE_AA);
+    cv::polylines(image, points, false, kPath, width, cv::LINE_AA);
+  }
 }
 
 }  // namespace lm::host::outputs

@@ -4,7 +4,7 @@
 #include <opencv2/core.hpp>
 #include <string>
 
-#include "host/events/box.h"
+#include "host/events/event.h"
 
 namespace lm::host::outputs {
 
@@ -14,8 +14,11 @@ cv::Rect pixels_of(const cv::Rect2d& box, cv::Size frame);
 // The line width of boxes: at least one pixel, more in larger frames so that it is visible when scaled down.
 int line_width(cv::Size frame);
 
-// Draws the boxes and, in the upper left corner, the caption if not empty. The text size depends on the frame
-// size; frames too small for legible text get no caption.
+// Draws the boxes with their ids and, in the upper left corner, the caption if not empty. The text size
+// depends on the frame size; frames too small for legible text get no caption.
 void draw_overlay(cv::Mat& image, const events::Boxes& boxes, const std::string& caption);
+
+// Draws the paths of the event's objects.
+void draw_paths(cv::Mat& image, const events::Event& event);
 
 }  // namespace lm::host::outputs

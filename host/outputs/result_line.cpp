@@ -22,7 +22,7 @@ std::string result_line(std::int64_t frame, std::chrono::microseconds time, cons
                         std::int64_t milliseconds) {
   Json::Value line = line_of_frame(frame, time);
   for (const events::Box& box : boxes) {
-    Json::Value value = events::box_value(box.area);
+    Json::Value value = events::object_value(box);
     value["regions"] = Json::arrayValue;
     for (const std::string& name : box.regions) value["regions"].append(name);
     line["boxes"].append(std::move(value));

@@ -127,16 +127,6 @@ TEST_F(Objects, APartGoesOnAsTheObjectWhenTheRestIsGone) {
   EXPECT_EQ(see({{0.4, 0.3, 0.1, 0.4}}), Ids({1}));
 }
 
-TEST_F(Objects, HaveAPlaceUntilTheyAreForgotten) {
-  stand({kLeft});
-  const std::optional<cv::Rect2d> place = tracker_.place(1);
-  ASSERT_TRUE(place);
-  EXPECT_NEAR(place->x, kLeft.x, 1e-6);
-  EXPECT_NEAR(place->width, kLeft.width, 1e-6);
-  tracker_.forget();
-  EXPECT_FALSE(tracker_.place(1));
-}
-
 TEST_F(Objects, WhoCrossKeepTheirIds) {
   // They meet in the middle, where they have one box for a while.
   Ids ids;

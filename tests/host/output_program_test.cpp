@@ -83,8 +83,8 @@ INSTANTIATE_TEST_SUITE_P(All, EachOutput, testing::ValuesIn(kOutputs), [](const 
 });
 
 // The one event in these frames begins with the second of them.
-constexpr Output kFolders[] = {{"--snapshots", "00h00m00.040s-motion.jpg"},
-                               {"--clips", "00h00m00.040s-motion.mp4"}};
+constexpr Output kFolders[] = {{"--snapshots", "00h00m00.040s-0001-motion.jpg"},
+                               {"--clips", "00h00m00.040s-0001-motion.mp4"}};
 
 class EachFolder : public testing::TestWithParam<Output> {
  protected:

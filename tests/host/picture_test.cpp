@@ -8,6 +8,7 @@ namespace {
 
 using namespace lm::host::outputs;
 using namespace lm::host::source;
+using namespace std::chrono_literals;
 
 av::Picture plain_picture(cv::Size size, std::uint8_t luma, AVColorRange range = AVCOL_RANGE_UNSPECIFIED) {
   av::Picture picture = av::new_picture(size, AV_PIX_FMT_YUV420P);
@@ -91,11 +92,41 @@ TEST(Overlay, DrawsTheBordersOfBoxesAndNotTheirInside) {
   EXPECT_FALSE(bright(99, 60) || bright(150, 60) || bright(120, 49) || bright(120, 75) || bright(120, 60));
 }
 
+TEST(Overlay, WritesTheIdAboveTheBox) {
+  const cv::Mat before(200, 200, CV_8UC3, cv::Scalar(0, 0, 0));
+  lm::host::events::Boxes boxes{{{0.5, 0.5, 0.25, 0.25}}};
+  boxes[0].id = 8;
+  cv::Mat image = before.clone();
+  draw_overlay(image, boxes, "");
+  const cv::Rect above(100, 80, 50, 18);
+  EXPECT_GT(cv::norm(image(above), before(above), cv::NORM_INF), 200);
+  boxes[0].id = 0;
+  image = before.clone();
+  draw_overlay(image, boxes, "");
+  EXPECT_EQ(cv::norm(image(above), before(above), cv::NORM_INF), 0) << "without an id";
+}
+
+TEST(Overlay, DrawsPathsThroughTheirPoints) {
+  cv::Mat image(100, 100, CV_8UC3, cv::Scalar(0, 0, 0));
+  lm::host::events::Event event;
+  event.objects = {{1, 0s, 2s, {{0s, {0.2, 0.2}}, {1s, {0.8, 0.2}}, {2s, {0.8, 0.9}}}}};
+  draw_paths(image, event);
+  const auto drawn = [&](int x, int y) { return image.at<cv::Vec3b>(y, x)[2] > 200; };
+  EXPECT_TRUE(drawn(50, 20) && drawn(80, 50));
+  EXPECT_FALSE(drawn(50, 50));
+}
+
 TEST(Overlay, DrawsOnFramesOfAnySize) {
   for (const cv::Size size :
        {cv::Size(1, 1), cv::Size(2, 9), cv::Size(40, 12), cv::Size(3000, 5), cv::Size(5, 900)}) {
     cv::Mat image(size, CV_8UC3, cv::Scalar(9, 9, 9));
-    draw_overlay(image, {{{-5, -5, 10, 10}}, {{0.9, 0.9, 0.3, 0.3}}, {{0.2, 0.2, 0, 0}}}, "0:12.4  3 boxes");
+    lm::host::events::Boxes boxes{{{-5, -5, 10, 10}}, {{0.9, 0.9, 0.3, 0.3}}, {{0.2, 0.2, 0, 0}}};
+    boxes[1].id = 1234567;
+    boxes[2].id = 8;
+    draw_overlay(image, boxes, "0:12.4  3 boxes");
+    lm::host::events::Event event;
+    event.objects = {{1, 0s, 1s, {{0s, {-1, 0}}, {1s, {1, 1}}}}, {2, 0s, 0s, {}}};
+    draw_paths(image, event);
     EXPECT_EQ(image.size(), size);
   }
 }

@@ -61,9 +61,10 @@ TEST(Program, PassesTimesCountedFromOneAndReportsFramesCountedFromZero) {
 TEST(Program, RoundsBoxesAndNamesTheirRegions) {
   const Folder folder;
   const Outcome outcome = run_fake({short_clip(folder)});
-  EXPECT_EQ(program::lines(outcome.output).at(0),
-            "{\"frame\":1,\"time\":0.040,\"boxes\":[{\"x\":0.500000,\"y\":0.250000,\"width\":0.100000,"
-            "\"height\":0.300000,\"regions\":[\"frame\"]}],\"timestamp\":\"41\"}");
+  EXPECT_EQ(
+      program::lines(outcome.output).at(0),
+      "{\"frame\":1,\"time\":0.040,\"boxes\":[{\"id\":1,\"x\":0.500000,\"y\":0.250000,\"width\":0.100000,"
+      "\"height\":0.300000,\"regions\":[\"frame\"]}],\"timestamp\":\"41\"}");
 }
 
 TEST(Program, ClipsBoxesToTheFrame) {
@@ -212,10 +213,10 @@ INSTANTIATE_TEST_SUITE_P(
         RefusedCase{"NoObject", "[]", " not a JSON object"},
         RefusedCase{"OtherSize", R"({"frmW": "1"})",
                     "1:10: \"frmW\": is 1 but the frames have 640 (remove it to use that of the frames)"},
-        RefusedCase{
-            "Faulty", R"({"comment": "throw", "sensitivity": "high"})",
-            "1:37: \"sensitivity\": must be a whole number, not \"high\"; the detector refuses it (1 to 5, or "
-            "-1)"},
+        RefusedCase{"Faulty", R"({"comment": "throw", "sensitivity": "high"})",
+                    "1:37: \"sensitivity\": must be a whole number, not \"high\"; the detector refuses it (1 "
+                    "to 5, or "
+                    "-1)"},
         RefusedCase{"FaultyTwice", R"({"lcAdap": "x", "roi": []})",
                     "1:12: \"lcAdap\": must be a whole number, not \"x\"; the detector refuses it (1 to 5); "
                     "and 1 more "

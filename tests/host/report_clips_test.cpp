@@ -132,7 +132,7 @@ TEST(Copied, NothingFromOtherSources) {
 
 Event event_of(microseconds start, microseconds end) {
   Event event;
-  event.id.assign(1, 'a');
+  event.id = "0001";
   event.start = start;
   event.end = end;
   event.from = std::max<microseconds>(0us, start - 200ms);
@@ -165,10 +165,10 @@ TEST_F(Recorded, FromBeforeTheEventWasAnnouncedToAfterItsEnd) {
     if (i <= 16) recorder.extend(event_of(800ms, i * 100ms));
     if (i == 17) {
       recorder.end(event_of(800ms, 1600ms));
-      EXPECT_FALSE(std::filesystem::exists(folder_ / "00h00m00.800s-motion.mp4"));
+      EXPECT_FALSE(std::filesystem::exists(folder_ / "00h00m00.800s-0001-motion.mp4"));
     }
   }
-  const auto frames = clips::read(folder_ / "00h00m00.800s-motion.mp4");
+  const auto frames = clips::read(folder_ / "00h00m00.800s-0001-motion.mp4");
   EXPECT_EQ(clips::times_of(frames), clips::regular(13, 100ms));  // 0.6, 0.7, ... 1.8 s
   // The bright square of frame 6 begins at column 12.
   EXPECT_LT(frames[0].image.at<cv::Vec3b>(17, 9)[2], 150);
@@ -184,11 +184,11 @@ TEST_F(Recorded, ToItsEndHoweverLongAfterTheEventsEnd) {
   recorder.begin(event);
   recorder.end(event);
   for (int i = 9; i < 15; ++i) see(recorder, i);
-  EXPECT_FALSE(std::filesystem::exists(folder_ / "00h00m00.200s-motion.mp4")) << "one frame is missing";
+  EXPECT_FALSE(std::filesystem::exists(folder_ / "00h00m00.200s-0001-motion.mp4")) << "one frame is missing";
   see(recorder, 15);
-  EXPECT_TRUE(std::filesystem::exists(folder_ / "00h00m00.200s-motion.mp4"));
+  EXPECT_TRUE(std::filesystem::exists(folder_ / "00h00m00.200s-0001-motion.mp4"));
   for (int i = 16; i < 20; ++i) see(recorder, i);
-  const auto frames = clips::read(folder_ / "00h00m00.200s-motion.mp4");
+  const auto frames = clips::read(folder_ / "00h00m00.200s-0001-motion.mp4");
   EXPECT_EQ(clips::times_of(frames), clips::regular(16, 100ms));  // 0.0, 0.1, ... 1.5 s
 }
 
@@ -198,9 +198,9 @@ TEST_F(Recorded, ToTheLastFrameWhenThatComesBeforeTheEnd) {
   recorder.begin(event_of(200ms, 400ms));
   recorder.end(event_of(200ms, 400ms));
   recorder.finish();
-  EXPECT_FALSE(std::filesystem::exists(folder_ / "00h00m00.200s-motion.mp4"));
+  EXPECT_FALSE(std::filesystem::exists(folder_ / "00h00m00.200s-0001-motion.mp4"));
   recorder.commit();
-  EXPECT_EQ(clips::read(folder_ / "00h00m00.200s-motion.mp4").size(), 5U);
+  EXPECT_EQ(clips::read(folder_ / "00h00m00.200s-0001-motion.mp4").size(), 5U);
 }
 
 TEST_F(Recorded, NotFurtherBackThanFramesAreKept) {
@@ -209,7 +209,7 @@ TEST_F(Recorded, NotFurtherBackThanFramesAreKept) {
   recorder.begin(event_of(100ms, 900ms));
   recorder.finish();
   recorder.commit();
-  EXPECT_EQ(clips::read(folder_ / "00h00m00.100s-motion.mp4").size(), 4U) << "0.6 to 0.9 s";
+  EXPECT_EQ(clips::read(folder_ / "00h00m00.100s-0001-motion.mp4").size(), 4U) << "0.6 to 0.9 s";
 }
 
 TEST_F(Recorded, NothingOfARunThatFails) {
@@ -236,32 +236,32 @@ TEST_F(Recorded, WhereTheFilesClockJumps) {
     listener.frame(frame, seen);
     Event first = event_of(500ms, 1s);
     Event second = event_of(2500ms, 3s);
-    second.id.assign(1, 'b');
+    second.id = "0002";
     if (i == 8) listener.begun(first);
     if (i == 14) listener.ended(first);
     if (i == 30) listener.begun(second);
     if (i == 35) listener.ended(second);
   }
   const Folder& folder = folder_;
-  const auto copied = packets(folder / "clips/00h00m00.500s-motion.mp4");
+  const auto copied = packets(folder / "clips/00h00m00.500s-0001-motion.mp4");
   const auto whole = packets(file);
   ASSERT_GE(copied.size(), 12U);
   EXPECT_EQ(copied[0].bytes, whole[0].bytes) << "a copy";
   // 2.3 to 3.2 s.
-  EXPECT_EQ(clips::read(folder / "clips/00h00m02.500s-motion.mp4").size(), 10U);
+  EXPECT_EQ(clips::read(folder / "clips/00h00m02.500s-0002-motion.mp4").size(), 10U);
 }
 
 // The only event of these frames begins with the second of them, 40 ms in.
 TEST(Clips, NeverReplaceTheSource) {
   const Folder folder;
-  const std::string file = folder / "00h00m00.040s-motion.mp4";
+  const std::string file = folder / "00h00m00.040s-0001-motion.mp4";
   clips::write(file, {64, 48}, clips::regular(40, 40ms));
   const std::string before = program::read(file);
   const auto outcome = program::run_fake({file, "-q", "--clips", folder / ""});
   EXPECT_EQ(outcome.status, 1);
   EXPECT_NE(outcome.errors.find("would overwrite the source"), std::string::npos) << outcome.errors;
   EXPECT_EQ(program::read(file), before);
-  EXPECT_EQ(folder.names(), Names{"00h00m00.040s-motion.mp4"});
+  EXPECT_EQ(folder.names(), Names{"00h00m00.040s-0001-motion.mp4"});
 }
 
 TEST(Clips, OfTheBuiltInSceneAreRecorded) {
@@ -270,7 +270,7 @@ TEST(Clips, OfTheBuiltInSceneAreRecorded) {
       program::run_fake({"-o", "/dev/null", "--clips", folder / "clips", "--pre", "1", "-q"});
   ASSERT_EQ(outcome.status, 0) << outcome.errors;
   // One event from the second frame to the last; the second before it has one frame.
-  EXPECT_EQ(clips::read(folder / "clips/00h00m00.040s-motion.mp4").size(), 500U);
+  EXPECT_EQ(clips::read(folder / "clips/00h00m00.040s-0001-motion.mp4").size(), 500U);
 }
 
 // The real detector: a lamp is switched on at 12 s.
@@ -285,7 +285,8 @@ TEST(Clips, OfALightingChangeShowItFromBeforeToAfter) {
                                   [](const Json::Value& event) { return event["kind"] == "light"; });
   ASSERT_NE(light, file["events"].end());
   ASSERT_NEAR((*light)["start"].asDouble(), 12, 0.2);
-  const auto frames = clips::read(folder / "clips/00h00m12.000s-light.mp4");
+  const auto frames =
+      clips::read(folder / ("clips/00h00m12.000s-" + (*light)["id"].asString() + "-light.mp4"));
   const double shown = (*light)["to"].asDouble() - (*light)["from"].asDouble();
   EXPECT_EQ(frames.size(), std::size_t(std::lround(shown * 25)) + 1);
   EXPECT_GT(cv::mean(frames.back().image)[1], cv::mean(frames.front().image)[1] + 2) << "brighter";

@@ -135,6 +135,21 @@ TEST(Page, ShowsTheFigures) {
   }
 }
 
+TEST(Page, SaysWhatObjectsDid) {
+  PageData data = page_data();
+  Event& event = data.events[0].event;
+  event.objects = {{3, 5s, 7s, {}}, {4, 5s, 6s, {}}};
+  event.visits = {{kHostile, 3, 5500ms, 7s}};
+  event.crossings = {{"gate", 3, 5200ms, lm::host::detector::Side::kLeft}};
+  const std::string page = render_page(data);
+  EXPECT_NE(page.find("<dt>Dwell time</dt><dd>2.0 s</dd>"), std::string::npos);
+  const std::size_t crossing = page.find("<li>Object 3 crossed gate to the left: 0:05.2.</li>");
+  ASSERT_NE(crossing, std::string::npos);
+  EXPECT_GT(page.find(std::string("<li>Object 3 in ") + kHarmless + ": 0:05.5 to 0:07.0.</li>"), crossing);
+  event.visits.assign(40, {"gate", 3, 5500ms, 7s});
+  EXPECT_NE(render_page(data).find("<li>29 more.</li>"), std::string::npos) << "of 41, 12 are shown";
+}
+
 TEST(Page, SaysWhatItLeavesOut) {
   PageData data = page_data();
   data.events[1].picture.clear();
@@ -156,10 +171,29 @@ TEST(Page, WithoutEventsSaysSo) {
 // From 5 to 7.5 seconds of 20: starts at a quarter of the width and is an eighth wide.
 TEST(Timeline, PlacesEventsByTheirTimes) {
   const std::string html = timeline(page_data());
-  EXPECT_EQ(count(html, "left:min(25.00%,100% - 4px);width:12.50%"), 2U);
+  EXPECT_EQ(count(html, "left:min(25.00%,100% - 4px);width:12.50%;--row:0\""), 2U);
   EXPECT_NE(html.find("aria-label=\"Event 1, motion, 0:05 to 0:07\""), std::string::npos);
   EXPECT_NE(html.find("href=\"#event-2\""), std::string::npos);
   EXPECT_NE(render_page(page_data()).find("<li id=\"event-2\" class=\"light\""), std::string::npos);
+}
+
+TEST(Timeline, HasARowForEachEventAtTheSameTime) {
+  PageData data = page_data();
+  data.events[1].event.kind = EventKind::kMotion;  // both from 5 to 7.5 s
+  data.events.push_back(data.events[0]);
+  data.events[2].event.start = 8s;
+  const std::string html = timeline(data);
+  EXPECT_EQ(count(html, "--row:0"), 2U);
+  EXPECT_EQ(count(html, "--row:1"), 1U);
+  EXPECT_NE(html.find("--rows:2"), std::string::npos);
+}
+
+TEST(Page, CountsTimeWithSeveralEventsOnce) {
+  PageData data = page_data();
+  data.events[1].event.kind = EventKind::kMotion;
+  data.events[1].event.start = 6s;
+  data.events[1].event.end = 9s;
+  EXPECT_NE(render_page(data).find("<dd>4.0 s<small>20 % of the video</small>"), std::string::npos);
 }
 
 TEST(Timeline, HasRoundTimesOnItsAxis) {
@@ -264,7 +298,7 @@ TEST(ReportPage, OfARunShowsWhatHappened) {
   EXPECT_NE(html.find("500 frames, 450 with boxes"), std::string::npos);
   EXPECT_EQ(count(html, "<li id=\"event-"), 1U) << "boxes in nine of ten frames are one event";
   // The first box is in the second frame.
-  EXPECT_TRUE(std::filesystem::exists(folder / "shots/00h00m00.040s-motion.jpg"));
+  EXPECT_TRUE(std::filesystem::exists(folder / "shots/00h00m00.040s-0001-motion.jpg"));
 }
 
 TEST(ReportPage, IsRemovedWhenTheRunFails) {

@@ -42,12 +42,13 @@ Event event_at(std::int64_t first, std::int64_t peak) {
 class Best : public testing::Test {
  protected:
   void see(double share) {
-    cv::Mat image = numbered(next_);
-    best_.frame(image, observed(next_++, share));
-    image.setTo(0);  // as when boxes are drawn into it
+    image_.setTo(0);  // as when boxes are drawn into it
+    image_ = numbered(next_);
+    best_.frame(image_, observed(next_++, share));
   }
 
   BestFrames best_{1s, {64, 48}};
+  cv::Mat image_ = numbered(0);
   std::int64_t next_ = 0;
 };
 
@@ -113,11 +114,13 @@ TEST_F(Best, OfAnEventThatNobodyFollowedIsEmpty) {
 TEST(Names, SortByTime) {
   Event event;
   event.start = 1h + 2min + 3s + 45ms;
-  EXPECT_EQ(event_stem(event), "01h02m03.045s-motion");
+  event.id = "0007";
+  EXPECT_EQ(event_stem(event), "01h02m03.045s-0007-motion");
   event.kind = EventKind::kLight;
+  event.id = "20260301T070509.006Z-0012";
   // 2026-03-01 is 20513 days after 1970-01-01: 56 years with 14 leap days, and 31 + 28.
   event.wall_start = WallTime{std::chrono::days(20513) + 7h + 5min + 9s + 6ms};
-  EXPECT_EQ(event_stem(event), "2026-03-01T07-05-09.006Z-light");
+  EXPECT_EQ(event_stem(event), "2026-03-01T07-05-09.006Z-0012-light");
 }
 
 TEST(Snapshots, AreWrittenAsTheirEventsEnd) {
@@ -135,7 +138,7 @@ TEST(Snapshots, AreWrittenAsTheirEventsEnd) {
   }
   EXPECT_TRUE(std::filesystem::is_empty(folder / "a/b"));
   snapshots.ended(event_at(1, 2));
-  const std::string file = folder / "a/b/00h00m00.100s-motion.jpg";
+  const std::string file = folder / "a/b/00h00m00.100s-a-motion.jpg";
   ASSERT_TRUE(std::filesystem::exists(file));
   EXPECT_TRUE(program::read(file).starts_with("\xff\xd8\xff"));
   const cv::Mat image = clips::still(file);

@@ -15,6 +15,14 @@ TEST(ResultLine, HasTheFrameItsTimeAndItsBoxes) {
       R"({"x":0.000000,"y":0.000000,"width":1.000000,"height":1.000000,"regions":[]}],"timestamp":"281"})");
 }
 
+TEST(ResultLine, NamesTheObjectsInABox) {
+  lm::host::events::Box box{{0, 0, 1, 1}};
+  box.id = 3;
+  EXPECT_NE(result_line(0, 0us, {box}, 1).find(R"([{"id":3,"x":0.000000)"), std::string::npos);
+  box.others = {5, 8};
+  EXPECT_NE(result_line(0, 0us, {box}, 1).find(R"([{"id":3,"others":[5,8],"x":)"), std::string::npos);
+}
+
 TEST(ResultLine, RoundsTheTimeToThousandths) {
   EXPECT_TRUE(result_line(1, 33'367us, {}, 0).starts_with("{\"frame\":1,\"time\":0.033,"));
   EXPECT_TRUE(result_line(1, 3'599'999'600us, {}, 0).starts_with("{\"frame\":1,\"time\":3600.000,"));

@@ -155,12 +155,12 @@ class Run {
     report_note(frame);
     if (frame.anew) detector_.restart();
     const std::int64_t stated = source::timestamp(source_.info(), frame);
-    const detector::Boxes boxes = detector_.process(source::live::scaled(frame.image, analysed_), stated);
+    const detector::Boxes boxes = events_.frame(
+        frame, frame.number, detector_.process(source::live::scaled(frame.image, analysed_), stated));
     if (!boxes.empty()) {
       write_line([&] { return outputs::result_line(frame.number, frame.time, boxes, stated); });
       ++figures_.frames_with_motion;
     }
-    events_.frame(frame, frame.number, boxes);
     figures_.events = events_.events();
     if (video_) video_->write(frame, boxes);
     ++figures_.frames;

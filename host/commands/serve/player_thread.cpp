@@ -171,7 +171,7 @@ void Player::one_frame() {
   shot.time = frame.time;
   shot.image = frame.image;
   if (!ask(frame, shot) || frame.time < show_from_) return;
-  events_->frame(frame, frame.number, shot.found.boxes);
+  shot.found.boxes = events_->frame(frame, frame.number, std::move(shot.found.boxes));
   show(std::move(shot));
 }
 

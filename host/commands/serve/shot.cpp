@@ -18,7 +18,7 @@ double milliseconds(std::chrono::microseconds time) { return static_cast<double>
 
 Json::Value boxes_value(const events::Boxes& boxes) {
   Json::Value list(Json::arrayValue);
-  for (const events::Box& box : boxes) list.append(events::box_value(box.area));
+  for (const events::Box& box : boxes) list.append(events::object_value(box));
   return list;
 }
 

@@ -13,6 +13,7 @@
 #include "config/check/scalars.h"
 #include "config/handle_document.h"
 #include "host/detector/check/effect.h"
+#include "host/detector/check/lines.h"
 #include "host/detector/check/sizes.h"
 
 namespace lm::host::detector::check {
@@ -67,6 +68,16 @@ Verdict verdict_by_entry_points(const Json::Value& document, std::optional<cv::S
   return {findings.inOrder(), effective};
 }
 
+// Lines, which no detector reads.
+void add_lines(const Json::Value& document, const std::string& text, Verdict& verdict) {
+  Findings findings(text);
+  check_lines(document, findings);
+  if (findings.anyError()) verdict.effective.reset();
+  for (const Finding& finding : findings.inOrder()) verdict.findings.push_back(finding);
+  std::ranges::stable_sort(verdict.findings, {},
+                           [](const Finding& finding) { return std::pair(finding.line, finding.column); });
+}
+
 }  // namespace
 
 bool Verdict::refused() const {
@@ -92,9 +103,11 @@ Verdict check_document(const std::string& text, std::optional<cv::Size> frame, R
   } catch (const lm::check::NoDocument& fault) {
     return {{{Severity::error, "", fault.line(), fault.column(), fault.cause(), ""}}, std::nullopt};
   }
-  if (reader == Reader::handle) return verdict_by_handle(document, text, frame);
   Findings findings(text);
-  return verdict_by_entry_points(document, frame, findings);
+  Verdict verdict = reader == Reader::handle ? verdict_by_handle(document, text, frame)
+                                             : verdict_by_entry_points(document, frame, findings);
+  add_lines(document, text, verdict);
+  return verdict;
 }
 
 }  // namespace lm::host::detector::check

@@ -9,6 +9,7 @@
 
 namespace lm::host::detector::check {
 
+using lm::check::Severity;
 using lm::check::shown;
 
 namespace {

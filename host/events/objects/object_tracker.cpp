@@ -216,15 +216,6 @@ TrackedBox ObjectTracker::named(const Indices& members) const {
   return {ids.front(), {ids.begin() + 1, ids.end()}};
 }
 
-std::optional<cv::Rect2d> ObjectTracker::place(std::int64_t id) const {
-  for (const Track& track : tracks_) {
-    if (track.part_of || track.id != id) continue;
-    const cv::Rect2d box = track.box();
-    return cv::Rect2d(box.x / aspect_, box.y, box.width / aspect_, box.height);
-  }
-  return std::nullopt;
-}
-
 void ObjectTracker::forget() { tracks_.clear(); }
 
 }  // namespace lm::host::events::objects

@@ -4,7 +4,6 @@
 #include <chrono>
 #include <cstdint>
 #include <opencv2/core.hpp>
-#include <optional>
 #include <vector>
 
 #include "host/events/objects/track.h"
@@ -35,9 +34,6 @@ class ObjectTracker {
   // previous frame. `hidden`: something covers the picture, so the time does not count as time without boxes.
   std::vector<TrackedBox> update(std::chrono::microseconds time, const std::vector<cv::Rect2d>& boxes,
                                  bool hidden = false);
-
-  // The estimated place of an object, in fractions of the frame; none if it has been forgotten.
-  std::optional<cv::Rect2d> place(std::int64_t id) const;
 
   // Forgets all objects. Their ids are not used again.
   void forget();

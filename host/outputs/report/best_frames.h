@@ -7,7 +7,6 @@
 #include <map>
 #include <opencv2/core.hpp>
 #include <string>
-#include <vector>
 
 #include "host/events/event.h"
 
@@ -15,19 +14,20 @@ namespace lm::host::outputs::report {
 
 struct Still {
   cv::Mat image;
-  events::Boxes boxes;  // of the event's kind
+  events::Boxes boxes;  // of the event
   std::int64_t frame = 0;
   std::chrono::microseconds time{0};
   double share = 0;  // of the frame under these boxes
 };
 
-// Events are announced some time after they begin, so candidate frames are kept for that long: those with a
-// larger share under boxes than every later one, eight at most.
+// Events are announced some time after they begin, so candidate frames are kept for that long: of each kind,
+// those with a larger share under boxes than every later one, eight at most.
 class BestFrames {
  public:
   // `lookback`: maximum time between the start and the announcement of an event. `kept`: image size.
   BestFrames(std::chrono::microseconds lookback, cv::Size kept) : lookback_(lookback), kept_(kept) {}
 
+  // The image is read until the next frame.
   void frame(const cv::Mat& image, const events::Observation& seen);
 
   // The event has begun or changed.
@@ -37,11 +37,15 @@ class BestFrames {
   Still take(const events::Event& event);
 
  private:
-  using Candidates = std::deque<Still>;
-  static const Still& candidate(const Candidates& candidates, const events::Event& event);
+  using Candidates = std::deque<Still>;  // with the boxes of all events
+  const Still& candidate(const events::Event& event);
+  cv::Mat copied();
 
   std::chrono::microseconds lookback_;
   cv::Size kept_;
+  cv::Mat image_;  // of the latest frame
+  cv::Mat copy_;   // of it, once one is needed
+  Still latest_;   // without its image
   std::map<events::EventKind, Candidates> candidates_;
   std::map<std::string, Still> best_;  // by event id
 };

@@ -36,7 +36,8 @@ const char* kind_name(events::EventKind kind) {
 
 std::string event_stem(const events::Event& event) {
   const std::string time = event.wall_start ? on_the_clock(*event.wall_start) : since_start(event.start);
-  return time + "-" + kind_name(event.kind);
+  // Events may start at the same time.
+  return time + "-" + event.id.substr(event.id.rfind('-') + 1) + "-" + kind_name(event.kind);
 }
 
 }  // namespace lm::host::outputs::report

@@ -7,8 +7,8 @@
 
 namespace lm::host::outputs::report {
 
-// "00h01m12.480s-motion", or with a wall clock "2026-03-01T07-05-12.480Z-motion". No character is special to
-// a shell or a file system.
+// Time, number and kind: "00h01m12.480s-0003-motion", or with a wall clock
+// "2026-03-01T07-05-12.480Z-0003-motion". No character is special to a shell or a file system.
 std::string event_stem(const events::Event& event);
 
 const char* kind_name(events::EventKind kind);

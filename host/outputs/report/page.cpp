@@ -60,6 +60,36 @@ std::string regions(const events::Event& event) {
   return items.empty() ? "" : "<ul class=\"regions\" aria-label=\"Regions touched\">" + items + "</ul>";
 }
 
+std::string dwell_time(const events::Event& event) {
+  if (event.objects.empty()) return "";
+  return fill("          <div><dt>Dwell time</dt><dd>{{time}}</dd></div>",
+              {{"time", duration(events::dwell(event))}});
+}
+
+// Of the first visits and crossings, a sentence each.
+std::string doings(const events::Event& event) {
+  constexpr std::size_t kMost = 12;
+  std::vector<std::pair<microseconds, std::string>> sentences;
+  const bool divided = event.regions != std::vector<std::string>{"frame"};  // otherwise it is the whole frame
+  for (const events::Visit& visit : event.visits) {
+    if (!divided) break;
+    sentences.emplace_back(visit.start, "Object " + std::to_string(visit.object) + " in " + visit.region +
+                                            ": " + moment(visit.start) + " to " + moment(visit.end) + ".");
+  }
+  for (const events::Crossing& crossing : event.crossings) {
+    sentences.emplace_back(crossing.time, "Object " + std::to_string(crossing.object) + " crossed " +
+                                              crossing.line + " to the " + detector::name_of(crossing.to) +
+                                              ": " + moment(crossing.time) + ".");
+  }
+  std::ranges::stable_sort(sentences, {}, &std::pair<microseconds, std::string>::first);
+  const std::size_t more = sentences.size() - std::min(sentences.size(), kMost);
+  sentences.resize(sentences.size() - more);
+  std::string items;
+  for (const auto& [time, text] : sentences) items += "<li>" + escaped(text) + "</li>";
+  if (more > 0) items += "<li>" + std::to_string(more) + " more.</li>";
+  return items.empty() ? "" : "<ul class=\"doings\">" + items + "</ul>";
+}
+
 std::string picture(const PageEvent& shown, std::size_t number) {
   if (shown.picture.empty()) return "";
   return fill(R"(<img src="{{{data}}}" width="{{w}}" height="{{h}}" loading="lazy" alt="{{alt}}">)",
@@ -83,6 +113,8 @@ std::string card(const PageEvent& shown, std::size_t number) {
                                  {"share", percent(event.peak_share)},
                                  {"boxes", std::to_string(event.most_boxes)},
                                  {"regions", regions(event)},
+                                 {"dwell", dwell_time(event)},
+                                 {"doings", doings(event)},
                                  {"started", event.started},
                                  {"ended", event.ended}});
 }
@@ -135,11 +167,20 @@ std::string colours() {
   return list;
 }
 
-Values headline(const PageData& data) {
+// While at least one event of motion is in progress. The events are in the order of their starts.
+microseconds time_moving(const PageData& data) {
   microseconds moving{0};
+  microseconds until{0};
   for (const PageEvent& shown : data.events) {
-    if (shown.event.kind == events::EventKind::kMotion) moving += shown.event.end - shown.event.start;
+    if (shown.event.kind != events::EventKind::kMotion) continue;
+    moving += std::max(shown.event.end, until) - std::max(shown.event.start, until);
+    until = std::max(until, shown.event.end);
   }
+  return moving;
+}
+
+Values headline(const PageData& data) {
+  const microseconds moving = time_moving(data);
   const double length = seconds(data.length);
   const double work = seconds(data.work);
   const std::string pictures = std::to_string(data.frame.width) + " × " + std::to_string(data.frame.height);

@@ -72,6 +72,7 @@ void ReportPage::ended(const events::Event& event) {
   }
   PageEvent shown{event, "", still.image.size()};
   if (data_.events.size() < kMostPictures && !still.image.empty()) {
+    draw_paths(still.image, event);
     draw_overlay(still.image, still.boxes, "");
     shown.picture = jpeg_bytes(still.image, kPictureCoarseness);
   }

@@ -25,6 +25,7 @@ Snapshots::Snapshots(const std::string& folder, const source::SourceInfo& source
 void Snapshots::ended(const events::Event& event) {
   Still still = best_.take(event);
   if (still.image.empty()) return;
+  draw_paths(still.image, event);
   draw_overlay(still.image, still.boxes, base::seconds_text(still.time) + " s");
   base::write_file(folder_ + "/" + event_stem(event) + ".jpg", jpeg_bytes(still.image, kSnapshotCoarseness));
 }

@@ -56,27 +56,41 @@ std::string curves(const PageData& data) {
                            curve(data.activity, events::EventKind::kMotion, data.length, highest)}});
 }
 
-std::string mark(const events::Event& event, std::size_t index, microseconds length) {
+constexpr std::size_t kMostRows = 6;
+
+std::string mark(const events::Event& event, std::size_t index, std::size_t row, microseconds length) {
   const double from = place(event.start, length);
   const std::string times = base::clock_text(event.start) + " to " + base::clock_text(event.end);
   return fill(
-      R"(<a href="#event-{{n}}" style="left:min({{from}}%,100% - 4px);width:{{width}}%" title="{{times}}" aria-label="Event {{n}}, {{kind}}, {{times}}"></a>)",
+      R"(<a href="#event-{{n}}" style="left:min({{from}}%,100% - 4px);width:{{width}}%;--row:{{row}}" title="{{times}}" aria-label="Event {{n}}, {{kind}}, {{times}}"></a>)",
       {{"n", std::to_string(index + 1)},
        {"from", number(from)},
        {"width", number(place(event.end, length) - from)},
+       {"row", std::to_string(row)},
        {"kind", kind_name(event.kind)},
        {"times", times}});
 }
 
+// Events at the same time are in different rows, as far as there are rows.
 std::string lane(const PageData& data, events::EventKind kind) {
   std::string marks;
+  std::vector<microseconds> ends;  // of the last event in each row
   for (std::size_t i = 0; i < data.events.size(); ++i) {
-    if (data.events[i].event.kind == kind) marks += mark(data.events[i].event, i, data.length);
+    const events::Event& event = data.events[i].event;
+    if (event.kind != kind) continue;
+    const auto row = std::ranges::find_if(ends, [&](microseconds end) { return end < event.start; });
+    std::size_t index = static_cast<std::size_t>(row - ends.begin());
+    if (row == ends.end() && ends.size() == kMostRows) --index;
+    if (index == ends.size()) ends.emplace_back();
+    ends[index] = event.end;
+    marks += mark(event, i, index, data.length);
   }
-  return fill("<span>{{title}}</span>\n<div class=\"lane {{kind}}\">{{{marks}}}</div>\n",
-              {{"title", kind == events::EventKind::kLight ? "Light" : "Motion"},
-               {"kind", kind_name(kind)},
-               {"marks", marks}});
+  return fill(
+      "<span>{{title}}</span>\n<div class=\"lane {{kind}}\" style=\"--rows:{{rows}}\">{{{marks}}}</div>\n",
+      {{"title", kind == events::EventKind::kLight ? "Light" : "Motion"},
+       {"kind", kind_name(kind)},
+       {"rows", std::to_string(std::max<std::size_t>(1, ends.size()))},
+       {"marks", marks}});
 }
 
 std::string axis(microseconds length) {

@@ -63,7 +63,7 @@ export class Picture {
     }
   }
 
-  #drawBox({ x, y, width: boxWidth, height: boxHeight }) {
+  #drawBox({ x, y, width: boxWidth, height: boxHeight, id }) {
     const { width, height } = this.#canvas;
     for (const [style, thickness] of [
       [colours.casing, 4.5],
@@ -73,6 +73,20 @@ export class Picture {
       this.#context.lineWidth = thickness * devicePixelRatio;
       this.#context.strokeRect(x * width, y * height, boxWidth * width, boxHeight * height);
     }
+    if (id) this.#drawId(id, x * width, y * height);
+  }
+
+  // Above the box's corner, or inside where there is no room above.
+  #drawId(id, x, y) {
+    const size = 13 * devicePixelRatio;
+    const base = y > 1.4 * size ? y - 0.4 * size : y + 1.2 * size;
+    this.#context.font = `600 ${size}px system-ui, sans-serif`;
+    this.#context.lineJoin = "round";
+    this.#context.lineWidth = 3 * devicePixelRatio;
+    this.#context.strokeStyle = colours.casing;
+    this.#context.strokeText(id, x, base);
+    this.#context.fillStyle = colours.box;
+    this.#context.fillText(id, x, base);
   }
 
   #drawGhost({ width: part, height: other }) {
