@@ -62,7 +62,7 @@ bool Engine::learn(kAMBLE& settings, const std::uint8_t* frame, const Shape& sha
   shape_ = shape;
   stride_ = stride == 0 ? shape.rowBytes() : stride;
   if (!added_.empty()) finishWatching();
-  if (next_) beginWatching(frame);
+  if (next_ || !forgotten_.empty()) beginWatching(frame);
   const std::int64_t before = settings.prevTimestamp;
   settings.estFrameRate();
   keepPace(settings, before);

@@ -36,6 +36,11 @@ struct Extras {
   double absorbSeconds = 0;      // life of still foreground; 0 stands for that of the settings
 };
 
+// A rectangle of a frame.
+struct Area {
+  std::int32_t x, y, width, height;
+};
+
 class Engine {
  public:
   // With the kernels for this processor, for `level` (simd/cpu_level.h), or with `kernels`. `redFirst`: the
@@ -60,7 +65,11 @@ class Engine {
 
   // From the next frame on other pixels are watched (seeding.cpp); after the first frame. Those that were not
   // before are learned from that frame as from a first one. `mask`: as for watchedBy.
-  void watch(Watched watched) { next_ = std::move(watched); }
+  void watch(Watched watched);
+
+  // Pixels of `area` that are learned from the next frame as from a first one, as far as they are watched:
+  // those where `mask` is not 0, all if it is null. After the first frame. Adds to what was asked before.
+  void relearn(const Area& area, const std::uint8_t* mask, std::size_t stride);
 
   bool isForeground(std::int32_t x, std::int32_t y) const;  // a pixel of the last frame, from the second on
 
@@ -92,8 +101,9 @@ class Engine {
   }
   std::size_t pixelsFrom(std::int32_t y) const;  // to the end of the frame, padding counted as pixels
 
+  void makeSplitRows();
   template <typename SeedRow>
-  void forEachSplitRow(const std::uint8_t* frame, const SeedRow& seedRow) const;
+  void forEachSplitRow(const std::uint8_t* frame, const SeedRow& seedRow);
   void seedBlock(const RowPlanes& row, const std::uint8_t* const (*rows)[maxChannels], std::size_t block,
                  std::uint32_t added) const;
   void seedBorder(const std::uint8_t* frame, std::int32_t y, const std::uint32_t* wanted) const;
@@ -112,6 +122,8 @@ class Engine {
   Border border_;
   Watched watched_;  // without bits: they are in the memory
   std::optional<Watched> next_;
+  std::vector<std::uint32_t> forgotten_;  // bits that are learned anew from the next frame
+  std::vector<std::uint8_t> splitRows_;   // only while a frame seeds
   std::vector<std::uint32_t> added_;  // bits that are watched from the next frame on, which was their first
   Erosion erosion_;
   RunLabeller runs_, wholeRuns_;

@@ -1,5 +1,5 @@
 // Seeding samples from a frame: of all watched pixels with the first one, later of those that are watched
-// from then on.
+// from then on or learned anew.
 #include <algorithm>
 #include <bit>
 #include <cstring>
@@ -10,6 +10,7 @@ namespace lm::compact {
 namespace {
 
 constexpr std::uint32_t wholeBlock = ~std::uint32_t{0};
+constexpr std::size_t splitMargin = blockPixels;  // of a split row, at both ends
 
 bool contains(const BlockRange& range, std::size_t block) {
   return block >= range.begin && block < range.end;
@@ -22,14 +23,18 @@ void copyWhere(std::uint32_t bits, const std::uint8_t* from, std::uint8_t* to) {
 
 }  // namespace
 
-// Calls seedRow(y, rows) for every row; rows[dy + 2][channel] are the channels of the rows around it. Throws
-// std::bad_alloc before the first call.
+void Engine::makeSplitRows() {
+  splitRows_.assign(5 * shape_.planes() * (memory_.stride() + 2 * splitMargin), 0);
+}
+
+// Calls seedRow(y, rows) for every row; rows[dy + 2][channel] are the channels of the rows around it. After
+// makeSplitRows(), whose memory it releases.
 template <typename SeedRow>
-void Engine::forEachSplitRow(const std::uint8_t* frame, const SeedRow& seedRow) const {
-  constexpr std::size_t margin = blockPixels;
+void Engine::forEachSplitRow(const std::uint8_t* frame, const SeedRow& seedRow) {
+  constexpr std::size_t margin = splitMargin;
   const std::size_t planes = shape_.planes();
   const std::size_t length = memory_.stride() + 2 * margin;
-  std::vector<std::uint8_t> ring(5 * planes * length, 0);
+  std::vector<std::uint8_t> ring = std::move(splitRows_);
   const auto splitAt = [&](std::int32_t y, std::size_t channel) {
     return ring.data() + (static_cast<std::size_t>(y + 5) % 5 * planes + channel) * length + margin;
   };
@@ -69,6 +74,7 @@ void Engine::seedBorder(const std::uint8_t* frame, std::int32_t y, const std::ui
 }
 
 void Engine::seed(const std::uint8_t* frame) {
+  makeSplitRows();
   const std::size_t planes = shape_.planes();
   forEachSplitRow(frame, [&](std::int32_t y, const std::uint8_t* const(*rows)[maxChannels]) {
     const RowPlanes row = memory_.row(y);
@@ -115,36 +121,62 @@ void Engine::seedBlock(const RowPlanes& row, const std::uint8_t* const (*rows)[m
   }
 }
 
-// In the frame that seeds them, added pixels are not learned: only what was watched before and still is.
+void Engine::watch(Watched watched) {
+  makeSplitRows();
+  next_ = std::move(watched);
+}
+
+void Engine::relearn(const Area& area, const std::uint8_t* mask, std::size_t stride) {
+  makeSplitRows();
+  const std::size_t blocks = shape_.blocks();
+  if (forgotten_.empty()) forgotten_.resize(blocks * static_cast<std::size_t>(shape_.height));
+  const auto left = static_cast<std::size_t>(area.x);
+  for (std::int32_t y = 0; y < area.height; ++y) {
+    std::uint32_t* bits = forgotten_.data() + static_cast<std::size_t>(area.y + y) * blocks;
+    const std::uint8_t* chosen = mask == nullptr ? nullptr : mask + static_cast<std::size_t>(y) * stride;
+    for (std::size_t x = 0; x < static_cast<std::size_t>(area.width); ++x) {
+      if (chosen != nullptr && chosen[x] == 0) continue;
+      bits[(left + x) / blockPixels] |= 1U << ((left + x) % blockPixels);
+    }
+  }
+}
+
+// In the frame that seeds them, added pixels are not learned: only what was watched before, still is and was
+// not forgotten.
 void Engine::beginWatching(const std::uint8_t* frame) {
   const std::size_t planes = shape_.planes();
+  const std::size_t blocks = shape_.blocks();
+  std::vector<std::uint32_t>& added = next_ ? next_->bits : forgotten_;
+  const std::vector<BlockRange>& takenFrom = next_ ? next_->taken : watched_.taken;
   std::int64_t kept = 0;
   forEachSplitRow(frame, [&](std::int32_t y, const std::uint8_t* const(*rows)[maxChannels]) {
     const RowPlanes row = memory_.row(y);
     std::uint32_t* region = memory_.region(y);
-    std::uint32_t* added = next_->bits.data() + static_cast<std::size_t>(y) * shape_.blocks();
-    const BlockRange taken = next_->taken[static_cast<std::size_t>(y)];
+    const std::size_t first = static_cast<std::size_t>(y) * blocks;
+    const BlockRange taken = takenFrom[static_cast<std::size_t>(y)];
     const BlockRange takenBefore = watched_.taken[static_cast<std::size_t>(y)];
-    for (std::size_t block = 0; block < shape_.blocks(); ++block) {
-      const std::uint32_t wanted = added[block];
-      added[block] = wanted & ~region[block];
-      region[block] &= wanted;
+    for (std::size_t block = 0; block < blocks; ++block) {
+      const std::uint32_t wanted = next_ ? next_->bits[first + block] : region[block];
+      const std::uint32_t known = region[block] & ~(forgotten_.empty() ? 0 : forgotten_[first + block]);
+      const std::uint32_t seeded = added[first + block] = wanted & ~known;
+      region[block] = wanted & known;
       row.foreground[block] &= region[block];
       kept += std::popcount(region[block]);
       if (!contains(taken, block)) continue;
-      const std::uint32_t unknown = contains(takenBefore, block) ? added[block] : wholeBlock;
+      const std::uint32_t unknown = contains(takenBefore, block) ? seeded : wholeBlock;
       const std::size_t at = block * blockPixels;
       for (std::size_t channel = 0; channel < planes; ++channel) {
         copyWhere(unknown, rows[2][channel] + at, row.background[channel] + at);
       }
-      if (added[block] != 0) seedBlock(row, rows, block, added[block]);
+      if (seeded != 0) seedBlock(row, rows, block, seeded);
     }
-    seedBorder(frame, y, added);
+    seedBorder(frame, y, added.data() + first);
   });
-  added_ = std::move(next_->bits);
-  watched_ = std::move(*next_);
+  added_ = std::move(added);
+  if (next_) watched_ = std::move(*next_);
   watched_.pixels = kept;
   next_.reset();
+  forgotten_ = {};
 }
 
 void Engine::finishWatching() {

@@ -100,6 +100,10 @@ void lightmotion_detector::change(Json::Value document, lm::HandleConfiguration 
   engine_->setExtras(extrasOf(configuration_));
 }
 
+void lightmotion_detector::relearn(const compact::Area& area, const std::uint8_t* mask, std::size_t stride) {
+  if (engine_->started()) engine_->relearn(area, mask, stride);
+}
+
 void lightmotion_detector::forgetResults() noexcept {
   objects_.clear();
   boxes_.clear();

@@ -25,6 +25,7 @@ struct lightmotion_detector {
   const lm::HandleConfiguration& configuration() const { return configuration_; }
   void change(Json::Value document, lm::HandleConfiguration configuration);
   void reset() noexcept;
+  void relearn(const lm::compact::Area& area, const std::uint8_t* mask, std::size_t stride);
   // After a frame that failed: no results; one that failed as the first has not been.
   void lost() noexcept;
 

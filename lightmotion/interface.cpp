@@ -250,6 +250,19 @@ int lightmotion_reset(lightmotion_detector* detector) {
   return LIGHTMOTION_OK;
 }
 
+int lightmotion_relearn(lightmotion_detector* detector, int32_t x, int32_t y, int32_t width, int32_t height,
+                        const void* mask, size_t stride) {
+  if (detector == nullptr || x < 0 || y < 0 || width < 1 || height < 1) return LIGHTMOTION_ERROR_ARGUMENT;
+  const lm::FrameSize& frame = detector->configuration().frame;
+  if (width > frame.frmW - x || height > frame.frmH - y) return LIGHTMOTION_ERROR_ARGUMENT;
+  const std::size_t bytes = strideOf(stride, static_cast<std::size_t>(width), height);
+  if (bytes == 0) return LIGHTMOTION_ERROR_ARGUMENT;
+  return guarded([&]() -> int {
+    detector->relearn({x, y, width, height}, static_cast<const std::uint8_t*>(mask), bytes);
+    return LIGHTMOTION_OK;
+  });
+}
+
 // ---- frames -----------------------------------------------------------------------------------------------
 
 int lightmotion_process(lightmotion_detector* detector, const void* pixels, size_t stride,

@@ -163,6 +163,21 @@ int lightmotion_change(lightmotion_detector* detector, const char* changes, char
  */
 int lightmotion_reset(lightmotion_detector* detector);
 
+/*
+ * Learns a part of the frame anew: its pixels are learned from the next frame as from a first one, so that
+ * they are no foreground in it; all others keep what was learned. For what is known to be no object, such as
+ * the place that a parked car has left.
+ *
+ * The part: a rectangle that lies within the frame, and of it the pixels where `mask` is not 0; null is the
+ * whole rectangle. `mask`: height rows of width bytes, `stride` bytes from the start of a row to the start of
+ * the next, 0 for rows without padding; what lightmotion_foreground has copied can be passed, from the byte
+ * of (x, y) on. Pixels that are not watched stay so. Parts of several calls add up until the next frame.
+ * Before the first frame there is nothing to forget, and the call has no effect. Results of the last frame
+ * stay valid. Returns LIGHTMOTION_OK, LIGHTMOTION_ERROR_ARGUMENT or LIGHTMOTION_ERROR_MEMORY.
+ */
+int lightmotion_relearn(lightmotion_detector* detector, int32_t x, int32_t y, int32_t width, int32_t height,
+                        const void* mask, size_t stride);
+
 /* ---- frames -------------------------------------------------------------------------------------------- */
 
 /*

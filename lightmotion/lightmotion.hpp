@@ -97,6 +97,12 @@ class Detector {
 
   void reset() { checked(lightmotion_reset(get())); }
 
+  // lightmotion_relearn
+  void relearn(std::int32_t x, std::int32_t y, std::int32_t width, std::int32_t height,
+               const void* mask = nullptr, std::size_t stride = 0) {
+    checked(lightmotion_relearn(get(), x, y, width, height, mask, stride));
+  }
+
   // Rows without padding: width bytes, or width x bytes per pixel.
   std::vector<std::uint8_t> foreground() const { return picture(1, lightmotion_foreground); }
   std::vector<std::uint8_t> background() const {

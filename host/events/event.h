@@ -8,6 +8,8 @@
 #include <string>
 #include <vector>
 
+#include "host/events/box.h"
+
 namespace lm::host::events {
 
 using WallTime = std::chrono::system_clock::time_point;
@@ -23,16 +25,10 @@ struct LightChange {
 struct Observation {
   std::int64_t frame = 0;             // its number; the first is 0
   std::chrono::microseconds time{0};  // since the first frame
-  std::vector<cv::Rect2d> boxes;      // fractions of the frame, in the plug-in's order
+  Boxes boxes;                        // in the detector's order
   double brightness = 0;              // mean of the picture's grey values, 0 to 255
-  std::vector<bool> by_light;         // for each box: caused by a lighting change, not by motion
   std::optional<LightChange> light;   // the latest lighting change, while its boxes last
   std::optional<WallTime> wall;       // arrival time, for live sources
-};
-
-enum class EventKind {
-  kMotion,
-  kLight,  // a lighting change
 };
 
 // Times are the source's. While an event is in progress, its end is the last frame that belongs to it.

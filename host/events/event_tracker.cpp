@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 
 #include "host/events/event_json.h"
 #include "host/events/why.h"
@@ -10,18 +11,8 @@ namespace lm::host::events {
 namespace {
 
 using std::chrono::microseconds;
-using Boxes = std::vector<cv::Rect2d>;
 
 microseconds of_seconds(double seconds) { return microseconds(std::llround(seconds * 1e6)); }
-
-Boxes boxes_of_kind(const Observation& seen, EventKind kind) {
-  Boxes boxes;
-  for (std::size_t i = 0; i < seen.boxes.size(); ++i) {
-    const bool light = i < seen.by_light.size() && seen.by_light[i];
-    if (light == (kind == EventKind::kLight)) boxes.push_back(seen.boxes[i]);
-  }
-  return boxes;
-}
 
 // "20261121T153012.345Z": without characters that are special in file names.
 std::string compact_utc(WallTime time) {
@@ -39,39 +30,12 @@ std::string event_id(const Event& event, std::int64_t number) {
 
 }  // namespace
 
-double share_under(const Boxes& boxes) {
-  const cv::Rect2d frame(0, 0, 1, 1);
-  std::vector<double> edges;
-  std::vector<cv::Rect2d> inside;
-  for (const cv::Rect2d& box : boxes) {
-    const cv::Rect2d part = box & frame;
-    if (part.empty()) continue;
-    inside.push_back(part);
-    edges.insert(edges.end(), {part.x, part.x + part.width});
-  }
-  std::sort(edges.begin(), edges.end());
-  std::sort(inside.begin(), inside.end(), [](const auto& a, const auto& b) { return a.y < b.y; });
-  double area = 0;
-  for (std::size_t i = 1; i < edges.size(); ++i) {  // between two edges nothing begins or ends
-    const double middle = (edges[i - 1] + edges[i]) / 2;
-    double covered = 0;
-    double bottom = 0;
-    for (const cv::Rect2d& box : inside) {
-      if (middle < box.x || middle > box.x + box.width) continue;
-      covered += std::max(0.0, box.y + box.height - std::max(bottom, box.y));
-      bottom = std::max(bottom, box.y + box.height);
-    }
-    area += covered * (edges[i] - edges[i - 1]);
-  }
-  return area;
-}
-
-EventTracker::EventTracker(const EventRules& rules, Touch touch)
+EventTracker::EventTracker(const EventRules& rules, std::vector<std::string> regions)
     : min_event_(of_seconds(rules.min_event)),
       gap_(of_seconds(rules.gap)),
       pre_(of_seconds(rules.pre)),
       post_(of_seconds(rules.post)),
-      touch_(std::move(touch)) {}
+      regions_(std::move(regions)) {}
 
 template <typename Call>
 void EventTracker::notify(Call call) {
@@ -80,9 +44,9 @@ void EventTracker::notify(Call call) {
 
 void EventTracker::observe(const source::Frame& frame, const Observation& seen) {
   notify([&](EventListener& listener) { listener.frame(frame, seen); });
-  const bool hidden = std::find(seen.by_light.begin(), seen.by_light.end(), true) != seen.by_light.end();
+  const bool hidden = std::ranges::find(seen.boxes, true, &Box::by_light) != seen.boxes.end();
   for (Track& track : tracks_) {
-    advance(track, seen, boxes_of_kind(seen, track.kind), hidden && track.kind == EventKind::kMotion);
+    advance(track, seen, boxes_of_kind(seen.boxes, track.kind), hidden && track.kind == EventKind::kMotion);
   }
   last_time_ = seen.time;
 }
@@ -140,12 +104,25 @@ void EventTracker::extend(Event& event, const Observation& seen, const Boxes& bo
     event.peak_frame = seen.frame;
     event.peak_share = share;
   }
-  for (const cv::Rect2d& whole : boxes) {
-    const cv::Rect2d box = whole & cv::Rect2d(0, 0, 1, 1);
-    event.envelope = event.envelope.empty() ? box : event.envelope | box;
-    if (box.area() > event.largest.area()) event.largest = box;
-    if (touch_) touch_(box, event.regions);
+  for (const Box& box : boxes) {
+    const cv::Rect2d area = box.area & cv::Rect2d(0, 0, 1, 1);
+    event.envelope = event.envelope.empty() ? area : event.envelope | area;
+    if (area.area() > event.largest.area()) event.largest = area;
   }
+  add_regions(event, boxes);
+}
+
+// In the document's order.
+void EventTracker::add_regions(Event& event, const Boxes& boxes) const {
+  std::vector<std::string> all;
+  const auto touched = [&](const std::string& name) {
+    const auto holds = [&](const std::vector<std::string>& names) {
+      return std::ranges::find(names, name) != names.end();
+    };
+    return holds(event.regions) || std::ranges::any_of(boxes, holds, &Box::regions);
+  };
+  std::ranges::copy_if(regions_, std::back_inserter(all), touched);
+  event.regions = std::move(all);
 }
 
 void EventTracker::close(Track& track, const std::string& why) {

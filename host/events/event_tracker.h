@@ -3,9 +3,9 @@
 
 #include <array>
 #include <cstdint>
-#include <functional>
 #include <memory>
 #include <optional>
+#include <string>
 #include <vector>
 
 #include "host/events/event_options.h"
@@ -18,10 +18,8 @@ namespace lm::host::events {
 // duration does not count as quiet time of a motion event.
 class EventTracker {
  public:
-  // Adds the names of the regions that the box touches to a list in the document's order.
-  using Touch = std::function<void(const cv::Rect2d& box, std::vector<std::string>& names)>;
-
-  explicit EventTracker(const EventRules& rules, Touch touch = {});
+  // `regions`: the names of the regions of interest in the document's order.
+  explicit EventTracker(const EventRules& rules, std::vector<std::string> regions = {});
 
   // Listeners are called in the order in which they were added.
   void add(std::unique_ptr<EventListener> listener) { listeners_.push_back(std::move(listener)); }
@@ -48,22 +46,20 @@ class EventTracker {
     bool counts = false;
     std::optional<std::chrono::microseconds> last_end{};  // of the previous event
   };
-  void advance(Track& track, const Observation& seen, std::vector<cv::Rect2d> boxes, bool hidden);
-  void open(Track& track, const Observation& seen, const std::vector<cv::Rect2d>& boxes);
-  void extend(Event& event, const Observation& seen, const std::vector<cv::Rect2d>& boxes) const;
+  void advance(Track& track, const Observation& seen, Boxes boxes, bool hidden);
+  void open(Track& track, const Observation& seen, const Boxes& boxes);
+  void extend(Event& event, const Observation& seen, const Boxes& boxes) const;
+  void add_regions(Event& event, const Boxes& boxes) const;
   void close(Track& track, const std::string& why);
   template <typename Call>
   void notify(Call call);
 
   std::chrono::microseconds min_event_, gap_, pre_, post_;
-  Touch touch_;
+  std::vector<std::string> regions_;
   std::vector<std::unique_ptr<EventListener>> listeners_;
   std::array<Track, 2> tracks_{Track{.kind = EventKind::kMotion}, Track{.kind = EventKind::kLight}};
   std::optional<std::chrono::microseconds> last_time_;
   std::int64_t events_ = 0;
 };
-
-// The share of the frame under boxes, 0 to 1. Boxes may overlap and extend beyond the frame.
-double share_under(const std::vector<cv::Rect2d>& boxes);
 
 }  // namespace lm::host::events

@@ -5,16 +5,15 @@
 namespace lm::host::events {
 
 EventWatch::EventWatch(const RunContext& context)
+    : EventWatch(context, detector::Regions(context.document)) {}
+
+EventWatch::EventWatch(const RunContext& context, const detector::Regions& regions)
     : source_(context.source),
       gap_(std::llround(context.options.rules.gap * 1e6)),
-      regions_(context.document),
-      light_(regions_),
-      tracker_(context.options.rules, [this](const cv::Rect2d& box, std::vector<std::string>& names) {
-        regions_.touched(box, names);
-      }) {}
+      light_(regions),
+      tracker_(context.options.rules, regions.names()) {}
 
-void EventWatch::frame(const source::Frame& frame, std::int64_t number,
-                       const std::vector<cv::Rect2d>& boxes) {
+void EventWatch::frame(const source::Frame& frame, std::int64_t number, Boxes boxes) {
   if (frame.anew || (!frame.note.empty() && frame.time - last_ > gap_)) {
     light_.forget();
     tracker_.interrupt("The source was interrupted: " + frame.note + ".");
@@ -23,7 +22,7 @@ void EventWatch::frame(const source::Frame& frame, std::int64_t number,
   Observation seen;
   seen.frame = number;
   seen.time = frame.time;
-  seen.boxes = boxes;
+  seen.boxes = std::move(boxes);
   if (source_.start) seen.wall = *source_.start + frame.time;
   light_.look(frame.image, seen);
   tracker_.observe(frame, seen);

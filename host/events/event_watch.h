@@ -7,10 +7,10 @@
 #include <utility>
 #include <vector>
 
+#include "host/detector/regions.h"
 #include "host/events/event_tracker.h"
 #include "host/events/light.h"
 #include "host/events/listener.h"
-#include "host/events/regions.h"
 #include "host/events/run_context.h"
 
 namespace lm::host::events {
@@ -23,8 +23,8 @@ class EventWatch {
   // Adds a listener, before the first frame.
   void add(std::unique_ptr<EventListener> listener) { tracker_.add(std::move(listener)); }
 
-  // The next frame, as read from the source, with the boxes that the plug-in found.
-  void frame(const source::Frame& frame, std::int64_t number, const std::vector<cv::Rect2d>& boxes);
+  // The next frame, as read from the source, with the boxes that the detector found.
+  void frame(const source::Frame& frame, std::int64_t number, Boxes boxes);
 
   // Ends all events. `why`: a sentence.
   void interrupt(const std::string& why) { tracker_.interrupt(why); }
@@ -35,9 +35,10 @@ class EventWatch {
   std::int64_t events() const { return tracker_.events(); }
 
  private:
+  EventWatch(const RunContext& context, const detector::Regions& regions);
+
   const source::SourceInfo& source_;
   const std::chrono::microseconds gap_;
-  Regions regions_;
   LightWatch light_;
   EventTracker tracker_;
   std::chrono::microseconds last_{0};

@@ -1,5 +1,6 @@
 #include "host/events/explain.h"
 
+#include <algorithm>
 #include <cmath>
 
 #include "host/base/json_text.h"
@@ -46,8 +47,7 @@ Explainer::Explainer(const RunContext& context, std::FILE* out)
     : span_(parse_span(context.options.explain).value_or(TimeSpan{})),
       rules_(context.options.rules),
       document_(context.document),
-      regions_(context.document),
-      hidden_(regions_),
+      hidden_(detector::Regions(context.document)),
       out_(out) {}
 
 void Explainer::frame(const source::Frame& frame, const Observation& seen) {
@@ -60,17 +60,16 @@ void Explainer::frame(const source::Frame& frame, const Observation& seen) {
   } else {
     frames_ += frame_line(seen);
   }
-  for (const bool light : seen.by_light) boxes_by_light_ += light ? 1 : 0;
+  boxes_by_light_ += static_cast<int>(std::ranges::count(seen.boxes, true, &Box::by_light));
 }
 
 std::string Explainer::frame_line(const Observation& seen) const {
   std::string text = "  " + base::seconds_text(seen.time) + " s, frame " + std::to_string(seen.frame) + ":";
-  for (std::size_t i = 0; i < seen.boxes.size(); ++i) {
-    std::vector<std::string> names;
-    regions_.touched(seen.boxes[i], names);
-    text += (i == 0 ? " " : "; ") + box_text(seen.boxes[i]);
-    for (const std::string& name : names) text += (&name == &names.front() ? " in " : ", ") + name;
-    if (i < seen.by_light.size() && seen.by_light[i]) text += " (light)";
+  for (const Box& box : seen.boxes) {
+    text += (&box == &seen.boxes.front() ? " " : "; ") + box_text(box.area);
+    for (const std::string& name : box.regions)
+      text += (&name == &box.regions.front() ? " in " : ", ") + name;
+    if (box.by_light) text += " (light)";
   }
   return text + "\n";
 }

@@ -7,7 +7,6 @@
 #include "host/events/event_options.h"
 #include "host/events/hidden_change.h"
 #include "host/events/listener.h"
-#include "host/events/regions.h"
 #include "host/events/run_context.h"
 
 namespace lm::host::events {
@@ -30,7 +29,6 @@ class Explainer : public EventListener {
   TimeSpan span_;
   EventRules rules_;
   std::string document_;
-  Regions regions_;
   HiddenChange hidden_;
   std::FILE* out_;
   std::string frames_;  // lines

@@ -23,13 +23,13 @@ cv::Mat mask_of(Inside inside) {
 
 }  // namespace
 
-HiddenChange::HiddenChange(const Regions& regions) {
-  for (const Region& region : regions.excluded()) {
+HiddenChange::HiddenChange(const detector::Regions& regions) {
+  for (const detector::Region& region : regions.excluded()) {
     const cv::Mat mask = mask_of([&](cv::Point2d point) { return region.contains(point); });
     places_.push_back({"the exclusion region \"" + region.name + "\"", mask, 0});
   }
   const cv::Mat outside = mask_of([&](cv::Point2d point) {
-    for (const Region& region : regions.included()) {
+    for (const detector::Region& region : regions.included()) {
       if (region.contains(point)) return false;
     }
     return true;

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "host/events/regions.h"
+#include "host/detector/regions.h"
 
 namespace lm::host::events {
 
@@ -19,7 +19,7 @@ struct HiddenPlace {
 // Compares samples of each picture with those of the previous one.
 class HiddenChange {
  public:
-  explicit HiddenChange(const Regions& regions);
+  explicit HiddenChange(const detector::Regions& regions);
 
   // `counts`: whether to count changes, or only to store the picture.
   void look(const cv::Mat& image, bool counts);

@@ -4,7 +4,7 @@
 #include <cmath>
 #include <opencv2/imgproc.hpp>
 
-#include "host/events/event_tracker.h"
+#include "host/events/box.h"
 
 namespace lm::host::events {
 namespace {
@@ -74,7 +74,7 @@ double area_over(const Cells& cells, const cv::Rect2d& box) {
 
 }  // namespace
 
-LightWatch::LightWatch(const Regions& regions) {
+LightWatch::LightWatch(const detector::Regions& regions) {
   for (std::size_t i = 0; i < kCells; ++i) {
     const int number = static_cast<int>(i);
     const int row = number / kAcross;
@@ -137,14 +137,9 @@ bool LightWatch::made_by_light(const cv::Rect2d& box) const {
 
 void LightWatch::judge(Observation& seen) {
   if (lit_.none()) return;
-  std::vector<cv::Rect2d> over;
-  seen.by_light.resize(seen.boxes.size());
-  for (std::size_t i = 0; i < seen.boxes.size(); ++i) {
-    seen.by_light[i] = made_by_light(seen.boxes[i]);
-    if (seen.by_light[i]) over.push_back(seen.boxes[i]);
-  }
-  if (share_under(over) < kLeastUnderBoxes) {
-    seen.by_light.clear();
+  for (Box& box : seen.boxes) box.by_light = made_by_light(box.area);
+  if (share_under(boxes_of_kind(seen.boxes, EventKind::kLight)) < kLeastUnderBoxes) {
+    for (Box& box : seen.boxes) box.by_light = false;
   } else {
     seen.light = change_;
   }

@@ -14,14 +14,14 @@
 #include <optional>
 #include <vector>
 
+#include "host/detector/regions.h"
 #include "host/events/event.h"
-#include "host/events/regions.h"
 
 namespace lm::host::events {
 
 class LightWatch {
  public:
-  explicit LightWatch(const Regions& regions);
+  explicit LightWatch(const detector::Regions& regions);
 
   // Fills in the brightness, the lighting change and which boxes it caused.
   void look(const cv::Mat& image, Observation& seen);

@@ -18,7 +18,7 @@ Annotator::Annotator(const std::string& file, const source::SourceInfo& source)
     : pending_(file),
       video_(pending_.path(), video_format(file), {source.size, source.pixel_aspect, source.rate}, file) {}
 
-void Annotator::write(source::Frame& frame, const std::vector<cv::Rect2d>& boxes) {
+void Annotator::write(source::Frame& frame, const events::Boxes& boxes) {
   draw_overlay(frame.image, boxes, caption(frame.time, boxes.size()));
   video_.write(frame.image, frame.time);
 }

@@ -18,7 +18,7 @@ class Annotator {
   Annotator(const std::string& file, const source::SourceInfo& source);
 
   // Draws into the frame's own image.
-  void write(source::Frame& frame, const std::vector<cv::Rect2d>& boxes);
+  void write(source::Frame& frame, const events::Boxes& boxes);
   void finish();  // flushes everything
   void commit();  // gives the file its name
 

@@ -61,9 +61,9 @@ cv::Rect pixels_of(const cv::Rect2d& box, cv::Size frame) {
 
 int line_width(cv::Size frame) { return std::max(1, (std::min(frame.width, frame.height) + 150) / 300); }
 
-void draw_overlay(cv::Mat& image, const std::vector<cv::Rect2d>& boxes, const std::string& caption) {
-  for (const cv::Rect2d& box : boxes) {
-    const cv::Rect pixels = pixels_of(box, image.size());
+void draw_overlay(cv::Mat& image, const events::Boxes& boxes, const std::string& caption) {
+  for (const events::Box& box : boxes) {
+    const cv::Rect pixels = pixels_of(box.area, image.size());
     if (!pixels.empty()) draw_box(image, pixels, line_width(image.size()));
   }
   if (!caption.empty()) draw_caption(image, caption);

@@ -3,7 +3,8 @@
 
 #include <opencv2/core.hpp>
 #include <string>
-#include <vector>
+
+#include "host/events/box.h"
 
 namespace lm::host::outputs {
 
@@ -15,6 +16,6 @@ int line_width(cv::Size frame);
 
 // Draws the boxes and, in the upper left corner, the caption if not empty. The text size depends on the frame
 // size; frames too small for legible text get no caption.
-void draw_overlay(cv::Mat& image, const std::vector<cv::Rect2d>& boxes, const std::string& caption);
+void draw_overlay(cv::Mat& image, const events::Boxes& boxes, const std::string& caption);
 
 }  // namespace lm::host::outputs

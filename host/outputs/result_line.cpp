@@ -30,14 +30,14 @@ Json::Value line_of_frame(std::int64_t frame, std::chrono::microseconds time) {
 
 }  // namespace
 
-std::string result_line(std::int64_t frame, std::chrono::microseconds time,
-                        const std::vector<ReportedBox>& boxes, const std::string& timestamp) {
+std::string result_line(std::int64_t frame, std::chrono::microseconds time, const events::Boxes& boxes,
+                        const std::string& timestamp) {
   Json::Value line = line_of_frame(frame, time);
-  for (const ReportedBox& reported : boxes) {
-    Json::Value box = events::box_value(reported.box);
-    box["regions"] = Json::arrayValue;
-    for (const std::string& name : reported.regions) box["regions"].append(name);
-    line["boxes"].append(std::move(box));
+  for (const events::Box& box : boxes) {
+    Json::Value value = events::box_value(box.area);
+    value["regions"] = Json::arrayValue;
+    for (const std::string& name : box.regions) value["regions"].append(name);
+    line["boxes"].append(std::move(value));
   }
   line["timestamp"] = timestamp;
   return base::json_text(line);
@@ -49,12 +49,12 @@ std::string note_line(const std::string& note, std::int64_t frame, std::chrono::
   return base::json_text(line);
 }
 
-std::vector<cv::Rect2d> boxes_of(const std::string& document) {
-  std::vector<cv::Rect2d> boxes;
+events::Boxes boxes_of(const std::string& document) {
+  events::Boxes boxes;
   const Json::Value root = base::parse_json(document);
   if (!root.isObject()) return boxes;
   for (const Json::Value& object : root["object"]) {
-    if (const std::optional<cv::Rect2d> box = box_of(object)) boxes.push_back(*box);
+    if (const std::optional<cv::Rect2d> box = box_of(object)) boxes.push_back({*box});
   }
   return boxes;
 }

@@ -3,27 +3,22 @@
 
 #include <chrono>
 #include <cstdint>
-#include <opencv2/core.hpp>
 #include <string>
-#include <vector>
+
+#include "host/events/box.h"
 
 namespace lm::host::outputs {
 
-struct ReportedBox {
-  cv::Rect2d box{};                    // in fractions of the frame, clipped to it
-  std::vector<std::string> regions{};  // names of the regions touched
-};
-
 // The result line of a frame with boxes, without a line feed. `timestamp`: as passed to the plug-in.
-std::string result_line(std::int64_t frame, std::chrono::microseconds time,
-                        const std::vector<ReportedBox>& boxes, const std::string& timestamp);
+std::string result_line(std::int64_t frame, std::chrono::microseconds time, const events::Boxes& boxes,
+                        const std::string& timestamp);
 
 // A line about an event in the source before this frame.
 std::string note_line(const std::string& note, std::int64_t frame, std::chrono::microseconds time);
 
-// The boxes of the plug-in's document, in its order, in fractions of the frame and clipped to it: the
+// The boxes of the plug-in's document, in its order and clipped to the frame, without regions: the
 // plug-in's own extend beyond the right and bottom border. Empty for an empty text and for one without boxes.
 // Skips entries that are not objects with four numbers, and boxes outside the frame.
-std::vector<cv::Rect2d> boxes_of(const std::string& document);
+events::Boxes boxes_of(const std::string& document);
 
 }  // namespace lm::host::outputs

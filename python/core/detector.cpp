@@ -303,6 +303,38 @@ PyObject* background(PyObject* object, PyObject* out) {
   return copied(object, out, false, lightmotion_background);
 }
 
+bool isWithin(const PlaneShape& frame, int x, int y, int width, int height) {
+  if (x >= 0 && y >= 0 && width >= 1 && height >= 1 && width <= frame.width - x && height <= frame.height - y)
+    return true;
+  PyErr_Format(PyExc_ValueError, "%d x %d pixels at (%d, %d) do not lie within the frame of %d x %d", width,
+               height, x, y, static_cast<int>(frame.width), static_cast<int>(frame.height));
+  return false;
+}
+
+PyDoc_STRVAR(relearnDoc,
+             "_relearn($self, x, y, width, height, mask, /)\n--\n\nLearns a part of the frame anew.");
+PyObject* relearn(PyObject* object, PyObject* arguments) {
+  int x = 0;
+  int y = 0;
+  int width = 0;
+  int height = 0;
+  PyObject* mask = nullptr;
+  if (PyArg_ParseTuple(arguments, "iiiiO", &x, &y, &width, &height, &mask) == 0) return nullptr;
+  Detector& self = of(object);
+  Buffer buffer;
+  if (mask != Py_None && !takeBuffer(buffer, mask, planeBuffer, "mask")) return nullptr;
+  const Turn turn(self.lock);
+  if (!turn || !isOpen(self) || !isWithin(self.frame, x, y, width, height)) return nullptr;
+  Plane plane;
+  if (mask != Py_None && !planeOf(buffer.view(), {"mask", "grey", width, height, 1}, 0, plane))
+    return nullptr;
+  int outcome = 0;
+  Py_BEGIN_ALLOW_THREADS outcome =
+      lightmotion_relearn(self.handle, x, y, width, height, plane.pixels, plane.stride);
+  Py_END_ALLOW_THREADS if (outcome < 0) return raise(outcome);
+  Py_RETURN_NONE;
+}
+
 // ---- what is known ----------------------------------------------------------------------------------------
 
 PyObject* getInfo(PyObject* object, void* /*closure*/) {
@@ -329,6 +361,7 @@ PyMethodDef methods[] = {{"_create", create, METH_VARARGS, createDoc},
                          {"_background", background, METH_O, backgroundDoc},
                          {"close", close, METH_NOARGS, closeDoc},
                          {"reset", reset, METH_NOARGS, resetDoc},
+                         {"_relearn", relearn, METH_VARARGS, relearnDoc},
                          {"json", json, METH_NOARGS, jsonDoc},
                          {nullptr, nullptr, 0, nullptr}};
 

@@ -116,6 +116,15 @@ class Detector(_core.Detector):
         else:
             _warn(self._change(_json_of({**(changes or {}), **settings})))
 
+    def relearn(self, x: int, y: int, width: int, height: int, mask: Frame | None = None) -> None:
+        """Learns a part of the frame anew, from the next frame on: the place that a parked car has left, for example.
+
+        The pixels of the rectangle are learned from the next frame as from a first one; all others keep what was
+        learned. ``mask``: an array with the shape (height, width), such as a part of foreground(); only pixels where
+        it is not 0 are learned anew. Raises ValueError for a rectangle that does not lie within the frame.
+        """
+        self._relearn(x, y, width, height, mask)
+
     @overload
     def foreground(self, out: None = None) -> Picture: ...
     @overload

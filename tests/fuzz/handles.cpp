@@ -94,6 +94,27 @@ class Pair {
                   "an undocumented outcome");
   }
 
+  // Any rectangle, of which some do not lie within the frame.
+  void relearn(Choices& choices) {
+    const int x = choices.between(-2, width_);
+    const int y = choices.between(-2, height_);
+    const int width = choices.between(0, width_ + 1);
+    const int height = choices.between(0, height_ + 1);
+    const bool inside =
+        x >= 0 && y >= 0 && width > 0 && height > 0 && x + width <= width_ && y + height <= height_;
+    std::vector<std::uint8_t> mask;
+    if (inside && choices.flag()) {
+      mask.resize(static_cast<std::size_t>(width) * static_cast<std::size_t>(height));
+      for (std::uint8_t& byte : mask) byte = choices.byte() % 3;
+    }
+    for (auto& detector : pair_) {
+      const int outcome =
+          lightmotion_relearn(detector.get(), x, y, width, height, mask.empty() ? nullptr : mask.data(), 0);
+      fuzz::require(outcome == (inside ? LIGHTMOTION_OK : LIGHTMOTION_ERROR_ARGUMENT),
+                    "an undocumented outcome");
+    }
+  }
+
   void reset() {
     for (auto& detector : pair_) lightmotion_reset(detector.get());
     frames_ = 0;
@@ -146,7 +167,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   pairs.emplace_back(choices);
   for (int calls = 0; calls < 60 && !choices.over(); ++calls) {
     const std::size_t place = choices.byte() % pairs.size();
-    switch (choices.below(8)) {
+    switch (choices.below(9)) {
       case 0:
         pairs[place].reset();
         break;
@@ -160,6 +181,9 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
         } else {
           pairs.erase(pairs.begin() + static_cast<std::ptrdiff_t>(place));
         }
+        break;
+      case 8:
+        pairs[place].relearn(choices);
         break;
       default:
         pairs[place].process(choices);

@@ -14,9 +14,9 @@
 #include "host/detector/check/check.h"
 #include "host/detector/check/text.h"
 #include "host/detector/document.h"
+#include "host/detector/regions.h"
+#include "host/events/box.h"
 #include "host/events/event_options.h"
-#include "host/events/event_tracker.h"
-#include "host/events/regions.h"
 #include "host/outputs/mqtt/address.h"
 #include "host/outputs/overlay.h"
 #include "host/outputs/progress.h"
@@ -67,8 +67,7 @@ void readAsDocument(const std::string& text) {
     return;
   }
   complete_document(document, {640, 360});  // accepted, because complete
-  std::vector<std::string> touched;
-  Regions(document).touched({0.25, 0.25, 0.5, 0.5}, touched);
+  Regions(document).touched({0.25, 0.25, 0.5, 0.5});
 }
 
 // A result document, preceded by its frame's time.
@@ -76,15 +75,14 @@ void readResult(const std::string& text) {
   fuzz::Choices choices(reinterpret_cast<const std::uint8_t*>(text.data()), text.size());
   const microseconds time(choices.number<std::int32_t>());
   const std::string document = text.substr(std::min(text.size(), sizeof(std::int32_t)));
-  const std::vector<cv::Rect2d> boxes = boxes_of(document);
-  std::vector<ReportedBox> reported;
-  for (const cv::Rect2d& box : boxes) reported.push_back({box, {document}});
-  const std::string line = result_line(choices.byte(), time, reported, document);
+  lm::host::detector::Boxes boxes = boxes_of(document);
+  for (lm::host::detector::Box& box : boxes) box.regions = {document};
+  const std::string line = result_line(choices.byte(), time, boxes, document);
   fuzz::require(line.find('\n') == std::string::npos, "a result of several lines");
   fuzz::require(parse_json(line).isObject(), "a result line that is not JSON");
   fuzz::require(share_under(boxes) >= 0 && share_under(boxes) <= 1, "more than the whole frame");
-  for (const cv::Rect2d& box : boxes) {
-    const cv::Rect pixels = pixels_of(box, {640, 360});
+  for (const lm::host::detector::Box& box : boxes) {
+    const cv::Rect pixels = pixels_of(box.area, {640, 360});
     fuzz::require((pixels & cv::Rect(0, 0, 640, 360)) == pixels, "a box drawn outside its frame");
   }
 }

@@ -12,7 +12,7 @@ using namespace std::chrono_literals;
 
 // How many of two pictures' samples differ, by how much, and whether that counts.
 bool counts(int samples, int step) {
-  HiddenChange hidden(Regions(R"({"roi": [{"points": []}]})"));
+  HiddenChange hidden(lm::host::detector::Regions(R"({"roi": [{"points": []}]})"));
   const cv::Mat before(180, 320, CV_8UC3, cv::Scalar(100, 100, 100));
   cv::Mat after = before.clone();
   for (int i = 0; i < samples; ++i) after.at<cv::Vec3b>(10 * i, 20 * i) += cv::Vec3b::all(uchar(step));
@@ -46,7 +46,7 @@ bool interrupts(std::chrono::microseconds pause) {
   watch.add(std::make_unique<Ends>(ends));
   Frame frame;
   frame.image = cv::Mat::zeros(18, 32, CV_8UC3);
-  const std::vector<cv::Rect2d> boxes{{0.25, 0.25, 0.5, 0.5}};
+  const Boxes boxes{{{0.25, 0.25, 0.5, 0.5}}};
   watch.frame(frame, 0, boxes);
   frame.time = pause;
   frame.note = "no frame for a while";

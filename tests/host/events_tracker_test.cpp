@@ -7,7 +7,7 @@ namespace {
 using namespace lm::host::events;
 using namespace lm::host::source;
 using namespace std::chrono_literals;
-using Boxes = std::vector<cv::Rect2d>;
+using Areas = std::vector<cv::Rect2d>;
 using std::chrono::microseconds;
 
 // What a tracker reports, in short: "begun 0001", "ended 0001".
@@ -30,6 +30,12 @@ struct Log : EventListener {
   std::vector<Event>& events_;
 };
 
+Boxes boxes_at(const Areas& areas) {
+  Boxes boxes;
+  for (const cv::Rect2d& area : areas) boxes.push_back({area});
+  return boxes;
+}
+
 const cv::Rect2d kBox(0.25, 0.5, 0.5, 0.25);
 
 class Tracked : public testing::Test {
@@ -38,17 +44,17 @@ class Tracked : public testing::Test {
     tracker_.add(std::make_unique<Log>(calls_, events_));
   }
 
-  void see(microseconds time, const Boxes& boxes, const std::vector<bool>& by_light = {}) {
+  void see(microseconds time, const Areas& boxes, const std::vector<bool>& by_light = {}) {
     Observation seen;
     seen.frame = frame_++;
     seen.time = time;
-    seen.boxes = boxes;
-    seen.by_light = by_light;
+    seen.boxes = boxes_at(boxes);
+    for (std::size_t i = 0; i < by_light.size(); ++i) seen.boxes[i].by_light = by_light[i];
     if (!by_light.empty()) seen.light = LightChange{100, 120, 0.9};
     tracker_.observe(Frame{}, seen);
   }
   // Frames half a second apart, including both ends.
-  void see(microseconds from, microseconds to, const Boxes& boxes, const std::vector<bool>& by_light = {}) {
+  void see(microseconds from, microseconds to, const Areas& boxes, const std::vector<bool>& by_light = {}) {
     for (microseconds time = from; time <= to; time += 500ms) see(time, boxes, by_light);
   }
 
@@ -164,8 +170,7 @@ TEST_F(Tracked, LightIsAnEventOfItsOwn) {
 
 TEST_F(Tracked, LightGoesFromItsFirstBrightnessToItsLast) {
   Observation seen;
-  seen.boxes = {kBox};
-  seen.by_light = {true};
+  seen.boxes = {{.area = kBox, .by_light = true}};
   for (const LightChange light : {LightChange{100, 120, 0.5}, {110, 130, 0.7}, {120, 140, 0.9}}) {
     seen.light = light;
     tracker_.observe(Frame{}, seen);
@@ -215,21 +220,21 @@ TEST(EventTracker, LiveEventsAreDistinguishedByTheWallClock) {
   EventTracker tracker({0, 2, 0, 0});
   tracker.add(std::make_unique<Log>(calls, events));
   Observation seen;
-  seen.boxes = {kBox};
+  seen.boxes = boxes_at({kBox});
   seen.wall = WallTime(1'700'000'000'123ms);  // 2023-11-14 22:13:20 UTC
   tracker.observe(Frame{}, seen);
   EXPECT_EQ(calls, (std::vector<std::string>{"begun 20231114T221320.123Z-0001"}));
 }
 
-TEST(EventTracker, CollectsTheRegionsOfEveryBox) {
+TEST(EventTracker, CollectsTheRegionsOfEveryBoxInTheirOrder) {
   std::vector<std::string> calls;
   std::vector<Event> events;
-  EventTracker tracker({0, 2, 0, 0}, [](const cv::Rect2d& box, std::vector<std::string>& names) {
-    names.emplace_back(box.x < 0.5 ? "left" : "right");
-  });
+  EventTracker tracker({0, 2, 0, 0}, {"left", "middle", "right"});
   tracker.add(std::make_unique<Log>(calls, events));
   Observation seen;
-  seen.boxes = {{0, 0, 0.1, 0.1}, {0.75, 0, 0.1, 0.1}};
+  seen.boxes = {{kBox, {"right"}}};
+  tracker.observe(Frame{}, seen);
+  seen.boxes = {{kBox, {"right"}}, {kBox, {"left"}}};
   tracker.observe(Frame{}, seen);
   tracker.finish("");
   EXPECT_EQ(events.at(0).regions, (std::vector<std::string>{"left", "right"}));
@@ -237,14 +242,14 @@ TEST(EventTracker, CollectsTheRegionsOfEveryBox) {
 
 struct ShareCase {
   const char* name;
-  Boxes boxes;
+  Areas boxes;
   double share;
 };
 
 class Share : public testing::TestWithParam<ShareCase> {};
 
 TEST_P(Share, CountsEveryPlaceOnceAndOnlyInTheFrame) {
-  EXPECT_DOUBLE_EQ(share_under(GetParam().boxes), GetParam().share);
+  EXPECT_DOUBLE_EQ(share_under(boxes_at(GetParam().boxes)), GetParam().share);
 }
 
 INSTANTIATE_TEST_SUITE_P(

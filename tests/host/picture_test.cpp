@@ -84,7 +84,7 @@ TEST(Overlay, LinesGrowWithTheFrame) {
 
 TEST(Overlay, DrawsTheBordersOfBoxesAndNotTheirInside) {
   cv::Mat image(100, 200, CV_8UC3, cv::Scalar(0, 0, 0));
-  draw_overlay(image, {{0.5, 0.5, 0.25, 0.25}}, "");
+  draw_overlay(image, {{{0.5, 0.5, 0.25, 0.25}}}, "");
   // Columns 100 to 149 and rows 50 to 74, one pixel wide.
   const auto bright = [&](int x, int y) { return image.at<cv::Vec3b>(y, x)[1] > 200; };
   EXPECT_TRUE(bright(100, 50) && bright(149, 74) && bright(120, 50) && bright(100, 60));
@@ -95,7 +95,7 @@ TEST(Overlay, DrawsOnFramesOfAnySize) {
   for (const cv::Size size :
        {cv::Size(1, 1), cv::Size(2, 9), cv::Size(40, 12), cv::Size(3000, 5), cv::Size(5, 900)}) {
     cv::Mat image(size, CV_8UC3, cv::Scalar(9, 9, 9));
-    draw_overlay(image, {{-5, -5, 10, 10}, {0.9, 0.9, 0.3, 0.3}, {0.2, 0.2, 0, 0}}, "0:12.4  3 boxes");
+    draw_overlay(image, {{{-5, -5, 10, 10}}, {{0.9, 0.9, 0.3, 0.3}}, {{0.2, 0.2, 0, 0}}}, "0:12.4  3 boxes");
     EXPECT_EQ(image.size(), size);
   }
 }

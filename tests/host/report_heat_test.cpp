@@ -21,8 +21,8 @@ const cv::Rect2d kSecond(0.4, 0.5, 0.4, 0.25);
 
 HeatMap small_map() {
   HeatMap map({10, 8});
-  map.add({kFirst});
-  map.add({kSecond, kSecond});
+  map.add({{kFirst}});
+  map.add({{kSecond}, {kSecond}});
   map.add({});
   map.add({});
   return map;
@@ -56,7 +56,7 @@ TEST(HeatMap, CountsLargeFramesMoreCoarsely) {
 
 TEST(HeatMap, BoxesAreClippedToTheFrame) {
   HeatMap map({10, 8});
-  map.add({{-1, -1, 1.0625, 1.125}, {2, 2, 1, 1}});
+  map.add({{{-1, -1, 1.0625, 1.125}}, {{2, 2, 1, 1}}});
   EXPECT_EQ(cv::sum(map.counts())[0], 1) << "the corner's pixel alone";
 }
 
@@ -87,7 +87,7 @@ TEST(HeatMap, RareMotionGetsMoreOfTheColours) {
   EXPECT_DOUBLE_EQ(heat_at(0.5), 0.25);
   EXPECT_DOUBLE_EQ(heat_at(1), 1);
   HeatMap map({4, 1});
-  for (int i = 0; i < 4; ++i) map.add({{0, 0, i == 0 ? 0.5 : 0.25, 1}});
+  for (int i = 0; i < 4; ++i) map.add({{{0, 0, i == 0 ? 0.5 : 0.25, 1}}});
   // One frame of four: the colour in the middle of the scale, which is bright green, not the one at a
   // quarter.
   const auto rare = map.over(cv::Mat::zeros(1, 4, CV_8UC3)).at<cv::Vec3b>(0, 1);
@@ -137,7 +137,7 @@ TEST(HeatMapFile, IsAPngOfTheQuietFrame) {
   frame.image = cv::Mat(48, 64, CV_8UC3, cv::Scalar::all(90));
   file.frame(frame, seen);
   frame.image.setTo(cv::Scalar::all(250));
-  seen.boxes = {{0.5, 0.5, 0.5, 0.5}};
+  seen.boxes = {{{0.5, 0.5, 0.5, 0.5}}};
   file.frame(frame, seen);
   file.finish();
   EXPECT_FALSE(std::filesystem::exists(folder / "heat.png")) << "not before all outputs are whole";

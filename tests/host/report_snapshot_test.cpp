@@ -24,7 +24,7 @@ Observation observed(std::int64_t frame, double share) {
   Observation seen;
   seen.frame = frame;
   seen.time = frame * 100ms;
-  if (share > 0) seen.boxes = {{0, 0, share, 1}};
+  if (share > 0) seen.boxes = {{{0, 0, share, 1}}};
   return seen;
 }
 

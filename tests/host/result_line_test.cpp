@@ -29,16 +29,16 @@ TEST(Boxes, AreReadInTheirOrder) {
   const auto boxes = boxes_of(
       R"({"object":[{"x":0.5,"y":0.25,"width":0.125,"height":0.5},{"x":0,"y":0,"width":1,"height":1}]})");
   ASSERT_EQ(boxes.size(), 2U);
-  EXPECT_EQ(boxes[0], cv::Rect2d(0.5, 0.25, 0.125, 0.5));
-  EXPECT_EQ(boxes[1], cv::Rect2d(0, 0, 1, 1));
+  EXPECT_EQ(boxes[0].area, cv::Rect2d(0.5, 0.25, 0.125, 0.5));
+  EXPECT_EQ(boxes[1].area, cv::Rect2d(0, 0, 1, 1));
 }
 
 TEST(Boxes, AreClippedToTheFrame) {
   const auto boxes = boxes_of(
       R"({"object":[{"x":0.75,"y":0.5,"width":1,"height":1},{"x":-0.25,"y":-0.5,"width":0.5,"height":0.75}]})");
   ASSERT_EQ(boxes.size(), 2U);
-  EXPECT_EQ(boxes[0], cv::Rect2d(0.75, 0.5, 0.25, 0.5));
-  EXPECT_EQ(boxes[1], cv::Rect2d(0, 0, 0.25, 0.25));
+  EXPECT_EQ(boxes[0].area, cv::Rect2d(0.75, 0.5, 0.25, 0.5));
+  EXPECT_EQ(boxes[1].area, cv::Rect2d(0, 0, 0.25, 0.25));
 }
 
 TEST(Boxes, OutsideTheFrameAreLeftOut) {
@@ -58,7 +58,7 @@ TEST(Boxes, OfAnotherKindAreLeftOut) {
   const auto boxes = boxes_of(
       R"({"object":[1,"x",[],{"x":"a"},{"x":1,"y":1,"width":1},{"x":0,"y":0.25,"width":0.5,"height":0.25}]})");
   ASSERT_EQ(boxes.size(), 1U);
-  EXPECT_EQ(boxes[0], cv::Rect2d(0, 0.25, 0.5, 0.25));
+  EXPECT_EQ(boxes[0].area, cv::Rect2d(0, 0.25, 0.5, 0.25));
   EXPECT_TRUE(boxes_of(std::string(2000, '[')).empty()) << "nested too deeply to be read";
 }
 

@@ -118,7 +118,7 @@ TEST(Pace, SkipsLateFramesAndRestartsAfterALongWait) {
 Observation box_at(std::chrono::microseconds time, double width) {
   Observation seen;
   seen.time = time;
-  seen.boxes = {cv::Rect2d(0, 0, width, 1)};
+  seen.boxes = {{{0, 0, width, 1}}};
   return seen;
 }
 

@@ -88,7 +88,8 @@ def test_a_closed_detector_says_so() -> None:
     detector.close()
     assert detector.closed and repr(detector) == "<Detector closed>"
     uses: list[Any] = [lambda: detector(next(frames())), detector.reset, detector.foreground, detector.json,
-                       lambda: detector.info, lambda: detector.change({})]  # fmt: skip
+                       lambda: detector.info, lambda: detector.change({}),
+                       lambda: detector.relearn(0, 0, 1, 1)]  # fmt: skip
     for use in uses:
         with pytest.raises(lightmotion.ClosedError, match="the detector is closed"):
             use()

@@ -104,6 +104,26 @@ def test_after_a_reset_the_results_are_those_of_a_new_detector() -> None:
     assert any(runs[0])
 
 
+def test_a_part_that_is_learned_anew_has_no_foreground() -> None:
+    detector = lightmotion.Detector(width=WIDTH, height=HEIGHT, format="grey", absorb_seconds="forever")
+    pictures = list(frames())
+    for frame, time in zip(pictures, times()):
+        detector(frame, time)
+    mask = detector.foreground()
+    assert mask[45, 70] == 255 and mask[45, 60] == 255
+    detector.relearn(65, 20, 20, 60)
+    detector.relearn(0, 0, 65, HEIGHT, mask[:, :65])
+    assert detector(pictures[-1], 5000) == []
+    assert not detector.foreground()[:, :85].any()
+    detector.relearn(0, 0, WIDTH, HEIGHT, numpy.zeros_like(mask))
+    detector(pictures[0], 5040)
+    assert detector.foreground()[45, 70] == 255
+    with pytest.raises(ValueError, match=r"5 x 6 pixels at \(96, 2\) do not lie within the frame of 97 x 80"):
+        detector.relearn(96, 2, 5, 6)
+    with pytest.raises(lightmotion.FrameError, match=r"mask: shape \(6, 5\), expected \(5, 6\)"):
+        detector.relearn(0, 0, 6, 5, numpy.zeros((6, 5), numpy.uint8))
+
+
 def test_info_tells_what_is_known() -> None:
     detector = lightmotion.Detector(width=WIDTH, height=HEIGHT, format="rgb", roi=TWO_REGIONS[:1])
     for image, time in zip(frames(3), times()):

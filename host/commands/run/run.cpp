@@ -22,8 +22,8 @@
 #include "host/detector/document.h"
 #include "host/detector/plugin.h"
 #include "host/detector/presets/presets.h"
+#include "host/detector/regions.h"
 #include "host/events/event_watch.h"
-#include "host/events/regions.h"
 #include "host/outputs/annotator.h"
 #include "host/outputs/listeners.h"
 #include "host/outputs/progress.h"
@@ -152,22 +152,14 @@ class Run {
     lines_->write(make());
   }
 
-  std::vector<outputs::ReportedBox> with_regions(const std::vector<cv::Rect2d>& boxes) const {
-    std::vector<outputs::ReportedBox> reported;
-    for (const cv::Rect2d& box : boxes) {
-      reported.push_back({box, {}});
-      regions_.touched(box, reported.back().regions);
-    }
-    return reported;
-  }
-
   void one_frame(source::Frame& frame) {
     report_note(frame);
     const std::string stated = source::timestamp(source_.info(), frame);
     const std::string document = process(frame, stated);
-    const std::vector<cv::Rect2d> boxes = outputs::boxes_of(document);
+    detector::Boxes boxes = outputs::boxes_of(document);
+    for (detector::Box& box : boxes) box.regions = regions_.touched(box.area);
     if (!boxes.empty()) {
-      write_line([&] { return outputs::result_line(frame.number, frame.time, with_regions(boxes), stated); });
+      write_line([&] { return outputs::result_line(frame.number, frame.time, boxes, stated); });
       ++figures_.frames_with_motion;
     }
     events_.frame(frame, frame.number, boxes);
@@ -181,7 +173,7 @@ class Run {
   detector::Plugin& plugin_;
   const std::string& document_;
   const cv::Size analysed_;
-  const events::Regions regions_;
+  const detector::Regions regions_;
   events::EventWatch events_;
   std::optional<outputs::Annotator> video_;
   outputs::Progress progress_;

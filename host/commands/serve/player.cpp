@@ -38,7 +38,8 @@ std::string Player::completed(const std::string& document) const {
 }
 
 Player::Detector Player::start_detector(const std::string& document) const {
-  Detector detector{completed(document), nullptr};
+  Detector detector{completed(document), {}, nullptr};
+  detector.regions = detector::Regions(detector.document);
   detector.process = std::make_unique<DetectorProcess>(plan_.detector, detector.document, stop_.get_token());
   return detector;
 }

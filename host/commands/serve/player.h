@@ -17,6 +17,7 @@
 #include "host/commands/serve/event_log.h"
 #include "host/commands/serve/pace.h"
 #include "host/commands/serve/showcase.h"
+#include "host/detector/regions.h"
 #include "host/events/event_options.h"
 #include "host/events/event_watch.h"
 #include "host/source/live/live_options.h"
@@ -76,6 +77,7 @@ class Player {
  private:
   struct Detector {
     std::string document;  // completed
+    detector::Regions regions;
     std::unique_ptr<DetectorProcess> process;
   };
   // Requests to the playing thread since its last check.

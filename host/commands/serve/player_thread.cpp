@@ -225,7 +225,9 @@ bool Player::ask(const source::Frame& frame, Shot& shot) {
   const std::string time = source::timestamp(info_, frame);
   const auto found = [&](Detector& detector) {
     const DetectorProcess::Answer answer = detector.process->process(image, time);
-    return Found{outputs::boxes_of(answer.result), answer.cost};
+    events::Boxes boxes = outputs::boxes_of(answer.result);
+    for (events::Box& box : boxes) box.regions = detector.regions.touched(box.area);
+    return Found{std::move(boxes), answer.cost};
   };
   try {
     shot.found = found(detector_);

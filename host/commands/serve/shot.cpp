@@ -16,9 +16,9 @@ constexpr int kCoarseness = 4;
 
 double milliseconds(std::chrono::microseconds time) { return static_cast<double>(time.count()) / 1000; }
 
-Json::Value boxes_value(const std::vector<cv::Rect2d>& boxes) {
+Json::Value boxes_value(const events::Boxes& boxes) {
   Json::Value list(Json::arrayValue);
-  for (const cv::Rect2d& box : boxes) list.append(events::box_value(box));
+  for (const events::Box& box : boxes) list.append(events::box_value(box.area));
   return list;
 }
 

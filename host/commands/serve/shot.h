@@ -6,13 +6,14 @@
 #include <opencv2/core.hpp>
 #include <optional>
 #include <string>
-#include <vector>
+
+#include "host/events/box.h"
 
 namespace lm::host::commands::serve {
 
 // One detector's results for a picture.
 struct Found {
-  std::vector<cv::Rect2d> boxes;  // fractions of the frame
+  events::Boxes boxes;  // fractions of the frame
   std::chrono::microseconds cost{0};
 };
 

@@ -22,8 +22,9 @@ class Recorder : public events::EventListener {
   explicit Recorder(Seen& seen) : seen_(seen) {}
 
   void frame(const source::Frame& frame, const events::Observation& seen) override {
-    seen_.looks.push_back({frame.time.count(), static_cast<std::int32_t>(seen.boxes.size()),
-                           static_cast<std::int32_t>(std::ranges::count(seen.by_light, true))});
+    seen_.looks.push_back(
+        {frame.time.count(), static_cast<std::int32_t>(seen.boxes.size()),
+         static_cast<std::int32_t>(std::ranges::count(seen.boxes, true, &events::Box::by_light))});
   }
   void ended(const events::Event& event) override {
     seen_.happenings.push_back({event.start.count(), event.end.count(), event.kind});

@@ -4,7 +4,6 @@
 #include <opencv2/imgproc.hpp>
 
 #include "host/events/event_tracker.h"
-#include "host/outputs/report/boxes_of_kind.h"
 
 namespace lm::host::outputs::report {
 namespace {
@@ -17,7 +16,7 @@ void BestFrames::frame(const cv::Mat& image, const events::Observation& seen) {
   cv::Mat copy;  // copied once, and only if it is kept
   for (const events::EventKind kind : {events::EventKind::kMotion, events::EventKind::kLight}) {
     Candidates& candidates = candidates_[kind];
-    Still still{{}, boxes_of_kind(seen, kind), seen.frame, seen.time, 0};
+    Still still{{}, events::boxes_of_kind(seen.boxes, kind), seen.frame, seen.time, 0};
     still.share = events::share_under(still.boxes);
     while (!candidates.empty() && candidates.front().time < seen.time - lookback_) candidates.pop_front();
     while (!candidates.empty() && candidates.back().share < still.share) candidates.pop_back();

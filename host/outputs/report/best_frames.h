@@ -15,7 +15,7 @@ namespace lm::host::outputs::report {
 
 struct Still {
   cv::Mat image;
-  std::vector<cv::Rect2d> boxes;  // of the event's kind
+  events::Boxes boxes;  // of the event's kind
   std::int64_t frame = 0;
   std::chrono::microseconds time{0};
   double share = 0;  // of the frame under these boxes

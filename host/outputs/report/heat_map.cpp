@@ -47,11 +47,11 @@ double text_scale(int width, const std::string& text) {
 HeatMap::HeatMap(cv::Size frame)
     : counts_(cv::Mat::zeros(grid_of(frame), CV_32S)), covered_(cv::Mat::zeros(counts_.size(), CV_8U)) {}
 
-void HeatMap::add(const std::vector<cv::Rect2d>& boxes) {
+void HeatMap::add(const events::Boxes& boxes) {
   ++frames_;
   if (boxes.empty()) return;
   covered_ = 0;
-  for (const cv::Rect2d& box : boxes) covered_(pixels_of(box, counts_.size())) = 1;
+  for (const events::Box& box : boxes) covered_(pixels_of(box.area, counts_.size())) = 1;
   cv::add(counts_, covered_, counts_, cv::noArray(), CV_32S);
 }
 

@@ -3,7 +3,8 @@
 
 #include <cstdint>
 #include <opencv2/core.hpp>
-#include <vector>
+
+#include "host/events/box.h"
 
 namespace lm::host::outputs::report {
 
@@ -13,7 +14,7 @@ class HeatMap {
   explicit HeatMap(cv::Size frame);
 
   // Overlapping boxes count once.
-  void add(const std::vector<cv::Rect2d>& boxes);
+  void add(const events::Boxes& boxes);
 
   std::int64_t frames() const { return frames_; }
   cv::Mat counts() const { return counts_; }  // CV_32S

@@ -1,13 +1,12 @@
 #include "host/outputs/report/heat_map_file.h"
 
 #include "host/base/whole_file.h"
-#include "host/outputs/report/boxes_of_kind.h"
 #include "host/outputs/report/image_bytes.h"
 
 namespace lm::host::outputs::report {
 
 void HeatMapFile::frame(const source::Frame& frame, const events::Observation& seen) {
-  map_.add(boxes_of_kind(seen, events::EventKind::kMotion));
+  map_.add(events::boxes_of_kind(seen.boxes, events::EventKind::kMotion));
   ground_.offer(frame.image, seen.boxes.empty());
 }
 

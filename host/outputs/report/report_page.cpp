@@ -9,7 +9,6 @@
 #include "host/base/whole_file.h"
 #include "host/events/event_tracker.h"
 #include "host/outputs/overlay.h"
-#include "host/outputs/report/boxes_of_kind.h"
 #include "host/outputs/report/image_bytes.h"
 #include "host/outputs/report/lookback.h"
 #include "host/outputs/report/settings.h"
@@ -52,11 +51,11 @@ ReportPage::ReportPage(const std::string& file, const source::SourceInfo& source
 void ReportPage::frame(const source::Frame& frame, const events::Observation& seen) {
   best_.frame(frame.image, seen);
   ground_.offer(frame.image, seen.boxes.empty());
-  const std::vector<cv::Rect2d> moving = boxes_of_kind(seen, events::EventKind::kMotion);
+  const events::Boxes moving = events::boxes_of_kind(seen.boxes, events::EventKind::kMotion);
   heat_.add(moving);
   data_.activity.add(seen.time, events::EventKind::kMotion, events::share_under(moving));
   data_.activity.add(seen.time, events::EventKind::kLight,
-                     events::share_under(boxes_of_kind(seen, events::EventKind::kLight)));
+                     events::share_under(events::boxes_of_kind(seen.boxes, events::EventKind::kLight)));
   ++data_.frames;
   data_.frames_with_motion += seen.boxes.empty() ? 0 : 1;
   // The last frame is shown for as long as the previous one.

@@ -1,10 +1,10 @@
-#include "host/events/regions.h"
+#include "host/detector/regions.h"
 
 #include <gtest/gtest.h>
 
 namespace {
 
-using namespace lm::host::events;
+using namespace lm::host::detector;
 using Names = std::vector<std::string>;
 
 // The left half, a triangle in the upper right with corners (0.5, 0), (1, 0) and (1, 0.5), and an exclusion
@@ -25,9 +25,7 @@ struct TouchCase {
 class Touched : public testing::TestWithParam<TouchCase> {};
 
 TEST_P(Touched, RegionsOverlapTheBoxOutsideTheExclusions) {
-  Names names;
-  kRegions.touched(GetParam().box, names);
-  EXPECT_EQ(names, GetParam().names);
+  EXPECT_EQ(kRegions.touched(GetParam().box), GetParam().names);
 }
 
 INSTANTIATE_TEST_SUITE_P(Boxes, Touched,
@@ -43,11 +41,9 @@ INSTANTIATE_TEST_SUITE_P(Boxes, Touched,
                                          TouchCase{"nowhere", {0.6, 0.7, 0.2, 0.2}, {}}),
                          [](const auto& test) { return test.param.name; });
 
-TEST(Regions, StayInTheDocumentsOrder) {
-  Names names;
-  kRegions.touched({0.8, 0.1, 0.1, 0.1}, names);
-  kRegions.touched({0.1, 0.1, 0.2, 0.2}, names);
-  EXPECT_EQ(names, (Names{"left", "corner"}));
+TEST(Regions, NamesAreInTheDocumentsOrderEachOnce) {
+  EXPECT_EQ(kRegions.names(), (Names{"left", "corner"}));
+  EXPECT_EQ(Regions(R"({"roi": [{"name": "b"}, {"name": "a"}, {"name": "b"}]})").names(), (Names{"b", "a"}));
 }
 
 TEST(Regions, WatchWhatIsInsideAndNotExcluded) {

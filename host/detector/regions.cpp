@@ -1,10 +1,10 @@
-#include "host/events/regions.h"
+#include "host/detector/regions.h"
 
 #include <algorithm>
 
 #include "host/base/json_text.h"
 
-namespace lm::host::events {
+namespace lm::host::detector {
 namespace {
 
 // The plug-in reads only texts, each up to the first character that is not part of the number.
@@ -29,6 +29,16 @@ std::vector<Region> regions_of(const Json::Value& list) {
     regions.push_back(std::move(region));
   }
   return regions;
+}
+
+// Names once each, of the regions that `counts` accepts.
+template <typename Counts>
+std::vector<std::string> names_of(const std::vector<Region>& regions, Counts counts) {
+  std::vector<std::string> names;
+  for (const Region& region : regions) {
+    if (std::ranges::find(names, region.name) == names.end() && counts(region)) names.push_back(region.name);
+  }
+  return names;
 }
 
 }  // namespace
@@ -73,14 +83,12 @@ bool Regions::touches(const Region& region, const cv::Rect2d& box) const {
   return false;
 }
 
-void Regions::touched(const cv::Rect2d& box, std::vector<std::string>& names) const {
-  std::vector<std::string> all;
-  for (const Region& region : included_) {
-    const bool before = std::find(names.begin(), names.end(), region.name) != names.end();
-    const bool listed = std::find(all.begin(), all.end(), region.name) != all.end();
-    if (!listed && (before || touches(region, box))) all.push_back(region.name);
-  }
-  names = std::move(all);
+std::vector<std::string> Regions::names() const {
+  return names_of(included_, [](const Region&) { return true; });
 }
 
-}  // namespace lm::host::events
+std::vector<std::string> Regions::touched(const cv::Rect2d& box) const {
+  return names_of(included_, [&](const Region& region) { return touches(region, box); });
+}
+
+}  // namespace lm::host::detector

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-namespace lm::host::events {
+namespace lm::host::detector {
 
 struct Region {
   std::string name;
@@ -24,9 +24,12 @@ class Regions {
   // Whether motion at this point counts: inside a region and outside all exclusion regions.
   bool watched(cv::Point2d point) const;
 
-  // Adds to `names` the regions that overlap the box outside the exclusion regions; `names` stays in the
-  // document's order. Overlaps below about 1/256 of the box may be missed.
-  void touched(const cv::Rect2d& box, std::vector<std::string>& names) const;
+  // The names of the regions of interest in the document's order, each once.
+  std::vector<std::string> names() const;
+
+  // The names of those that overlap the box outside the exclusion regions. Overlaps below about 1/256 of the
+  // box may be missed.
+  std::vector<std::string> touched(const cv::Rect2d& box) const;
 
   const std::vector<Region>& included() const { return included_; }
   const std::vector<Region>& excluded() const { return excluded_; }
@@ -39,4 +42,4 @@ class Regions {
   std::vector<Region> excluded_;
 };
 
-}  // namespace lm::host::events
+}  // namespace lm::host::detector

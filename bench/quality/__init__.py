@@ -1,0 +1,1 @@
+"""Quality of detection against exact truth: generated scenes, measures, systems under test."""

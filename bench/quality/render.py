@@ -1,0 +1,77 @@
+"""Scenes as video files: rendered once, then taken from the cache."""
+import hashlib
+import os
+import subprocess
+from pathlib import Path
+
+from .scene import catalogue
+from .scene.sensor import Sensor
+from .truth import Truth
+
+ROOT = Path(__file__).resolve().parent.parent.parent
+
+
+def cache_folder():
+    """Below build/, or where LIGHTMOTION_SCENES says, so that several working copies can share it."""
+    return Path(os.environ.get("LIGHTMOTION_SCENES") or ROOT / "build" / "quality" / "scenes")
+
+
+def _version(name):
+    """A digest of everything that makes the pictures of a scene: what scenes share, and the module that has the scene."""
+    here = Path(__file__).parent
+    others = {module for module in catalogue.modules() if module != catalogue.module_of(name)}
+    sources = [path for path in sorted((here / "scene").glob("*.py")) if path.stem not in others]
+    sources += [here / "render.py", here / "truth.py"]
+    return hashlib.sha256(b"".join(path.read_bytes() for path in sources)).hexdigest()[:10]
+
+
+def encoder(codec, width, height, fps, path):
+    """FFmpeg, to which frames in blue, green, red are written."""
+    kind, _, rate = codec.partition("-")
+    if kind == "lossless":
+        how = ["-c:v", "ffv1", "-pix_fmt", "bgr0"]
+    elif kind == "mjpeg":
+        how = ["-c:v", "mjpeg", "-q:v", rate, "-pix_fmt", "yuvj420p"]
+    else:  # as network cameras encode: no frames that refer forward, a key frame every four seconds
+        how = ["-c:v", "libx264", "-preset", "superfast", "-bf", "0", "-g", str(int(4 * fps)), "-pix_fmt", "yuv420p",
+               "-threads", "1"]
+        how += ["-b:v", rate, "-maxrate", rate, "-bufsize", rate] if rate.endswith("k") else ["-crf", rate]
+    return subprocess.Popen(["ffmpeg", "-v", "error", "-y", "-f", "rawvideo", "-pix_fmt", "bgr24", "-s", f"{width}x{height}",
+                             "-r", f"{fps}", "-i", "-", *how, "-f", "matroska", str(path)], stdin=subprocess.PIPE)
+
+
+class Video:
+    """What a system gets: a video file with its truth."""
+
+    def __init__(self, name, seed, path, truth):
+        self.name, self.seed, self.source, self.truth = name, seed, Path(path), truth
+
+
+def rendered(name, seed):
+    """The scene as a Video; renders it when it is not in the cache."""
+    folder = cache_folder() / _version(name)
+    folder.mkdir(parents=True, exist_ok=True)
+    path, truth_path = folder / f"{name}-{seed}.mkv", folder / f"{name}-{seed}.truth"
+    if not (path.exists() and truth_path.exists()):
+        _render(name, seed, path, truth_path)
+    return Video(name, seed, path, Truth.load(truth_path))
+
+
+def _render(name, seed, path, truth_path):
+    stage = catalogue.build(name, seed)
+    camera = stage.camera
+    sensor = Sensor(stage.rng, (camera.height, camera.width), stage.sigma)
+    if stage.exposure:
+        sensor.exposure = stage.exposure
+    truth = stage.truth()
+    part = path.with_name(f".{path.name}.{os.getpid()}.part")
+    process = encoder(stage.codec, camera.width, camera.height, stage.fps, part)
+    for time, picture in stage.frames(truth):
+        process.stdin.write(sensor.take(picture, time).data)
+    process.stdin.close()
+    if process.wait() != 0:
+        raise RuntimeError(f"ffmpeg could not encode {path}")
+    truth_part = truth_path.with_name(f".{truth_path.name}.{os.getpid()}.part")
+    truth.save(truth_part)
+    os.replace(truth_part, truth_path)
+    os.replace(part, path)
