@@ -4,12 +4,12 @@
 #include <cstdio>
 #include <stdexcept>
 
+#include "bench/beside_program.h"
 #include "bench/header.h"
 #include "bench/picture.h"
 #include "bench/requirements.h"
 #include "bench/scene.h"
 #include "bench/sections/sections.h"
-#include "host/detector/plugin.h"
 
 namespace {
 
@@ -54,9 +54,7 @@ void describe(CLI::App& app, Options& options) {
 
 Plan plan_of(const Options& options) {
   Plan plan{options.libraries, {}, options.frames, options.requirements};
-  if (plan.libraries.plugin.empty()) {
-    plan.libraries.plugin = lm::host::detector::find_plugin("", lm::host::detector::program_folder());
-  }
+  if (plan.libraries.plugin.empty()) plan.libraries.plugin = lm::bench::beside_program("liblightmotion.so.1");
   if (plan.brief) {
     for (const std::string& scene : scene_names()) plan.rows.emplace_back(scene, kFullHd);
     plan.rows.emplace_back("street", kVga);

@@ -60,6 +60,9 @@ install(PROGRAMS examples/python/host.py DESTINATION ${examples}/python COMPONEN
 
 # ---- program ------------------------------------------------------------------------------------------------
 if(LIGHTMOTION_HOST)
+  # Finds its library wherever the installation is moved to; packages leave that to the linker (packages.cmake).
+  file(RELATIVE_PATH to_library /${CMAKE_INSTALL_BINDIR} /${CMAKE_INSTALL_LIBDIR})
+  set_target_properties(lightmotion_program PROPERTIES INSTALL_RPATH $ORIGIN/${to_library})
   install(TARGETS lightmotion_program RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT program)
   set(data ${CMAKE_INSTALL_DATADIR})
   install(FILES packaging/completion/lightmotion.bash RENAME lightmotion

@@ -60,13 +60,13 @@ set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SUGGESTS libopencv-video-dev) # for opencv.
 
 if(LIGHTMOTION_HOST)
   list(APPEND CPACK_COMPONENTS_ALL program)
-  # The library is loaded at run time, so dpkg-shlibdeps does not find this dependency.
   package(program lightmotion video "liblightmotion1 (= ${PROJECT_VERSION})"
           "motion detection for video (program)" "${what}
 
-This package contains the program, which runs the plug-in on files, streams
+This package contains the program, which runs the detector on files, streams
 and cameras and writes result lines, events, reports and annotated videos.")
   set(CPACK_DEBIAN_PROGRAM_PACKAGE_SHLIBDEPS ON)
+  set(CPACK_PRE_BUILD_SCRIPTS ${PROJECT_SOURCE_DIR}/cmake/without_rpath.cmake)
   # Loaded when a local camera is used. Its version number is that of the libavformat used for the build.
   string(REGEX REPLACE "\\..*" "" ffmpeg_number "${FFMPEG_libavformat_VERSION}")
   set(CPACK_DEBIAN_PROGRAM_PACKAGE_SUGGESTS libavdevice${ffmpeg_number})

@@ -214,6 +214,8 @@ std::vector<boxRect> Engine::boxes(kAMBLE& settings) {
     found.push_back(boxBetween(spanned->left - 1, spanned->top - 1, spanned->right + 1, spanned->bottom + 1,
                                width, shape_.height));
   }
+  if (extras_.joinGap)
+    settings.thrConnect = static_cast<float>(*extras_.joinGap * std::max(width, shape_.height));
   joinBoxes(settings, found);
   finishBoxes(settings, found, small);
   return found;

@@ -31,9 +31,10 @@ enum class Scope {
 
 // What kAMBLE has no setting for; may change between frames.
 struct Extras {
-  int peeled = 3;                // layers
-  bool wholeComponents = false;  // boxes of the unpeeled components that contain one that survived peeling
-  double absorbSeconds = 0;      // life of still foreground; 0 stands for that of the settings
+  int peeled = 3;                   // layers
+  bool wholeComponents = false;     // boxes of the unpeeled components that contain one that survived peeling
+  double absorbSeconds = 0;         // life of still foreground; 0 stands for that of the settings
+  std::optional<double> joinGap{};  // largest gap between boxes that are joined, of the longer side
 };
 
 // A rectangle of a frame.

@@ -52,9 +52,10 @@ std::optional<std::int32_t> wholeNumber(const Json::Value& value, const std::str
   return std::nullopt;
 }
 
-std::int32_t readSide(const Json::Value& document, const char* key, std::int32_t known, Findings& findings) {
+std::int32_t readSide(const Json::Value& document, const char* key, std::int32_t known, bool required,
+                      Findings& findings) {
   if (!document.isMember(key)) {
-    if (known == 0) findings.add(Severity::error, key, "is missing", "the frame size in pixels");
+    if (known == 0 && required) findings.add(Severity::error, key, "is missing", "the frame size in pixels");
     return known;
   }
   const auto stated = wholeNumber(document[key], key, "1 or more", true, findings);
@@ -118,6 +119,19 @@ const FormatRow* readFormat(const Json::Value& document, PixelFormat known, Find
   return format;
 }
 
+// Of a number or a text that is one; none for everything else.
+std::optional<double> numberOf(const Json::Value& value, const Findings& findings) {
+  if (!findings.reads(value)) return std::nullopt;
+  const std::string text = value.asString();
+  try {
+    std::size_t used = 0;
+    const double number = std::stod(text, &used);
+    return used == text.size() ? std::optional(number) : std::nullopt;
+  } catch (const std::logic_error&) {
+    return std::nullopt;
+  }
+}
+
 double readAbsorption(const Json::Value& document, Findings& findings) {
   constexpr const char* key = "absorb_seconds";
   constexpr const char* right = "0.1 to 86400 seconds, or \"forever\"";
@@ -128,20 +142,28 @@ double readAbsorption(const Json::Value& document, Findings& findings) {
     findings.addToKey(Severity::warning, "lifeStatic", "has no effect: absorb_seconds replaces it",
                       "remove it");
   }
-  double seconds = 0;
-  try {
-    if (!findings.reads(value)) throw std::invalid_argument("kind");
-    const std::string text = value.asString();
-    std::size_t used = 0;
-    seconds = std::stod(text, &used);
-    if (used != text.size()) throw std::invalid_argument("rest");
-  } catch (const std::logic_error&) {
+  const std::optional<double> seconds = numberOf(value, findings);
+  if (!seconds) {
     findings.add(Severity::error, key, shown(value) + " is not a time", right);
     return 0;
   }
-  if (seconds >= leastAbsorption && seconds <= longestAbsorption) return seconds;
+  if (*seconds >= leastAbsorption && *seconds <= longestAbsorption) return *seconds;
   findings.add(Severity::error, key, shown(value) + " is out of range", right);
   return 0;
+}
+
+std::optional<double> readJoinGap(const Json::Value& document, Findings& findings) {
+  constexpr const char* key = "join_gap";
+  constexpr const char* right = "0 to 1, of the frame's longer side";
+  if (!document.isMember(key)) return std::nullopt;
+  const Json::Value& value = document[key];
+  const std::optional<double> gap = numberOf(value, findings);
+  if (!gap) {
+    findings.add(Severity::error, key, shown(value) + " is not a number", right);
+  } else if (!(*gap >= 0 && *gap <= 1)) {
+    findings.add(Severity::error, key, shown(value) + " is out of range", right);
+  }
+  return gap;
 }
 
 bool readExtent(const Json::Value& document, Findings& findings) {
@@ -171,8 +193,8 @@ std::vector<std::string> namesOf(const Json::Value& document) {
   if (!regions.isArray()) return {"frame"};
   std::vector<std::string> names;
   for (const Json::Value& region : regions) {
-    const Json::Value& name = region["name"];
-    names.push_back(name.isString() ? name.asString() : std::string());
+    const bool named = region.isObject() && region["name"].isString();
+    names.push_back(named ? region["name"].asString() : std::string());
   }
   return names;
 }
@@ -203,11 +225,12 @@ HandleReading readHandleDocument(const Json::Value& given, const std::string& te
 
   HandleConfiguration configuration;
   FrameSize& frame = configuration.frame;
-  frame.frmW = readSide(document, "frmW", known.width, findings);
-  frame.frmH = readSide(document, "frmH", known.height, findings);
+  frame.frmW = readSide(document, "frmW", known.width, known.sizeRequired, findings);
+  frame.frmH = readSide(document, "frmH", known.height, known.sizeRequired, findings);
+  const bool hasSize = frame.frmW > 0 && frame.frmH > 0;
   if (const FormatRow* format = readFormat(document, known.format, findings)) configuration.format = *format;
   frame.frmChn = std::max(1, configuration.format.channels);
-  checkLargest(frame, findings);
+  if (hasSize) checkLargest(frame, findings);
 
   configuration.settings = check::checkScalars(document,
                                                {{"frmW", textOr(document["frmW"], frame.frmW)},
@@ -216,11 +239,12 @@ HandleReading readHandleDocument(const Json::Value& given, const std::string& te
                                                findings);
   configuration.absorbSeconds = readAbsorption(document, findings);
   configuration.wholeComponents = readExtent(document, findings);
+  configuration.joinGap = readJoinGap(document, findings);
   configuration.peeled = readPeel(document, findings);
   configuration.regionNames = namesOf(document);
 
   const check::Outlines outlines = check::readOutlines(document, findings);
-  if (!findings.anyError() && check::checkIncluded(outlines, findings)) {
+  if (!findings.anyError() && check::checkIncluded(outlines, findings) && hasSize) {
     configuration.coverage = *check::checkCoverage(outlines, frame, findings);
     check::checkMinBox(document, check::minBoxOf(configuration.settings, frame), frame,
                        &configuration.coverage, findings);

@@ -19,12 +19,13 @@ namespace lm {
 
 struct HandleConfiguration {
   Settings settings;
-  FrameSize frame;
+  FrameSize frame;  // 0 if unknown
   FormatRow format{};
   std::vector<std::string> regionNames;  // of the regions of interest
   check::Coverage coverage;
   double absorbSeconds = 0;  // 0: as lifeStatic says; infinite: for ever
   bool wholeComponents = false;
+  std::optional<double> joinGap;  // a fraction of the longer side; none: as the plug-in
   int peeled = 3;
 };
 
@@ -38,6 +39,7 @@ struct KnownFrame {
   std::int32_t width = 0;
   std::int32_t height = 0;
   PixelFormat format = PixelFormat::unknown;
+  bool sizeRequired = true;  // otherwise, without a size, nothing is checked that depends on it
 };
 
 // `document`: an object, parsed from `text`. Members that are null count as absent.

@@ -44,7 +44,8 @@ void apply(const lm::Settings& from, kAMBLE& to) {
 compact::Extras extrasOf(const lm::HandleConfiguration& configuration) {
   return {.peeled = configuration.peeled,
           .wholeComponents = configuration.wholeComponents,
-          .absorbSeconds = configuration.absorbSeconds};
+          .absorbSeconds = configuration.absorbSeconds,
+          .joinGap = configuration.joinGap};
 }
 
 std::int32_t toPixel(float fraction, std::int32_t side) {

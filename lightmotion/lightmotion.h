@@ -53,8 +53,12 @@
  *     peel              layers that are peeled off the foreground before components are found, 0 to 3
  *                       (default). Fewer keep smaller and thinner things, and more noise
  *
- * A value of null is the default, as if the key were absent. Without absorb_seconds, extent and peel the
- * boxes are those of the entry points (plugin/entry_points.h) in a fresh process.
+ *     join_gap          boxes whose gap is at most this share of the frame's longer side become one, 0 to 1.
+ *                       Smaller keeps things apart that pass each other; larger keeps a thing in one piece of
+ *                       which the detector sees several. Default: 1/32, as for the entry points
+ *
+ * A value of null is the default, as if the key were absent. Without absorb_seconds, extent, peel and
+ * join_gap the boxes are those of the entry points (plugin/entry_points.h) in a fresh process.
  *
  * A configuration is refused if it cannot be read or if nothing could ever be detected. What is accepted but
  * probably not meant, such as a misspelt key, gives a warning.

@@ -6,13 +6,13 @@ The dataset: Goyette, Jodoin, Porikli, Konrad, Ishwar: changedetection.net: A ne
 CVPR Workshops 2012.
 """
 import re
-import subprocess
 import zlib
 from pathlib import Path
 
 import cv2
 import numpy as np
 
+from .encode import encoder
 from .render import Video, cache_folder
 from .truth import MOTION, OUTSIDE, UNKNOWN, Object, Truth
 
@@ -91,9 +91,7 @@ def _encoded(path, inputs, width, height, fps):
     target = folder / f"{path.name}-{hash_of(inputs):08x}.mkv"
     if not target.exists():
         part = target.with_suffix(".part")
-        process = subprocess.Popen(["ffmpeg", "-v", "error", "-y", "-f", "rawvideo", "-pix_fmt", "bgr24", "-s", f"{width}x{height}",
-                                    "-r", f"{fps}", "-i", "-", "-c:v", "ffv1", "-pix_fmt", "bgr0", "-f", "matroska", part],
-                                   stdin=subprocess.PIPE)
+        process = encoder("lossless", width, height, fps, part)
         for picture in inputs:
             image = cv2.imread(str(picture))
             if image is None or image.shape[:2] != (height, width):

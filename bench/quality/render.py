@@ -1,9 +1,9 @@
 """Scenes as video files: rendered once, then taken from the cache."""
 import hashlib
 import os
-import subprocess
 from pathlib import Path
 
+from .encode import encoder
 from .scene import catalogue
 from .scene.sensor import Sensor
 from .truth import Truth
@@ -21,23 +21,8 @@ def _version(name):
     here = Path(__file__).parent
     others = {module for module in catalogue.modules() if module != catalogue.module_of(name)}
     sources = [path for path in sorted((here / "scene").glob("*.py")) if path.stem not in others]
-    sources += [here / "render.py", here / "truth.py"]
+    sources += [here / "encode.py", here / "truth.py"]
     return hashlib.sha256(b"".join(path.read_bytes() for path in sources)).hexdigest()[:10]
-
-
-def encoder(codec, width, height, fps, path):
-    """FFmpeg, to which frames in blue, green, red are written."""
-    kind, _, rate = codec.partition("-")
-    if kind == "lossless":
-        how = ["-c:v", "ffv1", "-pix_fmt", "bgr0"]
-    elif kind == "mjpeg":
-        how = ["-c:v", "mjpeg", "-q:v", rate, "-pix_fmt", "yuvj420p"]
-    else:  # as network cameras encode: no frames that refer forward, a key frame every four seconds
-        how = ["-c:v", "libx264", "-preset", "superfast", "-bf", "0", "-g", str(int(4 * fps)), "-pix_fmt", "yuv420p",
-               "-threads", "1"]
-        how += ["-b:v", rate, "-maxrate", rate, "-bufsize", rate] if rate.endswith("k") else ["-crf", rate]
-    return subprocess.Popen(["ffmpeg", "-v", "error", "-y", "-f", "rawvideo", "-pix_fmt", "bgr24", "-s", f"{width}x{height}",
-                             "-r", f"{fps}", "-i", "-", *how, "-f", "matroska", str(path)], stdin=subprocess.PIPE)
 
 
 class Video:
@@ -59,19 +44,23 @@ def rendered(name, seed):
 
 def _render(name, seed, path, truth_path):
     stage = catalogue.build(name, seed)
+    part, truth_part = (where.with_name(f".{where.name}.{os.getpid()}.part") for where in (path, truth_path))
+    write(stage, part).save(truth_part)
+    os.replace(truth_part, truth_path)
+    os.replace(part, path)
+
+
+def write(stage, path):
+    """Renders a stage to a video file and returns its truth."""
     camera = stage.camera
-    sensor = Sensor(stage.rng, (camera.height, camera.width), stage.sigma)
+    sensor = Sensor(stage.rng, (camera.height, camera.width), stage.sigma, blotches=stage.blotches)
     if stage.exposure:
         sensor.exposure = stage.exposure
     truth = stage.truth()
-    part = path.with_name(f".{path.name}.{os.getpid()}.part")
-    process = encoder(stage.codec, camera.width, camera.height, stage.fps, part)
+    process = encoder(stage.codec, camera.width, camera.height, stage.fps, path)
     for time, picture in stage.frames(truth):
         process.stdin.write(sensor.take(picture, time).data)
     process.stdin.close()
     if process.wait() != 0:
         raise RuntimeError(f"ffmpeg could not encode {path}")
-    truth_part = truth_path.with_name(f".{truth_path.name}.{os.getpid()}.part")
-    truth.save(truth_part)
-    os.replace(truth_part, truth_path)
-    os.replace(part, path)
+    return truth

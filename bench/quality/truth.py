@@ -11,7 +11,7 @@ import numpy as np
 STATIC, SHADOW, OUTSIDE, UNKNOWN, MOTION = 0, 50, 85, 170, 255  # values of changedetection.net
 STILL_LIMIT = 60.0  # seconds after which an object that stands still may or may not be background
 MIN_VISIBLE = 0.4   # share of an object that must be visible, and in the frame, to be demanded
-MIN_PIXELS = 20
+MIN_PIXELS = 40
 
 
 @dataclass

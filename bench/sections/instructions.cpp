@@ -5,9 +5,9 @@
 #include <limits>
 #include <memory>
 
+#include "bench/beside_program.h"
 #include "bench/sections/sections.h"
 #include "bench/table.h"
-#include "host/detector/plugin.h"
 #include "simd/cpu_level.h"
 
 namespace lm::bench {
@@ -24,8 +24,8 @@ constexpr std::array<Level, 3> kLevels = {
 double instructions_of(int level, int frames) {
   const std::string command =
       "valgrind --tool=callgrind --callgrind-out-file=/dev/null --instr-atstart=no '" +
-      host::detector::program_folder() + "/bench_level' " + std::to_string(level) + " " +
-      std::to_string(frames) + " " + text_of(kFullHd) + " 2>&1";
+      beside_program("bench_level") + "' " + std::to_string(level) + " " + std::to_string(frames) + " " +
+      text_of(kFullHd) + " 2>&1";
   const auto close = [](std::FILE* pipe) { pclose(pipe); };
   const std::unique_ptr<std::FILE, decltype(close)> output(popen(command.c_str(), "r"), close);
   double count = std::numeric_limits<double>::quiet_NaN();

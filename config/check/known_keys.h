@@ -17,7 +17,7 @@ namespace lm::check {
 std::vector<std::string> documentKeys(Reader reader = Reader::plugin);
 
 // The keys that only handles know.
-inline constexpr const char* handleKeys[] = {"format", "absorb_seconds", "extent", "peel"};
+inline constexpr const char* handleKeys[] = {"format", "absorb_seconds", "extent", "peel", "join_gap"};
 
 // The one of `known` that is most similar to `key`; empty if none is similar.
 std::string nearest(const std::string& key, const std::vector<std::string>& known);

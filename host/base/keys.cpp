@@ -97,6 +97,8 @@ constexpr Key kKeys[] = {
     {"auto_sensitivity"},
     {"static_lifetime", kSeconds},
     {"static_lifetime_frames"},
+    {"extent"},
+    {"peel"},
     {"min_box"},
     {"min_box_pixels"},
     {"watched_share", kFraction},

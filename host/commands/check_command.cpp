@@ -21,6 +21,7 @@ struct CheckOptions {
   std::optional<std::string> source;
   std::optional<cv::Size> size;
   bool json = false;
+  bool entry_points = false;
 };
 
 constexpr const char* kCheckFooter = R"(Examples:
@@ -31,7 +32,7 @@ constexpr const char* kCheckFooter = R"(Examples:
 Exit status:
   0  no findings, or notes only
   1  warnings: a setting does not do what it appears to do
-  2  errors: the plug-in refuses the configuration or could never find anything,
+  2  errors: the configuration is refused or nothing could ever be found,
      or a file cannot be read
 )";
 
@@ -50,7 +51,9 @@ int check_config(const CheckOptions& options) {
   const std::string text = base::required_text(options.config);
   std::optional<cv::Size> size = options.size;
   if (options.source) size = source::open_source(*options.source)->info().size;
-  const detector::check::Verdict verdict = detector::check::check_document(text, size);
+  const auto reader =
+      options.entry_points ? detector::check::Reader::plugin : detector::check::Reader::handle;
+  const detector::check::Verdict verdict = detector::check::check_document(text, size, reader);
   const std::string report = options.json ? detector::check::to_json(verdict) + '\n'
                                           : detector::check::to_text(options.config, verdict);
   if (std::fputs(report.c_str(), stdout) < 0 || std::fflush(stdout) != 0) {
@@ -76,7 +79,7 @@ bool is_size(const std::string& text) {
 }  // namespace
 
 void add_check_command(CLI::App& app, std::function<int()>& chosen) {
-  CLI::App* command = app.add_subcommand("check", "Check how the plug-in will interpret a configuration");
+  CLI::App* command = app.add_subcommand("check", "Check how a configuration will be interpreted");
   const auto options = std::make_shared<CheckOptions>();
   command->add_option("CONFIG", options->config, "Configuration (JSON)")->type_name("")->required();
   CLI::Option* source =
@@ -93,6 +96,8 @@ void add_check_command(CLI::App& app, std::function<int()>& chosen) {
       ->check([](const std::string& text) {
         return is_size(text) ? "" : "must be a size such as 1280x720, not " + text;
       });
+  command->add_flag("--entry-points", options->entry_points,
+                    "Check for hosts that use the plug-in by its four entry points");
   command->add_flag("--json", options->json, "Print one JSON object, for programs");
   command->footer(kCheckFooter);
   command->callback([options, &chosen] { chosen = [options] { return check_or_fail(*options); }; });

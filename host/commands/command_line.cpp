@@ -74,7 +74,7 @@ Command parse_command_line(const std::vector<std::string>& arguments) {
                "lightmotion");
   app.formatter(base::help_format());
   app.set_help_flag("-h,--help", "Print help and exit");
-  app.set_version_flag("--version", "lightmotion " LIGHTMOTION_VERSION, "Print the version and exit");
+  app.set_version_flag("--version", "lightmotion " LIGHTMOTION_PROGRAM_VERSION, "Print the version and exit");
   app.require_subcommand(1);
   app.footer(kFooter);
   std::function<int()> work;

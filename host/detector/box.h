@@ -15,4 +15,7 @@ struct Box {
 
 using Boxes = std::vector<Box>;
 
+// Clipped to the frame; empty if outside. What ends within rounding of the right or bottom border ends there.
+cv::Rect2d clipped(const cv::Rect2d& area);
+
 }  // namespace lm::host::detector

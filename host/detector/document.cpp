@@ -2,8 +2,13 @@
 
 #include <json/json.h>
 
+#include <algorithm>
+#include <iterator>
 #include <stdexcept>
+#include <string_view>
 
+#include "config/check/findings.h"
+#include "config/check/known_keys.h"
 #include "host/base/json_text.h"
 #include "host/detector/presets/presets.h"
 
@@ -12,14 +17,12 @@ namespace {
 
 const cv::Size kAnySize(640, 360);
 
-// "640" for the text "640", for the number 640 and for an omitted size, because the plug-in reads only texts.
 // A text without a number is kept; the plug-in refuses it.
 void settle_size(Json::Value& document, const char* key, int actual, bool binding = true) {
   Json::Value& stated = document[key];
   int value = actual;
   try {
     if (stated.isString()) value = std::stoi(stated.asString());
-    if (stated.isIntegral()) value = stated.asInt();
   } catch (const std::exception&) {
     return;
   }
@@ -48,10 +51,25 @@ Json::Value whole_frame() {
 
 }  // namespace
 
+std::string about(const Document& document, const std::string& cause) {
+  return document.name.empty() ? cause : document.name + ": " + cause;
+}
+
 std::string default_document() { return presets::find_preset("street")->document; }
 
-std::string complete_document(const std::string& text, cv::Size frame) {
+std::string plugin_document(const std::string& text, cv::Size frame) {
   Json::Value document = readDocument(text);
+  document.removeMember("format");  // that of the frames, or it has been refused
+  for (const std::string& key : document.getMemberNames()) {
+    if (document[key].isNull()) {
+      document.removeMember(key);
+      continue;
+    }
+    if (std::ranges::find(lm::check::handleKeys, std::string_view(key)) != std::end(lm::check::handleKeys)) {
+      throw std::invalid_argument('"' + key + "\" cannot be used with --plugin: plug-ins do not know it");
+    }
+    if (document[key].isNumeric()) document[key] = lm::check::numberText(document[key]);
+  }
   const cv::Size size = frame.empty() ? kAnySize : frame;
   settle_size(document, "frmW", size.width, !frame.empty());
   settle_size(document, "frmH", size.height, !frame.empty());

@@ -3,11 +3,15 @@
 #include <dlfcn.h>
 
 #include <cstdio>
+#include <cstdlib>
 #include <exception>
 #include <filesystem>
+#include <optional>
+#include <utility>
 #include <vector>
 
 #include "host/base/failure.h"
+#include "host/base/notice.h"
 #include "host/base/standard_streams.h"
 
 namespace lm::host::detector {
@@ -15,7 +19,13 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr const char* kFileName = "liblightmotion.so.1";
+// The program is linked with a library that has the same names, which come first in the search otherwise. The
+// address sanitizer refuses the flag.
+#ifdef __SANITIZE_ADDRESS__
+constexpr int kOwnNames = 0;
+#else
+constexpr int kOwnNames = RTLD_DEEPBIND;
+#endif
 
 // Runs `call` and returns the text of the exception thrown; empty if none.
 template <typename Call>
@@ -32,25 +42,6 @@ std::string thrown_by(Call call) {
 
 }  // namespace
 
-std::string find_plugin(const std::string& given, const std::string& program_folder) {
-  if (!given.empty()) return given;
-  const fs::path beside = program_folder;
-  const fs::path lib = beside.parent_path() / "lib";
-  std::string searched;
-  for (const fs::path& folder : {beside, lib, lib / LIGHTMOTION_MULTIARCH}) {
-    std::error_code missing;
-    if (fs::exists(folder / kFileName, missing)) return (folder / kFileName).string();
-    searched += (searched.empty() ? "" : ", ") + folder.string();
-  }
-  throw base::Failure(base::kRefused,
-                      std::string(kFileName) + " not found in " + searched + "; give its path with --plugin");
-}
-
-std::string program_folder() {
-  std::error_code error;
-  return fs::read_symlink("/proc/self/exe", error).parent_path().string();
-}
-
 void Plugin::Close::operator()(void* library) const { dlclose(library); }
 
 template <typename Function>
@@ -63,7 +54,7 @@ void Plugin::find(Function*& entry, const char* name) {
 Plugin::Plugin(const std::string& path) : path_(path) {
   // For a name without a slash dlopen would search the system's library folders.
   std::error_code error;
-  library_.reset(dlopen(fs::absolute(path, error).c_str(), RTLD_NOW | RTLD_LOCAL));
+  library_.reset(dlopen(fs::absolute(path, error).c_str(), RTLD_NOW | RTLD_LOCAL | kOwnNames));
   if (!library_) throw base::Failure(base::kRefused, std::string("cannot load the plug-in: ") + dlerror());
   find(initialization_, "initialization");
   find(frame_proc_, "frameProc");
@@ -77,6 +68,8 @@ Plugin::~Plugin() {
 
 std::string Plugin::start(const std::string& document) {
   base::CapturedStream chatter(stdout);  // standard output is for results
+  std::srand(1);                         // the plug-in draws from the process's sequence
+  first_frame_ = true;
   bool started = false;
   std::string thrown = thrown_by([&] { started = initialization_(document.c_str()); });
   if (started) return "";
@@ -92,6 +85,9 @@ void Plugin::restart(const std::string& document) {
 }
 
 std::string Plugin::process(const unsigned char* pixels, const std::string& timestamp) {
+  // It prints its buffers' sizes on the first frame, which only its developers need.
+  std::optional<base::CapturedStream> chatter;
+  if (std::exchange(first_frame_, false) && !base::shows_plugin_log()) chatter.emplace(stderr);
   std::vector<char> text(1);
   const std::string cause = thrown_by([&] {
     int length = 0;

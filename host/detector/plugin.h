@@ -1,4 +1,4 @@
-// The motion detector, loaded at run time through its four entry points.
+// A plug-in, loaded at run time and driven by its four entry points.
 #pragma once
 
 #include <memory>
@@ -8,13 +8,6 @@
 
 namespace lm::host::detector {
 
-// `given`: the requested path, used if not empty. Otherwise the plug-in is searched for beside the program
-// and in the lib folder of its installation prefix. Throws Failure (kRefused) with the places searched.
-std::string find_plugin(const std::string& given, const std::string& program_folder);
-
-// The folder of the running program.
-std::string program_folder();
-
 class Plugin {
  public:
   // Throws Failure (kRefused) if the file cannot be loaded or lacks an entry point.
@@ -23,7 +16,8 @@ class Plugin {
   Plugin(const Plugin&) = delete;
   Plugin& operator=(const Plugin&) = delete;
 
-  // Starts the detector. Returns the plug-in's own message if it refuses the document; empty if it accepts.
+  // Starts the detector as in a fresh process. Returns the plug-in's own message if it refuses the document;
+  // empty if it accepts.
   std::string start(const std::string& document);
 
   // Resets the detector's state. `document`: the one it was started with. Throws Failure if the plug-in now
@@ -43,6 +37,7 @@ class Plugin {
 
   std::string path_;
   std::unique_ptr<void, Close> library_;
+  bool first_frame_ = true;  // since the start
   decltype(&::initialization) initialization_ = nullptr;
   decltype(&::frameProc) frame_proc_ = nullptr;
   decltype(&::getRes) get_res_ = nullptr;

@@ -7,10 +7,10 @@
 namespace lm::host::detector {
 namespace {
 
-// The plug-in reads only texts, each up to the first character that is not part of the number.
+// As the detector reads it: up to the first character that is not part of the number.
 double coordinate(const Json::Value& value) {
   try {
-    return value.isString() ? std::stof(value.asString()) : 0;
+    return std::stof(value.asString());
   } catch (const std::exception&) {
     return 0;
   }
@@ -30,6 +30,8 @@ std::vector<Region> regions_of(const Json::Value& list) {
   }
   return regions;
 }
+
+Region frame_region() { return {"frame", {{0, 0}, {1, 0}, {1, 1}, {0, 1}}}; }
 
 // Names once each, of the regions that `counts` accepts.
 template <typename Counts>
@@ -57,7 +59,7 @@ bool Region::contains(cv::Point2d point) const {
 Regions::Regions(const std::string& document) {
   const Json::Value root = base::parse_json(document);
   if (!root.isObject()) return;
-  included_ = regions_of(root["roi"]);
+  included_ = root["roi"].isNull() ? std::vector<Region>{frame_region()} : regions_of(root["roi"]);
   excluded_ = regions_of(root["ror"]);
 }
 

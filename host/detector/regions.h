@@ -1,4 +1,4 @@
-// The regions of the plug-in's configuration document.
+// The regions of a configuration document.
 #pragma once
 
 #include <opencv2/core.hpp>
@@ -17,7 +17,8 @@ struct Region {
 
 class Regions {
  public:
-  // `document`: accepted by the plug-in. Entries that are not regions are skipped.
+  // `document`: accepted by the detector. Entries that are not regions are skipped; without regions of
+  // interest the whole frame is one, as for the detector.
   explicit Regions(const std::string& document);
   Regions() = default;
 

@@ -10,12 +10,12 @@
 namespace lm::host::events {
 namespace {
 
-constexpr double kSmallestSide = 0.05;  // the plug-in's default
+constexpr double kSmallestSide = 0.05;  // the default
 
-// Reads numbers as the plug-in does: strings only, up to the first character that is not part of the number.
+// Reads numbers as the detector does: up to the first character that is not part of the number.
 double side(const Json::Value& value) {
   try {
-    const float number = value.isString() ? std::stof(value.asString()) : 0;
+    const float number = std::stof(value.asString());
     return number > 0 && number <= 1 ? number : kSmallestSide;
   } catch (const std::exception&) {
     return kSmallestSide;
@@ -97,7 +97,7 @@ void Explainer::dropped(const Event& event) {
 std::string Explainer::settings() const {
   const cv::Size2d least = smallest_box(document_);
   std::string text = "  minimum box size: " + percent_text(least.width) + " of the width or " +
-                     percent_text(least.height) + " of the height; the plug-in drops boxes below both\n";
+                     percent_text(least.height) + " of the height; boxes below both are dropped\n";
   for (const HiddenPlace& place : hidden_.places()) {
     text += "  not watched: " + place.name + "; the picture changed there in " +
             counted(place.pictures, "frame", "frames") + "\n";

@@ -38,7 +38,7 @@ class Explainer : public EventListener {
   int boxes_by_light_ = 0;
 };
 
-// The minimum box size in fractions of the frame, as the plug-in reads it from the document.
+// The minimum box size in fractions of the frame, as the detector reads it from the document.
 cv::Size2d smallest_box(const std::string& document);
 
 }  // namespace lm::host::events

@@ -12,7 +12,7 @@ namespace lm::host::events {
 struct RunContext {
   const EventOptions& options;
   const source::SourceInfo& source;
-  const std::string& document;  // the plug-in's configuration
+  const std::string& document;  // the configuration
 };
 
 }  // namespace lm::host::events

@@ -1,14 +1,14 @@
-// Timestamps of frames for the plug-in.
+// Timestamps of frames for the detector.
 #pragma once
 
-#include <string>
+#include <cstdint>
 
 #include "host/source/source.h"
 
 namespace lm::host::source {
 
-// Milliseconds: a file's own time counted from 1, because the plug-in takes 0 for "unknown"; otherwise the
+// Milliseconds: a file's own time counted from 1, because plug-ins take 0 for "unknown"; otherwise the
 // wall clock.
-std::string timestamp(const SourceInfo& source, const Frame& frame);
+std::int64_t timestamp(const SourceInfo& source, const Frame& frame);
 
 }  // namespace lm::host::source

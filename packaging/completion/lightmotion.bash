@@ -15,7 +15,7 @@ _lightmotion() {
     if [[ $before == --size ]]; then
       mapfile -t COMPREPLY < <(compgen -W '640x360 1280x720 1920x1080' -- "$word")
     elif [[ $word == -* ]]; then
-      mapfile -t COMPREPLY < <(compgen -W '--source --size --json -h --help' -- "$word")
+      mapfile -t COMPREPLY < <(compgen -W '--source --size --entry-points --json -h --help' -- "$word")
     else
       mapfile -t COMPREPLY < <(compgen -f -- "$word")
     fi

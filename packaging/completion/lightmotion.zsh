@@ -6,7 +6,7 @@ _lightmotion() {
     '(- *)'{-h,--help}'[print help and exit]' \
     '(- *)--version[print the version and exit]' \
     '1:command:((run\:"find motion in a video"
-      check\:"check how the plug-in will interpret a configuration"
+      check\:"check how a configuration will be interpreted"
       presets\:"list or print configurations for common scenes"
       serve\:"watch and configure detection in a browser"
       tune\:"find settings for your own footage"))' \
@@ -21,6 +21,7 @@ _lightmotion() {
     _arguments \
       '(--size)--source[take the frame size from this video, stream or camera]:source:_files' \
       '(--source)--size[frame size]:size:(640x360 1280x720 1920x1080)' \
+      '--entry-points[check for hosts that use the plug-in by its four entry points]' \
       '--json[print one JSON object, for programs]' \
       '(- *)'{-h,--help}'[print help and exit]' \
       '1:configuration:_files -g "*.json"'
@@ -39,7 +40,7 @@ _lightmotion() {
       '--host[address to listen on]:address:(127.0.0.1 0.0.0.0)' \
       '--port[port; 0 picks a free one]:number:' \
       '--token[access token]:text:' \
-      '--plugin[the plug-in]:library:_files' \
+      '--plugin[use this plug-in by its entry points]:library:_files' \
       $reading \
       '(- *)'{-h,--help}'[print help and exit]' \
       '*:source:_files'
@@ -55,7 +56,7 @@ _lightmotion() {
       '--json[print one JSON object, for programs]' \
       '--seconds[how much of the source to analyse]:seconds:' \
       '--jobs[settings tried at the same time]:number:' \
-      '--plugin[the plug-in]:library:_files' \
+      '--plugin[use this plug-in by its entry points]:library:_files' \
       $reading \
       '(- *)'{-h,--help}'[print help and exit]' \
       '*:source:_files'
@@ -76,7 +77,7 @@ _lightmotion() {
     '--heatmap[picture of where motion was]:file:_files -g "*.png"' \
     '--snapshots[folder for the best frame of each event]:folder:_files -/' \
     '--clips[folder for each event as a video]:folder:_files -/' \
-    '--plugin[the plug-in]:library:_files' \
+    '--plugin[use this plug-in by its entry points]:library:_files' \
     $reading \
     '--out[folder for the results of many files]:folder:_files -/' \
     '--jobs[files processed at the same time]:number:' \

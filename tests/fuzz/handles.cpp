@@ -28,6 +28,8 @@ constexpr std::array<const char*, 20> members = {
     R"("absorb_seconds": null)",
     R"("extent": "full")",
     R"("extent": null)",
+    R"("join_gap": 0)",
+    R"("join_gap": 0.5)",
     R"("peel": 0)",
     R"("peel": 2)",
     R"("roi": null)",

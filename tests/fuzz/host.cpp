@@ -14,6 +14,7 @@
 #include "host/detector/check/check.h"
 #include "host/detector/check/text.h"
 #include "host/detector/document.h"
+#include "host/detector/plugin_detector.h"
 #include "host/detector/regions.h"
 #include "host/events/box.h"
 #include "host/events/event_options.h"
@@ -53,20 +54,26 @@ void readArguments(const std::string& text) {
 
 // A configuration document for frames of 640 x 360.
 void readAsDocument(const std::string& text) {
-  const check::Verdict verdict = check::check_document(text, cv::Size(640, 360));
-  for (const check::Finding& finding : verdict.findings)
-    fuzz::require(check::sentence("d", finding).find('\n') == std::string::npos,
-                  "a finding of several lines");
-  fuzz::require(!check::to_json(verdict).empty() && !check::to_text("d", verdict).empty(), "a mute verdict");
+  for (const check::Reader reader : {check::Reader::plugin, check::Reader::handle}) {
+    const check::Verdict verdict = check::check_document(text, cv::Size(640, 360), reader);
+    for (const check::Finding& finding : verdict.findings)
+      fuzz::require(check::sentence("d", finding).find('\n') == std::string::npos,
+                    "a finding of several lines");
+    fuzz::require(!check::to_json(verdict).empty() && !check::to_text("d", verdict).empty(),
+                  "a mute verdict");
+  }
   std::string document;
   try {
-    document = complete_document(text, {640, 360});
+    document = plugin_document(text, {640, 360});
   } catch (const std::invalid_argument& misfit) {
-    fuzz::require(!one_line(misfit.what()).empty(), "refused without a cause");
-    fuzz::require(verdict.refused(), "a misfit is not found");
+    const std::string cause = one_line(misfit.what());
+    fuzz::require(!cause.empty(), "refused without a cause");
+    fuzz::require(check::check_document(text, cv::Size(640, 360)).refused() ||
+                      cause.find("--plugin") != std::string::npos,
+                  "a misfit is not found");
     return;
   }
-  complete_document(document, {640, 360});  // accepted, because complete
+  plugin_document(document, {640, 360});  // accepted, because complete
   Regions(document).touched({0.25, 0.25, 0.5, 0.5});
 }
 
@@ -77,7 +84,7 @@ void readResult(const std::string& text) {
   const std::string document = text.substr(std::min(text.size(), sizeof(std::int32_t)));
   lm::host::detector::Boxes boxes = boxes_of(document);
   for (lm::host::detector::Box& box : boxes) box.regions = {document};
-  const std::string line = result_line(choices.byte(), time, boxes, document);
+  const std::string line = result_line(choices.byte(), time, boxes, choices.number<std::int64_t>());
   fuzz::require(line.find('\n') == std::string::npos, "a result of several lines");
   fuzz::require(parse_json(line).isObject(), "a result line that is not JSON");
   fuzz::require(share_under(boxes) >= 0 && share_under(boxes) <= 1, "more than the whole frame");

@@ -4,6 +4,10 @@
 
 namespace lm::host::check {
 
+host::detector::check::Verdict for_plugin(const std::string& document, std::optional<cv::Size> frame) {
+  return host::detector::check::check_document(document, frame, host::detector::check::Reader::plugin);
+}
+
 std::vector<std::string> places_of(const host::detector::check::Verdict& verdict) {
   std::vector<std::string> lines;
   for (const host::detector::check::Finding& finding : verdict.findings) {

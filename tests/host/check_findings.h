@@ -8,6 +8,9 @@
 
 namespace lm::host::check {
 
+// For the plug-in by its entry points.
+host::detector::check::Verdict for_plugin(const std::string& document, std::optional<cv::Size> frame);
+
 // Of each, "error 1:17 sensitivity": severity, position, key.
 std::vector<std::string> places_of(const host::detector::check::Verdict& verdict);
 

@@ -10,20 +10,21 @@
 
 namespace {
 
+using namespace lm::host::check;
 using namespace lm::host::detector::check;
 using namespace lm::check;
 
 // 715827882 x 3 = 2147483646 bytes; one pixel more makes 2147483649, above 2147483647.
 TEST(CheckLimits, TheLargestFrameIsAccepted) {
-  EXPECT_FALSE(check_document("{}", cv::Size(715'827'882, 1)).refused());
-  EXPECT_TRUE(check_document("{}", cv::Size(715'827'883, 1)).refused());
+  EXPECT_FALSE(for_plugin("{}", cv::Size(715'827'882, 1)).refused());
+  EXPECT_TRUE(for_plugin("{}", cv::Size(715'827'883, 1)).refused());
 }
 
 // 2 x 2500 points at 640 x 360 pixels are above 1e9; 2500 would be below.
 TEST(CheckLimits, ExclusionRegionsCountTwiceInTheWorkThatIsTooMuch) {
   std::string points;
   for (int i = 0; i < 2500; ++i) points += std::string(i == 0 ? "" : ",") + R"({"x":"0.5","y":"0.5"})";
-  const Verdict verdict = check_document(R"({"ror":[{"points":[)" + points + "]}]}", cv::Size(640, 360));
+  const Verdict verdict = for_plugin(R"({"ror":[{"points":[)" + points + "]}]}", cv::Size(640, 360));
   EXPECT_EQ(lm::host::check::finding_on(verdict, "").text,
             "too many pixels and points to check what the regions cover");
 }

@@ -4,23 +4,39 @@
 
 #include <opencv2/imgproc.hpp>
 
+#include "host/base/json_text.h"
 #include "host/base/standard_streams.h"
-#include "host/detector/check/check.h"
 #include "host/detector/document.h"
 #include "host/detector/plugin.h"
+#include "tests/host/check_findings.h"
 
 namespace {
 
 using namespace lm::host::base;
+using namespace lm::host::check;
 using namespace lm::host::detector;
 
 const cv::Size kFrame(160, 120);
 
-// Completes a document as the program does before the first frame; the plug-in's own message if it refuses.
+// What a host adds before the first frame: the size, if no text states one, and the regions.
+std::string with_frame(const std::string& text, cv::Size frame) {
+  Json::Value document = readDocument(text);
+  const Json::Value added = readDocument(plugin_document("{}", frame));
+  for (const char* key : {"frmW", "frmH", "frmChn"}) {
+    if (document[key].isIntegral()) document[key] = document[key].asString();
+    if (!document[key].isString()) document[key] = added[key];
+    if (std::stoi(document[key].asString()) != std::stoi(added[key].asString()))
+      throw std::invalid_argument(key);
+  }
+  if (!document.isMember("roi")) document["roi"] = added["roi"];
+  return verbatim_json(document);
+}
+
+// The plug-in's own message if it refuses.
 std::string refusal(Plugin& plugin, const std::string& text) {
   try {
-    return plugin.start(complete_document(text, kFrame));
-  } catch (const std::invalid_argument& misfit) {
+    return plugin.start(with_frame(text, kFrame));
+  } catch (const std::logic_error& misfit) {
     return misfit.what();
   }
 }
@@ -43,7 +59,7 @@ using CheckRefused = CheckAgainstPlugin;
 TEST_P(CheckRefused, ThePluginRefusesItToo) {
   Plugin plugin(LIGHTMOTION_PLUGIN);
   EXPECT_NE(refusal(plugin, GetParam()), "");
-  EXPECT_TRUE(check::check_document(GetParam(), kFrame).refused());
+  EXPECT_TRUE(for_plugin(GetParam(), kFrame).refused());
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -67,7 +83,7 @@ TEST_P(CheckUseless, ThePluginTakesItAndFindsNothing) {
   Plugin plugin(LIGHTMOTION_PLUGIN);
   ASSERT_EQ(refusal(plugin, GetParam()), "");
   EXPECT_FALSE(finds_motion(plugin));
-  EXPECT_TRUE(check::check_document(GetParam(), kFrame).refused());
+  EXPECT_TRUE(for_plugin(GetParam(), kFrame).refused());
 }
 
 // The last one: a region of 80 x 60 pixels and a minimum box of 144 x 108.
@@ -87,7 +103,7 @@ TEST_P(CheckAccepted, ThePluginTakesItAndFindsWhatMoves) {
   Plugin plugin(LIGHTMOTION_PLUGIN);
   ASSERT_EQ(refusal(plugin, GetParam()), "");
   EXPECT_TRUE(finds_motion(plugin));
-  EXPECT_FALSE(check::check_document(GetParam(), kFrame).refused());
+  EXPECT_FALSE(for_plugin(GetParam(), kFrame).refused());
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -113,13 +129,13 @@ TEST(CheckMemory, IsWhatThePluginTakesOnceItRuns) {
   const cv::Mat frame(kLarge, CV_8UC3, cv::Scalar::all(60));
   Plugin plugin(LIGHTMOTION_PLUGIN);
   const std::size_t before = allocated();
-  ASSERT_EQ(plugin.start(complete_document("{}", kLarge)), "");
+  ASSERT_EQ(plugin.start(plugin_document("{}", kLarge)), "");
   CapturedStream chatter(stderr);
   for (const char* time : {"1", "41", "81"}) plugin.process(frame.data, time);
   const std::size_t taken = allocated() - before;
   if (allocated() == 0) GTEST_SKIP() << "the allocator of the sanitizers counts nothing";
-  EXPECT_NEAR(static_cast<double>(check::check_document("{}", kLarge).effective->memory),
-              static_cast<double>(taken), 0.05 * static_cast<double>(taken));
+  EXPECT_NEAR(static_cast<double>(for_plugin("{}", kLarge).effective->memory), static_cast<double>(taken),
+              0.05 * static_cast<double>(taken));
 }
 
 }  // namespace

@@ -69,8 +69,7 @@ TEST_F(CheckProgram, NamesFilesThatCannotBeRead) {
 
 TEST_F(CheckProgram, TakesTheSizeFromTheSource) {
   const Outcome outcome = check(R"({"frmW": "1280"})", {"--source", ""});  // the built-in scene
-  EXPECT_THAT(outcome.output,
-              HasSubstr("c.json:1:10: error: \"frmW\": is 1280 but the source's frames have 640 "));
+  EXPECT_THAT(outcome.output, HasSubstr("c.json:1:10: error: \"frmW\": is 1280 but the frames have 640 "));
 }
 
 TEST_F(CheckProgram, RefusesInvalidSizes) {
@@ -110,7 +109,7 @@ TEST_F(CheckProgram, PrintsOneObjectForPrograms) {
   EXPECT_EQ(effective["min_box"]["width"], 0.05);
   EXPECT_EQ(effective["min_box_pixels"]["height"], 18);
   EXPECT_EQ(effective["frame_size"]["width"], 640);
-  EXPECT_EQ(effective["memory"].asUInt64(), 16'819'200U);
+  EXPECT_EQ(effective["memory"].asUInt64(), 16'848'000U);
   EXPECT_EQ(effective["watched_share"].asDouble(), 1.0);
 }
 

@@ -43,8 +43,7 @@ struct Case {
 class CheckRegion : public testing::TestWithParam<Case> {};
 
 TEST_P(CheckRegion, IsFoundWithItsPlace) {
-  const lm::host::detector::check::Verdict verdict =
-      lm::host::detector::check::check_document(GetParam().document, kFrame);
+  const lm::host::detector::check::Verdict verdict = for_plugin(GetParam().document, kFrame);
   ASSERT_THAT(places_of(verdict), ElementsAre(GetParam().place)) << GetParam().document;
   EXPECT_THAT(verdict.findings[0].text, HasSubstr(GetParam().text));
 }
@@ -117,7 +116,7 @@ std::vector<std::string> without_notes(const lm::host::detector::check::Verdict&
 }
 
 TEST(CheckRegions, AreFineWhenPointsAreGivenAsNumbersOrWithSpareBlanks) {
-  EXPECT_THAT(places_of(lm::host::detector::check::check_document(
+  EXPECT_THAT(places_of(for_plugin(
                   R"({"roi": [{"comment": "gate", "points": [{"x": 0, "y": " 0 "}, {"x": 1, "y": 0},)"
                   R"( {"x": 1, "y": 1}]}], "ror": []})",
                   kFrame)),
@@ -126,10 +125,9 @@ TEST(CheckRegions, AreFineWhenPointsAreGivenAsNumbersOrWithSpareBlanks) {
 
 TEST(CheckRegions, PointsOfARegionThatHasTooFewAreNotReadUnlessItExcludes) {
   const std::string two = R"("points":[{"x":"a","y":"0"},{"x":"1","y":"0"}])";
-  EXPECT_THAT(places_of(lm::host::detector::check::check_document(roi_and_ror(kAll, two), kFrame)),
+  EXPECT_THAT(places_of(for_plugin(roi_and_ror(kAll, two), kFrame)),
               testing::Contains(testing::StartsWith("error")));
-  EXPECT_THAT(without_notes(lm::host::detector::check::check_document(
-                  "{\"roi\":[{" + kAll + "},{" + two + "}]}", kFrame)),
+  EXPECT_THAT(without_notes(for_plugin("{\"roi\":[{" + kAll + "},{" + two + "}]}", kFrame)),
               ElementsAre(testing::StartsWith("warning")));
 }
 
@@ -137,15 +135,15 @@ TEST(CheckRegions, PointsOfARegionThatHasTooFewAreNotReadUnlessItExcludes) {
 // 179: 160 x 90 of 640 x 360 pixels.
 TEST(CheckRegions, ShareOfTheFrameIsCountedInPixels) {
   const lm::host::detector::check::Verdict verdict =
-      lm::host::detector::check::check_document(roi(rectangle("0.25", "0.25", "0.5", "0.5")), kFrame);
+      for_plugin(roi(rectangle("0.25", "0.25", "0.5", "0.5")), kFrame);
   EXPECT_EQ(verdict.effective->watched, 14400.0 / 230400);
   EXPECT_EQ(verdict.effective->memory, 230400U * 74);  // one more region mask than without regions
 }
 
 // Without the right half and without column 0, columns 1 to 320 remain.
 TEST(CheckRegions, ExclusionsTakeFromTheShare) {
-  const lm::host::detector::check::Verdict verdict = lm::host::detector::check::check_document(
-      roi_and_ror(rectangle("0", "0", "1", "1"), rectangle("0.5", "0", "1", "1")), kFrame);
+  const lm::host::detector::check::Verdict verdict =
+      for_plugin(roi_and_ror(rectangle("0", "0", "1", "1"), rectangle("0.5", "0", "1", "1")), kFrame);
   EXPECT_THAT(verdict.findings, IsEmpty());
   EXPECT_EQ(verdict.effective->watched, 0.5);
 }
@@ -154,8 +152,7 @@ TEST(CheckRegions, OneThatIsHiddenByExclusionsIsNamed) {
   const std::string document =
       "{\"roi\":[{" + kAll + "},{\"name\":\"gate\"," + rectangle("0.1", "0.1", "0.3", "0.3") +
       "}],\"ror\":[{" + rectangle("0", "0", "0.2", "1") + "},{" + rectangle("0.2", "0", "0.4", "1") + "}]}";
-  const lm::host::detector::check::Finding finding =
-      finding_on(lm::host::detector::check::check_document(document, kFrame), "roi[1]");
+  const lm::host::detector::check::Finding finding = finding_on(for_plugin(document, kFrame), "roi[1]");
   EXPECT_EQ(finding.severity, lm::check::Severity::warning);
   EXPECT_EQ(finding.text, "region \"gate\" has no effect: exclusion regions cover all of it");
 }
@@ -164,8 +161,7 @@ TEST(CheckRegions, OneThatIsHiddenByExclusionsIsNamed) {
 TEST(CheckRegions, OneVisibleByAPixelIsNotHidden) {
   const std::string document =
       roi_and_ror(rectangle("0.1", "0.1", "0.3", "0.3"), rectangle("0", "0", "0.2999", "1"));
-  const lm::host::detector::check::Verdict verdict =
-      lm::host::detector::check::check_document(document, kFrame);
+  const lm::host::detector::check::Verdict verdict = for_plugin(document, kFrame);
   EXPECT_THAT(verdict.findings, IsEmpty());
   EXPECT_EQ(verdict.effective->watched, 72.0 / 230400);
 }
@@ -175,31 +171,25 @@ TEST(CheckRegions, ThatCoverNoPixelAreNamed) {
   const std::string beside = rectangle("1.1", "0", "1.5", "1");
   for (const std::string& region : {line, beside}) {
     const lm::host::detector::check::Verdict verdict =
-        lm::host::detector::check::check_document("{\"roi\":[{" + kAll + "},{" + region + "}]}", kFrame);
+        for_plugin("{\"roi\":[{" + kAll + "},{" + region + "}]}", kFrame);
     EXPECT_THAT(finding_on(verdict, "roi[1]").text, HasSubstr("covers no pixel")) << region;
     EXPECT_FALSE(verdict.refused());
-    EXPECT_THAT(
-        finding_on(lm::host::detector::check::check_document(roi_and_ror(kAll, region), kFrame), "ror[0]")
-            .text,
-        HasSubstr("excludes nothing"));
+    EXPECT_THAT(finding_on(for_plugin(roi_and_ror(kAll, region), kFrame), "ror[0]").text,
+                HasSubstr("excludes nothing"));
   }
 }
 
 TEST(CheckRegions, AnExclusionWhereNothingIsWatchedIsNoted) {
-  const lm::host::detector::check::Verdict verdict = lm::host::detector::check::check_document(
-      roi_and_ror(rectangle("0", "0", "0.5", "1"), rectangle("0.6", "0", "0.8", "1")), kFrame);
+  const lm::host::detector::check::Verdict verdict =
+      for_plugin(roi_and_ror(rectangle("0", "0", "0.5", "1"), rectangle("0.6", "0", "0.8", "1")), kFrame);
   EXPECT_THAT(places_of(verdict), ElementsAre(testing::StartsWith("note 1:")));
   EXPECT_THAT(finding_on(verdict, "ror[0]").text, HasSubstr("overlaps no region of interest"));
 }
 
 TEST(CheckRegions, NothingWatchedIsAnError) {
-  EXPECT_THAT(
-      finding_on(lm::host::detector::check::check_document("{\"ror\":[{" + kAll + "}]}", kFrame), "ror").text,
-      HasSubstr("nothing is watched"));
-  EXPECT_THAT(finding_on(lm::host::detector::check::check_document(roi(points({{"0", "0"}, {"1", "1"}})),
-                                                                   std::nullopt),
-                         "roi")
-                  .text,
+  EXPECT_THAT(finding_on(for_plugin("{\"ror\":[{" + kAll + "}]}", kFrame), "ror").text,
+              HasSubstr("nothing is watched"));
+  EXPECT_THAT(finding_on(for_plugin(roi(points({{"0", "0"}, {"1", "1"}})), std::nullopt), "roi").text,
               HasSubstr("no region has three points"));
 }
 
@@ -207,7 +197,7 @@ TEST(CheckRegions, NothingWatchedIsAnError) {
 TEST(CheckRegions, AMinimumBoxThatNoBoxInThemReachesIsAnError) {
   const std::string sizes = R"("minBoxW":"0.9","minBoxH":"0.9",)";
   const auto verdict_on = [&](const std::string& region) {
-    return lm::host::detector::check::check_document("{" + sizes + "\"roi\":[{" + region + "}]}", kFrame);
+    return for_plugin("{" + sizes + "\"roi\":[{" + region + "}]}", kFrame);
   };
   const lm::host::detector::check::Finding finding =
       finding_on(verdict_on(rectangle("0.25", "0.25", "0.75", "0.75")), "minBoxW");
@@ -223,8 +213,7 @@ TEST(CheckRegions, AMinimumBoxThatNoBoxInThemReachesIsAnError) {
 TEST(CheckRegions, AMinimumBoxMayBeAsLargeAsTheRegionAndItsMargin) {
   const auto refused = [](const char* width, const char* height) {
     const std::string sizes = std::string(R"({"minBoxW":")") + width + R"(","minBoxH":")" + height + "\",";
-    return lm::host::detector::check::check_document(
-               sizes + "\"roi\":[{" + rectangle("0.25", "0.25", "0.75", "0.75") + "}]}", kFrame)
+    return for_plugin(sizes + "\"roi\":[{" + rectangle("0.25", "0.25", "0.75", "0.75") + "}]}", kFrame)
         .refused();
   };
   EXPECT_FALSE(refused("0.504", "0.9")) << "322.56 pixels wide, rounded down";
@@ -236,13 +225,13 @@ TEST(CheckRegions, AMinimumBoxMayBeAsLargeAsTheRegionAndItsMargin) {
 TEST(CheckRegions, AreCheckedBesideRefusedSettings) {
   const std::string line = points({{"0.1", "0.1"}, {"0.2", "0.1"}, {"0.3", "0.1"}});
   const lm::host::detector::check::Verdict verdict =
-      lm::host::detector::check::check_document("{\"lcAdap\":\"x\",\"ror\":[{" + line + "}]}", kFrame);
+      for_plugin("{\"lcAdap\":\"x\",\"ror\":[{" + line + "}]}", kFrame);
   EXPECT_THAT(places_of(verdict), ElementsAre("error 1:11 lcAdap", "warning 1:22 ror[0]"));
 }
 
 TEST(CheckRegions, AreNotDrawnAtAnUnknownFrameSize) {
-  const lm::host::detector::check::Verdict verdict = lm::host::detector::check::check_document(
-      roi(points({{"0", "0"}, {"0.5", "0"}, {"1", "0"}})), std::nullopt);
+  const lm::host::detector::check::Verdict verdict =
+      for_plugin(roi(points({{"0", "0"}, {"0.5", "0"}, {"1", "0"}})), std::nullopt);
   EXPECT_THAT(verdict.findings, IsEmpty());
   EXPECT_FALSE(verdict.effective->watched.has_value());
 }
@@ -255,8 +244,7 @@ TEST(CheckRegions, WithTooManyPointsToDrawAreAccepted) {
         .append(std::to_string(1000 + i))
         .append(R"(,"y":0.5})");
   }
-  const lm::host::detector::check::Verdict verdict =
-      lm::host::detector::check::check_document(roi("\"points\":[" + many + "]"), kFrame);
+  const lm::host::detector::check::Verdict verdict = for_plugin(roi("\"points\":[" + many + "]"), kFrame);
   EXPECT_THAT(finding_on(verdict, "").text, HasSubstr("too many"));
   EXPECT_FALSE(verdict.refused());
 }

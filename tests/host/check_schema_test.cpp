@@ -29,7 +29,7 @@ with open(sys.argv[3], "w") as verdicts:
 TEST(CheckSchema, HasTheKeysOfADocumentButThoseOfNoEffect) {
   Json::Value schema;
   std::ifstream(kSchema) >> schema;
-  std::vector<std::string> keys = lm::check::documentKeys();
+  std::vector<std::string> keys = lm::check::documentKeys(lm::check::Reader::handle);
   std::erase_if(keys, [](const std::string& key) { return key.starts_with("maxBox"); });
   EXPECT_THAT(schema["properties"].getMemberNames(), testing::UnorderedElementsAreArray(keys));
 }
@@ -43,8 +43,16 @@ TEST(CheckSchema, MarksWhatCheckMarks) {
       R"({"sensitivity": "-1", "lcAdap": "5", "minBoxW": "0.02", "minBoxH": "1"})",
       R"({"minBoxW": ".5", "minBoxH": "1.0"})",
       R"({"roi": [{"name": "a", "points": [{"x": "-1", "y": "0"}, {"x": 0.5, "y": ".5"}, {"x": "1", "y": "1."}]}], "ror": []})",
+      R"({"sensitivity": 5, "minBoxW": 0.25, "frmW": 640, "frmChn": 3, "format": "bgr"})",
+      R"({"absorb_seconds": 60, "extent": "full", "peel": 1})",
+      R"({"absorb_seconds": "forever", "extent": "core", "peel": 0})",
+      R"({"absorb_seconds": 0})",
+      R"({"absorb_seconds": "long"})",
+      R"({"extent": "whole"})",
+      R"({"peel": 4})",
+      R"({"sensitivity": 6})",
+      R"({"minBoxW": 1.5})",
       R"({"sensitivty": "5"})",
-      R"({"sensitivity": 5})",
       R"({"sensitivity": "9"})",
       R"({"lcAdap": ""})",
       R"({"minBoxW": "0"})",

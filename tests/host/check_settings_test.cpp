@@ -1,4 +1,4 @@
-// Findings on the plain settings of a configuration document.
+// Findings on the plain settings of a configuration document, for the plug-in by its entry points.
 #include <gmock/gmock.h>
 
 #include "config/check/findings.h"
@@ -24,8 +24,7 @@ struct Case {
 class CheckSetting : public testing::TestWithParam<Case> {};
 
 TEST_P(CheckSetting, IsReportedWithItsPositionAndAValidValue) {
-  const lm::host::detector::check::Verdict verdict =
-      lm::host::detector::check::check_document(GetParam().document, kFrame);
+  const lm::host::detector::check::Verdict verdict = for_plugin(GetParam().document, kFrame);
   ASSERT_THAT(places_of(verdict), ElementsAre(GetParam().place)) << GetParam().document;
   EXPECT_THAT(verdict.findings[0].text, HasSubstr(GetParam().text));
   EXPECT_THAT(verdict.findings[0].hint, HasSubstr(GetParam().hint));
@@ -105,13 +104,12 @@ TEST(CheckSettings, HaveNoFindingsWhenValid) {
                                R"({"frmW": "640", "frmH": " 360", "frmChn": "3"})",
                                R"({"minBoxW": "0.0016", "minBoxH": "0.0028"})",  // 1.024 and 1.008 pixels
                                "/* by hand */ {\"comment\": [\"street\", 3]} // end"}) {
-    EXPECT_THAT(places_of(lm::host::detector::check::check_document(document, kFrame)), IsEmpty())
-        << document;
+    EXPECT_THAT(places_of(for_plugin(document, kFrame)), IsEmpty()) << document;
   }
 }
 
 TEST(CheckSettings, FindsEveryFaultInTheOrderOfTheText) {
-  const lm::host::detector::check::Verdict verdict = lm::host::detector::check::check_document(
+  const lm::host::detector::check::Verdict verdict = for_plugin(
       "{\n"
       "  \"lifeStatic\": \"5\",\n"
       "  \"minBoxW\": \"wide\",\n"
@@ -126,21 +124,20 @@ TEST(CheckSettings, FindsEveryFaultInTheOrderOfTheText) {
 
 // The empty "minBoxW" reuses the 4 of "lcAdap", which is out of its range.
 TEST(CheckSettings, ReusedValuesAreChecked) {
-  const lm::host::detector::check::Verdict verdict =
-      lm::host::detector::check::check_document(R"({"lcAdap": "4", "minBoxW": ""})", kFrame);
+  const lm::host::detector::check::Verdict verdict = for_plugin(R"({"lcAdap": "4", "minBoxW": ""})", kFrame);
   ASSERT_THAT(places_of(verdict), ElementsAre("warning 1:28 minBoxW", "warning 1:28 minBoxW"));
   EXPECT_THAT(verdict.findings[1].text, HasSubstr("4 is out of range: 0.05 is kept"));
 }
 
 TEST(CheckSettings, ThatAreEmptyInARowReuseTheSameValue) {
-  const lm::host::detector::check::Verdict verdict = lm::host::detector::check::check_document(
-      R"({"sensitivity": "1", "lcAdap": "", "minBoxW": ""})", kFrame);
+  const lm::host::detector::check::Verdict verdict =
+      for_plugin(R"({"sensitivity": "1", "lcAdap": "", "minBoxW": ""})", kFrame);
   EXPECT_THAT(finding_on(verdict, "minBoxW").text, HasSubstr("reuses \"1\" from \"sensitivity\""));
 }
 
 TEST(CheckSettings, HaveTheEffectiveValuesOfTheirTables) {
-  const lm::host::detector::check::Verdict verdict = lm::host::detector::check::check_document(
-      R"({"sensitivity": "4", "lcAdap": "2", "minBoxW": "0.1", "minBoxH": "0.25"})", kFrame);
+  const lm::host::detector::check::Verdict verdict =
+      for_plugin(R"({"sensitivity": "4", "lcAdap": "2", "minBoxW": "0.1", "minBoxH": "0.25"})", kFrame);
   ASSERT_TRUE(verdict.effective.has_value());
   const lm::host::detector::check::Effective& effective = *verdict.effective;
   EXPECT_EQ(effective.thr_match, 9);
@@ -159,15 +156,14 @@ TEST(CheckSettings, HaveTheEffectiveValuesOfTheirTables) {
 
 TEST(CheckSettings, OutOfRangeTakeLevelThree) {
   const lm::host::detector::check::Effective effective =
-      *lm::host::detector::check::check_document(R"({"sensitivity": "9", "lcAdap": "9"})", kFrame).effective;
+      *for_plugin(R"({"sensitivity": "9", "lcAdap": "9"})", kFrame).effective;
   EXPECT_EQ(effective.thr_match, 13);
   EXPECT_EQ(effective.thr_heuris, 12);
   EXPECT_EQ(effective.thr_illum, 10);
 }
 
 TEST(CheckSettings, OmittedHaveTheDefaultsOfThePlugin) {
-  const lm::host::detector::check::Effective effective =
-      *lm::host::detector::check::check_document("{}", std::nullopt).effective;
+  const lm::host::detector::check::Effective effective = *for_plugin("{}", std::nullopt).effective;
   EXPECT_EQ(effective.thr_match, 20);
   EXPECT_EQ(effective.thr_heuris, 10);
   EXPECT_EQ(effective.thr_illum, 5);
@@ -178,28 +174,22 @@ TEST(CheckSettings, OmittedHaveTheDefaultsOfThePlugin) {
 
 TEST(CheckSettings, TheSizeIsThatOfTheDocumentWhereThereIsNoSource) {
   const lm::host::detector::check::Verdict verdict =
-      lm::host::detector::check::check_document(R"({"frmW": "800", "frmH": "600"})", std::nullopt);
+      for_plugin(R"({"frmW": "800", "frmH": "600"})", std::nullopt);
   EXPECT_EQ(verdict.effective->frame, cv::Size(800, 600));
-  EXPECT_TRUE(
-      lm::host::detector::check::check_document(R"({"frmW": "800"})", std::nullopt).effective->frame.empty());
+  EXPECT_TRUE(for_plugin(R"({"frmW": "800"})", std::nullopt).effective->frame.empty());
 }
 
 TEST(CheckSettings, FourChannelsAreAWarningWithoutASourceAndTwoAnError) {
-  EXPECT_THAT(places_of(lm::host::detector::check::check_document(R"({"frmChn": "4"})", std::nullopt)),
-              ElementsAre("warning 1:12 frmChn"));
-  EXPECT_THAT(places_of(lm::host::detector::check::check_document(R"({"frmChn": "2"})", std::nullopt)),
-              ElementsAre("error 1:12 frmChn"));
+  EXPECT_THAT(places_of(for_plugin(R"({"frmChn": "4"})", std::nullopt)), ElementsAre("warning 1:12 frmChn"));
+  EXPECT_THAT(places_of(for_plugin(R"({"frmChn": "2"})", std::nullopt)), ElementsAre("error 1:12 frmChn"));
 }
 
 // 26755 x 26755 x 3 = 2147490075, just above 2147483647; 26754 x 26754 x 3 = 2147329548, which probably
 // exceeds this computer's memory.
 TEST(CheckSettings, FramesOfMoreBytesThanThePluginCountsAreRefused) {
-  EXPECT_EQ(finding_on(lm::host::detector::check::check_document("{}", cv::Size(26755, 26755)), "").severity,
-            lm::check::Severity::error);
-  EXPECT_FALSE(lm::host::detector::check::check_document("{}", cv::Size(26754, 26754)).refused());
-  EXPECT_EQ(finding_on(lm::host::detector::check::check_document(
-                           R"({"frmW": "2147483647", "frmH": "2147483647"})", std::nullopt),
-                       "frmW")
+  EXPECT_EQ(finding_on(for_plugin("{}", cv::Size(26755, 26755)), "").severity, lm::check::Severity::error);
+  EXPECT_FALSE(for_plugin("{}", cv::Size(26754, 26754)).refused());
+  EXPECT_EQ(finding_on(for_plugin(R"({"frmW": "2147483647", "frmH": "2147483647"})", std::nullopt), "frmW")
                 .severity,
             lm::check::Severity::error);
 }
@@ -217,7 +207,7 @@ TEST(CheckSettings, MoreMemoryThanTheComputerHasIsAWarning) {
   ASSERT_EQ(short_of.inOrder().size(), 1U);
   EXPECT_EQ(short_of.inOrder()[0].severity, lm::check::Severity::warning);
   EXPECT_EQ(short_of.inOrder()[0].text,
-            "the plug-in needs 12 GB for frames of 640 x 360 pixels; this computer has 8000 MB");
+            "the detector needs 12 GB for frames of 640 x 360 pixels; this computer has 8000 MB");
 }
 
 }  // namespace

@@ -1,4 +1,4 @@
-// The program with the real plug-in.
+// The program with the real detector, by handle and as a plug-in.
 #include <gtest/gtest.h>
 
 #include <cstdlib>
@@ -18,8 +18,13 @@ using program::Folder;
 using program::Outcome;
 
 Outcome run_real(std::vector<std::string> arguments) {
-  arguments.insert(arguments.begin(), {"run", "--plugin", LIGHTMOTION_PLUGIN});
+  arguments.insert(arguments.begin(), "run");
   return program::run(arguments);
+}
+
+Outcome run_plugin(std::vector<std::string> arguments) {
+  arguments.insert(arguments.begin(), {"--plugin", LIGHTMOTION_PLUGIN});
+  return run_real(std::move(arguments));
 }
 
 // Writes the first frames of a source at another size.
@@ -81,15 +86,50 @@ TEST(Detection, ShowsTheLogLineOfAutomaticSensitivityWhenVerbose) {
   const Folder folder;
   clips::write(folder / "a.mp4", {32, 32}, clips::regular(2, std::chrono::milliseconds(40)));
   program::write(folder / "c.json", R"({"sensitivity": "-1"})");
-  const Outcome outcome = run_real({folder / "a.mp4", "-c", folder / "c.json", "-v"});
+  const Outcome outcome = run_plugin({folder / "a.mp4", "-c", folder / "c.json", "-v"});
   EXPECT_EQ(outcome.status, 0);
   EXPECT_NE(outcome.errors.find("lightmotion: plug-in: enable AUTO sensitivity\n"), std::string::npos);
 }
 
-// An empty document is refused only after the plug-in has been loaded.
-TEST(Detection, PluginIsFoundByTheProgramBesideItself) {
-  EXPECT_TRUE(
-      program::run({"run", "-c", "/dev/null"}).errors.starts_with("lightmotion: /dev/null:1:1: not JSON"));
+// Numbers, which the plug-in reads only as texts, no region, and small boxes at every border of a small
+// frame.
+TEST(Detection, IsTheSameByHandleAndAsAPlugin) {
+  const Folder folder;
+  BuiltinScene scene;
+  copy(scene, 200, {320, 180}, folder / "a.mp4");
+  program::write(folder / "c.json",
+                 R"({"sensitivity": 4, "lcAdap": null, "minBoxW": 0.02, "minBoxH": "0.05"})");
+  const std::vector<std::string> arguments{folder / "a.mp4", "--quiet", "-c", folder / "c.json"};
+  const Outcome by_handle = run_real(arguments);
+  EXPECT_EQ(by_handle.status, 0);
+  EXPECT_GT(program::lines(by_handle.output).size(), 100U);
+  const Outcome as_plugin = run_plugin(arguments);
+  EXPECT_EQ(as_plugin.errors, "");
+  EXPECT_EQ(as_plugin.output, by_handle.output);
+}
+
+TEST(Detection, IsTheSameOnTheStreetClip) {
+  const char* clips_folder = std::getenv("LIGHTMOTION_CLIPS");
+  if (clips_folder == nullptr) GTEST_SKIP() << "LIGHTMOTION_CLIPS names no folder with street.avi";
+  const std::string clip = std::string(clips_folder) + "/street.avi";
+  const Outcome by_handle = run_real({clip, "--quiet", "--scale", "0.5"});
+  EXPECT_GT(program::lines(by_handle.output).size(), 700U);
+  EXPECT_EQ(run_plugin({clip, "--quiet", "--scale", "0.5"}).output, by_handle.output);
+}
+
+TEST(Detection, KeysOfHandlesTakeEffectAndAreRefusedWithAPlugin) {
+  const Folder folder;
+  BuiltinScene scene;
+  copy(scene, 90, {320, 180}, folder / "a.mp4");
+  program::write(folder / "c.json", R"({"extent": "full", "peel": 0, "absorb_seconds": 60})");
+  const std::vector<std::string> arguments{folder / "a.mp4", "--quiet", "-c", folder / "c.json"};
+  EXPECT_NE(run_real(arguments).output, run_real({folder / "a.mp4", "--quiet"}).output);
+  const Outcome refused = run_plugin(arguments);
+  EXPECT_EQ(refused.status, 2);
+  EXPECT_EQ(refused.output, "");
+  EXPECT_EQ(refused.errors,
+            "lightmotion: " + (folder / "c.json") +
+                ": \"absorb_seconds\" cannot be used with --plugin: plug-ins do not know it\n");
 }
 
 // Positions read from the pictures: six seconds in, a man walks on the road on the right and three people

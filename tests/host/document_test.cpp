@@ -14,13 +14,13 @@ using namespace lm::host::detector;
 
 Json::Value completed(const std::string& text, cv::Size frame = {640, 360}) {
   Json::Value document;
-  std::istringstream(complete_document(text, frame)) >> document;
+  std::istringstream(plugin_document(text, frame)) >> document;
   return document;
 }
 
 std::string refusal(const std::string& text) {
   try {
-    complete_document(text, {640, 360});
+    plugin_document(text, {640, 360});
     return "accepted";
   } catch (const std::invalid_argument& error) {
     return error.what();
@@ -86,11 +86,29 @@ TEST(Document, CoversTheWholeFrameWhereNoRegionIsGiven) {
 
 TEST(Document, KeepsGivenRegionsAndAllOtherMembers) {
   const Json::Value document =
-      completed(R"({"roi": [], "ror": 7, "sensitivity": "5", "note": {"a": [1, null]}})");
+      completed(R"({"roi": [], "ror": true, "sensitivity": "5", "note": {"a": [1, null]}})");
   EXPECT_EQ(document["roi"], Json::Value(Json::arrayValue));
-  EXPECT_EQ(document["ror"], Json::Value(7));
+  EXPECT_EQ(document["ror"], Json::Value(true));
   EXPECT_EQ(document["sensitivity"], Json::Value("5"));
   EXPECT_EQ(document["note"]["a"][0], Json::Value(1));
+}
+
+TEST(Document, TurnsNumbersIntoTextsAndLeavesOutNulls) {
+  const Json::Value document =
+      completed(R"({"sensitivity": 5, "minBoxW": 0.25, "lcAdap": null, "roi": null, "frmW": 640.0})");
+  EXPECT_EQ(document["sensitivity"], Json::Value("5"));
+  EXPECT_EQ(document["minBoxW"], Json::Value("0.25"));
+  EXPECT_EQ(document["frmW"], Json::Value("640"));
+  EXPECT_FALSE(document.isMember("lcAdap"));
+  EXPECT_EQ(document["roi"][0]["name"], Json::Value("frame"));
+}
+
+TEST(Document, RefusesKeysThatOnlyDetectorsByHandleKnow) {
+  for (const char* key : {"absorb_seconds", "extent", "peel"}) {
+    EXPECT_EQ(refusal(std::string("{\"") + key + "\": 1}"),
+              std::string("\"") + key + "\" cannot be used with --plugin: plug-ins do not know it");
+  }
+  EXPECT_EQ(refusal(R"({"absorb_seconds": null, "format": "bgr"})"), "accepted");
 }
 
 TEST(Document, AcceptsComments) {

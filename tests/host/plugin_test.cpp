@@ -13,8 +13,6 @@ using namespace lm::host::base;
 using namespace lm::host::detector;
 using program::Folder;
 
-constexpr const char* kName = "liblightmotion.so.1";
-
 template <typename Call>
 std::string refusal(Call call) {
   try {
@@ -24,28 +22,6 @@ std::string refusal(Call call) {
     EXPECT_EQ(failure.status(), kRefused);
     return failure.what();
   }
-}
-
-TEST(FindPlugin, TakesThePathThatIsGiven) { EXPECT_EQ(find_plugin("x/y.so", "/nowhere"), "x/y.so"); }
-
-TEST(FindPlugin, PrefersTheProgramsOwnFolderThenTheLibFolders) {
-  const Folder folder;
-  for (const char* name : {"bin", "lib", "lib/x86_64-linux-gnu"})
-    std::filesystem::create_directory(folder / name);
-  const auto found = [&] {
-    return std::filesystem::path(find_plugin("", folder / "bin")).lexically_relative(folder / ".");
-  };
-  program::write(folder / (std::string("lib/x86_64-linux-gnu/") + kName), "");
-  EXPECT_EQ(found(), std::string("lib/x86_64-linux-gnu/") + kName);
-  program::write(folder / (std::string("lib/") + kName), "");
-  EXPECT_EQ(found(), std::string("lib/") + kName);
-  program::write(folder / (std::string("bin/") + kName), "");
-  EXPECT_EQ(found(), std::string("bin/") + kName);
-}
-
-TEST(FindPlugin, SaysWhereItLooked) {
-  const std::string text = refusal([] { find_plugin("", "/nowhere/bin"); });
-  EXPECT_NE(text.find("/nowhere/bin, /nowhere/lib, /nowhere/lib/"), std::string::npos) << text;
 }
 
 TEST(Plugin, NamesAFileThatCannotBeLoaded) {

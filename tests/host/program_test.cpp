@@ -211,14 +211,13 @@ INSTANTIATE_TEST_SUITE_P(
         RefusedCase{"NotJson", "{", "1:2: not JSON: Missing '}' or object member name"},
         RefusedCase{"NoObject", "[]", " not a JSON object"},
         RefusedCase{"OtherSize", R"({"frmW": "1"})",
-                    "1:10: \"frmW\": is 1 but the source's frames have 640 (remove it to use the source's "
-                    "value)"},
+                    "1:10: \"frmW\": is 1 but the frames have 640 (remove it to use that of the frames)"},
         RefusedCase{
             "Faulty", R"({"comment": "throw", "sensitivity": "high"})",
-            "1:37: \"sensitivity\": must be a whole number, not \"high\"; the plug-in refuses it (1 to 5, or "
+            "1:37: \"sensitivity\": must be a whole number, not \"high\"; the detector refuses it (1 to 5, or "
             "-1)"},
         RefusedCase{"FaultyTwice", R"({"lcAdap": "x", "roi": []})",
-                    "1:12: \"lcAdap\": must be a whole number, not \"x\"; the plug-in refuses it (1 to 5); "
+                    "1:12: \"lcAdap\": must be a whole number, not \"x\"; the detector refuses it (1 to 5); "
                     "and 1 more "
                     "(lightmotion check lists all)"},
         RefusedCase{
@@ -239,14 +238,13 @@ TEST(Program, NamesAConfigurationThatCannotBeRead) {
 
 TEST(Program, WarnsOfSettingsThatHaveNoEffect) {
   const Folder folder;
-  program::write(folder / "c.json", R"({"sensitivity": 5})");
+  program::write(folder / "c.json", R"({"sensitivty": 5})");
   const Outcome outcome =
       run_fake({short_clip(folder), "-c", folder / "c.json", "-o", "/dev/null", "--quiet"});
   EXPECT_EQ(outcome.status, 0);
   EXPECT_EQ(error_line(outcome),
             "lightmotion: warning: " + (folder / "c.json") +
-                ":1:17: \"sensitivity\": 5 is not a string: the plug-in ignores it and uses the "
-                "default (write \"5\")\n");
+                ":1:2: \"sensitivty\": unknown key, ignored (did you mean \"sensitivity\"?)\n");
 }
 
 TEST(Program, KeepsThePluginsChatterOutOfTheResults) {

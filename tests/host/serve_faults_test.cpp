@@ -6,6 +6,7 @@
 
 #include "host/base/failure.h"
 #include "host/commands/serve/detector_process.h"
+#include "host/commands/serve/wire.h"
 #include "tests/host/clips.h"
 #include "tests/host/program.h"
 #include "tests/host/serve_page.h"
@@ -14,6 +15,7 @@ namespace {
 
 using namespace lm::host::base;
 using namespace lm::host::commands::serve;
+using lm::host::detector::Boxes;
 using namespace std::chrono_literals;
 using program::Folder;
 using serve::Answer;
@@ -77,15 +79,43 @@ TEST(ServeDetector, IsRefusedAtTheStart) {
 }
 
 TEST(DetectorProcess, AnswersWhatThePluginDoes) {
-  DetectorProcess detector({.plugin = LIGHTMOTION_FAKE_PLUGIN, .program = LIGHTMOTION_PROGRAM},
-                           fake("pixel"));
+  DetectorProcess detector({.plugin = LIGHTMOTION_FAKE_PLUGIN, .program = LIGHTMOTION_PROGRAM}, fake("pixel"),
+                           {4, 4});
   const cv::Mat image(4, 4, CV_8UC3, cv::Scalar(64, 0, 0));
-  EXPECT_EQ(detector.process(image, "1").result, "") << "the first frame has no box";
-  const Json::Value second = serve::json(detector.process(image, "41").result);
-  EXPECT_EQ(second["object"][0]["height"].asDouble(), 0.25) << "64 of 256";
-  EXPECT_EQ(second["timestamp"], "41");
+  EXPECT_TRUE(detector.process(image, 1).boxes.empty()) << "the first frame has no box";
+  const Boxes second = detector.process(image, 41).boxes;
+  ASSERT_EQ(second.size(), 1U);
+  EXPECT_EQ(second[0].area, cv::Rect2d(0.5, 0.25, 0.1, 0.25)) << "64 of 256";
+  EXPECT_EQ(second[0].regions, std::vector<std::string>{"frame"});
   detector.restart();
-  EXPECT_EQ(detector.process(image, "1").result, "") << "a first frame again";
+  EXPECT_TRUE(detector.process(image, 1).boxes.empty()) << "a first frame again";
+}
+
+TEST(DetectorProcess, TakesImagesWhoseRowsHavePadding) {
+  DetectorProcess detector({.plugin = "", .program = LIGHTMOTION_PROGRAM}, "{}", {64, 48});
+  const cv::Mat wide(48, 80, CV_8UC3, cv::Scalar::all(60));
+  cv::Mat moved = wide.clone();
+  moved(cv::Rect(10, 10, 30, 30)) = cv::Scalar::all(220);
+  const cv::Rect part(0, 0, 64, 48);
+  for (int i = 0; i < 3; ++i) detector.process(wide(part), 1 + 40 * i);
+  EXPECT_EQ(detector.process(moved(part), 121).boxes.size(), 1U);
+}
+
+TEST(Wire, CarriesBoxes) {
+  const Boxes boxes{{{0.1, 0.2, 0.3, 0.4}, {"a", "", "gate \"b\""}}, {{0, 0, 1, 1}}};
+  const auto back = boxes_from(bytes_of(boxes));
+  ASSERT_TRUE(back);
+  ASSERT_EQ(back->size(), 2U);
+  EXPECT_EQ(back->at(0).area, boxes[0].area);
+  EXPECT_EQ(back->at(0).regions, boxes[0].regions);
+  EXPECT_EQ(back->at(1).area, boxes[1].area);
+  EXPECT_TRUE(boxes_from("")->empty());
+}
+
+TEST(Wire, RefusesBoxesThatBreakOff) {
+  const std::string bytes = bytes_of({{{0.1, 0.2, 0.3, 0.4}, {"gate"}}});
+  for (std::size_t length = 1; length < bytes.size(); ++length)
+    EXPECT_FALSE(boxes_from(bytes.substr(0, length))) << length;
 }
 
 TEST(ServeSource, IsPlayedInALoopAndReopened) {

@@ -1,8 +1,9 @@
-// The parts of tune apart from the choice: documents, processes, samples, output.
+// The parts of tune apart from the choice: documents, threads, samples, output.
 #include <gtest/gtest.h>
 #include <json/json.h>
 
-#include <csignal>
+#include <latch>
+#include <numeric>
 #include <sstream>
 
 #include "host/base/failure.h"
@@ -11,8 +12,6 @@
 #include "host/commands/tune/sample.h"
 #include "host/commands/tune/side_by_side.h"
 #include "host/commands/tune/table.h"
-#include "host/commands/tune/trial.h"
-#include "host/detector/document.h"
 #include "tests/host/clips.h"
 #include "tests/host/program.h"
 
@@ -65,49 +64,41 @@ TEST(TuneSetting, HasNeighboursInsideTheRangesOnly) {
   EXPECT_EQ(neighbours({3, 3, 4}).size(), 8U);
 }
 
-TEST(TuneProcesses, ReturnResultsInOrder) {
+TEST(TuneThreads, DoEachWorkOnceAndCountIt) {
+  std::vector<int> times(50);
   std::vector<std::size_t> done;
-  const auto results = side_by_side(
-      5, 2, [](std::size_t item) { return std::string(100'000 * item, static_cast<char>('a' + item)); },
+  side_by_side(
+      times.size(), 3, [&](std::size_t item) { ++times[item]; },
       [&](std::size_t number) { done.push_back(number); });
-  ASSERT_EQ(results.size(), 5U);
-  for (std::size_t i = 0; i < results.size(); ++i)
-    EXPECT_EQ(results[i], std::string(100'000 * i, static_cast<char>('a' + i)));
-  EXPECT_EQ(done, (std::vector<std::size_t>{1, 2, 3, 4, 5}));
+  EXPECT_EQ(times, std::vector<int>(50, 1));
+  std::vector<std::size_t> rising(50);
+  std::iota(rising.begin(), rising.end(), 1U);
+  EXPECT_EQ(done, rising);
 }
 
-TEST(TuneProcesses, PassOnAFailureWithItsStatus) {
+// Each waits until both have begun.
+TEST(TuneThreads, WorkAtTheSameTime) {
+  std::latch both(2);
+  side_by_side(
+      2, 2, [&](std::size_t) { both.arrive_and_wait(); }, [](std::size_t) {});
+}
+
+TEST(TuneThreads, PassOnTheFirstFailureAndBeginNothingMore) {
+  std::size_t begun = 0;
   try {
     side_by_side(
-        3, 1, [](std::size_t item) -> std::string { throw Failure(kRefused, "no " + std::to_string(item)); },
+        9, 1,
+        [&](std::size_t item) {
+          ++begun;
+          if (item == 2) throw Failure(kRefused, "no 2");
+        },
         [](std::size_t) {});
     FAIL() << "nothing thrown";
   } catch (const Failure& failure) {
     EXPECT_EQ(failure.status(), kRefused);
-    EXPECT_STREQ(failure.what(), "no 0");
+    EXPECT_STREQ(failure.what(), "no 2");
   }
-}
-
-TEST(TuneProcesses, ReportADeath) {
-  const auto die = [](std::size_t) -> std::string {
-    raise(SIGKILL);
-    return "";
-  };
-  EXPECT_THROW(side_by_side(1, 1, die, [](std::size_t) {}), Failure);
-}
-
-TEST(TuneBytes, AreReadBackUnchanged) {
-  Seen seen;
-  seen.looks = {{0, 0, 0}, {40'000, 3, 1}};
-  seen.happenings = {{40'000, 80'000, EventKind::kLight}};
-  const Seen back = from_bytes(to_bytes(seen));
-  ASSERT_EQ(back.looks.size(), 2U);
-  EXPECT_EQ(back.looks[1].time, 40'000);
-  EXPECT_EQ(back.looks[1].boxes, 3);
-  EXPECT_EQ(back.looks[1].by_light, 1);
-  ASSERT_EQ(back.happenings.size(), 1U);
-  EXPECT_EQ(back.happenings[0].end, 80'000);
-  EXPECT_EQ(back.happenings[0].kind, EventKind::kLight);
+  EXPECT_EQ(begun, 3U);
 }
 
 TEST(TuneSample, EndsAtItsLength) {

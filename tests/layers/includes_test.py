@@ -21,10 +21,11 @@ MAY_INCLUDE = {
     "lightmotion": ["base", "simd/cpu_level.h", "engine", "objects", "config", "compact", "plugin/result_text.h"],
     "python": ["lightmotion/lightmotion.h"],
     "gst": ["lightmotion/lightmotion.h"],
-    # The program: it drives the library by its entry points, and `check` reads the tables of its configuration.
+    # The program: it drives the library by handle or by its entry points, and `check` reads the tables of its configuration.
     "host/base": [],
     "host/source": ["host/base"],
-    "host/detector": ["host/base", "host/source", "base", "config", "engine/rules.h", "plugin/entry_points.h"],
+    "host/detector": ["host/base", "host/source", "base", "config", "engine/rules.h", "plugin/entry_points.h",
+                      "lightmotion/lightmotion.hpp"],
     "host/events": ["host/base", "host/source", "host/detector", "config"],
     "host/outputs": ["host/base", "host/source", "host/events"],
     "host/commands/run": [*BELOW_COMMANDS],

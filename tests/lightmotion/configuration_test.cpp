@@ -39,12 +39,19 @@ TEST(Configuration, RefusedNamesTheKeyTheValueAndWhatIsRight) {
            Case{R"("absorb_seconds": 86401)", "\"absorb_seconds\": 86401 is out of range"},
            Case{R"("extent": "whole")", "\"extent\": \"whole\" is not an extent (\"core\" or \"full\")"},
            Case{R"("extent": 1)", "\"extent\": 1 is not an extent"},
+           Case{R"("join_gap": 1.5)",
+                "\"join_gap\": 1.5 is out of range (0 to 1, of the frame's longer side)"},
+           Case{R"("join_gap": "-0.1")", "\"join_gap\": \"-0.1\" is out of range"},
+           Case{R"("join_gap": "nan")", "\"join_gap\": \"nan\" is out of range"},
+           Case{R"("join_gap": "near")", "\"join_gap\": \"near\" is not a number"},
+           Case{R"("join_gap": true)", "\"join_gap\": true is not a number"},
            Case{R"("peel": 4)", "\"peel\": 4 is out of range (0 to 3)"},
            Case{R"("peel": -1)", "\"peel\": -1 is out of range (0 to 3)"},
            Case{R"("peel": "2 layers")", "\"peel\": must be a whole number, not \"2 layers\" (0 to 3)"},
            Case{R"("roi": [])", "\"roi\": contains no region; the detector refuses"},
            Case{R"("roi": [{"points": [{"x": "left", "y": 0}, {"x": 1, "y": 0}, {"x": 1, "y": 1}]}])",
                 "\"roi[0].points[0].x\": must be a number, not \"left\"; the detector refuses it"},
+           Case{R"("roi": [3])", "\"roi[0]\": 3 is not a region; the detector refuses it"},
            Case{R"("roi": [{"points": []}])", "\"roi\": nothing is watched"},
            Case{R"("frmChn": 4)", "\"frmChn\": is 4 but \"bgr\" has 3"},
        }) {
@@ -70,7 +77,8 @@ TEST(Configuration, AcceptedWithoutAWord) {
   for (
       const std::string members :
       {R"("sensitivity": 5, "lcAdap": 5.0)", R"("sensitivity": "-1")", R"("absorb_seconds": "forever")",
-       R"("absorb_seconds": "60", "extent": "full", "peel": 0)", R"("frmChn": 3)", R"("comment": {})",
+       R"("absorb_seconds": "60", "extent": "full", "peel": 0, "join_gap": "0.01")", R"("frmChn": 3)",
+       R"("comment": {})",
        R"("roi": null, "ror": null, "sensitivity": null, "peel": null, "extent": null, "absorb_seconds": null)",
        R"("ror": [{"points": [{"x": 0, "y": 0}, {"x": 0.5, "y": 0}, {"x": 0.5, "y": 0.5}]}])"}) {
     EXPECT_EQ(messageFor(members, true), "");

@@ -118,6 +118,33 @@ TEST(Peel, DecidesWhichSmallThingsAreLeft) {
   EXPECT_EQ(boxesOf("\"peel\": 1", {{80, 80, 5, 5, 200}}), "");
 }
 
+// ---- join_gap ---------------------------------------------------------------------------------------------
+
+// The box of a block of 20 pixels has 16: from 22 to 38, and the other one begins at 52. A joined box is one
+// pixel wider and higher than both.
+TEST(JoinGap, BoxesUpToThatFarApartBecomeOne) {
+  const std::vector<Block> apart = {{20, 30, 20, 20, 200}, {50, 30, 20, 20, 200}};
+  EXPECT_EQ(boxesOf("", apart), "22 32 16 16 in 0; 52 32 16 16 in 0; ");
+  EXPECT_EQ(boxesOf("\"join_gap\": 0.13", apart), "22 32 16 16 in 0; 52 32 16 16 in 0; ");
+  EXPECT_EQ(boxesOf("\"join_gap\": 0.14", apart), "22 32 47 17 in 0; ");
+}
+
+// Without peeling, boxes are 22 pixels wide: 3 percent of 100 are 3 pixels, and 2 lie between these.
+const std::vector<Block> close = {{20, 30, 20, 20, 200}, {44, 30, 20, 20, 200}};
+
+TEST(JoinGap, KeepsApartWhatTheDefaultJoins) {
+  EXPECT_EQ(boxesOf("\"peel\": 0", close), "19 29 47 23 in 0; ");
+  EXPECT_EQ(boxesOf("\"peel\": 0, \"join_gap\": \"0.01\"", close), "19 29 22 22 in 0; 43 29 22 22 in 0; ");
+}
+
+TEST(JoinGap, ChangesBackToTheDefault) {
+  const Detector detector = made(documentOf(shape, "\"peel\": 0, \"join_gap\": 0"));
+  feed(detector, scene({}), 40);
+  EXPECT_EQ(lightmotion_process(detector.get(), scene(close).data(), 0, 80, nullptr), 2);
+  ASSERT_EQ(lightmotion_change(detector.get(), "{\"join_gap\": null}", nullptr, 0), LIGHTMOTION_OK);
+  EXPECT_EQ(lightmotion_process(detector.get(), scene(close).data(), 0, 120, nullptr), 1);
+}
+
 // ---- format -----------------------------------------------------------------------------------------------
 
 TEST(Format, LumaPlanesAreGrey) {

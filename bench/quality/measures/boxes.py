@@ -31,8 +31,8 @@ def union(boxes):
 
 
 def targets(objects, reported, least):
-    """What must be in a box, and what may be: objects that touch count as one, unless several of them have a box of
-    their own, or one has and no box fits around all."""
+    """What must be in a box, and what may be: objects that touch count as one, unless several of them have a box of their
+    own, or one has and no box fits around all."""
     must, may = [], []
     groups = {}
     for item in objects:

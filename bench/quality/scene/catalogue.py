@@ -5,10 +5,13 @@ import zlib
 import numpy as np
 
 SCENES = {}
+LIKE = {}  # scenes that play in the same place with the same people as another, whose random numbers they use
 
 
-def scene(function):
-    SCENES[function.__name__.replace("_", "-")] = function
+def scene(function, name=None, like=None):
+    name = name or function.__name__.replace("_", "-")
+    SCENES[name] = function
+    LIKE[name] = like or name
     return function
 
 
@@ -25,18 +28,23 @@ def names():
 
 def module_of(name):
     names()
-    return SCENES[name].__module__.rpartition(".")[2]
+    return SCENES[name.partition("~")[0]].__module__.rpartition(".")[2]
 
 
 def build(name, seed):
-    """The stage of a scene; the same for the same seed."""
+    """The stage of a scene; the same for the same seed. NAME~SECONDS: so long, and nobody comes."""
     names()
-    stage = SCENES[name](np.random.default_rng([seed, zlib.crc32(name.encode())]))
+    name, _, seconds = name.partition("~")
+    stage = SCENES[name](np.random.default_rng([seed, zlib.crc32(LIKE[name].encode())]))
     stage.about = about(name)
+    if seconds:
+        stage.seconds, stage.actors = float(seconds), []
+        for item in stage.disturbances:
+            item.end = max(item.end, stage.seconds)
     return stage
 
 
 def about(name):
     """What happens in a scene, in a sentence."""
     names()
-    return " ".join(SCENES[name].__doc__.split())
+    return " ".join(SCENES[name.partition("~")[0]].__doc__.split())

@@ -102,13 +102,15 @@ def highway(rng):
     return stage
 
 
-@scene
 def highway_exposure(rng):
     """Traffic on a motorway, 320x240, with an exposure that drifts and jumps."""
     stage = highway(rng)
     stage.exposure = drift(rng)
     disturbed(stage, 0, 45, "exposure")
     return stage
+
+
+scene(highway_exposure, like="highway")
 
 
 @scene
@@ -138,7 +140,7 @@ def busy_street(rng):
 
 @scene
 def tiny(rng):
-    """People 12 to 18 pixels tall."""
+    """People 14 to 22 pixels tall."""
     stage = Stage(rng, places.street(rng, above=26, horizon=0.0, posts=0), 10, 50)
     for start, right in ((5, True), (22, False)):
         crosses(stage, start, rng.uniform(0.45, 0.75), right, speed=2.3, margin=0.03)

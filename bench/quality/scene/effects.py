@@ -94,7 +94,7 @@ class Tree(Effect):
         self.strength = strength * side / 200 * np.clip(1.15 - rows / side, 0, 1)
         self.rates = rng.uniform(0.35, 1.4, 3)
 
-    def before(self, picture, time):
+    def before(self, picture, owner, time):
         force = self.calm
         for begin, end in self.gusts:
             force = max(force, np.clip(min(time - begin, end - time) / 1.5, 0, 1))
@@ -113,6 +113,28 @@ class Tree(Effect):
         part = picture[y0:y1, x0:x1]
         part *= 1 - alpha
         part += alpha * colours[here]
+        # Gaps between leaves through which a few pixels of an object show are no gaps.
+        hides = cv2.morphologyEx((cover[here] > 0.4).view(np.uint8), cv2.MORPH_CLOSE, np.ones((9, 9), np.uint8))
+        owner[y0:y1, x0:x1][hides != 0] = 0
+
+
+class Beam(Effect):
+    """Light on the ground ahead of a vehicle in the picture."""
+
+    def __init__(self, camera, actor, gain=1.6):
+        self.camera, self.actor, self.gain = camera, actor, gain
+        self.rows, self.columns = np.mgrid[0:1:48j, 0:1:64j].astype(np.float32)
+
+    def light(self, time):
+        state = self.actor.state(time)
+        if state is None:
+            return None
+        ahead = 7.0
+        x, z = state.x + ahead * np.cos(state.heading), state.z + ahead * np.sin(state.heading)
+        column, row = self.camera.project(x, 0, z)
+        wide = 4.0 * self.camera.scale(x, z) / self.camera.width
+        across = (self.columns - column / self.camera.width) / wide
+        return 1 + self.gain * np.exp(-across ** 2 - ((self.rows - row / self.camera.height) / (0.35 * wide)) ** 2)
 
 
 class Water(Effect):
@@ -144,7 +166,7 @@ class Rain(Effect):
         self.rng, self.camera, self.count, self.begin, self.end, self.bright = rng, camera, per_frame, begin, end, bright
         self.lean = rng.uniform(-0.25, 0.25)
 
-    def before(self, picture, time):
+    def before(self, picture, owner, time):
         if not self.begin <= time < self.end:
             return
         height, width = picture.shape[:2]
@@ -170,7 +192,7 @@ class Snow(Effect):
         self.sway = rng.uniform(0, 6.28, flakes)
         self.wind = rng.uniform(-0.12, 0.12)
 
-    def before(self, picture, time):
+    def before(self, picture, owner, time):
         if not self.begin <= time < self.end:
             return
         height, width = picture.shape[:2]

@@ -4,7 +4,7 @@ import numpy as np
 from . import places
 from .casting import crosses, disturbed, passes
 from .catalogue import scene
-from .effects import Clouds, Headlights
+from .effects import Beam, Clouds, Headlights
 from .stage import Stage
 
 
@@ -66,5 +66,7 @@ def headlights(rng):
     stage.effects.append(Headlights(spans))
     for begin, end, *_ in spans:
         disturbed(stage, begin, end, "beam of headlights")
-    passes(stage, 28, 0.5, True, 7.0, lamps=True)
+    car = passes(stage, 28, 0.5, True, 7.0, lamps=True)
+    stage.effects.append(Beam(stage.camera, car))
+    disturbed(stage, car.path.begin, car.path.end, "beam of headlights")
     return stage

@@ -1,7 +1,7 @@
 """The same street under noise and compression."""
 from . import places
 from .casting import crosses
-from .catalogue import SCENES
+from .catalogue import scene
 from .stage import Stage
 
 
@@ -30,8 +30,16 @@ def _compressed(codec, text):
     return make
 
 
-for _sigma in (0.5, 2, 4, 6, 8):
-    SCENES[f"noise-{_sigma:g}"] = _noise(_sigma)
+def _blotchy(rng):
+    """Two people on a street, noise of 8 grey levels in blotches of some pixels, as cameras leave it that smooth it."""
+    stage = _street(rng)
+    stage.sigma, stage.codec, stage.blotches = 8, "h264-18", 1.5
+    return stage
+
+
+for _sigma in (0.5, 2, 4, 6, 8, 16):
+    scene(_noise(_sigma), f"noise-{_sigma:g}", "noise")
+scene(_blotchy, "noise-blotchy", "noise")
 for _name, _codec, _text in (("low", "h264-1500k", "H.264 at 1500 kbit/s"), ("middle", "h264-400k", "H.264 at 400 kbit/s"),
                              ("high", "h264-120k", "H.264 at 120 kbit/s"), ("mjpeg", "mjpeg-8", "Motion JPEG")):
-    SCENES[f"compression-{_name}"] = _compressed(_codec, _text)
+    scene(_compressed(_codec, _text), f"compression-{_name}", "compression")

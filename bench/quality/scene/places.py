@@ -125,7 +125,6 @@ def street(rng, width=640, height=480, above=6.0, horizon=-0.15, cars=1, posts=1
     camera = Camera(width, height, above, horizon, 1.0, yaw=rng.uniform(-0.12, 0.12))
     picture = _paving(rng, camera, np.array((150, 152, 155)) * rng.uniform(0.8, 1.05))
     x, z = camera.ground_maps()
-    near, far = camera.at(0.5, 1.0)[1], camera.at(0.5, 0.0 if horizon < 0 else horizon + 0.05)[1]
     row = lambda down: camera.at(0.5, down)[1]  # noqa: E731
     # Lines along x, at rows that differ a little.
     wall, kerb, verge = row(0.2 + rng.uniform(-0.03, 0.03)), row(0.36), row(0.66 + rng.uniform(-0.03, 0.03))
@@ -150,10 +149,10 @@ def street(rng, width=640, height=480, above=6.0, horizon=-0.15, cars=1, posts=1
     mask = np.clip((z - wall) / (wall * 0.004), 0, 1)
     _put(picture, mask.astype(np.float32), masonry)
     place = Place(camera, picture)
-    for _ in range(cars):
-        parked(place, rng, rng.uniform(0.15, 0.85), camera.project(0, 0, kerb - 1.2)[1] / height, rng.choice([0, np.pi]))
     for _ in range(int(rng.integers(1, 4))):
         _bush(place, rng, rng.uniform(0, 1), rng.uniform(0.24, 0.32), rng.uniform(0.8, 1.6))
+    for _ in range(cars):
+        parked(place, rng, rng.uniform(0.15, 0.85), camera.project(0, 0, kerb - 1.2)[1] / height, rng.choice([0, np.pi]))
     for _ in range(posts):
         _post(place, rng, rng.uniform(0.2, 0.8), rng.uniform(0.68, 0.75), 6.5)
     return _finish(place, rng)

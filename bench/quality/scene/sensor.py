@@ -4,9 +4,11 @@ import numpy as np
 
 
 class Sensor:
-    """`sigma`: noise in grey levels at middle grey; half of it remains in the dark, more in the light."""
+    """`sigma`: noise in grey levels at middle grey; half of it remains in the dark, more in the light. `blotches`: pixels
+    over which it is smoothed."""
 
-    def __init__(self, rng, shape, sigma=1.6, colour_noise=0.7, sharpness=0.35):
+    def __init__(self, rng, shape, sigma=1.6, colour_noise=0.7, sharpness=0.35,
+                 blotches=0.0):
         self.rng, self.sigma, self.sharpness = rng, sigma, sharpness
         height, width = shape
         bank = []
@@ -16,6 +18,8 @@ class Sensor:
             if colour_noise:
                 colour = cv2.GaussianBlur(colour, (3, 3), 0) * 2.0  # chroma is interpolated between pixels
             mixed = grey[..., None] + colour_noise * colour
+            if blotches:
+                mixed = cv2.GaussianBlur(mixed, (0, 0), blotches)
             bank.append(mixed / np.float32(mixed[::4, ::4].std()))
         self.bank = bank
         self.exposure = lambda time, picture: 1.0

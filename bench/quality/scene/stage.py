@@ -16,8 +16,8 @@ class Effect:
     def behind(self, picture, time):
         """Changes the background, before the objects."""
 
-    def before(self, picture, time):
-        """Changes the picture, in front of the objects."""
+    def before(self, picture, owner, time):
+        """Changes the picture, in front of the objects; sets `owner` to 0 where it hides them."""
 
     def light(self, time):
         """Factor for the whole picture, or a map of factors at a fraction of the size; None: no change."""
@@ -38,7 +38,7 @@ class Stage:
         self.ambient = 1.0  # brightness of objects
         self.haze = 0.0  # share of grey in front of objects: low contrast
         self.haze_colour = np.float32((170, 170, 165))
-        self.sigma = 1.6  # noise in grey levels
+        self.sigma, self.blotches = 1.6, 0.0  # noise in grey levels, and over how many pixels it is smoothed
         self.codec = "h264-20"
         self.exposure = None  # function of time and picture: factor
         self.grain = noise(np.random.default_rng(5), 128, 128, 8, 4, 0.7).astype(np.float32)
@@ -79,7 +79,7 @@ class Stage:
                 continue
             drawn.append((actor, state, self._draw(picture, owner, label, actor, state)))
         for effect in self.effects:
-            effect.before(picture, time)
+            effect.before(picture, owner, time)
         for effect in self.effects:
             light = effect.light(time)
             if light is None:
@@ -127,7 +127,7 @@ class Stage:
                              [0, step, (sprite.top - foot[1]) * step + seed % 769]])
         grain = cv2.warpAffine(self.grain, matrix, alpha.shape[::-1], flags=cv2.INTER_LINEAR | cv2.WARP_INVERSE_MAP,
                                borderMode=cv2.BORDER_WRAP)
-        colours = colours * (self.ambient * (1 + (0.11 if base is None else 0.05) * grain))[..., None]
+        colours = colours * (self.ambient * (1 + (0.11 if base is None else 0.025) * grain))[..., None]
         colours, alpha = colours[here], alpha[here]
         for cover, row in self.hidden:
             if row > foot[1]:

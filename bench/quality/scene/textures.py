@@ -81,5 +81,5 @@ def foliage(rng, height, width, colour=(45, 95, 60)):
     depth = noise(rng, height, width, 3, 3)
     colours = tinted(colour, grain * 0.8 + depth * 0.6, 0.3)
     rows, columns = np.mgrid[-1:1:height * 1j, -1:1:width * 1j]
-    cover = 1.15 - np.sqrt(rows ** 2 + columns ** 2) + 0.16 * grain
+    cover = 0.9 - np.sqrt(rows ** 2 + columns ** 2) + 0.12 * np.clip(grain, -2, 0.8)
     return np.clip(colours, 8, 230).astype(np.float32), np.clip(cover * 9, 0, 1).astype(np.float32)

@@ -1,5 +1,5 @@
 """Systems under test, by name. Each makes a Result of a Video."""
-from . import motioncells, program, subtractors
+from . import library, motioncells, program, subtractors
 
 
 def find(name, options):
@@ -7,6 +7,8 @@ def find(name, options):
     kind = name.split(":")[0]
     if kind == "lightmotion":
         return program.system(name, options)
+    if kind == "library":
+        return library.system(name, options)
     if kind in subtractors.GRIDS and name in (kind, f"{kind}:best"):
         return subtractors.system(name)
     if name in ("motioncells", "motioncells:best"):
@@ -16,4 +18,4 @@ def find(name, options):
 
 def known():
     peers = [*subtractors.GRIDS, "motioncells"]
-    return ["lightmotion", "lightmotion:PRESET"] + [name + which for name in peers for which in ("", ":best")]
+    return ["lightmotion", "lightmotion:PRESET", "library", "library:PRESET"] + [name + which for name in peers for which in ("", ":best")]

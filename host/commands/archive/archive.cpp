@@ -25,7 +25,6 @@
 #include "host/commands/archive/folder_name.h"
 #include "host/commands/archive/shard.h"
 #include "host/commands/run/run.h"
-#include "host/detector/plugin.h"
 
 namespace lm::host::commands::archive {
 namespace {
@@ -198,12 +197,6 @@ class ArchiveRun {
   ArchiveState state_;
 };
 
-// Reports a bad plug-in or configuration once instead of once per file.
-void try_out(const run::RunOptions& options) {
-  detector::Plugin plugin(detector::find_plugin(options.plugin, detector::program_folder()));
-  run::try_configuration(plugin, options);
-}
-
 std::string table_name(const Shard& shard) {
   if (shard.count == 1) return "/files.csv";
   return "/files-" + std::to_string(shard.index + 1) + "-of-" + std::to_string(shard.count) + ".csv";
@@ -214,7 +207,7 @@ std::string table_name(const Shard& shard) {
 int run_archive(const run::RunOptions& options, const ArchiveOptions& archive) {
   const Shard shard = parse_shard(archive.shard);
   const std::vector<ArchiveFile> files = files_of(archive, shard);
-  try_out(options);
+  run::try_configuration(options);  // once instead of once per file
   const ArchiveSettings settings = settings_of(options, archive);
   const std::vector<TableRow> rows = ArchiveRun(options, archive, settings, files).all_files();
   if (base::interrupted() != 0) {

@@ -54,7 +54,7 @@ std::string settings_digest(const std::vector<std::string>& options, const std::
   std::vector<std::string> parts;
   std::ranges::copy_if(options, std::back_inserter(parts), affects_results);
   std::ranges::sort(parts);
-  std::string text = LIGHTMOTION_VERSION;
+  std::string text = LIGHTMOTION_PROGRAM_VERSION;
   for (const std::string& part : parts) text.append(1, '\0').append(part);
   return digest(text.append(2, '\0').append(configuration));
 }

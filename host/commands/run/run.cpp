@@ -7,22 +7,19 @@
 #include <cstdio>
 #include <memory>
 #include <optional>
-#include <stdexcept>
 
 #include "host/base/failure.h"
 #include "host/base/interrupt.h"
 #include "host/base/line_sink.h"
 #include "host/base/notice.h"
-#include "host/base/standard_streams.h"
 #include "host/base/time_text.h"
 #include "host/base/whole_file.h"
 #include "host/commands/run/figures.h"
 #include "host/commands/run/summary.h"
 #include "host/detector/check/before_run.h"
+#include "host/detector/detector.h"
 #include "host/detector/document.h"
-#include "host/detector/plugin.h"
 #include "host/detector/presets/presets.h"
-#include "host/detector/regions.h"
 #include "host/events/event_watch.h"
 #include "host/outputs/annotator.h"
 #include "host/outputs/listeners.h"
@@ -40,30 +37,10 @@ namespace {
 
 using std::chrono::microseconds;
 
-struct Asked {
-  std::string name;  // for messages
-  std::string text;
-};
-
-Asked asked_document(const RunOptions& options) {
+detector::Document document_of(const RunOptions& options) {
   if (!options.config.empty()) return {options.config, base::required_text(options.config)};
   if (options.preset.empty()) return {"the built-in configuration", detector::default_document()};
   return {"the preset " + options.preset, detector::presets::find_preset(options.preset)->document};
-}
-
-// Starts the plug-in; returns its completed configuration. `analysed`: the frame size; empty for any.
-std::string start(detector::Plugin& plugin, const RunOptions& options, cv::Size analysed) {
-  const auto [name, text] = asked_document(options);
-  detector::check::check_before_run(name, text, analysed.empty() ? std::nullopt : std::optional(analysed));
-  std::string document;
-  try {
-    document = detector::complete_document(text, analysed);
-  } catch (const std::invalid_argument& misfit) {
-    throw base::Failure(base::kRefused, name + ": " + misfit.what());
-  }
-  const std::string refusal = plugin.start(document);
-  if (!refusal.empty()) throw base::Failure(base::kRefused, name + ": the plug-in refuses it: " + refusal);
-  return document;
 }
 
 microseconds time_since(std::chrono::steady_clock::time_point begin) {
@@ -72,14 +49,11 @@ microseconds time_since(std::chrono::steady_clock::time_point begin) {
 
 class Run {
  public:
-  Run(const RunOptions& options, source::Source& source, detector::Plugin& plugin,
+  Run(const RunOptions& options, source::Source& source, detector::Detector& detector,
       const std::string& document)
-      : options_(options),
-        source_(source),
-        plugin_(plugin),
-        document_(document),
+      : source_(source),
+        detector_(detector),
         analysed_(options.live.scale.of(source.info().size)),
-        regions_(document),
         events_({options.events, source.info(), document}),
         progress_(options.progress.value_or(options.quiet ? outputs::ProgressMode::kNone
                                                           : outputs::ProgressMode::kBar)),
@@ -132,14 +106,6 @@ class Run {
     events_.commit();
   }
 
-  // The plug-in prints its buffers' sizes on the first frame, which only its developers need.
-  std::string process(const source::Frame& frame, const std::string& stated) {
-    std::optional<base::CapturedStream> printed;
-    if ((figures_.frames == 0 || frame.anew) && !options_.verbose) printed.emplace(stderr);
-    if (frame.anew) plugin_.restart(document_);
-    return plugin_.process(source::live::scaled(frame.image, analysed_).data, stated);
-  }
-
   void report_note(const source::Frame& frame) {
     if (frame.note.empty()) return;
     base::warn(source_.info().name + ": at " + base::seconds_text(frame.time) + " s: " + frame.note);
@@ -154,10 +120,9 @@ class Run {
 
   void one_frame(source::Frame& frame) {
     report_note(frame);
-    const std::string stated = source::timestamp(source_.info(), frame);
-    const std::string document = process(frame, stated);
-    detector::Boxes boxes = outputs::boxes_of(document);
-    for (detector::Box& box : boxes) box.regions = regions_.touched(box.area);
+    if (frame.anew) detector_.restart();
+    const std::int64_t stated = source::timestamp(source_.info(), frame);
+    const detector::Boxes boxes = detector_.process(source::live::scaled(frame.image, analysed_), stated);
     if (!boxes.empty()) {
       write_line([&] { return outputs::result_line(frame.number, frame.time, boxes, stated); });
       ++figures_.frames_with_motion;
@@ -168,12 +133,9 @@ class Run {
     ++figures_.frames;
   }
 
-  const RunOptions& options_;
   source::Source& source_;
-  detector::Plugin& plugin_;
-  const std::string& document_;
+  detector::Detector& detector_;
   const cv::Size analysed_;
-  const detector::Regions regions_;
   events::EventWatch events_;
   std::optional<outputs::Annotator> video_;
   outputs::Progress progress_;
@@ -184,14 +146,20 @@ class Run {
 
 }  // namespace
 
-void try_configuration(detector::Plugin& plugin, const RunOptions& options) { start(plugin, options, {}); }
+void try_configuration(const RunOptions& options) {
+  const detector::Document document = document_of(options);
+  detector::check::check_before_run(document.name, document.text, std::nullopt);
+  if (!options.plugin.empty()) detector::make_detector(options.plugin, document, {});
+}
 
 int run(const RunOptions& options) {
   av_log_set_level(options.verbose ? AV_LOG_INFO : AV_LOG_QUIET);
-  detector::Plugin plugin(detector::find_plugin(options.plugin, detector::program_folder()));
+  const detector::Document document = document_of(options);
   const std::unique_ptr<source::Source> source = source::open_source(options.source, options.live.reading);
-  const std::string document = start(plugin, options, options.live.scale.of(source->info().size));
-  const Figures figures = Run(options, *source, plugin, document).all_frames();
+  const cv::Size analysed = options.live.scale.of(source->info().size);
+  detector::check::check_before_run(document.name, document.text, analysed);
+  const auto detector = detector::make_detector(options.plugin, document, analysed);
+  const Figures figures = Run(options, *source, *detector, document.text).all_frames();
   if (!options.figures.empty()) write_figures(options.figures, figures);
   if (!options.quiet && options.progress != outputs::ProgressMode::kLines)
     std::fputs(summary(source->info().name, figures, options).c_str(), stderr);

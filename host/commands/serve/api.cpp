@@ -111,7 +111,7 @@ Api::Api(Player& player, const PlayerPlan& plan, std::string config)
 Reply Api::state() {
   const PlayerState now = player_.state();
   Json::Value value;
-  value["program_version"] = LIGHTMOTION_VERSION;
+  value["program_version"] = LIGHTMOTION_PROGRAM_VERSION;
   value["source"] = source_value(now.source);
   value["time"] = base::seconds_number(now.time);
   value["playing"] = now.playing;

@@ -10,6 +10,7 @@
 #include <cerrno>
 #include <csignal>
 #include <cstring>
+#include <optional>
 #include <system_error>
 #include <utility>
 #include <vector>
@@ -23,8 +24,8 @@
 namespace lm::host::commands::serve {
 namespace {
 
-// The plug-in writes no longer texts.
-constexpr std::uint64_t kMostAnswerText = std::uint64_t{64} << 20;
+// No detector has more boxes.
+constexpr std::uint64_t kMostAnswer = std::uint64_t{64} << 20;
 
 // Owns the file actions and attributes for posix_spawn.
 class SpawnPlan {
@@ -73,8 +74,9 @@ pid_t spawn(const DetectorKind& kind, int socket) {
 
 }  // namespace
 
-DetectorProcess::DetectorProcess(const DetectorKind& kind, const std::string& document, std::stop_token stop)
-    : kind_(kind), document_(document), stop_(std::move(stop)) {
+DetectorProcess::DetectorProcess(const DetectorKind& kind, const std::string& document, cv::Size frame,
+                                 std::stop_token stop)
+    : kind_(kind), document_(document), frame_(frame), stop_(std::move(stop)) {
   std::array<int, 2> ends{};
   if (socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends.data()) != 0) {
     throw base::Failure(base::kTrouble, "cannot start a detector: " + std::generic_category().message(errno));
@@ -102,31 +104,32 @@ int DetectorProcess::end() {
   return base::exit_status(status);
 }
 
-void DetectorProcess::restart() { ask(document_, nullptr, 0); }
+void DetectorProcess::restart() { ask(document_, {}, 0); }
 
-DetectorProcess::Answer DetectorProcess::process(const cv::Mat& image, const std::string& timestamp) {
-  return ask(timestamp, image.data, image.total() * image.elemSize());
+DetectorProcess::Answer DetectorProcess::process(const cv::Mat& image, std::int64_t milliseconds) {
+  return ask("", image.isContinuous() ? image : image.clone(), milliseconds);
 }
 
-DetectorProcess::Answer DetectorProcess::ask(const std::string& text, const unsigned char* pixels,
-                                             std::size_t length) {
+DetectorProcess::Answer DetectorProcess::ask(const std::string& document, const cv::Mat& image,
+                                             std::int64_t milliseconds) {
   if (process_ <= 0) throw base::Failure(base::kTrouble, "the detector has ended");
   base::Deadline deadline;
   deadline.allow(kind_.patience);
   const auto gives_up = [&] { return stop_.stop_requested() || deadline.passed(); };
-  const DetectorRequest request{text.size(), length};
+  const DetectorRequest request{frame_.width, frame_.height, document.size(),
+                                image.total() * image.elemSize(), milliseconds};
   DetectorAnswer head;
-  Answer answer;
+  std::string bytes;
   const bool heard = send_all(socket_, &request, sizeof request, gives_up) &&
-                     send_all(socket_, text.data(), text.size(), gives_up) &&
-                     send_all(socket_, pixels, length, gives_up) &&
-                     receive_all(socket_, &head, sizeof head, gives_up) && head.text <= kMostAnswerText;
-  if (heard) answer.result.resize(head.text);
-  if (!heard || !receive_all(socket_, answer.result.data(), head.text, gives_up)) fail(deadline.passed());
-  if (head.failed != 0)
-    throw base::Failure(pixels == nullptr ? base::kRefused : base::kTrouble, answer.result);
-  answer.cost = std::chrono::microseconds(head.microseconds);
-  return answer;
+                     send_all(socket_, document.data(), request.text, gives_up) &&
+                     send_all(socket_, image.data, request.pixels, gives_up) &&
+                     receive_all(socket_, &head, sizeof head, gives_up) && head.bytes <= kMostAnswer;
+  if (heard) bytes.resize(head.bytes);
+  if (!heard || !receive_all(socket_, bytes.data(), head.bytes, gives_up)) fail(deadline.passed());
+  if (head.failed != 0) throw base::Failure(image.empty() ? base::kRefused : base::kTrouble, bytes);
+  std::optional<detector::Boxes> boxes = boxes_from(bytes);
+  if (!boxes) throw base::Failure(base::kTrouble, "the detector failed: an answer that cannot be read");
+  return {std::move(*boxes), std::chrono::microseconds(head.microseconds)};
 }
 
 // Reports why a process does not answer.

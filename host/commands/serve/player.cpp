@@ -1,10 +1,6 @@
 #include "host/commands/serve/player.h"
 
-#include <stdexcept>
 #include <utility>
-
-#include "host/base/failure.h"
-#include "host/detector/document.h"
 
 namespace lm::host::commands::serve {
 Player::Player(PlayerPlan plan, const std::string& document)
@@ -29,19 +25,9 @@ void Player::stop() {
   source_stop_.request_stop();
 }
 
-std::string Player::completed(const std::string& document) const {
-  try {
-    return detector::complete_document(document, plan_.reading.scale.of(state().source.size));
-  } catch (const std::invalid_argument& misfit) {
-    throw base::Failure(base::kRefused, misfit.what());
-  }
-}
-
 Player::Detector Player::start_detector(const std::string& document) const {
-  Detector detector{completed(document), {}, nullptr};
-  detector.regions = detector::Regions(detector.document);
-  detector.process = std::make_unique<DetectorProcess>(plan_.detector, detector.document, stop_.get_token());
-  return detector;
+  const cv::Size analysed = plan_.reading.scale.of(state().source.size);
+  return {document, std::make_unique<DetectorProcess>(plan_.detector, document, analysed, stop_.get_token())};
 }
 
 PlayerState Player::state() const {

@@ -17,7 +17,6 @@
 #include "host/commands/serve/event_log.h"
 #include "host/commands/serve/pace.h"
 #include "host/commands/serve/showcase.h"
-#include "host/detector/regions.h"
 #include "host/events/event_options.h"
 #include "host/events/event_watch.h"
 #include "host/source/live/live_options.h"
@@ -68,16 +67,12 @@ class Player {
   // Makes every viewer request the state again.
   void announce();
 
-  // The completed configuration for the plug-in. Throws Failure (kRefused).
-  std::string completed(const std::string& document) const;
-
   // Ends everything at once, including waits for a picture.
   void stop();
 
  private:
   struct Detector {
-    std::string document;  // completed
-    detector::Regions regions;
+    std::string document;
     std::unique_ptr<DetectorProcess> process;
   };
   // Requests to the playing thread since its last check.

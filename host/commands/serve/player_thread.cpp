@@ -8,7 +8,6 @@
 #include "host/base/interrupt.h"
 #include "host/base/notice.h"
 #include "host/commands/serve/player.h"
-#include "host/outputs/result_line.h"
 #include "host/source/timestamp.h"
 
 namespace lm::host::commands::serve {
@@ -222,12 +221,10 @@ void Player::comparison_failed(const std::string& cause) {
 // False if there is no answer.
 bool Player::ask(const source::Frame& frame, Shot& shot) {
   const cv::Mat image = source::live::scaled(frame.image, plan_.reading.scale.of(info_.size));
-  const std::string time = source::timestamp(info_, frame);
+  const std::int64_t time = source::timestamp(info_, frame);
   const auto found = [&](Detector& detector) {
-    const DetectorProcess::Answer answer = detector.process->process(image, time);
-    events::Boxes boxes = outputs::boxes_of(answer.result);
-    for (events::Box& box : boxes) box.regions = detector.regions.touched(box.area);
-    return Found{std::move(boxes), answer.cost};
+    DetectorProcess::Answer answer = detector.process->process(image, time);
+    return Found{std::move(answer.boxes), answer.cost};
   };
   try {
     shot.found = found(detector_);

@@ -20,7 +20,6 @@
 #include "host/commands/serve/web_server.h"
 #include "host/commands/serve/worker.h"
 #include "host/detector/document.h"
-#include "host/detector/plugin.h"
 #include "host/source/live/live_options.h"
 
 extern "C" {
@@ -70,7 +69,6 @@ std::unique_ptr<Player> begin(const ServeOptions& options) {
 // Ctrl-C is the normal way to end it, so the status is 0.
 int serve(ServeOptions options) {
   av_log_set_level(AV_LOG_QUIET);
-  detector::find_plugin(options.plan.detector.plugin, detector::program_folder());
   if (!is_loopback(options.gate.host) && options.gate.token.empty()) options.gate.token = random_token();
   const std::unique_ptr<Player> player = begin(options);
   Api api(*player, options.plan, options.config);
@@ -103,7 +101,7 @@ void add_serve_command(CLI::App& app, std::function<int()>& chosen) {
                    [options](double port) { options->gate.port = static_cast<int>(port); });
   add("--token", options->gate.token, "TEXT", "Access token (default: generated when not on loopback)");
   add("--plugin", options->plan.detector.plugin, "PATH",
-      "The plug-in (default: beside the program, then the library folders)");
+      "Use this plug-in by its entry points instead of the library");
   source::live::add_live_options(*serving, options->plan.reading);
   serving->footer(kFooter);
   serving->callback([options, &chosen] { chosen = [options] { return serve(*options); }; });

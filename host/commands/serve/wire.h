@@ -5,23 +5,33 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
+
+#include "host/detector/box.h"
 
 namespace lm::host::commands::serve {
 
-// A request to the detector process: without pixels, to start with a document; otherwise to process a frame.
-// Followed by the text and the pixels.
+// A request to the detector process, for frames of this size: with a document, to start or restart; without
+// one, to process a frame. Followed by the text of the document or the pixels.
 struct DetectorRequest {
-  std::uint64_t text = 0;    // bytes of the document or the timestamp
-  std::uint64_t pixels = 0;  // bytes
+  std::int32_t width = 0;
+  std::int32_t height = 0;
+  std::uint64_t text = 0;         // bytes
+  std::uint64_t pixels = 0;       // bytes
+  std::int64_t milliseconds = 0;  // of the frame
 };
 
-// Followed by the text: the plug-in's result document, or the error message.
+// Followed by the boxes, or the error message.
 struct DetectorAnswer {
   std::uint64_t failed = 0;
-  std::uint64_t text = 0;          // bytes
-  std::uint64_t microseconds = 0;  // processing time of the plug-in
+  std::uint64_t bytes = 0;
+  std::uint64_t microseconds = 0;  // processing time of the detector
 };
+
+std::string bytes_of(const detector::Boxes& boxes);
+// None if they are not those of boxes.
+std::optional<detector::Boxes> boxes_from(const std::string& bytes);
 
 // Whether to stop waiting.
 using GivesUp = std::function<bool()>;

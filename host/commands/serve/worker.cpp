@@ -6,13 +6,15 @@
 
 #include <chrono>
 #include <csignal>
-#include <optional>
+#include <exception>
+#include <memory>
+#include <opencv2/core.hpp>
 #include <utility>
 #include <vector>
 
 #include "host/base/failure.h"
 #include "host/commands/serve/wire.h"
-#include "host/detector/plugin.h"
+#include "host/detector/detector.h"
 
 namespace lm::host::commands::serve {
 namespace {
@@ -22,41 +24,49 @@ constexpr std::uint64_t kMostRequestText = std::uint64_t{16} << 20;
 constexpr std::uint64_t kMostPixels = std::uint64_t{1} << 30;
 
 struct Question {
+  DetectorRequest head;
   std::string text;
   std::vector<unsigned char> pixels;
 };
 
 bool receive(int file, Question& question) {
-  DetectorRequest request;
-  if (!receive_all(file, &request, sizeof request)) return false;
-  if (request.text > kMostRequestText || request.pixels > kMostPixels) return false;
-  question.text.resize(request.text);
-  question.pixels.resize(request.pixels);
+  const DetectorRequest& head = question.head;
+  if (!receive_all(file, &question.head, sizeof question.head)) return false;
+  if (head.text > kMostRequestText || head.pixels > kMostPixels) return false;
+  question.text.resize(head.text);
+  question.pixels.resize(head.pixels);
   return receive_all(file, question.text.data(), question.text.size()) &&
          receive_all(file, question.pixels.data(), question.pixels.size());
 }
 
 class Worker {
  public:
-  explicit Worker(std::string path) : path_(std::move(path)) {}
+  explicit Worker(std::string plugin) : plugin_(std::move(plugin)) {}
 
-  // Returns the plug-in's result document; throws Failure if there is none.
-  std::string answer(const Question& question) {
-    if (!plugin_) plugin_.emplace(detector::find_plugin(path_, detector::program_folder()));
-    if (!question.pixels.empty()) return plugin_->process(question.pixels.data(), question.text);
-    if (started_) {
-      plugin_->restart(question.text);
-    } else if (const std::string refusal = plugin_->start(question.text); !refusal.empty()) {
-      throw base::Failure(base::kRefused, "the plug-in refuses it: " + refusal);
+  // Returns the boxes; throws Failure if there are none to return.
+  detector::Boxes answer(Question& question) {
+    const cv::Size size(question.head.width, question.head.height);
+    if (question.pixels.empty()) {
+      start(question.text, size);
+      return {};
     }
-    started_ = true;
-    return "";
+    if (!detector_ || question.pixels.size() != 3 * static_cast<std::size_t>(size.area()))
+      throw base::Failure(base::kTrouble, "a frame that does not fit");
+    return detector_->process(cv::Mat(size, CV_8UC3, question.pixels.data()), question.head.milliseconds);
   }
 
  private:
-  std::string path_;
-  std::optional<detector::Plugin> plugin_;
-  bool started_ = false;
+  // The first time with its document, later with the same.
+  void start(const std::string& document, cv::Size size) {
+    if (detector_) {
+      detector_->restart();
+    } else {
+      detector_ = detector::make_detector(plugin_, {"", document}, size);
+    }
+  }
+
+  std::string plugin_;
+  std::unique_ptr<detector::Detector> detector_;
 };
 
 bool send(int file, bool failed, const std::string& text, std::chrono::steady_clock::duration time) {
@@ -88,8 +98,8 @@ int work_as_detector(const std::string& plugin) {
     std::string text;
     bool failed = false;
     try {
-      text = worker.answer(question);
-    } catch (const base::Failure& failure) {
+      text = bytes_of(worker.answer(question));
+    } catch (const std::exception& failure) {
       text = failure.what();
       failed = true;
     }

@@ -1,4 +1,4 @@
-// `lightmotion detect`: the plug-in in its own process, controlled over a socket.
+// `lightmotion detect`: a detector in its own process, controlled over a socket.
 #pragma once
 
 #include <string>

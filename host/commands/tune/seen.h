@@ -1,4 +1,4 @@
-// The plug-in's results on the sample with one setting.
+// The detector's results on the sample with one setting.
 #pragma once
 
 #include <chrono>

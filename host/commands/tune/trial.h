@@ -1,4 +1,4 @@
-// Tries one setting on the sample, with the plug-in.
+// Tries one setting on the sample.
 #pragma once
 
 #include <string>
@@ -9,12 +9,8 @@
 
 namespace lm::host::commands::tune {
 
-// The results of `lightmotion run` with this document. Throws Failure.
+// The results of `lightmotion run` with this document. `plugin`: see make_detector. Throws Failure.
 Seen try_document(const std::string& plugin, const std::string& document, const source::live::Scale& scale,
                   const Sample& sample);
-
-// Serialization for another process.
-std::string to_bytes(const Seen& seen);
-Seen from_bytes(const std::string& bytes);
 
 }  // namespace lm::host::commands::tune

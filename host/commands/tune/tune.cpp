@@ -25,8 +25,6 @@
 #include "host/commands/tune/table.h"
 #include "host/commands/tune/trial.h"
 #include "host/detector/check/before_run.h"
-#include "host/detector/document.h"
-#include "host/detector/plugin.h"
 #include "host/outputs/report/image_bytes.h"
 
 extern "C" {
@@ -95,16 +93,21 @@ std::string base_text(const TuneOptions& options, const std::string& source) {
   return base::required_text(options.config);
 }
 
+// A process can run one plug-in at a time.
+std::size_t jobs_of(const TuneOptions& options) {
+  if (!options.plugin.empty()) return 1;
+  if (options.jobs > 0) return static_cast<std::size_t>(options.jobs);
+  return std::max<std::size_t>(1, std::thread::hardware_concurrency());
+}
+
 class Tuning {
  public:
   Tuning(const TuneOptions& options, const Sample& sample)
       : options_(options),
         sample_(sample),
-        plugin_(detector::find_plugin(options.plugin, detector::program_folder())),
         analysed_(options.live.scale.of(sample.info().size)),
         base_(base_text(options, sample.info().name)),
-        jobs_(options.jobs > 0 ? static_cast<std::size_t>(options.jobs)
-                               : std::max<std::size_t>(1, std::thread::hardware_concurrency())) {}
+        jobs_(jobs_of(options)) {}
 
   Outcome outcome() {
     if (!options_.config.empty()) detector::check::check_before_run(options_.config, base_, analysed_);
@@ -119,30 +122,21 @@ class Tuning {
   }
 
  private:
-  std::string complete(const Setting& setting) const {
-    return detector::complete_document(with_members(base_, members_of(setting)), analysed_);
-  }
-
   std::vector<Seen> try_all(const std::vector<Setting>& settings) {
-    std::vector<std::string> documents;
-    documents.reserve(settings.size());
-    for (const Setting& setting : settings) documents.push_back(complete(setting));
+    std::vector<Seen> seen(settings.size());
     const auto work = [&](std::size_t item) {
-      return to_bytes(try_document(plugin_, documents[item], options_.live.scale, sample_));
+      const std::string document = with_members(base_, members_of(settings[item]));
+      seen[item] = try_document(options_.plugin, document, options_.live.scale, sample_);
     };
     const auto done = [this](std::size_t) {
       show("settings tried: " + std::to_string(++tried_) + " of about " + std::to_string(usual_trials()));
     };
-    std::vector<Seen> seen;
-    for (const std::string& bytes : side_by_side(settings.size(), jobs_, work, done)) {
-      seen.push_back(from_bytes(bytes));
-    }
+    side_by_side(settings.size(), jobs_, work, done);
     return seen;
   }
 
   const TuneOptions& options_;
   const Sample& sample_;
-  std::string plugin_;
   cv::Size analysed_;
   std::string base_;
   std::size_t jobs_;
@@ -193,7 +187,7 @@ Outcome outcome_of(const TuneOptions& options, const Sample& sample) {
 
 int tune(const TuneOptions& options) {
   av_log_set_level(AV_LOG_QUIET);
-  cv::setNumThreads(1);  // a thread pool would not survive fork
+  cv::setNumThreads(1);  // the settings share the processors
   Files files(options);
   const Sample sample = read_sample(options);
   const Outcome outcome = outcome_of(options, sample);

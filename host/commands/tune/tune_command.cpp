@@ -72,8 +72,7 @@ void add_tune_command(CLI::App& app, std::function<int()>& chosen) {
   base::add_number(
       *command, {"--jobs", "N", "Settings tried at the same time", {1, 4096, "", true}, "one per processor"},
       [options](double jobs) { options->jobs = static_cast<int>(jobs); });
-  add("--plugin", options->plugin, "PATH",
-      "The plug-in (default: beside the program, then the library folders)");
+  add("--plugin", options->plugin, "PATH", "Use this plug-in by its entry points instead of the library");
   source::live::add_live_options(*command, options->live);
   command->footer(kFooter);
   command->callback([options, &chosen] { chosen = [options] { return tune(*options); }; });

@@ -11,6 +11,7 @@
 #include "config/check/min_box.h"
 #include "config/check/outlines.h"
 #include "config/check/scalars.h"
+#include "config/handle_document.h"
 #include "host/detector/check/effect.h"
 #include "host/detector/check/sizes.h"
 
@@ -27,7 +28,22 @@ std::optional<lm::check::Coverage> look_at_regions(const lm::check::Outlines& ou
   return lm::check::checkCoverage(outlines, {frame->width, frame->height, 3}, findings);
 }
 
-Verdict verdict_on(const Json::Value& document, std::optional<cv::Size> frame, Findings& findings) {
+Verdict verdict_by_handle(const Json::Value& document, const std::string& text,
+                          std::optional<cv::Size> frame) {
+  KnownFrame known{.format = PixelFormat::bgr, .sizeRequired = frame.has_value()};
+  if (frame) known.width = frame->width, known.height = frame->height;
+  HandleReading reading = readHandleDocument(document, text, known);
+  if (!reading.configuration) return {std::move(reading.findings), std::nullopt};
+  Verdict verdict{std::move(reading.findings), in_effect(*reading.configuration)};
+  Findings more(text);
+  check_memory(*verdict.effective, installed_memory(), more);
+  const std::vector<Finding> first = more.inOrder();  // on the document as a whole
+  verdict.findings.insert(verdict.findings.begin(), first.begin(), first.end());
+  return verdict;
+}
+
+Verdict verdict_by_entry_points(const Json::Value& document, std::optional<cv::Size> frame,
+                                Findings& findings) {
   findings.addRepeats();
   lm::check::checkKeys(document, "", lm::check::documentKeys(), findings);
   const SettledSizes sizes = check_sizes(document, frame, findings);
@@ -66,15 +82,16 @@ const char* name_of(Severity severity) {
   }
 }
 
-Verdict check_document(const std::string& text, std::optional<cv::Size> frame) {
+Verdict check_document(const std::string& text, std::optional<cv::Size> frame, Reader reader) {
   Json::Value document;
   try {
     document = lm::check::readDocument(text);
   } catch (const lm::check::NoDocument& fault) {
     return {{{Severity::error, "", fault.line(), fault.column(), fault.cause(), ""}}, std::nullopt};
   }
+  if (reader == Reader::handle) return verdict_by_handle(document, text, frame);
   Findings findings(text);
-  return verdict_on(document, frame, findings);
+  return verdict_by_entry_points(document, frame, findings);
 }
 
 }  // namespace lm::host::detector::check

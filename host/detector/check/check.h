@@ -1,5 +1,5 @@
-// How the plug-in will interpret a configuration: findings with their positions in the text, and the
-// effective values.
+// How a detector will interpret a configuration: findings with their positions in the text, and the effective
+// values.
 #pragma once
 
 #include <cstdint>
@@ -9,25 +9,29 @@
 #include <vector>
 
 #include "config/check/finding.h"
+#include "config/check/findings.h"
 
 namespace lm::host::detector::check {
 
 using lm::check::Finding;
+using lm::check::Reader;
 using lm::check::Severity;
 
 // The effective values. Members that depend on the frame size are set if it is known.
 struct Effective {
-  std::int32_t thr_match = 0;     // grey levels by which a pixel and a sample that match may differ
-  std::int32_t thr_heuris = 0;    // grey levels between two frames up to which a pixel counts as unchanged
-  std::int32_t thr_illum = 0;     // grey levels above which a lighting change is followed
-  bool auto_sensitivity = false;  // the minimum component size adapts to the scene
-  std::int32_t life_static_seconds = 0;  // after which still foreground becomes background
-  std::int32_t life_static = 0;          // the same in frames, at 30 per second
-  double min_box_width = 0;              // as fractions of the frame; a box below both is dropped
+  std::int32_t thr_match = 0;      // grey levels by which a pixel and a sample that match may differ
+  std::int32_t thr_heuris = 0;     // grey levels between two frames up to which a pixel counts as unchanged
+  std::int32_t thr_illum = 0;      // grey levels above which a lighting change is followed
+  bool auto_sensitivity = false;   // the minimum component size adapts to the scene
+  double life_static_seconds = 0;  // after which still foreground becomes background; infinite: never
+  std::int32_t life_static = 0;    // the same in frames, at 30 per second; 0: never
+  bool whole_objects = false;      // boxes around whole components instead of what is left after peeling
+  int peeled = 3;                  // layers
+  double min_box_width = 0;        // as fractions of the frame; a box below both is dropped
   double min_box_height = 0;
   cv::Size frame{};                 // empty if unknown
   cv::Size min_box_pixels{};        // the same in pixels
-  std::uint64_t memory = 0;         // bytes of the plug-in's buffers
+  std::uint64_t memory = 0;         // bytes of the detector's buffers
   std::optional<double> watched{};  // share of the frame inside the regions, 0 to 1
 };
 
@@ -37,10 +41,11 @@ struct Verdict {
   bool refused() const;                // whether a finding is an error
 };
 
-// `frame`: the size of the source's frames; otherwise the document's own "frmW" and "frmH", if present. The
-// document is checked as this program completes it for the plug-in (complete_document): with the frame size
-// and, if it has no "roi", the whole frame added.
-Verdict check_document(const std::string& text, std::optional<cv::Size> frame);
+// `frame`: the size of the source's frames; otherwise the document's own "frmW" and "frmH", if present.
+// `reader`: detectors by handle, as this program uses them, or the plug-in by its entry points, as other
+// hosts do, with the frame size and, if there is no "roi", the whole frame added.
+Verdict check_document(const std::string& text, std::optional<cv::Size> frame,
+                       Reader reader = Reader::handle);
 
 // One line: {"findings":[{"severity","key","line","column","text","hint"}],"effective":{...} or null}.
 std::string to_json(const Verdict& verdict);

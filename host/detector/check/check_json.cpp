@@ -28,8 +28,10 @@ Json::Value described(const Effective& effective) {
   object["change_threshold"] = effective.thr_heuris;
   object["lighting_threshold"] = effective.thr_illum;
   object["auto_sensitivity"] = effective.auto_sensitivity;
-  object["static_lifetime"] = double(effective.life_static_seconds);
+  object["static_lifetime"] = effective.life_static_seconds;
   object["static_lifetime_frames"] = effective.life_static;
+  object["extent"] = effective.whole_objects ? "full" : "core";
+  object["peel"] = effective.peeled;
   object["min_box"]["width"] = effective.min_box_width;
   object["min_box"]["height"] = effective.min_box_height;
   if (effective.frame.empty()) return object;

@@ -2,6 +2,9 @@
 
 #include <unistd.h>
 
+#include <cmath>
+
+#include "base/integers.h"
 #include "config/check/findings.h"
 #include "config/check/min_box.h"
 #include "engine/rules.h"
@@ -9,7 +12,7 @@
 namespace lm::host::detector::check {
 namespace {
 
-// What the plug-in needs for frames of 3 channels, beside a mask for every region: docs/architecture.md.
+// For frames of 3 channels, beside a mask for every region: docs/architecture.md.
 constexpr std::uint64_t kBytesPerPixel = 73;
 
 constexpr double kUsualRate = 30;  // frames per second
@@ -39,10 +42,27 @@ Effective in_effect(const Settings& settings, std::optional<cv::Size> frame, std
   return effective;
 }
 
+Effective in_effect(const HandleConfiguration& configuration) {
+  const FrameSize& frame = configuration.frame;
+  const bool has_size = frame.frmW > 0 && frame.frmH > 0;
+  Effective effective = in_effect(
+      configuration.settings, has_size ? std::optional(cv::Size(frame.frmW, frame.frmH)) : std::nullopt, 0);
+  if (has_size) effective.watched = configuration.coverage.share;
+  effective.memory += (configuration.coverage.regions.size() + 1) * configuration.coverage.watched.bytes();
+  effective.whole_objects = configuration.wholeComponents;
+  effective.peeled = configuration.peeled;
+  if (configuration.absorbSeconds > 0) {
+    effective.life_static_seconds = configuration.absorbSeconds;
+    effective.life_static =
+        std::isinf(configuration.absorbSeconds) ? 0 : toInt32(configuration.absorbSeconds * kUsualRate);
+  }
+  return effective;
+}
+
 void check_memory(const Effective& effective, std::uint64_t installed, Findings& findings) {
   if (installed == 0 || effective.memory <= installed) return;
   findings.add(Severity::warning, "",
-               "the plug-in needs " + memory_text(effective.memory) + " for frames of " +
+               "the detector needs " + memory_text(effective.memory) + " for frames of " +
                    in_pixels(effective.frame) + "; this computer has " + memory_text(installed),
                "use smaller frames (--scale)");
 }

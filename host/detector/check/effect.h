@@ -5,6 +5,7 @@
 #include <optional>
 
 #include "config/check/findings.h"
+#include "config/handle_document.h"
 #include "config/settings.h"
 #include "host/detector/check/check.h"
 
@@ -12,8 +13,10 @@ namespace lm::host::detector::check {
 
 using lm::check::Findings;
 
-// `regions`: the number of regions of both kinds; each has its own mask.
+// Of a plug-in. `regions`: the number of regions of both kinds; each has its own mask.
 Effective in_effect(const Settings& settings, std::optional<cv::Size> frame, std::size_t regions);
+// Of a detector by handle.
+Effective in_effect(const HandleConfiguration& configuration);
 
 // Reports frames that need more memory than this computer has.
 void check_memory(const Effective& effective, std::uint64_t installed, Findings& findings);

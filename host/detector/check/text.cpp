@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <cstdio>
 #include <vector>
 
@@ -11,6 +12,7 @@
 namespace lm::host::detector::check {
 namespace {
 
+constexpr int kUsuallyPeeled = 3;
 constexpr std::array kWorstFirst = {Severity::error, Severity::warning, Severity::note};
 
 std::string place(const std::string& name, const Finding& finding) {
@@ -38,6 +40,14 @@ std::string min_box(const Effective& effective) {
          std::to_string(effective.min_box_pixels.height) + " pixels";
 }
 
+std::string life(const Effective& effective) {
+  if (std::isinf(effective.life_static_seconds)) return "ever";
+  std::array<char, 32> seconds{};
+  std::snprintf(seconds.data(), seconds.size(), "%g", effective.life_static_seconds);
+  return std::string(seconds.data()) + " seconds, " + std::to_string(effective.life_static) +
+         " frames at 30 per second";
+}
+
 using Row = std::pair<const char*, std::string>;
 
 std::vector<Row> rows(const Effective& effective) {
@@ -47,9 +57,12 @@ std::vector<Row> rows(const Effective& effective) {
       {"counts as unchanged", "up to " + levels(effective.thr_heuris) + " (thrHeuris)"},
       {"lighting change followed", "above " + levels(effective.thr_illum) + " (thrIllum)"},
       {"minimum box size", min_box(effective)},
-      {"still objects kept for", std::to_string(effective.life_static_seconds) + " seconds, " +
-                                     std::to_string(effective.life_static) + " frames at 30 per second"},
+      {"still objects kept for", life(effective)},
   };
+  if (effective.whole_objects) table.emplace_back("boxes", "around whole objects (extent)");
+  if (effective.peeled != kUsuallyPeeled) {
+    table.emplace_back("layers peeled", std::to_string(effective.peeled) + " (peel)");
+  }
   if (effective.auto_sensitivity) table.emplace_back("minimum component size", "adapts to the video");
   if (effective.frame.empty()) return table;
   if (effective.watched) table.emplace_back("watched", percent(*effective.watched) + " of the frame");

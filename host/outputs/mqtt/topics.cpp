@@ -60,7 +60,7 @@ Message discovery_message(const std::string& discovery, const Topics& topics) {
   sensor["device"]["identifiers"].append(topics.unique_id());
   sensor["device"]["name"] = topics.camera;
   sensor["origin"]["name"] = "lightmotion";
-  sensor["origin"]["sw_version"] = LIGHTMOTION_VERSION;
+  sensor["origin"]["sw_version"] = LIGHTMOTION_PROGRAM_VERSION;
   return {MessageKind::kRetained, discovery + "/binary_sensor/" + topics.unique_id() + "/config",
           base::verbatim_json(sensor)};
 }

@@ -29,7 +29,7 @@ std::string made_now() {
   gmtime_r(&now, &parts);
   std::array<char, 64> text{};
   const std::size_t length = std::strftime(text.data(), text.size(), "%Y-%m-%d %H:%M UTC", &parts);
-  return "Made by lightmotion " LIGHTMOTION_VERSION " on " + std::string(text.data(), length) + ".";
+  return "Made by lightmotion " LIGHTMOTION_PROGRAM_VERSION " on " + std::string(text.data(), length) + ".";
 }
 
 }  // namespace

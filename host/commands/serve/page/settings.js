@@ -65,7 +65,7 @@ export const settings = [
   },
 ];
 
-const presetValue = (root, key) => (typeof root[key] === "string" ? root[key] : null);
+const presetValue = (root, key) => (["string", "number"].includes(typeof root[key]) ? String(root[key]) : null);
 
 export class Settings {
   #draft;

@@ -1,0 +1,133 @@
+#include "host/detector/adaptive.h"
+
+#include <json/json.h>
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <sstream>
+#include <string_view>
+
+#include "config/check/json_document.h"
+#include "host/detector/analysis_size.h"
+
+namespace lm::host::detector {
+namespace {
+
+using std::chrono::microseconds;
+using std::chrono::milliseconds;
+
+// Once the noise is known, two successive frames of so many are compared.
+constexpr std::int64_t kSeldom = 6;
+
+// What a configuration that leaves them out gets.
+constexpr const char* kChoices =
+    R"({"extent": "full", "absorb_seconds": 60, "minBoxW": 0.01, "minBoxH": 0.025, "lcAdap": 3})";
+
+bool sets(const Json::Value& document, const std::string& key) {
+  return document.isMember(key) && !document[key].isNull();
+}
+
+Json::Value read(const std::string& text) { return lm::check::readDocument(text.c_str()); }
+
+std::string completed(const std::string& text, int sensitivity, int peel) {
+  Json::Value document = read(text);
+  const Json::Value choices = read(kChoices);
+  for (const std::string& key : choices.getMemberNames()) {
+    const bool replaced = key == "absorb_seconds" && sets(document, "lifeStatic");
+    if (!sets(document, key) && !replaced) document[key] = choices[key];
+  }
+  if (!sets(document, "sensitivity")) document["sensitivity"] = sensitivity;
+  if (!sets(document, "peel")) document["peel"] = peel;
+  return Json::writeString(Json::StreamWriterBuilder(), document);
+}
+
+}  // namespace
+
+Adaptive::Adaptive(const std::string& document, cv::Size analysed)
+    : analysed_(analysed),
+      chooses_sensitivity_(!sets(read(document), "sensitivity")),
+      chooses_peel_(!sets(read(document), "peel")),
+      detector_(completed(document, rule_.sensitivity(), clutter_.peel()), analysed.width, analysed.height,
+                LIGHTMOTION_FORMAT_BGR) {}
+
+void Adaptive::restart() {
+  detector_.reset();
+  ghosts_.forget();
+  noise_.interrupt();
+  clutter_.interrupt();
+}
+
+Boxes Adaptive::process(const cv::Mat& image, std::int64_t stated) {
+  const cv::Mat picture = resized(image, analysed_);
+  const microseconds time = milliseconds(stated);
+  measure(picture, time);
+  Boxes boxes;
+  std::vector<cv::Rect> outlines;
+  for (const lightmotion_box& found : detector_.process(picture.data, picture.step, stated)) {
+    const cv::Rect2d area(found.rel_x, found.rel_y, found.rel_width, found.rel_height);
+    boxes.push_back({.area = area, .regions = names_of(found)});
+    outlines.emplace_back(found.x, found.y, found.width, found.height);
+  }
+  take_back(picture, time, outlines);
+  if (chooses_peel_ && clutter_.update(outlines, time)) apply();
+  return boxes;
+}
+
+void Adaptive::measure(const cv::Mat& picture, microseconds time) {
+  const std::int64_t turn = frames_++ % kSeldom;
+  const bool known = noise_.sigma().has_value();
+  if (known && turn == 0) noise_.interrupt();
+  if (known && turn > 1) return;
+  noise_.add(picture, time);
+  const std::optional<double> sigma = noise_.sigma();
+  if (sigma && rule_.update(*sigma, time)) apply();
+}
+
+void Adaptive::apply() {
+  std::string changes;
+  if (chooses_sensitivity_) changes += "\"sensitivity\": " + std::to_string(rule_.sensitivity());
+  if (chooses_peel_)
+    changes += (changes.empty() ? "\"peel\": " : ", \"peel\": ") + std::to_string(clutter_.peel());
+  if (changes.empty()) return;
+  detector_.change("{" + changes + "}");
+  if (told_) told_(chosen());
+}
+
+LearnedPictures Adaptive::learned() const {
+  LearnedPictures pictures{cv::Mat(analysed_, CV_8U), cv::Mat(analysed_, CV_8UC3)};
+  lightmotion_foreground(detector_.get(), pictures.foreground.data, pictures.foreground.step);
+  lightmotion_background(detector_.get(), pictures.background.data, pictures.background.step);
+  return pictures;
+}
+
+void Adaptive::take_back(const cv::Mat& picture, microseconds time, const std::vector<cv::Rect>& boxes) {
+  for (const GhostPart& part : ghosts_.look(picture, time, boxes, [this] { return learned(); })) {
+    detector_.relearn(part.area.x, part.area.y, part.area.width, part.area.height, part.mask.data,
+                      part.mask.step);
+  }
+}
+
+std::vector<std::string> Adaptive::names_of(const lightmotion_box& box) const {
+  std::vector<std::string> names;
+  for (std::int32_t i = 0; i < box.region_count; ++i) {
+    const std::string_view name = detector_.region_name(box.regions[i]);
+    if (std::ranges::find(names, name) == names.end()) names.emplace_back(name);
+  }
+  return names;
+}
+
+std::string Adaptive::chosen() const {
+  std::array<char, 60> text{};
+  std::snprintf(text.data(), text.size(), "analysed in %dx%d", analysed_.width, analysed_.height);
+  std::string line = text.data();
+  if (const std::optional<double> sigma = noise_.sigma()) {
+    std::snprintf(text.data(), text.size(), ", noise %.1f", *sigma);
+    line += text.data();
+  }
+  if (chooses_sensitivity_) line += ", sensitivity " + std::to_string(rule_.sensitivity());
+  if (chooses_peel_) line += ", peel " + std::to_string(clutter_.peel());
+  return line;
+}
+
+}  // namespace lm::host::detector

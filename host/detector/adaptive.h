@@ -1,0 +1,55 @@
+// A detector that adapts to its scene: it chooses the size in which frames are analysed, measures the noise
+// of the picture and chooses sensitivity and peeling by it, and takes back the places that something has
+// left.
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <functional>
+#include <opencv2/core.hpp>
+#include <string>
+
+#include "host/detector/box.h"
+#include "host/detector/clutter.h"
+#include "host/detector/ghosts.h"
+#include "host/detector/noise.h"
+#include "lightmotion/lightmotion.hpp"
+
+namespace lm::host::detector {
+
+class Adaptive {
+ public:
+  // `document`: a configuration. What it sets is never changed; what it leaves out is chosen. `analysed`: the
+  // size of the analysis. Throws lightmotion::Error if the configuration is refused.
+  Adaptive(const std::string& document, cv::Size analysed);
+
+  // Called with one line when something else is chosen while it runs.
+  void set_listener(std::function<void(const std::string&)> told) { told_ = std::move(told); }
+
+  void restart();
+
+  // As Detector::process, for frames of any size.
+  Boxes process(const cv::Mat& image, std::int64_t milliseconds);
+
+  // What is in force, such as "analysed in 640x480, noise 2.1, sensitivity 4, peel 1".
+  std::string chosen() const;
+
+ private:
+  void measure(const cv::Mat& picture, std::chrono::microseconds time);
+  void apply();
+  LearnedPictures learned() const;
+  void take_back(const cv::Mat& picture, std::chrono::microseconds time, const std::vector<cv::Rect>& boxes);
+  std::vector<std::string> names_of(const lightmotion_box& box) const;
+
+  cv::Size analysed_;
+  bool chooses_sensitivity_, chooses_peel_;
+  NoiseMeter noise_;
+  NoiseRule rule_;
+  ClutterRule clutter_;
+  lightmotion::Detector detector_;
+  Ghosts ghosts_;
+  std::int64_t frames_ = 0;
+  std::function<void(const std::string&)> told_;
+};
+
+}  // namespace lm::host::detector
