@@ -1,4 +1,6 @@
 """Scenes as video files: rendered once, then taken from the cache."""
+import ast
+import functools
 import hashlib
 import os
 from pathlib import Path
@@ -16,13 +18,16 @@ def cache_folder():
     return Path(os.environ.get("LIGHTMOTION_SCENES") or ROOT / "build" / "quality" / "scenes")
 
 
+@functools.lru_cache
 def _version(name):
-    """A digest of everything that makes the pictures of a scene: what scenes share, and the module that has the scene."""
+    """A digest of the code that makes a scene: what scenes share, and the module that has the scene. Comments and the
+    layout of the code do not matter."""
     here = Path(__file__).parent
     others = {module for module in catalogue.modules() if module != catalogue.module_of(name)}
     sources = [path for path in sorted((here / "scene").glob("*.py")) if path.stem not in others]
     sources += [here / "encode.py", here / "truth.py"]
-    return hashlib.sha256(b"".join(path.read_bytes() for path in sources)).hexdigest()[:10]
+    code = "".join(ast.dump(ast.parse(path.read_text())) for path in sources)
+    return hashlib.sha256(code.encode()).hexdigest()[:10]
 
 
 class Video:

@@ -86,7 +86,8 @@ def chart(records, systems, path):
     colours = [(40, 40, 200), (60, 140, 60), (200, 120, 40), (150, 60, 150), (90, 90, 90)]
     columns = [("frame_f1", "Frame F1"), ("box05_f1", "Box F1, IoU 0.5"), ("idf1", "IDF1")]
     first = systems[0]
-    order = sorted(records[first], key=lambda scene: mean(records[first][scene], "box05_f1") or 0)
+    box_f1 = {scene: mean(of, "box05_f1") for scene, of in records[first].items()}
+    order = sorted((scene for scene in box_f1 if box_f1[scene] is not None), key=box_f1.get)
     wide, step, left, top = 300, 22, 190, 74
     picture = np.full((top + step * len(order) + 20, left + len(columns) * (wide + 40), 3), 255, np.uint8)
     text = lambda words, at, colour=(60, 60, 60), size=0.42: cv2.putText(  # noqa: E731

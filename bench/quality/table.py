@@ -6,7 +6,8 @@ COLUMNS = [  # heading, key, format
     ("ev", "events_true", "{}"), ("found", "events_found", "{}"), ("false", "events_false", "{}"),
     ("fragm", "events_fragments", "{}"), ("delay", "event_delay", "{:.2f}"),
     ("boxP", "box05_precision", "{:.3f}"), ("boxR", "box05_recall", "{:.3f}"), ("boxF1", "box05_f1", "{:.3f}"),
-    ("@0.3", "box03_f1", "{:.3f}"), ("IDF1", "idf1", "{:.3f}"), ("maskF1", "mask_f1", "{:.3f}"), ("s", "seconds", "{:.1f}"),
+    ("@0.3", "box03_f1", "{:.3f}"), ("IDF1", "idf1", "{:.3f}"), ("maskF1", "mask_f1", "{:.3f}"),
+    ("s", "seconds", "{:.1f}"),
 ]
 
 
@@ -17,7 +18,8 @@ def cell(form, value):
 def text(rows, key):
     """`rows` are (label, figures); the worst by `key` come first."""
     worst = lambda row: (row[1].get(key) is None, row[1].get(key) or 0)  # noqa: E731
-    body = [[label] + [cell(form, figures.get(name)) for _, name, form in COLUMNS] for label, figures in sorted(rows, key=worst)]
+    body = [[label] + [cell(form, figures.get(name)) for _, name, form in COLUMNS]
+            for label, figures in sorted(rows, key=worst)]
     head = [""] + [heading for heading, *_ in COLUMNS]
     wide = [max(len(row[i]) for row in [head] + body) for i in range(len(head))]
     return "\n".join("  ".join(value.ljust(wide[0]) if i == 0 else value.rjust(wide[i]) for i, value in enumerate(row))

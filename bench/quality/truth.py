@@ -79,7 +79,8 @@ class Truth:
         return bool(self.whole) and self.whole[frame]
 
     def save(self, path):
-        head = {key: value for key, value in vars(self).items() if key not in ("frames", "masks", "visits", "disturbances")}
+        apart = ("frames", "masks", "visits", "disturbances")
+        head = {key: value for key, value in vars(self).items() if key not in apart}
         head["visits"] = [asdict(visit) for visit in self.visits]
         head["disturbances"] = [asdict(item) for item in self.disturbances]
         head["frames"] = [[[o.id, o.x, o.y, o.width, o.height, int(o.counts), o.pixels, o.group] for o in objects]
@@ -93,7 +94,8 @@ class Truth:
         data = io.BytesIO(Path(path).read_bytes())
         head = json.loads(zlib.decompress(data.read(int.from_bytes(data.read(8), "little"))))
         sizes = head.pop("mask_sizes")
-        frames = [[Object(o[0], o[1], o[2], o[3], o[4], bool(o[5]), o[6], o[7]) for o in objects] for objects in head.pop("frames")]
+        frames = [[Object(*o[:5], bool(o[5]), *o[6:]) for o in objects] for objects in head.pop("frames")]
         visits = [Visit(**visit) for visit in head.pop("visits")]
         disturbances = [Disturbance(**item) for item in head.pop("disturbances")]
-        return cls(**head, frames=frames, visits=visits, disturbances=disturbances, masks=[data.read(size) for size in sizes])
+        masks = [data.read(size) for size in sizes]
+        return cls(**head, frames=frames, visits=visits, disturbances=disturbances, masks=masks)

@@ -8,8 +8,9 @@
 #include <sstream>
 #include <string_view>
 
-#include "config/check/json_document.h"
+#include "host/base/failure.h"
 #include "host/detector/analysis_size.h"
+#include "host/detector/presets/presets.h"
 
 namespace lm::host::detector {
 namespace {
@@ -20,19 +21,14 @@ using std::chrono::milliseconds;
 // Once the noise is known, two successive frames of so many are compared.
 constexpr std::int64_t kSeldom = 6;
 
-// What a configuration that leaves them out gets.
-constexpr const char* kChoices =
-    R"({"extent": "full", "absorb_seconds": 60, "minBoxW": 0.01, "minBoxH": 0.025, "lcAdap": 3})";
-
 bool sets(const Json::Value& document, const std::string& key) {
   return document.isMember(key) && !document[key].isNull();
 }
 
-Json::Value read(const std::string& text) { return lm::check::readDocument(text.c_str()); }
-
 std::string completed(const std::string& text, int sensitivity, int peel) {
-  Json::Value document = read(text);
-  const Json::Value choices = read(kChoices);
+  Json::Value document = readDocument(text);
+  Json::Value choices = readDocument(presets::find_preset("auto")->document);
+  choices.removeMember("comment");
   for (const std::string& key : choices.getMemberNames()) {
     const bool replaced = key == "absorb_seconds" && sets(document, "lifeStatic");
     if (!sets(document, key) && !replaced) document[key] = choices[key];
@@ -44,12 +40,20 @@ std::string completed(const std::string& text, int sensitivity, int peel) {
 
 }  // namespace
 
-Adaptive::Adaptive(const std::string& document, cv::Size analysed)
+Adaptive::Adaptive(const Document& document, cv::Size analysed)
     : analysed_(analysed),
-      chooses_sensitivity_(!sets(read(document), "sensitivity")),
-      chooses_peel_(!sets(read(document), "peel")),
-      detector_(completed(document, rule_.sensitivity(), clutter_.peel()), analysed.width, analysed.height,
-                LIGHTMOTION_FORMAT_BGR) {}
+      chooses_sensitivity_(!sets(readDocument(document.text), "sensitivity")),
+      chooses_peel_(!sets(readDocument(document.text), "peel")),
+      detector_(made(document)) {}
+
+lightmotion::Detector Adaptive::made(const Document& document) const {
+  const std::string text = completed(document.text, rule_.sensitivity(), clutter_.peel());
+  try {
+    return {text, analysed_.width, analysed_.height, LIGHTMOTION_FORMAT_BGR};
+  } catch (const lightmotion::Error& error) {
+    throw base::Failure(base::kRefused, about(document, error.what()));
+  }
+}
 
 void Adaptive::restart() {
   detector_.reset();
@@ -66,7 +70,7 @@ Boxes Adaptive::process(const cv::Mat& image, std::int64_t stated) {
   std::vector<cv::Rect> outlines;
   for (const lightmotion_box& found : detector_.process(picture.data, picture.step, stated)) {
     const cv::Rect2d area(found.rel_x, found.rel_y, found.rel_width, found.rel_height);
-    boxes.push_back({.area = area, .regions = names_of(found)});
+    boxes.push_back({.area = clipped(area), .regions = names_of(found)});
     outlines.emplace_back(found.x, found.y, found.width, found.height);
   }
   take_back(picture, time, outlines);

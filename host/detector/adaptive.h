@@ -9,32 +9,34 @@
 #include <opencv2/core.hpp>
 #include <string>
 
-#include "host/detector/box.h"
 #include "host/detector/clutter.h"
+#include "host/detector/detector.h"
 #include "host/detector/ghosts.h"
 #include "host/detector/noise.h"
 #include "lightmotion/lightmotion.hpp"
 
 namespace lm::host::detector {
 
-class Adaptive {
+class Adaptive : public Detector {
  public:
-  // `document`: a configuration. What it sets is never changed; what it leaves out is chosen. `analysed`: the
-  // size of the analysis. Throws lightmotion::Error if the configuration is refused.
-  Adaptive(const std::string& document, cv::Size analysed);
+  // What the configuration sets is never changed. What it leaves out is that of the preset auto, or chosen:
+  // sensitivity and peel. `analysed`: the size of the analysis. Throws Failure (kRefused) if the
+  // configuration is refused.
+  Adaptive(const Document& document, cv::Size analysed);
 
   // Called with one line when something else is chosen while it runs.
   void set_listener(std::function<void(const std::string&)> told) { told_ = std::move(told); }
 
-  void restart();
+  void restart() override;
 
-  // As Detector::process, for frames of any size.
-  Boxes process(const cv::Mat& image, std::int64_t milliseconds);
+  // Frames of any size.
+  Boxes process(const cv::Mat& image, std::int64_t milliseconds) override;
 
   // What is in force, such as "analysed in 640x480, noise 2.1, sensitivity 4, peel 1".
   std::string chosen() const;
 
  private:
+  lightmotion::Detector made(const Document& document) const;
   void measure(const cv::Mat& picture, std::chrono::microseconds time);
   void apply();
   LearnedPictures learned() const;

@@ -67,13 +67,29 @@ double across(const Slopes& outline, const cv::Mat& picture) {
   return sum;
 }
 
-// The foreground of `area`, without holes of noise, and its components.
-cv::Mat components_of(const cv::Mat& foreground, const cv::Rect& area, int& count) {
+struct Components {
+  cv::Mat labels;                // of the area
+  std::vector<cv::Rect> around;  // of each that is looked at, some ground included
+  std::vector<int> label;
+};
+
+// The components of the foreground in `area` that lie in the box, without holes of noise.
+Components components_of(const cv::Mat& foreground, const cv::Rect& area, const cv::Rect& box) {
   cv::Mat closed;
   cv::morphologyEx(foreground(area), closed, cv::MORPH_CLOSE, cv::Mat::ones(5, 5, CV_8U));
-  cv::Mat labels;
-  count = cv::connectedComponents(closed, labels, 4, CV_32S);
-  return labels;
+  Components found;
+  cv::Mat figures;
+  cv::Mat centres;
+  const int count = cv::connectedComponentsWithStats(closed, found.labels, figures, centres, 4, CV_32S);
+  for (int label = 1; label < count; ++label) {
+    const int* of = figures.ptr<int>(label);
+    const cv::Rect place(of[cv::CC_STAT_LEFT], of[cv::CC_STAT_TOP], of[cv::CC_STAT_WIDTH],
+                         of[cv::CC_STAT_HEIGHT]);
+    if (of[cv::CC_STAT_AREA] < kSmallest || (place & (box - area.tl())).empty()) continue;
+    found.around.push_back(grown(place, kAround, area.size()));
+    found.label.push_back(label);
+  }
+  return found;
 }
 
 }  // namespace
@@ -145,23 +161,22 @@ bool Ghosts::moves(Still& still, const cv::Mat& picture) {
 // The components of a box whose edges have been in the background.
 GhostPart Ghosts::ghosts_in(Still& still, const cv::Mat& picture, const LearnedPictures& learned) {
   const cv::Rect area = grown(still.box, kAround, picture.size());
-  int count = 0;
-  const cv::Mat labels = components_of(learned.foreground, area, count);
+  const Components found = components_of(learned.foreground, area, still.box);
   if (still.looks++ == 0) still.evidence = cv::Mat::zeros(area.size(), CV_32F);
   GhostPart part{area, {}};
-  for (int label = 1; label < count; ++label) {
-    const cv::Mat mask = labels == label;
-    const cv::Rect inside = still.box - area.tl();
-    if (cv::countNonZero(mask) < kSmallest || cv::countNonZero(mask(inside)) == 0) continue;
-    const cv::Mat now = picture(area);
-    const cv::Mat before = learned.background(area);
+  for (std::size_t i = 0; i < found.label.size(); ++i) {
+    const cv::Rect& around = found.around[i];
+    const cv::Mat mask = found.labels(around) == found.label[i];
+    const cv::Mat now = picture(area)(around);
+    const cv::Mat before = learned.background(area)(around);
     const bool light = texture_kept(now, before, mask) >= kAlike;
     const double edges = light ? -1 : edges_in_picture(now, before, mask);
-    cv::add(still.evidence, cv::Scalar(edges), still.evidence, mask);
-    const bool ghost = edges < 0 && cv::mean(still.evidence, mask)[0] <= kGhost * kLooks;
+    cv::Mat evidence = still.evidence(around);
+    cv::add(evidence, cv::Scalar(edges), evidence, mask);
+    const bool ghost = edges < 0 && cv::mean(evidence, mask)[0] <= kGhost * kLooks;
     if (still.looks < kLooks || !ghost) continue;
     if (part.mask.empty()) part.mask = cv::Mat::zeros(area.size(), CV_8U);
-    part.mask |= mask;
+    part.mask(around) |= mask;
   }
   // Their rims have samples of both, because neighbours are learned too.
   if (!part.mask.empty()) cv::dilate(part.mask, part.mask, cv::Mat::ones(5, 5, CV_8U));

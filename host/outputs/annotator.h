@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "host/base/pending_file.h"
+#include "host/events/box.h"
 #include "host/outputs/video_writer.h"
 #include "host/source/source.h"
 

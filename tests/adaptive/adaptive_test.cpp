@@ -3,6 +3,7 @@
 
 #include <gmock/gmock.h>
 
+#include "host/base/failure.h"
 #include "tests/adaptive/scene.h"
 
 namespace lm::host::detector {
@@ -18,7 +19,7 @@ const cv::Size kAnalysed(640, 480);
 class Watched {
  public:
   explicit Watched(double sigma, const std::string& document = "{}", cv::Size analysed = kAnalysed)
-      : camera_(sigma, 3), adaptive_(document, analysed) {
+      : camera_(sigma, 3), adaptive_({"", document}, analysed) {
     adaptive_.set_listener([this](const std::string& line) { lines_.push_back(line); });
   }
   // The boxes of the last frame, and how many frames had some.
@@ -145,8 +146,11 @@ TEST(Adaptive, RestartsWithAFirstFrame) {
 }
 
 TEST(Adaptive, RefusesAConfigurationWithTheLibrarysReason) {
-  EXPECT_THAT([] { Adaptive(R"({"peel": 9})", kFrame); },
-              testing::ThrowsMessage<lightmotion::Error>(HasSubstr("\"peel\"")));
+  EXPECT_THAT(
+      [] {
+        Adaptive({"own.json", R"({"peel": 9})"}, kFrame);
+      },
+      testing::ThrowsMessage<base::Failure>(testing::AllOf(HasSubstr("own.json"), HasSubstr("\"peel\": 9"))));
 }
 
 }  // namespace

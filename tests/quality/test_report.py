@@ -24,7 +24,8 @@ def test_systems_are_means_over_scenes_the_worst_first():
 
 def test_scenes_with_the_smallest_frame_f1_come_first_and_those_without_last():
     scenes = {"rain": [record()], "quiet": [record("quiet", frame_f1=None)], "snow": [record("snow", frame_f1=0.4)]}
-    rows = cells(report.scenes_table({"lightmotion": scenes, "mog2": {"snow": [record("snow", box05_f1=0.8)]}}, "lightmotion", ["mog2"]))
+    every = {"lightmotion": scenes, "mog2": {"snow": [record("snow", box05_f1=0.8)]}}
+    rows = cells(report.scenes_table(every, "lightmotion", ["mog2"]))
     assert [row[0] for row in rows] == ["`snow`", "`rain`", "`quiet`"]
     assert rows[0][11] == "0.800 (mog2)" and rows[1][11] == "– (–)"
 

@@ -72,7 +72,8 @@ class Shake(Effect):
     def moved(self, time):
         if time < self.calm_until:
             return None
-        sway = lambda *which: sum(np.sin(2 * np.pi * self.rates[i] * time + self.phases[i]) for i in which) / len(which)  # noqa: E731
+        wave = lambda i: np.sin(2 * np.pi * self.rates[i] * time + self.phases[i])  # noqa: E731
+        sway = lambda *which: sum(wave(i) for i in which) / len(which)  # noqa: E731
         gust = 0.4 + 0.6 * (0.5 + 0.5 * np.sin(0.45 * time + self.phases[7])) ** 2
         x, y, turn = (self.pixels * gust * sway(0, 1), self.pixels * gust * sway(2, 3), 0.12 * gust * sway(4, 5))
         matrix = cv2.getRotationMatrix2D((self.camera.width / 2, self.camera.height / 2), turn, 1)
@@ -215,7 +216,8 @@ class Screen(Effect):
     """A television: its picture changes all the time."""
 
     def __init__(self, rng, width, height, left, top, wide, high):
-        self.area = (slice(int(top * height), int((top + high) * height)), slice(int(left * width), int((left + wide) * width)))
+        self.area = (slice(int(top * height), int((top + high) * height)),
+                     slice(int(left * width), int((left + wide) * width)))
         self.rng, self.colour, self.next = rng, np.float32((90, 90, 90)), 0.0
         self.shape = (self.area[0].stop - self.area[0].start, self.area[1].stop - self.area[1].start)
         self.tile = None

@@ -113,7 +113,8 @@ def parked(place, rng, across, down, heading, kind=None):
 def _finish(place, rng):
     """Uneven light, and the softness of a lens."""
     height, width = place.picture.shape[:2]
-    place.picture *= (1 + 0.05 * cv2.resize(noise(rng, 64, 64, 2, 3), (width, height), interpolation=cv2.INTER_CUBIC))[..., None]
+    uneven = cv2.resize(noise(rng, 64, 64, 2, 3), (width, height), interpolation=cv2.INTER_CUBIC)
+    place.picture *= (1 + 0.05 * uneven)[..., None]
     rows, columns = np.mgrid[-1:1:height * 1j, -1:1:width * 1j].astype(np.float32)
     place.picture *= (1 - 0.1 * (rows ** 2 + columns ** 2) / 2)[..., None]
     place.picture = np.clip(cv2.GaussianBlur(place.picture, (0, 0), 0.55), 4, 250).astype(np.float32)
@@ -145,7 +146,8 @@ def street(rng, width=640, height=480, above=6.0, horizon=-0.15, cars=1, posts=1
     scale = camera.scale(0, wall)
     top = int(camera.project(0, 0, wall)[1])
     storey = int(3.2 * scale)
-    windows(masonry, rng, int(rng.integers(5, 9)), max(1, round(top / max(storey, 1))), top - storey * max(1, round(top / storey)), top * 0.96)
+    storeys = max(1, round(top / max(storey, 1)))
+    windows(masonry, rng, int(rng.integers(5, 9)), storeys, top - storey * storeys, top * 0.96)
     mask = np.clip((z - wall) / (wall * 0.004), 0, 1)
     _put(picture, mask.astype(np.float32), masonry)
     place = Place(camera, picture)
@@ -189,7 +191,7 @@ def highway(rng, width=320, height=240):
     return _finish(place, rng)
 
 
-def office(rng, width=360, height=240, tables=1):
+def office(rng, width=360, height=240):
     """A room: wall with window and shelf, floor, a table in front."""
     camera = Camera(width, height, 2.5, 0.12, 0.75)
     floor = on_ground(camera, tinted((95, 110, 125), noise(rng, 512, 512, 8, 6, 0.9), 0.08).astype(np.float32), 3.0)
@@ -199,7 +201,6 @@ def office(rng, width=360, height=240, tables=1):
     picture = floor
     picture[:edge] = wall[:edge]
     picture[edge - 3:edge] = (120, 130, 140)
-    unit = width / 360
     box = lambda x0, y0, x1, y1, colour: cv2.rectangle(  # noqa: E731
         picture, (int(x0 * width), int(y0 * height)), (int(x1 * width), int(y1 * height)), colour, -1)
     shift = rng.uniform(-0.05, 0.05)
@@ -235,7 +236,6 @@ def office(rng, width=360, height=240, tables=1):
     hidden = np.maximum(np.maximum(cover, front), screen).astype(np.float32) / 255
     place.hidden.append((hidden, 0.97 * height))
     box(0.0, 0.55, 0.05, 0.98, tuple(float(v) for v in rng.uniform(50, 120, 3)))
-    del unit
     return _finish(place, rng)
 
 

@@ -34,7 +34,8 @@ class Looks:
 
 
 def vehicle(camera, looks, state):
-    """Draws a vehicle; None: it is outside the picture. It is at x, z, with its front towards `heading` (radians, 0 is the direction of x, pi/2 that of z)."""
+    """Draws a vehicle at x, z with its front towards `heading` (radians; 0 is the direction of x, pi/2 that of z). None: it
+    is outside the picture."""
     forward = np.array([np.cos(state.heading), np.sin(state.heading)])
     sideways = np.array([-forward[1], forward[0]])
     half, wide = looks.length / 2, looks.width / 2
@@ -93,8 +94,8 @@ def vehicle(camera, looks, state):
         shift = 0.1 if pane == panes - 1 else 0.0
         glass([(start, a * 0.99, waist + 0.05), (stop, a * 0.99, waist + 0.05),
                (stop - shift, a * narrow, roof - 0.08), (start + (0.06 if pane == 0 else 0), a * narrow, roof - 0.08)])
-    face([(slope_back, -narrow, roof), (slope_back, narrow, roof), (slope_front, narrow, roof), (slope_front, -narrow, roof)],
-         1.14)
+    face([(slope_back, -narrow, roof), (slope_back, narrow, roof), (slope_front, narrow, roof),
+          (slope_front, -narrow, roof)], 1.14)
     for share in (-0.62, 0.62):
         for radius, colour in ((0.33, (25, 25, 26)), (0.19, (135, 135, 138))):
             ring = [(share + radius / half * np.cos(t), a * 1.01, 0.33 + radius * np.sin(t)) for t in np.linspace(0, 6.2, 14)]

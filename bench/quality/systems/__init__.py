@@ -18,4 +18,5 @@ def find(name, options):
 
 def known():
     peers = [*subtractors.GRIDS, "motioncells"]
-    return ["lightmotion", "lightmotion:PRESET", "library", "library:PRESET"] + [name + which for name in peers for which in ("", ":best")]
+    own = ["lightmotion", "lightmotion:PRESET", "library", "library:PRESET"]
+    return own + [name + which for name in peers for which in ("", ":best")]

@@ -9,7 +9,8 @@ import numpy as np
 from ..result import Box, Result, events_of
 
 # sensitivity, threshold, cells along each side; the first is the element's default.
-GRID = [(sensitivity, threshold, cells) for cells in (10, 32) for threshold in (0.01, 0.1) for sensitivity in (0.5, 0.8, 0.95)]
+GRID = [(sensitivity, threshold, cells)
+        for cells in (10, 32) for threshold in (0.01, 0.1) for sensitivity in (0.5, 0.8, 0.95)]
 BEST = GRID[0]
 # motion, motion_cells_indices=(string)"7:9\,6:9", motion_begin=(guint64)8167000000;  without the quotes for one cell
 CELLS = re.compile(r'motion_cells_indices=\(string\)"?([0-9:\\, ]+)')
@@ -25,10 +26,10 @@ def run(setting, video):
     sensitivity, threshold, cells = setting
     truth = video.truth
     start = time.monotonic()
-    done = subprocess.run(["gst-launch-1.0", "-m", "filesrc", f"location={video.source}", "!", "decodebin", "!", "videoconvert",
-                           "!", "motioncells", f"sensitivity={sensitivity}", f"threshold={threshold}", f"gridx={cells}",
-                           f"gridy={cells}", "postallmotion=true", "display=false", "!", "fakesink", "sync=false"],
-                          capture_output=True, text=True)
+    pipeline = (f"filesrc location={video.source} ! decodebin ! videoconvert ! "
+                f"motioncells sensitivity={sensitivity} threshold={threshold} gridx={cells} gridy={cells} "
+                "postallmotion=true display=false ! fakesink sync=false")
+    done = subprocess.run(["gst-launch-1.0", "-m", *pipeline.split(" ")], capture_output=True, text=True)
     if done.returncode != 0:
         raise RuntimeError(f"motioncells {video.source}: {done.stderr.strip()}")
     return read(truth, done.stdout, cells, time.monotonic() - start)

@@ -6,6 +6,7 @@
 #include <cmath>
 #include <cstdio>
 #include <memory>
+#include <opencv2/core.hpp>
 #include <optional>
 
 #include "host/base/failure.h"
@@ -16,6 +17,8 @@
 #include "host/base/whole_file.h"
 #include "host/commands/run/figures.h"
 #include "host/commands/run/summary.h"
+#include "host/detector/adaptive.h"
+#include "host/detector/analysis_size.h"
 #include "host/detector/check/before_run.h"
 #include "host/detector/detector.h"
 #include "host/detector/document.h"
@@ -37,10 +40,40 @@ namespace {
 
 using std::chrono::microseconds;
 
+// Plug-ins know the settings of the entry points only.
+std::string preset_of(const RunOptions& options) {
+  if (!options.preset.empty()) return options.preset;
+  return options.plugin.empty() ? "auto" : "street";
+}
+
+bool adapts(const RunOptions& options) { return options.config.empty() && preset_of(options) == "auto"; }
+
 detector::Document document_of(const RunOptions& options) {
   if (!options.config.empty()) return {options.config, base::required_text(options.config)};
-  if (options.preset.empty()) return {"the built-in configuration", detector::default_document()};
-  return {"the preset " + options.preset, detector::presets::find_preset(options.preset)->document};
+  const std::string preset = preset_of(options);
+  return {"the preset " + preset, detector::presets::find_preset(preset)->document};
+}
+
+cv::Size analysed_size(const RunOptions& options, cv::Size source) {
+  const bool chosen = adapts(options) && !options.live.scale.given;
+  return chosen ? detector::analysis_size(source) : options.live.scale.of(source);
+}
+
+// An adaptive one scales the frames itself.
+std::unique_ptr<detector::Detector> detector_for(const RunOptions& options,
+                                                 const detector::Document& document, cv::Size analysed) {
+  if (!adapts(options)) return detector::make_detector(options.plugin, document, analysed);
+  auto adaptive = std::make_unique<detector::Adaptive>(document, analysed);
+  if (options.verbose)
+    adaptive->set_listener(
+        [](const std::string& chosen) { std::fprintf(stderr, "lightmotion: %s\n", chosen.c_str()); });
+  return adaptive;
+}
+
+// A line of the summary; empty for a detector that chooses nothing.
+std::string chosen_by(const detector::Detector& detector) {
+  const auto* adaptive = dynamic_cast<const detector::Adaptive*>(&detector);
+  return adaptive == nullptr ? "" : adaptive->chosen() + "\n";
 }
 
 microseconds time_since(std::chrono::steady_clock::time_point begin) {
@@ -53,7 +86,7 @@ class Run {
       const std::string& document)
       : source_(source),
         detector_(detector),
-        analysed_(options.live.scale.of(source.info().size)),
+        analysed_(adapts(options) ? source.info().size : options.live.scale.of(source.info().size)),
         events_({options.events, source.info(), document}),
         progress_(options.progress.value_or(options.quiet ? outputs::ProgressMode::kNone
                                                           : outputs::ProgressMode::kBar)),
@@ -153,16 +186,18 @@ void try_configuration(const RunOptions& options) {
 }
 
 int run(const RunOptions& options) {
+  // What is done to small pictures takes less time than to wake another thread.
+  cv::setNumThreads(1);
   av_log_set_level(options.verbose ? AV_LOG_INFO : AV_LOG_QUIET);
   const detector::Document document = document_of(options);
   const std::unique_ptr<source::Source> source = source::open_source(options.source, options.live.reading);
-  const cv::Size analysed = options.live.scale.of(source->info().size);
+  const cv::Size analysed = analysed_size(options, source->info().size);
   detector::check::check_before_run(document.name, document.text, analysed);
-  const auto detector = detector::make_detector(options.plugin, document, analysed);
+  const auto detector = detector_for(options, document, analysed);
   const Figures figures = Run(options, *source, *detector, document.text).all_frames();
   if (!options.figures.empty()) write_figures(options.figures, figures);
   if (!options.quiet && options.progress != outputs::ProgressMode::kLines)
-    std::fputs(summary(source->info().name, figures, options).c_str(), stderr);
+    std::fputs((summary(source->info().name, figures, options) + chosen_by(*detector)).c_str(), stderr);
   if (base::interrupted() != 0) return 128 + base::interrupted();
   const std::string trouble = source->trouble();
   if (trouble.empty()) return base::kDone;

@@ -65,7 +65,8 @@ void add_run_options(CLI::App& run, RunOptions& options) {
   add("--plugin", options.plugin, "PATH", "Use this plug-in by its entry points instead of the library");
   run.add_flag("-q,--quiet", options.quiet, "No progress bar and no summary");
   add_progress(run, options);
-  run.add_flag("-v,--verbose", options.verbose, "Show the log of the decoder, and of the plug-in of --plugin");
+  run.add_flag("-v,--verbose", options.verbose,
+               "Show the log of the decoder, and of the plug-in of --plugin");
   events::add_event_options(run, options.events);
   outputs::report::add_report_options(run, options.report);
   outputs::mqtt::add_mqtt_options(run, options.mqtt);

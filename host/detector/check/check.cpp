@@ -31,7 +31,10 @@ std::optional<lm::check::Coverage> look_at_regions(const lm::check::Outlines& ou
 Verdict verdict_by_handle(const Json::Value& document, const std::string& text,
                           std::optional<cv::Size> frame) {
   KnownFrame known{.format = PixelFormat::bgr, .sizeRequired = frame.has_value()};
-  if (frame) known.width = frame->width, known.height = frame->height;
+  if (frame) {
+    known.width = frame->width;
+    known.height = frame->height;
+  }
   HandleReading reading = readHandleDocument(document, text, known);
   if (!reading.configuration) return {std::move(reading.findings), std::nullopt};
   Verdict verdict{std::move(reading.findings), in_effect(*reading.configuration)};

@@ -35,13 +35,13 @@ std::optional<Scale> parse_scale(const std::string& text) {
   const std::size_t cross = all.find('x');
   if (cross == std::string_view::npos) {
     const auto factor = whole_number<double>(all);
-    return factor && *factor > 0 && *factor <= 1 ? std::optional(Scale{*factor, {}}) : std::nullopt;
+    return factor && *factor > 0 && *factor <= 1 ? std::optional(Scale{*factor, {}, true}) : std::nullopt;
   }
   const auto width = whole_number<int>(all.substr(0, cross));
   const auto height = whole_number<int>(all.substr(cross + 1));
   const auto fits = [](std::optional<int> length) { return length && *length > 0 && *length <= kLargest; };
   if (!fits(width) || !fits(height)) return std::nullopt;
-  return Scale{1, {*width, *height}};
+  return Scale{1, {*width, *height}, true};
 }
 
 cv::Mat scaled(const cv::Mat& image, cv::Size size) {

@@ -11,6 +11,7 @@ namespace lm::host::source::live {
 struct Scale {
   double factor = 1;
   cv::Size size{};
+  bool given = false;
 
   // The scaled size of such a frame: never larger, at least 1 x 1.
   cv::Size of(cv::Size frame) const;
