@@ -31,7 +31,8 @@ awk -v size="$(size_in $released)" '
   /<\/class-decl>/ { inside = 0 }' $released "$dump" >"$dump.released"
 
 refresh() { echo "$1: cp $dump tests/package/c_interface.abi" >&2; }
-if ! abidiff --harmless --no-added-syms $released "$dump.released"; then
+if ! changes=$(abidiff --harmless --no-added-syms $released "$dump.released"); then
+  echo "$changes" >&2
   echo "Hosts that were built with a release no longer work: this takes a new major version (docs/compatibility.md)." >&2
   refresh "For a new major version, or if only reserved bytes got a use"
   exit 1
