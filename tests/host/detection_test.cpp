@@ -111,10 +111,11 @@ TEST(Detection, IsTheSameByHandleAndAsAPlugin) {
 TEST(Detection, IsTheSameOnTheStreetClip) {
   const char* clips_folder = std::getenv("LIGHTMOTION_CLIPS");
   if (clips_folder == nullptr) GTEST_SKIP() << "LIGHTMOTION_CLIPS names no folder with street.avi";
-  const std::string clip = std::string(clips_folder) + "/street.avi";
-  const Outcome by_handle = run_real({clip, "--quiet", "--scale", "0.5"});
+  const std::vector<std::string> arguments{
+      std::string(clips_folder) + "/street.avi", "--quiet", "--preset", "street", "--scale", "0.5"};
+  const Outcome by_handle = run_real(arguments);
   EXPECT_GT(program::lines(by_handle.output).size(), 700U);
-  EXPECT_EQ(run_plugin({clip, "--quiet", "--scale", "0.5"}).output, by_handle.output);
+  EXPECT_EQ(run_plugin(arguments).output, by_handle.output);
 }
 
 TEST(Detection, KeysOfHandlesTakeEffectAndAreRefusedWithAPlugin) {
