@@ -97,7 +97,8 @@ void Model::rateFromTimestamps() {
 
 void Model::rateFromClock() {
   curTime = now;
-  elapsedUs = (std::int64_t{curTime.tv_sec} - prevTime.tv_sec) * usPerSec + curTime.tv_usec - prevTime.tv_usec;
+  elapsedUs =
+      (std::int64_t{curTime.tv_sec} - prevTime.tv_sec) * usPerSec + curTime.tv_usec - prevTime.tv_usec;
   prevTime = curTime;
   const double elapsed = static_cast<double>(static_cast<std::uint64_t>(elapsedUs));
   const double rate = 1.0 / (elapsed / usPerSec);
