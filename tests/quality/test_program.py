@@ -25,9 +25,10 @@ def told(tmp_path_factory):
     return measured(stage, tmp_path_factory.mktemp("street") / "scene.mkv")
 
 
-def measured(stage, path):
+def measured(stage, path, arguments=None):
     truth = render.write(stage, path)
-    run = program.system("lightmotion", SimpleNamespace(program=os.environ["LIGHTMOTION_PROGRAM"], arguments=None))
+    options = SimpleNamespace(program=os.environ["LIGHTMOTION_PROGRAM"], arguments=arguments)
+    run = program.system("lightmotion", options)
     return truth, measures.measure(truth, run(render.Video("scene", 0, path, truth)))
 
 
@@ -61,6 +62,7 @@ def test_a_lamp_is_no_motion(tmp_path):
     stage.background *= 0.6
     stage.effects.append(Switched(stage.camera, 8, 100, 0.5, 0.2))
     disturbed(stage, 8, 12, "lamp")
-    truth, figures = measured(stage, tmp_path / "lamp.mkv")
+    # The preset auto keeps a part of the lit desk as foreground (docs/quality.md, Limits).
+    truth, figures = measured(stage, tmp_path / "lamp.mkv", "--preset street")
     assert figures["events_true"] == 0
     assert figures["events_false"] == 0
