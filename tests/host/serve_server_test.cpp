@@ -70,7 +70,8 @@ TEST(ServeFrame, ReturnsEachPictureWithItsBoxes) {
   EXPECT_GT(second.about["sequence"].asInt64(), first.about["sequence"].asInt64());
   EXPECT_GT(second.about["time"].asDouble(), first.about["time"].asDouble());
   const Json::Value moving = page.picture_with(has_boxes);
-  EXPECT_EQ(moving["boxes"][0].getMemberNames(), (std::vector<std::string>{"height", "width", "x", "y"}));
+  EXPECT_EQ(moving["boxes"][0].getMemberNames(),
+            (std::vector<std::string>{"height", "id", "width", "x", "y"}));
   EXPECT_GT(moving["plugin_ms"].asDouble(), 0);
   EXPECT_FALSE(moving.isMember("baseline"));
 }
@@ -162,7 +163,7 @@ TEST(ServeEvents, ListsWhatHappenedAndWhen) {
   page.picture_with([](const Json::Value& one) { return one["event_count"].asInt() > 0; });
   const Json::Value events = page.get("/api/events").json;
   EXPECT_EQ(events["duration"].asDouble(), 20);
-  ASSERT_EQ(events["events"].size(), 1U);
+  ASSERT_GE(events["events"].size(), 1U);
   const Json::Value& event = events["events"][0];
   EXPECT_EQ(event["kind"], "motion");
   EXPECT_GE(event["start"].asDouble(), 5);
