@@ -64,9 +64,10 @@ std::unique_ptr<detector::Detector> detector_for(const RunOptions& options,
                                                  const detector::Document& document, cv::Size analysed) {
   if (!adapts(options)) return detector::make_detector(options.plugin, document, analysed);
   auto adaptive = std::make_unique<detector::Adaptive>(document, analysed);
-  if (options.verbose)
+  if (options.verbose) {
     adaptive->set_listener(
         [](const std::string& chosen) { std::fprintf(stderr, "lightmotion: %s\n", chosen.c_str()); });
+  }
   return adaptive;
 }
 
