@@ -62,7 +62,7 @@ constexpr auto kCalmer = 5s;
 std::vector<std::uint8_t> NoiseMeter::sampled(const cv::Mat& picture) const {
   std::vector<std::uint8_t> samples;
   const auto channels = static_cast<std::size_t>(picture.channels());
-  samples.reserve(kAcross * kDown * kGroup * channels);
+  samples.reserve(std::size_t{kAcross} * kDown * kGroup * channels);
   for (int row = 0; row < kDown; ++row) {
     const int y = std::min((2 * row + 1) * picture.rows / (2 * kDown), std::max(0, picture.rows - 2));
     for (int column = 0; column < kAcross; ++column) {
@@ -94,13 +94,15 @@ void NoiseMeter::compare(const std::vector<std::uint8_t>& now, int channel) {
     }
   };
   for_each([&](int difference, int) {
-    ++signed_counts[static_cast<std::size_t>(difference + 255)];
+    const int at = difference + 255;
+    ++signed_counts[static_cast<std::size_t>(at)];
     ++counted;
   });
   if (counted == 0) return;
   int common = -255;  // of the whole picture
   for (int below = 0; common < 255; ++common) {
-    below += signed_counts[static_cast<std::size_t>(common + 255)];
+    const int at = common + 255;
+    below += signed_counts[static_cast<std::size_t>(at)];
     if (2 * below >= counted) break;
   }
   for_each([&](int difference, int brightness) {
