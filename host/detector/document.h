@@ -20,7 +20,7 @@ struct Document {
 // "night.json: cause".
 std::string about(const Document& document, const std::string& cause);
 
-// The document used without --config.
+// What `serve` begins with without --config.
 std::string default_document();
 
 // `text` for a plug-in by its entry points, so that it gives the boxes of a detector by handle: numbers as

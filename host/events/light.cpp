@@ -13,7 +13,7 @@ using namespace std::chrono_literals;
 
 constexpr int kCellSide = 10;             // samples
 constexpr auto kSpan = 500ms;             // longest duration of a lighting change
-constexpr auto kAdaptation = 5s;          // time in which the plug-in may still report boxes after a change
+constexpr auto kAdaptation = 5s;          // time in which there may still be boxes after a change
 constexpr double kCellStep = 3;           // minimum change of a cell's mean, in grey levels
 constexpr double kTexture = 3;            // standard deviation, in grey levels, above that of noise
 constexpr double kAlike = 0.7;            // correlation of a texture with itself after a lighting change

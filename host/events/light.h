@@ -3,8 +3,8 @@
 // A lamp, a cloud or a camera's exposure control makes a large part of the picture brighter or darker at once
 // and leaves its texture unchanged. A moving object replaces the texture. So two pictures half a second apart
 // are compared in small cells: where most of the cells that became brighter kept their texture, the lighting
-// has changed. The plug-in's boxes over that area are attributed to the lighting change for as long as the
-// plug-in needs to adapt.
+// has changed. The detector's boxes over that area are attributed to the lighting change for as long as the
+// detector needs to adapt.
 #pragma once
 
 #include <bitset>

@@ -9,7 +9,7 @@ namespace {
 using namespace std::chrono_literals;
 using Rects = std::vector<cv::Rect>;
 
-// Boxes at 25 frames a second; the last number of layers.
+// Feeds the rule with boxes at 25 frames per second.
 class Watched {
  public:
   void see(const Rects& boxes) { rule_.update(boxes, 40ms * frames_++); }

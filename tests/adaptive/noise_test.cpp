@@ -15,7 +15,7 @@ using test::Camera;
 
 const cv::Size kFrame(320, 240);
 
-// What is measured over `seconds` at 25 frames a second.
+// The noise measured in `seconds` of video at 25 frames per second.
 double measured(double sigma, const auto& scene_at, double seconds = 4) {
   Camera camera(sigma, 5);
   NoiseMeter meter;

@@ -115,7 +115,7 @@ struct Case {
   std::vector<std::string> entries;
 };
 
-// Ten frames a second: still foreground is absorbed after 30 of them.
+// 10 frames per second: still foreground is absorbed after 30 frames.
 void expectTheRule(const Case& tested, std::uint32_t seed) {
   const compact::Shape& shape = tested.scene.shape;
   const auto frames = framesOf(tested.scene, 90, seed);

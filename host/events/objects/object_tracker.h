@@ -24,7 +24,7 @@ struct TrackedBox {
 //   - Boxes vanish while the object stands still. It is remembered for as long as it had been seen, at most
 //   for
 //     `memory`, and loses its speed meanwhile.
-// All rules are in seconds and sizes of the object, so that they hold at every frame rate and distance.
+// All limits are in seconds or relative to the size of the object, so they fit every frame rate and distance.
 class ObjectTracker {
  public:
   // `aspect`: the frame's width by its height.
