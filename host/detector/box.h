@@ -15,6 +15,7 @@ struct Box {
   bool by_light = false;               // caused by a lighting change, not by motion
   std::int64_t id = 0;                 // of the object in it; 0 if unknown
   std::vector<std::int64_t> others{};  // ids of further objects in it
+  bool confirmed = true;               // as an object; otherwise it is likely one
 };
 
 using Boxes = std::vector<Box>;

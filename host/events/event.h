@@ -26,7 +26,8 @@ struct LightChange {
 struct Observation {
   std::int64_t frame = 0;             // its number; the first is 0
   std::chrono::microseconds time{0};  // since the first frame
-  Boxes boxes;                        // in the detector's order
+  Boxes boxes;                        // in the detector's order, without clutter
+  std::int64_t clutter = 0;           // boxes left out
   double brightness = 0;              // mean of the picture's grey values, 0 to 255
   std::optional<LightChange> light;   // the latest lighting change, while its boxes last
   std::optional<WallTime> wall;       // arrival time, for live sources

@@ -42,6 +42,10 @@ bool is_at_border(const cv::Rect2d& area) {
   return std::min(area.x, area.y) < kBorder || std::max(area.br().x, area.br().y) > 1 - kBorder;
 }
 
+bool has_confirmed(const Boxes& boxes) {
+  return std::ranges::find(boxes, true, &Box::confirmed) != boxes.end();
+}
+
 std::vector<std::int64_t> objects_in(const Box& box) {
   std::vector<std::int64_t> ids{box.id};
   ids.insert(ids.end(), box.others.begin(), box.others.end());
@@ -155,6 +159,7 @@ void EventTracker::take(Track& track, const Observation& seen) {
   const bool counted = track.counts;
   Event& event = track.event;
   track.quiet = track.hidden = microseconds(0);
+  track.confirmed = track.confirmed || has_confirmed(track.boxes) || has_confirmed(track.shared);
   extend(track, seen);
   if (event.started.empty()) {
     const bool alone = std::ranges::none_of(tracks_, [&](const Track& other) {
@@ -165,7 +170,7 @@ void EventTracker::take(Track& track, const Observation& seen) {
         why_started(event, last == last_end_.end() ? std::nullopt : std::optional(last->second), alone);
   }
   if (counted) return notify([&](EventListener& listener) { listener.changed(event); });
-  if (event.end - event.start < min_event_) return;
+  if (event.end - event.start < min_event_ || !track.confirmed) return;
   track.counts = true;
   event.id = event_id(event, ++events_);
   notify([&](EventListener& listener) { listener.begun(event); });

@@ -21,8 +21,9 @@ namespace lm::host::events {
 // was when it was last seen within --gap and the frame, belongs to that event; every other one begins an
 // event. So boxes without ids form one event. Objects that merely pass each other keep their events.
 //
-// An event ends after a quiet time longer than --gap. Boxes of a lighting change may hide motion, so their
-// duration does not count as quiet time of a motion event.
+// An event counts when it is long enough and one of its objects is confirmed. It ends after a quiet time
+// longer than --gap. Boxes of a lighting change may hide motion, so their duration does not count as quiet
+// time of a motion event.
 class EventTracker {
  public:
   // `regions`: the names of the regions of interest in the document's order.
@@ -42,7 +43,7 @@ class EventTracker {
   void finish(const std::string& why);
   void commit();
 
-  // Number of events so far that were long enough.
+  // Number of events so far that count.
   std::int64_t events() const { return events_; }
 
  private:
@@ -57,6 +58,7 @@ class EventTracker {
     std::map<std::int64_t, LastSeen> objects{};  // of motion, by id
     std::chrono::microseconds quiet{0};          // since its last frame
     std::chrono::microseconds hidden{0};         // the same, while boxes of a lighting change lasted
+    bool confirmed = false;                      // one of its objects
     bool counts = false;
     Boxes boxes{};   // of this frame
     Boxes shared{};  // ... that have objects of other events too

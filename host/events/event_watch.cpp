@@ -10,6 +10,11 @@ using namespace std::chrono_literals;
 
 constexpr std::chrono::microseconds kMemory = 5s;  // of objects that stand still
 
+std::chrono::microseconds memory_of(const EventOptions& options) {
+  return std::max<std::chrono::microseconds>(
+      kMemory, std::chrono::microseconds(std::llround(options.rules.gap * 1e6)));
+}
+
 // As seen: pixels need not be square.
 double aspect_of(const source::SourceInfo& source) {
   return static_cast<double>(source.size.width) * source.pixel_aspect.width /
@@ -25,8 +30,10 @@ EventWatch::EventWatch(const RunContext& context, const detector::Regions& regio
     : source_(context.source),
       gap_(std::llround(context.options.rules.gap * 1e6)),
       light_(regions),
-      objects_(aspect_of(context.source), std::max(kMemory, gap_)),
-      tracker_(context.options.rules, regions.names(), detector::lines_of(context.document)) {}
+      objects_(aspect_of(context.source), memory_of(context.options)),
+      tracker_(context.options.rules, regions.names(), detector::lines_of(context.document)) {
+  if (context.confirm) confirmation_.emplace(aspect_of(context.source), memory_of(context.options));
+}
 
 Boxes EventWatch::frame(const source::Frame& frame, std::int64_t number, Boxes boxes) {
   if (frame.anew || (!frame.note.empty() && frame.time - last_ > gap_)) {
@@ -53,15 +60,35 @@ void EventWatch::name_objects(Observation& seen) {
     moving.push_back(&box);
     areas.push_back(box.area);
   }
-  const auto objects = objects_.update(seen.time, areas, moving.size() < seen.boxes.size());
+  const bool hidden = moving.size() < seen.boxes.size();
+  const auto objects = objects_.update(seen.time, areas, hidden);
   for (std::size_t i = 0; i < moving.size(); ++i) {
     moving[i]->id = objects[i].id;
     moving[i]->others = objects[i].others;
   }
+  if (confirmation_) leave_out(seen, moving, confirmation_->update(seen.time, areas, objects, hidden));
+}
+
+void EventWatch::leave_out(Observation& seen, const std::vector<Box*>& boxes,
+                           const std::vector<objects::Standing>& standings) {
+  std::vector<bool> clutter(seen.boxes.size());
+  for (std::size_t i = 0; i < boxes.size(); ++i) {
+    boxes[i]->confirmed = standings[i] == objects::Standing::kConfirmed;
+    clutter[static_cast<std::size_t>(boxes[i] - seen.boxes.data())] =
+        standings[i] == objects::Standing::kClutter;
+  }
+  Boxes kept;
+  for (std::size_t i = 0; i < seen.boxes.size(); ++i) {
+    if (!clutter[i]) kept.push_back(std::move(seen.boxes[i]));
+  }
+  seen.clutter = static_cast<std::int64_t>(seen.boxes.size() - kept.size());
+  clutter_ += seen.clutter;
+  seen.boxes = std::move(kept);
 }
 
 void EventWatch::interrupt(const std::string& why) {
   objects_.forget();
+  if (confirmation_) confirmation_->forget();
   tracker_.interrupt(why);
 }
 

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -11,6 +12,7 @@
 #include "host/events/event_tracker.h"
 #include "host/events/light.h"
 #include "host/events/listener.h"
+#include "host/events/objects/confirmation.h"
 #include "host/events/objects/object_tracker.h"
 #include "host/events/run_context.h"
 
@@ -25,7 +27,7 @@ class EventWatch {
   void add(std::unique_ptr<EventListener> listener) { tracker_.add(std::move(listener)); }
 
   // The next frame, as read from the source, with the boxes that the detector found. Returns them with their
-  // objects.
+  // objects, without clutter.
   Boxes frame(const source::Frame& frame, std::int64_t number, Boxes boxes);
 
   // Ends all events. `why`: a sentence.
@@ -35,17 +37,24 @@ class EventWatch {
   void commit() { tracker_.commit(); }
 
   std::int64_t events() const { return tracker_.events(); }
+  // Number of boxes left out so far.
+  std::int64_t clutter() const { return clutter_; }
 
  private:
   EventWatch(const RunContext& context, const detector::Regions& regions);
   void name_objects(Observation& seen);
+  // Those whose standing is clutter.
+  void leave_out(Observation& seen, const std::vector<Box*>& boxes,
+                 const std::vector<objects::Standing>& standings);
 
   const source::SourceInfo& source_;
   const std::chrono::microseconds gap_;
   LightWatch light_;
   objects::ObjectTracker objects_;
+  std::optional<objects::Confirmation> confirmation_;
   EventTracker tracker_;
   std::chrono::microseconds last_{0};
+  std::int64_t clutter_ = 0;
 };
 
 }  // namespace lm::host::events

@@ -30,6 +30,13 @@ std::string rule_text(double seconds) {
   return base::seconds_text(std::chrono::microseconds(std::llround(seconds * 1e6))) + " s";
 }
 
+std::string why_dropped(const Event& event, double min_event) {
+  if (event.end - event.start < std::chrono::microseconds(std::llround(min_event * 1e6))) {
+    return "--min-event requires " + rule_text(min_event);
+  }
+  return "nothing in it moved from its place or stayed, so it was clutter";
+}
+
 std::string box_text(const cv::Rect2d& box) {
   return percent_text(box.width) + " x " + percent_text(box.height) + " at " + percent_text(box.x) + ", " +
          percent_text(box.y);
@@ -60,6 +67,7 @@ void Explainer::frame(const source::Frame& frame, const Observation& seen) {
   } else {
     frames_ += frame_line(seen);
   }
+  clutter_ += seen.clutter;
   boxes_by_light_ += static_cast<int>(std::ranges::count(seen.boxes, true, &Box::by_light));
 }
 
@@ -90,8 +98,8 @@ void Explainer::ended(const Event& event) {
 void Explainer::dropped(const Event& event) {
   if (!in_span(event)) return;
   events_ += "  dropped: boxes in " + counted(event.frames, "frame", "frames") + " from " +
-             base::seconds_text(event.start) + " to " + base::seconds_text(event.end) +
-             " s; --min-event requires " + rule_text(rules_.min_event) + "\n";
+             base::seconds_text(event.start) + " to " + base::seconds_text(event.end) + " s; " +
+             why_dropped(event, rules_.min_event) + "\n";
 }
 
 std::string Explainer::settings() const {
@@ -106,6 +114,7 @@ std::string Explainer::settings() const {
     text += "  attributed to a lighting change, not to motion: " + counted(boxes_by_light_, "box", "boxes") +
             "\n";
   }
+  if (clutter_ > 0) text += "  left out as clutter: " + counted(clutter_, "box", "boxes") + "\n";
   return text;
 }
 

@@ -35,6 +35,7 @@ class Explainer : public EventListener {
   std::string events_;  // lines
   int frames_seen_ = 0;
   int frames_without_boxes_ = 0;
+  std::int64_t clutter_ = 0;  // boxes
   int boxes_by_light_ = 0;
 };
 

@@ -16,12 +16,12 @@ class EventListener {
   // afterwards: to keep the image, copy it.
   virtual void frame(const source::Frame&, const Observation&) {}
 
-  // An event has become long enough to count; it began some time ago.
+  // An event has become long enough to count, and one of its objects is confirmed; it began some time ago.
   virtual void begun(const Event&) {}
   // For each later frame that belongs to it.
   virtual void changed(const Event&) {}
   virtual void ended(const Event&) {}
-  // An event ended before it was long enough to count; it has no id.
+  // An event ended before it was long enough to count, or without a confirmed object; it has no id.
   virtual void dropped(const Event&) {}
 
   // After the last frame: completes the output.

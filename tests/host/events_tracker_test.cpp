@@ -214,6 +214,28 @@ TEST_F(Tracked, BoxesOfTheLightAndOfMotionInOneFrameGoToTheirOwn) {
   EXPECT_EQ(events_[1].envelope, kBox);
 }
 
+TEST_F(Tracked, AnEventCountsWhenOneOfItsObjectsIsConfirmed) {
+  const auto see_one = [&](microseconds time, std::int64_t id, bool confirmed) {
+    Observation seen;
+    seen.time = time;
+    seen.boxes = {{.area = kBox, .id = id, .confirmed = confirmed}};
+    tracker_.observe(Frame{}, seen);
+  };
+  see_one(1s, 1, false);
+  see_one(3s, 1, false);
+  EXPECT_TRUE(calls_.empty()) << "long enough, but only likely";
+  see_one(4s, 1, true);
+  see_one(5s, 1, false);
+  EXPECT_EQ(calls_, (std::vector<std::string>{"begun 0001", "changed 0001"}));
+  see(8s, {});
+  ASSERT_EQ(events_.size(), 1U);
+  EXPECT_EQ(events_[0].start, 1s) << "dated back to its first box";
+  see_one(10s, 2, false);
+  see_one(13s, 2, false);
+  see(16s, {});
+  EXPECT_EQ(calls_.back(), "dropped");
+}
+
 TEST(EventTracker, LiveEventsAreDistinguishedByTheWallClock) {
   std::vector<std::string> calls;
   std::vector<Event> events;

@@ -16,6 +16,7 @@ struct Figures {
   std::int64_t frames = 0;
   std::int64_t frames_with_motion = 0;
   std::int64_t events = 0;
+  std::int64_t clutter = 0;            // boxes left out
   std::chrono::microseconds video{0};  // from the first frame's start to the last frame's end
   std::chrono::microseconds work{0};   // processing time
   source::SourceCounts source;

@@ -88,7 +88,7 @@ class Run {
       : source_(source),
         detector_(detector),
         analysed_(adapts(options) ? source.info().size : options.live.scale.of(source.info().size)),
-        events_({options.events, source.info(), document}),
+        events_({options.events, source.info(), document, adapts(options)}),
         progress_(options.progress.value_or(options.quiet ? outputs::ProgressMode::kNone
                                                           : outputs::ProgressMode::kBar)),
         to_terminal_(isatty(STDOUT_FILENO) != 0) {
@@ -135,6 +135,7 @@ class Run {
     if (video_) video_->finish();
     events_.finish(base::interrupted() != 0);
     figures_.events = events_.events();
+    figures_.clutter = events_.clutter();
     if (lines_) lines_->commit();
     if (video_) video_->commit();
     events_.commit();

@@ -54,6 +54,8 @@ std::string summary(const std::string& source, const Figures& figures, const Run
           std::to_string(figures.events) + (figures.events == 1 ? " event" : " events");
   if (!options.results.empty() && options.results != "-") text += ", listed in " + options.results;
   text += "\n";
+  if (figures.clutter > 0)
+    text += std::to_string(figures.clutter) + " boxes left out as clutter, such as rain or leaves\n";
   return text + output_names(options);
 }
 
