@@ -390,6 +390,21 @@ TEST(TuneSearch, TriesNothingMoreWhenTheStartHasNoBoxesInWhatIsQuiet) {
   EXPECT_GT(loud.trials.size(), 15U);
 }
 
+TEST(TuneSearch, TriesNothingMoreWhenTheStartFindsAllOfMarkedMotion) {
+  const auto trials = [](const std::string& looks) {
+    Outcome outcome;
+    outcome.marks = {.quiet = {span(0, 1)}, .motion = {span(1, 21)}};
+    search(outcome, [&](const std::vector<Setting>& settings) {
+      Seen all = seen("--" + looks);
+      all.happenings = {motion(1, 20)};
+      return std::vector<Seen>(settings.size(), all);
+    });
+    return outcome.trials.size();
+  };
+  EXPECT_EQ(trials(std::string(38, '#') + "--"), 2U) << "boxes in 38 of 40 frames";
+  EXPECT_GT(trials(std::string(37, '#') + "---"), 15U);
+}
+
 TEST(TuneSearch, SearchesForMoreInMarkedMotion) {
   Outcome outcome;
   outcome.own = {.sensitivity = 4, .min_box = kMinBoxes[2]};

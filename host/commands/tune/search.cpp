@@ -37,10 +37,12 @@ Setting judge(Outcome& outcome) {
   return outcome.trials[outcome.chosen].setting;
 }
 
-// Without marked motion, only boxes in quiet spans can be fewer.
+// Whether there can be fewer boxes in quiet spans, or more in marked motion (choose).
 bool can_be_better(const Outcome& outcome, const Setting& best) {
-  const auto trial = std::ranges::find(outcome.trials, best, &Trial::setting);
-  return !outcome.marks.motion_assumed || trial->figures.quiet_frames > 0;
+  const Figures& figures = std::ranges::find(outcome.trials, best, &Trial::setting)->figures;
+  if (figures.quiet_frames > 0) return true;
+  return !outcome.marks.motion_assumed && (figures.found < outcome.marks.motion.size() ||
+                                           19 * outcome.motion_frames > 20 * figures.motion_frames);
 }
 
 std::int64_t frames_in(const Spans& spans, const std::vector<Look>& looks) {

@@ -12,8 +12,7 @@ namespace lm::host::commands::tune {
 using TryAll = std::function<std::vector<Seen>(const std::vector<Setting>&)>;
 
 // Fills in `trials`, `marks` (which contains the marked spans) and `chosen`; `own` is known. Two settings
-// decide what is quiet; if the start has no boxes there and no motion is marked, nothing can be better, and
-// no other is tried.
+// decide what is quiet. If nothing can be better than the start, no other is tried.
 void search(Outcome& outcome, const TryAll& try_all);
 
 // Approximate number of settings tried.
