@@ -38,7 +38,7 @@ class Installation(unittest.TestCase):
 
     def test_names_no_folder_of_the_build(self):
         # As an absolute path: what is in "/lightmotion" would also be found in "lightmotion/lightmotion.h".
-        path = re.compile(rb"(?<![\w.-])" + re.escape(bytes(SOURCE)) + rb"\b")
+        path = re.compile(rb"(?<![\w.}-])" + re.escape(bytes(SOURCE)) + rb"\b")
         for file in PREFIX.rglob("*"):
             if file.is_file():
                 text = file.read_bytes().replace(bytes(PREFIX), b"") # the prefix may be inside the build folder
