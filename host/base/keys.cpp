@@ -107,6 +107,7 @@ constexpr Key kKeys[] = {
     {"static_lifetime_frames"},
     {"extent"},
     {"peel"},
+    {"adapts"},
     {"min_box"},
     {"min_box_pixels"},
     {"watched_share", kFraction},

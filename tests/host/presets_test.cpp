@@ -1,6 +1,6 @@
 #include "host/detector/presets/presets.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 #include <json/json.h>
 
 #include <set>
@@ -46,7 +46,7 @@ TEST(Presets, ContainOnlySettingsThatThePluginReadsAndAComment) {
     std::vector<std::string> expected{"comment", "lcAdap", "minBoxH", "minBoxW", "sensitivity"};
     // Detectors by handle only; the others are chosen.
     if (preset.name == "auto")
-      expected = {"absorb_seconds", "comment", "extent", "lcAdap", "minBoxH", "minBoxW"};
+      expected = {"absorb_seconds", "adapt", "comment", "extent", "lcAdap", "minBoxH", "minBoxW"};
     EXPECT_EQ(keys, expected) << preset.name;
     EXPECT_TRUE(check::check_document(preset.document, cv::Size(640, 360)).findings.empty()) << preset.name;
   }
@@ -68,8 +68,9 @@ TEST(Presets, StayInTheRangesThatThePluginAccepts) {
   }
 }
 
-TEST(Presets, OfTheStreetIsWhatServeBeginsWith) {
-  EXPECT_EQ(default_document(), find_preset("street")->document);
+TEST(Presets, AutoRunsWithoutAConfigurationAndStreetInAPlugin) {
+  EXPECT_EQ(default_document("").text, find_preset("auto")->document);
+  EXPECT_EQ(default_document("other.so").text, find_preset("street")->document);
 }
 
 TEST(Presets, AreNamedOnTheCommandLine) {
@@ -120,6 +121,29 @@ TEST(PresetsProgram, RunsWithADocumentAsIfItWereAConfiguration) {
   EXPECT_FALSE(named.output.empty());
   EXPECT_EQ(named.output, given.output);
   EXPECT_NE(named.output, with({}).output);
+}
+
+TEST(PresetsProgram, AutoSavedAndEditedKeepsAdapting) {
+  const Folder folder;
+  program::write(folder / "own.json", find_preset("auto")->document);
+  const program::Outcome without = program::run({"run", "--scale", "0.5", "-o", folder / "a"});
+  const program::Outcome with =
+      program::run({"run", "--scale", "0.5", "-o", folder / "b", "-c", folder / "own.json"});
+  EXPECT_EQ(with.status, 0) << with.errors;
+  EXPECT_FALSE(program::read(folder / "a").empty());
+  EXPECT_EQ(program::read(folder / "a"), program::read(folder / "b"));
+  EXPECT_THAT(with.errors, testing::HasSubstr("analysed in 320x180"));
+  program::write(folder / "own.json", R"({"adapt": true, "sensitivity": 2})");
+  const program::Outcome edited =
+      program::run({"run", "--scale", "0.5", "-o", folder / "b", "-c", folder / "own.json"});
+  EXPECT_THAT(edited.errors, testing::HasSubstr("analysed in 320x180"));
+  EXPECT_THAT(edited.errors, testing::Not(testing::HasSubstr("sensitivity")));
+}
+
+TEST(PresetsProgram, AutoNeedsTheLibrary) {
+  const program::Outcome outcome = program::run_fake({"--preset", "auto"});
+  EXPECT_EQ(outcome.status, 2);
+  EXPECT_THAT(outcome.errors, testing::HasSubstr("the preset auto: \"adapt\" cannot be used with --plugin"));
 }
 
 TEST(PresetsArchive, AffectWhichFilesAreReprocessed) {

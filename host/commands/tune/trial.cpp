@@ -5,6 +5,8 @@
 
 #include "host/base/failure.h"
 #include "host/base/interrupt.h"
+#include "host/detector/adapt.h"
+#include "host/detector/analysis_size.h"
 #include "host/detector/detector.h"
 #include "host/events/event_watch.h"
 #include "host/source/timestamp.h"
@@ -33,7 +35,7 @@ class Recorder : public events::EventListener {
 
 Seen try_document(const std::string& plugin, const std::string& document, const source::live::Scale& scale,
                   const Sample& sample) {
-  const cv::Size analysed = scale.of(sample.info().size);
+  const cv::Size analysed = detector::analysed_size(document, sample.info().size, scale);
   const auto detector = detector::make_detector(plugin, {"", document}, analysed);
   Seen seen;
   const events::EventOptions options;
@@ -42,7 +44,7 @@ Seen try_document(const std::string& plugin, const std::string& document, const 
   sample.replay([&](const source::Frame& frame) {
     if (base::interrupted() != 0) throw base::Failure(base::kTrouble, "stopped");
     if (frame.anew) detector->restart();
-    const cv::Mat image = source::live::scaled(frame.image, analysed);
+    const cv::Mat image = detector::resized(frame.image, analysed);
     events.frame(frame, frame.number, detector->process(image, source::timestamp(sample.info(), frame)));
   });
   events.finish(false);

@@ -32,6 +32,8 @@ Json::Value described(const Effective& effective) {
   object["static_lifetime_frames"] = effective.life_static;
   object["extent"] = effective.whole_objects ? "full" : "core";
   object["peel"] = effective.peeled;
+  object["adapts"] = Json::arrayValue;
+  for (const std::string& key : effective.adapts) object["adapts"].append(key);
   object["min_box"]["width"] = effective.min_box_width;
   object["min_box"]["height"] = effective.min_box_height;
   if (effective.frame.empty()) return object;
