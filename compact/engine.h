@@ -74,9 +74,10 @@ class Engine {
 
   bool isForeground(std::int32_t x, std::int32_t y) const;  // a pixel of the last frame, from the second on
 
-  // Pictures of what was learned, after the first frame (pictures.cpp). `stride`: bytes from row to row.
-  void copyForeground(std::uint8_t* mask, std::size_t stride) const;
-  void copyBackground(std::uint8_t* pixels, std::size_t stride) const;
+  // Pictures of what was learned in `area`, after the first frame (pictures.cpp). `stride`: bytes from row to
+  // row.
+  void copyForeground(const Area& area, std::uint8_t* mask, std::size_t stride) const;
+  void copyBackground(const Area& area, std::uint8_t* pixels, std::size_t stride) const;
   // The words of a row's blocks; null for a first frame.
   const std::uint32_t* foreground(std::int32_t y) const {
     return classified_ ? memory_.foreground(y) : nullptr;

@@ -143,13 +143,25 @@ std::size_t strideOf(std::size_t stride, std::size_t rowBytes, std::int32_t heig
   return stride < rowBytes || stride > most ? 0 : stride;
 }
 
-template <typename Copy>
-int copied(const lightmotion_detector* detector, void* to, std::size_t stride, std::size_t bytesPerPixel,
-           const Copy& copy) {
-  if (detector == nullptr || to == nullptr) return LIGHTMOTION_ERROR_ARGUMENT;
+// Whether the area lies within the frame.
+bool isWithin(const lm::FrameSize& frame, const lm::compact::Area& area) {
+  return area.x >= 0 && area.y >= 0 && area.width >= 1 && area.height >= 1 &&
+         area.width <= frame.frmW - area.x && area.height <= frame.frmH - area.y;
+}
+
+lm::compact::Area wholeFrame(const lightmotion_detector* detector) {
+  if (detector == nullptr) return {};
   const lm::FrameSize& frame = detector->configuration().frame;
-  const std::size_t rowBytes = static_cast<std::size_t>(frame.frmW) * bytesPerPixel;
-  const std::size_t bytes = strideOf(stride, rowBytes, frame.frmH);
+  return {0, 0, frame.frmW, frame.frmH};
+}
+
+template <typename Copy>
+int copied(const lightmotion_detector* detector, const lm::compact::Area& area, void* to, std::size_t stride,
+           std::size_t bytesPerPixel, const Copy& copy) {
+  if (detector == nullptr || to == nullptr) return LIGHTMOTION_ERROR_ARGUMENT;
+  if (!isWithin(detector->configuration().frame, area)) return LIGHTMOTION_ERROR_ARGUMENT;
+  const std::size_t rowBytes = static_cast<std::size_t>(area.width) * bytesPerPixel;
+  const std::size_t bytes = strideOf(stride, rowBytes, area.height);
   if (bytes == 0) return LIGHTMOTION_ERROR_ARGUMENT;
   if (!detector->engine().started()) return LIGHTMOTION_ERROR_NO_FRAME;
   copy(static_cast<std::uint8_t*>(to), bytes);
@@ -252,13 +264,13 @@ int lightmotion_reset(lightmotion_detector* detector) {
 
 int lightmotion_relearn(lightmotion_detector* detector, int32_t x, int32_t y, int32_t width, int32_t height,
                         const void* mask, size_t stride) {
-  if (detector == nullptr || x < 0 || y < 0 || width < 1 || height < 1) return LIGHTMOTION_ERROR_ARGUMENT;
-  const lm::FrameSize& frame = detector->configuration().frame;
-  if (width > frame.frmW - x || height > frame.frmH - y) return LIGHTMOTION_ERROR_ARGUMENT;
+  const lm::compact::Area area{x, y, width, height};
+  if (detector == nullptr || !isWithin(detector->configuration().frame, area))
+    return LIGHTMOTION_ERROR_ARGUMENT;
   const std::size_t bytes = strideOf(stride, static_cast<std::size_t>(width), height);
   if (bytes == 0) return LIGHTMOTION_ERROR_ARGUMENT;
   return guarded([&]() -> int {
-    detector->relearn({x, y, width, height}, static_cast<const std::uint8_t*>(mask), bytes);
+    detector->relearn(area, static_cast<const std::uint8_t*>(mask), bytes);
     return LIGHTMOTION_OK;
   });
 }
@@ -296,15 +308,31 @@ const char* lightmotion_json(lightmotion_detector* detector, size_t* length) {
 }
 
 int lightmotion_foreground(const lightmotion_detector* detector, void* mask, size_t stride) {
-  return copied(detector, mask, stride, 1,
-                [&](std::uint8_t* to, std::size_t bytes) { detector->engine().copyForeground(to, bytes); });
+  const lm::compact::Area all = wholeFrame(detector);
+  return lightmotion_foreground_part(detector, all.x, all.y, all.width, all.height, mask, stride);
+}
+
+int lightmotion_foreground_part(const lightmotion_detector* detector, int32_t x, int32_t y, int32_t width,
+                                int32_t height, void* mask, size_t stride) {
+  const lm::compact::Area area{x, y, width, height};
+  return copied(detector, area, mask, stride, 1, [&](std::uint8_t* to, std::size_t bytes) {
+    detector->engine().copyForeground(area, to, bytes);
+  });
 }
 
 int lightmotion_background(const lightmotion_detector* detector, void* pixels, size_t stride) {
+  const lm::compact::Area all = wholeFrame(detector);
+  return lightmotion_background_part(detector, all.x, all.y, all.width, all.height, pixels, stride);
+}
+
+int lightmotion_background_part(const lightmotion_detector* detector, int32_t x, int32_t y, int32_t width,
+                                int32_t height, void* pixels, size_t stride) {
+  const lm::compact::Area area{x, y, width, height};
   const std::size_t channels =
       detector == nullptr ? 1 : static_cast<std::size_t>(detector->configuration().frame.frmChn);
-  return copied(detector, pixels, stride, channels,
-                [&](std::uint8_t* to, std::size_t bytes) { detector->engine().copyBackground(to, bytes); });
+  return copied(detector, area, pixels, stride, channels, [&](std::uint8_t* to, std::size_t bytes) {
+    detector->engine().copyBackground(area, to, bytes);
+  });
 }
 
 // ---- queries ----------------------------------------------------------------------------------------------

@@ -174,8 +174,8 @@ int lightmotion_reset(lightmotion_detector* detector);
  *
  * The part: a rectangle that lies within the frame, and of it the pixels where `mask` is not 0; null is the
  * whole rectangle. `mask`: height rows of width bytes, `stride` bytes from the start of a row to the start of
- * the next, 0 for rows without padding; what lightmotion_foreground has copied can be passed, from the byte
- * of (x, y) on. Pixels that are not watched stay so. Parts of several calls add up until the next frame.
+ * the next, 0 for rows without padding; what lightmotion_foreground_part has copied can be passed. Pixels
+ * that are not watched stay so. Parts of several calls add up until the next frame.
  * Before the first frame there is nothing to forget, and the call has no effect. Results of the last frame
  * stay valid. Returns LIGHTMOTION_OK, LIGHTMOTION_ERROR_ARGUMENT or LIGHTMOTION_ERROR_MEMORY.
  */
@@ -230,11 +230,22 @@ const char* lightmotion_json(lightmotion_detector* detector, size_t* length);
 int lightmotion_foreground(const lightmotion_detector* detector, void* mask, size_t stride);
 
 /*
+ * The same for a part of the frame: a rectangle that lies within it, such as a box. `mask`: height rows of
+ * width bytes. The cost is that of the part.
+ */
+int lightmotion_foreground_part(const lightmotion_detector* detector, int32_t x, int32_t y, int32_t width,
+                                int32_t height, void* mask, size_t stride);
+
+/*
  * Copies the learned background as a picture in the format of the frames (one byte per pixel for luma). Where
  * nothing is watched it is 0, and so is the fourth byte of a pixel. LIGHTMOTION_ERROR_NO_FRAME before the
  * first frame.
  */
 int lightmotion_background(const lightmotion_detector* detector, void* pixels, size_t stride);
+
+/* The same for a part of the frame, as for lightmotion_foreground_part. */
+int lightmotion_background_part(const lightmotion_detector* detector, int32_t x, int32_t y, int32_t width,
+                                int32_t height, void* pixels, size_t stride);
 
 /* ---- queries ------------------------------------------------------------------------------------------- */
 

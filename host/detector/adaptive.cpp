@@ -81,15 +81,19 @@ void Adaptive::apply() {
   if (told_) told_(chosen());
 }
 
-LearnedPictures Adaptive::learned() const {
-  LearnedPictures pictures{cv::Mat(analysed_, CV_8U), cv::Mat(analysed_, CV_8UC3)};
-  lightmotion_foreground(detector_.get(), pictures.foreground.data, pictures.foreground.step);
-  lightmotion_background(detector_.get(), pictures.background.data, pictures.background.step);
+LearnedPictures Adaptive::learned(const cv::Rect& area) const {
+  const auto [x, y, width, height] = area;
+  LearnedPictures pictures{cv::Mat(area.size(), CV_8U), cv::Mat(area.size(), CV_8UC3)};
+  cv::Mat& foreground = pictures.foreground;
+  cv::Mat& background = pictures.background;
+  lightmotion_foreground_part(detector_.get(), x, y, width, height, foreground.data, foreground.step);
+  lightmotion_background_part(detector_.get(), x, y, width, height, background.data, background.step);
   return pictures;
 }
 
 void Adaptive::take_back(const cv::Mat& picture, microseconds time, const std::vector<cv::Rect>& boxes) {
-  for (const GhostPart& part : ghosts_.look(picture, time, boxes, [this] { return learned(); })) {
+  for (const GhostPart& part :
+       ghosts_.look(picture, time, boxes, [this](const cv::Rect& area) { return learned(area); })) {
     detector_.relearn(part.area.x, part.area.y, part.area.width, part.area.height, part.mask.data,
                       part.mask.step);
   }

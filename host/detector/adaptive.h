@@ -39,7 +39,7 @@ class Adaptive : public Detector {
   lightmotion::Detector made(const Document& document) const;
   void measure(const cv::Mat& picture, std::chrono::microseconds time);
   void apply();
-  LearnedPictures learned() const;
+  LearnedPictures learned(const cv::Rect& area) const;
   void take_back(const cv::Mat& picture, std::chrono::microseconds time, const std::vector<cv::Rect>& boxes);
   std::vector<std::string> names_of(const lightmotion_box& box) const;
 

@@ -76,7 +76,7 @@ struct Components {
 // The components of the foreground in `area` that lie in the box, without holes of noise.
 Components components_of(const cv::Mat& foreground, const cv::Rect& area, const cv::Rect& box) {
   cv::Mat closed;
-  cv::morphologyEx(foreground(area), closed, cv::MORPH_CLOSE, cv::Mat::ones(5, 5, CV_8U));
+  cv::morphologyEx(foreground, closed, cv::MORPH_CLOSE, cv::Mat::ones(5, 5, CV_8U));
   Components found;
   cv::Mat figures;
   cv::Mat centres;
@@ -159,8 +159,9 @@ bool Ghosts::moves(Still& still, const cv::Mat& picture) {
 }
 
 // The components of a box whose edges have been in the background.
-GhostPart Ghosts::ghosts_in(Still& still, const cv::Mat& picture, const LearnedPictures& learned) {
+GhostPart Ghosts::ghosts_in(Still& still, const cv::Mat& picture, const Learned& learned_in) {
   const cv::Rect area = grown(still.box, kAround, picture.size());
+  const LearnedPictures learned = learned_in(area);
   const Components found = components_of(learned.foreground, area, still.box);
   if (still.looks++ == 0) still.evidence = cv::Mat::zeros(area.size(), CV_32F);
   GhostPart part{area, {}};
@@ -168,7 +169,7 @@ GhostPart Ghosts::ghosts_in(Still& still, const cv::Mat& picture, const LearnedP
     const cv::Rect& around = found.around[i];
     const cv::Mat mask = found.labels(around) == found.label[i];
     const cv::Mat now = picture(area)(around);
-    const cv::Mat before = learned.background(area)(around);
+    const cv::Mat before = learned.background(around);
     const bool light = texture_kept(now, before, mask) >= kAlike;
     const double edges = light ? -1 : edges_in_picture(now, before, mask);
     cv::Mat evidence = still.evidence(around);
@@ -187,7 +188,6 @@ std::vector<GhostPart> Ghosts::look(const cv::Mat& picture, microseconds time,
                                     const std::vector<cv::Rect>& boxes, const Learned& learned) {
   follow(time, boxes);
   std::vector<GhostPart> parts;
-  LearnedPictures pictures;
   for (Still& still : still_) {
     if (still.seen != time || time < still.next) continue;
     if (moves(still, picture)) {
@@ -195,9 +195,8 @@ std::vector<GhostPart> Ghosts::look(const cv::Mat& picture, microseconds time,
       still.next = time + kMoves;
       continue;
     }
-    if (pictures.foreground.empty()) pictures = learned();
     still.next = time + kBetween;
-    GhostPart part = ghosts_in(still, picture, pictures);
+    GhostPart part = ghosts_in(still, picture, learned);
     if (still.looks < kLooks) continue;
     still.looks = 0;
     still.before.release();

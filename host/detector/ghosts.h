@@ -33,7 +33,7 @@ struct GhostPart {
   cv::Mat mask;  // of the area, 255 inside; empty if there is none
 };
 
-// What the detector has made of a frame. Both of the frame's size, `background` of the frame's type.
+// What the detector has made of an area of a frame. Both of its size, `background` of the frame's type.
 struct LearnedPictures {
   cv::Mat foreground;
   cv::Mat background;
@@ -41,7 +41,7 @@ struct LearnedPictures {
 
 class Ghosts {
  public:
-  using Learned = std::function<LearnedPictures()>;
+  using Learned = std::function<LearnedPictures(const cv::Rect& area)>;
 
   // Looks at a frame and its boxes; returns the parts that something has left. `learned` is called when a box
   // stands still and is not decided, a few times in its life.
@@ -64,7 +64,7 @@ class Ghosts {
 
   void follow(std::chrono::microseconds time, const std::vector<cv::Rect>& boxes);
   static bool moves(Still& still, const cv::Mat& picture);
-  static GhostPart ghosts_in(Still& still, const cv::Mat& picture, const LearnedPictures& learned);
+  static GhostPart ghosts_in(Still& still, const cv::Mat& picture, const Learned& learned_in);
 
   std::vector<Still> still_;
 };

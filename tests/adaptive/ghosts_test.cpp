@@ -111,7 +111,8 @@ class Site {
     const auto milliseconds = std::chrono::duration_cast<std::chrono::milliseconds>(time_).count();
     for (const lightmotion_box& box : detector_.process(picture.data, picture.step, milliseconds))
       boxes_.emplace_back(box.x, box.y, box.width, box.height);
-    for (const GhostPart& part : ghosts_.look(picture, time_, boxes_, [this] { return learned(); })) {
+    for (const GhostPart& part :
+         ghosts_.look(picture, time_, boxes_, [this](const cv::Rect& area) { return learned(area); })) {
       detector_.relearn(part.area.x, part.area.y, part.area.width, part.area.height, part.mask.data,
                         part.mask.step);
       ++relearned_;
@@ -131,12 +132,12 @@ class Site {
   int asked() const { return asked_; }
 
  private:
-  LearnedPictures learned() {
+  LearnedPictures learned(const cv::Rect& area) {
     ++asked_;
     LearnedPictures pictures{cv::Mat(kFrame, CV_8U), cv::Mat(kFrame, CV_8UC3)};
     EXPECT_EQ(lightmotion_foreground(detector_.get(), pictures.foreground.data, 0), LIGHTMOTION_OK);
     EXPECT_EQ(lightmotion_background(detector_.get(), pictures.background.data, 0), LIGHTMOTION_OK);
-    return pictures;
+    return {pictures.foreground(area), pictures.background(area)};
   }
 
   Camera camera_;

@@ -5,6 +5,7 @@
 #include <array>
 #include <cstdlib>
 #include <cstring>
+#include <limits>
 
 #include "engine/kamble.h"
 #include "tests/lightmotion/fixture.h"
@@ -245,6 +246,65 @@ TEST(Pictures, AreForegroundBeforePeelingAndBackgroundWithoutIt) {
     std::vector<std::uint8_t> expected = empty;
     for (std::size_t i = 3; channels == 4 && i < expected.size(); i += 4) expected[i] = 0;
     EXPECT_EQ(backgroundOf(detector), expected);
+  }
+}
+
+// Parts whose sides lie on, beside and across the borders of 32 pixels, with the half of the frame watched.
+TEST(Pictures, OfAPartAreThatPartOfTheWhole) {
+  for (const int channels : {1, 3, 4}) {
+    const compact::Shape any{100, 12, channels};
+    const Detector detector = made(documentOf(
+        any,
+        R"("roi": [{"points": [{"x": 0.2, "y": -1}, {"x": 0.7, "y": -1}, {"x": 0.7, "y": 2}, {"x": 0.2, "y": 2}]}])"));
+    feed(detector, picture(any, 80, {{0, 0, 50, 5, 40}}), 40);
+    feed(detector, picture(any, 80, {{31, 2, 34, 7, 200}, {25, 10, 1, 1, 200}}), 80);
+    const std::vector<std::uint8_t> mask = foregroundOf(detector);
+    const std::vector<std::uint8_t> background = backgroundOf(detector);
+    for (const auto& [x, y, width, height] : {std::array{0, 0, 100, 12},
+                                              {32, 0, 32, 12},
+                                              {31, 3, 2, 9},
+                                              {0, 11, 26, 1},
+                                              {65, 2, 35, 3},
+                                              {99, 0, 1, 1}}) {
+      const auto bytes = static_cast<std::size_t>(width * channels);
+      std::vector<std::uint8_t> of_mask(static_cast<std::size_t>(width * height), 7);
+      std::vector<std::uint8_t> of_background(bytes * static_cast<std::size_t>(height) + 3, 7);
+      ASSERT_EQ(lightmotion_foreground_part(detector.get(), x, y, width, height, of_mask.data(), 0),
+                LIGHTMOTION_OK);
+      ASSERT_EQ(lightmotion_background_part(detector.get(), x, y, width, height, of_background.data(), bytes),
+                LIGHTMOTION_OK);
+      for (int row = 0; row < height; ++row) {
+        for (int column = 0; column < width; ++column) {
+          const auto here = static_cast<std::size_t>(row * width + column);
+          const auto there = static_cast<std::size_t>((y + row) * 100 + x + column);
+          ASSERT_EQ(of_mask[here], mask[there]) << x + column << ' ' << y + row;
+          for (std::size_t c = 0; c < static_cast<std::size_t>(channels); ++c) {
+            const auto n = static_cast<std::size_t>(channels);
+            ASSERT_EQ(of_background[here * n + c], background[there * n + c]) << x + column << ' ' << y + row;
+          }
+        }
+      }
+      EXPECT_EQ(of_background.back(), 7);
+    }
+  }
+}
+
+TEST(Pictures, OfAPartThatDoesNotLieWithinTheFrameAreRefused) {
+  const Detector detector = made(documentOf(shape));
+  feed(detector, frames()[0], 40);
+  const auto [width, height] = std::pair(shape.width, shape.height);
+  std::vector<std::uint8_t> bytes(static_cast<std::size_t>(height) * shape.rowBytes());
+  for (const auto& [x, y, w, h] : {std::array{-1, 0, 2, 2},
+                                   {0, -1, 2, 2},
+                                   {0, 0, 0, 2},
+                                   {0, 0, 2, 0},
+                                   {width - 1, 0, 2, 2},
+                                   {0, height - 1, 2, 2},
+                                   {1, 0, std::numeric_limits<std::int32_t>::max(), 1}}) {
+    EXPECT_EQ(lightmotion_foreground_part(detector.get(), x, y, w, h, bytes.data(), 0),
+              LIGHTMOTION_ERROR_ARGUMENT);
+    EXPECT_EQ(lightmotion_background_part(detector.get(), x, y, w, h, bytes.data(), 0),
+              LIGHTMOTION_ERROR_ARGUMENT);
   }
 }
 
