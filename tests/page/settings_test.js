@@ -43,9 +43,9 @@ test("a preset brings its settings and leaves the regions", async (t) => {
     document: JSON.stringify({ site: "yard", sensitivity: "1", lifeStatic: "0", roi: [region] }),
   });
   await page.click("#tab-settings");
-  await page.locator(".preset", { hasText: "sensitive" }).click();
+  await page.locator(".preset", { hasText: "street" }).click();
   const root = await rootOf(page);
-  assert.equal(root.sensitivity, "5");
+  assert.equal(root.sensitivity, "4");
   assert.equal(root.lifeStatic, undefined, "a setting that the preset leaves to the default");
   assert.equal(root.site, "yard");
   assert.deepEqual(root.roi, [region]);
