@@ -29,7 +29,7 @@ TEST(CheckHandle, KnowsTheKeysOfHandles) {
   EXPECT_THAT(places_of(verdict), IsEmpty());
   EXPECT_EQ(verdict.effective->life_static_seconds, 60);
   EXPECT_EQ(verdict.effective->life_static, 1800) << "at 30 per second";
-  EXPECT_TRUE(verdict.effective->whole_objects);
+  EXPECT_EQ(verdict.effective->extent, "full");
   EXPECT_EQ(verdict.effective->peeled, 1);
   EXPECT_TRUE(
       std::isinf(check_document(R"({"absorb_seconds": "forever"})", kFrame).effective->life_static_seconds));

@@ -59,6 +59,7 @@ TEST(CheckSchema, MarksWhatCheckMarks) {
       R"({"sensitivity": 5, "minBoxW": 0.25, "frmW": 640, "frmChn": 3, "format": "bgr"})",
       R"({"absorb_seconds": 60, "extent": "full", "peel": 1})",
       R"({"absorb_seconds": "forever", "extent": "core", "peel": 0})",
+      R"({"extent": "object", "peel": 1})",
       R"({"adapt": true})",
       R"({"adapt": false})",
       R"({"adapt": "true"})",

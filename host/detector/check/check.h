@@ -25,7 +25,7 @@ struct Effective {
   bool auto_sensitivity = false;   // the minimum component size adapts to the scene
   double life_static_seconds = 0;  // after which still foreground becomes background; infinite: never
   std::int32_t life_static = 0;    // the same in frames, at 30 per second; 0: never
-  bool whole_objects = false;      // boxes around whole components instead of what is left after peeling
+  std::string extent = "core";     // what boxes enclose: what peeling leaves; "full" or "object": more
   int peeled = 3;                  // layers
   double min_box_width = 0;        // as fractions of the frame; a box below both is dropped
   double min_box_height = 0;

@@ -66,7 +66,8 @@ std::vector<Row> rows(const Effective& effective) {
       {"minimum box size", min_box(effective)},
       {"still objects kept for", life(effective)},
   };
-  if (effective.whole_objects) table.emplace_back("boxes", "around whole objects (extent)");
+  if (effective.extent == "full") table.emplace_back("boxes", "around whole pieces (extent)");
+  if (effective.extent == "object") table.emplace_back("boxes", "around whole objects (extent)");
   if (effective.peeled != kUsuallyPeeled) {
     table.emplace_back("layers peeled", std::to_string(effective.peeled) + " (peel)");
   }

@@ -1,0 +1,86 @@
+#include "objects/grouping.h"
+
+#include <algorithm>
+
+namespace lm {
+namespace {
+
+constexpr std::int32_t touching = 2;  // pixels
+
+std::int64_t area(const Piece& piece) {
+  return std::int64_t{piece.right - piece.left} * (piece.bottom - piece.top);
+}
+
+Piece around(const Piece& a, const Piece& b) {
+  return {std::min(a.left, b.left), std::min(a.top, b.top), std::max(a.right, b.right),
+          std::max(a.bottom, b.bottom), a.strong || b.strong};
+}
+
+// Two spans on an axis: what they share, negative for a gap, and the longer and the shorter length.
+struct Axis {
+  std::int32_t shared, longer, shorter;
+
+  Axis(std::int32_t beginA, std::int32_t endA, std::int32_t beginB, std::int32_t endB)
+      : shared(std::min(endA, endB) - std::max(beginA, beginB)),
+        longer(std::max(endA - beginA, endB - beginB)),
+        shorter(std::min(endA - beginA, endB - beginB)) {}
+
+  std::int32_t gap() const { return std::max(0, -shared); }
+  bool isShared() const { return 2 * shared >= shorter; }
+};
+
+// Joins the strong pieces that belong together, until none do.
+void joinStrong(std::vector<Piece>& strong, std::int32_t longerSide) {
+  for (std::size_t i = 0; i < strong.size();) {
+    const auto partner =
+        std::find_if(strong.begin() + static_cast<std::ptrdiff_t>(i) + 1, strong.end(),
+                     [&](const Piece& other) { return belongTogether(strong[i], other, longerSide); });
+    if (partner == strong.end()) {
+      ++i;
+      continue;
+    }
+    strong[i] = around(strong[i], *partner);
+    strong.erase(partner);
+    i = 0;
+  }
+}
+
+// Gives weak pieces to the first strong one each belongs to; returns whether there was any.
+bool takeWeak(std::vector<Piece>& strong, std::vector<Piece>& weak, std::int32_t longerSide) {
+  const std::size_t before = weak.size();
+  std::erase_if(weak, [&](const Piece& piece) {
+    const auto owner = std::find_if(strong.begin(), strong.end(), [&](const Piece& candidate) {
+      return belongTogether(candidate, piece, longerSide);
+    });
+    if (owner == strong.end()) return false;
+    *owner = around(*owner, piece);
+    return true;
+  });
+  return weak.size() < before;
+}
+
+}  // namespace
+
+bool belongTogether(const Piece& a, const Piece& b, std::int32_t longerSide) {
+  const Axis across(a.left, a.right, b.left, b.right);
+  const Axis down(a.top, a.bottom, b.top, b.bottom);
+  const std::int32_t gap = std::max(across.gap(), down.gap());
+  if (gap <= touching) return true;
+  const Piece& speck = a.strong ? b : a;
+  const bool weak = !speck.strong;
+  if (weak && gap > std::max(speck.right - speck.left, speck.bottom - speck.top)) return false;
+  if (across.isShared()) return 2 * gap <= 3 * across.longer && 8 * gap <= longerSide;
+  const bool small = weak || 4 * std::min(area(a), area(b)) <= std::max(area(a), area(b));
+  return small && down.isShared() && gap <= across.shorter && 32 * gap <= longerSide;
+}
+
+std::vector<Piece> grouped(const std::vector<Piece>& pieces, std::int32_t longerSide) {
+  std::vector<Piece> strong, weak;
+  for (const Piece& piece : pieces) (piece.strong ? strong : weak).push_back(piece);
+  do {
+    joinStrong(strong, longerSide);
+  } while (takeWeak(strong, weak, longerSide));
+  return strong;
+}
+
+}  // namespace lm

@@ -1,0 +1,31 @@
+// From the pieces of the foreground to objects. Where an object has the colour of what is behind it, its
+// foreground falls into pieces: a head, legs, specks between them. Which of them belong together depends on
+// their sizes and on how they lie to each other, so that people in a group and cars in a queue stay apart.
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+namespace lm {
+
+// Columns [left, right) and rows [top, bottom). `strong`: enough of it survives peeling for a box of its own.
+struct Piece {
+  std::int32_t left, top, right, bottom;
+  bool strong;
+};
+
+// Whether two pieces belong to one object. `longerSide`: of the frame. Either
+// - they touch, or are at most 2 pixels apart, or
+// - one is above the other: at least half of the narrower one's width is shared, and the gap is at most 1.5
+//   times the wider one's width and 1/8 of the longer side, or
+// - a small one is beside a large one: at least half of the lower one's height is shared, and the gap is at
+//   most the narrower one's width and 1/32 of the longer side. Small is what has no box of its own,
+//   and what has at most a quarter of the other's area.
+// A piece without a box of its own is at most its own longer side away.
+bool belongTogether(const Piece& a, const Piece& b, std::int32_t longerSide);
+
+// The objects: strong pieces, which take in what belongs to them until nothing more does. Weak pieces that
+// belong to none are left out.
+std::vector<Piece> grouped(const std::vector<Piece>& pieces, std::int32_t longerSide);
+
+}  // namespace lm

@@ -1,0 +1,150 @@
+// From pieces to objects. The frame's longer side is 640 pixels unless a test says otherwise: 80 pixels are
+// 1/8 of it and 20 are 1/32.
+#include "objects/grouping.h"
+
+#include <gtest/gtest.h>
+
+#include <ostream>
+
+#include "tests/support/by_name.h"
+
+namespace lm {
+
+bool operator==(const Piece& a, const Piece& b) {
+  return a.left == b.left && a.top == b.top && a.right == b.right && a.bottom == b.bottom &&
+         a.strong == b.strong;
+}
+
+void PrintTo(const Piece& piece, std::ostream* out) {
+  *out << piece.left << ".." << piece.right << " x " << piece.top << ".." << piece.bottom
+       << (piece.strong ? "" : " weak");
+}
+
+namespace test {
+namespace {
+
+constexpr std::int32_t side = 640;
+using Pieces = std::vector<Piece>;
+
+Piece strong(std::int32_t x, std::int32_t y, std::int32_t width, std::int32_t height) {
+  return {x, y, x + width, y + height, true};
+}
+
+Piece weak(std::int32_t x, std::int32_t y, std::int32_t width, std::int32_t height) {
+  return {x, y, x + width, y + height, false};
+}
+
+// Either way round.
+bool together(const Piece& a, const Piece& b, std::int32_t longerSide = side) {
+  const bool answer = belongTogether(a, b, longerSide);
+  EXPECT_EQ(belongTogether(b, a, longerSide), answer);
+  return answer;
+}
+
+// A piece of 20 x 30 at columns 100 to 119, and others around it.
+const Piece body = strong(100, 200, 20, 30);
+
+TEST(Grouping, TwoPixelsApartTouch) {
+  EXPECT_TRUE(together(body, strong(122, 200, 20, 30)));
+  EXPECT_FALSE(together(body, strong(123, 200, 20, 30)));
+  EXPECT_TRUE(together(body, strong(122, 232, 20, 30))) << "also across a corner";
+  EXPECT_FALSE(together(body, strong(122, 233, 20, 30)));
+  EXPECT_FALSE(together(body, strong(123, 232, 20, 30)));
+  EXPECT_TRUE(together(body, strong(105, 210, 5, 5))) << "inside";
+}
+
+// The gap reaches 1.5 times the wider one's width: 30 pixels.
+TEST(Grouping, PiecesAboveEachOtherAreOne) {
+  EXPECT_TRUE(together(body, strong(100, 260, 20, 30)));
+  EXPECT_FALSE(together(body, strong(100, 261, 20, 30)));
+  EXPECT_TRUE(together(body, strong(105, 150, 10, 20))) << "a head, 30 pixels above";
+  EXPECT_FALSE(together(body, strong(105, 149, 10, 20)));
+  EXPECT_TRUE(together(body, strong(90, 290, 40, 30))) << "the wider one counts";
+}
+
+TEST(Grouping, PiecesAboveEachOtherShareHalfOfTheNarrowerOne) {
+  EXPECT_TRUE(together(body, strong(115, 240, 10, 30)));
+  EXPECT_FALSE(together(body, strong(116, 240, 10, 30)));
+  EXPECT_TRUE(together(body, strong(95, 240, 10, 30)));
+  EXPECT_FALSE(together(body, strong(94, 240, 10, 30)));
+}
+
+// 1.5 times 100 would be 150.
+TEST(Grouping, NoGapIsLargerThanAnEighthOfTheFrame) {
+  const Piece lorry = strong(100, 100, 100, 60);
+  EXPECT_TRUE(together(lorry, strong(100, 240, 100, 60)));
+  EXPECT_FALSE(together(lorry, strong(100, 241, 100, 60)));
+  EXPECT_TRUE(together(lorry, strong(100, 241, 100, 60), 648));
+}
+
+TEST(Grouping, PeopleSideBySideAreTwo) { EXPECT_FALSE(together(body, strong(124, 200, 20, 30))); }
+
+// A quarter of 20 x 30 are 150 pixels.
+TEST(Grouping, WhatIsSmallBelongsToWhatIsBesideIt) {
+  EXPECT_TRUE(together(body, strong(125, 205, 10, 15)));
+  EXPECT_FALSE(together(body, strong(125, 205, 10, 16)));
+  EXPECT_TRUE(together(body, weak(125, 205, 10, 16)));
+}
+
+TEST(Grouping, WhatIsBesideIsAtMostItsOwnWidthAway) {
+  EXPECT_TRUE(together(body, strong(130, 205, 10, 15)));
+  EXPECT_FALSE(together(body, strong(131, 205, 10, 15)));
+}
+
+TEST(Grouping, WhatIsBesideSharesHalfOfTheLowerOne) {
+  EXPECT_TRUE(together(body, strong(125, 225, 10, 10)));
+  EXPECT_FALSE(together(body, strong(125, 226, 10, 10)));
+}
+
+TEST(Grouping, WhatIsBesideIsAtMostA32ndOfTheFrameAway) {
+  const Piece bus = strong(100, 100, 200, 100);
+  EXPECT_TRUE(together(bus, strong(320, 120, 50, 50)));
+  EXPECT_FALSE(together(bus, strong(321, 120, 50, 50)));
+}
+
+// A speck of 4 x 6 reaches 6 pixels; a strong piece of the same size would reach 30.
+TEST(Grouping, SpecksReachAsFarAsTheirLongerSide) {
+  EXPECT_TRUE(together(body, weak(110, 236, 4, 6)));
+  EXPECT_FALSE(together(body, weak(110, 237, 4, 6)));
+  EXPECT_TRUE(together(body, strong(110, 237, 4, 6)));
+}
+
+// ---- objects ----------------------------------------------------------------------------------------------
+
+TEST(Grouped, EnclosesThePiecesOfAnObject) {
+  EXPECT_EQ(grouped({strong(105, 150, 10, 20), body}, side), Pieces{strong(100, 150, 20, 80)});
+}
+
+TEST(Grouped, LeavesOutWeakPiecesAlone) {
+  EXPECT_EQ(grouped({weak(10, 10, 8, 8), weak(12, 20, 8, 8), body}, side), Pieces{body});
+  EXPECT_EQ(grouped({weak(10, 10, 8, 8)}, side), Pieces{});
+  EXPECT_EQ(grouped({}, side), Pieces{});
+}
+
+// Each speck is within reach of what the object is after the one before: 230 + 6 + 6 + 6 + 6.
+TEST(Grouped, GrowsFromSpeckToSpeck) {
+  EXPECT_EQ(grouped({body, weak(105, 248, 6, 6), weak(105, 236, 6, 6)}, side),
+            Pieces{strong(100, 200, 20, 54)});
+}
+
+// The legs are 40 pixels away; 5 less from the speck, which leaves 30.
+TEST(Grouped, SpecksBridgeGaps) {
+  const Piece legs = strong(100, 270, 20, 30);
+  EXPECT_EQ(grouped({body, legs}, side), (Pieces{body, legs}));
+  EXPECT_EQ(grouped({body, weak(105, 234, 6, 6), legs}, side), Pieces{strong(100, 200, 20, 100)});
+}
+
+// The first two are one after the third has joined the second.
+TEST(Grouped, JoinsUntilNothingBelongsTogether) {
+  const Piece arm = strong(131, 200, 8, 12);
+  EXPECT_EQ(grouped({body, arm, strong(122, 205, 10, 15)}, side), Pieces{strong(100, 200, 39, 30)});
+}
+
+TEST(Grouped, KeepsTheOrderOfThePieces) {
+  const Piece other = strong(300, 100, 20, 30);
+  EXPECT_EQ(grouped({other, body, weak(105, 236, 6, 6)}, side), (Pieces{other, strong(100, 200, 20, 42)}));
+}
+
+}  // namespace
+}  // namespace test
+}  // namespace lm
