@@ -12,7 +12,7 @@ _lightmotion() {
       tune\:"find settings for your own footage"))' \
     '*::argument:->arguments'
   [[ $state == arguments ]] || return
-  local presets='(auto street)'
+  local presets='(auto calm street)'
   if [[ $line[1] == presets ]]; then
     _arguments '(- *)'{-h,--help}'[print help and exit]' "1:preset:$presets"
     return
