@@ -7,9 +7,9 @@ namespace {
 
 constexpr std::int32_t touching = 2;  // pixels
 
-std::int64_t area(const Piece& piece) {
-  return std::int64_t{piece.right - piece.left} * (piece.bottom - piece.top);
-}
+std::int32_t width(const Piece& piece) { return piece.right - piece.left; }
+std::int32_t height(const Piece& piece) { return piece.bottom - piece.top; }
+std::int64_t area(const Piece& piece) { return std::int64_t{width(piece)} * height(piece); }
 
 Piece around(const Piece& a, const Piece& b) {
   return {std::min(a.left, b.left), std::min(a.top, b.top), std::max(a.right, b.right),
@@ -68,8 +68,12 @@ bool belongTogether(const Piece& a, const Piece& b, std::int32_t longerSide) {
   if (gap <= touching) return true;
   const Piece& speck = a.strong ? b : a;
   const bool weak = !speck.strong;
-  if (weak && gap > std::max(speck.right - speck.left, speck.bottom - speck.top)) return false;
-  if (across.isShared()) return 2 * gap <= 3 * across.longer && 8 * gap <= longerSide;
+  if (weak && gap > std::max(width(speck), height(speck))) return false;
+  if (across.isShared()) {
+    const Piece& wider = width(a) >= width(b) ? a : b;
+    const bool lying = 2 * width(wider) > 3 * height(wider);
+    return (lying ? 2 * gap <= across.shorter : gap <= 2 * across.longer) && 8 * gap <= longerSide;
+  }
   const bool small = weak || 4 * std::min(area(a), area(b)) <= std::max(area(a), area(b));
   return small && down.isShared() && gap <= across.shorter && 32 * gap <= longerSide;
 }

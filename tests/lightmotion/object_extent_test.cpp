@@ -104,7 +104,11 @@ bool related(const Thing& a, const Thing& b) {
   }
   const double narrow = std::min(a.wide(), b.wide());
   const double low = std::min(a.high(), b.high());
-  if (-x >= narrow / 2) return gap <= 1.5 * std::max(a.wide(), b.wide()) && gap <= width / 8.0;
+  if (-x >= narrow / 2) {
+    const Thing& wider = a.wide() >= b.wide() ? a : b;
+    const bool lying = wider.wide() > 1.5 * wider.high();
+    return gap <= (lying ? narrow / 2 : 2 * wider.wide()) && gap <= width / 8.0;
+  }
   const double ratio = a.wide() * a.high() / (b.wide() * b.high());
   const bool small = !a.strong || !b.strong || ratio <= 0.25 || ratio >= 4;
   return small && -y >= low / 2 && gap <= narrow && gap <= width / 32.0;

@@ -53,13 +53,20 @@ TEST(Grouping, TwoPixelsApartTouch) {
   EXPECT_TRUE(together(body, strong(105, 210, 5, 5))) << "inside";
 }
 
-// The gap reaches 1.5 times the wider one's width: 30 pixels.
+// The gap reaches twice the wider one's width: 40 pixels.
 TEST(Grouping, PiecesAboveEachOtherAreOne) {
-  EXPECT_TRUE(together(body, strong(100, 260, 20, 30)));
-  EXPECT_FALSE(together(body, strong(100, 261, 20, 30)));
-  EXPECT_TRUE(together(body, strong(105, 150, 10, 20))) << "a head, 30 pixels above";
-  EXPECT_FALSE(together(body, strong(105, 149, 10, 20)));
-  EXPECT_TRUE(together(body, strong(90, 290, 40, 30))) << "the wider one counts";
+  EXPECT_TRUE(together(body, strong(100, 270, 20, 30)));
+  EXPECT_FALSE(together(body, strong(100, 271, 20, 30)));
+  EXPECT_TRUE(together(body, strong(105, 140, 10, 20))) << "a head, 40 pixels above";
+  EXPECT_FALSE(together(body, strong(105, 139, 10, 20)));
+  EXPECT_TRUE(together(body, strong(90, 300, 40, 30))) << "the wider one counts";
+}
+
+// A car of 120 x 80 is not wide enough, one of 121 x 80 is. Half of the narrower one are 10 pixels.
+TEST(Grouping, PeopleBehindVehiclesStayApart) {
+  EXPECT_TRUE(together(body, strong(60, 241, 120, 80)));
+  EXPECT_FALSE(together(body, strong(60, 241, 121, 80)));
+  EXPECT_TRUE(together(body, strong(60, 240, 121, 80)));
 }
 
 TEST(Grouping, PiecesAboveEachOtherShareHalfOfTheNarrowerOne) {
@@ -69,12 +76,12 @@ TEST(Grouping, PiecesAboveEachOtherShareHalfOfTheNarrowerOne) {
   EXPECT_FALSE(together(body, strong(94, 240, 10, 30)));
 }
 
-// 1.5 times 100 would be 150.
+// Twice 100 would be 200.
 TEST(Grouping, NoGapIsLargerThanAnEighthOfTheFrame) {
-  const Piece lorry = strong(100, 100, 100, 60);
-  EXPECT_TRUE(together(lorry, strong(100, 240, 100, 60)));
-  EXPECT_FALSE(together(lorry, strong(100, 241, 100, 60)));
-  EXPECT_TRUE(together(lorry, strong(100, 241, 100, 60), 648));
+  const Piece lorry = strong(100, 100, 100, 80);
+  EXPECT_TRUE(together(lorry, strong(100, 260, 100, 80)));
+  EXPECT_FALSE(together(lorry, strong(100, 261, 100, 80)));
+  EXPECT_TRUE(together(lorry, strong(100, 261, 100, 80), 648));
 }
 
 TEST(Grouping, PeopleSideBySideAreTwo) { EXPECT_FALSE(together(body, strong(124, 200, 20, 30))); }
@@ -102,7 +109,7 @@ TEST(Grouping, WhatIsBesideIsAtMostA32ndOfTheFrameAway) {
   EXPECT_FALSE(together(bus, strong(321, 120, 50, 50)));
 }
 
-// A speck of 4 x 6 reaches 6 pixels; a strong piece of the same size would reach 30.
+// A speck of 4 x 6 reaches 6 pixels; a strong piece of the same size would reach 40.
 TEST(Grouping, SpecksReachAsFarAsTheirLongerSide) {
   EXPECT_TRUE(together(body, weak(110, 236, 4, 6)));
   EXPECT_FALSE(together(body, weak(110, 237, 4, 6)));
@@ -127,11 +134,11 @@ TEST(Grouped, GrowsFromSpeckToSpeck) {
             Pieces{strong(100, 200, 20, 54)});
 }
 
-// The legs are 40 pixels away; 5 less from the speck, which leaves 30.
+// The legs are 41 pixels away, which the speck makes 31.
 TEST(Grouped, SpecksBridgeGaps) {
-  const Piece legs = strong(100, 270, 20, 30);
+  const Piece legs = strong(100, 271, 20, 30);
   EXPECT_EQ(grouped({body, legs}, side), (Pieces{body, legs}));
-  EXPECT_EQ(grouped({body, weak(105, 234, 6, 6), legs}, side), Pieces{strong(100, 200, 20, 100)});
+  EXPECT_EQ(grouped({body, weak(105, 234, 6, 6), legs}, side), Pieces{strong(100, 200, 20, 101)});
 }
 
 // The first two are one after the third has joined the second.
