@@ -117,6 +117,7 @@ constexpr Key kKeys[] = {
     {"assumed"},
     {"spans"},
     {"spans_found"},
+    {"kept", kFraction},
     {"trials"},
     {"chosen"},
     {"reason"},

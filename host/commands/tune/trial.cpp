@@ -1,7 +1,7 @@
 #include "host/commands/tune/trial.h"
 
-#include <algorithm>
 #include <memory>
+#include <utility>
 
 #include "host/base/failure.h"
 #include "host/base/interrupt.h"
@@ -19,9 +19,16 @@ class Recorder : public events::EventListener {
   explicit Recorder(Seen& seen) : seen_(seen) {}
 
   void frame(const source::Frame& frame, const events::Observation& seen) override {
-    seen_.looks.push_back(
-        {frame.time.count(), static_cast<std::int32_t>(seen.boxes.size()),
-         static_cast<std::int32_t>(std::ranges::count(seen.boxes, true, &events::Box::by_light))});
+    Look look;
+    look.time = frame.time.count();
+    for (const events::Box& box : seen.boxes) {
+      if (box.by_light) {
+        ++look.by_light;
+      } else {
+        look.boxes.push_back({box.area, box.id, box.others});
+      }
+    }
+    seen_.looks.push_back(std::move(look));
   }
   void ended(const events::Event& event) override {
     seen_.happenings.push_back({event.start.count(), event.end.count(), event.kind});
@@ -38,6 +45,9 @@ Seen try_document(const std::string& plugin, const std::string& document, const 
   const cv::Size analysed = detector::analysed_size(document, sample.info().size, scale);
   const auto detector = detector::make_detector(plugin, {"", document}, analysed);
   Seen seen;
+  const cv::Size size = sample.info().size;
+  seen.aspect = static_cast<double>(size.width) * sample.info().pixel_aspect.width /
+                (static_cast<double>(size.height) * sample.info().pixel_aspect.height);
   const events::EventOptions options;
   events::EventWatch events({options, sample.info(), document});
   events.add(std::make_unique<Recorder>(seen));
