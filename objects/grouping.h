@@ -9,12 +9,23 @@
 namespace lm {
 
 // Columns [left, right) and rows [top, bottom). `strong`: enough of it survives peeling for a box of its own.
+// `covered`: the sum of the areas of the boxes of its components.
 struct Piece {
   std::int32_t left, top, right, bottom;
   bool strong;
+  std::int64_t covered;
 };
 
-// Whether two pieces belong to one object. `longerSide`: of the frame. Either
+Piece pieceOf(std::int32_t left, std::int32_t top, std::int32_t right, std::int32_t bottom, bool strong);
+
+// `fill`: the least share of a joined box that its components' boxes cover, 1.5 times as much if neither
+// piece is small. Without it, one thing after the other is joined where many are near each other.
+struct GroupRule {
+  std::int32_t longerSide;  // of the frame
+  double fill;
+};
+
+// Whether two pieces belong to one object: together they are filled enough, and either
 // - they touch, or are at most 2 pixels apart, or
 // - one is above the other: they share at least half of the narrower one's width, and the gap is at most
 //   twice the wider one's width and 1/8 of the longer side; if the wider one is more than 1.5 times as wide
@@ -23,10 +34,10 @@ struct Piece {
 //   most the narrower one's width and 1/32 of the longer side. Small is what is weak, and what has at most a
 //   quarter of the other's area.
 // The gap of a weak piece is at most its own longer side.
-bool belongTogether(const Piece& a, const Piece& b, std::int32_t longerSide);
+bool belongTogether(const Piece& a, const Piece& b, const GroupRule& rule);
 
 // The objects: strong pieces, which take in what belongs to them until nothing more does. Weak pieces that
 // belong to none are left out.
-std::vector<Piece> grouped(const std::vector<Piece>& pieces, std::int32_t longerSide);
+std::vector<Piece> grouped(const std::vector<Piece>& pieces, const GroupRule& rule);
 
 }  // namespace lm
