@@ -13,11 +13,15 @@
 #include "engine/neighbours.h"
 #include "engine/rules.h"
 #include "objects/extract.h"
+#include "objects/grouping.h"
+#include "objects/join.h"
 #include "simd/cpu_level.h"
 #include "simd/versions.h"
 
 namespace lm::compact {
 namespace {
+
+constexpr std::int32_t noisyMatch = 13;  // of sensitivity 3 and below
 
 constexpr std::size_t neighbourSide = 2 * neighbourRadius + 1;
 static_assert(neighbourEntries == neighbourSide * neighbourSide && RecentRows::ahead == neighbourRadius);
@@ -182,13 +186,7 @@ const std::vector<SpannedComponent>& Engine::label(RunLabeller& runs) const {
   return runs.number();
 }
 
-std::vector<boxRect> Engine::boxes(kAMBLE& settings) {
-  if (!started_) return {};
-  for (std::int32_t y = 0; y < shape_.height; ++y) {
-    // The words of a first frame mark what has not been classified.
-    if (classified_) erosion_.read(y, memory_.foreground(y), shape_.blocks());
-  }
-  if (extras_.wholeComponents) label(wholeRuns_);
+void Engine::peel() {
   erosion_.peel(extras_.peeled);
   // Kept: the last pixels of the mask are pruned by the first pixels of the region.
   const std::int32_t width = shape_.width;
@@ -198,25 +196,75 @@ std::vector<boxRect> Engine::boxes(kAMBLE& settings) {
     const std::int32_t pixel = pixels - tail + i;
     if (!watched_.start[static_cast<std::size_t>(i)]) erosion_.clear(pixel % width, pixel / width);
   }
-  SmallComponents small;
+}
+
+// Index of the component of the unpeeled foreground that holds a core.
+std::size_t Engine::wholeOf(const SpannedComponent& core) const {
+  return wholeRuns_.componentAt(core.component.first % shape_.width, core.component.first / shape_.width);
+}
+
+std::vector<boxRect> Engine::componentBoxes(kAMBLE& settings, SmallComponents& small) {
   std::vector<boxRect> found;
-  std::vector<bool> known(extras_.wholeComponents ? wholeRuns_.components().size() : 0, false);
+  const bool full = extras_.extent == Extent::full;
+  std::vector<bool> known(full ? wholeRuns_.components().size() : 0, false);
   for (const SpannedComponent& core : label(runs_)) {
     if (!isLarge(settings, core.component, small)) continue;
     const SpannedComponent* spanned = &core;
-    if (extras_.wholeComponents) {
-      const std::size_t whole =
-          wholeRuns_.componentAt(core.component.first % width, core.component.first / width);
+    if (full) {
+      const std::size_t whole = wholeOf(core);
       if (known[whole]) continue;
       known[whole] = true;
       spanned = &wholeRuns_.components()[whole];
     }
     found.push_back(boxBetween(spanned->left - 1, spanned->top - 1, spanned->right + 1, spanned->bottom + 1,
-                               width, shape_.height));
+                               shape_.width, shape_.height));
   }
   if (extras_.joinGap)
-    settings.thrConnect = static_cast<float>(*extras_.joinGap * std::max(width, shape_.height));
+    settings.thrConnect = static_cast<float>(*extras_.joinGap * std::max(shape_.width, shape_.height));
   joinBoxes(settings, found);
+  return found;
+}
+
+std::vector<boxRect> Engine::objectBoxes(const kAMBLE& settings, SmallComponents& small) {
+  const std::vector<SpannedComponent>& wholes = wholeRuns_.components();
+  std::vector<std::size_t> indices;  // into `pieces`, plus 1; 0 for none
+  std::vector<Piece> pieces;
+  indices.assign(wholes.size(), 0);
+  for (const SpannedComponent& core : label(runs_)) {
+    const std::size_t whole = wholeOf(core);
+    std::size_t& index = indices[whole];
+    if (index == 0) {
+      const SpannedComponent& spanned = wholes[whole];
+      pieces.push_back(pieceOf(spanned.left, spanned.top, spanned.right + 1, spanned.bottom + 1, false));
+      index = pieces.size();
+    }
+    if (isLarge(settings, core.component, small)) pieces[index - 1].strong = true;
+  }
+  std::vector<boxRect> found;
+  // Noise needs less sensitivity, and then objects fall into more pieces.
+  const double fill = settings.thrMatch >= noisyMatch ? 0.2 : 0.4;
+  for (const Piece& object : grouped(pieces, {std::max(shape_.width, shape_.height), fill})) {
+    found.push_back({static_cast<float>(object.left),
+                     static_cast<float>(object.top),
+                     static_cast<float>(object.right - object.left),
+                     static_cast<float>(object.bottom - object.top),
+                     {}});
+  }
+  dropSmall(found, settings.minObjWPxl, settings.minObjHPxl);
+  return found;
+}
+
+std::vector<boxRect> Engine::boxes(kAMBLE& settings) {
+  if (!started_) return {};
+  for (std::int32_t y = 0; y < shape_.height; ++y) {
+    // The words of a first frame mark what has not been classified.
+    if (classified_) erosion_.read(y, memory_.foreground(y), shape_.blocks());
+  }
+  if (extras_.extent != Extent::core) label(wholeRuns_);
+  peel();
+  SmallComponents small;
+  std::vector<boxRect> found =
+      extras_.extent == Extent::object ? objectBoxes(settings, small) : componentBoxes(settings, small);
   finishBoxes(settings, found, small);
   return found;
 }

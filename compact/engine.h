@@ -18,6 +18,8 @@
 #include "compact/runs.h"
 #include "compact/watched.h"
 #include "objects/box.h"
+#include "objects/extent.h"
+#include "objects/small_components.h"
 
 class kAMBLE;
 
@@ -31,8 +33,8 @@ enum class Scope {
 
 // What kAMBLE has no setting for; may change between frames.
 struct Extras {
-  int peeled = 3;                   // layers
-  bool wholeComponents = false;     // boxes of the unpeeled components that contain one that survived peeling
+  int peeled = 3;  // layers
+  Extent extent = Extent::core;
   double absorbSeconds = 0;         // life of still foreground; 0 stands for that of the settings
   std::optional<double> joinGap{};  // largest gap between boxes that are joined, of the longer side
 };
@@ -93,6 +95,10 @@ class Engine {
   void finishWatching();
   void learnRows(kAMBLE& settings, const std::uint8_t* frame);
   const std::vector<SpannedComponent>& label(RunLabeller& runs) const;
+  void peel();
+  std::size_t wholeOf(const SpannedComponent& core) const;
+  std::vector<boxRect> componentBoxes(kAMBLE& settings, SmallComponents& small);
+  std::vector<boxRect> objectBoxes(const kAMBLE& settings, SmallComponents& small);
   LifeRule lifeRule(const kAMBLE& settings) const;
   LearnRule learnRule(const kAMBLE& settings) const;
   void keepPace(const kAMBLE& settings, std::int64_t before);

@@ -3,9 +3,11 @@
 #include <json/json.h>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <iterator>
 #include <limits>
+#include <utility>
 
 #include "config/check/findings.h"
 #include "config/check/known_keys.h"
@@ -26,6 +28,9 @@ using check::shown;
 constexpr double leastAbsorption = 0.1;  // seconds
 constexpr double longestAbsorption = 86400;
 constexpr int mostPeeled = 3;
+
+constexpr std::array<std::pair<const char*, Extent>, 3> extentNames{
+    {{"core", Extent::core}, {"full", Extent::full}, {"object", Extent::object}}};
 
 std::string quoted(const std::string& text) { return '"' + text + '"'; }
 
@@ -166,14 +171,15 @@ std::optional<double> readJoinGap(const Json::Value& document, Findings& finding
   return gap;
 }
 
-bool readExtent(const Json::Value& document, Findings& findings) {
-  if (!document.isMember("extent")) return false;
+Extent readExtent(const Json::Value& document, Findings& findings) {
+  if (!document.isMember("extent")) return Extent::core;
   const Json::Value& value = document["extent"];
-  if (value.isString() && value.asString() == "full") return true;
-  if (!value.isString() || value.asString() != "core") {
-    findings.add(Severity::error, "extent", shown(value) + " is not an extent", R"("core" or "full")");
+  for (const auto& [name, extent] : extentNames) {
+    if (value.isString() && value.asString() == name) return extent;
   }
-  return false;
+  findings.add(Severity::error, "extent", shown(value) + " is not an extent",
+               R"("core", "full" or "object")");
+  return Extent::core;
 }
 
 int readPeel(const Json::Value& document, Findings& findings) {
@@ -217,6 +223,8 @@ void checkLargest(const FrameSize& frame, Findings& findings) {
 
 }  // namespace
 
+const char* nameOf(Extent extent) { return extentNames[static_cast<std::size_t>(extent)].first; }
+
 HandleReading readHandleDocument(const Json::Value& given, const std::string& text, const KnownFrame& known) {
   Findings findings(text, check::Reader::handle);
   findings.addRepeats();
@@ -238,8 +246,11 @@ HandleReading readHandleDocument(const Json::Value& given, const std::string& te
                                                 {"frmChn", textOr(document["frmChn"], frame.frmChn)}},
                                                findings);
   configuration.absorbSeconds = readAbsorption(document, findings);
-  configuration.wholeComponents = readExtent(document, findings);
+  configuration.extent = readExtent(document, findings);
   configuration.joinGap = readJoinGap(document, findings);
+  if (configuration.joinGap && configuration.extent == Extent::object) {
+    findings.addToKey(Severity::warning, "join_gap", "has no effect with the extent \"object\"", "remove it");
+  }
   configuration.peeled = readPeel(document, findings);
   configuration.regionNames = namesOf(document);
 

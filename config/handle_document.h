@@ -10,6 +10,7 @@
 #include "config/check/finding.h"
 #include "config/pixel_format.h"
 #include "config/settings.h"
+#include "objects/extent.h"
 
 namespace Json {
 class Value;
@@ -24,7 +25,7 @@ struct HandleConfiguration {
   std::vector<std::string> regionNames;  // of the regions of interest
   check::Coverage coverage;
   double absorbSeconds = 0;  // 0: as lifeStatic says; infinite: for ever
-  bool wholeComponents = false;
+  Extent extent = Extent::core;
   std::optional<double> joinGap;  // a fraction of the longer side; none: as the plug-in
   int peeled = 3;
 };
@@ -41,6 +42,9 @@ struct KnownFrame {
   PixelFormat format = PixelFormat::unknown;
   bool sizeRequired = true;  // otherwise, without a size, nothing is checked that depends on it
 };
+
+// As the configuration has it.
+const char* nameOf(Extent extent);
 
 // `document`: an object, parsed from `text`. Members that are null count as absent.
 HandleReading readHandleDocument(const Json::Value& document, const std::string& text,

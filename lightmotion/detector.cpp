@@ -43,7 +43,7 @@ void apply(const lm::Settings& from, kAMBLE& to) {
 
 compact::Extras extrasOf(const lm::HandleConfiguration& configuration) {
   return {.peeled = configuration.peeled,
-          .wholeComponents = configuration.wholeComponents,
+          .extent = configuration.extent,
           .absorbSeconds = configuration.absorbSeconds,
           .joinGap = configuration.joinGap};
 }

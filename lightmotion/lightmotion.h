@@ -49,7 +49,10 @@
  *     absorb_seconds    how long something that stands still stays foreground: 0.1 to 86400, or "forever".
  *                       It replaces lifeStatic, and follows the frame rate at every rate. Default: lifeStatic
  *     extent            "core" (default): boxes around what is left of a moving thing after peeling; "full":
- *                       boxes around whole connected components of the foreground that contain such a core
+ *                       boxes around whole connected components of the foreground that contain such a core;
+ *                       "object": boxes around all such components that belong together by their sizes and
+ *                       places (a head above a body, specks around it), without a margin of a pixel.
+ *                       join_gap then has no effect
  *     peel              layers that are peeled off the foreground before components are found, 0 to 3
  *                       (default). Fewer keep smaller and thinner things, and more noise
  *

@@ -31,6 +31,7 @@ class Result:
     masks: object = None  # masks[frame] is an array, 0 is background; None: the system has none
     light_alone: set = field(default_factory=set)  # frames whose boxes a system attributes to lighting alone
     seconds: float = 0.0
+    remark: str = ""  # how the system was set up, if that depends on the video
 
 
 def events_of(frames, fps, min_event=0.5, gap=2.0):

@@ -26,6 +26,27 @@ def text(rows, key):
                      for row in [head] + body)
 
 
+COMPARED = [("frame_f1", 1), ("box05_f1", 1), ("idf1", 1), ("events_found", 1), ("events_false", -1),
+            ("events_fragments", -1)]  # key, and whether more is better
+
+
+def differences(before, after):
+    """A line for each scene in which two systems differ, and how many are better and worse. The records are of the same
+    scenes in the same order."""
+    lines, better, worse = [], 0, 0
+    for old, new in zip(before, after):
+        changes = [(key, old[key], new[key], sign * (new[key] - old[key])) for key, sign in COMPARED
+                   if old.get(key) is not None and new.get(key) is not None and abs(new[key] - old[key]) > 1e-9]
+        if not changes:
+            continue
+        better += all(change > 0 for *_, change in changes)
+        worse += any(change < 0 for *_, change in changes)
+        figures = ", ".join(f"{key} {a:.4g} -> {b:.4g}" + (" (worse)" if change < 0 else "") for key, a, b, change in changes)
+        lines.append(f"{new['scene']} {new['seed'] or ''}: {figures}. {new.get('remark', '')}")
+    equal = len(after) - len(lines)
+    return "\n".join(lines + [f"{len(after)} scenes: {equal} equal, {better} better, {worse} worse in some figure"])
+
+
 def mean(figures):
     """The mean over scenes; counts of events are added up."""
     out = {}

@@ -56,7 +56,7 @@ std::string hintFor(const std::string& key, const std::vector<std::string>& know
 std::vector<std::string> documentKeys(Reader reader) {
   std::vector<std::string> keys;
   for (const auto& key : scalarKeys<FrameSize>) keys.emplace_back(key.name);
-  keys.insert(keys.end(), {includedRegions.key, excludedRegions.key, "lines", "comment", "$schema"});
+  keys.insert(keys.end(), {includedRegions.key, excludedRegions.key, "lines", "adapt", "comment", "$schema"});
   if (reader == Reader::handle) keys.insert(keys.end(), std::begin(handleKeys), std::end(handleKeys));
   return keys;
 }

@@ -12,9 +12,9 @@ class Value;
 
 namespace lm::check {
 
-// Of the document itself: the plug-in's settings, its lists of regions, "lines", which only the program
-// reads, and two keys that nothing reads, "comment" and an editor's "$schema". For handles also those of
-// handleKeys.
+// Of the document itself: the plug-in's settings, its lists of regions, "lines" and "adapt", which only the
+// program reads, and two keys that nothing reads, "comment" and an editor's "$schema". For handles also those
+// of handleKeys.
 std::vector<std::string> documentKeys(Reader reader = Reader::plugin);
 
 // The keys that only handles know.

@@ -8,6 +8,7 @@
 
 #include "host/base/failure.h"
 #include "host/base/whole_file.h"
+#include "host/detector/adapt.h"
 #include "host/detector/check/check.h"
 #include "host/detector/check/text.h"
 #include "host/source/live/scale.h"
@@ -51,6 +52,7 @@ int check_config(const CheckOptions& options) {
   const std::string text = base::required_text(options.config);
   std::optional<cv::Size> size = options.size;
   if (options.source) size = source::open_source(*options.source)->info().size;
+  if (size && !options.entry_points) size = detector::analysed_size(text, *size, {});
   const auto reader =
       options.entry_points ? detector::check::Reader::plugin : detector::check::Reader::handle;
   const detector::check::Verdict verdict = detector::check::check_document(text, size, reader);

@@ -13,8 +13,8 @@ namespace {
 
 constexpr const char* kPresetsFooter = R"(Examples:
   lightmotion presets                                list all presets
-  lightmotion presets night > night.json             a preset to edit
-  lightmotion run street.mp4 --preset night          a preset as it is
+  lightmotion presets auto > own.json                a preset to edit
+  lightmotion run street.mp4 --preset street         a preset as it is
 
 Exit status:
   0  success
@@ -42,7 +42,7 @@ int print(const std::string& text) {
 }  // namespace
 
 void add_presets_command(CLI::App& app, std::function<int()>& chosen) {
-  CLI::App* command = app.add_subcommand("presets", "List or print configurations for common scenes");
+  CLI::App* command = app.add_subcommand("presets", "List or print the configurations of the program");
   command->footer(kPresetsFooter);
   const auto name = std::make_shared<std::string>();
   command->add_option("NAME", *name, "Print this preset's configuration (default: list all presets)")

@@ -5,12 +5,11 @@
 #include <algorithm>
 #include <array>
 #include <cstdio>
-#include <sstream>
 #include <string_view>
 
 #include "host/base/failure.h"
+#include "host/detector/adapt.h"
 #include "host/detector/analysis_size.h"
-#include "host/detector/presets/presets.h"
 
 namespace lm::host::detector {
 namespace {
@@ -21,23 +20,6 @@ using std::chrono::milliseconds;
 // Once the noise is known, two successive frames of so many are compared.
 constexpr std::int64_t kSeldom = 6;
 
-bool sets(const Json::Value& document, const std::string& key) {
-  return document.isMember(key) && !document[key].isNull();
-}
-
-std::string completed(const std::string& text, int sensitivity, int peel) {
-  Json::Value document = readDocument(text);
-  Json::Value choices = readDocument(presets::find_preset("auto")->document);
-  choices.removeMember("comment");
-  for (const std::string& key : choices.getMemberNames()) {
-    const bool replaced = key == "absorb_seconds" && sets(document, "lifeStatic");
-    if (!sets(document, key) && !replaced) document[key] = choices[key];
-  }
-  if (!sets(document, "sensitivity")) document["sensitivity"] = sensitivity;
-  if (!sets(document, "peel")) document["peel"] = peel;
-  return Json::writeString(Json::StreamWriterBuilder(), document);
-}
-
 }  // namespace
 
 Adaptive::Adaptive(const Document& document, cv::Size analysed)
@@ -47,7 +29,8 @@ Adaptive::Adaptive(const Document& document, cv::Size analysed)
       detector_(made(document)) {}
 
 lightmotion::Detector Adaptive::made(const Document& document) const {
-  const std::string text = completed(document.text, rule_.sensitivity(), clutter_.peel());
+  const std::string text =
+      Json::writeString(Json::StreamWriterBuilder(), completed(readDocument(document.text)));
   try {
     return {text, analysed_.width, analysed_.height, LIGHTMOTION_FORMAT_BGR};
   } catch (const lightmotion::Error& error) {

@@ -25,7 +25,7 @@ class Adaptive : public Detector {
   Adaptive(const Document& document, cv::Size analysed);
 
   // Called with one line when something else is chosen while it runs.
-  void set_listener(std::function<void(const std::string&)> told) { told_ = std::move(told); }
+  void set_listener(std::function<void(const std::string&)> told) override { told_ = std::move(told); }
 
   void restart() override;
 
@@ -33,7 +33,7 @@ class Adaptive : public Detector {
   Boxes process(const cv::Mat& image, std::int64_t milliseconds) override;
 
   // What is in force, such as "analysed in 640x480, noise 2.1, sensitivity 4, peel 1".
-  std::string chosen() const;
+  std::string chosen() const override;
 
  private:
   lightmotion::Detector made(const Document& document) const;

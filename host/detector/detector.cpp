@@ -3,6 +3,8 @@
 #include <algorithm>
 
 #include "host/base/failure.h"
+#include "host/detector/adapt.h"
+#include "host/detector/adaptive.h"
 #include "host/detector/plugin_detector.h"
 #include "lightmotion/lightmotion.hpp"
 
@@ -42,6 +44,7 @@ class ByHandle : public Detector {
 
 std::unique_ptr<Detector> make_detector(const std::string& plugin, const Document& document, cv::Size frame) {
   if (!plugin.empty()) return std::make_unique<PluginDetector>(plugin, document, frame);
+  if (adapts(document.text)) return std::make_unique<Adaptive>(document, frame);
   try {
     return std::make_unique<ByHandle>(document.text, frame);
   } catch (const lightmotion::Error& error) {

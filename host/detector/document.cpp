@@ -10,6 +10,7 @@
 #include "config/check/findings.h"
 #include "config/check/known_keys.h"
 #include "host/base/json_text.h"
+#include "host/detector/adapt.h"
 #include "host/detector/presets/presets.h"
 
 namespace lm::host::detector {
@@ -55,10 +56,19 @@ std::string about(const Document& document, const std::string& cause) {
   return document.name.empty() ? cause : document.name + ": " + cause;
 }
 
-std::string default_document() { return presets::find_preset("street")->document; }
+Document preset_document(const std::string& name) {
+  return {"the preset " + name, presets::find_preset(name)->document};
+}
+
+Document default_document(const std::string& plugin) {
+  return preset_document(plugin.empty() ? "auto" : "street");
+}
 
 std::string plugin_document(const std::string& text, cv::Size frame) {
   Json::Value document = readDocument(text);
+  if (adapts(document))
+    throw std::invalid_argument("\"adapt\" cannot be used with --plugin: plug-ins do not adapt");
+  document.removeMember("adapt");
   document.removeMember("format");  // that of the frames, or it has been refused
   for (const std::string& key : document.getMemberNames()) {
     if (document[key].isNull()) {

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "host/detector/adapt.h"
+
 namespace lm::host::events {
 namespace {
 
@@ -32,7 +34,8 @@ EventWatch::EventWatch(const RunContext& context, const detector::Regions& regio
       light_(regions),
       objects_(aspect_of(context.source), memory_of(context.options)),
       tracker_(context.options.rules, regions.names(), detector::lines_of(context.document)) {
-  if (context.confirm) confirmation_.emplace(aspect_of(context.source), memory_of(context.options));
+  if (detector::adapts(context.document))
+    confirmation_.emplace(aspect_of(context.source), memory_of(context.options));
 }
 
 Boxes EventWatch::frame(const source::Frame& frame, std::int64_t number, Boxes boxes) {

@@ -13,7 +13,6 @@ struct RunContext {
   const EventOptions& options;
   const source::SourceInfo& source;
   const std::string& document;  // the configuration
-  bool confirm = false;         // boxes that are clutter are left out
 };
 
 }  // namespace lm::host::events

@@ -6,7 +6,7 @@ _lightmotion() {
     mapfile -t COMPREPLY < <(compgen -W 'run check presets serve tune --help --version' -- "$word")
     return
   fi
-  local presets='auto street indoor night grainy calm sensitive'
+  local presets='auto calm street'
   if [[ ${COMP_WORDS[1]} == presets ]]; then
     mapfile -t COMPREPLY < <(compgen -W "$presets -h --help" -- "$word")
     return

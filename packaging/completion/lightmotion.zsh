@@ -7,12 +7,12 @@ _lightmotion() {
     '(- *)--version[print the version and exit]' \
     '1:command:((run\:"find motion in a video"
       check\:"check how a configuration will be interpreted"
-      presets\:"list or print configurations for common scenes"
+      presets\:"list or print the configurations of the program"
       serve\:"watch and configure detection in a browser"
       tune\:"find settings for your own footage"))' \
     '*::argument:->arguments'
   [[ $state == arguments ]] || return
-  local presets='(auto street indoor night grainy calm sensitive)'
+  local presets='(auto calm street)'
   if [[ $line[1] == presets ]]; then
     _arguments '(- *)'{-h,--help}'[print help and exit]' "1:preset:$presets"
     return

@@ -27,6 +27,7 @@ constexpr std::array<const char*, 22> members = {
     R"("absorb_seconds": "forever")",
     R"("absorb_seconds": null)",
     R"("extent": "full")",
+    R"("extent": "object")",
     R"("extent": null)",
     R"("join_gap": 0)",
     R"("join_gap": 0.5)",

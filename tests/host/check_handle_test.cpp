@@ -29,7 +29,7 @@ TEST(CheckHandle, KnowsTheKeysOfHandles) {
   EXPECT_THAT(places_of(verdict), IsEmpty());
   EXPECT_EQ(verdict.effective->life_static_seconds, 60);
   EXPECT_EQ(verdict.effective->life_static, 1800) << "at 30 per second";
-  EXPECT_TRUE(verdict.effective->whole_objects);
+  EXPECT_EQ(verdict.effective->extent, "full");
   EXPECT_EQ(verdict.effective->peeled, 1);
   EXPECT_TRUE(
       std::isinf(check_document(R"({"absorb_seconds": "forever"})", kFrame).effective->life_static_seconds));
@@ -40,6 +40,33 @@ TEST(CheckHandle, ReportsTheirFaultsWithTheirPosition) {
   EXPECT_THAT(places_of(verdict),
               ElementsAre("error 1:20 absorb_seconds", "error 1:33 extent", "error 1:50 peel"));
   EXPECT_TRUE(verdict.refused());
+}
+
+TEST(CheckHandle, CompletesWhatAdapts) {
+  const Verdict verdict = check_document(R"({"adapt": true})", kFrame);
+  EXPECT_THAT(places_of(verdict), IsEmpty());
+  EXPECT_THAT(verdict.effective->adapts, ElementsAre("sensitivity", "peel"));
+  EXPECT_EQ(verdict.effective->thr_match, 9) << "of sensitivity 4, the start";
+  EXPECT_EQ(verdict.effective->life_static_seconds, 60) << "of the preset auto";
+  EXPECT_THAT(check_document(R"({"adapt": true, "peel": 1})", kFrame).effective->adapts,
+              ElementsAre("sensitivity"));
+  const Verdict constant = check_document(R"({"adapt": false})", kFrame);
+  EXPECT_THAT(constant.effective->adapts, IsEmpty());
+  EXPECT_EQ(constant.effective->life_static_seconds, 3);
+}
+
+TEST(CheckHandle, AdaptIsTrueOrFalse) {
+  for (const char* wrong : {R"({"adapt": "true"})", R"({"adapt": 1})", R"({"adapt": []})"}) {
+    const Verdict verdict = check_document(wrong, kFrame);
+    EXPECT_THAT(places_of(verdict), ElementsAre("error 1:11 adapt")) << wrong;
+    EXPECT_FALSE(verdict.effective) << wrong;
+  }
+  EXPECT_THAT(places_of(check_document(R"({"adapt": null})", kFrame)), IsEmpty());
+}
+
+TEST(CheckHandle, ThePluginDoesNotAdapt) {
+  EXPECT_THAT(places_of(for_plugin(R"({"adapt": true})", kFrame)), ElementsAre("warning 1:2 adapt"));
+  EXPECT_THAT(places_of(for_plugin(R"({"adapt": false})", kFrame)), IsEmpty());
 }
 
 TEST(CheckHandle, KeysOfHandlesHaveNoEffectForThePlugin) {

@@ -111,6 +111,12 @@ TEST(Document, RefusesKeysThatOnlyDetectorsByHandleKnow) {
   EXPECT_EQ(refusal(R"({"absorb_seconds": null, "format": "bgr"})"), "accepted");
 }
 
+TEST(Document, RefusesToAdapt) {
+  EXPECT_EQ(refusal(R"({"absorb_seconds": 60, "adapt": true})"),
+            "\"adapt\" cannot be used with --plugin: plug-ins do not adapt");
+  EXPECT_FALSE(completed(R"({"adapt": false})").isMember("adapt"));
+}
+
 TEST(Document, AcceptsComments) {
   EXPECT_EQ(completed("// mine\n{\"lcAdap\": \"2\"}")["lcAdap"], Json::Value("2"));
 }
@@ -137,7 +143,7 @@ TEST(Document, RefusesJsonThatIsNotAnObject) {
 }
 
 TEST(Document, TheDefaultIsCompleteAndWithoutFaults) {
-  EXPECT_TRUE(check::check_document(default_document(), cv::Size(640, 360)).findings.empty());
+  EXPECT_TRUE(check::check_document(default_document("").text, cv::Size(640, 360)).findings.empty());
 }
 
 }  // namespace

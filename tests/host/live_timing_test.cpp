@@ -181,12 +181,4 @@ TEST(Scale, NeverEnlargesFramesOrMakesThemEmpty) {
   EXPECT_EQ(Scale{}.of({640, 360}), cv::Size(640, 360));
 }
 
-TEST(Scale, AveragesTheReplacedPixels) {
-  cv::Mat image(2, 2, CV_8UC3, cv::Scalar(10, 20, 30));
-  image.at<cv::Vec3b>(0, 0) = {50, 20, 30};
-  const cv::Mat smaller = scaled(image, {1, 1});
-  EXPECT_EQ(smaller.at<cv::Vec3b>(0, 0), cv::Vec3b(20, 20, 30));  // (50 + 3 * 10) / 4
-  EXPECT_EQ(scaled(image, {2, 2}).data, image.data) << "no copy where nothing changes";
-}
-
 }  // namespace

@@ -59,6 +59,9 @@ class EncryptedMqtt : public testing::Test {
   std::optional<Broker> broker_;
 };
 
+// The MQTT library's words for a handshake that failed depend on its version and on when it notices.
+const auto kFailed = testing::AnyOf(testing::HasSubstr("TLS error"), testing::HasSubstr("Protocol error"));
+
 TEST_F(EncryptedMqtt, AcceptsAClientThatTrustsItsCertificate) {
   start_broker("IP:127.0.0.1");
   Subscriber reader(*broker_, certificate());
@@ -72,15 +75,14 @@ TEST_F(EncryptedMqtt, AcceptsAClientThatTrustsItsCertificate) {
 TEST_F(EncryptedMqtt, ReceivesNothingWithAnUntrustedCertificate) {
   start_broker("IP:127.0.0.1");
   const std::string text = errors_of("");  // the system's certificates
-  EXPECT_NE(text.find("TLS error"), std::string::npos) << text;
+  EXPECT_THAT(text, kFailed);
   EXPECT_NE(text.find("4 messages not sent"), std::string::npos) << text;
 }
 
 TEST_F(EncryptedMqtt, ReceivesNothingWithACertificateForAnotherHost) {
   start_broker("DNS:elsewhere.example");
   const std::string text = errors_of(certificate());
-  // The MQTT library's words for it depend on its version.
-  EXPECT_THAT(text, testing::AnyOf(testing::HasSubstr("TLS error"), testing::HasSubstr("Protocol error")));
+  EXPECT_THAT(text, kFailed);
   EXPECT_NE(text.find("4 messages not sent"), std::string::npos) << text;
 }
 

@@ -120,7 +120,7 @@ TEST(Options, RefuseWhatIsUnknownOrIncomplete) {
   EXPECT_EQ(refusal({"tune", "a.avi", "b.avi"}),
             "lightmotion: unexpected argument b.avi (see lightmotion tune --help)\n");
   EXPECT_EQ(refusal({"run", "-o"}), "lightmotion: --output: FILE missing (see lightmotion run --help)\n");
-  EXPECT_EQ(refusal({"run", "--preset", "calm", "-c", "a"}),
+  EXPECT_EQ(refusal({"run", "--preset", "street", "-c", "a"}),
             "lightmotion: --config cannot be combined with --preset (see lightmotion run --help)\n");
   EXPECT_NE(refusal({"run", "a.avi", "b.avi"}).find("b.avi"), std::string::npos);
 }

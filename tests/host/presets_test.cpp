@@ -1,12 +1,13 @@
 #include "host/detector/presets/presets.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 #include <json/json.h>
 
 #include <set>
 #include <sstream>
 
 #include "host/commands/command_line.h"
+#include "host/detector/adapt.h"
 #include "host/detector/check/check.h"
 #include "host/detector/document.h"
 #include "tests/host/program.h"
@@ -35,21 +36,24 @@ TEST(Presets, HaveUniqueNamesAndALineEach) {
     EXPECT_EQ(find_preset(preset.name), &preset);
   }
   EXPECT_EQ(names.size(), all().size());
-  for (const char* name : {"street", "indoor", "night", "sensitive"})
-    EXPECT_EQ(names.count(name), 1U) << name;
+  for (const char* name : {"auto", "calm", "street"}) EXPECT_EQ(names.count(name), 1U) << name;
   EXPECT_EQ(find_preset("nowhere"), nullptr);
 }
 
-TEST(Presets, ContainOnlySettingsThatThePluginReadsAndAComment) {
+TEST(Presets, HaveNoFindingsAndNoUnknownKeys) {
   for (const Preset& preset : all()) {
-    const std::vector<std::string> keys = parsed(preset.document).getMemberNames();
-    std::vector<std::string> expected{"comment", "lcAdap", "minBoxH", "minBoxW", "sensitivity"};
-    // Detectors by handle only; the others are chosen.
-    if (preset.name == "auto")
-      expected = {"absorb_seconds", "comment", "extent", "lcAdap", "minBoxH", "minBoxW"};
-    EXPECT_EQ(keys, expected) << preset.name;
     EXPECT_TRUE(check::check_document(preset.document, cv::Size(640, 360)).findings.empty()) << preset.name;
   }
+}
+
+// Constant settings, which the entry points read: texts.
+TEST(Presets, StreetIsForPluginsAndTheOthersAdapt) {
+  for (const Preset& preset : all())
+    EXPECT_EQ(adapts(preset.document), preset.name != "street") << preset.name;
+  const Json::Value street = parsed(find_preset("street")->document);
+  const std::vector<std::string> keys{"comment", "lcAdap", "minBoxH", "minBoxW", "sensitivity"};
+  EXPECT_EQ(street.getMemberNames(), keys);
+  for (const std::string& key : keys) EXPECT_TRUE(street[key].isString()) << key;
 }
 
 // The plug-in accepts 1 to 5 for both levels, and minimum box sizes above 0 up to 1.
@@ -68,22 +72,23 @@ TEST(Presets, StayInTheRangesThatThePluginAccepts) {
   }
 }
 
-TEST(Presets, OfTheStreetIsWhatServeBeginsWith) {
-  EXPECT_EQ(default_document(), find_preset("street")->document);
+TEST(Presets, AutoRunsWithoutAConfigurationAndStreetInAPlugin) {
+  EXPECT_EQ(default_document("").text, find_preset("auto")->document);
+  EXPECT_EQ(default_document("other.so").text, find_preset("street")->document);
 }
 
 TEST(Presets, AreNamedOnTheCommandLine) {
-  EXPECT_EQ(program::run_line({"--preset", "night"}).preset, "night");
+  EXPECT_EQ(program::run_line({"--preset", "street"}).preset, "street");
 }
 
 TEST(Presets, ThatAreUnknownAreRefusedWithThoseThereAre) {
   const Command command = parse_command_line({"run", "--preset", "nigth"});
   EXPECT_EQ(command.status, kRefused);
-  EXPECT_NE(command.text.find("street, indoor, night"), std::string::npos) << command.text;
+  EXPECT_NE(command.text.find("auto, calm, street, not nigth"), std::string::npos) << command.text;
 }
 
 TEST(Presets, AndAConfigurationExcludeEachOther) {
-  const Command command = parse_command_line({"run", "--preset", "night", "--config", "own.json"});
+  const Command command = parse_command_line({"run", "--preset", "street", "--config", "own.json"});
   EXPECT_EQ(command.status, kRefused);
   EXPECT_NE(command.text.find("--preset"), std::string::npos) << command.text;
 }
@@ -100,31 +105,54 @@ TEST(PresetsProgram, ListsNamesAndLines) {
 }
 
 TEST(PresetsProgram, PrintsADocumentAsItIs) {
-  const program::Outcome outcome = program::run({"presets", "calm"});
+  const program::Outcome outcome = program::run({"presets", "street"});
   EXPECT_EQ(outcome.status, 0);
-  EXPECT_EQ(outcome.output, find_preset("calm")->document);
+  EXPECT_EQ(outcome.output, find_preset("street")->document);
 }
 
 TEST(PresetsProgram, RunsWithADocumentAsIfItWereAConfiguration) {
   const Folder folder;
-  program::write(folder / "calm.json", find_preset("calm")->document);
+  program::write(folder / "own.json", find_preset("street")->document);
   const std::vector<std::string> common{"run",     "--quiet", "--plugin", LIGHTMOTION_PLUGIN,
                                         "--scale", "0.5",     "--fps",    "5"};
   auto with = [&](std::vector<std::string> more) {
     more.insert(more.begin(), common.begin(), common.end());
     return program::run(more);
   };
-  const program::Outcome named = with({"--preset", "calm"});
-  const program::Outcome given = with({"--config", folder / "calm.json"});
+  const program::Outcome named = with({"--preset", "street"});
+  const program::Outcome given = with({"--config", folder / "own.json"});
   EXPECT_EQ(named.status, 0) << named.errors;
   EXPECT_FALSE(named.output.empty());
   EXPECT_EQ(named.output, given.output);
-  EXPECT_NE(named.output, with({}).output);
+  EXPECT_EQ(named.output, with({}).output) << "what a plug-in runs without a configuration";
+}
+
+TEST(PresetsProgram, AutoSavedAndEditedKeepsAdapting) {
+  const Folder folder;
+  program::write(folder / "own.json", find_preset("auto")->document);
+  const program::Outcome without = program::run({"run", "--scale", "0.5", "-o", folder / "a"});
+  const program::Outcome with =
+      program::run({"run", "--scale", "0.5", "-o", folder / "b", "-c", folder / "own.json"});
+  EXPECT_EQ(with.status, 0) << with.errors;
+  EXPECT_FALSE(program::read(folder / "a").empty());
+  EXPECT_EQ(program::read(folder / "a"), program::read(folder / "b"));
+  EXPECT_THAT(with.errors, testing::HasSubstr("analysed in 320x180"));
+  program::write(folder / "own.json", R"({"adapt": true, "sensitivity": 2})");
+  const program::Outcome edited =
+      program::run({"run", "--scale", "0.5", "-o", folder / "b", "-c", folder / "own.json"});
+  EXPECT_THAT(edited.errors, testing::HasSubstr("analysed in 320x180"));
+  EXPECT_THAT(edited.errors, testing::Not(testing::HasSubstr("sensitivity")));
+}
+
+TEST(PresetsProgram, AutoNeedsTheLibrary) {
+  const program::Outcome outcome = program::run_fake({"--preset", "auto"});
+  EXPECT_EQ(outcome.status, 2);
+  EXPECT_THAT(outcome.errors, testing::HasSubstr("the preset auto: \"adapt\" cannot be used with --plugin"));
 }
 
 TEST(PresetsArchive, AffectWhichFilesAreReprocessed) {
-  const auto options = program::archive_line({"a.avi", "--out", "results", "--preset", "night"});
-  EXPECT_EQ(options.passed_on, std::vector<std::string>{"--preset=night"});
+  const auto options = program::archive_line({"a.avi", "--out", "results", "--preset", "street"});
+  EXPECT_EQ(options.passed_on, std::vector<std::string>{"--preset=street"});
 }
 
 }  // namespace

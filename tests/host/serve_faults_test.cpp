@@ -101,6 +101,21 @@ TEST(DetectorProcess, TakesImagesWhoseRowsHavePadding) {
   EXPECT_EQ(detector.process(moved(part), 121).boxes.size(), 1U);
 }
 
+// What stands for five seconds: kept by a detector that adapts, background by default.
+TEST(DetectorProcess, AdaptsAndScales) {
+  const auto boxes_after_five_seconds = [](const std::string& document) {
+    DetectorProcess detector({.plugin = "", .program = LIGHTMOTION_PROGRAM}, document, {128, 96});
+    const cv::Mat empty(48, 64, CV_8UC3, cv::Scalar::all(60));
+    cv::Mat moved = empty.clone();
+    moved(cv::Rect(10, 10, 30, 30)) = cv::Scalar::all(220);
+    for (int i = 0; i < 10; ++i) detector.process(empty, 1 + 40 * i);
+    for (int i = 10; i < 135; ++i) detector.process(moved, 1 + 40 * i);
+    return detector.process(moved, 5401).boxes.size();
+  };
+  EXPECT_EQ(boxes_after_five_seconds(R"({"adapt": true})"), 1U);
+  EXPECT_EQ(boxes_after_five_seconds("{}"), 0U);
+}
+
 TEST(Wire, CarriesBoxes) {
   const Boxes boxes{{{0.1, 0.2, 0.3, 0.4}, {"a", "", "gate \"b\""}}, {{0, 0, 1, 1}}};
   const auto back = boxes_from(bytes_of(boxes));

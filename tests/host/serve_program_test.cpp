@@ -86,6 +86,16 @@ TEST_F(ServeProgram, BeginsWithTheDocumentNamed) {
   EXPECT_EQ(state["file"], folder_ / "a.json");
 }
 
+TEST_F(ServeProgram, BeginsWithThePresetAutoAndAdapts) {
+  httplib::Client client("127.0.0.1", port_of(start({})));
+  const Json::Value state = serve::json(client.Get("/api/state")->body);
+  const std::string document = state["configuration"].asString();
+  EXPECT_EQ(document, program::run({"presets", "auto"}).output);
+  const Json::Value verdict = serve::json(client.Post("/api/check", document, "application/json")->body);
+  EXPECT_EQ(verdict["effective"]["adapts"].size(), 2U);
+  EXPECT_EQ(verdict["effective"]["frame_size"]["width"], 640);
+}
+
 TEST_F(ServeProgram, SaysWhyItCannotStart) {
   const int port = port_of(start({}));
   const program::Outcome taken = program::run({"serve", "--port", std::to_string(port)});

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 #include <json/json.h>
 
+#include <array>
 #include <latch>
 #include <numeric>
 #include <sstream>
@@ -53,15 +54,46 @@ TEST(TuneEdit, RefusesOtherThanObjects) {
 
 TEST(TuneSetting, HasTheTextsThatThePluginReads) {
   const Members expected{{"sensitivity", "4"}, {"lcAdap", "3"}, {"minBoxW", "0.02"}, {"minBoxH", "0.05"}};
-  EXPECT_EQ(members_of({4, 3, 2}), expected);
+  EXPECT_EQ(members_of({4, 3, 2U}), expected);
+  EXPECT_TRUE(members_of({}).empty()) << "the starting configuration";
 }
 
-TEST(TuneSetting, HasNeighboursInsideTheRangesOnly) {
-  // Sensitivity 1 or 2 with the two smallest boxes, without the setting itself.
-  const std::vector<Setting> expected{{1, 3, 1}, {2, 3, 0}, {2, 3, 1}};
-  EXPECT_EQ(neighbours({1, 3, 0}), expected);
-  EXPECT_EQ(neighbours({5, 3, kMinBoxes.size() - 1}).size(), 3U);
-  EXPECT_EQ(neighbours({3, 3, 4}).size(), 8U);
+using Texts = std::array<std::string, 4>;
+
+TEST(TuneSetting, ShowsTheStartsOwnValuesWhereNothingIsChanged) {
+  const Own own = own_values(R"({"sensitivity": "5", "lcAdap": 2, "minBoxW": "0.25", "minBoxH": 0.5})");
+  EXPECT_EQ(texts_of({}, own), (Texts{"5", "2", "0.25", "0.5"}));
+  EXPECT_EQ(texts_of({1, {}, 0U}, own), (Texts{"1", "2", "0.01", "0.025"}));
+  EXPECT_EQ(texts_of({}, own_values("{}")), (Texts{"default", "4", "0.05", "0.05"}));
+  const Own adapts = own_values(R"({"adapt": true, "minBoxW": 0.3})");
+  EXPECT_EQ(texts_of({}, adapts)[0], "auto");
+  EXPECT_EQ(texts_of({3, {}, {}}, adapts)[0], "3");
+  EXPECT_EQ(texts_of({}, adapts)[2], "0.3");
+  EXPECT_EQ(texts_of({}, own_values(R"({"adapt": true, "sensitivity": 2})"))[0], "2");
+}
+
+TEST(TuneSetting, VariesOneValueEach) {
+  const Own own{.sensitivity = 4, .adaptation = 5, .min_box = kMinBoxes[2]};
+  // Sensitivity 1, 2, 3, 5; adaptation 1; eight minimum boxes.
+  EXPECT_EQ(variations({}, own).size(), 13U);
+  EXPECT_EQ(variations({}, {}).size(), 5U + 2U + 9U) << "nothing of the start's is among the levels";
+  // Sensitivity 1, 3, 5 and that of the start; adaptation 1; eight minimum boxes.
+  const std::vector<Setting> next = variations({2, {}, {}}, own);
+  EXPECT_EQ(next.size(), 4U + 1U + 8U);
+  for (const Setting& setting : next) {
+    const int changes =
+        (setting.sensitivity != 2) + setting.adaptation.has_value() + setting.min_box.has_value();
+    EXPECT_EQ(changes, 1);
+  }
+}
+
+TEST(TuneSetting, IsNearestToTheStartWithOneLargerMinimumBox) {
+  const Own own{.sensitivity = 4, .adaptation = 3, .min_box = kMinBoxes[2]};
+  const std::vector<Setting> nearest_first{{},          {{}, {}, 3U}, {{}, {}, 5U}, {{}, 1, {}},
+                                           {3, {}, {}}, {1, {}, {}},  {{}, 1, 3U},  {3, 1, 3U}};
+  for (std::size_t i = 1; i < nearest_first.size(); ++i) {
+    EXPECT_LT(distance(nearest_first[i - 1], own), distance(nearest_first[i], own)) << i;
+  }
 }
 
 TEST(TuneThreads, DoEachWorkOnceAndCountIt) {
@@ -123,10 +155,14 @@ Outcome small_outcome() {
   outcome.marks = {.quiet = {{0s, 1s}}, .motion = {{1s, 3s}}, .quiet_assumed = true};
   outcome.quiet_frames = 1;
   outcome.motion_frames = 2;
-  Trial trial{.setting = {2, 3, 4}, .seen = {}};
-  trial.seen.looks = {{0, 1, 0}, {1'000'000, 1, 0}, {2'000'000, 0, 0}, {3'000'000, 2, 2}};
-  trial.figures = figures_of(trial.seen, outcome.marks);
-  outcome.trials = {trial};
+  outcome.own = {.sensitivity = 4, .adaptation = 3, .min_box = {0.01, 0.025}};
+  outcome.moving = {{1, {0.4, 0.4, 0.1, 0.1}}, {2, {0.4, 0.4, 0.1, 0.1}}};
+  Trial trial{.setting = {2, {}, 4U}, .seen = {}};
+  const MotionBox box{{0.4, 0.4, 0.1, 0.1}, 1, {}};
+  trial.seen.looks = {{0, {box}, 0}, {1'000'000, {box}, 0}, {2'000'000, {}, 0}, {3'000'000, {}, 2}};
+  trial.figures = figures_of(trial.seen, outcome.marks, outcome.moving);
+  outcome.trials = {{.setting = {}, .seen = trial.seen}, trial};
+  outcome.chosen = 1;
   outcome.why = "Because.";
   outcome.document = R"({"sensitivity": "2"})";
   return outcome;
@@ -136,9 +172,18 @@ TEST(TuneTable, ShowsSpansFiguresAndTheProposal) {
   const std::string text = table_text(small_outcome());
   EXPECT_NE(text.find("quiet, in seconds: 0-1 (assumed); 1 frames"), std::string::npos) << text;
   EXPECT_NE(text.find("motion, in seconds: 1-3; 2 frames"), std::string::npos) << text;
-  EXPECT_NE(text.find("Proposed: sensitivity 2, lcAdap 3, minBoxW 0.04, minBoxH 0.1. Because."),
-            std::string::npos)
+  EXPECT_NE(text.find("Proposed: sensitivity 2, minBoxW 0.04, minBoxH 0.1. Because."), std::string::npos)
       << text;
+  EXPECT_NE(text.find("50.0 %"), std::string::npos) << "one of two moving boxes is kept\n" << text;
+  EXPECT_NE(text.find("  start\n>            2"), std::string::npos) << text;
+}
+
+TEST(TuneTable, ProposesTheStartInASentence) {
+  Outcome outcome = small_outcome();
+  outcome.chosen = 0;
+  const std::string text = table_text(outcome);
+  EXPECT_TRUE(text.ends_with("\nBecause.\n")) << text;
+  EXPECT_EQ(text.find("Proposed"), std::string::npos);
 }
 
 TEST(TuneTable, HasTheSameFiguresForPrograms) {
@@ -149,16 +194,19 @@ TEST(TuneTable, HasTheSameFiguresForPrograms) {
   EXPECT_TRUE(root["quiet"]["assumed"].asBool());
   const Json::Value trial = root["trials"][root["chosen"].asUInt()];
   EXPECT_EQ(trial["settings"]["minBoxW"], Json::Value("0.04"));
+  EXPECT_FALSE(trial["settings"].isMember("lcAdap")) << "as in the starting configuration";
+  EXPECT_EQ(root["trials"][0]["settings"], Json::Value(Json::objectValue));
+  EXPECT_EQ(trial["motion"]["kept"].asDouble(), 0.5);
   EXPECT_EQ(trial["quiet"]["frames_with_boxes"].asInt(), 1);
   EXPECT_EQ(trial["motion"]["frames_with_boxes"].asInt(), 1);
   EXPECT_EQ(trial["frames_with_boxes"].asInt(), 3);
 }
 
-// The chart starts at column 230 and is 760 wide; its only row starts at 118 and is 20 high; each look lasts
-// a quarter.
+// The chart starts at column 265 and is 760 wide; its second row starts at 138 and is 20 high; each look
+// lasts a quarter.
 TEST(TunePicture, ColoursEachLookByTheSpanThatItIsIn) {
   const cv::Mat picture = picture_of(small_outcome());
-  const auto at = [&](int quarter) { return picture.at<cv::Vec3b>(118 + 10, 230 + 190 * quarter + 95); };
+  const auto at = [&](int quarter) { return picture.at<cv::Vec3b>(138 + 10, 265 + 190 * quarter + 95); };
   const auto is = [](const cv::Vec3b& pixel, int most) {
     return pixel[most] > pixel[(most + 1) % 3] + 30 && pixel[most] > pixel[(most + 2) % 3] + 30;
   };

@@ -64,17 +64,21 @@ std::int64_t frames_between(const std::vector<std::string>& lines, const Json::V
 
 TEST(TuneProgram, FindsTheSpansItselfAndCountsForEachSettingWhatARunWithItFinds) {
   const Folder folder;
+  const Json::Value start = parsed(program::run({"presets", "street"}).output);
   const Outcome outcome = with_small_scene({"tune", "--json"});
   EXPECT_EQ(outcome.status, 0) << outcome.errors;
   const Json::Value root = parsed(outcome.output);
   ASSERT_TRUE(root["quiet"]["assumed"].asBool() && root["motion"]["assumed"].asBool());
   ASSERT_FALSE(root["quiet"]["spans"].empty());
   EXPECT_EQ(root["quiet"]["spans"][0]["from"].asDouble(), 0);
-  EXPECT_EQ(root["quiet"]["spans"][0]["to"].asDouble(), 2);
+  EXPECT_EQ(root["quiet"]["spans"][0]["to"].asDouble(), 1) << "a second before somebody comes";
   const Json::Value& trials = root["trials"];
+  EXPECT_EQ(trials[0]["settings"], Json::Value(Json::objectValue));
   for (const Json::ArrayIndex place : {0U, trials.size() / 2, trials.size() - 1, root["chosen"].asUInt()}) {
     const Json::Value& trial = trials[place];
-    program::write(folder / "c.json", Json::FastWriter().write(trial["settings"]));
+    Json::Value document = start;
+    for (const std::string& key : trial["settings"].getMemberNames()) document[key] = trial["settings"][key];
+    program::write(folder / "c.json", Json::FastWriter().write(document));
     const Outcome run =
         with_small_scene({"run", "--quiet", "--config", folder / "c.json", "--events", folder / "e.json"});
     const auto lines = program::lines(run.output);
@@ -87,6 +91,24 @@ TEST(TuneProgram, FindsTheSpansItselfAndCountsForEachSettingWhatARunWithItFinds)
       EXPECT_EQ(trial[kind]["frames_with_boxes"].asInt64(), frames) << kind << ' ' << trial;
     }
   }
+}
+
+TEST(TuneProgram, StartsFromWhatRunsWithoutAConfiguration) {
+  const Folder folder;
+  const std::vector<std::string> part{"--scale", "0.5", "--fps", "5"};
+  std::vector<std::string> tune{"tune", "--seconds", "5", "--json"};
+  std::vector<std::string> run{"run", "--quiet", "-o", folder / "lines"};
+  tune.insert(tune.end(), part.begin(), part.end());
+  run.insert(run.end(), part.begin(), part.end());
+  const Json::Value root = parsed(program::run(tune).output);
+  EXPECT_TRUE(root["configuration"]["adapt"].asBool());
+  program::run(run);
+  std::int64_t frames = 0;
+  for (const std::string& line : program::lines(program::read(folder / "lines"))) {
+    if (parsed(line)["time"].asDouble() < 5) ++frames;
+  }
+  EXPECT_GT(frames, 0);
+  EXPECT_EQ(root["trials"][0]["frames_with_boxes"].asInt64(), frames);
 }
 
 TEST(TuneProgram, LeavesRegionsAndEverythingElseOfADocumentAsTheyAre) {

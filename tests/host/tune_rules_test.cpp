@@ -1,8 +1,8 @@
-// What tune counts, assumes and chooses, on constructed figures.
+// What tune counts, proves and chooses, on constructed figures.
 #include <gtest/gtest.h>
 
-#include "host/commands/tune/assumption.h"
 #include "host/commands/tune/choice.h"
+#include "host/commands/tune/proof.h"
 #include "host/commands/tune/search.h"
 #include "host/commands/tune/table.h"
 
@@ -14,12 +14,17 @@ using std::chrono::microseconds;
 
 TimeSpan span(int from, int to) { return {std::chrono::seconds(from), std::chrono::seconds(to)}; }
 
-// Two looks per second; '#': a box, 'L': a box of a lighting change, anything else: none.
+const cv::Rect2d kBox(0.4, 0.4, 0.1, 0.2);
+
+// Two looks per second; '#': a box that stays in place, 'L': a box of a lighting change, anything else: none.
 Seen seen(const std::string& looks) {
   Seen result;
   for (const char look : looks) {
-    const auto time = static_cast<std::int64_t>(result.looks.size()) * 500'000;
-    result.looks.push_back({time, look == '#' || look == 'L' ? 1 : 0, look == 'L' ? 1 : 0});
+    Look one;
+    one.time = static_cast<std::int64_t>(result.looks.size()) * 500'000;
+    if (look == '#') one.boxes.push_back({kBox, 1, {}});
+    if (look == 'L') one.by_light = 1;
+    result.looks.push_back(one);
   }
   return result;
 }
@@ -73,169 +78,346 @@ TEST(TuneFigures, CountASpanAsFoundWithBoxesAndAMotionEvent) {
   EXPECT_EQ(figures_of(all, marks).found, 1U);
 }
 
-TEST(TuneAssumption, AssumesMotionInTheBusiestSecondsAndQuietInTheCalmest) {
-  // Boxes of 4, 3, 2, 1 and 0 of four settings: a quarter of the way is one setting.
-  const std::vector<Seen> all{seen("########--"), seen("######----"), seen("####------"), seen("##--------")};
-  const Marks marks = with_assumptions({}, all);
-  expect_spans(marks.motion, {span(0, 2)});
-  expect_spans(marks.quiet, {span(3, 5)});
+TEST(TuneFigures, CountMovingBoxesThatOverlapByHalf) {
+  Seen all = seen("###-");
+  // Moved by a third of its width: (2/3) / (4/3) is half. By a bit more: less than half.
+  all.looks[1].boxes[0].area.x += kBox.width * 0.333;
+  all.looks[2].boxes[0].area.x += kBox.width * 0.34;
+  const std::vector<MovingBox> moving{{0, kBox}, {1, kBox}, {2, kBox}, {3, kBox}};
+  EXPECT_EQ(figures_of(all, {}, moving).kept, 2);
+}
+
+// A box of the size 0.1 x 0.2 in a square frame, two looks per second, at these places across.
+Seen moving_along(const std::vector<double>& places, std::int64_t id = 1) {
+  Seen result;
+  for (const double x : places) {
+    Look look;
+    look.time = static_cast<std::int64_t>(result.looks.size()) * 500'000;
+    if (x >= 0) look.boxes.push_back({{x, 0.4, 0.1, 0.2}, id, {}});
+    result.looks.push_back(look);
+  }
+  return result;
+}
+
+constexpr double kNone = -1;
+
+// Half of the longer side is 0.1.
+TEST(TuneMovers, GetAwayByHalfTheirSize) {
+  EXPECT_EQ(movers_in(moving_along({0.3, 0.35, 0.41})).size(), 1U);
+  EXPECT_TRUE(movers_in(moving_along({0.3, 0.35, 0.39})).empty());
+  EXPECT_TRUE(movers_in(moving_along({0.3, 0.3, 0.3, 0.3})).empty());
+}
+
+TEST(TuneMovers, GetAwayByHalfTheirWay) {
+  // There and back: the way to the place 0.11 away is 0.11 + 2 * 0.06 = 0.23.
+  EXPECT_TRUE(movers_in(moving_along({0.30, 0.36, 0.30, 0.36, 0.30, 0.41})).size() == 1U)
+      << "its last step is far";
+  EXPECT_TRUE(movers_in(moving_along({0.30, 0.39, 0.30, 0.39, 0.30, 0.39})).empty());
+  EXPECT_EQ(movers_in(moving_along({0.30, 0.36, 0.34, 0.41})).size(), 1U) << "0.11 of a way of 0.15";
+}
+
+TEST(TuneMovers, AreMeasuredInTheShapeOfTheFrame) {
+  Seen wide = moving_along({0.3, 0.35, 0.37});
+  EXPECT_TRUE(movers_in(wide).empty()) << "0.07 of 0.1";
+  wide.aspect = 2;  // 0.14 of the height, and both sides are 0.2
+  EXPECT_EQ(movers_in(wide).size(), 1U);
+}
+
+// A box that grows to one side moves its centre.
+TEST(TuneMovers, DoNotGrowInPlace) {
+  Seen growing = moving_along({0.3, 0.3, 0.3});
+  growing.looks[1].boxes[0].area.width = 0.2;
+  growing.looks[2].boxes[0].area.width = 0.4;
+  EXPECT_TRUE(movers_in(growing).empty()) << "0.15 of 0.4";
+}
+
+TEST(TuneMovers, HaveTwoMomentsAtLeastTwoFifthsOfASecondApart) {
+  Seen quick = moving_along({0.3, 0.6});
+  quick.looks[1].time = 399'000;
+  EXPECT_TRUE(movers_in(quick).empty());
+  quick.looks[1].time = 400'000;
+  EXPECT_EQ(movers_in(quick).size(), 1U);
+}
+
+TEST(TuneMovers, LeaveAcrossTheEdgeOrNot) {
+  EXPECT_FALSE(movers_in(moving_along({0.3, 0.5, 0.7})).at(0).left);
+  EXPECT_TRUE(movers_in(moving_along({0.3, 0.5, 0.89})).at(0).left) << "within 0.02 of the edge";
+  EXPECT_TRUE(movers_in(moving_along({0.5, 0.3, 0.01})).at(0).left);
+}
+
+TEST(TuneMovers, ArePresentInTheBoxesOfOthers) {
+  Seen all = moving_along({0.3, 0.5, kNone, kNone});
+  all.looks[3].boxes.push_back({kBox, 2, {1}});
+  const std::vector<Mover> movers = movers_in(all);
+  ASSERT_EQ(movers.size(), 1U);
+  EXPECT_EQ(movers[0].id, 1);
+  EXPECT_EQ(movers[0].last, 1'500'000);
+}
+
+Marks proved(const Seen& judge, const Marks& marked = {}) { return with_proofs(marked, {&judge}); }
+
+// It moves from 3 to 4.5 s, and is at the edge.
+const std::vector<double> kWalk{kNone, kNone, kNone, kNone, kNone, kNone, 0.3,   0.5,
+                                0.7,   0.9,   kNone, kNone, kNone, kNone, kNone, kNone};
+
+TEST(TuneProof, QuietEndsASecondBeforeWhatMovesAndBeginsASecondAfterItLeft) {
+  const Marks marks = proved(moving_along(kWalk));
+  expect_spans(marks.motion, {span(3, 5)});
+  expect_spans(marks.quiet, {span(0, 2), span(6, 8)});
   EXPECT_TRUE(marks.quiet_assumed);
   EXPECT_TRUE(marks.motion_assumed);
 }
 
-// With noise some settings have boxes all the time, which carries no information.
-TEST(TuneAssumption, DependsOnDifferencesBetweenSecondsNotOnAbsoluteCounts) {
-  const std::vector<Seen> all{seen("------##"), seen("------##"), seen("########"), seen("########")};
-  const Marks marks = with_assumptions({}, all);
-  expect_spans(marks.quiet, {span(0, 3)});
-  expect_spans(marks.motion, {span(3, 4)});
+TEST(TuneProof, WhatDoesNotLeaveMayStandThereUntilTheEnd) {
+  std::vector<double> walk = kWalk;
+  walk[9] = 0.8;
+  const Marks marks = proved(moving_along(walk));
+  expect_spans(marks.motion, {span(3, 5)});
+  expect_spans(marks.quiet, {span(0, 2)});
 }
 
-TEST(TuneAssumption, FindsOneKindOfSecondIfTheyHardlyDiffer) {
-  const Marks busy = with_assumptions({}, {seen("####"), seen("####"), seen("####"), seen("##--")});
-  expect_spans(busy.motion, {span(0, 2)});
-  expect_spans(busy.quiet, {});
-  const Marks calm = with_assumptions({}, {seen("----"), seen("----"), seen("----"), seen("##--")});
-  expect_spans(calm.motion, {});
-  expect_spans(calm.quiet, {span(0, 2)});
+TEST(TuneProof, WhatStaysInPlaceIsNoMotion) {
+  const Marks marks = proved(seen("########"));
+  expect_spans(marks.quiet, {span(0, 4)});
+  expect_spans(marks.motion, {});
 }
 
-// Seconds count as different where they differ by a third of the settings: here one of three.
-TEST(TuneAssumption, FindsBothKindsWhereAThirdOfTheSettingsDiffers) {
-  const Marks marks = with_assumptions({}, {seen("##--"), seen("----"), seen("----")});
-  expect_spans(marks.motion, {span(0, 1)});
-  expect_spans(marks.quiet, {span(1, 2)});
+TEST(TuneProof, NeedsAllJudges) {
+  const Seen nothing = seen("----------------");
+  const Seen walker = moving_along(kWalk);
+  const Marks marks = with_proofs({}, {&nothing, &walker});
+  expect_spans(marks.quiet, {span(0, 2), span(6, 8)});
+  expect_spans(marks.motion, {span(3, 5)});
 }
 
-TEST(TuneAssumption, LeavesOutSecondsWithALightingChange) {
-  const Marks marks = with_assumptions({}, {seen("--##-L##"), seen("--####--")});
-  // The third second has a lighting change with one of the settings; the last has half of them.
-  expect_spans(marks.quiet, {span(0, 1)});
-  expect_spans(marks.motion, {span(1, 2)});
+TEST(TuneProof, LeavesOutSecondsWithALightingChange) {
+  const Marks marks = proved(seen("--##-L##"));
+  expect_spans(marks.quiet, {span(0, 2), span(3, 4)});
 }
 
-TEST(TuneAssumption, KeepsMarkedSpansAndLooksForTheOtherKindElsewhere) {
-  const Marks marks = with_assumptions({.quiet = {}, .motion = {{microseconds(0), microseconds(1'500'000)}}},
-                                       {seen("------##")});
-  expect_spans(marks.motion, {{microseconds(0), microseconds(1'500'000)}});
+TEST(TuneProof, KeepsMarkedSpansAndLooksForTheOtherKindElsewhere) {
+  const Spans marked{{microseconds(0), microseconds(1'500'000)}};
+  const Marks marks = proved(seen("------##"), {.quiet = {}, .motion = marked});
+  expect_spans(marks.motion, marked);
   EXPECT_FALSE(marks.motion_assumed);
-  expect_spans(marks.quiet, {span(2, 3)});
+  expect_spans(marks.quiet, {span(2, 4)});
   EXPECT_TRUE(marks.quiet_assumed);
+  const Marks other = proved(moving_along(kWalk), {.quiet = {span(3, 4)}, .motion = {}});
+  expect_spans(other.motion, {span(4, 5)});
+}
+
+TEST(TuneProof, MovingBoxesAreThoseOfWhatMovesInTheSpans) {
+  Seen all = moving_along(kWalk);
+  for (Look& look : all.looks) look.boxes.push_back({kBox, 7, {}});
+  const std::vector<MovingBox> boxes = moving_boxes(all, {span(3, 4)});
+  ASSERT_EQ(boxes.size(), 2U);
+  EXPECT_EQ(boxes[0].look, 6U);
+  EXPECT_EQ(boxes[0].area.x, 0.3);
+  EXPECT_EQ(boxes[1].look, 7U);
 }
 
 const Marks kMarks{.quiet = {span(0, 5)}, .motion = {span(5, 10), span(15, 20)}};
+const Marks kProved{
+    .quiet = {span(0, 5)}, .motion = {span(5, 10)}, .quiet_assumed = true, .motion_assumed = true};
 
-// `motion`: frames with boxes in motion spans.
-Candidate candidate(const Setting& setting, std::int64_t quiet, std::size_t found, std::int64_t motion) {
-  Candidate result{.setting = setting, .figures = {}};
+// Of a setting, in marked spans. `motion`: frames with boxes in motion spans.
+Candidate marked(std::int64_t quiet, std::size_t found, std::int64_t motion, double far = 1) {
+  Candidate result;
   result.figures.quiet_frames = quiet;
   result.figures.found = found;
   result.figures.motion_frames = motion;
+  result.distance = {far, 0, 0, 0};
   return result;
 }
 
-TEST(TuneChoice, PutsQuietBeforeMotion) {
-  EXPECT_EQ(choose({candidate({5, 3, 2}, 1, 2, 100), candidate({4, 3, 2}, 0, 1, 40)}, kMarks), 1U);
+// Without marks. `kept`: of the boxes around what moves.
+Candidate unmarked(std::int64_t quiet, std::int64_t kept, double far = 1) {
+  Candidate result = marked(quiet, 1, kept, far);
+  result.figures.kept = kept;
+  return result;
 }
 
-TEST(TuneChoice, NeverPrefersASettingThatFindsNothing) {
-  EXPECT_EQ(choose({candidate({1, 3, 6}, 0, 0, 0), candidate({4, 3, 2}, 9, 1, 40)}, kMarks), 1U);
-  EXPECT_EQ(choose({candidate({1, 3, 6}, 3, 0, 0), candidate({4, 3, 2}, 2, 0, 0)}, kMarks), 1U)
-      << "where none finds anything, the quietest";
+TEST(TuneChoice, StaysAtTheStartOnATie) {
+  EXPECT_EQ(choose({marked(3, 2, 80), marked(3, 2, 80)}, kMarks), 0U);
+  EXPECT_EQ(choose({unmarked(3, 80), unmarked(3, 80)}, kProved), 0U);
+  EXPECT_EQ(choose({unmarked(3, 80)}, kProved), 0U);
 }
 
-TEST(TuneChoice, TakesTheMostSpansOfMotionAmongTheQuiet) {
-  EXPECT_EQ(choose({candidate({1, 3, 6}, 0, 1, 90), candidate({4, 3, 2}, 0, 2, 80)}, kMarks), 1U);
+TEST(TuneChoice, TakesWhatHasFewerBoxesInQuietSpans) {
+  EXPECT_EQ(choose({marked(3, 2, 80), marked(2, 2, 80), marked(1, 2, 80)}, kMarks), 2U);
+  EXPECT_EQ(choose({marked(3, 2, 80), marked(2, 2, 80)}, kMarks), 1U);
 }
 
-TEST(TuneChoice, LosesAtMostATwentiethOfTheFramesForLessSensitivity) {
-  const Candidate best = candidate({5, 3, 2}, 0, 2, 100);
-  EXPECT_EQ(choose({best, candidate({1, 3, 2}, 0, 2, 95)}, kMarks), 1U);
-  EXPECT_EQ(choose({best, candidate({1, 3, 2}, 0, 2, 94)}, kMarks), 0U);
+TEST(TuneChoice, ChangesTheStartForAtLeastHalfOfTheBoxesInProvedQuiet) {
+  EXPECT_EQ(choose({unmarked(5, 80), unmarked(3, 80)}, kProved), 0U);
+  EXPECT_EQ(choose({unmarked(5, 80), unmarked(2, 80), unmarked(1, 80)}, kProved), 2U);
 }
 
-TEST(TuneChoice, PrefersLowSensitivityThenLargeMinimumBoxesThenTheDefaultAdaptation) {
-  const auto equal = [](const Setting& setting) { return candidate(setting, 0, 2, 100); };
-  EXPECT_EQ(choose({equal({2, 3, 6}), equal({1, 5, 0})}, kMarks), 1U);
-  EXPECT_EQ(choose({equal({1, 3, 0}), equal({1, 5, 1})}, kMarks), 1U);
-  EXPECT_EQ(choose({equal({1, 1, 1}), equal({1, 5, 1}), equal({1, 3, 1})}, kMarks), 2U);
+TEST(TuneChoice, LosesNoMarkedSpanAndAtMostATwentiethOfItsFrames) {
+  EXPECT_EQ(choose({marked(3, 2, 100), marked(0, 1, 100)}, kMarks), 0U);
+  EXPECT_EQ(choose({marked(3, 2, 100), marked(0, 2, 94)}, kMarks), 0U);
+  EXPECT_EQ(choose({marked(3, 2, 100), marked(0, 2, 95)}, kMarks), 1U);
 }
 
-TEST(TuneChoice, IsTheMostSensitiveQuietSettingWithoutKnownMotion) {
-  const Marks marks{.quiet = {span(0, 5)}, .motion = {}};
-  EXPECT_EQ(choose({candidate({5, 3, 0}, 1, 0, 0), candidate({3, 3, 0}, 0, 0, 0),
-                    candidate({4, 3, 3}, 0, 0, 0), candidate({4, 3, 1}, 0, 0, 0)},
-                   marks),
-            3U);
+TEST(TuneChoice, LosesAtMostAHundredthOfTheBoxesAroundWhatMoves) {
+  EXPECT_EQ(choose({unmarked(3, 200), unmarked(0, 197)}, kProved), 0U);
+  EXPECT_EQ(choose({unmarked(3, 200), unmarked(0, 198)}, kProved), 1U);
 }
 
-TEST(TuneWhy, StatesWhatWasReached) {
-  const std::string text = why({candidate({2, 3, 2}, 0, 2, 80)}, 0, kMarks);
-  EXPECT_NE(text.find("no boxes in the quiet spans"), std::string::npos) << text;
-  EXPECT_NE(text.find("finds 2 of 2 motion spans, with boxes in 80 of their frames"), std::string::npos)
-      << text;
+TEST(TuneChoice, TakesWhatFindsMoreOfMarkedMotionAndIsAsQuiet) {
+  EXPECT_EQ(choose({marked(3, 1, 80), marked(3, 2, 80)}, kMarks), 1U);
+  EXPECT_EQ(choose({marked(3, 1, 80), marked(4, 2, 80)}, kMarks), 0U) << "less quiet";
+  EXPECT_EQ(choose({marked(3, 2, 95), marked(3, 2, 100)}, kMarks), 0U) << "a twentieth more is a tie";
+  EXPECT_EQ(choose({marked(3, 2, 94), marked(3, 2, 100)}, kMarks), 1U);
+  EXPECT_EQ(choose({unmarked(3, 80), unmarked(3, 120)}, kProved), 0U) << "more boxes prove nothing";
 }
 
-TEST(TuneWhy, StatesTheCostOfQuiet) {
-  const std::vector<Candidate> all{candidate({2, 3, 2}, 0, 1, 40), candidate({4, 3, 2}, 7, 2, 80),
-                                   candidate({5, 3, 2}, 9, 2, 90)};
-  const std::string text = why(all, 0, kMarks);
-  EXPECT_NE(text.find("Sensitivity 4 would find 2, but has boxes in 7 frames of the quiet spans"),
-            std::string::npos)
-      << text;
+TEST(TuneChoice, DoesNotStayWithWhatFindsNothingOfMarkedMotion) {
+  EXPECT_EQ(choose({marked(0, 0, 0), marked(9, 1, 40)}, kMarks), 1U);
 }
 
-TEST(TuneWhy, ReportsThatThereIsNoBasisForAChoice) {
-  EXPECT_NE(why({candidate({2, 3, 2}, 0, 0, 0)}, 0, Marks{}).find("--quiet and --motion"), std::string::npos);
+TEST(TuneChoice, OfTheQuietestTakesTheOneThatFindsMost) {
+  EXPECT_EQ(choose({marked(3, 1, 80), marked(0, 1, 90), marked(0, 2, 80)}, kMarks), 2U);
+  EXPECT_EQ(choose({marked(3, 2, 80), marked(0, 2, 80, 1), marked(0, 2, 100, 2)}, kMarks), 2U);
 }
 
-// A simulated plug-in: boxes from noise at sensitivities above 2; finds motion if the minimum box size is at
-// most the fifth.
+TEST(TuneChoice, OfEqualsTakesTheNearestToTheStart) {
+  EXPECT_EQ(choose({marked(3, 2, 80), marked(0, 2, 100, 2), marked(0, 2, 95, 1)}, kMarks), 2U);
+  EXPECT_EQ(choose({unmarked(3, 80), unmarked(0, 80, 2), unmarked(0, 80, 1)}, kProved), 2U);
+}
+
+TEST(TuneWhy, ComparesWithTheStart) {
+  const std::vector<Candidate> all{marked(7, 1, 40), marked(0, 2, 80)};
+  EXPECT_EQ(why(all, 1, kMarks),
+            "It has boxes in 0 frames of the quiet spans, the start in 7. It finds 2 of 2 motion spans, with "
+            "boxes in "
+            "80 of their frames; the start finds 1, in 40. Of the settings with equal results, it is the "
+            "nearest to "
+            "the start.");
+  EXPECT_NE(why({unmarked(3, 200), unmarked(0, 199)}, 1, kProved)
+                .find("It keeps 99.5 % of the boxes around what moves"),
+            std::string::npos);
+}
+
+TEST(TuneWhy, StatesWhyTheStartIsKept) {
+  const auto kept = [](const Candidate& start, const Marks& marks) { return why({start}, 0, marks); };
+  EXPECT_NE(
+      kept(marked(0, 2, 80), kMarks).find("is kept: it has no boxes in the quiet spans. It finds 2 of 2"),
+      std::string::npos);
+  EXPECT_NE(kept(unmarked(3, 80), kProved).find("boxes in 3 frames of the quiet spans, and no setting"),
+            std::string::npos);
+  const Marks nothing{.quiet = {}, .motion = {}, .quiet_assumed = true, .motion_assumed = true};
+  EXPECT_NE(kept(unmarked(0, 0), nothing).find("no part of the sample is known to be quiet"),
+            std::string::npos);
+  EXPECT_NE(kept(unmarked(0, 0), nothing).find("--quiet and --motion"), std::string::npos);
+}
+
+TEST(TuneWhy, WarnsWhenTheSensitivityNoLongerFollowsTheNoise) {
+  std::vector<Candidate> all{unmarked(3, 80), unmarked(0, 80)};
+  all[1].setting.sensitivity = 2;
+  EXPECT_EQ(why(all, 1, kProved).find("noise"), std::string::npos);
+  EXPECT_NE(why(all, 1, kProved, true).find("no longer follows the noise"), std::string::npos);
+}
+
+// A simulated detector. The people walk by from 3 to 4.5 s; noise has boxes in place before, at sensitivities
+// above 2 or with minimum boxes below the fourth; the people are lost from the sixth on.
 Seen imagined(const Setting& setting) {
-  const char noise = setting.sensitivity > 2 ? '#' : '-';
-  const char moving = setting.min_box <= 4 || noise == '#' ? '#' : '-';
-  Seen result = seen(std::string(4, noise) + std::string(4, moving));
-  if (moving == '#') result.happenings = {motion(2, 3.5)};
+  const std::size_t box = setting.min_box.value_or(2);
+  Seen result = moving_along(box < 6 ? kWalk : std::vector<double>(kWalk.size(), kNone));
+  if (setting.sensitivity.value_or(4) > 2 || box < 4) {
+    for (std::size_t i = 0; i < 4; ++i) result.looks[i].boxes.push_back({kBox, 9, {}});
+  }
   return result;
 }
 
-// From small minimum boxes, two steps away.
-TEST(TuneSearch, ContinuesStepByStepWhileResultsImprove) {
+Outcome searched(const std::function<Seen(const Setting&)>& detector) {
   Outcome outcome;
-  search(outcome, [](const std::vector<Setting>& settings) {
-    std::vector<Seen> all;
-    for (const Setting& setting : settings)
-      all.push_back(seen(setting.min_box <= 2 ? "----####" : "--------"));
-    return all;
-  });
-  EXPECT_EQ(outcome.trials[outcome.chosen].setting, (Setting{1, 3, 2}));
-}
-
-TEST(TuneSearch, FindsTheBestSettingBetweenPointsOfTheCoarseGrid) {
-  Outcome outcome;
+  outcome.own = {.sensitivity = 4, .min_box = kMinBoxes[2]};
   std::size_t tried = 0;
   search(outcome, [&](const std::vector<Setting>& settings) {
     std::vector<Seen> all;
-    for (const Setting& setting : settings) all.push_back(imagined(setting));
+    for (const Setting& setting : settings) all.push_back(detector(setting));
     tried += settings.size();
     return all;
   });
-  expect_spans(outcome.marks.quiet, {span(0, 2)});
-  expect_spans(outcome.marks.motion, {span(2, 4)});
-  EXPECT_EQ(outcome.quiet_frames, 4);
-  EXPECT_EQ(outcome.motion_frames, 4);
-  EXPECT_EQ(outcome.trials[outcome.chosen].setting, (Setting{1, 3, 4}));
   EXPECT_EQ(outcome.trials.size(), tried) << "nothing is tried twice";
+  EXPECT_EQ(outcome.trials[0].setting, Setting{});
+  return outcome;
 }
 
-TEST(TuneSearch, ListsTheLeastSensitiveFirst) {
-  Outcome outcome;
-  search(outcome, [](const std::vector<Setting>& settings) {
-    return std::vector<Seen>(settings.size(), seen("--##"));
+// Neither change is enough alone, so the first round stays at the start.
+TEST(TuneSearch, StaysAtTheStartUnlessOneChangeHelps) {
+  const Outcome outcome = searched(imagined);
+  expect_spans(outcome.marks.quiet, {span(0, 2), span(6, 8)});
+  expect_spans(outcome.marks.motion, {span(3, 5)});
+  EXPECT_EQ(outcome.quiet_frames, 8);
+  EXPECT_EQ(outcome.motion_frames, 4);
+  EXPECT_EQ(outcome.chosen, 0U);
+}
+
+TEST(TuneSearch, ContinuesAroundTheBest) {
+  // The same, but each change removes two boxes by itself.
+  const Outcome outcome = searched([](const Setting& setting) {
+    Seen result = imagined({1, {}, std::max<std::size_t>(4, setting.min_box.value_or(4))});
+    const bool low = setting.sensitivity.value_or(4) <= 2;
+    const bool large = setting.min_box.value_or(2) >= 4;
+    for (std::size_t i = 0; i < 4; ++i) {
+      if (!(i < 2 ? low : large)) result.looks[i].boxes.push_back({kBox, 9, {}});
+    }
+    return result;
   });
-  for (std::size_t i = 1; i < outcome.trials.size(); ++i) {
-    EXPECT_LE(outcome.trials[i - 1].setting.sensitivity, outcome.trials[i].setting.sensitivity);
-  }
+  EXPECT_EQ(outcome.trials[outcome.chosen].setting, (Setting{2, {}, 4U}));
+  EXPECT_EQ(outcome.trials[outcome.chosen].figures.quiet_frames, 0);
+}
+
+TEST(TuneSearch, TheStartAndTheMiddleSensitivityWithSmallBoxesProveWhatIsQuiet) {
+  const Setting judge{3, {}, 0U};
+  const auto walks_by_only_in = [](const Setting& wanted) {
+    return [wanted](const Setting& setting) {
+      return setting == wanted ? moving_along(kWalk) : seen("#---------------");
+    };
+  };
+  expect_spans(searched(walks_by_only_in({})).marks.quiet, {span(0, 2), span(6, 8)});
+  expect_spans(searched(walks_by_only_in(judge)).marks.quiet, {span(0, 2), span(6, 8)});
+  expect_spans(searched(walks_by_only_in({5, {}, {}})).marks.quiet, {span(0, 8)});
+}
+
+TEST(TuneSearch, TriesNothingMoreWhenTheStartHasNoBoxesInWhatIsQuiet) {
+  const Outcome quiet = searched([](const Setting&) { return moving_along(kWalk); });
+  EXPECT_EQ(quiet.trials.size(), 2U);
+  EXPECT_EQ(quiet.chosen, 0U);
+  const Outcome loud = searched(imagined);
+  EXPECT_GT(loud.trials.size(), 15U);
+}
+
+TEST(TuneSearch, TriesNothingMoreWhenTheStartFindsAllOfMarkedMotion) {
+  const auto trials = [](const std::string& looks) {
+    Outcome outcome;
+    outcome.marks = {.quiet = {span(0, 1)}, .motion = {span(1, 21)}};
+    search(outcome, [&](const std::vector<Setting>& settings) {
+      Seen all = seen("--" + looks);
+      all.happenings = {motion(1, 20)};
+      return std::vector<Seen>(settings.size(), all);
+    });
+    return outcome.trials.size();
+  };
+  EXPECT_EQ(trials(std::string(38, '#') + "--"), 2U) << "boxes in 38 of 40 frames";
+  EXPECT_GT(trials(std::string(37, '#') + "---"), 15U);
+}
+
+TEST(TuneSearch, SearchesForMoreInMarkedMotion) {
+  Outcome outcome;
+  outcome.own = {.sensitivity = 4, .min_box = kMinBoxes[2]};
+  outcome.marks.motion = {span(3, 5)};
+  search(outcome, [](const std::vector<Setting>& settings) {
+    std::vector<Seen> all;
+    for (const Setting& setting : settings) {
+      all.push_back(seen(setting.min_box == 1U ? "------####------" : "----------------"));
+      if (setting.min_box == 1U) all.back().happenings = {motion(3, 4.5)};
+    }
+    return all;
+  });
+  EXPECT_EQ(outcome.trials[outcome.chosen].setting, (Setting{{}, {}, 1U}));
 }
 
 }  // namespace

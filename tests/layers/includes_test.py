@@ -5,7 +5,7 @@ import re
 import sys
 
 # Plain data that all parts of the library pass on.
-RECORDS = ["config/polygon.h", "objects/box.h", "objects/component.h"]
+RECORDS = ["config/polygon.h", "objects/box.h", "objects/component.h", "objects/extent.h"]
 
 BELOW_COMMANDS = ["host/base", "host/source", "host/detector", "host/events", "host/outputs"]
 

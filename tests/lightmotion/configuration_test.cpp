@@ -37,7 +37,7 @@ TEST(Configuration, RefusedNamesTheKeyTheValueAndWhatIsRight) {
            Case{R"("absorb_seconds": "5 minutes")", "\"absorb_seconds\": \"5 minutes\" is not a time"},
            Case{R"("absorb_seconds": "nan")", "\"absorb_seconds\": \"nan\" is out of range"},
            Case{R"("absorb_seconds": 86401)", "\"absorb_seconds\": 86401 is out of range"},
-           Case{R"("extent": "whole")", "\"extent\": \"whole\" is not an extent (\"core\" or \"full\")"},
+           Case{R"("extent": "whole")", "\"extent\": \"whole\" is not an extent (\"core\", \"full\" or \"object\")"},
            Case{R"("extent": 1)", "\"extent\": 1 is not an extent"},
            Case{R"("join_gap": 1.5)",
                 "\"join_gap\": 1.5 is out of range (0 to 1, of the frame's longer side)"},
@@ -67,6 +67,8 @@ TEST(Configuration, AcceptedWithWarnings) {
            Case{R"("lcAdap": 0, "lcAdap": 2)", "\"lcAdap\": appears twice"},
            Case{R"("lifeStatic": 0, "absorb_seconds": 5)", "absorb_seconds replaces it"},
            Case{R"("maxBoxW": 1)", "\"maxBoxW\": has no effect: the detector reads it but never uses it"},
+           Case{R"("extent": "object", "join_gap": 0.01)",
+                "\"join_gap\": has no effect with the extent \"object\" (remove it)"},
            Case{R"("minBoxH": 0.001)", "\"minBoxH\": is less than a pixel"},
        }) {
     EXPECT_THAT(messageFor(members, true), HasSubstr(message));
@@ -78,7 +80,7 @@ TEST(Configuration, AcceptedWithoutAWord) {
       const std::string members :
       {R"("sensitivity": 5, "lcAdap": 5.0)", R"("sensitivity": "-1")", R"("absorb_seconds": "forever")",
        R"("absorb_seconds": "60", "extent": "full", "peel": 0, "join_gap": "0.01")", R"("frmChn": 3)",
-       R"("comment": {})",
+       R"("comment": {})", R"("extent": "object", "join_gap": null)",
        R"("roi": null, "ror": null, "sensitivity": null, "peel": null, "extent": null, "absorb_seconds": null)",
        R"("ror": [{"points": [{"x": 0, "y": 0}, {"x": 0.5, "y": 0}, {"x": 0.5, "y": 0.5}]}])"}) {
     EXPECT_EQ(messageFor(members, true), "");

@@ -1,4 +1,5 @@
 """An installation: its files, and building against it."""
+import os
 import pathlib
 import re
 import tempfile
@@ -37,8 +38,9 @@ class Installation(unittest.TestCase):
         self.assertEqual((LIBRARY_FOLDER / "liblightmotion.so.1").readlink().name, f"liblightmotion.so.{VERSION}")
 
     def test_names_no_folder_of_the_build(self):
-        # As an absolute path: what is in "/lightmotion" would also be found in "lightmotion/lightmotion.h".
-        path = re.compile(rb"(?<![\w.-])" + re.escape(bytes(SOURCE)) + rb"\b")
+        # Absolute paths of what is in it: a folder "/lightmotion" alone would be found in "lightmotion/lightmotion.h".
+        names = b"|".join(re.escape(os.fsencode(name)) for name in os.listdir(SOURCE))
+        path = re.compile(rb"(?<![\w.}-])" + re.escape(bytes(SOURCE)) + rb"/(" + names + rb")\b")
         for file in PREFIX.rglob("*"):
             if file.is_file():
                 text = file.read_bytes().replace(bytes(PREFIX), b"") # the prefix may be inside the build folder

@@ -55,7 +55,7 @@ class Run(unittest.TestCase):
         self.assertFalse((self.root / "installed").exists())
 
     def test_outputs_are_named_after_the_source_wherever_it_stands(self):
-        for arguments, name in ((["street.avi"], "street"), ([], "scene"), (["--preset", "night", "street.avi"], "street"),
+        for arguments, name in ((["street.avi"], "street"), ([], "scene"), (["--preset", "street", "street.avi"], "street"),
                                 (["-q", "--fps=5", "two.dots.mp4", "--gap", "3"], "two.dots"), (["-c", "x"], "scene"),
                                 (["rtsp://camera/a?b=1"], "a_b_1")):
             self.assertEqual(self.arguments_of(*arguments), ["run", *arguments, *self.outputs(name)])

@@ -43,12 +43,28 @@ test("a preset brings its settings and leaves the regions", async (t) => {
     document: JSON.stringify({ site: "yard", sensitivity: "1", lifeStatic: "0", roi: [region] }),
   });
   await page.click("#tab-settings");
-  await page.locator(".preset", { hasText: "sensitive" }).click();
+  await page.locator(".preset", { hasText: "street" }).click();
   const root = await rootOf(page);
-  assert.equal(root.sensitivity, "5");
+  assert.equal(root.sensitivity, "4");
   assert.equal(root.lifeStatic, undefined, "a setting that the preset leaves to the default");
   assert.equal(root.site, "yard");
   assert.deepEqual(root.roi, [region]);
+});
+
+test("the preset auto brings all that it sets, and another preset removes it", async (t) => {
+  const { page } = await openScene(t, { document: '{"sensitivity": "1"}' });
+  await page.click("#tab-settings");
+  await page.locator(".preset", { hasText: "auto" }).click();
+  const root = await rootOf(page);
+  assert.equal(root.adapt, true);
+  assert.equal(root.absorb_seconds, 60);
+  assert.equal(root.sensitivity, undefined);
+  await inForce(page);
+  const setting = page.locator(".setting", { has: page.locator("#setting-sensitivity") });
+  assert.equal(await setting.locator("output").textContent(), "chosen while it runs");
+  await page.locator(".preset", { hasText: "street" }).click();
+  const { adapt, extent, sensitivity } = await rootOf(page);
+  assert.deepEqual([adapt, extent, sensitivity], [undefined, undefined, "4"]);
 });
 
 test("a setting out of range has a finding beside its control, with the consequence", async (t) => {

@@ -55,6 +55,19 @@ def test_boxes_are_where_people_are(told):
     assert told[1]["box03_recall"] >= 0.8 and told[1]["box03_precision"] >= 0.8
 
 
+def test_tuned_without_marks_is_the_same_where_nothing_is_wrong(tmp_path):
+    rng = np.random.default_rng(11)
+    stage = Stage(rng, places.street(rng, 480, 360, above=5), 8, 14)
+    stage.codec = "lossless"
+    crosses(stage, 4, 0.8, True, 2.5)
+    truth = render.write(stage, tmp_path / "scene.mkv")
+    video = render.Video("scene", 0, tmp_path / "scene.mkv", truth)
+    options = SimpleNamespace(program=os.environ["LIGHTMOTION_PROGRAM"], arguments=None)
+    start, tuned = (program.system(name, options)(video) for name in ("lightmotion", "lightmotion:tuned"))
+    assert start.frames == tuned.frames and any(start.frames)
+    assert tuned.remark.startswith("The starting configuration is kept")
+
+
 def test_a_lamp_is_no_motion(tmp_path):
     rng = np.random.default_rng(12)
     stage = Stage(rng, places.office(rng, 480, 360), 8, 20)

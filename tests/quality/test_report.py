@@ -13,6 +13,16 @@ def cells(text):
     return [[cell.strip() for cell in line.strip("|").split("|")] for line in text.splitlines()[2:]]
 
 
+def test_differences_name_what_became_worse():
+    before = [record(), record("snow", frame_f1=0.4, events_false=3), record("quiet", frame_f1=None), record("lamp")]
+    after = [record(), record("snow", frame_f1=0.5, events_false=0, remark="Proposed: a change."),
+             record("quiet", frame_f1=None), record("lamp", frame_f1=0.9, idf1=0.5)]
+    lines = table.differences(before, after).splitlines()
+    assert lines == ["snow 1: frame_f1 0.4 -> 0.5, events_false 3 -> 0. Proposed: a change.",
+                     "lamp 1: frame_f1 1 -> 0.9 (worse), idf1 0.4 -> 0.5. ",
+                     "4 scenes: 2 equal, 1 better, 1 worse in some figure"]
+
+
 def test_systems_are_means_over_scenes_the_worst_first():
     better = {"rain": [record(box05_f1=0.9), record(seed=2, box05_f1=0.7)]}
     worse = {"rain": [record(box05_f1=0.3, events_found=1, events_missed=1, events_false=3, events_fragments=2)]}

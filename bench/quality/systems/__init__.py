@@ -18,5 +18,5 @@ def find(name, options):
 
 def known():
     peers = [*subtractors.GRIDS, "motioncells"]
-    own = ["lightmotion", "lightmotion:PRESET", "library", "library:PRESET"]
+    own = ["lightmotion", "lightmotion:PRESET", "lightmotion:tuned", "library", "library:PRESET"]
     return own + [name + which for name in peers for which in ("", ":best")]

@@ -11,14 +11,29 @@ from ..result import Box, Event, Result
 
 
 def system(name, options):
-    """`lightmotion` is the default command line, `lightmotion:NAME` a preset."""
+    """`lightmotion` is the default command line, `lightmotion:NAME` a preset, `lightmotion:tuned` the default with what
+    `lightmotion tune` proposes for the video without marks."""
     program = Path(options.program or ROOT / "build" / "release" / "lightmotion")
     if not program.exists():
         raise SystemExit(f"{program} does not exist: build it (./run), or name it with --program")
     arguments = shlex.split(options.arguments or "")
+    if name == "lightmotion:tuned":
+        return lambda video: tuned(program, arguments, video)
     if ":" in name:
         arguments += ["--preset", name.split(":")[1]]
     return lambda video: run(program, arguments, video)
+
+
+def tuned(program, arguments, video):
+    with tempfile.TemporaryDirectory() as folder:
+        proposal = Path(folder) / "proposal.json"
+        done = subprocess.run([program, "tune", video.source, "-o", proposal, "--jobs", "1"], stdout=subprocess.DEVNULL,
+                              stderr=subprocess.PIPE, text=True)
+        if done.returncode != 0:
+            raise RuntimeError(f"{program} tune {video.source}: {done.stderr.strip()}")
+        result = run(program, [*arguments, "--config", proposal], video)
+    result.remark = done.stderr.strip().splitlines()[-1]
+    return result
 
 
 def run(program, arguments, video):

@@ -17,12 +17,11 @@
 #include "host/base/whole_file.h"
 #include "host/commands/run/figures.h"
 #include "host/commands/run/summary.h"
-#include "host/detector/adaptive.h"
+#include "host/detector/adapt.h"
 #include "host/detector/analysis_size.h"
 #include "host/detector/check/before_run.h"
 #include "host/detector/detector.h"
 #include "host/detector/document.h"
-#include "host/detector/presets/presets.h"
 #include "host/events/event_watch.h"
 #include "host/outputs/annotator.h"
 #include "host/outputs/listeners.h"
@@ -40,41 +39,26 @@ namespace {
 
 using std::chrono::microseconds;
 
-// Plug-ins know the settings of the entry points only.
-std::string preset_of(const RunOptions& options) {
-  if (!options.preset.empty()) return options.preset;
-  return options.plugin.empty() ? "auto" : "street";
-}
-
-bool adapts(const RunOptions& options) { return options.config.empty() && preset_of(options) == "auto"; }
-
 detector::Document document_of(const RunOptions& options) {
   if (!options.config.empty()) return {options.config, base::required_text(options.config)};
-  const std::string preset = preset_of(options);
-  return {"the preset " + preset, detector::presets::find_preset(preset)->document};
+  if (!options.preset.empty()) return detector::preset_document(options.preset);
+  return detector::default_document(options.plugin);
 }
 
-cv::Size analysed_size(const RunOptions& options, cv::Size source) {
-  const bool chosen = adapts(options) && !options.live.scale.given;
-  return chosen ? detector::analysis_size(source) : options.live.scale.of(source);
-}
-
-// An adaptive one scales the frames itself.
 std::unique_ptr<detector::Detector> detector_for(const RunOptions& options,
                                                  const detector::Document& document, cv::Size analysed) {
-  if (!adapts(options)) return detector::make_detector(options.plugin, document, analysed);
-  auto adaptive = std::make_unique<detector::Adaptive>(document, analysed);
+  auto detector = detector::make_detector(options.plugin, document, analysed);
   if (options.verbose) {
-    adaptive->set_listener(
+    detector->set_listener(
         [](const std::string& chosen) { std::fprintf(stderr, "lightmotion: %s\n", chosen.c_str()); });
   }
-  return adaptive;
+  return detector;
 }
 
 // A line of the summary; empty for a detector that chooses nothing.
 std::string chosen_by(const detector::Detector& detector) {
-  const auto* adaptive = dynamic_cast<const detector::Adaptive*>(&detector);
-  return adaptive == nullptr ? "" : adaptive->chosen() + "\n";
+  const std::string chosen = detector.chosen();
+  return chosen.empty() ? "" : chosen + "\n";
 }
 
 microseconds time_since(std::chrono::steady_clock::time_point begin) {
@@ -83,12 +67,12 @@ microseconds time_since(std::chrono::steady_clock::time_point begin) {
 
 class Run {
  public:
-  Run(const RunOptions& options, source::Source& source, detector::Detector& detector,
+  Run(const RunOptions& options, source::Source& source, detector::Detector& detector, cv::Size analysed,
       const std::string& document)
       : source_(source),
         detector_(detector),
-        analysed_(adapts(options) ? source.info().size : options.live.scale.of(source.info().size)),
-        events_({options.events, source.info(), document, adapts(options)}),
+        analysed_(analysed),
+        events_({options.events, source.info(), document}),
         progress_(options.progress.value_or(options.quiet ? outputs::ProgressMode::kNone
                                                           : outputs::ProgressMode::kBar)),
         to_terminal_(isatty(STDOUT_FILENO) != 0) {
@@ -158,7 +142,7 @@ class Run {
     if (frame.anew) detector_.restart();
     const std::int64_t stated = source::timestamp(source_.info(), frame);
     const detector::Boxes boxes = events_.frame(
-        frame, frame.number, detector_.process(source::live::scaled(frame.image, analysed_), stated));
+        frame, frame.number, detector_.process(detector::resized(frame.image, analysed_), stated));
     if (!boxes.empty()) {
       write_line([&] { return outputs::result_line(frame.number, frame.time, boxes, stated); });
       ++figures_.frames_with_motion;
@@ -193,10 +177,10 @@ int run(const RunOptions& options) {
   av_log_set_level(options.verbose ? AV_LOG_INFO : AV_LOG_QUIET);
   const detector::Document document = document_of(options);
   const std::unique_ptr<source::Source> source = source::open_source(options.source, options.live.reading);
-  const cv::Size analysed = analysed_size(options, source->info().size);
+  const cv::Size analysed = detector::analysed_size(document.text, source->info().size, options.live.scale);
   detector::check::check_before_run(document.name, document.text, analysed);
   const auto detector = detector_for(options, document, analysed);
-  const Figures figures = Run(options, *source, *detector, document.text).all_frames();
+  const Figures figures = Run(options, *source, *detector, analysed, document.text).all_frames();
   if (!options.figures.empty()) write_figures(options.figures, figures);
   if (!options.quiet && options.progress != outputs::ProgressMode::kLines)
     std::fputs((summary(source->info().name, figures, options) + chosen_by(*detector)).c_str(), stderr);

@@ -14,6 +14,7 @@
 #include "host/base/time_text.h"
 #include "host/base/whole_file.h"
 #include "host/commands/serve/config_file.h"
+#include "host/detector/adapt.h"
 #include "host/detector/presets/presets.h"
 
 namespace lm::host::commands::serve {
@@ -203,7 +204,8 @@ Reply Api::play(const Query& query) {
 }
 
 detector::check::Verdict Api::verdict(const std::string& document) const {
-  return detector::check::check_document(document, scale_.of(player_.state().source.size));
+  return detector::check::check_document(
+      document, detector::analysed_size(document, player_.state().source.size, scale_));
 }
 
 Reply Api::check(const Query& query) const { return {.body = detector::check::to_json(verdict(query.body))}; }

@@ -20,6 +20,7 @@
 #include "host/base/failure.h"
 #include "host/base/time_text.h"
 #include "host/commands/serve/wire.h"
+#include "host/detector/analysis_size.h"
 
 namespace lm::host::commands::serve {
 namespace {
@@ -107,7 +108,8 @@ int DetectorProcess::end() {
 void DetectorProcess::restart() { ask(document_, {}, 0); }
 
 DetectorProcess::Answer DetectorProcess::process(const cv::Mat& image, std::int64_t milliseconds) {
-  return ask("", image.isContinuous() ? image : image.clone(), milliseconds);
+  const cv::Mat analysed = detector::resized(image, frame_);
+  return ask("", analysed.isContinuous() ? analysed : analysed.clone(), milliseconds);
 }
 
 DetectorProcess::Answer DetectorProcess::ask(const std::string& document, const cv::Mat& image,

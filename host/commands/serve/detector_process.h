@@ -22,8 +22,8 @@ struct DetectorKind {
 
 class DetectorProcess {
  public:
-  // `frame`: the size of the images. Throws Failure: kRefused with the reason if the document is refused. A
-  // stop request ends all waiting.
+  // `frame`: the size in which images are analysed. Throws Failure: kRefused with the reason if the document
+  // is refused. A stop request ends all waiting.
   DetectorProcess(const DetectorKind& kind, const std::string& document, cv::Size frame,
                   std::stop_token stop = {});
   ~DetectorProcess();
@@ -37,6 +37,7 @@ class DetectorProcess {
     detector::Boxes boxes;
     std::chrono::microseconds cost{0};  // the detector's processing time
   };
+  // An image of any size; it is scaled.
   Answer process(const cv::Mat& image, std::int64_t milliseconds);
 
  private:

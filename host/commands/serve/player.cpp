@@ -2,6 +2,8 @@
 
 #include <utility>
 
+#include "host/detector/adapt.h"
+
 namespace lm::host::commands::serve {
 Player::Player(PlayerPlan plan, const std::string& document)
     : plan_(std::move(plan)),
@@ -26,7 +28,7 @@ void Player::stop() {
 }
 
 Player::Detector Player::start_detector(const std::string& document) const {
-  const cv::Size analysed = plan_.reading.scale.of(state().source.size);
+  const cv::Size analysed = detector::analysed_size(document, state().source.size, plan_.reading.scale);
   return {document, std::make_unique<DetectorProcess>(plan_.detector, document, analysed, stop_.get_token())};
 }
 

@@ -220,10 +220,9 @@ void Player::comparison_failed(const std::string& cause) {
 
 // False if there is no answer.
 bool Player::ask(const source::Frame& frame, Shot& shot) {
-  const cv::Mat image = source::live::scaled(frame.image, plan_.reading.scale.of(info_.size));
   const std::int64_t time = source::timestamp(info_, frame);
   const auto found = [&](Detector& detector) {
-    DetectorProcess::Answer answer = detector.process->process(image, time);
+    DetectorProcess::Answer answer = detector.process->process(frame.image, time);
     return Found{std::move(answer.boxes), answer.cost};
   };
   try {

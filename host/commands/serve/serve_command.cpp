@@ -50,14 +50,15 @@ struct ServeOptions {
 };
 
 // A file that does not exist yet is created when the page saves.
-std::string first_document(const std::string& config) {
+std::string first_document(const ServeOptions& options) {
   std::error_code error;
-  if (config.empty() || !std::filesystem::exists(config, error)) return detector::default_document();
-  return base::required_text(config);
+  if (options.config.empty() || !std::filesystem::exists(options.config, error))
+    return detector::default_document(options.plan.detector.plugin).text;
+  return base::required_text(options.config);
 }
 
 std::unique_ptr<Player> begin(const ServeOptions& options) {
-  const std::string document = first_document(options.config);
+  const std::string document = first_document(options);
   try {
     return std::make_unique<Player>(options.plan, document);
   } catch (const base::Failure& failure) {

@@ -23,7 +23,9 @@ struct Outcome {
   Marks marks;
   std::int64_t quiet_frames = 0;   // total number in quiet spans
   std::int64_t motion_frames = 0;  // the same for motion spans
-  std::vector<Trial> trials;       // least sensitive first, then small minimum boxes before large ones
+  Own own;                         // values of the starting configuration
+  std::vector<MovingBox> moving;   // boxes of the starting configuration around what moves in motion spans
+  std::vector<Trial> trials;       // the starting configuration first, then by what is changed
   std::size_t chosen = 0;          // index into `trials`
   std::string why;
   std::string document;  // proposed

@@ -14,7 +14,7 @@ using std::chrono::microseconds;
 
 constexpr int kFont = cv::FONT_HERSHEY_SIMPLEX;
 constexpr double kTextScale = 0.42;
-constexpr int kLeft = 230;   // left edge of the chart
+constexpr int kLeft = 265;   // left edge of the chart
 constexpr int kChart = 760;  // its width
 constexpr int kRight = 210;  // for figures
 constexpr int kRow = 20;
@@ -102,7 +102,7 @@ class Chart {
   }
 
   const cv::Scalar& colour_of(const Look& look) const {
-    if (look.boxes == look.by_light) return kLight;
+    if (look.boxes.empty()) return kLight;
     if (contains(outcome_.marks.quiet, look.time)) return kFalse;
     return contains(outcome_.marks.motion, look.time) ? kMotion : kOther;
   }
@@ -110,7 +110,7 @@ class Chart {
   // Each frame lasts until the next.
   void looks(const std::vector<Look>& all, int top) {
     for (std::size_t i = 0; i < all.size(); ++i) {
-      if (all[i].boxes == 0) continue;
+      if (!all[i].has_boxes()) continue;
       const std::int64_t end = i + 1 < all.size() ? all[i + 1].time : outcome_.length.count();
       fill(column(all[i].time), column(end), top + 3, kRow - 6, colour_of(all[i]));
     }
@@ -124,10 +124,11 @@ class Chart {
     if (chosen) fill(0, image_.cols, top, kRow, kChosen);
     fill(kLeft, kLeft + kChart, top + 3, kRow - 6, kFaint);
     looks(trial.seen.looks, top);
-    const Members members = members_of(trial.setting);
-    write(members[0].second, 24, base);
-    write(members[1].second, 78, base);
-    write(members[2].second + " x " + members[3].second, 112, base);
+    const auto [sensitivity, adaptation, width, height] = texts_of(trial.setting, outcome_.own);
+    write(sensitivity, 16, base);
+    write(adaptation, 78, base);
+    write(width + " x " + height, 112, base);
+    if (trial.setting == Setting{}) write("start", 220, base);
     const int right = kLeft + kChart;
     write_left_of(std::to_string(trial.figures.quiet_frames), right + 62, base);
     write_left_of(std::to_string(trial.figures.motion_frames), right + 132, base);

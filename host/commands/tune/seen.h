@@ -3,6 +3,7 @@
 
 #include <chrono>
 #include <cstdint>
+#include <opencv2/core.hpp>
 #include <vector>
 
 #include "host/events/event.h"
@@ -10,11 +11,20 @@
 
 namespace lm::host::commands::tune {
 
-// One frame: the number of boxes, and how many of them a lighting change caused.
+// A box of motion, with the object in it and further ones (Box in host/events/box.h).
+struct MotionBox {
+  cv::Rect2d area;
+  std::int64_t id = 0;
+  std::vector<std::int64_t> others;
+};
+
+// One frame.
 struct Look {
   std::int64_t time = 0;  // microseconds
-  std::int32_t boxes = 0;
-  std::int32_t by_light = 0;
+  std::vector<MotionBox> boxes;
+  std::int32_t by_light = 0;  // number of boxes that a lighting change caused
+
+  bool has_boxes() const { return !boxes.empty() || by_light > 0; }
 };
 
 struct Happening {
@@ -24,8 +34,9 @@ struct Happening {
 };
 
 struct Seen {
-  std::vector<Look> looks;            // all frames
+  std::vector<Look> looks;            // all frames: the same for every setting
   std::vector<Happening> happenings;  // the events that count
+  double aspect = 1;                  // the frame's width by its height, as seen
 };
 
 // From the first time up to, but not including, the second.
@@ -41,6 +52,12 @@ struct Marks {
   bool motion_assumed = false;
 };
 
+// A box around something that moves, of the starting configuration.
+struct MovingBox {
+  std::size_t look = 0;
+  cv::Rect2d area;
+};
+
 // The results of a setting.
 struct Figures {
   std::int64_t frames = 0;  // with boxes, in the whole sample
@@ -50,8 +67,9 @@ struct Figures {
   std::int64_t motion_frames = 0;  // with boxes, in spans of motion
   std::size_t motion_events = 0;   // overlapping a motion span
   std::size_t found = 0;           // motion spans with boxes and a motion event
+  std::int64_t kept = 0;           // moving boxes that it has too: intersection over union of at least 0.5
 };
 
-Figures figures_of(const Seen& seen, const Marks& marks);
+Figures figures_of(const Seen& seen, const Marks& marks, const std::vector<MovingBox>& moving = {});
 
 }  // namespace lm::host::commands::tune

@@ -1,6 +1,8 @@
 #include "host/commands/tune/table.h"
 
 #include <algorithm>
+#include <array>
+#include <cstdio>
 #include <sstream>
 
 #include "host/base/json_text.h"
@@ -24,20 +26,34 @@ std::string in_two(std::size_t part, std::size_t whole) {
   return std::to_string(part) + " of " + std::to_string(whole);
 }
 
-Cells row_of(const Trial& trial, const Marks& marks) {
-  const Members members = members_of(trial.setting);
+// Of the boxes around what moves.
+double kept_share(const Figures& figures, const Outcome& outcome) {
+  return static_cast<double>(figures.kept) / static_cast<double>(outcome.moving.size());
+}
+
+std::string kept_text(const Figures& figures, const Outcome& outcome) {
+  if (outcome.moving.empty()) return "-";
+  std::array<char, 16> text{};
+  std::snprintf(text.data(), text.size(), "%.1f %%", 100 * kept_share(figures, outcome));
+  return text.data();
+}
+
+Cells row_of(const Trial& trial, const Outcome& outcome) {
+  const auto [sensitivity, adaptation, width, height] = texts_of(trial.setting, outcome.own);
   const Figures& figures = trial.figures;
-  return {members[0].second,
-          members[1].second,
-          members[2].second,
-          members[3].second,
+  return {sensitivity,
+          adaptation,
+          width,
+          height,
           std::to_string(figures.quiet_frames),
           std::to_string(figures.quiet_events),
           std::to_string(figures.motion_frames),
           std::to_string(figures.motion_events),
-          in_two(figures.found, marks.motion.size()),
+          in_two(figures.found, outcome.marks.motion.size()),
+          kept_text(figures, outcome),
           std::to_string(figures.frames),
-          std::to_string(figures.events)};
+          std::to_string(figures.events),
+          trial.setting == Setting{} ? "start" : ""};
 }
 
 // Right-aligned columns. `mark`: the row marked in front.
@@ -52,7 +68,7 @@ std::string aligned(const std::vector<Cells>& rows, std::size_t mark) {
     for (std::size_t i = 0; i < widths.size(); ++i) {
       text.append(2 + widths[i] - rows[line][i].size(), ' ').append(rows[line][i]);
     }
-    text += "\n";
+    text.erase(text.find_last_not_of(' ') + 1).append("\n");
   }
   return text;
 }
@@ -78,12 +94,14 @@ Json::Value spans_json(const Spans& spans, bool assumed, std::int64_t frames) {
   return value;
 }
 
-Json::Value trial_json(const Trial& trial) {
+Json::Value trial_json(const Trial& trial, const Outcome& outcome) {
   Json::Value value = figures_json(trial.figures.frames, trial.figures.events);
+  value["settings"] = Json::objectValue;
   for (const auto& [key, text] : members_of(trial.setting)) value["settings"][key] = text;
   value["quiet"] = figures_json(trial.figures.quiet_frames, trial.figures.quiet_events);
   value["motion"] = figures_json(trial.figures.motion_frames, trial.figures.motion_events);
   value["motion"]["spans_found"] = Json::UInt64(trial.figures.found);
+  if (!outcome.moving.empty()) value["motion"]["kept"] = kept_share(trial.figures, outcome);
   return value;
 }
 
@@ -107,15 +125,18 @@ std::string table_text(const Outcome& outcome) {
                      "; " + std::to_string(outcome.quiet_frames) +
                      " frames\nmotion, in seconds: " + text_of(marks.motion, marks.motion_assumed) + "; " +
                      std::to_string(outcome.motion_frames) + " frames\n\n";
-  std::vector<Cells> rows{{"", "", "min.", "box", "quiet", "", "motion", "", "", "total", ""},
+  std::vector<Cells> rows{{"", "", "min.", "box", "quiet", "", "motion", "", "", "", "total", "", ""},
                           {"sensitivity", "lcAdap", "width", "height", "frames", "events", "frames", "events",
-                           "found", "frames", "events"}};
+                           "found", "kept", "frames", "events", ""}};
   const std::size_t heads = rows.size();
-  for (const Trial& trial : outcome.trials) rows.push_back(row_of(trial, marks));
+  for (const Trial& trial : outcome.trials) rows.push_back(row_of(trial, outcome));
   text += aligned(rows, heads + outcome.chosen);
-  const Cells proposed = rows[heads + outcome.chosen];
-  return text + "\nProposed: sensitivity " + proposed[0] + ", lcAdap " + proposed[1] + ", minBoxW " +
-         proposed[2] + ", minBoxH " + proposed[3] + ". " + outcome.why + "\n";
+  if (outcome.chosen == 0) return text + '\n' + outcome.why + '\n';
+  std::string changes;
+  for (const auto& [key, value] : members_of(outcome.trials[outcome.chosen].setting)) {
+    changes.append(changes.empty() ? "" : ", ").append(key).append(" ").append(value);
+  }
+  return text + "\nProposed: " + changes + ". " + outcome.why + '\n';
 }
 
 std::string to_json(const Outcome& outcome) {
@@ -125,7 +146,7 @@ std::string to_json(const Outcome& outcome) {
   root["length"] = base::seconds_number(outcome.length);
   root["quiet"] = spans_json(outcome.marks.quiet, outcome.marks.quiet_assumed, outcome.quiet_frames);
   root["motion"] = spans_json(outcome.marks.motion, outcome.marks.motion_assumed, outcome.motion_frames);
-  for (const Trial& trial : outcome.trials) root["trials"].append(trial_json(trial));
+  for (const Trial& trial : outcome.trials) root["trials"].append(trial_json(trial, outcome));
   root["chosen"] = Json::UInt64(outcome.chosen);
   root["reason"] = outcome.why;
   std::istringstream(outcome.document) >> root["configuration"];

@@ -2,7 +2,6 @@
 
 #include <unistd.h>
 
-#include <json/json.h>
 #include <algorithm>
 #include <cerrno>
 #include <cmath>
@@ -24,7 +23,9 @@
 #include "host/commands/tune/side_by_side.h"
 #include "host/commands/tune/table.h"
 #include "host/commands/tune/trial.h"
+#include "host/detector/adapt.h"
 #include "host/detector/check/before_run.h"
+#include "host/detector/document.h"
 #include "host/outputs/report/image_bytes.h"
 
 extern "C" {
@@ -84,13 +85,12 @@ Sample read_sample(const TuneOptions& options) {
   return sample;
 }
 
-// The document on which every proposal is based.
-std::string base_text(const TuneOptions& options, const std::string& source) {
-  if (options.config.empty()) {
-    const std::string comment = "Proposed by lightmotion tune for " + source;
-    return "{\n  \"comment\": " + Json::valueToQuotedString(comment.c_str()) + "\n}\n";
-  }
-  return base::required_text(options.config);
+// The starting configuration.
+detector::Document start_of(const TuneOptions& options, const std::string& source) {
+  if (!options.config.empty()) return {options.config, base::required_text(options.config)};
+  detector::Document start = detector::default_document(options.plugin);
+  start.text = with_members(start.text, {{"comment", "Proposed by lightmotion tune for " + source}});
+  return start;
 }
 
 // A process can run one plug-in at a time.
@@ -105,19 +105,22 @@ class Tuning {
   Tuning(const TuneOptions& options, const Sample& sample)
       : options_(options),
         sample_(sample),
-        analysed_(options.live.scale.of(sample.info().size)),
-        base_(base_text(options, sample.info().name)),
+        start_(start_of(options, sample.info().name)),
         jobs_(jobs_of(options)) {}
 
   Outcome outcome() {
-    if (!options_.config.empty()) detector::check::check_before_run(options_.config, base_, analysed_);
+    detector::check::check_before_run(
+        start_.name, start_.text,
+        detector::analysed_size(start_.text, sample_.info().size, options_.live.scale));
     Outcome outcome;
+    outcome.own = own_values(start_.text);
+    usual_ = usual_trials(outcome.own);
     outcome.source = sample_.info().name;
     outcome.frames = sample_.frames();
     outcome.length = sample_.length();
     outcome.marks = options_.marks;
     search(outcome, [this](const std::vector<Setting>& settings) { return try_all(settings); });
-    outcome.document = with_members(base_, members_of(outcome.trials[outcome.chosen].setting));
+    outcome.document = with_members(start_.text, members_of(outcome.trials[outcome.chosen].setting));
     return outcome;
   }
 
@@ -125,11 +128,11 @@ class Tuning {
   std::vector<Seen> try_all(const std::vector<Setting>& settings) {
     std::vector<Seen> seen(settings.size());
     const auto work = [&](std::size_t item) {
-      const std::string document = with_members(base_, members_of(settings[item]));
+      const std::string document = with_members(start_.text, members_of(settings[item]));
       seen[item] = try_document(options_.plugin, document, options_.live.scale, sample_);
     };
     const auto done = [this](std::size_t) {
-      show("settings tried: " + std::to_string(++tried_) + " of about " + std::to_string(usual_trials()));
+      show("settings tried: " + std::to_string(++tried_) + " of about " + std::to_string(usual_));
     };
     side_by_side(settings.size(), jobs_, work, done);
     return seen;
@@ -137,9 +140,9 @@ class Tuning {
 
   const TuneOptions& options_;
   const Sample& sample_;
-  cv::Size analysed_;
-  std::string base_;
+  detector::Document start_;
   std::size_t jobs_;
+  std::size_t usual_ = 0;
   std::size_t tried_ = 0;
 };
 

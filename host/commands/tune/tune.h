@@ -13,7 +13,7 @@ namespace lm::host::commands::tune {
 struct TuneOptions {
   std::string source;  // as for run
   Marks marks;
-  std::string config;   // document to start from
+  std::string config;   // document to start from; that of default_document if empty
   std::string output;   // file for the proposed document; standard output if empty
   std::string picture;  // .png
   std::string plugin;

@@ -57,7 +57,8 @@ void add_tune_command(CLI::App& app, std::function<int()>& chosen) {
   add_spans(*command, "--motion", options->marks.motion,
             "Times in seconds between which something moves; can be repeated");
   add("-c,--config", options->config, "FILE",
-      "Configuration (JSON) to start from; its regions and other settings are kept");
+      "Configuration (JSON) to start from; its regions and other settings are kept (default: the preset "
+      "auto)");
   add("-o,--output", options->output, "FILE",
       "Write the proposed configuration to this file instead of standard output");
   add("--picture", options->picture, "FILE", "Write a chart of what each setting found, and when (.png)")

@@ -12,6 +12,8 @@
 #include "config/check/outlines.h"
 #include "config/check/scalars.h"
 #include "config/handle_document.h"
+#include "host/detector/adapt.h"
+#include "host/detector/check/adapt.h"
 #include "host/detector/check/effect.h"
 #include "host/detector/check/lines.h"
 #include "host/detector/check/sizes.h"
@@ -29,8 +31,16 @@ std::optional<lm::check::Coverage> look_at_regions(const lm::check::Outlines& ou
   return lm::check::checkCoverage(outlines, {frame->width, frame->height, 3}, findings);
 }
 
-Verdict verdict_by_handle(const Json::Value& document, const std::string& text,
-                          std::optional<cv::Size> frame) {
+std::vector<std::string> changed_by_the_program(const Json::Value& document) {
+  std::vector<std::string> keys;
+  for (const char* key : {"sensitivity", "peel"}) {
+    if (adapts(document) && !sets(document, key)) keys.emplace_back(key);
+  }
+  return keys;
+}
+
+Verdict verdict_by_handle(const Json::Value& given, const std::string& text, std::optional<cv::Size> frame) {
+  const Json::Value document = adapts(given) ? completed(given) : given;
   KnownFrame known{.format = PixelFormat::bgr, .sizeRequired = frame.has_value()};
   if (frame) {
     known.width = frame->width;
@@ -39,6 +49,7 @@ Verdict verdict_by_handle(const Json::Value& document, const std::string& text,
   HandleReading reading = readHandleDocument(document, text, known);
   if (!reading.configuration) return {std::move(reading.findings), std::nullopt};
   Verdict verdict{std::move(reading.findings), in_effect(*reading.configuration)};
+  verdict.effective->adapts = changed_by_the_program(given);
   Findings more(text);
   check_memory(*verdict.effective, installed_memory(), more);
   const std::vector<Finding> first = more.inOrder();  // on the document as a whole
@@ -68,9 +79,11 @@ Verdict verdict_by_entry_points(const Json::Value& document, std::optional<cv::S
   return {findings.inOrder(), effective};
 }
 
-// Lines, which no detector reads.
-void add_lines(const Json::Value& document, const std::string& text, Verdict& verdict) {
+// Of the keys that no detector reads.
+void add_keys_of_the_program(const Json::Value& document, const std::string& text, Reader reader,
+                             Verdict& verdict) {
   Findings findings(text);
+  check_adapt(document, reader, findings);
   check_lines(document, findings);
   if (findings.anyError()) verdict.effective.reset();
   for (const Finding& finding : findings.inOrder()) verdict.findings.push_back(finding);
@@ -106,7 +119,7 @@ Verdict check_document(const std::string& text, std::optional<cv::Size> frame, R
   Findings findings(text);
   Verdict verdict = reader == Reader::handle ? verdict_by_handle(document, text, frame)
                                              : verdict_by_entry_points(document, frame, findings);
-  add_lines(document, text, verdict);
+  add_keys_of_the_program(document, text, reader, verdict);
   return verdict;
 }
 

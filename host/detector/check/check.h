@@ -25,7 +25,7 @@ struct Effective {
   bool auto_sensitivity = false;   // the minimum component size adapts to the scene
   double life_static_seconds = 0;  // after which still foreground becomes background; infinite: never
   std::int32_t life_static = 0;    // the same in frames, at 30 per second; 0: never
-  bool whole_objects = false;      // boxes around whole components instead of what is left after peeling
+  std::string extent = "core";     // what boxes enclose: what peeling leaves; "full" or "object": more
   int peeled = 3;                  // layers
   double min_box_width = 0;        // as fractions of the frame; a box below both is dropped
   double min_box_height = 0;
@@ -33,6 +33,7 @@ struct Effective {
   cv::Size min_box_pixels{};        // the same in pixels
   std::uint64_t memory = 0;         // bytes of the detector's buffers
   std::optional<double> watched{};  // share of the frame inside the regions, 0 to 1
+  std::vector<std::string> adapts;  // keys whose values are those of the start: the program changes them
 };
 
 struct Verdict {
@@ -41,9 +42,9 @@ struct Verdict {
   bool refused() const;                // whether a finding is an error
 };
 
-// `frame`: the size of the source's frames; otherwise the document's own "frmW" and "frmH", if present.
-// `reader`: detectors by handle, as this program uses them, or the plug-in by its entry points, as other
-// hosts do, with the frame size and, if there is no "roi", the whole frame added.
+// `frame`: the size in which frames are analysed (analysed_size in adapt.h); otherwise the document's own
+// "frmW" and "frmH", if present. `reader`: detectors by handle, as this program uses them, or the plug-in by
+// its entry points, as other hosts do, with the frame size and, if there is no "roi", the whole frame added.
 Verdict check_document(const std::string& text, std::optional<cv::Size> frame,
                        Reader reader = Reader::handle);
 

@@ -30,8 +30,10 @@ Json::Value described(const Effective& effective) {
   object["auto_sensitivity"] = effective.auto_sensitivity;
   object["static_lifetime"] = effective.life_static_seconds;
   object["static_lifetime_frames"] = effective.life_static;
-  object["extent"] = effective.whole_objects ? "full" : "core";
+  object["extent"] = effective.extent;
   object["peel"] = effective.peeled;
+  object["adapts"] = Json::arrayValue;
+  for (const std::string& key : effective.adapts) object["adapts"].append(key);
   object["min_box"]["width"] = effective.min_box_width;
   object["min_box"]["height"] = effective.min_box_height;
   if (effective.frame.empty()) return object;

@@ -49,7 +49,7 @@ Effective in_effect(const HandleConfiguration& configuration) {
       configuration.settings, has_size ? std::optional(cv::Size(frame.frmW, frame.frmH)) : std::nullopt, 0);
   if (has_size) effective.watched = configuration.coverage.share;
   effective.memory += (configuration.coverage.regions.size() + 1) * configuration.coverage.watched.bytes();
-  effective.whole_objects = configuration.wholeComponents;
+  effective.extent = nameOf(configuration.extent);
   effective.peeled = configuration.peeled;
   if (configuration.absorbSeconds > 0) {
     effective.life_static_seconds = configuration.absorbSeconds;

@@ -48,6 +48,13 @@ std::string life(const Effective& effective) {
          " frames at 30 per second";
 }
 
+// "sensitivity, peel".
+std::string list(const std::vector<std::string>& keys) {
+  std::string text;
+  for (const std::string& key : keys) text.append(text.empty() ? "" : ", ").append(key);
+  return text;
+}
+
 using Row = std::pair<const char*, std::string>;
 
 std::vector<Row> rows(const Effective& effective) {
@@ -59,10 +66,13 @@ std::vector<Row> rows(const Effective& effective) {
       {"minimum box size", min_box(effective)},
       {"still objects kept for", life(effective)},
   };
-  if (effective.whole_objects) table.emplace_back("boxes", "around whole objects (extent)");
+  if (effective.extent == "full") table.emplace_back("boxes", "around whole pieces (extent)");
+  if (effective.extent == "object") table.emplace_back("boxes", "around whole objects (extent)");
   if (effective.peeled != kUsuallyPeeled) {
     table.emplace_back("layers peeled", std::to_string(effective.peeled) + " (peel)");
   }
+  if (!effective.adapts.empty())
+    table.emplace_back("chosen while it runs", list(effective.adapts) + " (adapt)");
   if (effective.auto_sensitivity) table.emplace_back("minimum component size", "adapts to the video");
   if (effective.frame.empty()) return table;
   if (effective.watched) table.emplace_back("watched", percent(*effective.watched) + " of the frame");

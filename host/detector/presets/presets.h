@@ -1,4 +1,4 @@
-// Configurations for common scenes, compiled in from the JSON files in this folder.
+// Configurations, compiled in from the JSON files in this folder.
 #pragma once
 
 #include <string>

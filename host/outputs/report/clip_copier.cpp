@@ -51,15 +51,6 @@ class Copy {
     }
   }
 
-  bool fits(const char* container) const {
-    const AVOutputFormat* format = av_guess_format(container, nullptr, nullptr);
-    const auto taken = [&](int stream) {
-      return stream < 0 || avformat_query_codec(format, input_->streams[stream]->codecpar->codec_id,
-                                                FF_COMPLIANCE_NORMAL) == 1;
-    };
-    return format != nullptr && taken(video_) && taken(audio_);
-  }
-
   void begin(const char* container, const std::string& path) {
     AVFormatContext* output = nullptr;
     check(avformat_alloc_output_context2(&output, nullptr, container, ("file:" + path).c_str()));
@@ -195,7 +186,6 @@ const char* container_for_copy(const std::string& file) {
   for (const char* container : {"mp4", "matroska"}) {
     try {
       Copy copy(file);
-      if (!copy.fits(container)) continue;
       copy.begin(container, "");
       copy.write_trial();
       return container;

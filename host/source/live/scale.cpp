@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
-#include <opencv2/imgproc.hpp>
 #include <string_view>
 
 namespace lm::host::source::live {
@@ -42,13 +41,6 @@ std::optional<Scale> parse_scale(const std::string& text) {
   const auto fits = [](std::optional<int> length) { return length && *length > 0 && *length <= kLargest; };
   if (!fits(width) || !fits(height)) return std::nullopt;
   return Scale{1, {*width, *height}, true};
-}
-
-cv::Mat scaled(const cv::Mat& image, cv::Size size) {
-  if (image.size() == size) return image;
-  cv::Mat smaller;
-  cv::resize(image, smaller, size, 0, 0, cv::INTER_AREA);
-  return smaller;
 }
 
 }  // namespace lm::host::source::live

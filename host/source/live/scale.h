@@ -20,8 +20,4 @@ struct Scale {
 // "0.5" or "640x360"; none for any other text, and for a factor above 1.
 std::optional<Scale> parse_scale(const std::string& text);
 
-// The image itself if it has that size; otherwise a smaller one in which each pixel is the mean of the pixels
-// it replaces.
-cv::Mat scaled(const cv::Mat& image, cv::Size size);
-
 }  // namespace lm::host::source::live

@@ -148,7 +148,7 @@ function showPresets(presets) {
     ...presets.map((preset) =>
       element(
         "button",
-        { type: "button", class: "preset", onclick: () => usePreset(preset) },
+        { type: "button", class: "preset", onclick: () => usePreset(preset, presets) },
         element("strong", {}, preset.name),
         element("span", { class: "small" }, preset.about),
       ),
@@ -156,8 +156,8 @@ function showPresets(presets) {
   );
 }
 
-function usePreset(preset) {
-  settings.usePreset(preset);
+function usePreset(preset, presets) {
+  settings.usePreset(preset, presets);
   announce(`The settings of ${preset.name}.`);
 }
 

@@ -86,13 +86,15 @@ export class Settings {
     for (const row of this.#rows) this.#fill(row);
   }
 
-  // The settings of a preset; its regions and comments are not used.
-  usePreset({ name, configuration }) {
+  // The settings of a preset instead of those of any other; its comment is not used.
+  usePreset({ name, configuration }, presets) {
     const preset = JSON.parse(configuration);
+    const keys = new Set(settings.map(({ key }) => key));
+    for (const other of presets) for (const key of Object.keys(JSON.parse(other.configuration))) keys.add(key);
+    keys.delete("comment");
     let { text } = this.#draft;
-    for (const { key } of settings) {
-      const value = presetValue(preset, key);
-      text = value === null ? removeMember(text, key) : setMember(text, key, JSON.stringify(value));
+    for (const key of keys) {
+      text = key in preset ? setMember(text, key, JSON.stringify(preset[key])) : removeMember(text, key);
     }
     this.#draft.change(text, `preset ${name}`);
   }
@@ -178,7 +180,8 @@ export class Settings {
     const { fault, findings, effective } = this.#draft;
     control.disabled = Boolean(fault);
     row.reset.hidden = value === null || Boolean(fault);
-    row.value.textContent = value === null ? "default" : setting.text(value);
+    const chosen = value === null && effective?.adapts.includes(setting.key);
+    row.value.textContent = chosen ? "chosen while it runs" : value === null ? "default" : setting.text(value);
     if (setting.slider) {
       const { unset, toPlace: place = Number } = setting.slider;
       const shown =
@@ -190,7 +193,7 @@ export class Settings {
     }
     if (row.extra) row.extra.firstChild.checked = value === setting.extra.value;
     control.classList.toggle("unset", value === null || value === setting.extra?.value);
-    row.effect.textContent = effective ? setting.effect(effective) : "";
+    row.effect.textContent = effective && !chosen ? setting.effect(effective) : "";
     const list = findingsList(findingsOf(findings, setting.key));
     row.findings.replaceChildren(...(list ? [list] : []));
   }
