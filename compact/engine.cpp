@@ -21,6 +21,8 @@
 namespace lm::compact {
 namespace {
 
+constexpr std::int32_t noisyMatch = 13;  // of sensitivity 3 and below
+
 constexpr std::size_t neighbourSide = 2 * neighbourRadius + 1;
 static_assert(neighbourEntries == neighbourSide * neighbourSide && RecentRows::ahead == neighbourRadius);
 
@@ -233,13 +235,15 @@ std::vector<boxRect> Engine::objectBoxes(const kAMBLE& settings, SmallComponents
     std::size_t& index = indices[whole];
     if (index == 0) {
       const SpannedComponent& spanned = wholes[whole];
-      pieces.push_back({spanned.left, spanned.top, spanned.right + 1, spanned.bottom + 1, false});
+      pieces.push_back(pieceOf(spanned.left, spanned.top, spanned.right + 1, spanned.bottom + 1, false));
       index = pieces.size();
     }
     if (isLarge(settings, core.component, small)) pieces[index - 1].strong = true;
   }
   std::vector<boxRect> found;
-  for (const Piece& object : grouped(pieces, std::max(shape_.width, shape_.height))) {
+  // Noise needs less sensitivity, and then objects fall into more pieces.
+  const double fill = settings.thrMatch >= noisyMatch ? 0.2 : 0.4;
+  for (const Piece& object : grouped(pieces, {std::max(shape_.width, shape_.height), fill})) {
     found.push_back({static_cast<float>(object.left),
                      static_cast<float>(object.top),
                      static_cast<float>(object.right - object.left),

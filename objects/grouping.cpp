@@ -7,13 +7,13 @@ namespace {
 
 constexpr std::int32_t touching = 2;  // pixels
 
-std::int64_t area(const Piece& piece) {
-  return std::int64_t{piece.right - piece.left} * (piece.bottom - piece.top);
-}
+std::int32_t width(const Piece& piece) { return piece.right - piece.left; }
+std::int32_t height(const Piece& piece) { return piece.bottom - piece.top; }
+std::int64_t area(const Piece& piece) { return std::int64_t{width(piece)} * height(piece); }
 
 Piece around(const Piece& a, const Piece& b) {
-  return {std::min(a.left, b.left), std::min(a.top, b.top), std::max(a.right, b.right),
-          std::max(a.bottom, b.bottom), a.strong || b.strong};
+  return {std::min(a.left, b.left),     std::min(a.top, b.top), std::max(a.right, b.right),
+          std::max(a.bottom, b.bottom), a.strong || b.strong,   a.covered + b.covered};
 }
 
 // Two spans on an axis: what they share, negative for a gap, and the longer and the shorter length.
@@ -29,12 +29,27 @@ struct Axis {
   bool isShared() const { return 2 * shared >= shorter; }
 };
 
+bool areNear(const Piece& a, const Piece& b, bool small, std::int32_t longerSide) {
+  const Axis across(a.left, a.right, b.left, b.right);
+  const Axis down(a.top, a.bottom, b.top, b.bottom);
+  const std::int32_t gap = std::max(across.gap(), down.gap());
+  if (gap <= touching) return true;
+  const Piece& speck = a.strong ? b : a;
+  if (!speck.strong && gap > std::max(width(speck), height(speck))) return false;
+  if (across.isShared()) {
+    const Piece& wider = width(a) >= width(b) ? a : b;
+    const bool lying = 2 * width(wider) > 3 * height(wider);
+    return (lying ? 2 * gap <= across.shorter : gap <= 2 * across.longer) && 8 * gap <= longerSide;
+  }
+  return small && down.isShared() && gap <= across.shorter && 32 * gap <= longerSide;
+}
+
 // Joins the strong pieces that belong together, until none do.
-void joinStrong(std::vector<Piece>& strong, std::int32_t longerSide) {
+void joinStrong(std::vector<Piece>& strong, const GroupRule& rule) {
   for (std::size_t i = 0; i < strong.size();) {
     const auto partner =
         std::find_if(strong.begin() + static_cast<std::ptrdiff_t>(i) + 1, strong.end(),
-                     [&](const Piece& other) { return belongTogether(strong[i], other, longerSide); });
+                     [&](const Piece& other) { return belongTogether(strong[i], other, rule); });
     if (partner == strong.end()) {
       ++i;
       continue;
@@ -46,11 +61,11 @@ void joinStrong(std::vector<Piece>& strong, std::int32_t longerSide) {
 }
 
 // Gives weak pieces to the first strong one each belongs to; returns whether there was any.
-bool takeWeak(std::vector<Piece>& strong, std::vector<Piece>& weak, std::int32_t longerSide) {
+bool takeWeak(std::vector<Piece>& strong, std::vector<Piece>& weak, const GroupRule& rule) {
   const std::size_t before = weak.size();
   std::erase_if(weak, [&](const Piece& piece) {
     const auto owner = std::find_if(strong.begin(), strong.end(), [&](const Piece& candidate) {
-      return belongTogether(candidate, piece, longerSide);
+      return belongTogether(candidate, piece, rule);
     });
     if (owner == strong.end()) return false;
     *owner = around(*owner, piece);
@@ -61,25 +76,24 @@ bool takeWeak(std::vector<Piece>& strong, std::vector<Piece>& weak, std::int32_t
 
 }  // namespace
 
-bool belongTogether(const Piece& a, const Piece& b, std::int32_t longerSide) {
-  const Axis across(a.left, a.right, b.left, b.right);
-  const Axis down(a.top, a.bottom, b.top, b.bottom);
-  const std::int32_t gap = std::max(across.gap(), down.gap());
-  if (gap <= touching) return true;
-  const Piece& speck = a.strong ? b : a;
-  const bool weak = !speck.strong;
-  if (weak && gap > std::max(speck.right - speck.left, speck.bottom - speck.top)) return false;
-  if (across.isShared()) return 2 * gap <= 3 * across.longer && 8 * gap <= longerSide;
-  const bool small = weak || 4 * std::min(area(a), area(b)) <= std::max(area(a), area(b));
-  return small && down.isShared() && gap <= across.shorter && 32 * gap <= longerSide;
+Piece pieceOf(std::int32_t left, std::int32_t top, std::int32_t right, std::int32_t bottom, bool strong) {
+  return {left, top, right, bottom, strong, std::int64_t{right - left} * (bottom - top)};
 }
 
-std::vector<Piece> grouped(const std::vector<Piece>& pieces, std::int32_t longerSide) {
+bool belongTogether(const Piece& a, const Piece& b, const GroupRule& rule) {
+  const bool small = !a.strong || !b.strong || 4 * std::min(area(a), area(b)) <= std::max(area(a), area(b));
+  if (!areNear(a, b, small, rule.longerSide)) return false;
+  const Piece both = around(a, b);
+  const double least = small ? rule.fill : 1.5 * rule.fill;
+  return static_cast<double>(both.covered) >= least * static_cast<double>(area(both));
+}
+
+std::vector<Piece> grouped(const std::vector<Piece>& pieces, const GroupRule& rule) {
   std::vector<Piece> strong, weak;
   for (const Piece& piece : pieces) (piece.strong ? strong : weak).push_back(piece);
   do {
-    joinStrong(strong, longerSide);
-  } while (takeWeak(strong, weak, longerSide));
+    joinStrong(strong, rule);
+  } while (takeWeak(strong, weak, rule));
   return strong;
 }
 

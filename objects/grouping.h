@@ -9,23 +9,35 @@
 namespace lm {
 
 // Columns [left, right) and rows [top, bottom). `strong`: enough of it survives peeling for a box of its own.
+// `covered`: the sum of the areas of the boxes of its components.
 struct Piece {
   std::int32_t left, top, right, bottom;
   bool strong;
+  std::int64_t covered;
 };
 
-// Whether two pieces belong to one object. `longerSide`: of the frame. Either
+Piece pieceOf(std::int32_t left, std::int32_t top, std::int32_t right, std::int32_t bottom, bool strong);
+
+// `fill`: the least share of a joined box that its components' boxes cover, 1.5 times as much if neither
+// piece is small. Without it, one thing after the other is joined where many are near each other.
+struct GroupRule {
+  std::int32_t longerSide;  // of the frame
+  double fill;
+};
+
+// Whether two pieces belong to one object: together they are filled enough, and either
 // - they touch, or are at most 2 pixels apart, or
-// - one is above the other: at least half of the narrower one's width is shared, and the gap is at most 1.5
-//   times the wider one's width and 1/8 of the longer side, or
-// - a small one is beside a large one: at least half of the lower one's height is shared, and the gap is at
-//   most the narrower one's width and 1/32 of the longer side. Small is what has no box of its own,
-//   and what has at most a quarter of the other's area.
-// A piece without a box of its own is at most its own longer side away.
-bool belongTogether(const Piece& a, const Piece& b, std::int32_t longerSide);
+// - one is above the other: they share at least half of the narrower one's width, and the gap is at most
+//   twice the wider one's width and 1/8 of the longer side; if the wider one is more than 1.5 times as wide
+//   as high, as vehicles are with people behind them, at most half of the narrower one's width. Or
+// - a small one is beside a large one: they share at least half of the lower one's height, and the gap is at
+//   most the narrower one's width and 1/32 of the longer side. Small is what is weak, and what has at most a
+//   quarter of the other's area.
+// The gap of a weak piece is at most its own longer side.
+bool belongTogether(const Piece& a, const Piece& b, const GroupRule& rule);
 
 // The objects: strong pieces, which take in what belongs to them until nothing more does. Weak pieces that
 // belong to none are left out.
-std::vector<Piece> grouped(const std::vector<Piece>& pieces, std::int32_t longerSide);
+std::vector<Piece> grouped(const std::vector<Piece>& pieces, const GroupRule& rule);
 
 }  // namespace lm

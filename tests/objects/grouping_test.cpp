@@ -1,5 +1,5 @@
-// From pieces to objects. The frame's longer side is 640 pixels unless a test says otherwise: 80 pixels are
-// 1/8 of it and 20 are 1/32.
+// From pieces to objects. The frame's longer side is 640 pixels unless a test says otherwise, and they
+// need not fill anything: 80 pixels are 1/8 of it and 20 are 1/32.
 #include "objects/grouping.h"
 
 #include <gtest/gtest.h>
@@ -12,32 +12,38 @@ namespace lm {
 
 bool operator==(const Piece& a, const Piece& b) {
   return a.left == b.left && a.top == b.top && a.right == b.right && a.bottom == b.bottom &&
-         a.strong == b.strong;
+         a.strong == b.strong && a.covered == b.covered;
 }
 
 void PrintTo(const Piece& piece, std::ostream* out) {
   *out << piece.left << ".." << piece.right << " x " << piece.top << ".." << piece.bottom
-       << (piece.strong ? "" : " weak");
+       << (piece.strong ? "" : " weak") << ", " << piece.covered;
 }
 
 namespace test {
 namespace {
 
-constexpr std::int32_t side = 640;
+constexpr GroupRule side{640, 0};
 using Pieces = std::vector<Piece>;
 
 Piece strong(std::int32_t x, std::int32_t y, std::int32_t width, std::int32_t height) {
-  return {x, y, x + width, y + height, true};
+  return pieceOf(x, y, x + width, y + height, true);
 }
 
 Piece weak(std::int32_t x, std::int32_t y, std::int32_t width, std::int32_t height) {
-  return {x, y, x + width, y + height, false};
+  return pieceOf(x, y, x + width, y + height, false);
+}
+
+Piece joined(std::int32_t x, std::int32_t y, std::int32_t width, std::int32_t height, std::int64_t covered) {
+  Piece piece = strong(x, y, width, height);
+  piece.covered = covered;
+  return piece;
 }
 
 // Either way round.
-bool together(const Piece& a, const Piece& b, std::int32_t longerSide = side) {
-  const bool answer = belongTogether(a, b, longerSide);
-  EXPECT_EQ(belongTogether(b, a, longerSide), answer);
+bool together(const Piece& a, const Piece& b, const GroupRule& rule = side) {
+  const bool answer = belongTogether(a, b, rule);
+  EXPECT_EQ(belongTogether(b, a, rule), answer);
   return answer;
 }
 
@@ -53,13 +59,20 @@ TEST(Grouping, TwoPixelsApartTouch) {
   EXPECT_TRUE(together(body, strong(105, 210, 5, 5))) << "inside";
 }
 
-// The gap reaches 1.5 times the wider one's width: 30 pixels.
+// The gap reaches twice the wider one's width: 40 pixels.
 TEST(Grouping, PiecesAboveEachOtherAreOne) {
-  EXPECT_TRUE(together(body, strong(100, 260, 20, 30)));
-  EXPECT_FALSE(together(body, strong(100, 261, 20, 30)));
-  EXPECT_TRUE(together(body, strong(105, 150, 10, 20))) << "a head, 30 pixels above";
-  EXPECT_FALSE(together(body, strong(105, 149, 10, 20)));
-  EXPECT_TRUE(together(body, strong(90, 290, 40, 30))) << "the wider one counts";
+  EXPECT_TRUE(together(body, strong(100, 270, 20, 30)));
+  EXPECT_FALSE(together(body, strong(100, 271, 20, 30)));
+  EXPECT_TRUE(together(body, strong(105, 140, 10, 20))) << "a head, 40 pixels above";
+  EXPECT_FALSE(together(body, strong(105, 139, 10, 20)));
+  EXPECT_TRUE(together(body, strong(90, 300, 40, 30))) << "the wider one counts";
+}
+
+// A car of 120 x 80 is not wide enough, one of 121 x 80 is. Half of the narrower one are 10 pixels.
+TEST(Grouping, PeopleBehindVehiclesStayApart) {
+  EXPECT_TRUE(together(body, strong(60, 241, 120, 80)));
+  EXPECT_FALSE(together(body, strong(60, 241, 121, 80)));
+  EXPECT_TRUE(together(body, strong(60, 240, 121, 80)));
 }
 
 TEST(Grouping, PiecesAboveEachOtherShareHalfOfTheNarrowerOne) {
@@ -69,12 +82,12 @@ TEST(Grouping, PiecesAboveEachOtherShareHalfOfTheNarrowerOne) {
   EXPECT_FALSE(together(body, strong(94, 240, 10, 30)));
 }
 
-// 1.5 times 100 would be 150.
+// Twice 100 would be 200.
 TEST(Grouping, NoGapIsLargerThanAnEighthOfTheFrame) {
-  const Piece lorry = strong(100, 100, 100, 60);
-  EXPECT_TRUE(together(lorry, strong(100, 240, 100, 60)));
-  EXPECT_FALSE(together(lorry, strong(100, 241, 100, 60)));
-  EXPECT_TRUE(together(lorry, strong(100, 241, 100, 60), 648));
+  const Piece lorry = strong(100, 100, 100, 80);
+  EXPECT_TRUE(together(lorry, strong(100, 260, 100, 80)));
+  EXPECT_FALSE(together(lorry, strong(100, 261, 100, 80)));
+  EXPECT_TRUE(together(lorry, strong(100, 261, 100, 80), {648, 0}));
 }
 
 TEST(Grouping, PeopleSideBySideAreTwo) { EXPECT_FALSE(together(body, strong(124, 200, 20, 30))); }
@@ -102,17 +115,29 @@ TEST(Grouping, WhatIsBesideIsAtMostA32ndOfTheFrameAway) {
   EXPECT_FALSE(together(bus, strong(321, 120, 50, 50)));
 }
 
-// A speck of 4 x 6 reaches 6 pixels; a strong piece of the same size would reach 30.
+// A speck of 4 x 6 reaches 6 pixels; a strong piece of the same size would reach 40.
 TEST(Grouping, SpecksReachAsFarAsTheirLongerSide) {
   EXPECT_TRUE(together(body, weak(110, 236, 4, 6)));
   EXPECT_FALSE(together(body, weak(110, 237, 4, 6)));
   EXPECT_TRUE(together(body, strong(110, 237, 4, 6)));
 }
 
+// Two bodies with a gap of 10: 1200 of 1400 pixels, which is 0.857. With a small one, 650 of 900: 0.722.
+TEST(Grouping, WhatIsTogetherIsFilledEnough) {
+  const Piece legs = strong(100, 240, 20, 30);
+  EXPECT_TRUE(together(body, legs, {640, 0.571}));
+  EXPECT_FALSE(together(body, legs, {640, 0.572})) << "1.5 times as much";
+  const Piece foot = strong(100, 240, 10, 5);
+  EXPECT_TRUE(together(body, foot, {640, 0.722}));
+  EXPECT_FALSE(together(body, foot, {640, 0.723}));
+  EXPECT_TRUE(together(body, strong(120, 230, 20, 30), {640, 0.33})) << "corners that touch: 1200 of 2400";
+  EXPECT_FALSE(together(body, strong(120, 230, 20, 30), {640, 0.34}));
+}
+
 // ---- objects ----------------------------------------------------------------------------------------------
 
 TEST(Grouped, EnclosesThePiecesOfAnObject) {
-  EXPECT_EQ(grouped({strong(105, 150, 10, 20), body}, side), Pieces{strong(100, 150, 20, 80)});
+  EXPECT_EQ(grouped({strong(105, 150, 10, 20), body}, side), Pieces{joined(100, 150, 20, 80, 200 + 600)});
 }
 
 TEST(Grouped, LeavesOutWeakPiecesAlone) {
@@ -124,25 +149,37 @@ TEST(Grouped, LeavesOutWeakPiecesAlone) {
 // Each speck is within reach of what the object is after the one before: 230 + 6 + 6 + 6 + 6.
 TEST(Grouped, GrowsFromSpeckToSpeck) {
   EXPECT_EQ(grouped({body, weak(105, 248, 6, 6), weak(105, 236, 6, 6)}, side),
-            Pieces{strong(100, 200, 20, 54)});
+            Pieces{joined(100, 200, 20, 54, 600 + 36 + 36)});
 }
 
-// The legs are 40 pixels away; 5 less from the speck, which leaves 30.
+// The legs are 41 pixels away, which the speck makes 31.
 TEST(Grouped, SpecksBridgeGaps) {
-  const Piece legs = strong(100, 270, 20, 30);
+  const Piece legs = strong(100, 271, 20, 30);
   EXPECT_EQ(grouped({body, legs}, side), (Pieces{body, legs}));
-  EXPECT_EQ(grouped({body, weak(105, 234, 6, 6), legs}, side), Pieces{strong(100, 200, 20, 100)});
+  EXPECT_EQ(grouped({body, weak(105, 234, 6, 6), legs}, side),
+            Pieces{joined(100, 200, 20, 101, 600 + 36 + 600)});
 }
 
 // The first two are one after the third has joined the second.
 TEST(Grouped, JoinsUntilNothingBelongsTogether) {
   const Piece arm = strong(131, 200, 8, 12);
-  EXPECT_EQ(grouped({body, arm, strong(122, 205, 10, 15)}, side), Pieces{strong(100, 200, 39, 30)});
+  EXPECT_EQ(grouped({body, arm, strong(122, 205, 10, 15)}, side),
+            Pieces{joined(100, 200, 39, 30, 600 + 96 + 150)});
+}
+
+// The third car is as near to the second as that to the first, but the three fill too little.
+TEST(Grouped, EndsWhereTooLittleIsFilled) {
+  const Piece first = strong(100, 100, 40, 40), second = strong(110, 180, 40, 40),
+              third = strong(130, 260, 40, 40);
+  EXPECT_EQ(grouped({first, second}, {640, 0.3}), Pieces{joined(100, 100, 50, 120, 3200)});
+  EXPECT_EQ(grouped({first, second, third}, {640, 0.3}).size(), 2U);
+  EXPECT_EQ(grouped({first, second, third}, side).size(), 1U);
 }
 
 TEST(Grouped, KeepsTheOrderOfThePieces) {
   const Piece other = strong(300, 100, 20, 30);
-  EXPECT_EQ(grouped({other, body, weak(105, 236, 6, 6)}, side), (Pieces{other, strong(100, 200, 20, 42)}));
+  EXPECT_EQ(grouped({other, body, weak(105, 236, 6, 6)}, side),
+            (Pieces{other, joined(100, 200, 20, 42, 600 + 36)}));
 }
 
 }  // namespace
