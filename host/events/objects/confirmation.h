@@ -23,16 +23,14 @@ enum class Standing {
 
 // An object moves, steadily and by a part of its size; clutter comes and goes, flutters in its place, or
 // jumps.
-//   - Where there was no clutter of late, what appears is likely an object, and confirmed when it has moved,
-//   or
-//     has stayed for some time.
-//   - Where there was, it must move farther and more steadily, and counts only while it does, until it comes
-//   to
-//     a place without clutter. In rain and snow it must be clearly larger than most of what falls.
-//   - In the first seconds nothing is known about the scene: only what moves counts, and what keeps still is
-//     taken for clutter.
-//   - What is confirmed stays so, however still it is. What vanished, or stayed in its place among clutter,
-//     without being confirmed was clutter, which ClutterMap remembers.
+//  - Where there was no clutter of late, what appears is likely an object, and confirmed when it has moved or
+//    has stayed for some time.
+//  - Where there was, it must move farther and more steadily, and counts only while it does, until it comes
+//    to a place without clutter. In rain and snow it must be clearly larger than most of what falls.
+//  - In the first seconds nothing is known about the scene: only what moves counts, and what keeps still is
+//    taken for clutter.
+//  - What is confirmed stays so, however still it is. What vanished, or stayed in its place among clutter,
+//    without being confirmed was clutter, which ClutterMap remembers.
 class Confirmation {
  public:
   // `aspect`: the frame's width by its height. `memory`: how long the tracker remembers an object.
