@@ -239,8 +239,8 @@ Candidate unmarked(std::int64_t quiet, std::int64_t kept, double far = 1) {
 
 TEST(TuneChoice, StaysAtTheStartOnATie) {
   EXPECT_EQ(choose({marked(3, 2, 80), marked(3, 2, 80)}, kMarks), 0U);
-  EXPECT_EQ(choose({unmarked(3, 80), unmarked(3, 80)}, kProved), 0U);
-  EXPECT_EQ(choose({unmarked(3, 80)}, kProved), 0U);
+  EXPECT_EQ(choose({unmarked(6, 80), unmarked(6, 80)}, kProved), 0U);
+  EXPECT_EQ(choose({unmarked(6, 80)}, kProved), 0U);
 }
 
 TEST(TuneChoice, TakesWhatHasFewerBoxesInQuietSpans) {
@@ -248,9 +248,11 @@ TEST(TuneChoice, TakesWhatHasFewerBoxesInQuietSpans) {
   EXPECT_EQ(choose({marked(3, 2, 80), marked(2, 2, 80)}, kMarks), 1U);
 }
 
-TEST(TuneChoice, ChangesTheStartForAtLeastHalfOfTheBoxesInProvedQuiet) {
-  EXPECT_EQ(choose({unmarked(5, 80), unmarked(3, 80)}, kProved), 0U);
-  EXPECT_EQ(choose({unmarked(5, 80), unmarked(2, 80), unmarked(1, 80)}, kProved), 2U);
+TEST(TuneChoice, ChangesTheStartForHalfOfTheBoxesInProvedQuietAndForFiveFrames) {
+  EXPECT_EQ(choose({unmarked(20, 80), unmarked(11, 80)}, kProved), 0U);
+  EXPECT_EQ(choose({unmarked(20, 80), unmarked(10, 80)}, kProved), 1U);
+  EXPECT_EQ(choose({unmarked(4, 80), unmarked(0, 80)}, kProved), 0U);
+  EXPECT_EQ(choose({unmarked(5, 80), unmarked(0, 80)}, kProved), 1U);
 }
 
 TEST(TuneChoice, LosesNoMarkedSpanAndAtMostATwentiethOfItsFrames) {
@@ -260,8 +262,8 @@ TEST(TuneChoice, LosesNoMarkedSpanAndAtMostATwentiethOfItsFrames) {
 }
 
 TEST(TuneChoice, LosesAtMostAHundredthOfTheBoxesAroundWhatMoves) {
-  EXPECT_EQ(choose({unmarked(3, 200), unmarked(0, 197)}, kProved), 0U);
-  EXPECT_EQ(choose({unmarked(3, 200), unmarked(0, 198)}, kProved), 1U);
+  EXPECT_EQ(choose({unmarked(6, 200), unmarked(0, 197)}, kProved), 0U);
+  EXPECT_EQ(choose({unmarked(6, 200), unmarked(0, 198)}, kProved), 1U);
 }
 
 TEST(TuneChoice, TakesWhatFindsMoreOfMarkedMotionAndIsAsQuiet) {
@@ -269,7 +271,7 @@ TEST(TuneChoice, TakesWhatFindsMoreOfMarkedMotionAndIsAsQuiet) {
   EXPECT_EQ(choose({marked(3, 1, 80), marked(4, 2, 80)}, kMarks), 0U) << "less quiet";
   EXPECT_EQ(choose({marked(3, 2, 95), marked(3, 2, 100)}, kMarks), 0U) << "a twentieth more is a tie";
   EXPECT_EQ(choose({marked(3, 2, 94), marked(3, 2, 100)}, kMarks), 1U);
-  EXPECT_EQ(choose({unmarked(3, 80), unmarked(3, 120)}, kProved), 0U) << "more boxes prove nothing";
+  EXPECT_EQ(choose({unmarked(6, 80), unmarked(6, 120)}, kProved), 0U) << "more boxes prove nothing";
 }
 
 TEST(TuneChoice, DoesNotStayWithWhatFindsNothingOfMarkedMotion) {
@@ -283,7 +285,7 @@ TEST(TuneChoice, OfTheQuietestTakesTheOneThatFindsMost) {
 
 TEST(TuneChoice, OfEqualsTakesTheNearestToTheStart) {
   EXPECT_EQ(choose({marked(3, 2, 80), marked(0, 2, 100, 2), marked(0, 2, 95, 1)}, kMarks), 2U);
-  EXPECT_EQ(choose({unmarked(3, 80), unmarked(0, 80, 2), unmarked(0, 80, 1)}, kProved), 2U);
+  EXPECT_EQ(choose({unmarked(6, 80), unmarked(0, 80, 2), unmarked(0, 80, 1)}, kProved), 2U);
 }
 
 TEST(TuneWhy, ComparesWithTheStart) {
@@ -294,7 +296,7 @@ TEST(TuneWhy, ComparesWithTheStart) {
             "80 of their frames; the start finds 1, in 40. Of the settings with equal results, it is the "
             "nearest to "
             "the start.");
-  EXPECT_NE(why({unmarked(3, 200), unmarked(0, 199)}, 1, kProved)
+  EXPECT_NE(why({unmarked(6, 200), unmarked(0, 199)}, 1, kProved)
                 .find("It keeps 99.5 % of the boxes around what moves"),
             std::string::npos);
 }
@@ -304,7 +306,7 @@ TEST(TuneWhy, StatesWhyTheStartIsKept) {
   EXPECT_NE(
       kept(marked(0, 2, 80), kMarks).find("is kept: it has no boxes in the quiet spans. It finds 2 of 2"),
       std::string::npos);
-  EXPECT_NE(kept(unmarked(3, 80), kProved).find("boxes in 3 frames of the quiet spans, and no setting"),
+  EXPECT_NE(kept(unmarked(6, 80), kProved).find("boxes in 6 frames of the quiet spans, and no setting"),
             std::string::npos);
   const Marks nothing{.quiet = {}, .motion = {}, .quiet_assumed = true, .motion_assumed = true};
   EXPECT_NE(kept(unmarked(0, 0), nothing).find("no part of the sample is known to be quiet"),
@@ -313,7 +315,7 @@ TEST(TuneWhy, StatesWhyTheStartIsKept) {
 }
 
 TEST(TuneWhy, WarnsWhenTheSensitivityNoLongerFollowsTheNoise) {
-  std::vector<Candidate> all{unmarked(3, 80), unmarked(0, 80)};
+  std::vector<Candidate> all{unmarked(6, 80), unmarked(0, 80)};
   all[1].setting.sensitivity = 2;
   EXPECT_EQ(why(all, 1, kProved).find("noise"), std::string::npos);
   EXPECT_NE(why(all, 1, kProved, true).find("no longer follows the noise"), std::string::npos);
@@ -356,13 +358,13 @@ TEST(TuneSearch, StaysAtTheStartUnlessOneChangeHelps) {
 }
 
 TEST(TuneSearch, ContinuesAroundTheBest) {
-  // The same, but each change removes two boxes by itself.
+  // Eight boxes in quiet spans: one change removes five of them, the other three.
   const Outcome outcome = searched([](const Setting& setting) {
     Seen result = imagined({1, {}, std::max<std::size_t>(4, setting.min_box.value_or(4))});
     const bool low = setting.sensitivity.value_or(4) <= 2;
     const bool large = setting.min_box.value_or(2) >= 4;
-    for (std::size_t i = 0; i < 4; ++i) {
-      if (!(i < 2 ? low : large)) result.looks[i].boxes.push_back({kBox, 9, {}});
+    for (const std::size_t i : {0U, 1U, 2U, 3U, 12U, 13U, 14U, 15U}) {
+      if (!(i < 13 ? low : large)) result.looks[i].boxes.push_back({kBox, 9, {}});
     }
     return result;
   });

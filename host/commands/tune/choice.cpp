@@ -9,6 +9,8 @@ namespace {
 
 using Places = std::vector<std::size_t>;
 
+constexpr std::int64_t kSome = 5;  // frames; fewer are an accident
+
 bool finds_as_much(const Figures& figures, const Figures& start, const Marks& marks) {
   if (marks.motion_assumed) return 100 * figures.kept >= 99 * start.kept;
   return figures.found >= start.found && 20 * figures.motion_frames >= 19 * start.motion_frames;
@@ -18,8 +20,8 @@ bool is_better(const Figures& figures, const Figures& start, const Marks& marks)
   if (!marks.motion_assumed && start.found == 0 && figures.found > 0) return true;
   if (!finds_as_much(figures, start, marks)) return false;
   if (figures.quiet_frames != start.quiet_frames) {
-    const int share = marks.quiet_assumed ? 2 : 1;
-    return share * figures.quiet_frames <= start.quiet_frames;
+    const std::int64_t fewer = start.quiet_frames - figures.quiet_frames;
+    return marks.quiet_assumed ? fewer >= std::max(figures.quiet_frames, kSome) : fewer > 0;
   }
   return !marks.motion_assumed &&
          (figures.found > start.found || 19 * figures.motion_frames > 20 * start.motion_frames);
@@ -64,7 +66,7 @@ std::string why_start(const Figures& start, const Marks& marks) {
   } else {
     text += "it has boxes in " + frames_text(start.quiet_frames) +
             " of the quiet spans, and no setting that finds as much has " +
-            (marks.quiet_assumed ? "half as many." : "fewer.");
+            (marks.quiet_assumed ? "clearly fewer." : "fewer.");
   }
   if (!marks.motion_assumed) text += ' ' + motion_text(start, start, marks) + '.';
   if (!marked) text += " To choose by more than this, mark spans with --quiet and --motion.";
