@@ -242,7 +242,7 @@ std::vector<boxRect> Engine::objectBoxes(const kAMBLE& settings, SmallComponents
   }
   std::vector<boxRect> found;
   // Noise needs less sensitivity, and then objects fall into more pieces.
-  const double fill = settings.thrMatch >= noisyMatch ? 0.2 : 0.4;
+  const double fill = settings.thrMatch >= noisyMatch ? 0.15 : 0.3;
   for (const Piece& object : grouped(pieces, {std::max(shape_.width, shape_.height), fill})) {
     found.push_back({static_cast<float>(object.left),
                      static_cast<float>(object.top),

@@ -84,7 +84,7 @@ bool belongTogether(const Piece& a, const Piece& b, const GroupRule& rule) {
   const bool small = !a.strong || !b.strong || 4 * std::min(area(a), area(b)) <= std::max(area(a), area(b));
   if (!areNear(a, b, small, rule.longerSide)) return false;
   const Piece both = around(a, b);
-  const double least = small ? rule.fill : 1.5 * rule.fill;
+  const double least = small ? rule.fill : 2 * rule.fill;
   return static_cast<double>(both.covered) >= least * static_cast<double>(area(both));
 }
 

@@ -18,7 +18,7 @@ struct Piece {
 
 Piece pieceOf(std::int32_t left, std::int32_t top, std::int32_t right, std::int32_t bottom, bool strong);
 
-// `fill`: the least share of a joined box that its components' boxes cover, 1.5 times as much if neither
+// `fill`: the least share of a joined box that its components' boxes cover, twice as much if neither
 // piece is small. Without it, one thing after the other is joined where many are near each other.
 struct GroupRule {
   std::int32_t longerSide;  // of the frame

@@ -121,7 +121,7 @@ bool related(const Thing& a, const Thing& b, double fill) {
   const bool small = !a.strong || !b.strong || ratio <= 0.25 || ratio >= 4;
   Thing both = a;
   both.add(b);
-  return isNear(a, b, small) && both.covered >= both.wide() * both.high() * fill * (small ? 1 : 1.5);
+  return isNear(a, b, small) && both.covered >= both.wide() * both.high() * fill * (small ? 1 : 2);
 }
 
 // Merges the first two that are related, again and again.
@@ -205,7 +205,7 @@ TEST(ObjectExtent, IsWhatAPlainModelGives) {
     feed(detector, picture(shape, 80, {}), 40);
     const std::string text = feed(detector, picture(shape, 80, anyBlocks(numbers)), 80);
     const std::vector<std::uint8_t> foreground = foregroundOf(detector);
-    const std::string wanted = expected(foreground, layers, sensitivity <= 3 ? 0.2 : 0.4);
+    const std::string wanted = expected(foreground, layers, sensitivity <= 3 ? 0.15 : 0.3);
     ASSERT_EQ(text.substr(0, text.find('{')), wanted) << "round " << round;
     const auto count = static_cast<std::size_t>(std::count(wanted.begin(), wanted.end(), ';'));
     boxes += count;

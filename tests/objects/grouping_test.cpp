@@ -125,13 +125,13 @@ TEST(Grouping, SpecksReachAsFarAsTheirLongerSide) {
 // Two bodies with a gap of 10: 1200 of 1400 pixels, which is 0.857. With a small one, 650 of 900: 0.722.
 TEST(Grouping, WhatIsTogetherIsFilledEnough) {
   const Piece legs = strong(100, 240, 20, 30);
-  EXPECT_TRUE(together(body, legs, {640, 0.571}));
-  EXPECT_FALSE(together(body, legs, {640, 0.572})) << "1.5 times as much";
+  EXPECT_TRUE(together(body, legs, {640, 0.428}));
+  EXPECT_FALSE(together(body, legs, {640, 0.429})) << "twice as much";
   const Piece foot = strong(100, 240, 10, 5);
   EXPECT_TRUE(together(body, foot, {640, 0.722}));
   EXPECT_FALSE(together(body, foot, {640, 0.723}));
-  EXPECT_TRUE(together(body, strong(120, 230, 20, 30), {640, 0.33})) << "corners that touch: 1200 of 2400";
-  EXPECT_FALSE(together(body, strong(120, 230, 20, 30), {640, 0.34}));
+  EXPECT_TRUE(together(body, strong(120, 230, 20, 30), {640, 0.25})) << "corners that touch: 1200 of 2400";
+  EXPECT_FALSE(together(body, strong(120, 230, 20, 30), {640, 0.26}));
 }
 
 // ---- objects ----------------------------------------------------------------------------------------------
@@ -171,8 +171,8 @@ TEST(Grouped, JoinsUntilNothingBelongsTogether) {
 TEST(Grouped, EndsWhereTooLittleIsFilled) {
   const Piece first = strong(100, 100, 40, 40), second = strong(110, 180, 40, 40),
               third = strong(130, 260, 40, 40);
-  EXPECT_EQ(grouped({first, second}, {640, 0.3}), Pieces{joined(100, 100, 50, 120, 3200)});
-  EXPECT_EQ(grouped({first, second, third}, {640, 0.3}).size(), 2U);
+  EXPECT_EQ(grouped({first, second}, {640, 0.25}), Pieces{joined(100, 100, 50, 120, 3200)});
+  EXPECT_EQ(grouped({first, second, third}, {640, 0.25}).size(), 2U);
   EXPECT_EQ(grouped({first, second, third}, side).size(), 1U);
 }
 
