@@ -9,13 +9,17 @@ from ..result import Box, Result, events_of
 # Settings in the order of the search; the first is OpenCV's default. Area: share of the frame.
 AREAS = (0.001, 0.0003, 0.004)
 GRIDS = {
-    "mog2": [{"history": history, "varThreshold": threshold} for threshold in (16, 36, 64) for history in (500, 2000)],
-    "knn": [{"history": history, "dist2Threshold": threshold} for threshold in (400, 900, 1800) for history in (500, 2000)],
+    "mog2": [{"history": history, "varThreshold": threshold} for threshold in (16, 4, 9, 36) for history in (500, 2000)],
+    "knn": [{"history": history, "dist2Threshold": threshold} for threshold in (400, 100, 200, 900) for history in (500, 2000)],
     "cnt": [{"minPixelStability": low, "maxPixelStability": high} for low, high in
-            ((15, 900), (15, 3600), (30, 900), (60, 3600))],
+            ((15, 900), (15, 3600), (2, 900), (4, 900), (8, 900), (30, 900))],
 }
-# What bench/quality/search found best: peer to (settings, area). Not searched yet.
-BEST = {}
+# What bench/quality/search found best: peer to (settings, area), to be entered here.
+BEST = {
+    "mog2": ({"history": 500, "varThreshold": 4}, 0.004),
+    "knn": ({"history": 500, "dist2Threshold": 200}, 0.001),
+    "cnt": ({"minPixelStability": 2, "maxPixelStability": 900}, 0.001),
+}
 
 
 def make(kind, settings):
@@ -92,7 +96,5 @@ def run_all(kind, settings, areas, video, with_masks=False):
 
 def system(name):
     kind, _, which = name.partition(":")
-    if which == "best" and kind not in BEST:
-        raise SystemExit(f"{name}: run bench/quality/search, and enter what it finds in BEST of systems/subtractors.py")
     settings, area = BEST[kind] if which == "best" else (GRIDS[kind][0], AREAS[0])
     return lambda video: run_all(kind, [settings], [area], video, with_masks=True)[0, area]
