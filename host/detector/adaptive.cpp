@@ -21,6 +21,8 @@ using std::chrono::milliseconds;
 // Once the noise is known, two successive frames of so many are compared.
 constexpr std::int64_t kSeldom = 6;
 
+constexpr double kUsualNoise = 2;  // grey levels, before it is known
+
 bool sets(const Json::Value& document, const std::string& key) {
   return document.isMember(key) && !document[key].isNull();
 }
@@ -58,6 +60,7 @@ lightmotion::Detector Adaptive::made(const Document& document) const {
 void Adaptive::restart() {
   detector_.reset();
   ghosts_.forget();
+  light_.forget();
   noise_.interrupt();
   clutter_.interrupt();
 }
@@ -70,12 +73,36 @@ Boxes Adaptive::process(const cv::Mat& image, std::int64_t stated) {
   std::vector<cv::Rect> outlines;
   for (const lightmotion_box& found : detector_.process(picture.data, picture.step, stated)) {
     const cv::Rect2d area(found.rel_x, found.rel_y, found.rel_width, found.rel_height);
-    boxes.push_back({.area = clipped(area), .regions = names_of(found)});
+    boxes.push_back({.area = clipped(area), .regions = names_of(found), .examined = true});
     outlines.emplace_back(found.x, found.y, found.width, found.height);
   }
   take_back(picture, time, outlines);
+  boxes = without_light(picture, time, boxes, outlines);
   if (chooses_peel_ && clutter_.update(outlines, time)) apply();
   return boxes;
+}
+
+Boxes Adaptive::without_light(const cv::Mat& picture, microseconds time, const Boxes& boxes,
+                              const std::vector<cv::Rect>& outlines) {
+  const LightFilter::Result result =
+      light_.look(picture, time, outlines, noise_.sigma().value_or(kUsualNoise), [this] { return foreground(); });
+  for (const GhostPart& part : result.parts) relearn(part);
+  Boxes kept;
+  for (std::size_t i = 0; i < boxes.size(); ++i) {
+    const std::vector<cv::Rect>& left = result.boxes[i];
+    if (left.empty() || left.front() == outlines[i]) {
+      kept.push_back(boxes[i]);
+      kept.back().by_light = left.empty();
+      continue;
+    }
+    for (const cv::Rect& one : left) {
+      Box& box = kept.emplace_back(boxes[i]);
+      box.area = clipped({static_cast<double>(one.x) / analysed_.width, static_cast<double>(one.y) / analysed_.height,
+                          static_cast<double>(one.width) / analysed_.width,
+                          static_cast<double>(one.height) / analysed_.height});
+    }
+  }
+  return kept;
 }
 
 void Adaptive::measure(const cv::Mat& picture, microseconds time) {
@@ -98,18 +125,24 @@ void Adaptive::apply() {
   if (told_) told_(chosen());
 }
 
+cv::Mat Adaptive::foreground() const {
+  cv::Mat mask(analysed_, CV_8U);
+  lightmotion_foreground(detector_.get(), mask.data, mask.step);
+  return mask;
+}
+
 LearnedPictures Adaptive::learned() const {
-  LearnedPictures pictures{cv::Mat(analysed_, CV_8U), cv::Mat(analysed_, CV_8UC3)};
-  lightmotion_foreground(detector_.get(), pictures.foreground.data, pictures.foreground.step);
+  LearnedPictures pictures{foreground(), cv::Mat(analysed_, CV_8UC3)};
   lightmotion_background(detector_.get(), pictures.background.data, pictures.background.step);
   return pictures;
 }
 
 void Adaptive::take_back(const cv::Mat& picture, microseconds time, const std::vector<cv::Rect>& boxes) {
-  for (const GhostPart& part : ghosts_.look(picture, time, boxes, [this] { return learned(); })) {
-    detector_.relearn(part.area.x, part.area.y, part.area.width, part.area.height, part.mask.data,
-                      part.mask.step);
-  }
+  for (const GhostPart& part : ghosts_.look(picture, time, boxes, [this] { return learned(); })) relearn(part);
+}
+
+void Adaptive::relearn(const GhostPart& part) {
+  detector_.relearn(part.area.x, part.area.y, part.area.width, part.area.height, part.mask.data, part.mask.step);
 }
 
 std::vector<std::string> Adaptive::names_of(const lightmotion_box& box) const {

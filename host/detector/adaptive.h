@@ -12,6 +12,7 @@
 #include "host/detector/clutter.h"
 #include "host/detector/detector.h"
 #include "host/detector/ghosts.h"
+#include "host/detector/light_filter.h"
 #include "host/detector/noise.h"
 #include "lightmotion/lightmotion.hpp"
 
@@ -39,7 +40,11 @@ class Adaptive : public Detector {
   lightmotion::Detector made(const Document& document) const;
   void measure(const cv::Mat& picture, std::chrono::microseconds time);
   void apply();
+  cv::Mat foreground() const;
   LearnedPictures learned() const;
+  Boxes without_light(const cv::Mat& picture, std::chrono::microseconds time, const Boxes& boxes,
+                      const std::vector<cv::Rect>& outlines);
+  void relearn(const GhostPart& part);
   void take_back(const cv::Mat& picture, std::chrono::microseconds time, const std::vector<cv::Rect>& boxes);
   std::vector<std::string> names_of(const lightmotion_box& box) const;
 
@@ -50,6 +55,7 @@ class Adaptive : public Detector {
   ClutterRule clutter_;
   lightmotion::Detector detector_;
   Ghosts ghosts_;
+  LightFilter light_;
   std::int64_t frames_ = 0;
   std::function<void(const std::string&)> told_;
 };

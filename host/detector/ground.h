@@ -1,0 +1,40 @@
+// What the picture shows where nothing moves, at half its size and averaged over some frames.
+//
+// The background of the library is not enough to compare textures with: its pixels are written one by one,
+// at different times, so that after a lighting change neighbours are in different light.
+#pragma once
+
+#include <chrono>
+#include <opencv2/core.hpp>
+#include <vector>
+
+namespace lm::host::detector {
+
+// Half of a frame's size; one pixel of it is two by two of the frame.
+cv::Size half_of(const cv::Size& frame);
+
+// Levels of brightness: the binary logarithm of each channel plus an offset, so that another light adds the
+// same to all of a surface. CV_32FC3.
+cv::Mat levels_of(const cv::Mat& picture);
+
+// The part `area`, in pixels of the half size, of a frame.
+cv::Mat half_sized(const cv::Mat& frame, const cv::Rect& area);
+
+class Ground {
+ public:
+  // A frame with the boxes of what moves in it, where nothing is learned. 8 bits, three channels.
+  void learn(const cv::Mat& frame, std::chrono::microseconds time, const std::vector<cv::Rect>& boxes);
+
+  // Levels at half the size; empty before the first frame.
+  const cv::Mat& levels() const { return levels_; }
+
+  // The next frame does not follow the last one.
+  void forget() { *this = {}; }
+
+ private:
+  cv::Mat levels_;
+  std::chrono::microseconds next_{0};
+  int learned_ = 0;  // frames, up to those of the average
+};
+
+}  // namespace lm::host::detector

@@ -1,0 +1,164 @@
+#include "host/detector/light_filter.h"
+
+#include <algorithm>
+#include <opencv2/imgproc.hpp>
+#include <utility>
+
+#include "host/detector/lit.h"
+
+namespace lm::host::detector {
+namespace {
+
+// Pixels are those of the half size.
+constexpr int kCell = 4;            // side
+constexpr int kGroundAround = 8;          // of the ground around a box; a multiple of kCell
+constexpr float kStays = 0.5F;      // seconds after which light is learned
+constexpr double kLeastLight = 0.1;  // of the foreground in a box
+constexpr double kSmallestLeft = 0.01;   // of the foreground in a box, for a part that is left
+constexpr int kFewestLeft = 12;          // pixels of it
+constexpr double kLeftGap = 1.0 / 32;    // of the longer side: parts that are one thing
+constexpr double kWhole = 0.9;       // of a box's width and height: nothing to be gained
+
+int up(int value) { return (value + kCell - 1) / kCell * kCell; }
+int down(int value) { return value / kCell * kCell; }
+
+cv::Size cells_of(const cv::Size& half) { return {up(half.width) / kCell, up(half.height) / kCell}; }
+
+// The box and some ground around it, in whole cells but for the frame's right and lower border.
+cv::Rect area_around(const cv::Rect& box, const cv::Size& half) {
+  const cv::Point from(down(box.x / 2) - kGroundAround, down(box.y / 2) - kGroundAround);
+  const cv::Point to(up((box.x + box.width + 1) / 2) + kGroundAround, up((box.y + box.height + 1) / 2) + kGroundAround);
+  return cv::Rect(from, to) & cv::Rect({}, half);
+}
+
+bool are_close(const cv::Rect& a, const cv::Rect& b, int gap) {
+  return a.x <= b.x + b.width + gap && b.x <= a.x + a.width + gap && a.y <= b.y + b.height + gap &&
+         b.y <= a.y + a.height + gap;
+}
+
+void join(std::vector<cv::Rect>& boxes, int gap) {
+  for (std::size_t i = 0; i < boxes.size(); ++i) {
+    for (std::size_t j = i + 1; j < boxes.size(); ++j) {
+      if (!are_close(boxes[i], boxes[j], gap)) continue;
+      boxes[i] |= boxes[j];
+      boxes.erase(boxes.begin() + static_cast<std::ptrdiff_t>(j));
+      j = i;
+    }
+  }
+}
+
+}  // namespace
+
+// What is seen of a box.
+struct LightFilter::Part {
+  cv::Rect area;       // pixels of the half size
+  cv::Mat foreground;  // of the area, 255 inside
+  cv::Mat lit;
+};
+
+// The boxes around what is left.
+std::vector<cv::Rect> LightFilter::without_light(const Part& part, const cv::Rect& box) const {
+  const cv::Rect inside =
+      (cv::Rect(box.x / 2, box.y / 2, (box.width + 1) / 2, (box.height + 1) / 2) & part.area) - part.area.tl();
+  const int all = cv::countNonZero(part.foreground(inside));
+  const int light = cv::countNonZero(part.lit(inside));
+  if (light < kLeastLight * all) return {box};
+  cv::Mat left = part.foreground & ~part.lit;
+  cv::morphologyEx(left, left, cv::MORPH_CLOSE, cv::Mat::ones(3, 3, CV_8U));
+  cv::morphologyEx(left, left, cv::MORPH_OPEN, cv::Mat::ones(3, 3, CV_8U));
+  cv::Mat labels;
+  cv::Mat figures;
+  cv::Mat centres;
+  const int count = cv::connectedComponentsWithStats(left(inside), labels, figures, centres, 8, CV_32S);
+  std::vector<cv::Rect> boxes;
+  for (int label = 1; label < count; ++label) {
+    const int* of = figures.ptr<int>(label);
+    if (of[cv::CC_STAT_AREA] < std::max<double>(kFewestLeft, kSmallestLeft * all)) continue;
+    boxes.emplace_back(of[cv::CC_STAT_LEFT], of[cv::CC_STAT_TOP], of[cv::CC_STAT_WIDTH],
+                       of[cv::CC_STAT_HEIGHT]);
+  }
+  const cv::Size half = ground_.levels().size();
+  join(boxes, static_cast<int>(kLeftGap * std::max(half.width, half.height)));
+  for (cv::Rect& one : boxes) {
+    one += inside.tl() + part.area.tl();
+    one = cv::Rect(2 * one.x - 1, 2 * one.y - 1, 2 * one.width + 2, 2 * one.height + 2) & box;
+  }
+  if (boxes.size() == 1 && boxes[0].width >= kWhole * box.width && boxes[0].height >= kWhole * box.height)
+    return {box};
+  return boxes;
+}
+
+// Counts the time in which there was light.
+void LightFilter::remember(const Part& part, float elapsed, cv::Mat& ages) const {
+  for (int y = 0; y < part.area.height; ++y) {
+    const auto* lit = part.lit.ptr<std::uint8_t>(y);
+    const int row = (part.area.y + y) / kCell;
+    for (int x = 0; x < part.area.width; ++x) {
+      if (lit[x] == 0) continue;
+      const int column = (part.area.x + x) / kCell;
+      ages.at<float>(row, column) = ages_.at<float>(row, column) + elapsed;
+    }
+  }
+}
+
+// Where it has stayed; the time starts again.
+GhostPart LightFilter::stayed(const Part& part, cv::Mat& ages) const {
+  cv::Mat stays = cv::Mat::zeros(part.area.size(), CV_8U);
+  bool any = false;
+  for (int y = 0; y < part.area.height; ++y) {
+    const auto* age = ages.ptr<float>((part.area.y + y) / kCell);
+    for (int x = 0; x < part.area.width; ++x) {
+      if (age[(part.area.x + x) / kCell] < kStays) continue;
+      stays.at<std::uint8_t>(y, x) = 255;
+      any = true;
+    }
+  }
+  if (!any) return {};
+  const cv::Rect cells(part.area.x / kCell, part.area.y / kCell, up(part.area.width) / kCell,
+                       up(part.area.height) / kCell);
+  cv::Mat of = ages(cells);
+  of.setTo(0, of >= kStays);
+  cv::Mat left = part.foreground & ~part.lit;
+  cv::dilate(left, left, cv::Mat::ones(3, 3, CV_8U));
+  stays &= ~left;
+  GhostPart found{{2 * part.area.x, 2 * part.area.y, 2 * part.area.width, 2 * part.area.height}, {}};
+  cv::resize(stays, found.mask, found.area.size(), 0, 0, cv::INTER_NEAREST);
+  return found;
+}
+
+LightFilter::Result LightFilter::look(const cv::Mat& frame, std::chrono::microseconds time,
+                                      const std::vector<cv::Rect>& boxes, double sigma,
+                                      const Foreground& foreground) {
+  Result result;
+  const bool comparable = !ground_.levels().empty();
+  if (comparable && !boxes.empty()) {
+    const cv::Size half = ground_.levels().size();
+    const float elapsed = std::chrono::duration<float>(time - last_).count();
+    if (ages_.empty()) ages_ = cv::Mat::zeros(cells_of(half), CV_32F);
+    cv::Mat ages = cv::Mat::zeros(ages_.size(), CV_32F);
+    const cv::Mat mask = foreground();
+    for (const cv::Rect& box : boxes) {
+      Part part{area_around(box, half), {}, {}};
+      if (part.area.empty()) {
+        result.boxes.push_back({box});
+        continue;
+      }
+      part.foreground = half_sized(mask, part.area) > 127;
+      part.lit = lit_part(half_sized(frame, part.area), ground_.levels()(part.area), part.foreground, sigma);
+      result.boxes.push_back(without_light(part, box));
+      remember(part, elapsed, ages);
+      GhostPart found = stayed(part, ages);
+      if (!found.mask.empty()) result.parts.push_back(std::move(found));
+    }
+    ages_ = ages;
+  } else {
+    result.boxes.assign(boxes.size(), {});
+    for (std::size_t i = 0; i < boxes.size(); ++i) result.boxes[i] = {boxes[i]};
+    ages_.release();
+  }
+  last_ = time;
+  ground_.learn(frame, time, boxes);
+  return result;
+}
+
+}  // namespace lm::host::detector

@@ -1,0 +1,20 @@
+// Tells what is only in another light from what moves.
+//
+// Light multiplies what a surface reflects, by about the same in all channels, and keeps its texture; an
+// object brings colours and a texture of its own. (J. C. S. Jacques, C. R. Jung, S. R. Musse: "Background
+// subtraction and shadow detection in grayscale video sequences", SIBGRAPI 2005; A. Sanin, C. Sanderson,
+// B. C. Lovell: "Shadow detection: A survey and comparative evaluation of recent methods", Pattern
+// Recognition 45, 2012, whose methods by large regions decide about whole regions by their texture.)
+#pragma once
+
+#include <opencv2/core.hpp>
+
+namespace lm::host::detector {
+
+// The foreground that is the ground in another light: 255, else 0.
+//
+// `now`, 8 bits with three channels, and `ground`, levels (ground.h): the same place at half the size of the
+// frame. `foreground`: not 0 where the picture differs from the ground. `sigma`: noise of the frame.
+cv::Mat lit_part(const cv::Mat& now, const cv::Mat& ground, const cv::Mat& foreground, double sigma);
+
+}  // namespace lm::host::detector
