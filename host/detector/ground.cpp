@@ -10,6 +10,7 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr auto kLearnEach = 250ms;  // frames that are learned
+constexpr int kGradual = 17;          // pixels of the half size
 constexpr int kAveraged = 4;      // of these frames, about
 constexpr int kBoxMargin = 4;        // around boxes, in pixels of the half size
 
@@ -41,7 +42,7 @@ cv::Mat half_sized(const cv::Mat& frame, const cv::Rect& area) {
   return half;
 }
 
-void Ground::learn(const cv::Mat& frame, std::chrono::microseconds time, const std::vector<cv::Rect>& boxes) {
+void Ground::learn(const cv::Mat& frame, std::chrono::microseconds time, const cv::Mat& moves) {
   if (learned_ > 0 && time < next_) return;
   next_ = time + kLearnEach;
   const cv::Rect all({}, half_of(frame.size()));
@@ -51,13 +52,14 @@ void Ground::learn(const cv::Mat& frame, std::chrono::microseconds time, const s
     levels_ = now;
     return;
   }
-  cv::Mat still(all.size(), CV_8U, cv::Scalar(255));
-  for (const cv::Rect& box : boxes) {
-    const cv::Rect place(box.x / 2 - kBoxMargin, box.y / 2 - kBoxMargin, box.width / 2 + 1 + 2 * kBoxMargin,
-                         box.height / 2 + 1 + 2 * kBoxMargin);
-    still(place & all).setTo(0);
-  }
-  cv::accumulateWeighted(now, levels_, 1.0 / learned_, still);
+  // Gradually towards what moves: an edge between two times would look like texture.
+  cv::Mat weight;
+  cv::dilate(moves, weight, cv::Mat::ones(kGradual, kGradual, CV_8U));
+  cv::Mat(weight == 0).convertTo(weight, CV_32F, 1.0 / 255 / learned_);
+  cv::blur(weight, weight, {kGradual, kGradual});
+  cv::Mat weights;
+  cv::cvtColor(weight, weights, cv::COLOR_GRAY2BGR);
+  levels_ += (now - levels_).mul(weights);
 }
 
 }  // namespace lm::host::detector

@@ -6,7 +6,6 @@
 
 #include <chrono>
 #include <opencv2/core.hpp>
-#include <vector>
 
 namespace lm::host::detector {
 
@@ -22,8 +21,8 @@ cv::Mat half_sized(const cv::Mat& frame, const cv::Rect& area);
 
 class Ground {
  public:
-  // A frame with the boxes of what moves in it, where nothing is learned. 8 bits, three channels.
-  void learn(const cv::Mat& frame, std::chrono::microseconds time, const std::vector<cv::Rect>& boxes);
+  // A frame, 8 bits with three channels. `moves`: of half its size, not 0 where nothing is learned.
+  void learn(const cv::Mat& frame, std::chrono::microseconds time, const cv::Mat& moves);
 
   // Levels at half the size; empty before the first frame.
   const cv::Mat& levels() const { return levels_; }

@@ -15,6 +15,7 @@ constexpr int kGroundAround = 8;          // of the ground around a box; a multi
 constexpr float kStays = 0.5F;      // seconds after which light is learned
 constexpr double kLeastLight = 0.1;  // of the foreground in a box
 constexpr double kSmallestLeft = 0.01;   // of the foreground in a box, for a part that is left
+constexpr double kOwn = 0.2;         // of it that has colours or a texture of its own
 constexpr int kFewestLeft = 12;          // pixels of it
 constexpr double kLeftGap = 1.0 / 32;    // of the longer side: parts that are one thing
 constexpr double kWhole = 0.9;       // of a box's width and height: nothing to be gained
@@ -47,42 +48,60 @@ void join(std::vector<cv::Rect>& boxes, int gap) {
   }
 }
 
+// The parts of `left` that are objects; erases the others. `light`: pixels of light around them.
+std::vector<cv::Rect> objects_in(cv::Mat left, const cv::Mat& known, int light) {
+  cv::Mat labels;
+  cv::Mat figures;
+  cv::Mat centres;
+  const int count = cv::connectedComponentsWithStats(left, labels, figures, centres, 8, CV_32S);
+  std::vector<int> own(count);
+  for (int y = 0; y < labels.rows; ++y) {
+    for (int x = 0; x < labels.cols; ++x) own[labels.at<int>(y, x)] += known.at<std::uint8_t>(y, x) / 255;
+  }
+  std::vector<cv::Rect> places;
+  for (int label = 1; label < count; ++label) {
+    const int* of = figures.ptr<int>(label);
+    const int area = of[cv::CC_STAT_AREA];
+    const bool large = area >= std::max<double>(kFewestLeft, kSmallestLeft * light);
+    if (large && (own[label] >= kOwn * area || area > light)) {
+      places.emplace_back(of[cv::CC_STAT_LEFT], of[cv::CC_STAT_TOP], of[cv::CC_STAT_WIDTH],
+                          of[cv::CC_STAT_HEIGHT]);
+    } else {
+      left.setTo(0, labels == label);
+    }
+  }
+  return places;
+}
+
 }  // namespace
 
 // What is seen of a box.
 struct LightFilter::Part {
-  cv::Rect area;       // pixels of the half size
-  cv::Mat foreground;  // of the area, 255 inside
-  cv::Mat lit;
+  cv::Rect area;        // pixels of the half size
+  cv::Mat foreground;   // of the area, 255 inside
+  Parts parts;          // of the foreground
+  cv::Mat object;       // what is left without light, 255 inside
 };
 
-// The boxes around what is left.
-std::vector<cv::Rect> LightFilter::without_light(const Part& part, const cv::Rect& box) const {
+// Sets what is left, and returns the boxes around it.
+std::vector<cv::Rect> LightFilter::without_light(Part& part, const cv::Rect& box) const {
   const cv::Rect inside =
       (cv::Rect(box.x / 2, box.y / 2, (box.width + 1) / 2, (box.height + 1) / 2) & part.area) - part.area.tl();
   const int all = cv::countNonZero(part.foreground(inside));
-  const int light = cv::countNonZero(part.lit(inside));
+  const int light = cv::countNonZero(part.parts.light(inside));
+  part.object = part.foreground;
   if (light < kLeastLight * all) return {box};
-  cv::Mat left = part.foreground & ~part.lit;
+  cv::Mat left = part.foreground & ~part.parts.light;
   cv::morphologyEx(left, left, cv::MORPH_CLOSE, cv::Mat::ones(3, 3, CV_8U));
   cv::morphologyEx(left, left, cv::MORPH_OPEN, cv::Mat::ones(3, 3, CV_8U));
-  cv::Mat labels;
-  cv::Mat figures;
-  cv::Mat centres;
-  const int count = cv::connectedComponentsWithStats(left(inside), labels, figures, centres, 8, CV_32S);
+  const std::vector<cv::Rect> places = objects_in(left(inside), part.parts.object(inside), light);
+  part.object = left;
   std::vector<cv::Rect> boxes;
-  for (int label = 1; label < count; ++label) {
-    const int* of = figures.ptr<int>(label);
-    if (of[cv::CC_STAT_AREA] < std::max<double>(kFewestLeft, kSmallestLeft * all)) continue;
-    boxes.emplace_back(of[cv::CC_STAT_LEFT], of[cv::CC_STAT_TOP], of[cv::CC_STAT_WIDTH],
-                       of[cv::CC_STAT_HEIGHT]);
-  }
+  for (const cv::Rect& place : places) boxes.push_back(place + inside.tl() + part.area.tl());
   const cv::Size half = ground_.levels().size();
   join(boxes, static_cast<int>(kLeftGap * std::max(half.width, half.height)));
-  for (cv::Rect& one : boxes) {
-    one += inside.tl() + part.area.tl();
+  for (cv::Rect& one : boxes)
     one = cv::Rect(2 * one.x - 1, 2 * one.y - 1, 2 * one.width + 2, 2 * one.height + 2) & box;
-  }
   if (boxes.size() == 1 && boxes[0].width >= kWhole * box.width && boxes[0].height >= kWhole * box.height)
     return {box};
   return boxes;
@@ -90,13 +109,14 @@ std::vector<cv::Rect> LightFilter::without_light(const Part& part, const cv::Rec
 
 // Counts the time in which there was light.
 void LightFilter::remember(const Part& part, float elapsed, cv::Mat& ages) const {
+  const cv::Mat light = part.foreground & ~part.object;
   for (int y = 0; y < part.area.height; ++y) {
-    const auto* lit = part.lit.ptr<std::uint8_t>(y);
+    const auto* lit = light.ptr<std::uint8_t>(y);
     const int row = (part.area.y + y) / kCell;
     for (int x = 0; x < part.area.width; ++x) {
       if (lit[x] == 0) continue;
       const int column = (part.area.x + x) / kCell;
-      ages.at<float>(row, column) = ages_.at<float>(row, column) + elapsed;
+      ages.at<float>(row, column) = ages_.empty() ? 0 : ages_.at<float>(row, column) + elapsed;
     }
   }
 }
@@ -118,8 +138,8 @@ GhostPart LightFilter::stayed(const Part& part, cv::Mat& ages) const {
                        up(part.area.height) / kCell);
   cv::Mat of = ages(cells);
   of.setTo(0, of >= kStays);
-  cv::Mat left = part.foreground & ~part.lit;
-  cv::dilate(left, left, cv::Mat::ones(3, 3, CV_8U));
+  cv::Mat left;
+  cv::dilate(part.object, left, cv::Mat::ones(3, 3, CV_8U));
   stays &= ~left;
   GhostPart found{{2 * part.area.x, 2 * part.area.y, 2 * part.area.width, 2 * part.area.height}, {}};
   cv::resize(stays, found.mask, found.area.size(), 0, 0, cv::INTER_NEAREST);
@@ -130,34 +150,36 @@ LightFilter::Result LightFilter::look(const cv::Mat& frame, std::chrono::microse
                                       const std::vector<cv::Rect>& boxes, double sigma,
                                       const Foreground& foreground) {
   Result result;
-  const bool comparable = !ground_.levels().empty();
-  if (comparable && !boxes.empty()) {
-    const cv::Size half = ground_.levels().size();
-    const float elapsed = std::chrono::duration<float>(time - last_).count();
-    if (ages_.empty()) ages_ = cv::Mat::zeros(cells_of(half), CV_32F);
-    cv::Mat ages = cv::Mat::zeros(ages_.size(), CV_32F);
-    const cv::Mat mask = foreground();
-    for (const cv::Rect& box : boxes) {
-      Part part{area_around(box, half), {}, {}};
-      if (part.area.empty()) {
-        result.boxes.push_back({box});
-        continue;
-      }
-      part.foreground = half_sized(mask, part.area) > 127;
-      part.lit = lit_part(half_sized(frame, part.area), ground_.levels()(part.area), part.foreground, sigma);
-      result.boxes.push_back(without_light(part, box));
-      remember(part, elapsed, ages);
-      GhostPart found = stayed(part, ages);
-      if (!found.mask.empty()) result.parts.push_back(std::move(found));
+  const cv::Size half = half_of(frame.size());
+  cv::Mat moves = cv::Mat::zeros(half, CV_8U);
+  cv::Mat ages = cv::Mat::zeros(cells_of(half), CV_32F);
+  const float elapsed = std::chrono::duration<float>(time - last_).count();
+  cv::Mat mask;
+  for (const cv::Rect& box : boxes) {
+    const cv::Rect area = area_around(box, half);
+    if (ground_.levels().empty() || area.empty()) {
+      result.boxes.push_back({box});
+      continue;
     }
-    ages_ = ages;
-  } else {
-    result.boxes.assign(boxes.size(), {});
-    for (std::size_t i = 0; i < boxes.size(); ++i) result.boxes[i] = {boxes[i]};
-    ages_.release();
+    if (mask.empty()) mask = foreground();
+    Part part{area, half_sized(mask, area) > 127, {}, {}};
+    part.parts = parts_of(half_sized(frame, area), ground_.levels()(area), part.foreground, sigma);
+    result.boxes.push_back(without_light(part, box));
+    remember(part, elapsed, ages);
+    GhostPart found = stayed(part, ages);
+    if (!found.mask.empty()) result.parts.push_back(std::move(found));
+    cv::Mat light;
+    cv::dilate(part.foreground & ~part.object, light, cv::Mat::ones(5, 5, CV_8U));
+    moves(area) |= light;
   }
+  for (const std::vector<cv::Rect>& left : result.boxes) {
+    for (const cv::Rect& box : left)
+      moves(cv::Rect(box.x / 2 - 4, box.y / 2 - 4, box.width / 2 + 9, box.height / 2 + 9) & cv::Rect({}, half))
+          .setTo(255);
+  }
+  ages_ = ages;
   last_ = time;
-  ground_.learn(frame, time, boxes);
+  ground_.learn(frame, time, moves);
   return result;
 }
 

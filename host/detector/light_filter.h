@@ -33,7 +33,7 @@ class LightFilter {
 
  private:
   struct Part;
-  std::vector<cv::Rect> without_light(const Part& part, const cv::Rect& box) const;
+  std::vector<cv::Rect> without_light(Part& part, const cv::Rect& box) const;
   void remember(const Part& part, float elapsed, cv::Mat& ages) const;
   GhostPart stayed(const Part& part, cv::Mat& ages) const;
 

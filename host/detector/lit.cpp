@@ -204,14 +204,16 @@ cv::Mat same_as_around(const Gains& gains, const cv::Mat& foreground) {
 
 }  // namespace
 
-cv::Mat lit_part(const cv::Mat& now, const cv::Mat& ground, const cv::Mat& foreground, double sigma) {
+Parts parts_of(const cv::Mat& now, const cv::Mat& ground, const cv::Mat& foreground, double sigma) {
   const cv::Mat levels = levels_of(now);
   const Gains gains = compare(now, levels, ground, foreground, sigma);
-  if (cv::countNonZero(gains.may_be) < kCluster) return cv::Mat::zeros(now.size(), CV_8U);
+  if (cv::countNonZero(gains.may_be) < kCluster) return {cv::Mat::zeros(now.size(), CV_8U), foreground};
   const Textures textures = textures_of(now, levels, ground, gains, sigma);
   cv::Mat lit = lit_regions(gains, textures) | kept_clusters(textures);
   cv::dilate(lit, lit, cv::Mat::ones(5, 5, CV_8U));  // the edge of a shadow
-  return (lit & gains.may_be) | same_as_around(gains, foreground);
+  lit = (lit & gains.may_be) | same_as_around(gains, foreground);
+  const cv::Mat other = (foreground & ~gains.may_be) | textures.another;
+  return {lit, other & ~lit};
 }
 
 }  // namespace lm::host::detector

@@ -11,10 +11,14 @@
 
 namespace lm::host::detector {
 
-// The foreground that is the ground in another light: 255, else 0.
-//
+// Parts of the foreground: 255 inside, else 0. What is in neither cannot be decided.
+struct Parts {
+  cv::Mat light;   // the ground in another light
+  cv::Mat object;  // with colours or a texture of its own
+};
+
 // `now`, 8 bits with three channels, and `ground`, levels (ground.h): the same place at half the size of the
-// frame. `foreground`: not 0 where the picture differs from the ground. `sigma`: noise of the frame.
-cv::Mat lit_part(const cv::Mat& now, const cv::Mat& ground, const cv::Mat& foreground, double sigma);
+// frame. `foreground`: 255 where the picture differs from the ground, else 0. `sigma`: noise of the frame.
+Parts parts_of(const cv::Mat& now, const cv::Mat& ground, const cv::Mat& foreground, double sigma);
 
 }  // namespace lm::host::detector
