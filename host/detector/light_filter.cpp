@@ -9,16 +9,21 @@
 namespace lm::host::detector {
 namespace {
 
+using namespace std::chrono_literals;
+
 // Pixels are those of the half size.
 constexpr int kCell = 4;            // side
 constexpr int kGroundAround = 8;          // of the ground around a box; a multiple of kCell
 constexpr float kStays = 0.5F;      // seconds after which light is learned
-constexpr double kLeastLight = 0.1;  // of the foreground in a box
+constexpr double kLeastLight = 0.03;  // of the foreground in a box
 constexpr double kSmallestLeft = 0.01;   // of the foreground in a box, for a part that is left
 constexpr double kOwn = 0.2;         // of it that has colours or a texture of its own
 constexpr int kFewestLeft = 12;          // pixels of it
 constexpr double kLeftGap = 1.0 / 32;    // of the longer side: parts that are one thing
 constexpr double kWhole = 0.9;       // of a box's width and height: nothing to be gained
+
+constexpr auto kRemembered = 300ms;  // an object, in which its place is not only light
+constexpr double kSameBox = 0.3;     // intersection over union of its place
 
 int up(int value) { return (value + kCell - 1) / kCell * kCell; }
 int down(int value) { return value / kCell * kCell; }
@@ -63,7 +68,7 @@ std::vector<cv::Rect> objects_in(cv::Mat left, const cv::Mat& known, int light) 
     const int* of = figures.ptr<int>(label);
     const int area = of[cv::CC_STAT_AREA];
     const bool large = area >= std::max<double>(kFewestLeft, kSmallestLeft * light);
-    if (large && (own[label] >= kOwn * area || area > light)) {
+    if (large && (own[label] >= kOwn * area || area > 2 * light)) {
       places.emplace_back(of[cv::CC_STAT_LEFT], of[cv::CC_STAT_TOP], of[cv::CC_STAT_WIDTH],
                           of[cv::CC_STAT_HEIGHT]);
     } else {
@@ -146,6 +151,13 @@ GhostPart LightFilter::stayed(const Part& part, cv::Mat& ages) const {
   return found;
 }
 
+// An object does not turn into light from one frame to the next.
+bool LightFilter::is_only_light(const cv::Rect& box, std::chrono::microseconds time) {
+  return std::ranges::none_of(objects_, [&](const Object& object) {
+    return time - object.seen <= kRemembered && overlap(object.box, box) >= kSameBox;
+  });
+}
+
 LightFilter::Result LightFilter::look(const cv::Mat& frame, std::chrono::microseconds time,
                                       const std::vector<cv::Rect>& boxes, double sigma,
                                       const Foreground& foreground) {
@@ -155,6 +167,7 @@ LightFilter::Result LightFilter::look(const cv::Mat& frame, std::chrono::microse
   cv::Mat ages = cv::Mat::zeros(cells_of(half), CV_32F);
   const float elapsed = std::chrono::duration<float>(time - last_).count();
   cv::Mat mask;
+  std::vector<cv::Rect> found_objects;
   for (const cv::Rect& box : boxes) {
     const cv::Rect area = area_around(box, half);
     if (ground_.levels().empty() || area.empty()) {
@@ -165,6 +178,11 @@ LightFilter::Result LightFilter::look(const cv::Mat& frame, std::chrono::microse
     Part part{area, half_sized(mask, area) > 127, {}, {}};
     part.parts = parts_of(half_sized(frame, area), ground_.levels()(area), part.foreground, sigma);
     result.boxes.push_back(without_light(part, box));
+    found_objects.insert(found_objects.end(), result.boxes.back().begin(), result.boxes.back().end());
+    if (result.boxes.back().empty() && !is_only_light(box, time)) {
+      result.boxes.back() = {box};
+      part.object = part.foreground;
+    }
     remember(part, elapsed, ages);
     GhostPart found = stayed(part, ages);
     if (!found.mask.empty()) result.parts.push_back(std::move(found));
@@ -177,6 +195,8 @@ LightFilter::Result LightFilter::look(const cv::Mat& frame, std::chrono::microse
       moves(cv::Rect(box.x / 2 - 4, box.y / 2 - 4, box.width / 2 + 9, box.height / 2 + 9) & cv::Rect({}, half))
           .setTo(255);
   }
+  std::erase_if(objects_, [&](const Object& object) { return time - object.seen > kRemembered; });
+  for (const cv::Rect& box : found_objects) objects_.push_back({box, time});
   ages_ = ages;
   last_ = time;
   ground_.learn(frame, time, moves);

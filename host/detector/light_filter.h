@@ -37,7 +37,14 @@ class LightFilter {
   void remember(const Part& part, float elapsed, cv::Mat& ages) const;
   GhostPart stayed(const Part& part, cv::Mat& ages) const;
 
+  struct Object {
+    cv::Rect box;
+    std::chrono::microseconds seen;
+  };
+  bool is_only_light(const cv::Rect& box, std::chrono::microseconds time);
+
   Ground ground_;
+  std::vector<Object> objects_;
   cv::Mat ages_;  // CV_32F, of the cells: seconds in which there was light
   std::chrono::microseconds last_{0};
 };

@@ -120,7 +120,7 @@ Textures textures_of(const cv::Mat& now, const cv::Mat& levels, const cv::Mat& g
       if (count < kFewestCompared || variance <= kTextured * count * noise_at(y, x)) continue;
       const float slope = common / variance;
       const float error = std::sqrt(difference / count / variance);
-      if (slope > kKept && slope > 3 * error) textures.kept.at<std::uint8_t>(y, x) = 255;
+      if (slope > kKept && slope > 4 * error) textures.kept.at<std::uint8_t>(y, x) = 255;
       if (slope < kAnother && error < kSure) textures.another.at<std::uint8_t>(y, x) = 255;
     }
   }
