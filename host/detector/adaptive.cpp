@@ -44,6 +44,7 @@ std::string completed(const std::string& text, int sensitivity, int peel) {
 
 Adaptive::Adaptive(const Document& document, cv::Size analysed)
     : analysed_(analysed),
+      regions_(document.text),
       chooses_sensitivity_(!sets(readDocument(document.text), "sensitivity")),
       chooses_peel_(!sets(readDocument(document.text), "peel")),
       detector_(made(document)) {}
@@ -84,25 +85,35 @@ Boxes Adaptive::process(const cv::Mat& image, std::int64_t stated) {
 
 Boxes Adaptive::without_light(const cv::Mat& picture, microseconds time, const Boxes& boxes,
                               const std::vector<cv::Rect>& outlines) {
+  const double noise = noise_.sigma().value_or(kUsualNoise);
   const LightFilter::Result result =
-      light_.look(picture, time, outlines, noise_.sigma().value_or(kUsualNoise), [this] { return foreground(); });
+      light_.look(picture, time, outlines, noise, [this] { return foreground(); });
   for (const GhostPart& part : result.parts) relearn(part);
-  Boxes kept;
+  Boxes left;
   for (std::size_t i = 0; i < boxes.size(); ++i) {
-    const std::vector<cv::Rect>& left = result.boxes[i];
-    if (left.empty() || left.front() == outlines[i]) {
-      kept.push_back(boxes[i]);
-      kept.back().by_light = left.empty();
+    const std::vector<cv::Rect>& parts = result.boxes[i];
+    if (parts.empty() || parts.front() == outlines[i]) {
+      left.push_back(boxes[i]);
+      left.back().by_light = parts.empty();
       continue;
     }
-    for (const cv::Rect& one : left) {
-      Box& box = kept.emplace_back(boxes[i]);
-      box.area = clipped({static_cast<double>(one.x) / analysed_.width, static_cast<double>(one.y) / analysed_.height,
-                          static_cast<double>(one.width) / analysed_.width,
-                          static_cast<double>(one.height) / analysed_.height});
-    }
+    for (const cv::Rect& part : parts) left.push_back(part_of(boxes[i], part));
   }
-  return kept;
+  return left;
+}
+
+// Its regions are those of the box that the part overlaps.
+Box Adaptive::part_of(const Box& box, const cv::Rect& part) const {
+  const double width = analysed_.width;
+  const double height = analysed_.height;
+  Box smaller = box;
+  smaller.area = clipped({part.x / width, part.y / height, part.width / width, part.height / height});
+  if (box.regions.size() < 2) return smaller;
+  const std::vector<std::string> touched = regions_.touched(smaller.area);
+  std::erase_if(smaller.regions,
+                [&](const std::string& name) { return std::ranges::find(touched, name) == touched.end(); });
+  if (smaller.regions.empty()) smaller.regions = box.regions;
+  return smaller;
 }
 
 void Adaptive::measure(const cv::Mat& picture, microseconds time) {
@@ -125,24 +136,26 @@ void Adaptive::apply() {
   if (told_) told_(chosen());
 }
 
-cv::Mat Adaptive::foreground() const {
-  cv::Mat mask(analysed_, CV_8U);
-  lightmotion_foreground(detector_.get(), mask.data, mask.step);
-  return mask;
+const cv::Mat& Adaptive::foreground() {
+  foreground_.create(analysed_, CV_8U);
+  lightmotion_foreground(detector_.get(), foreground_.data, foreground_.step);
+  return foreground_;
 }
 
-LearnedPictures Adaptive::learned() const {
+LearnedPictures Adaptive::learned() {
   LearnedPictures pictures{foreground(), cv::Mat(analysed_, CV_8UC3)};
   lightmotion_background(detector_.get(), pictures.background.data, pictures.background.step);
   return pictures;
 }
 
 void Adaptive::take_back(const cv::Mat& picture, microseconds time, const std::vector<cv::Rect>& boxes) {
-  for (const GhostPart& part : ghosts_.look(picture, time, boxes, [this] { return learned(); })) relearn(part);
+  for (const GhostPart& part : ghosts_.look(picture, time, boxes, [this] { return learned(); }))
+    relearn(part);
 }
 
 void Adaptive::relearn(const GhostPart& part) {
-  detector_.relearn(part.area.x, part.area.y, part.area.width, part.area.height, part.mask.data, part.mask.step);
+  detector_.relearn(part.area.x, part.area.y, part.area.width, part.area.height, part.mask.data,
+                    part.mask.step);
 }
 
 std::vector<std::string> Adaptive::names_of(const lightmotion_box& box) const {

@@ -9,10 +9,10 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr auto kLearnEach = 250ms;  // frames that are learned
-constexpr int kGradual = 17;          // pixels of the half size
-constexpr int kAveraged = 4;      // of these frames, about
-constexpr int kBoxMargin = 4;        // around boxes, in pixels of the half size
+constexpr auto kLearnEach = 500ms;  // frames that are learned
+constexpr int kGradual = 17;        // pixels of the half size
+constexpr int kAveraged = 3;        // of these frames, about
+constexpr int kBoxMargin = 4;       // around boxes, in pixels of the half size
 
 // Small enough to tell dark surfaces apart, large enough that their noise is not all that remains.
 constexpr double kOffset = 4;
@@ -43,7 +43,7 @@ cv::Mat half_sized(const cv::Mat& frame, const cv::Rect& area) {
 }
 
 void Ground::learn(const cv::Mat& frame, std::chrono::microseconds time, const cv::Mat& moves) {
-  if (learned_ > 0 && time < next_) return;
+  if (!is_due(time)) return;
   next_ = time + kLearnEach;
   const cv::Rect all({}, half_of(frame.size()));
   const cv::Mat now = levels_of(half_sized(frame, all));

@@ -21,6 +21,9 @@ cv::Mat half_sized(const cv::Mat& frame, const cv::Rect& area);
 
 class Ground {
  public:
+  // Whether a frame of this time would be learned.
+  bool is_due(std::chrono::microseconds time) const { return learned_ == 0 || time >= next_; }
+
   // A frame, 8 bits with three channels. `moves`: of half its size, not 0 where nothing is learned.
   void learn(const cv::Mat& frame, std::chrono::microseconds time, const cv::Mat& moves);
 

@@ -12,18 +12,21 @@ namespace {
 using namespace std::chrono_literals;
 
 // Pixels are those of the half size.
-constexpr int kCell = 4;            // side
-constexpr int kGroundAround = 8;          // of the ground around a box; a multiple of kCell
-constexpr float kStays = 0.5F;      // seconds after which light is learned
-constexpr double kLeastLight = 0.03;  // of the foreground in a box
-constexpr double kSmallestLeft = 0.01;   // of the foreground in a box, for a part that is left
-constexpr double kOwn = 0.2;         // of it that has colours or a texture of its own
-constexpr int kFewestLeft = 12;          // pixels of it
-constexpr double kLeftGap = 1.0 / 32;    // of the longer side: parts that are one thing
-constexpr double kWhole = 0.9;       // of a box's width and height: nothing to be gained
+constexpr int kCell = 4;                // side
+constexpr int kGroundAround = 8;        // of the ground around a box; a multiple of kCell
+constexpr float kStays = 0.5F;          // seconds after which light is learned
+constexpr double kLeastLight = 0.03;    // of the foreground in a box
+constexpr double kSmallestLeft = 0.01;  // of the foreground in a box, for a part that is left
+constexpr double kOwn = 0.2;            // of it that has colours or a texture of its own
+constexpr int kFewestLeft = 12;         // pixels of it
+constexpr double kLeftGap = 1.0 / 32;   // of the longer side: parts that are one thing
+constexpr double kWhole = 0.9;          // of a box's width and height: nothing to be gained
 
 constexpr auto kRemembered = 300ms;  // an object, in which its place is not only light
 constexpr double kSameBox = 0.3;     // intersection over union of its place
+constexpr double kSameObject = 0.5;  // ... of an object in two frames
+// Between two looks at objects without light; at all in the same frame, because the foreground is copied.
+constexpr std::chrono::microseconds kUnseen = 400ms;
 
 int up(int value) { return (value + kCell - 1) / kCell * kCell; }
 int down(int value) { return value / kCell * kCell; }
@@ -33,7 +36,8 @@ cv::Size cells_of(const cv::Size& half) { return {up(half.width) / kCell, up(hal
 // The box and some ground around it, in whole cells but for the frame's right and lower border.
 cv::Rect area_around(const cv::Rect& box, const cv::Size& half) {
   const cv::Point from(down(box.x / 2) - kGroundAround, down(box.y / 2) - kGroundAround);
-  const cv::Point to(up((box.x + box.width + 1) / 2) + kGroundAround, up((box.y + box.height + 1) / 2) + kGroundAround);
+  const cv::Point to(up((box.x + box.width + 1) / 2) + kGroundAround,
+                     up((box.y + box.height + 1) / 2) + kGroundAround);
   return cv::Rect(from, to) & cv::Rect({}, half);
 }
 
@@ -82,20 +86,21 @@ std::vector<cv::Rect> objects_in(cv::Mat left, const cv::Mat& known, int light) 
 
 // What is seen of a box.
 struct LightFilter::Part {
-  cv::Rect area;        // pixels of the half size
-  cv::Mat foreground;   // of the area, 255 inside
-  Parts parts;          // of the foreground
-  cv::Mat object;       // what is left without light, 255 inside
+  cv::Rect area;       // pixels of the half size
+  cv::Mat foreground;  // of the area, 255 inside
+  Parts parts;         // of the foreground
+  cv::Mat object;      // what is left without light, 255 inside
 };
 
 // Sets what is left, and returns the boxes around it.
 std::vector<cv::Rect> LightFilter::without_light(Part& part, const cv::Rect& box) const {
   const cv::Rect inside =
-      (cv::Rect(box.x / 2, box.y / 2, (box.width + 1) / 2, (box.height + 1) / 2) & part.area) - part.area.tl();
+      (cv::Rect(box.x / 2, box.y / 2, (box.width + 1) / 2, (box.height + 1) / 2) & part.area) -
+      part.area.tl();
   const int all = cv::countNonZero(part.foreground(inside));
   const int light = cv::countNonZero(part.parts.light(inside));
   part.object = part.foreground;
-  if (light < kLeastLight * all) return {box};
+  if (light < kFewestLeft || light < kLeastLight * all) return {box};
   cv::Mat left = part.foreground & ~part.parts.light;
   cv::morphologyEx(left, left, cv::MORPH_CLOSE, cv::Mat::ones(3, 3, CV_8U));
   cv::morphologyEx(left, left, cv::MORPH_OPEN, cv::Mat::ones(3, 3, CV_8U));
@@ -121,13 +126,13 @@ void LightFilter::remember(const Part& part, float elapsed, cv::Mat& ages) const
     for (int x = 0; x < part.area.width; ++x) {
       if (lit[x] == 0) continue;
       const int column = (part.area.x + x) / kCell;
-      ages.at<float>(row, column) = ages_.empty() ? 0 : ages_.at<float>(row, column) + elapsed;
+      ages.at<float>(row, column) = ages_.at<float>(row, column) + elapsed;
     }
   }
 }
 
 // Where it has stayed; the time starts again.
-GhostPart LightFilter::stayed(const Part& part, cv::Mat& ages) const {
+GhostPart LightFilter::stayed(const Part& part, cv::Mat& ages) {
   cv::Mat stays = cv::Mat::zeros(part.area.size(), CV_8U);
   bool any = false;
   for (int y = 0; y < part.area.height; ++y) {
@@ -151,55 +156,87 @@ GhostPart LightFilter::stayed(const Part& part, cv::Mat& ages) const {
   return found;
 }
 
+// A frame that is looked at.
+struct LightFilter::View {
+  const cv::Mat& frame;
+  std::chrono::microseconds time;
+  double sigma;
+  cv::Mat foreground;  // of the frame
+  cv::Mat ages;        // the next ones
+  cv::Mat moves;       // of the half size, 255 where the ground is not learned
+  float elapsed;       // seconds since the last one
+};
+
+// Whether it was looked at lately and is an object without light.
+bool LightFilter::is_plain(const cv::Rect& box, std::chrono::microseconds time) {
+  for (Object& object : objects_) {
+    if (time >= object.next || overlap(object.box, box) < kSameObject) continue;
+    object.box = box;
+    object.seen = time;
+    return true;
+  }
+  return false;
+}
+
 // An object does not turn into light from one frame to the next.
-bool LightFilter::is_only_light(const cv::Rect& box, std::chrono::microseconds time) {
-  return std::ranges::none_of(objects_, [&](const Object& object) {
-    return time - object.seen <= kRemembered && overlap(object.box, box) >= kSameBox;
+bool LightFilter::was_object(const cv::Rect& box) const {
+  return std::ranges::any_of(objects_,
+                             [&](const Object& object) { return overlap(object.box, box) >= kSameBox; });
+}
+
+// What is left of a box. Adds to the ages and to what moves.
+std::vector<cv::Rect> LightFilter::examine(View& view, const cv::Rect& box, std::vector<GhostPart>& stays) {
+  const cv::Rect area = area_around(box, ground_.levels().size());
+  Part part{area, half_sized(view.foreground, area) > 127, {}, {}};
+  part.parts = parts_of(half_sized(view.frame, area), ground_.levels()(area), part.foreground, view.sigma);
+  std::vector<cv::Rect> left = without_light(part, box);
+  // Where there was light, it may be back in the next frame.
+  const bool beside_light = std::ranges::any_of(objects_, [&](const Object& object) {
+    return object.next == object.seen && (object.box & box).area() > 0;
   });
+  const bool plain = !beside_light && left.size() == 1 && left.front() == box;
+  const std::vector<cv::Rect> objects = left;
+  if (left.empty() && was_object(box)) {
+    left = {box};
+    part.object = part.foreground;
+  }
+  for (const cv::Rect& one : objects)
+    objects_.push_back({one, view.time, plain ? (view.time / kUnseen + 1) * kUnseen : view.time});
+  remember(part, view.elapsed, view.ages);
+  GhostPart found = stayed(part, view.ages);
+  if (!found.mask.empty()) stays.push_back(std::move(found));
+  if (!view.moves.empty()) view.moves(area) |= part.foreground & ~part.object;
+  return left;
 }
 
 LightFilter::Result LightFilter::look(const cv::Mat& frame, std::chrono::microseconds time,
                                       const std::vector<cv::Rect>& boxes, double sigma,
                                       const Foreground& foreground) {
-  Result result;
   const cv::Size half = half_of(frame.size());
-  cv::Mat moves = cv::Mat::zeros(half, CV_8U);
-  cv::Mat ages = cv::Mat::zeros(cells_of(half), CV_32F);
   const float elapsed = std::chrono::duration<float>(time - last_).count();
-  cv::Mat mask;
-  std::vector<cv::Rect> found_objects;
+  last_ = time;
+  if (ages_.empty()) ages_ = cv::Mat::zeros(cells_of(half), CV_32F);
+  View view{frame, time, sigma, {}, cv::Mat::zeros(ages_.size(), CV_32F), {}, elapsed};
+  const bool learns = ground_.is_due(time);
+  if (learns) view.moves = cv::Mat::zeros(half, CV_8U);
+  std::erase_if(objects_, [&](const Object& object) { return time - object.seen > kRemembered; });
+  Result result;
   for (const cv::Rect& box : boxes) {
-    const cv::Rect area = area_around(box, half);
-    if (ground_.levels().empty() || area.empty()) {
+    if (ground_.levels().empty() || box.width < 2 || box.height < 2 || is_plain(box, time)) {
       result.boxes.push_back({box});
       continue;
     }
-    if (mask.empty()) mask = foreground();
-    Part part{area, half_sized(mask, area) > 127, {}, {}};
-    part.parts = parts_of(half_sized(frame, area), ground_.levels()(area), part.foreground, sigma);
-    result.boxes.push_back(without_light(part, box));
-    found_objects.insert(found_objects.end(), result.boxes.back().begin(), result.boxes.back().end());
-    if (result.boxes.back().empty() && !is_only_light(box, time)) {
-      result.boxes.back() = {box};
-      part.object = part.foreground;
-    }
-    remember(part, elapsed, ages);
-    GhostPart found = stayed(part, ages);
-    if (!found.mask.empty()) result.parts.push_back(std::move(found));
-    cv::Mat light;
-    cv::dilate(part.foreground & ~part.object, light, cv::Mat::ones(5, 5, CV_8U));
-    moves(area) |= light;
+    if (view.foreground.empty()) view.foreground = foreground();
+    result.boxes.push_back(examine(view, box, result.parts));
   }
+  ages_ = view.ages;
+  if (!learns) return result;
   for (const std::vector<cv::Rect>& left : result.boxes) {
     for (const cv::Rect& box : left)
-      moves(cv::Rect(box.x / 2 - 4, box.y / 2 - 4, box.width / 2 + 9, box.height / 2 + 9) & cv::Rect({}, half))
+      view.moves(cv::Rect(box.x / 2, box.y / 2, box.width / 2 + 1, box.height / 2 + 1) & cv::Rect({}, half))
           .setTo(255);
   }
-  std::erase_if(objects_, [&](const Object& object) { return time - object.seen > kRemembered; });
-  for (const cv::Rect& box : found_objects) objects_.push_back({box, time});
-  ages_ = ages;
-  last_ = time;
-  ground_.learn(frame, time, moves);
+  ground_.learn(frame, time, view.moves);
   return result;
 }
 

@@ -33,19 +33,23 @@ class LightFilter {
 
  private:
   struct Part;
-  std::vector<cv::Rect> without_light(Part& part, const cv::Rect& box) const;
-  void remember(const Part& part, float elapsed, cv::Mat& ages) const;
-  GhostPart stayed(const Part& part, cv::Mat& ages) const;
-
+  struct View;
   struct Object {
     cv::Rect box;
     std::chrono::microseconds seen;
+    std::chrono::microseconds next;  // look at it
   };
-  bool is_only_light(const cv::Rect& box, std::chrono::microseconds time);
+
+  bool is_plain(const cv::Rect& box, std::chrono::microseconds time);
+  bool was_object(const cv::Rect& box) const;
+  std::vector<cv::Rect> examine(View& view, const cv::Rect& box, std::vector<GhostPart>& stays);
+  std::vector<cv::Rect> without_light(Part& part, const cv::Rect& box) const;
+  void remember(const Part& part, float elapsed, cv::Mat& ages) const;
+  static GhostPart stayed(const Part& part, cv::Mat& ages);
 
   Ground ground_;
-  std::vector<Object> objects_;
-  cv::Mat ages_;  // CV_32F, of the cells: seconds in which there was light
+  std::vector<Object> objects_;  // of the last frames
+  cv::Mat ages_;                 // CV_32F, of the cells: seconds in which there was light
   std::chrono::microseconds last_{0};
 };
 

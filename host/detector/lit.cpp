@@ -15,28 +15,30 @@ namespace {
 constexpr float kDarkest = -1.5F;   // gain; deep shadow
 constexpr float kBrightest = 2.5F;  // the beam of a headlight
 constexpr float kColour = 0.12F;    // difference of the channels' gains
+constexpr float kSameColour = 0.03F;
 constexpr float kSteep = 0.06F;     // per pixel: the outline of something
-constexpr float kSameGain = 0.05F;      // gain against that of the ground around
+constexpr float kSameGain = 0.05F;  // gain against that of the ground around
 constexpr int kSaturated = 250;     // grey levels; such pixels have lost colour and texture
 
-constexpr int kWindow = 9;                  // in which textures are compared
-constexpr float kLargest = 0.12F;           // detail; larger ones count as this, so that no edge outweighs all
-constexpr float kKept = 0.6F;               // of the texture
-constexpr float kAnother = 0.4F;            // of it, up to which it is another texture
-constexpr float kSure = 0.2F;               // standard error with which it is
-constexpr int kFewestCompared = 20;                 // pixels in the window
-constexpr float kTextured = 2;              // variance of the texture against that of the noise
-constexpr int kCluster = 12;                // pixels with kept texture that are no chance
-constexpr double kPart = 0.15;              // of a region whose texture must be kept
-constexpr double kForEach = 3;                 // for each of another texture
-constexpr double kGroundToCompare = 0.25;   // of an area: enough to know its gain
-constexpr float kGroundNoise = 0.38F;       // of the average, against that of a frame: sqrt(1 / 7)
-constexpr float kHalved = 0.6F;             // noise at half the size, which neighbours share in part
+constexpr int kWindow = 9;                 // in which textures are compared
+constexpr float kLargest = 0.12F;          // detail; larger ones count as this, so that no edge outweighs all
+constexpr float kKept = 0.6F;              // of the texture
+constexpr float kAnother = 0.4F;           // of it, up to which it is another texture
+constexpr float kSure = 0.2F;              // standard error with which it is
+constexpr int kFewestCompared = 20;        // pixels in the window
+constexpr float kTextured = 2;             // variance of the texture against that of the noise
+constexpr int kCluster = 12;               // pixels with kept texture that are no chance
+constexpr double kPart = 0.1;             // of a region whose texture must be kept
+constexpr double kForEach = 3;             // for each of another texture
+constexpr double kGroundToCompare = 0.25;  // of an area: enough to know its gain
+constexpr float kGroundNoise = 0.45F;      // of the average, against that of a frame: sqrt(1 / 5)
+constexpr float kHalved = 0.6F;            // noise at half the size, which neighbours share in part
 constexpr float kPerLevel = static_cast<float>(std::numbers::log2e);  // d log2(x) / dx at 1
 
 struct Gains {
   cv::Mat gain;    // CV_32F, smoothed
   cv::Mat noise;   // of a pixel's gain
+  cv::Mat colour;  // difference of the channels' gains
   cv::Mat may_be;  // 255: foreground that may be light by gain and colours
 };
 
@@ -45,7 +47,8 @@ Gains compare(const cv::Mat& now, const cv::Mat& levels, const cv::Mat& ground, 
   cv::Mat smooth;
   cv::blur(levels - ground, smooth, {3, 3});
   const cv::Size size = now.size();
-  Gains gains{cv::Mat(size, CV_32F), cv::Mat(size, CV_32F), cv::Mat::zeros(size, CV_8U)};
+  Gains gains{cv::Mat(size, CV_32F), cv::Mat(size, CV_32F), cv::Mat(size, CV_32F),
+              cv::Mat::zeros(size, CV_8U)};
   const float noise_at_one = kPerLevel * kHalved * static_cast<float>(sigma);
   for (int y = 0; y < size.height; ++y) {
     const auto* pixel = now.ptr<cv::Vec3b>(y);
@@ -58,6 +61,7 @@ Gains compare(const cv::Mat& now, const cv::Mat& levels, const cv::Mat& ground, 
       const float noise = noise_at_one / std::exp2(std::min(level[x][1], before[x][1]));
       gains.gain.at<float>(y, x) = gain;
       gains.noise.at<float>(y, x) = noise;
+      gains.colour.at<float>(y, x) = most - least;
       if (foreground.at<std::uint8_t>(y, x) == 0) continue;
       const bool white = gain > 0 && std::max({pixel[x][0], pixel[x][1], pixel[x][2]}) >= kSaturated;
       const bool colours = white || most - least <= kColour + noise;
@@ -105,8 +109,7 @@ Textures textures_of(const cv::Mat& now, const cv::Mat& levels, const cv::Mat& g
     for (int x = 0; x < size.width; ++x) {
       product[x] = {};
       if (may_be[x] == 0 || std::max({pixel[x][0], pixel[x][1], pixel[x][2]}) >= kSaturated) continue;
-      const float other =
-          std::clamp(detail.at<float>(y, x) - before.at<float>(y, x), -kLargest, kLargest);
+      const float other = std::clamp(detail.at<float>(y, x) - before.at<float>(y, x), -kLargest, kLargest);
       const float own = std::clamp(before.at<float>(y, x), -kLargest, kLargest);
       product[x] = {1, own * own - noise_at(y, x), own * (own + other), other * other};
     }
@@ -120,7 +123,8 @@ Textures textures_of(const cv::Mat& now, const cv::Mat& levels, const cv::Mat& g
       if (count < kFewestCompared || variance <= kTextured * count * noise_at(y, x)) continue;
       const float slope = common / variance;
       const float error = std::sqrt(difference / count / variance);
-      if (slope > kKept && slope > 4 * error) textures.kept.at<std::uint8_t>(y, x) = 255;
+      const float errors = gains.colour.at<float>(y, x) <= kSameColour ? 3.2F : 4.2F;
+      if (slope > kKept && slope > errors * error) textures.kept.at<std::uint8_t>(y, x) = 255;
       if (slope < kAnother && error < kSure) textures.another.at<std::uint8_t>(y, x) = 255;
     }
   }
@@ -143,8 +147,7 @@ cv::Mat lit_regions(const Gains& gains, const Textures& textures) {
   cv::Mat labels;
   cv::Mat figures;
   cv::Mat centres;
-  const int count =
-      cv::connectedComponentsWithStats(smooth_part(gains), labels, figures, centres, 4, CV_32S);
+  const int count = cv::connectedComponentsWithStats(smooth_part(gains), labels, figures, centres, 4, CV_32S);
   std::vector<int> kept(count);
   std::vector<int> another(count);
   for (int y = 0; y < labels.rows; ++y) {
@@ -172,8 +175,7 @@ cv::Mat kept_clusters(const Textures& textures) {
   cv::Mat labels;
   cv::Mat figures;
   cv::Mat centres;
-  const int count =
-      cv::connectedComponentsWithStats(textures.kept, labels, figures, centres, 8, CV_32S);
+  const int count = cv::connectedComponentsWithStats(textures.kept, labels, figures, centres, 8, CV_32S);
   cv::Mat clusters = textures.kept.clone();
   for (int y = 0; y < labels.rows; ++y) {
     for (int x = 0; x < labels.cols; ++x) {
