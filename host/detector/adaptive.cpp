@@ -20,10 +20,13 @@ using std::chrono::milliseconds;
 // Once the noise is known, two successive frames of so many are compared.
 constexpr std::int64_t kSeldom = 6;
 
+constexpr double kUsualNoise = 2;  // grey levels, before it is known
+
 }  // namespace
 
 Adaptive::Adaptive(const Document& document, cv::Size analysed)
     : analysed_(analysed),
+      regions_(document.text),
       chooses_sensitivity_(!sets(readDocument(document.text), "sensitivity")),
       chooses_peel_(!sets(readDocument(document.text), "peel")),
       detector_(made(document)) {}
@@ -41,6 +44,7 @@ lightmotion::Detector Adaptive::made(const Document& document) const {
 void Adaptive::restart() {
   detector_.reset();
   ghosts_.forget();
+  light_.forget();
   noise_.interrupt();
   clutter_.interrupt();
 }
@@ -53,12 +57,46 @@ Boxes Adaptive::process(const cv::Mat& image, std::int64_t stated) {
   std::vector<cv::Rect> outlines;
   for (const lightmotion_box& found : detector_.process(picture.data, picture.step, stated)) {
     const cv::Rect2d area(found.rel_x, found.rel_y, found.rel_width, found.rel_height);
-    boxes.push_back({.area = clipped(area), .regions = names_of(found)});
+    boxes.push_back({.area = clipped(area), .regions = names_of(found), .examined = true});
     outlines.emplace_back(found.x, found.y, found.width, found.height);
   }
   take_back(picture, time, outlines);
+  boxes = without_light(picture, time, boxes, outlines);
   if (chooses_peel_ && clutter_.update(outlines, time)) apply();
   return boxes;
+}
+
+Boxes Adaptive::without_light(const cv::Mat& picture, microseconds time, const Boxes& boxes,
+                              const std::vector<cv::Rect>& outlines) {
+  const double noise = noise_.sigma().value_or(kUsualNoise);
+  const LightFilter::Result result =
+      light_.look(picture, time, outlines, noise, [this] { return foreground(); });
+  for (const GhostPart& part : result.parts) relearn(part);
+  Boxes left;
+  for (std::size_t i = 0; i < boxes.size(); ++i) {
+    const std::vector<cv::Rect>& parts = result.boxes[i];
+    if (parts.empty() || parts.front() == outlines[i]) {
+      left.push_back(boxes[i]);
+      left.back().by_light = parts.empty();
+      continue;
+    }
+    for (const cv::Rect& part : parts) left.push_back(part_of(boxes[i], part));
+  }
+  return left;
+}
+
+// Its regions are those of the box that the part overlaps.
+Box Adaptive::part_of(const Box& box, const cv::Rect& part) const {
+  const double width = analysed_.width;
+  const double height = analysed_.height;
+  Box smaller = box;
+  smaller.area = clipped({part.x / width, part.y / height, part.width / width, part.height / height});
+  if (box.regions.size() < 2) return smaller;
+  const std::vector<std::string> touched = regions_.touched(smaller.area);
+  std::erase_if(smaller.regions,
+                [&](const std::string& name) { return std::ranges::find(touched, name) == touched.end(); });
+  if (smaller.regions.empty()) smaller.regions = box.regions;
+  return smaller;
 }
 
 void Adaptive::measure(const cv::Mat& picture, microseconds time) {
@@ -81,6 +119,12 @@ void Adaptive::apply() {
   if (told_) told_(chosen());
 }
 
+const cv::Mat& Adaptive::foreground() {
+  foreground_.create(analysed_, CV_8U);
+  lightmotion_foreground(detector_.get(), foreground_.data, foreground_.step);
+  return foreground_;
+}
+
 LearnedPictures Adaptive::learned(const cv::Rect& area) const {
   const auto [x, y, width, height] = area;
   LearnedPictures pictures{cv::Mat(area.size(), CV_8U), cv::Mat(area.size(), CV_8UC3)};
@@ -93,10 +137,13 @@ LearnedPictures Adaptive::learned(const cv::Rect& area) const {
 
 void Adaptive::take_back(const cv::Mat& picture, microseconds time, const std::vector<cv::Rect>& boxes) {
   for (const GhostPart& part :
-       ghosts_.look(picture, time, boxes, [this](const cv::Rect& area) { return learned(area); })) {
-    detector_.relearn(part.area.x, part.area.y, part.area.width, part.area.height, part.mask.data,
-                      part.mask.step);
-  }
+       ghosts_.look(picture, time, boxes, [this](const cv::Rect& area) { return learned(area); }))
+    relearn(part);
+}
+
+void Adaptive::relearn(const GhostPart& part) {
+  detector_.relearn(part.area.x, part.area.y, part.area.width, part.area.height, part.mask.data,
+                    part.mask.step);
 }
 
 std::vector<std::string> Adaptive::names_of(const lightmotion_box& box) const {

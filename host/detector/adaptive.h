@@ -1,6 +1,6 @@
 // A detector that adapts to its scene: it chooses the size in which frames are analysed, measures the noise
-// of the picture and chooses sensitivity and peeling by it, and takes back the places that something has
-// left.
+// of the picture and chooses sensitivity and peeling by it, takes back the places that something has left,
+// and removes light and shadow from boxes.
 #pragma once
 
 #include <chrono>
@@ -12,7 +12,9 @@
 #include "host/detector/clutter.h"
 #include "host/detector/detector.h"
 #include "host/detector/ghosts.h"
+#include "host/detector/light_filter.h"
 #include "host/detector/noise.h"
+#include "host/detector/regions.h"
 #include "lightmotion/lightmotion.hpp"
 
 namespace lm::host::detector {
@@ -39,17 +41,26 @@ class Adaptive : public Detector {
   lightmotion::Detector made(const Document& document) const;
   void measure(const cv::Mat& picture, std::chrono::microseconds time);
   void apply();
+  const cv::Mat& foreground();
   LearnedPictures learned(const cv::Rect& area) const;
+  Boxes without_light(const cv::Mat& picture, std::chrono::microseconds time, const Boxes& boxes,
+                      const std::vector<cv::Rect>& outlines);
+  Box part_of(const Box& box, const cv::Rect& part) const;
+  void relearn(const GhostPart& part);
   void take_back(const cv::Mat& picture, std::chrono::microseconds time, const std::vector<cv::Rect>& boxes);
   std::vector<std::string> names_of(const lightmotion_box& box) const;
 
   cv::Size analysed_;
+  Regions regions_;
   bool chooses_sensitivity_, chooses_peel_;
   NoiseMeter noise_;
   NoiseRule rule_;
   ClutterRule clutter_;
   lightmotion::Detector detector_;
   Ghosts ghosts_;
+  LightFilter light_;
+  cv::Mat
+      foreground_;  // of the last frame, for those who ask; kept because large blocks are slow to allocate
   std::int64_t frames_ = 0;
   std::function<void(const std::string&)> told_;
 };

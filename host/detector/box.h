@@ -11,6 +11,7 @@ namespace lm::host::detector {
 struct Box {
   cv::Rect2d area{};                   // fractions of the frame, clipped to it
   std::vector<std::string> regions{};  // names of the regions of interest touched, in the document's order
+  bool examined = false;               // whether the detector has decided by_light, by texture
   // The following are set by host/events.
   bool by_light = false;               // caused by a lighting change, not by motion
   std::int64_t id = 0;                 // of the object in it; 0 if unknown

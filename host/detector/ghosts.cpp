@@ -25,11 +25,6 @@ constexpr double kMovedPart = 0.01;  // of the pixels: something moves inside
 constexpr int kSmallest = 30;        // pixels of a component that is looked at
 constexpr int kAround = 8;           // pixels of the ground around a box that are looked at
 
-double overlap(const cv::Rect& a, const cv::Rect& b) {
-  const double common = (a & b).area();
-  return common / (static_cast<double>(a.area()) + b.area() - common);
-}
-
 cv::Rect grown(const cv::Rect& box, int by, const cv::Size& frame) {
   return cv::Rect(box.x - by, box.y - by, box.width + 2 * by, box.height + 2 * by) & cv::Rect({}, frame);
 }
@@ -93,6 +88,11 @@ Components components_of(const cv::Mat& foreground, const cv::Rect& area, const 
 }
 
 }  // namespace
+
+double overlap(const cv::Rect& a, const cv::Rect& b) {
+  const double common = (a & b).area();
+  return common / (static_cast<double>(a.area()) + b.area() - common);
+}
 
 double edges_in_picture(const cv::Mat& picture, const cv::Mat& background, const cv::Mat& mask) {
   cv::Mat inside;

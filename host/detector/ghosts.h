@@ -18,6 +18,9 @@
 
 namespace lm::host::detector {
 
+// Intersection over union.
+double overlap(const cv::Rect& a, const cv::Rect& b);
+
 // Where the edges along the outline of `mask` are: from -1, all in the background, to 1, all in the picture.
 // 0 if there are none. Pictures of the same size and type, 8 bits per channel; `mask`: one byte per pixel,
 // not 0 inside.

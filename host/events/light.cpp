@@ -88,6 +88,7 @@ void LightWatch::forget() {
   looks_.clear();
   lit_.reset();
   change_.reset();
+  shown_until_ = -1s;
 }
 
 LightWatch::Cells LightWatch::changed_cells(const Look& before, const Look& now) const {
@@ -135,7 +136,20 @@ bool LightWatch::made_by_light(const cv::Rect2d& box) const {
   return over > 0 && over >= std::min(own, lit) / 2;
 }
 
+// Boxes of light are kept when they cover enough, and then until they are gone.
+void LightWatch::judge_examined(Observation& seen) {
+  const double share = share_under(boxes_of_kind(seen.boxes, EventKind::kLight));
+  if (share >= kLeastUnderBoxes) shown_until_ = seen.time + kSpan;
+  if (share == 0 || seen.time > shown_until_) {
+    seen.boxes = boxes_of_kind(seen.boxes, EventKind::kMotion);
+    return;
+  }
+  shown_until_ = seen.time + kSpan;
+  seen.light = change_.value_or(LightChange{looks_.front().brightness, seen.brightness, share});
+}
+
 void LightWatch::judge(Observation& seen) {
+  if (std::ranges::any_of(seen.boxes, &Box::examined)) return judge_examined(seen);
   if (lit_.none()) return;
   for (Box& box : seen.boxes) box.by_light = made_by_light(box.area);
   if (share_under(boxes_of_kind(seen.boxes, EventKind::kLight)) < kLeastUnderBoxes) {

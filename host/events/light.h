@@ -46,12 +46,14 @@ class LightWatch {
   void track_change(const Look& now);
   bool made_by_light(const cv::Rect2d& box) const;
   void judge(Observation& seen);
+  void judge_examined(Observation& seen);
 
   Cells watched_;
   std::deque<Look> looks_;  // the last half second, oldest first
   Cells lit_;               // recent lighting changes
   std::chrono::microseconds lit_until_{0};
   std::optional<LightChange> change_;
+  std::chrono::microseconds shown_until_{-1};  // boxes that are known to be light
 };
 
 }  // namespace lm::host::events

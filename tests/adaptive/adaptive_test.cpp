@@ -136,6 +136,61 @@ TEST(Adaptive, TakesBackLightThatStays) {
   EXPECT_THAT(watched.boxes(), IsEmpty());
 }
 
+// The same lamp: it is light from the first frame on, and learned half a second later.
+TEST(Adaptive, ALampMakesBoxesOfLightOnly) {
+  const cv::Mat dark = test::ground(kFrame, 5);
+  cv::Mat lit = dark.clone();
+  lit(cv::Rect(60, 60, 120, 100)) *= 1.4;
+  Watched watched(1);
+  watched.frames(dark, 60);
+  for (int i = 0; i < 12; ++i) {
+    watched.frames(lit, 1);
+    ASSERT_THAT(watched.boxes(), Not(IsEmpty())) << i;
+    for (const Box& box : watched.boxes()) EXPECT_TRUE(box.by_light && box.examined) << i;
+  }
+  watched.frames(lit, 4);
+  EXPECT_THAT(watched.boxes(), IsEmpty());
+}
+
+// Somebody of 16 x 41 pixels with a shadow of 60 x 12 at the foot.
+TEST(Adaptive, AShadowIsNoPartOfABox) {
+  const cv::Mat empty = test::ground(kFrame, 5);
+  const test::Thing person = test::person(16, 3);
+  Watched watched(1);
+  watched.frames(empty, 60);
+  for (int k = 0; k < 10; ++k) {
+    cv::Mat scene = empty.clone();
+    const cv::Point at(60 + 5 * k, 100);
+    scene(cv::Rect(at.x + 14, at.y + 29, 60, 12)) *= 0.6;
+    test::draw(scene, person, at, 70);
+    watched.frames(scene, 1);
+    ASSERT_EQ(watched.boxes().size(), 1U) << k;
+    const cv::Rect2d& box = watched.boxes()[0].area;
+    EXPECT_FALSE(watched.boxes()[0].by_light);
+    EXPECT_NEAR(box.x * kFrame.width, at.x, 3) << k;
+    EXPECT_NEAR(box.width * kFrame.width, 16, 8) << k;
+    EXPECT_NEAR(box.height * kFrame.height, 41, 5) << k;
+  }
+}
+
+// Somebody walks while everything becomes brighter by a third.
+TEST(Adaptive, APersonInChangingLightHasABoxOfTheirOwn) {
+  const cv::Mat empty = test::ground(kFrame, 5);
+  const test::Thing person = test::person(24, 3);
+  Watched watched(1);
+  watched.frames(empty, 60);
+  int found = 0;
+  for (int k = 0; k < 20; ++k) {
+    cv::Mat scene = empty.clone();
+    test::draw(scene, person, {40 + 5 * k, 100}, 60);
+    scene *= 1 + 0.03 * std::min(k, 11);
+    watched.frames(scene, 1);
+    for (const Box& box : watched.boxes())
+      found += !box.by_light && box.area.width < 0.2 && box.area.height < 0.4;
+  }
+  EXPECT_GE(found, 18);
+}
+
 TEST(Adaptive, RestartsWithAFirstFrame) {
   const cv::Mat empty = test::ground(kFrame, 5);
   const cv::Mat other = test::ground(kFrame, 6);

@@ -190,4 +190,43 @@ TEST_F(Light, CountsWhereThePluginLooks) {
   EXPECT_EQ(flags(seen), Flags{false});
 }
 
+// ---- boxes that the detector has examined
+// -------------------------------------------------------------------
+
+class Examined : public Light {
+ protected:
+  Observation see_boxes(const cv::Mat& image, const std::vector<std::pair<cv::Rect2d, bool>>& boxes) {
+    Observation seen;
+    seen.time = time_;
+    for (const auto& [area, by_light] : boxes)
+      seen.boxes.push_back({.area = area, .examined = true, .by_light = by_light});
+    time_ += 100ms;
+    watch_.look(image, seen);
+    return seen;
+  }
+};
+
+TEST_F(Examined, StayObjectsWhereTheLightingChanges) {
+  see(scene_);
+  EXPECT_EQ(flags(see_boxes(in_light(scene_, 1, 40), {{kAll, false}})), Flags{false});
+}
+
+// 0.3 x 0.4 of the frame is 12 %, 0.3 x 0.3 is 9 %.
+TEST_F(Examined, OfLightAreALightingChangeFromATenthOfTheFrameOn) {
+  see(scene_);
+  EXPECT_EQ(flags(see_boxes(scene_, {{{0, 0, 0.3, 0.3}, true}})), Flags{}) << "a shadow is nothing";
+  const Observation seen = see_boxes(in_light(scene_, 1, 4), {{{0, 0, 0.3, 0.4}, true}, {kAll, false}});
+  EXPECT_EQ(flags(seen), (Flags{true, false}));
+  ASSERT_TRUE(seen.light);
+  EXPECT_GT(seen.light->after, seen.light->before);
+}
+
+TEST_F(Examined, OfALightingChangeStayUntilTheyAreGone) {
+  see(scene_);
+  see_boxes(scene_, {{{0, 0, 0.3, 0.4}, true}});
+  EXPECT_EQ(flags(see_boxes(scene_, {{{0, 0, 0.3, 0.3}, true}})), Flags{true});
+  for (int i = 0; i < 6; ++i) see_boxes(scene_, {{kAll, false}});
+  EXPECT_EQ(flags(see_boxes(scene_, {{{0, 0, 0.3, 0.3}, true}})), Flags{});
+}
+
 }  // namespace

@@ -75,7 +75,6 @@ def test_a_lamp_is_no_motion(tmp_path):
     stage.background *= 0.6
     stage.effects.append(Switched(stage.camera, 8, 100, 0.5, 0.2))
     disturbed(stage, 8, 12, "lamp")
-    # The preset auto keeps a part of the lit desk as foreground (docs/quality.md, Limits).
-    truth, figures = measured(stage, tmp_path / "lamp.mkv", "--preset street")
+    truth, figures = measured(stage, tmp_path / "lamp.mkv")
     assert figures["events_true"] == 0
     assert figures["events_false"] == 0
