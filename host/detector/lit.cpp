@@ -22,13 +22,13 @@ constexpr int kSaturated = 250;     // grey levels; such pixels have lost colour
 
 constexpr int kWindow = 9;                 // in which textures are compared
 constexpr float kLargest = 0.12F;          // detail; larger ones count as this, so that no edge outweighs all
-constexpr float kKept = 0.6F;              // of the texture
+constexpr float kTextureKept = 0.6F;       // of the texture
 constexpr float kAnother = 0.4F;           // of it, up to which it is another texture
 constexpr float kSure = 0.2F;              // standard error with which it is
 constexpr int kFewestCompared = 20;        // pixels in the window
 constexpr float kTextured = 2;             // variance of the texture against that of the noise
 constexpr int kCluster = 12;               // pixels with kept texture that are no chance
-constexpr double kPart = 0.1;             // of a region whose texture must be kept
+constexpr double kPart = 0.1;              // of a region whose texture must be kept
 constexpr double kForEach = 3;             // for each of another texture
 constexpr double kGroundToCompare = 0.25;  // of an area: enough to know its gain
 constexpr float kGroundNoise = 0.45F;      // of the average, against that of a frame: sqrt(1 / 5)
@@ -124,7 +124,7 @@ Textures textures_of(const cv::Mat& now, const cv::Mat& levels, const cv::Mat& g
       const float slope = common / variance;
       const float error = std::sqrt(difference / count / variance);
       const float errors = gains.colour.at<float>(y, x) <= kSameColour ? 3.2F : 4.2F;
-      if (slope > kKept && slope > errors * error) textures.kept.at<std::uint8_t>(y, x) = 255;
+      if (slope > kTextureKept && slope > errors * error) textures.kept.at<std::uint8_t>(y, x) = 255;
       if (slope < kAnother && error < kSure) textures.another.at<std::uint8_t>(y, x) = 255;
     }
   }
