@@ -199,7 +199,7 @@ class Examined : public Light {
     Observation seen;
     seen.time = time_;
     for (const auto& [area, by_light] : boxes)
-      seen.boxes.push_back({.area = area, .examined = true, .by_light = by_light});
+      seen.boxes.push_back({.area = area, .by_light = by_light, .examined = true});
     time_ += 100ms;
     watch_.look(image, seen);
     return seen;
