@@ -44,19 +44,32 @@ bool areNear(const Piece& a, const Piece& b, bool small, std::int32_t longerSide
   return small && down.isShared() && gap <= across.shorter && 32 * gap <= longerSide;
 }
 
-// Joins the strong pieces that belong together, until none do.
+// The first piece in [first, end) that belongs to the one at `place`; `end` if there is none.
+std::size_t partnerOf(const std::vector<Piece>& strong, std::size_t place, std::size_t first, std::size_t end,
+                      const GroupRule& rule) {
+  while (first < end &&
+         !belongTogether(strong[std::min(place, first)], strong[std::max(place, first)], rule)) {
+    ++first;
+  }
+  return first;
+}
+
+// Joins the strong pieces that belong together, until none do: always the first one that has a partner with
+// the first of its partners.
 void joinStrong(std::vector<Piece>& strong, const GroupRule& rule) {
+  bool grown = false;  // so that one before it may have become its partner
   for (std::size_t i = 0; i < strong.size();) {
-    const auto partner =
-        std::find_if(strong.begin() + static_cast<std::ptrdiff_t>(i) + 1, strong.end(),
-                     [&](const Piece& other) { return belongTogether(strong[i], other, rule); });
-    if (partner == strong.end()) {
+    const std::size_t before = grown ? partnerOf(strong, i, 0, i, rule) : i;
+    const std::size_t partner = before < i ? before : partnerOf(strong, i, i + 1, strong.size(), rule);
+    grown = partner < strong.size();
+    if (!grown) {
       ++i;
       continue;
     }
-    strong[i] = around(strong[i], *partner);
-    strong.erase(partner);
-    i = 0;
+    const auto [kept, taken] = std::minmax(i, partner);
+    strong[kept] = around(strong[kept], strong[taken]);
+    strong.erase(strong.begin() + static_cast<std::ptrdiff_t>(taken));
+    i = kept;
   }
 }
 
@@ -91,6 +104,7 @@ bool belongTogether(const Piece& a, const Piece& b, const GroupRule& rule) {
 std::vector<Piece> grouped(const std::vector<Piece>& pieces, const GroupRule& rule) {
   std::vector<Piece> strong, weak;
   for (const Piece& piece : pieces) (piece.strong ? strong : weak).push_back(piece);
+  if (pieces.size() > mostPieces) return strong;
   do {
     joinStrong(strong, rule);
   } while (takeWeak(strong, weak, rule));

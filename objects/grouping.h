@@ -3,6 +3,7 @@
 // their sizes and on how they lie to each other, so that people in a group and cars in a queue stay apart.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <vector>
 
@@ -36,8 +37,12 @@ struct GroupRule {
 // The gap of a weak piece is at most its own longer side.
 bool belongTogether(const Piece& a, const Piece& b, const GroupRule& rule);
 
+// Every pair of pieces may have to be compared: a frame with more of them, which shows a storm or noise
+// rather than objects, would take too long.
+constexpr std::size_t mostPieces = 2000;
+
 // The objects: strong pieces, which take in what belongs to them until nothing more does. Weak pieces that
-// belong to none are left out.
+// belong to none are left out. Of more than `mostPieces`, each strong one is an object.
 std::vector<Piece> grouped(const std::vector<Piece>& pieces, const GroupRule& rule);
 
 }  // namespace lm

@@ -15,7 +15,7 @@ struct Destroyed {
   void operator()(lightmotion_detector* detector) const { lightmotion_destroy(detector); }
 };
 
-constexpr std::array<const char*, 22> members = {
+constexpr std::array<const char*, 23> members = {
     R"("sensitivity": 5)",
     R"("sensitivity": -1)",
     R"("sensitivity": null)",

@@ -176,6 +176,14 @@ TEST(Grouped, EndsWhereTooLittleIsFilled) {
   EXPECT_EQ(grouped({first, second, third}, side).size(), 1U);
 }
 
+TEST(Grouped, LeavesMorePiecesThanCanBeComparedAsTheyAre) {
+  Pieces all{body, weak(105, 236, 6, 6)};
+  while (all.size() < mostPieces) all.push_back(weak(400, 400, 4, 4));
+  EXPECT_EQ(grouped(all, side), Pieces{joined(100, 200, 20, 42, 600 + 36)});
+  all.push_back(weak(400, 400, 4, 4));
+  EXPECT_EQ(grouped(all, side), Pieces{body});
+}
+
 TEST(Grouped, KeepsTheOrderOfThePieces) {
   const Piece other = strong(300, 100, 20, 30);
   EXPECT_EQ(grouped({other, body, weak(105, 236, 6, 6)}, side),
