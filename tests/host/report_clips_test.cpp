@@ -104,11 +104,11 @@ TEST_P(Copied, PacketsAreThoseOfTheFileFromTheKeyFrameBeforeToTheEndWithSound) {
   EXPECT_NEAR(sound.back().time, first + 3, 0.15);
 }
 
-INSTANTIATE_TEST_SUITE_P(All, Copied,
-                         testing::Values(CopyCase{"H264", "a.mp4",
-                                                  "-c:v libx264 -preset veryfast -bf 2 -c:a aac", "mp4"},
-                                         CopyCase{"OfCameras", "a.mkv", "-c:v mpeg4 -c:a pcm_mulaw", "matroska"}),
-                         [](const auto& copied) { return std::string(copied.param.name); });
+INSTANTIATE_TEST_SUITE_P(
+    All, Copied,
+    testing::Values(CopyCase{"H264", "a.mp4", "-c:v libx264 -preset veryfast -bf 2 -c:a aac", "mp4"},
+                    CopyCase{"OfCameras", "a.mkv", "-c:v mpeg4 -c:a pcm_mulaw", "matroska"}),
+    [](const auto& copied) { return std::string(copied.param.name); });
 
 TEST(Copied, Mp4HasItsIndexAtTheFrontForBrowsers) {
   const Folder folder;
