@@ -46,8 +46,8 @@ void Engine::copyBackground(const Area& area, std::uint8_t* pixels, std::size_t 
   for (std::int32_t i = 0; i < area.height; ++i) {
     std::uint8_t* to = pixels + static_cast<std::size_t>(i) * stride;
     std::memset(to, 0, width * channels);
-    const auto y = static_cast<std::size_t>(area.y + i);
-    const RowPlanes row = memory_.row(area.y + i);
+    const std::int32_t y = area.y + i;
+    const RowPlanes row = memory_.row(y);
     const auto copy = [&](std::size_t x, std::size_t length) {
       for (std::size_t channel = 0; channel < shape_.planes(); ++channel) {
         const std::uint8_t* from = row.background[channel] + x;
@@ -56,7 +56,8 @@ void Engine::copyBackground(const Area& area, std::uint8_t* pixels, std::size_t 
       }
     };
     forEachRun(row.region, first, first + width, copy);
-    if (!added_.empty()) forEachRun(added_.data() + y * shape_.blocks(), first, first + width, copy);
+    if (!added_.empty())
+      forEachRun(added_.data() + static_cast<std::size_t>(y) * shape_.blocks(), first, first + width, copy);
   }
 }
 
