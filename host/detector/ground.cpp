@@ -12,7 +12,6 @@ using namespace std::chrono_literals;
 constexpr auto kLearnEach = 500ms;  // frames that are learned
 constexpr int kGradual = 17;        // pixels of the half size
 constexpr int kAveraged = 3;        // of these frames, about
-constexpr int kBoxMargin = 4;       // around boxes, in pixels of the half size
 
 // Small enough to tell dark surfaces apart, large enough that their noise is not all that remains.
 constexpr double kOffset = 4;

@@ -63,16 +63,16 @@ std::vector<cv::Rect> objects_in(cv::Mat left, const cv::Mat& known, int light) 
   cv::Mat figures;
   cv::Mat centres;
   const int count = cv::connectedComponentsWithStats(left, labels, figures, centres, 8, CV_32S);
-  std::vector<int> own(count);
+  cv::Mat_<int> own(1, count, 0);  // pixels of each label
   for (int y = 0; y < labels.rows; ++y) {
-    for (int x = 0; x < labels.cols; ++x) own[labels.at<int>(y, x)] += known.at<std::uint8_t>(y, x) / 255;
+    for (int x = 0; x < labels.cols; ++x) own(0, labels.at<int>(y, x)) += known.at<std::uint8_t>(y, x) / 255;
   }
   std::vector<cv::Rect> places;
   for (int label = 1; label < count; ++label) {
     const int* of = figures.ptr<int>(label);
     const int area = of[cv::CC_STAT_AREA];
     const bool large = area >= std::max<double>(kFewestLeft, kSmallestLeft * light);
-    if (large && (own[label] >= kOwn * area || area > 2 * light)) {
+    if (large && (own(0, label) >= kOwn * area || area > 2 * light)) {
       places.emplace_back(of[cv::CC_STAT_LEFT], of[cv::CC_STAT_TOP], of[cv::CC_STAT_WIDTH],
                           of[cv::CC_STAT_HEIGHT]);
     } else {
@@ -107,6 +107,7 @@ std::vector<cv::Rect> LightFilter::without_light(Part& part, const cv::Rect& box
   const std::vector<cv::Rect> places = objects_in(left(inside), part.parts.object(inside), light);
   part.object = left;
   std::vector<cv::Rect> boxes;
+  boxes.reserve(places.size());
   for (const cv::Rect& place : places) boxes.push_back(place + inside.tl() + part.area.tl());
   const cv::Size half = ground_.levels().size();
   join(boxes, static_cast<int>(kLeftGap * std::max(half.width, half.height)));
@@ -232,9 +233,10 @@ LightFilter::Result LightFilter::look(const cv::Mat& frame, std::chrono::microse
   ages_ = view.ages;
   if (!learns) return result;
   for (const std::vector<cv::Rect>& left : result.boxes) {
-    for (const cv::Rect& box : left)
+    for (const cv::Rect& box : left) {
       view.moves(cv::Rect(box.x / 2, box.y / 2, box.width / 2 + 1, box.height / 2 + 1) & cv::Rect({}, half))
           .setTo(255);
+    }
   }
   ground_.learn(frame, time, view.moves);
   return result;

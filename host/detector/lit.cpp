@@ -148,22 +148,22 @@ cv::Mat lit_regions(const Gains& gains, const Textures& textures) {
   cv::Mat figures;
   cv::Mat centres;
   const int count = cv::connectedComponentsWithStats(smooth_part(gains), labels, figures, centres, 4, CV_32S);
-  std::vector<int> kept(count);
-  std::vector<int> another(count);
+  cv::Mat_<int> kept(1, count, 0);  // pixels of each label
+  cv::Mat_<int> another(1, count, 0);
   for (int y = 0; y < labels.rows; ++y) {
     for (int x = 0; x < labels.cols; ++x) {
       const int label = labels.at<int>(y, x);
-      kept[label] += textures.kept.at<std::uint8_t>(y, x) / 255;
-      another[label] += textures.another.at<std::uint8_t>(y, x) / 255;
+      kept(0, label) += textures.kept.at<std::uint8_t>(y, x) / 255;
+      another(0, label) += textures.another.at<std::uint8_t>(y, x) / 255;
     }
   }
   cv::Mat lit = cv::Mat::zeros(labels.size(), CV_8U);
   for (int y = 0; y < labels.rows; ++y) {
     for (int x = 0; x < labels.cols; ++x) {
       const int label = labels.at<int>(y, x);
-      const bool is_lit = label > 0 && kept[label] >= kCluster &&
-                          kept[label] >= kPart * figures.at<int>(label, cv::CC_STAT_AREA) &&
-                          kept[label] >= kForEach * another[label];
+      const bool is_lit = label > 0 && kept(0, label) >= kCluster &&
+                          kept(0, label) >= kPart * figures.at<int>(label, cv::CC_STAT_AREA) &&
+                          kept(0, label) >= kForEach * another(0, label);
       if (is_lit) lit.at<std::uint8_t>(y, x) = 255;
     }
   }

@@ -42,7 +42,8 @@ void ClutterMap::each_place(Places& places, const cv::Rect2d& box, Call call) co
     for (int column = index(box.x / aspect_, kAcross); column <= index(box.br().x / aspect_, kAcross);
          ++column) {
       const cv::Rect2d place(column * wide, row * high, wide, high);
-      call(places[static_cast<std::size_t>(row * kAcross + column)], (place & box).area());
+      const int number = row * kAcross + column;
+      call(places[static_cast<std::size_t>(number)], (place & box).area());
     }
   }
 }
@@ -62,8 +63,8 @@ void ClutterMap::add(Kind kind, const cv::Rect2d& box, double seconds) {
     if (area >= rim) add_to(place);
   });
   const cv::Point2d centre = (box.tl() + box.br()) / 2;
-  add_to(
-      areas_[static_cast<std::size_t>(index(centre.y, kAreas) * kAreas + index(centre.x / aspect_, kAreas))]);
+  const int area = index(centre.y, kAreas) * kAreas + index(centre.x / aspect_, kAreas);
+  add_to(areas_[static_cast<std::size_t>(area)]);
 }
 
 void ClutterMap::pass(std::chrono::microseconds time) {

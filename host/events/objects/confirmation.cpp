@@ -69,6 +69,7 @@ std::vector<Standing> Confirmation::update(microseconds time, const std::vector<
   }
   std::erase_if(records_, [&](const auto& record) { return time - record.second.seen > 2 * memory_; });
   std::vector<Standing> result;
+  result.reserve(objects.size());
   for (const TrackedBox& box : objects) result.push_back(standing(box));
   return result;
 }
