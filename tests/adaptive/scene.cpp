@@ -24,8 +24,12 @@ cv::Mat ground(cv::Size size, std::uint64_t seed) {
   scene += texture(size, 12, 8, random);
   scene += texture(size, 40, 14, random);
   for (int i = 0; i < 25; ++i) {
-    const cv::Rect block(random.uniform(0, size.width), random.uniform(0, size.height),
-                         random.uniform(10, size.width / 5), random.uniform(10, size.height / 4));
+    // One after the other: compilers differ in the order in which they evaluate arguments.
+    cv::Rect block;
+    block.height = random.uniform(10, size.height / 4);
+    block.width = random.uniform(10, size.width / 5);
+    block.y = random.uniform(0, size.height);
+    block.x = random.uniform(0, size.width);
     scene(block & cv::Rect({}, size)) += cv::Scalar::all(random.uniform(-40, 40));
   }
   cv::GaussianBlur(scene, scene, {3, 3}, 0.6);
