@@ -11,13 +11,12 @@ namespace lm::host::detector {
 struct Box {
   cv::Rect2d area{};                   // fractions of the frame, clipped to it
   std::vector<std::string> regions{};  // names of the regions of interest touched, in the document's order
-  // The following are set by host/events.
   bool by_light = false;               // caused by a lighting change, not by motion
+  // The following are set by host/events.
   std::int64_t id = 0;                 // of the object in it; 0 if unknown
   std::vector<std::int64_t> others{};  // ids of further objects in it
   bool confirmed = true;               // as an object; otherwise it is likely one
-  // The detector has compared its texture and has set by_light.
-  bool examined = false;
+  bool examined = false;               // the detector has set by_light; otherwise host/events does
 };
 
 using Boxes = std::vector<Box>;

@@ -19,9 +19,9 @@ struct Candidate {
 // another one is better, that is:
 //  - It finds what the start finds: as many marked spans of motion, with boxes in at least 19/20 of the
 //    frames; where no motion is marked, at least 99/100 of the boxes around what moves.
-//  - It has boxes in fewer frames of the quiet spans, in proved ones in at most half as many
-//    and at least five fewer; or in as many, and finds more in marked motion: a further span, or boxes in
-//    more than 20/19 of the frames. If the start finds nothing in marked motion, anything found is better.
+//  - It has boxes in fewer frames of the quiet spans, in proved ones in at most half as many and at least
+//    five fewer; or in as many, and finds more in marked motion: a further span, or boxes in more than 20/19
+//    of the frames. If the start finds nothing in marked motion, anything found is better.
 // Of those that are better: fewest frames with boxes in quiet spans, then most spans of motion found, then at
 // least 19/20 of the most frames with boxes in marked motion, then nearest to the start.
 std::size_t choose(const std::vector<Candidate>& all, const Marks& marks);

@@ -12,7 +12,7 @@ constexpr auto kStep = 1s;               // of forgetting
 constexpr double kFading = 120;          // seconds
 constexpr double kFew = 0.25;            // seconds of clutter that do not count yet
 constexpr double kMostly = 0.75;         // share of a box, or of the picture
-constexpr double kSmallest = 1.0 / 128;  // edge of what is told apart by size
+constexpr double kSmallest = 1.0 / 128;  // boxes below this edge count as one size
 constexpr std::size_t kHalf = 2;         // half octaves
 
 int index(double share, int count) { return std::clamp(static_cast<int>(share * count), 0, count - 1); }
