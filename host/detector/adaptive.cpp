@@ -70,7 +70,7 @@ Boxes Adaptive::without_light(const cv::Mat& picture, microseconds time, const B
                               const std::vector<cv::Rect>& outlines) {
   const double noise = noise_.sigma().value_or(kUsualNoise);
   const LightFilter::Result result =
-      light_.look(picture, time, outlines, noise, [this] { return foreground(); });
+      light_.look(picture, time, outlines, noise, [this](const cv::Rect& area) { return foreground(area); });
   for (const GhostPart& part : result.parts) relearn(part);
   Boxes left;
   for (std::size_t i = 0; i < boxes.size(); ++i) {
@@ -119,20 +119,18 @@ void Adaptive::apply() {
   if (told_) told_(chosen());
 }
 
-const cv::Mat& Adaptive::foreground() {
-  foreground_.create(analysed_, CV_8U);
-  lightmotion_foreground(detector_.get(), foreground_.data, foreground_.step);
-  return foreground_;
+cv::Mat Adaptive::foreground(const cv::Rect& area) const {
+  const auto [x, y, width, height] = area;
+  cv::Mat part(area.size(), CV_8U);
+  lightmotion_foreground_part(detector_.get(), x, y, width, height, part.data, part.step);
+  return part;
 }
 
 LearnedPictures Adaptive::learned(const cv::Rect& area) const {
   const auto [x, y, width, height] = area;
-  LearnedPictures pictures{cv::Mat(area.size(), CV_8U), cv::Mat(area.size(), CV_8UC3)};
-  cv::Mat& foreground = pictures.foreground;
-  cv::Mat& background = pictures.background;
-  lightmotion_foreground_part(detector_.get(), x, y, width, height, foreground.data, foreground.step);
+  cv::Mat background(area.size(), CV_8UC3);
   lightmotion_background_part(detector_.get(), x, y, width, height, background.data, background.step);
-  return pictures;
+  return {foreground(area), background};
 }
 
 void Adaptive::take_back(const cv::Mat& picture, microseconds time, const std::vector<cv::Rect>& boxes) {

@@ -41,7 +41,7 @@ class Adaptive : public Detector {
   lightmotion::Detector made(const Document& document) const;
   void measure(const cv::Mat& picture, std::chrono::microseconds time);
   void apply();
-  const cv::Mat& foreground();
+  cv::Mat foreground(const cv::Rect& area) const;
   LearnedPictures learned(const cv::Rect& area) const;
   Boxes without_light(const cv::Mat& picture, std::chrono::microseconds time, const Boxes& boxes,
                       const std::vector<cv::Rect>& outlines);
@@ -59,8 +59,6 @@ class Adaptive : public Detector {
   lightmotion::Detector detector_;
   Ghosts ghosts_;
   LightFilter light_;
-  cv::Mat
-      foreground_;  // of the last frame, for those who ask; kept because large blocks are slow to allocate
   std::int64_t frames_ = 0;
   std::function<void(const std::string&)> told_;
 };

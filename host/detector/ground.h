@@ -12,29 +12,29 @@ namespace lm::host::detector {
 // Half of a frame's size; one pixel of it is two by two of the frame.
 cv::Size half_of(const cv::Size& frame);
 
-// Levels of brightness: the binary logarithm of each channel plus an offset, so that another light adds the
-// same to all of a surface. CV_32FC3.
-cv::Mat levels_of(const cv::Mat& picture);
-
 // The part `area`, in pixels of the half size, of a frame.
 cv::Mat half_sized(const cv::Mat& frame, const cv::Rect& area);
 
 class Ground {
  public:
+  static constexpr int kCell = 4;   // side in pixels of the half size
+  static constexpr int kOne = 128;  // a grey level in the picture
+
+  // Of a frame of half this size.
+  static cv::Size cells_of(const cv::Size& half);
+
   // Whether a frame of this time would be learned.
   bool is_due(std::chrono::microseconds time) const { return learned_ == 0 || time >= next_; }
 
-  // A frame, 8 bits with three channels. `moves`: of half its size, not 0 where nothing is learned.
+  // A frame, 8 bits with three channels. `moves`, CV_8U: its cells, not 0 where nothing is learned.
   void learn(const cv::Mat& frame, std::chrono::microseconds time, const cv::Mat& moves);
 
-  // Levels at half the size; empty before the first frame.
-  const cv::Mat& levels() const { return levels_; }
-
-  // The next frame does not follow the last one.
-  void forget() { *this = {}; }
+  // CV_16SC3, in parts of a grey level, of half a frame's size; empty before the first frame.
+  const cv::Mat& picture() const { return picture_; }
 
  private:
-  cv::Mat levels_;
+  cv::Mat picture_;
+  cv::Mat now_;  // a frame at half its size; kept because large blocks are slow to allocate
   std::chrono::microseconds next_{0};
   int learned_ = 0;  // frames, up to those of the average
 };

@@ -10,10 +10,11 @@ namespace lm::host::detector {
 namespace {
 
 using namespace std::chrono_literals;
+using std::chrono::microseconds;
 
 // Pixels are those of the half size.
-constexpr int kCell = 4;                // side
-constexpr int kGroundAround = 8;        // of the ground around a box; a multiple of kCell
+constexpr int kCell = Ground::kCell;
+constexpr int kGroundAround = 4;        // of the ground around a box; a multiple of kCell
 constexpr float kStays = 0.5F;          // seconds after which light is learned
 constexpr double kLeastLight = 0.03;    // of the foreground in a box
 constexpr double kSmallestLeft = 0.01;  // of the foreground in a box, for a part that is left
@@ -25,13 +26,12 @@ constexpr double kWhole = 0.9;          // of a box's width and height: nothing 
 constexpr auto kRemembered = 300ms;  // an object, in which its place is not only light
 constexpr double kSameBox = 0.3;     // intersection over union of its place
 constexpr double kSameObject = 0.5;  // ... of an object in two frames
-// Between two looks at objects without light; at all in the same frame, because the foreground is copied.
-constexpr std::chrono::microseconds kUnseen = 400ms;
+// Between two looks at objects without light.
+constexpr microseconds kUnseen = 400ms;
+constexpr microseconds kBack = 300ms;  // in which light that is gone may be back
 
 int up(int value) { return (value + kCell - 1) / kCell * kCell; }
 int down(int value) { return value / kCell * kCell; }
-
-cv::Size cells_of(const cv::Size& half) { return {up(half.width) / kCell, up(half.height) / kCell}; }
 
 // The box and some ground around it, in whole cells but for the frame's right and lower border.
 cv::Rect area_around(const cv::Rect& box, const cv::Size& half) {
@@ -39,6 +39,23 @@ cv::Rect area_around(const cv::Rect& box, const cv::Size& half) {
   const cv::Point to(up((box.x + box.width + 1) / 2) + kGroundAround,
                      up((box.y + box.height + 1) / 2) + kGroundAround);
   return cv::Rect(from, to) & cv::Rect({}, half);
+}
+
+cv::Rect doubled(const cv::Rect& area) { return {2 * area.x, 2 * area.y, 2 * area.width, 2 * area.height}; }
+
+// The cells that a box of the frame touches.
+cv::Rect cells_over(const cv::Rect& box) {
+  constexpr int kSide = 2 * kCell;
+  return {cv::Point(box.x / kSide, box.y / kSide),
+          cv::Point((box.x + box.width) / kSide + 1, (box.y + box.height) / kSide + 1)};
+}
+
+// At half the size: what is set in at least half of its pixels.
+cv::Mat half_of_mask(const cv::Mat& mask) {
+  cv::Mat half;
+  cv::resize(mask, half, mask.size() / 2, 0, 0, cv::INTER_AREA);
+  cv::threshold(half, half, 127, 255, cv::THRESH_BINARY);
+  return half;
 }
 
 bool are_close(const cv::Rect& a, const cv::Rect& b, int gap) {
@@ -92,6 +109,17 @@ struct LightFilter::Part {
   cv::Mat object;      // what is left without light, 255 inside
 };
 
+// A frame that is looked at.
+struct LightFilter::View {
+  const cv::Mat& frame;
+  microseconds time;
+  double sigma;
+  const Foreground& foreground;
+  cv::Mat ages;   // the next ones
+  cv::Mat moves;  // of the cells, 255 where the ground is not learned
+  float elapsed;  // seconds since the last one
+};
+
 // Sets what is left, and returns the boxes around it.
 std::vector<cv::Rect> LightFilter::without_light(Part& part, const cv::Rect& box) const {
   const cv::Rect inside =
@@ -109,7 +137,7 @@ std::vector<cv::Rect> LightFilter::without_light(Part& part, const cv::Rect& box
   std::vector<cv::Rect> boxes;
   boxes.reserve(places.size());
   for (const cv::Rect& place : places) boxes.push_back(place + inside.tl() + part.area.tl());
-  const cv::Size half = ground_.levels().size();
+  const cv::Size half = ground_.picture().size();
   join(boxes, static_cast<int>(kLeftGap * std::max(half.width, half.height)));
   for (cv::Rect& one : boxes)
     one = cv::Rect(2 * one.x - 1, 2 * one.y - 1, 2 * one.width + 2, 2 * one.height + 2) & box;
@@ -118,16 +146,20 @@ std::vector<cv::Rect> LightFilter::without_light(Part& part, const cv::Rect& box
   return boxes;
 }
 
-// Counts the time in which there was light.
-void LightFilter::remember(const Part& part, float elapsed, cv::Mat& ages) const {
-  const cv::Mat light = part.foreground & ~part.object;
+// Counts the time in which there was light, and keeps the ground there from being learned.
+void LightFilter::remember(const Part& part, View& view) const {
   for (int y = 0; y < part.area.height; ++y) {
-    const auto* lit = light.ptr<std::uint8_t>(y);
+    const auto* foreground = part.foreground.ptr<std::uint8_t>(y);
+    const auto* object = part.object.ptr<std::uint8_t>(y);
     const int row = (part.area.y + y) / kCell;
+    const auto* before = ages_.ptr<float>(row);
+    auto* age = view.ages.ptr<float>(row);
+    auto* moves = view.moves.ptr<std::uint8_t>(row);
     for (int x = 0; x < part.area.width; ++x) {
-      if (lit[x] == 0) continue;
+      if (foreground[x] == 0 || object[x] != 0) continue;
       const int column = (part.area.x + x) / kCell;
-      ages.at<float>(row, column) = ages_.at<float>(row, column) + elapsed;
+      age[column] = before[column] + view.elapsed;
+      moves[column] = 255;
     }
   }
 }
@@ -152,24 +184,13 @@ GhostPart LightFilter::stayed(const Part& part, cv::Mat& ages) {
   cv::Mat left;
   cv::dilate(part.object, left, cv::Mat::ones(3, 3, CV_8U));
   stays &= ~left;
-  GhostPart found{{2 * part.area.x, 2 * part.area.y, 2 * part.area.width, 2 * part.area.height}, {}};
+  GhostPart found{doubled(part.area), {}};
   cv::resize(stays, found.mask, found.area.size(), 0, 0, cv::INTER_NEAREST);
   return found;
 }
 
-// A frame that is looked at.
-struct LightFilter::View {
-  const cv::Mat& frame;
-  std::chrono::microseconds time;
-  double sigma;
-  cv::Mat foreground;  // of the frame
-  cv::Mat ages;        // the next ones
-  cv::Mat moves;       // of the half size, 255 where the ground is not learned
-  float elapsed;       // seconds since the last one
-};
-
 // Whether it was looked at lately and is an object without light.
-bool LightFilter::is_plain(const cv::Rect& box, std::chrono::microseconds time) {
+bool LightFilter::is_plain(const cv::Rect& box, microseconds time) {
   for (Object& object : objects_) {
     if (time >= object.next || overlap(object.box, box) < kSameObject) continue;
     object.box = box;
@@ -187,56 +208,63 @@ bool LightFilter::was_object(const cv::Rect& box) const {
 
 // What is left of a box. Adds to the ages and to what moves.
 std::vector<cv::Rect> LightFilter::examine(View& view, const cv::Rect& box, std::vector<GhostPart>& stays) {
-  const cv::Rect area = area_around(box, ground_.levels().size());
-  Part part{area, half_sized(view.foreground, area) > 127, {}, {}};
-  part.parts = parts_of(half_sized(view.frame, area), ground_.levels()(area), part.foreground, view.sigma);
+  const cv::Rect area = area_around(box, ground_.picture().size());
+  Part part{area, half_of_mask(view.foreground(doubled(area))), {}, {}};
+  const cv::Mat ground = ground_.picture()(area).clone();  // copied row by row: it is far from the processor
+  part.parts = parts_of(half_sized(view.frame, area), ground, part.foreground, view.sigma);
   std::vector<cv::Rect> left = without_light(part, box);
-  // Where there was light, it may be back in the next frame.
-  const bool beside_light = std::ranges::any_of(objects_, [&](const Object& object) {
-    return object.next == object.seen && (object.box & box).area() > 0;
-  });
-  const bool plain = !beside_light && left.size() == 1 && left.front() == box;
+  const bool has_light = left.size() != 1 || left.front() != box;
   const std::vector<cv::Rect> objects = left;
   if (left.empty() && was_object(box)) {
     left = {box};
     part.object = part.foreground;
   }
-  for (const cv::Rect& one : objects)
-    objects_.push_back({one, view.time, plain ? (view.time / kUnseen + 1) * kUnseen : view.time});
-  remember(part, view.elapsed, view.ages);
+  add_objects(objects, has_light ? view.time : last_light(box), view.time);
+  if (part.object.data == part.foreground.data) return left;
+  remember(part, view);
   GhostPart found = stayed(part, view.ages);
   if (!found.mask.empty()) stays.push_back(std::move(found));
-  if (!view.moves.empty()) view.moves(area) |= part.foreground & ~part.object;
   return left;
 }
 
-LightFilter::Result LightFilter::look(const cv::Mat& frame, std::chrono::microseconds time,
+// When there was light in this place, as far as it is remembered.
+microseconds LightFilter::last_light(const cv::Rect& box) const {
+  microseconds last = microseconds::min();
+  for (const Object& object : objects_) {
+    if ((object.box & box).area() > 0) last = std::max(last, object.light);
+  }
+  return last;
+}
+
+// Where there was light it may be back in the next frame.
+void LightFilter::add_objects(const std::vector<cv::Rect>& boxes, microseconds light, microseconds time) {
+  const bool soon = light >= time - kBack;
+  for (const cv::Rect& box : boxes) objects_.push_back({box, time, soon ? time : time + kUnseen, light});
+}
+
+LightFilter::Result LightFilter::look(const cv::Mat& frame, microseconds time,
                                       const std::vector<cv::Rect>& boxes, double sigma,
                                       const Foreground& foreground) {
   const cv::Size half = half_of(frame.size());
   const float elapsed = std::chrono::duration<float>(time - last_).count();
   last_ = time;
-  if (ages_.empty()) ages_ = cv::Mat::zeros(cells_of(half), CV_32F);
-  View view{frame, time, sigma, {}, cv::Mat::zeros(ages_.size(), CV_32F), {}, elapsed};
-  const bool learns = ground_.is_due(time);
-  if (learns) view.moves = cv::Mat::zeros(half, CV_8U);
+  if (ages_.empty()) ages_ = cv::Mat::zeros(Ground::cells_of(half), CV_32F);
+  const cv::Size cells = ages_.size();
+  View view{frame,  time, sigma, foreground, cv::Mat::zeros(cells, CV_32F), cv::Mat::zeros(cells, CV_8U),
+            elapsed};
   std::erase_if(objects_, [&](const Object& object) { return time - object.seen > kRemembered; });
   Result result;
   for (const cv::Rect& box : boxes) {
-    if (ground_.levels().empty() || box.width < 2 || box.height < 2 || is_plain(box, time)) {
+    if (ground_.picture().empty() || box.width < 2 || box.height < 2 || is_plain(box, time)) {
       result.boxes.push_back({box});
       continue;
     }
-    if (view.foreground.empty()) view.foreground = foreground();
     result.boxes.push_back(examine(view, box, result.parts));
   }
   ages_ = view.ages;
-  if (!learns) return result;
+  if (!ground_.is_due(time)) return result;
   for (const std::vector<cv::Rect>& left : result.boxes) {
-    for (const cv::Rect& box : left) {
-      view.moves(cv::Rect(box.x / 2, box.y / 2, box.width / 2 + 1, box.height / 2 + 1) & cv::Rect({}, half))
-          .setTo(255);
-    }
+    for (const cv::Rect& box : left) view.moves(cells_over(box) & cv::Rect({}, cells)).setTo(255);
   }
   ground_.learn(frame, time, view.moves);
   return result;

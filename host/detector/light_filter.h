@@ -13,8 +13,8 @@ namespace lm::host::detector {
 
 class LightFilter {
  public:
-  // The foreground of a frame: of its size, not 0 inside.
-  using Foreground = std::function<cv::Mat()>;
+  // The foreground in a part of a frame, CV_8U: 255 inside, else 0.
+  using Foreground = std::function<cv::Mat(const cv::Rect& area)>;
 
   struct Result {
     // For each box what is left of it: itself, smaller ones, or nothing if it was only light.
@@ -24,7 +24,7 @@ class LightFilter {
   };
 
   // Looks at a frame, 8 bits with three channels, and its boxes. `sigma`: its noise, in grey levels.
-  // `foreground` is called when there are boxes.
+  // `foreground` is called for boxes that are examined.
   Result look(const cv::Mat& frame, std::chrono::microseconds time, const std::vector<cv::Rect>& boxes,
               double sigma, const Foreground& foreground);
 
@@ -37,14 +37,18 @@ class LightFilter {
   struct Object {
     cv::Rect box;
     std::chrono::microseconds seen;
-    std::chrono::microseconds next;  // look at it
+    std::chrono::microseconds next;   // look at it
+    std::chrono::microseconds light;  // last time that there was some
   };
 
   bool is_plain(const cv::Rect& box, std::chrono::microseconds time);
   bool was_object(const cv::Rect& box) const;
   std::vector<cv::Rect> examine(View& view, const cv::Rect& box, std::vector<GhostPart>& stays);
   std::vector<cv::Rect> without_light(Part& part, const cv::Rect& box) const;
-  void remember(const Part& part, float elapsed, cv::Mat& ages) const;
+  std::chrono::microseconds last_light(const cv::Rect& box) const;
+  void add_objects(const std::vector<cv::Rect>& boxes, std::chrono::microseconds light,
+                   std::chrono::microseconds time);
+  void remember(const Part& part, View& view) const;
   static GhostPart stayed(const Part& part, cv::Mat& ages);
 
   Ground ground_;

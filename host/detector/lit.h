@@ -17,8 +17,9 @@ struct Parts {
   cv::Mat object;  // with colours or a texture of its own
 };
 
-// `now`, 8 bits with three channels, and `ground`, levels (ground.h): the same place at half the size of the
-// frame. `foreground`: 255 where the picture differs from the ground, else 0. `sigma`: noise of the frame.
+// `now`, 8 bits with three channels, and `ground`, of Ground::picture(): the same place at half the size of
+// the frame. `foreground`: 255 where the picture differs from the ground, else 0. `sigma`: noise of the
+// frame, in grey levels.
 Parts parts_of(const cv::Mat& now, const cv::Mat& ground, const cv::Mat& foreground, double sigma);
 
 }  // namespace lm::host::detector

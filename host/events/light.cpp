@@ -31,27 +31,31 @@ cv::Mat samples_of(const cv::Mat& image) {
   return grey;
 }
 
-cv::Rect cell(std::size_t index) {
-  const int number = static_cast<int>(index);
-  return {number % LightWatch::kAcross * kCellSide, number / LightWatch::kAcross * kCellSide, kCellSide,
-          kCellSide};
+// Calls `use` with the first sample of each row of a cell in both pictures.
+template <typename Use>
+void rows_of(std::size_t cell, const cv::Mat& one, const cv::Mat& other, const Use& use) {
+  const int number = static_cast<int>(cell);
+  const int column = number % LightWatch::kAcross * kCellSide;
+  const int row = number / LightWatch::kAcross * kCellSide;
+  for (int y = row; y < row + kCellSide; ++y)
+    use(one.ptr<std::uint8_t>(y) + column, other.ptr<std::uint8_t>(y) + column);
 }
 
-struct Comparison {
-  double step = 0;        // of the mean
-  bool textured = false;  // before or after
-  bool alike = false;     // the same texture
-};
+// Of the products of the samples.
+int sum_of_products(std::size_t cell, const cv::Mat& one, const cv::Mat& other) {
+  int sum = 0;
+  rows_of(cell, one, other, [&](const std::uint8_t* a, const std::uint8_t* b) {
+    for (int x = 0; x < kCellSide; ++x) sum += a[x] * b[x];
+  });
+  return sum;
+}
 
-Comparison compare(const cv::Mat& before, const cv::Mat& now) {
-  cv::Scalar mean[2];
-  cv::Scalar deviation[2];
-  cv::meanStdDev(before, mean[0], deviation[0]);
-  cv::meanStdDev(now, mean[1], deviation[1]);
-  const double scale = deviation[0][0] * deviation[1][0];
-  const double common = before.dot(now) / static_cast<double>(before.total()) - mean[0][0] * mean[1][0];
-  return {mean[1][0] - mean[0][0], std::max(deviation[0][0], deviation[1][0]) > kTexture,
-          scale > 0 && common / scale > kAlike};
+int sum_of(std::size_t cell, const cv::Mat& samples) {
+  int sum = 0;
+  rows_of(cell, samples, samples, [&](const std::uint8_t* row, const std::uint8_t*) {
+    for (int x = 0; x < kCellSide; ++x) sum += row[x];
+  });
+  return sum;
 }
 
 // The share of the frame inside the box and over such cells.
@@ -91,14 +95,40 @@ void LightWatch::forget() {
   shown_until_ = -1s;
 }
 
+LightWatch::Look LightWatch::look_at(const cv::Mat& image, std::chrono::microseconds time) {
+  Look look{time, samples_of(image), {}, 0};
+  for (std::size_t i = 0; i < kCells; ++i) {
+    look.sums[i] = {sum_of(i, look.samples), sum_of_products(i, look.samples, look.samples)};
+    look.brightness += look.sums[i].values;
+  }
+  look.brightness /= static_cast<double>(look.samples.total());
+  return look;
+}
+
+// The textures are compared where the mean has changed.
+LightWatch::Comparison LightWatch::compare(const Look& before, const Look& now, std::size_t cell) {
+  constexpr double kSamples = kCellSide * kCellSide;
+  const double mean[] = {before.sums[cell].values / kSamples, now.sums[cell].values / kSamples};
+  Comparison result{mean[1] - mean[0]};
+  if (std::abs(result.step) <= kCellStep) return result;
+  const double variance[] = {before.sums[cell].squares / kSamples - mean[0] * mean[0],
+                             now.sums[cell].squares / kSamples - mean[1] * mean[1]};
+  const double common = sum_of_products(cell, before.samples, now.samples) / kSamples - mean[0] * mean[1];
+  const double scale = std::sqrt(std::max(0.0, variance[0] * variance[1]));
+  result.textured = std::max(variance[0], variance[1]) > kTexture * kTexture;
+  result.alike = scale > 0 && common / scale > kAlike;
+  return result;
+}
+
 LightWatch::Cells LightWatch::changed_cells(const Look& before, const Look& now) const {
   Cells changed[2];  // darker, brighter
   Cells textured;
   Cells alike;
   for (std::size_t i = 0; i < kCells; ++i) {
     if (!watched_[i]) continue;
-    const Comparison result = compare(before.samples(cell(i)), now.samples(cell(i)));
-    if (std::abs(result.step) > kCellStep) changed[result.step > 0 ? 1 : 0].set(i);
+    const Comparison result = compare(before, now, i);
+    if (std::abs(result.step) <= kCellStep) continue;
+    changed[result.step > 0 ? 1 : 0].set(i);
     textured[i] = result.textured;
     alike[i] = result.alike;
   }
@@ -160,8 +190,8 @@ void LightWatch::judge(Observation& seen) {
 }
 
 void LightWatch::look(const cv::Mat& image, Observation& seen) {
-  Look now{seen.time, samples_of(image), 0};
-  now.brightness = seen.brightness = cv::mean(now.samples)[0];
+  Look now = look_at(image, seen.time);
+  seen.brightness = now.brightness;
   // One from before the span is kept, so that there is always one, however low the frame rate.
   while (looks_.size() > 1 && looks_[1].time <= now.time - kSpan) looks_.pop_front();
   track_change(now);

@@ -7,6 +7,7 @@
 // detector needs to adapt.
 #pragma once
 
+#include <array>
 #include <bitset>
 #include <chrono>
 #include <deque>
@@ -36,11 +37,22 @@ class LightWatch {
   static constexpr std::size_t kCells = std::size_t{kAcross} * kDown;
   using Cells = std::bitset<kCells>;
 
+  struct Sums {
+    int values = 0, squares = 0;  // of the samples in a cell
+  };
   struct Look {
     std::chrono::microseconds time;
     cv::Mat samples;  // grey, several per cell
+    std::array<Sums, kCells> sums;
     double brightness;
   };
+  struct Comparison {
+    double step = 0;        // of the mean
+    bool textured = false;  // before or after
+    bool alike = false;     // the same texture
+  };
+  static Look look_at(const cv::Mat& image, std::chrono::microseconds time);
+  static Comparison compare(const Look& before, const Look& now, std::size_t cell);
   // The cells with the same texture in a different light, if there are enough of them.
   Cells changed_cells(const Look& before, const Look& now) const;
   void track_change(const Look& now);

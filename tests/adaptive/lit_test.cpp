@@ -24,10 +24,11 @@ class Lit : public testing::Test {
     cv::Mat place = scene(kPlace);
     change(place);
     test::Camera camera(sigma / 2, 7);
-    const cv::Mat levels = levels_of(camera.picture(ground_));
+    cv::Mat ground;
+    camera.picture(ground_).convertTo(ground, CV_16S, Ground::kOne);
     cv::Mat foreground = cv::Mat::zeros(kSize, CV_8U);
     foreground(kPlace) = 255;
-    return parts_of(camera.picture(scene), levels, foreground, sigma);
+    return parts_of(camera.picture(scene), ground, foreground, sigma);
   }
   static double share(const cv::Mat& mask, const cv::Rect& where = kInside) {
     return cv::countNonZero(mask(where)) / static_cast<double>(where.area());
@@ -96,21 +97,23 @@ TEST_F(Lit, IsUndecidedWhereThePictureIsSaturated) {
 TEST(Ground, IsTheAverageOfWhereNothingMoves) {
   using namespace std::chrono_literals;
   Ground ground;
-  cv::Mat nothing = cv::Mat::zeros(60, 80, CV_8U);
+  const auto level = [&](int x) { return ground.picture().at<cv::Vec3s>(30, x)[0] / double{Ground::kOne}; };
+  const cv::Mat nothing = cv::Mat::zeros(15, 20, CV_8U);
   cv::Mat left = nothing.clone();
-  left.colRange(0, 30) = 255;
+  left.colRange(0, 8) = 255;  // up to column 31
   ground.learn(cv::Mat(120, 160, CV_8UC3, cv::Scalar::all(60)), 0s, nothing);
-  EXPECT_FLOAT_EQ(ground.levels().at<cv::Vec3f>(0, 0)[0], 6);  // log2(60 + 4)
+  EXPECT_EQ(level(0), 60);
   ground.learn(cv::Mat(120, 160, CV_8UC3, cv::Scalar::all(124)), 100ms, left);
-  EXPECT_FLOAT_EQ(ground.levels().at<cv::Vec3f>(0, 79)[0], 6) << "not due";
+  EXPECT_EQ(level(79), 60) << "not due";
   ground.learn(cv::Mat(120, 160, CV_8UC3, cv::Scalar::all(124)), 500ms, left);
-  EXPECT_FLOAT_EQ(ground.levels().at<cv::Vec3f>(30, 10)[0], 6) << "something moves there";
-  EXPECT_FLOAT_EQ(ground.levels().at<cv::Vec3f>(30, 29)[0], 6);
-  EXPECT_FLOAT_EQ(ground.levels().at<cv::Vec3f>(30, 79)[0], 6.5) << "half of 6 and 7";
-  for (int x = 30; x < 79; ++x) {
-    const float step = ground.levels().at<cv::Vec3f>(30, x + 1)[0] - ground.levels().at<cv::Vec3f>(30, x)[0];
-    EXPECT_LT(step, 0.04) << "no edge at " << x;
-  }
+  EXPECT_EQ(level(10), 60) << "something moves there";
+  EXPECT_EQ(level(31), 60);
+  EXPECT_NEAR(level(79), 92, 0.02) << "half of 60 and 124";
+  for (int x = 31; x < 79; ++x) EXPECT_LT(level(x + 1) - level(x), 0.25 * 32) << "no edge at " << x;
+  ground.learn(cv::Mat(120, 160, CV_8UC3, cv::Scalar::all(122)), 1s, nothing);
+  EXPECT_NEAR(level(79), 102, 0.03) << "a third of the way from 92 to 122";
+  ground.learn(cv::Mat(120, 160, CV_8UC3, cv::Scalar::all(132)), 1500ms, nothing);
+  EXPECT_NEAR(level(79), 112, 0.04) << "a third again";
 }
 
 }  // namespace
