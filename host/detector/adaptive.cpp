@@ -18,7 +18,7 @@ using std::chrono::microseconds;
 using std::chrono::milliseconds;
 
 // Once the noise is known, two successive frames of so many are compared.
-constexpr std::int64_t kSeldom = 6;
+constexpr std::int64_t kSeldom = 10;
 
 constexpr double kUsualNoise = 2;  // grey levels, before it is known
 

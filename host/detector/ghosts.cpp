@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
 #include <opencv2/imgproc.hpp>
 #include <utility>
 
@@ -11,55 +12,116 @@ namespace {
 using namespace std::chrono_literals;
 using std::chrono::microseconds;
 
-constexpr auto kStands = 500ms;      // before the first look
-constexpr auto kBetween = 100ms;     // looks
-constexpr auto kLost = 300ms;        // after which a box is another one
-constexpr auto kAgain = 5s;          // after which what was decided is looked at again
-constexpr auto kMoves = 500ms;       // until it is looked at again if something moves in it
-constexpr int kLooks = 5;            // for a decision
-constexpr double kSame = 0.7;        // intersection over union of a box that stands still
-constexpr double kGhost = -0.1;      // mean of the looks up to which it is a ghost
-constexpr double kAlike = 0.6;       // of the texture: the same ground in another light
-constexpr int kMoved = 20;           // grey levels between two smoothed pictures, more than noise
-constexpr double kMovedPart = 0.01;  // of the pixels: something moves inside
-constexpr int kSmallest = 30;        // pixels of a component that is looked at
-constexpr int kAround = 8;           // pixels of the ground around a box that are looked at
+constexpr auto kStands = 400ms;       // before the first look
+constexpr auto kBetween = 100ms;      // looks
+constexpr auto kLost = 300ms;         // after which a box is another one
+constexpr auto kAgain = 5s;           // after which what was decided is looked at again
+constexpr auto kMoves = 500ms;        // until it is looked at again if something moves in it
+constexpr int kLooks = 5;             // after which it is decided
+constexpr double kSame = 0.8;         // intersection over union of a box that stands still
+constexpr double kGhost = -0.5;       // sum of these looks up to which it is a ghost
+constexpr double kSure = 1.5;         // sum of fewer looks that decides, from two on
+constexpr double kAlike = 0.6;        // of the texture: the same ground in another light
+constexpr int kMoved = 15;            // grey levels between two smoothed pictures, more than noise
+constexpr double kMovedPart = 0.01;   // of the pixels: something moves inside
+constexpr int kSmallest = 30;         // pixels of a component that is looked at
+constexpr int kAround = 8;            // pixels of the ground around a box that are looked at
+constexpr int kMostPixels = 64 * 64;  // of a box that is looked at in the size of the frame
 
 cv::Rect grown(const cv::Rect& box, int by, const cv::Size& frame) {
   return cv::Rect(box.x - by, box.y - by, box.width + 2 * by, box.height + 2 * by) & cv::Rect({}, frame);
 }
 
+// Twice, four times, ... smaller, so that the costs of a look do not grow with the box.
+int reduction_of(const cv::Rect& box) {
+  int times = 1;
+  while (box.area() > kMostPixels * times * times) times *= 2;
+  return times;
+}
+
+cv::Mat reduced(const cv::Mat& picture, int times, int interpolation) {
+  if (times == 1) return picture;
+  cv::Mat small;
+  const cv::Size size(std::max(1, picture.cols / times), std::max(1, picture.rows / times));
+  cv::resize(picture, small, size, 0, 0, interpolation);
+  return small;
+}
+
+// In grey, without much of the noise.
+cv::Mat smoothed(const cv::Mat& picture) {
+  cv::Mat grey = picture;
+  if (picture.channels() == 3) cv::cvtColor(picture, grey, cv::COLOR_BGR2GRAY);
+  cv::Mat smooth;
+  cv::GaussianBlur(grey, smooth, {5, 5}, 0);
+  return smooth;
+}
+
+cv::Mat smoothed(const cv::Mat& picture, int times) {
+  return smoothed(reduced(picture, times, cv::INTER_AREA));
+}
+
 struct Slopes {
-  cv::Mat x, y;  // CV_32F, as many channels as the picture
+  cv::Mat x, y;  // CV_16S
+
+  Slopes in(const cv::Rect& part) const { return {x(part), y(part)}; }
 };
 
-Slopes slopes_of(const cv::Mat& picture, double smoothing) {
-  cv::Mat smooth;
-  cv::GaussianBlur(picture, smooth, {}, smoothing);
+Slopes slopes_of(const cv::Mat& smooth) {
   Slopes slopes;
-  cv::Sobel(smooth, slopes.x, CV_32F, 1, 0);
-  cv::Sobel(smooth, slopes.y, CV_32F, 0, 1);
+  cv::Sobel(smooth, slopes.x, CV_16S, 1, 0);
+  cv::Sobel(smooth, slopes.y, CV_16S, 0, 1);
   return slopes;
 }
 
-// The slope of the picture across the outline, summed up along it.
-double across(const Slopes& outline, const cv::Mat& picture) {
-  const Slopes slopes = slopes_of(picture, 1);
-  const int channels = picture.channels();
-  double sum = 0;
-  for (int y = 0; y < picture.rows; ++y) {
-    const auto* outline_x = outline.x.ptr<float>(y);
-    const auto* outline_y = outline.y.ptr<float>(y);
-    const auto* slope_x = slopes.x.ptr<float>(y);
-    const auto* slope_y = slopes.y.ptr<float>(y);
-    for (int x = 0; x < picture.cols; ++x) {
-      for (int c = 0; c < channels; ++c) {
-        const int at = x * channels + c;
-        sum += std::abs(outline_x[x] * slope_x[at] + outline_y[x] * slope_y[at]);
+// The slopes of a picture across the outline, summed up along it.
+double across(const Slopes& outline, const Slopes& slopes) {
+  std::int64_t sum = 0;
+  for (int y = 0; y < slopes.x.rows; ++y) {
+    const auto* outline_x = outline.x.ptr<std::int16_t>(y);
+    const auto* outline_y = outline.y.ptr<std::int16_t>(y);
+    const auto* slope_x = slopes.x.ptr<std::int16_t>(y);
+    const auto* slope_y = slopes.y.ptr<std::int16_t>(y);
+    for (int x = 0; x < slopes.x.cols; ++x)
+      sum += std::abs(outline_x[x] * slope_x[x] + outline_y[x] * slope_y[x]);
+  }
+  return static_cast<double>(sum);
+}
+
+// As edges_in_picture.
+double edges_in(const Slopes& now, const Slopes& before, const cv::Mat& mask) {
+  cv::Mat smooth;
+  cv::GaussianBlur(mask, smooth, {}, 1.5);
+  const Slopes outline = slopes_of(smooth);
+  const double in_picture = across(outline, now);
+  const double in_background = across(outline, before);
+  const double all = in_picture + in_background;
+  return all > 0 ? (in_picture - in_background) / all : 0;
+}
+
+// As texture_kept.
+double texture_in(const Slopes& now, const Slopes& before, const cv::Mat& mask) {
+  cv::Mat inside;
+  // Its outline may be that of light and shadow.
+  cv::erode(mask, inside, cv::Mat::ones(5, 5, CV_8U), {-1, -1}, 1, cv::BORDER_CONSTANT, cv::Scalar(0));
+  if (cv::countNonZero(inside) < kSmallest) return 0;
+  std::int64_t common = 0;
+  std::int64_t of_now = 0;
+  std::int64_t of_before = 0;
+  for (int y = 0; y < inside.rows; ++y) {
+    const unsigned char* chosen = inside.ptr(y);
+    for (const auto& [a, b] : {std::pair(&now.x, &before.x), std::pair(&now.y, &before.y)}) {
+      const auto* slope = a->ptr<std::int16_t>(y);
+      const auto* slope_before = b->ptr<std::int16_t>(y);
+      for (int x = 0; x < inside.cols; ++x) {
+        if (chosen[x] == 0) continue;
+        common += slope[x] * slope_before[x];
+        of_now += slope[x] * slope[x];
+        of_before += slope_before[x] * slope_before[x];
       }
     }
   }
-  return sum;
+  const double all = std::sqrt(static_cast<double>(of_now) * static_cast<double>(of_before));
+  return all > 0 ? static_cast<double>(common) / all : 0;
 }
 
 struct Components {
@@ -68,8 +130,8 @@ struct Components {
   std::vector<int> label;
 };
 
-// The components of the foreground in `area` that lie in the box, without holes of noise.
-Components components_of(const cv::Mat& foreground, const cv::Rect& area, const cv::Rect& box) {
+// The components of the foreground that touch `inside`, without holes of noise.
+Components components_of(const cv::Mat& foreground, const cv::Rect& inside) {
   cv::Mat closed;
   cv::morphologyEx(foreground, closed, cv::MORPH_CLOSE, cv::Mat::ones(5, 5, CV_8U));
   Components found;
@@ -80,8 +142,8 @@ Components components_of(const cv::Mat& foreground, const cv::Rect& area, const 
     const int* of = figures.ptr<int>(label);
     const cv::Rect place(of[cv::CC_STAT_LEFT], of[cv::CC_STAT_TOP], of[cv::CC_STAT_WIDTH],
                          of[cv::CC_STAT_HEIGHT]);
-    if (of[cv::CC_STAT_AREA] < kSmallest || (place & (box - area.tl())).empty()) continue;
-    found.around.push_back(grown(place, kAround, area.size()));
+    if (of[cv::CC_STAT_AREA] < kSmallest || (place & inside).empty()) continue;
+    found.around.push_back(grown(place, kAround, foreground.size()));
     found.label.push_back(label);
   }
   return found;
@@ -95,41 +157,11 @@ double overlap(const cv::Rect& a, const cv::Rect& b) {
 }
 
 double edges_in_picture(const cv::Mat& picture, const cv::Mat& background, const cv::Mat& mask) {
-  cv::Mat inside;
-  mask.convertTo(inside, CV_32F);
-  const Slopes outline = slopes_of(inside, 1.5);
-  const double in_picture = across(outline, picture);
-  const double in_background = across(outline, background);
-  const double all = in_picture + in_background;
-  return all > 0 ? (in_picture - in_background) / all : 0;
+  return edges_in(slopes_of(smoothed(picture)), slopes_of(smoothed(background)), mask);
 }
 
 double texture_kept(const cv::Mat& picture, const cv::Mat& background, const cv::Mat& mask) {
-  cv::Mat inside;
-  // Its outline may be that of light and shadow.
-  cv::erode(mask, inside, cv::Mat::ones(5, 5, CV_8U), {-1, -1}, 1, cv::BORDER_CONSTANT, cv::Scalar(0));
-  if (cv::countNonZero(inside) < kSmallest) return 0;
-  const Slopes now = slopes_of(picture, 1);
-  const Slopes before = slopes_of(background, 1);
-  double common = 0;
-  double of_now = 0;
-  double of_before = 0;
-  const int channels = picture.channels();
-  for (int y = 0; y < picture.rows; ++y) {
-    const unsigned char* chosen = inside.ptr(y);
-    for (const auto& [a, b] : {std::pair(&now.x, &before.x), std::pair(&now.y, &before.y)}) {
-      const auto* slope = a->ptr<float>(y);
-      const auto* slope_before = b->ptr<float>(y);
-      for (int i = 0; i < picture.cols * channels; ++i) {
-        if (chosen[i / channels] == 0) continue;
-        common += static_cast<double>(slope[i]) * slope_before[i];
-        of_now += static_cast<double>(slope[i]) * slope[i];
-        of_before += static_cast<double>(slope_before[i]) * slope_before[i];
-      }
-    }
-  }
-  const double all = std::sqrt(of_now * of_before);
-  return all > 0 ? common / all : 0;
+  return texture_in(slopes_of(smoothed(picture)), slopes_of(smoothed(background)), mask);
 }
 
 void Ghosts::follow(microseconds time, const std::vector<cv::Rect>& boxes) {
@@ -146,41 +178,50 @@ void Ghosts::follow(microseconds time, const std::vector<cv::Rect>& boxes) {
   std::erase_if(still_, [&](const Still& still) { return time - still.seen > kLost; });
 }
 
-// Whether something moves in the box since the last time.
-bool Ghosts::moves(Still& still, const cv::Mat& picture) {
-  cv::Mat now;
-  cv::blur(picture(still.box), now, {3, 3});
-  std::swap(now, still.before);
-  if (now.empty()) return false;
+// Whether something moves in the box since the last time. `now`: around it.
+bool Ghosts::moves(Still& still, const cv::Mat& now) {
+  const cv::Mat before = std::exchange(still.before, now);
+  if (before.empty()) return false;
   cv::Mat difference;
-  cv::absdiff(now, still.before, difference);
-  const cv::Mat moved = difference.reshape(1) > kMoved;
-  return cv::countNonZero(moved) > kMovedPart * static_cast<double>(moved.total());
+  cv::absdiff(now, before, difference);
+  return cv::countNonZero(difference > kMoved) > kMovedPart * static_cast<double>(now.total());
 }
 
-// The components of a box whose edges have been in the background.
-GhostPart Ghosts::ghosts_in(Still& still, const cv::Mat& picture, const Learned& learned_in) {
-  const cv::Rect area = grown(still.box, kAround, picture.size());
+// The components of a box whose edges have been in the background. Sets whether the look has decided.
+GhostPart Ghosts::ghosts_in(Still& still, const cv::Rect& area, const cv::Mat& picture,
+                            const Learned& learned_in) {
+  const int times = reduction_of(still.box);
   const LearnedPictures learned = learned_in(area);
-  const Components found = components_of(learned.foreground, area, still.box);
-  if (still.looks++ == 0) still.evidence = cv::Mat::zeros(area.size(), CV_32F);
-  GhostPart part{area, {}};
+  const cv::Mat foreground = reduced(learned.foreground, times, cv::INTER_NEAREST);
+  const cv::Rect box = still.box - area.tl();
+  const Components found =
+      components_of(foreground, {box.x / times, box.y / times, box.width / times, box.height / times});
+  const Slopes now = slopes_of(picture);
+  const Slopes before = slopes_of(smoothed(learned.background, times));
+  if (still.looks++ == 0) still.evidence = cv::Mat::zeros(foreground.size(), CV_32F);
+  cv::Mat ghosts;
+  still.decided = true;
   for (std::size_t i = 0; i < found.label.size(); ++i) {
     const cv::Rect& around = found.around[i];
     const cv::Mat mask = found.labels(around) == found.label[i];
-    const cv::Mat now = picture(area)(around);
-    const cv::Mat before = learned.background(around);
-    const bool light = texture_kept(now, before, mask) >= kAlike;
-    const double edges = light ? -1 : edges_in_picture(now, before, mask);
+    const Slopes shown = now.in(around);
+    const Slopes hidden = before.in(around);
+    const bool light = texture_in(shown, hidden, mask) >= kAlike;
+    const double edges = light ? -1 : edges_in(shown, hidden, mask);
     cv::Mat evidence = still.evidence(around);
     cv::add(evidence, cv::Scalar(edges), evidence, mask);
-    const bool ghost = edges < 0 && cv::mean(evidence, mask)[0] <= kGhost * kLooks;
-    if (still.looks < kLooks || !ghost) continue;
-    if (part.mask.empty()) part.mask = cv::Mat::zeros(area.size(), CV_8U);
-    part.mask(around) |= mask;
+    const double sum = cv::mean(evidence, mask)[0];
+    const bool decided = std::abs(sum) >= kSure || still.looks == kLooks;
+    still.decided = still.decided && decided;
+    if (!decided || edges >= 0 || sum > kGhost) continue;
+    if (ghosts.empty()) ghosts = cv::Mat::zeros(foreground.size(), CV_8U);
+    ghosts(around) |= mask;
   }
+  GhostPart part{area, {}};
+  if (ghosts.empty()) return part;
+  cv::resize(ghosts, part.mask, area.size(), 0, 0, cv::INTER_NEAREST);
   // Their rims have samples of both, because neighbours are learned too.
-  if (!part.mask.empty()) cv::dilate(part.mask, part.mask, cv::Mat::ones(5, 5, CV_8U));
+  cv::dilate(part.mask, part.mask, cv::Mat::ones(5, 5, CV_8U));
   return part;
 }
 
@@ -190,18 +231,20 @@ std::vector<GhostPart> Ghosts::look(const cv::Mat& picture, microseconds time,
   std::vector<GhostPart> parts;
   for (Still& still : still_) {
     if (still.seen != time || time < still.next) continue;
-    if (moves(still, picture)) {
+    const cv::Rect area = grown(still.box, kAround, picture.size());
+    const cv::Mat now = smoothed(picture(area), reduction_of(still.box));
+    if (moves(still, now)) {
       still.looks = 0;
       still.next = time + kMoves;
       continue;
     }
     still.next = time + kBetween;
-    GhostPart part = ghosts_in(still, picture, learned);
-    if (still.looks < kLooks) continue;
+    GhostPart part = ghosts_in(still, area, now, learned);
+    if (!part.mask.empty()) parts.push_back(std::move(part));
+    if (!still.decided) continue;
     still.looks = 0;
     still.before.release();
     still.next = time + kAgain;
-    if (!part.mask.empty()) parts.push_back(std::move(part));
   }
   return parts;
 }

@@ -60,14 +60,16 @@ class Ghosts {
     cv::Rect box;
     std::chrono::microseconds since, seen;
     std::chrono::microseconds next;  // when it is looked at again
-    cv::Mat before;                  // the box in the last frame that was compared, smoothed
+    cv::Mat before;                  // the picture around it that was compared last
     cv::Mat evidence;  // CV_32F, around the box: sum of edges_in_picture of the component at each pixel
     int looks = 0;
+    bool decided = false;  // by the last look
   };
 
   void follow(std::chrono::microseconds time, const std::vector<cv::Rect>& boxes);
-  static bool moves(Still& still, const cv::Mat& picture);
-  static GhostPart ghosts_in(Still& still, const cv::Mat& picture, const Learned& learned_in);
+  static bool moves(Still& still, const cv::Mat& now);
+  static GhostPart ghosts_in(Still& still, const cv::Rect& area, const cv::Mat& picture,
+                             const Learned& learned_in);
 
   std::vector<Still> still_;
 };

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
+#include <functional>
 #include <numeric>
 
 namespace lm::host::detector {
@@ -44,6 +45,25 @@ double median_of(const std::array<float, 256>& counts, double all) {
   return 0;
 }
 
+constexpr int kDifferences = 511;  // of two grey levels: -255 to 255
+
+std::size_t level_of(int brightness) {
+  return static_cast<std::size_t>(brightness >= kBrightness[0]) +
+         static_cast<std::size_t>(brightness >= kBrightness[1]);
+}
+
+// The place of the median of all rows together.
+template <std::size_t kRows>
+int median_of_all(const std::array<std::array<int, kDifferences>, kRows>& counts) {
+  std::array<int, kDifferences> sums{};
+  for (const auto& row : counts)
+    std::transform(row.begin(), row.end(), sums.begin(), sums.begin(), std::plus());
+  const int all = std::accumulate(sums.begin(), sums.end(), 0);
+  int place = 0;
+  for (int below = sums[0]; 2 * below < all; below += sums[static_cast<std::size_t>(place)]) ++place;
+  return place;
+}
+
 double weight_of(const std::array<float, 256>& counts) {
   return std::accumulate(counts.begin(), counts.end(), 0.0);
 }
@@ -80,37 +100,26 @@ std::vector<std::uint8_t> NoiseMeter::sampled(const cv::Mat& picture) const {
 
 // Adds the differences of a channel to what was measured.
 void NoiseMeter::compare(const std::vector<std::uint8_t>& now, int channel) {
-  std::array<int, 511> signed_counts{};
-  int counted = 0;
-  const auto for_each = [&](const auto& act) {
-    const auto step = static_cast<std::size_t>(channels_);
-    for (std::size_t i = 0; i * step < now.size(); ++i) {
-      if (repeated_[i / kGroup]) continue;
-      const std::size_t at = i * step + static_cast<std::size_t>(channel);
+  std::array<std::array<int, kDifferences>, kLevels> counts{};  // by level and difference
+  const auto step = static_cast<std::size_t>(channels_);
+  for (std::size_t group = 0; group < repeated_.size(); ++group) {
+    if (repeated_[group]) continue;
+    const std::size_t first = group * kGroup * step + static_cast<std::size_t>(channel);
+    for (std::size_t at = first; at < first + kGroup * step; at += step) {
       const int value = now[at];
       const int before = before_[at];
-      const bool clipped = std::min(value, before) < kClipped || std::max(value, before) > 255 - kClipped;
-      if (!clipped) act(value - before, (value + before) / 2);
+      if (std::min(value, before) < kClipped || std::max(value, before) > 255 - kClipped) continue;
+      ++counts[level_of((value + before) / 2)][static_cast<std::size_t>(value - before + 255)];
     }
-  };
-  for_each([&](int difference, int) {
-    const int at = difference + 255;
-    ++signed_counts[static_cast<std::size_t>(at)];
-    ++counted;
-  });
-  if (counted == 0) return;
-  int common = -255;  // of the whole picture
-  for (int below = 0; common < 255; ++common) {
-    const int at = common + 255;
-    below += signed_counts[static_cast<std::size_t>(at)];
-    if (2 * below >= counted) break;
   }
-  for_each([&](int difference, int brightness) {
-    const auto level = static_cast<std::size_t>(
-        std::count_if(kBrightness.begin(), kBrightness.end(), [&](int from) { return brightness >= from; }));
-    const int size = std::min(std::abs(difference - common), 255);
-    ++differences_[static_cast<std::size_t>(channel)][level][static_cast<std::size_t>(size)];
-  });
+  const int common = median_of_all(counts);  // of the whole picture
+  for (std::size_t level = 0; level < counts.size(); ++level) {
+    for (int at = 0; at < kDifferences; ++at) {
+      const int size = std::min(std::abs(at - common), 255);
+      differences_[static_cast<std::size_t>(channel)][level][static_cast<std::size_t>(size)] +=
+          static_cast<float>(counts[level][static_cast<std::size_t>(at)]);
+    }
+  }
 }
 
 void NoiseMeter::age(microseconds time) {

@@ -231,12 +231,12 @@ class Scene : public ::testing::Test {
   }
 };
 
-TEST_F(Scene, AGhostIsGoneWithinASecondAndAHalf) {
+TEST_F(Scene, AGhostIsGoneWithinASecond) {
   Site site(2, 1);
   site.frames(with(place_.tl()), 10);
   site.frames(empty_, 10);
   EXPECT_TRUE(site.covers(place_));
-  site.frames(empty_, 28);
+  site.frames(empty_, 14);
   EXPECT_EQ(site.relearned(), 1);
   EXPECT_TRUE(site.boxes().empty());
   site.frames(empty_, 50);
@@ -277,8 +277,8 @@ TEST_F(Scene, WhatHasTurnedOutToBeAnObjectIsSeldomLookedAtAgain) {
   site.frames(empty_, 10);
   site.frames(with(place_.tl()), 400);  // 16 s
   EXPECT_TRUE(site.covers(place_));
-  EXPECT_GE(site.asked(), 12);
-  EXPECT_LE(site.asked(), 24);
+  EXPECT_GE(site.asked(), 6);
+  EXPECT_LE(site.asked(), 12);
 }
 
 TEST_F(Scene, OnlyTheGhostIsLearnedAnew) {
