@@ -84,12 +84,18 @@ TEST_F(Objects, WhoLeavesTheFrameIsForgottenSoon) {
   EXPECT_EQ(see({border}), Ids({2}));
 }
 
-TEST_F(Objects, SharedBoxesHaveTheIdOfTheFirstAndNameTheOthers) {
+TEST_F(Objects, SharedBoxesHaveTheIdOfTheLargestAndNameTheOthers) {
+  const cv::Rect2d larger(0.6, 0.3, 0.15, 0.5);
+  stand({kLeft, larger});
+  EXPECT_EQ(see({kLeft | larger}), Ids({2}));
+  EXPECT_EQ(last_[0].others, Ids({1}));
+  EXPECT_EQ(see({larger, kLeft}), Ids({2, 1})) << "apart again";
+  EXPECT_TRUE(last_[0].others.empty());
+}
+
+TEST_F(Objects, OfTheSameSizeShareABoxWithTheIdOfTheFirst) {
   stand({kRight, kLeft});
   EXPECT_EQ(see({kRight | kLeft}), Ids({1}));
-  EXPECT_EQ(last_[0].others, Ids({2}));
-  EXPECT_EQ(see({kLeft, kRight}), Ids({2, 1})) << "apart again";
-  EXPECT_TRUE(last_[0].others.empty());
 }
 
 TEST_F(Objects, WhatMergesBeforeItIsHalfASecondOldWasAPart) {
@@ -136,6 +142,48 @@ TEST_F(Objects, WhoCrossKeepTheirIds) {
     ids = see((right & left).empty() ? Boxes{right, left} : Boxes{right | left});
   }
   EXPECT_EQ(ids, Ids({1, 2}));
+}
+
+// The boxes of walkers grow and shrink with their steps, so that either of two who cross can reach farther on
+// both sides. Twelve frames per second.
+TEST_F(Objects, WhoCrossKeepTheirIdsWhateverTheirWidths) {
+  const double widths[] = {0.05, 0.09, 0.13, 0.1};
+  for (std::size_t step = 0; step < 16; ++step) {
+    tracker_.forget();
+    Ids first;
+    Ids last;
+    for (std::size_t i = 0; i <= 40; ++i) {
+      const double a = widths[(i + step) % 4];
+      const double b = widths[(i + step / 4) % 4];
+      const double moved = 0.015 * static_cast<double>(i);
+      const cv::Rect2d right(0.2 + moved - a / 2, 0.4, a, 0.3);
+      const cv::Rect2d left(0.8 - moved - b / 2, 0.45, b, 0.3);
+      last = see((right & left).empty() ? Boxes{right, left} : Boxes{right | left});
+      if (i == 0) first = last;
+    }
+    EXPECT_EQ(last, first) << "step " << step;
+  }
+}
+
+TEST_F(Objects, WhatComesAfterASecondMustBeNear) {
+  // A van drives away, some sizes per second, and is lost in the distance.
+  for (int i = 0; i < 20; ++i) see({{0.5 - 0.005 * i, 0.3 - 0.01 * i, 0.05, 0.08}});
+  see_nothing(2s);
+  EXPECT_EQ(see({{0.3, 0.1, 0.05, 0.08}}), Ids({2})) << "another one comes, two sizes away";
+}
+
+TEST_F(Objects, ALargeOneThatComesBeforeASmallOneIsAnother) {
+  const cv::Rect2d person(0.5, 0.2, 0.02, 0.06);
+  stand({person});
+  Ids ids;
+  for (int i = 0; i < 10; ++i) {  // touches the person from its fourth frame on
+    const cv::Rect2d car(0.65 - 0.05 * i, 0.25 - 0.01 * i, 0.15, 0.2);
+    ids = see((car & person).empty() ? Boxes{person, car} : Boxes{person | car});
+    if (i == 3) {
+      EXPECT_EQ(last_[0].others, Ids({1}));
+    }
+  }
+  EXPECT_EQ(ids, Ids({1, 2})) << "the car is past";
 }
 
 struct SceneCase {

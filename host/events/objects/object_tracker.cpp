@@ -14,6 +14,8 @@ constexpr double kUnmatched = 2.2;    // cost of a track without a box
 constexpr double kCovered = 0.5;      // share of an object that a shared box covers
 constexpr auto kEstablished = 500ms;  // what is younger and merges was a part
 constexpr auto kMostMerged = 10s;     // what has not come apart by then does not
+constexpr double kMuchLarger = 6;     // ratio of areas of what cannot be one object
+constexpr double kOwnEdge = 0.3;      // by which an object must reach beyond all others, in its sizes
 constexpr double kPartInside = 0.6;   // share of a part in the object
 constexpr double kPartMargin = 0.1;   // ... enlarged by this on each side
 constexpr double kPartReach = 0.5;    // distance at which a part is an object, in its sizes
@@ -35,15 +37,15 @@ double gap_between(const cv::Rect2d& a, const cv::Rect2d& b) {
   return std::max({0.0, a.x - b.br().x, b.x - a.br().x, a.y - b.br().y, b.y - a.br().y});
 }
 
-bool is_apart(const Track& whole, const Track& part) {
-  return part.age() > kMostPart || gap_between(whole.box(), part.box()) > kPartReach * part.size();
+std::int64_t object_of(const Track& track) { return track.part_of.value_or(track.id); }
+
+// Whether the track, which looks like a part, is an object that came into one box with `small`.
+bool is_another(const Track& track, const Track& small) {
+  return object_of(track) != object_of(small) && track.box().area() > kMuchLarger * small.box().area();
 }
 
-// The member with the lowest (`sign` 1) or highest (-1) edge.
-template <typename Edge>
-std::size_t outermost(const std::vector<std::size_t>& members, double sign, Edge edge) {
-  return *std::min_element(members.begin(), members.end(),
-                           [&](std::size_t a, std::size_t b) { return sign * edge(a) < sign * edge(b); });
+bool is_apart(const Track& whole, const Track& part) {
+  return part.age() > kMostPart || gap_between(whole.box(), part.box()) > kPartReach * part.size();
 }
 
 }  // namespace
@@ -127,11 +129,13 @@ void ObjectTracker::settle(Indices& members, const cv::Rect2d& box) {
   };
   Indices kept{first};
   for (auto member = members.begin() + 1; member < members.end(); ++member) {
-    if (member < young && !merged_too_long(*member)) {
-      kept.push_back(*member);
-    } else {
-      tracks_[*member].over = true;
+    Track& track = tracks_[*member];
+    if (merged_too_long(*member) || (member >= young && !is_another(track, tracks_[first]))) {
+      track.over = true;
+      continue;
     }
+    if (track.part_of) become_object(track);
+    kept.push_back(*member);
   }
   members = kept;
   if (members.size() == 1) {
@@ -141,14 +145,22 @@ void ObjectTracker::settle(Indices& members, const cv::Rect2d& box) {
   }
 }
 
+// An edge says nothing where two objects reach about as far: people who cross would turn back in the middle.
+// Without edges, they go on as before.
 void ObjectTracker::share(const Indices& members, const cv::Rect2d& box) {
-  const auto place = [this](std::size_t i) { return predicted_[i]; };
-  const std::size_t left = outermost(members, 1, [&](std::size_t i) { return place(i).x; });
-  const std::size_t right = outermost(members, -1, [&](std::size_t i) { return place(i).br().x; });
-  const std::size_t top = outermost(members, 1, [&](std::size_t i) { return place(i).y; });
-  const std::size_t bottom = outermost(members, -1, [&](std::size_t i) { return place(i).br().y; });
   for (const std::size_t i : members) {
-    tracks_[i].correct_within(box, {i == left, i == right, i == top, i == bottom}, time_);
+    const cv::Rect2d& place = predicted_[i];
+    const double clear = kOwnEdge * tracks_[i].size();
+    Track::Edges own{true, true, true, true};
+    for (const std::size_t other : members) {
+      if (other == i) continue;
+      const cv::Rect2d& near = predicted_[other];
+      own.left = own.left && place.x < near.x - clear;
+      own.right = own.right && place.br().x > near.br().x + clear;
+      own.top = own.top && place.y < near.y - clear;
+      own.bottom = own.bottom && place.br().y > near.br().y + clear;
+    }
+    tracks_[i].correct_within(box, own, time_);
   }
 }
 
@@ -163,7 +175,7 @@ void ObjectTracker::start(Indices& members, const cv::Rect2d& box) {
     const double share = share_within(box, enlarged(predicted_[i], kPartMargin));
     if (share < most) continue;
     most = share;
-    track.part_of = whole.part_of.value_or(whole.id);
+    track.part_of = object_of(whole);
   }
   if (!track.part_of) track.id = next_id_++;
   members = {tracks_.size()};
@@ -192,11 +204,14 @@ void ObjectTracker::release(Track& part) {
   if (whole != nullptr && whole->state() == Track::State::kLost && seen) {
     part.id = whole->id;
     whole->over = true;
+    part.part_of.reset();
   } else if (whole == nullptr || is_apart(*whole, part)) {
-    part.id = next_id_++;
-  } else {
-    return;
+    become_object(part);
   }
+}
+
+void ObjectTracker::become_object(Track& part) {
+  part.id = next_id_++;
   part.part_of.reset();
 }
 
@@ -208,12 +223,17 @@ Track* ObjectTracker::find(std::int64_t id) {
 }
 
 TrackedBox ObjectTracker::named(const Indices& members) const {
-  std::vector<std::int64_t> ids;
-  for (const std::size_t i : members) ids.push_back(tracks_[i].part_of.value_or(tracks_[i].id));
-  std::sort(ids.begin(), ids.end());
-  ids.erase(std::unique(ids.begin(), ids.end()), ids.end());
-  if (ids.empty()) return {};
-  return {ids.front(), {ids.begin() + 1, ids.end()}};
+  if (members.empty()) return {};
+  const std::size_t largest = *std::max_element(
+      members.begin(), members.end(),
+      [this](std::size_t a, std::size_t b) { return tracks_[a].size() < tracks_[b].size(); });
+  TrackedBox result{object_of(tracks_[largest]), {}};
+  for (const std::size_t i : members) {
+    if (object_of(tracks_[i]) != result.id) result.others.push_back(object_of(tracks_[i]));
+  }
+  std::sort(result.others.begin(), result.others.end());
+  result.others.erase(std::unique(result.others.begin(), result.others.end()), result.others.end());
+  return result;
 }
 
 void ObjectTracker::forget() { tracks_.clear(); }

@@ -11,14 +11,16 @@
 namespace lm::host::events::objects {
 
 struct TrackedBox {
-  std::int64_t id = 0;               // of the object in it that was seen first
+  std::int64_t id = 0;               // of the largest object in it
   std::vector<std::int64_t> others;  // of further objects in it
 };
 
 // SORT (Bewley, Ge, Ott, Ramos, Upcroft: Simple online and realtime tracking, 2016): a Kalman filter predicts
 // where each object is, and the Hungarian method assigns the boxes to the predictions. Boxes of motion are
 // not those of a classifier, so this one differs:
-//   - Boxes merge. Objects in one box are followed on until they have boxes of their own again.
+//   - Boxes merge. Objects in one box are a group (McKenna et al.: Tracking groups of people, 2000), in which
+//     each is followed on until it has a box of its own again: it goes on as it moved before, corrected by
+//     those edges of the box that are clearly its own.
 //   - Boxes split. Until its parts are some way apart, an object's parts have its id.
 //   - Boxes grow from a part of the object to all of it and shrink again: one within the other matches.
 //   - Boxes vanish while the object stands still. It is remembered for as long as it had been seen, at most
@@ -49,6 +51,7 @@ class ObjectTracker {
   void start(Indices& members, const cv::Rect2d& box);
   void lose(Track& track, std::chrono::microseconds passed);
   void release(Track& part);
+  void become_object(Track& part);
   bool left_frame(const Track& track) const;
   Track* find(std::int64_t id);
   TrackedBox named(const Indices& members) const;

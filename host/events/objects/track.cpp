@@ -13,13 +13,14 @@ constexpr double kGrowth = 0.5;        // the same of the size
 constexpr double kJitter = 0.15;       // of a box's centre, standard deviation
 constexpr double kSizeJitter = 0.15;
 
-constexpr double kGate = 16;       // 99 % of a chi-squared distribution with two degrees of freedom
+constexpr double kGate = 16;       // four standard deviations, squared
 constexpr double kInside = 0.5;    // share of the smaller in the larger that makes them one object
 constexpr double kMostTimes = 6;   // ratio of areas without it
 constexpr double kRestart = 0.3;   // overlap below which the size has jumped
 constexpr double kLostCost = 0.3;  // what was seen in the frame before goes first
 constexpr double kSizeCost = 0.2;  // for a ratio of areas of e
-constexpr double kSlowDown = 1;    // seconds in which a lost object loses most of its speed
+constexpr double kSlowDown = 1;  // seconds in which a lost object loses most of its speed: after that, a new
+                                 // box must be near it
 
 double squared(double value) { return value * value; }
 
@@ -32,6 +33,11 @@ double overlap(const cv::Rect2d& a, const cv::Rect2d& b) {
 
 bool one_holds_other(const cv::Rect2d& a, const cv::Rect2d& b) {
   return (a & b).area() >= kInside * std::min(a.area(), b.area());
+}
+
+// Between the centres.
+double distance(const cv::Rect2d& a, const cv::Rect2d& b) {
+  return cv::norm((a.tl() + a.br() - b.tl() - b.br()) * 0.5);
 }
 
 // One minus the overlap, plus the distance of the centres in relation to the diagonal around both, squared:
@@ -127,11 +133,17 @@ void Track::lose(std::chrono::microseconds passed) {
   ++lost_frames_;
 }
 
+// Whether the box is near the estimated place or that of the last box.
+bool Track::is_near(const cv::Rect2d& box) const {
+  return distance(this->box(), box) <= size() || distance(last_box_, box) <= size();
+}
+
 bool Track::fits(const cv::Rect2d& box) const {
   const cv::Rect2d own = this->box();
   if (one_holds_other(own, box)) return true;
   const double times = own.area() / box.area();
   if (times > kMostTimes || times < 1 / kMostTimes) return false;
+  if (std::chrono::duration<double>(lost_).count() > kSlowDown && !is_near(box)) return false;
   const double jitter = squared(kJitter * size());
   const double x = squared(box.x + box.width / 2 - filters_[0].value()) / (filters_[0].variance() + jitter);
   const double y = squared(box.y + box.height / 2 - filters_[1].value()) / (filters_[1].variance() + jitter);

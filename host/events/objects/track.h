@@ -57,6 +57,7 @@ class Track {
   const cv::Rect2d& last_box() const { return last_box_; }
 
  private:
+  bool is_near(const cv::Rect2d& box) const;
   bool fits(const cv::Rect2d& box) const;
   void seen(State state, std::chrono::microseconds time);
 
