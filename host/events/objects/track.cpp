@@ -21,6 +21,7 @@ constexpr double kLostCost = 0.3;  // what was seen in the frame before goes fir
 constexpr double kSizeCost = 0.2;  // for a ratio of areas of e
 constexpr double kSlowDown = 1;  // seconds in which a lost object loses most of its speed: after that, a new
                                  // box must be near it
+constexpr double kReach = 0.75;  // how near, in its sizes: what comes into view again has moved on
 
 double squared(double value) { return value * value; }
 
@@ -135,7 +136,8 @@ void Track::lose(std::chrono::microseconds passed) {
 
 // Whether the box is near the estimated place or that of the last box.
 bool Track::is_near(const cv::Rect2d& box) const {
-  return distance(this->box(), box) <= size() || distance(last_box_, box) <= size();
+  const double reach = kReach * size();
+  return distance(this->box(), box) <= reach || distance(last_box_, box) <= reach;
 }
 
 bool Track::fits(const cv::Rect2d& box) const {
