@@ -185,17 +185,20 @@ class FullDisk : public Hangup {
 };
 
 TEST_F(FullDisk, KeepsWhatIsThereAndWritesTheRestWhenThereIsRoom) {
+  const std::string before =
+      "{\"a\":\"" + std::string(991, 'x') + "\"}\n";  // 1000 bytes: the limit is also the log's
+  program::write(folder_ / "a", before);
   Journal journal(folder_ / "a", kBegin, {});
-  full_at(12);
+  full_at(1012);
   testing::internal::CaptureStderr();
   journal.append(kOne);
   journal.append(kTwo);
   journal.append(kThree);
-  EXPECT_EQ(read(folder_ / "a"), kOne + kTwo.substr(0, 4));
+  EXPECT_EQ(read(folder_ / "a"), before + kOne + kTwo.substr(0, 4));
   room();
   journal.tick();
   const std::string log = testing::internal::GetCapturedStderr();
-  EXPECT_EQ(read(folder_ / "a"), kOne + kTwo + kThree);
+  EXPECT_EQ(read(folder_ / "a"), before + kOne + kTwo + kThree);
   const std::string name = "lightmotion: warning: " + (folder_ / "a");
   EXPECT_EQ(log, name + " cannot be written: File too large; the run continues and tries again\n" + name +
                      " can be written again\n");

@@ -60,16 +60,17 @@ TEST(WallClock, NeverGoesBackByShorterDelays) {
 
 TEST(WallClock, FollowsStepsOfTheComputersClockAtOnce) {
   Camera camera;
-  camera.frame(0s, 50ms);
+  WallClock::Time time{0};
+  camera.frame(time, 50ms);
   for (const WallClock::Time step : {WallClock::Time(3600s), WallClock::Time(-7200s)}) {
     camera.set_clock(step);
-    EXPECT_EQ(camera.frame(1s, 50ms), 50ms);
+    EXPECT_EQ(camera.frame(time += 1s, 50ms), 50ms);
     EXPECT_EQ(camera.step(), step);
-    EXPECT_EQ(camera.frame(2s, 50ms), 50ms);
+    EXPECT_EQ(camera.frame(time += 1s, 50ms), 50ms);
     EXPECT_EQ(camera.step(), 0s) << "reported once";
   }
   camera.set_clock(499ms);
-  camera.frame(3s, 50ms);
+  camera.frame(time += 1s, 50ms);
   EXPECT_EQ(camera.step(), 0s) << "too small to mention";
 }
 

@@ -39,7 +39,7 @@ LiveSource::LiveSource(std::unique_ptr<Source> first, Connect connect, std::opti
       surroundings_(std::move(surroundings)),
       back_off_(surroundings_.chance),
       last_frame_(surroundings_.now()) {
-  info_.start = std::chrono::system_clock::now();
+  info_.start = wall_clock_.start(Time{0}, true, WallClock::now());  // its first picture has been read
 }
 
 LiveSource::~LiveSource() {
