@@ -11,6 +11,7 @@ LiveEvents::LiveEvents(const RunContext& context)
 
 void LiveEvents::ended(const Event& event) {
   journal_.append(csv_ ? event_csv(event) : event_json(event) + "\n");
+  journal_.tick();  // no frame may follow for long
 }
 
 }  // namespace lm::host::events
