@@ -8,12 +8,13 @@
 #include <string>
 #include <vector>
 
+#include "host/base/time_text.h"
 #include "host/detector/lines.h"
 #include "host/events/box.h"
 
 namespace lm::host::events {
 
-using WallTime = std::chrono::system_clock::time_point;
+using base::WallTime;
 
 // A lighting change, from its start to its end.
 struct LightChange {

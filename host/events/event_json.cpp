@@ -1,7 +1,5 @@
 #include "host/events/event_json.h"
 
-#include <cstdio>
-
 #include "host/base/json_text.h"
 #include "host/base/time_text.h"
 #include "host/events/box_json.h"
@@ -53,19 +51,6 @@ Json::Value crossing_value(const Crossing& crossing) {
 
 }  // namespace
 
-std::string utc_text(WallTime time) {
-  using namespace std::chrono;
-  const auto day = floor<days>(time);
-  const year_month_day date(day);
-  const hh_mm_ss clock(floor<milliseconds>(time - day));
-  char text[48];
-  std::snprintf(text, sizeof text, "%04d-%02u-%02uT%02d:%02d:%02d.%03dZ", static_cast<int>(date.year()),
-                static_cast<unsigned>(date.month()), static_cast<unsigned>(date.day()),
-                static_cast<int>(clock.hours().count()), static_cast<int>(clock.minutes().count()),
-                static_cast<int>(clock.seconds().count()), static_cast<int>(clock.subseconds().count()));
-  return text;
-}
-
 const char* kind_text(EventKind kind) { return kind == EventKind::kLight ? "light" : "motion"; }
 
 Json::Value event_value(const Event& event) {
@@ -92,8 +77,8 @@ Json::Value event_value(const Event& event) {
   for (const Visit& visit : event.visits) value["visits"].append(visit_value(visit));
   for (const Crossing& crossing : event.crossings) value["crossings"].append(crossing_value(crossing));
   if (event.light) value["light"] = light_value(*event.light);
-  if (event.wall_start) value["wall_start"] = utc_text(*event.wall_start);
-  if (event.wall_end) value["wall_end"] = utc_text(*event.wall_end);
+  if (event.wall_start) value["wall_start"] = base::utc_text(*event.wall_start);
+  if (event.wall_end) value["wall_end"] = base::utc_text(*event.wall_end);
   value["started"] = event.started;
   value["ended"] = event.ended;
   return value;

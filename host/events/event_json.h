@@ -9,9 +9,6 @@
 
 namespace lm::host::events {
 
-// "2026-11-21T15:30:12.345Z"
-std::string utc_text(WallTime time);
-
 const char* kind_text(EventKind kind);
 
 Json::Value event_value(const Event& event);

@@ -39,12 +39,12 @@ void add_event_options(CLI::App& run, EventOptions& options) {
       value = seconds;
     })->group(group);
   };
-  run.add_option("--events", options.file, "Write a table of events (.json or .csv)")
+  run.add_option("--events", options.file, "Write the events (.json, .jsonl or .csv)")
       ->type_name("FILE")
       ->group(group)
       ->check([](const std::string& file) {
-        return file.ends_with(".json") || file.ends_with(".csv") ? ""
-                                                                 : "must end in .json or .csv, not " + file;
+        const bool known = file.ends_with(".json") || file.ends_with(".jsonl") || file.ends_with(".csv");
+        return known ? "" : "must end in .json, .jsonl or .csv, not " + file;
       });
   add_time("--min-event", options.rules.min_event, "Minimum length of an event", "0.5");
   add_time("--gap", options.rules.gap, "Quiet time that ends an event", "2");

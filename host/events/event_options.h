@@ -29,7 +29,7 @@ struct EventRules {
 
 struct EventOptions {
   EventRules rules;
-  std::string file;     // .json or .csv; none when empty
+  std::string file;     // .json, .jsonl or .csv; none when empty
   std::string explain;  // a span of parse_span; none when empty
 };
 

@@ -4,7 +4,7 @@
 #include <cmath>
 #include <iterator>
 
-#include "host/events/event_json.h"
+#include "host/base/time_text.h"
 #include "host/events/why.h"
 
 namespace lm::host::events {
@@ -16,7 +16,7 @@ microseconds of_seconds(double seconds) { return microseconds(std::llround(secon
 
 // "20261121T153012.345Z": without characters that are special in file names.
 std::string compact_utc(WallTime time) {
-  std::string text = utc_text(time);
+  std::string text = base::utc_text(time);
   std::erase_if(text, [](char c) { return c == '-' || c == ':'; });
   return text;
 }
@@ -181,7 +181,8 @@ void EventTracker::extend(Track& track, const Observation& seen) const {
   event.end = seen.time;
   event.to = seen.time + post_;
   event.last_frame = seen.frame;
-  event.wall_end = seen.wall;
+  // By the clock at its start: the wall clock may have been set in between.
+  if (event.wall_start) event.wall_end = *event.wall_start + (event.end - event.start);
   event.most_boxes = std::max(event.most_boxes, track.boxes.size() + track.shared.size());
   if (event.kind == EventKind::kLight && seen.light) {
     const double before = event.light ? event.light->before : seen.light->before;

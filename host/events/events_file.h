@@ -1,4 +1,4 @@
-// The --events file: all events of a run, as JSON or CSV.
+// The --events file of a recording: all its events, as one JSON document, JSON lines or CSV.
 #pragma once
 
 #include <chrono>
@@ -25,6 +25,7 @@ class EventsFile : public EventListener {
  private:
   std::string json() const;
   std::string csv() const;
+  std::string lines() const;
 
   const EventRules rules_;
   const source::SourceInfo& source_;

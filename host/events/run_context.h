@@ -3,6 +3,7 @@
 
 #include <string>
 
+#include "host/base/rotation.h"
 #include "host/events/event_options.h"
 #include "host/source/source.h"
 
@@ -13,6 +14,7 @@ struct RunContext {
   const EventOptions& options;
   const source::SourceInfo& source;
   const std::string& document;  // the configuration
+  base::Rotation rotation{};    // of files of live sources
 };
 
 }  // namespace lm::host::events

@@ -1,5 +1,7 @@
 #include "host/outputs/annotator.h"
 
+#include "host/base/failure.h"
+#include "host/base/notice.h"
 #include "host/base/time_text.h"
 #include "host/outputs/overlay.h"
 
@@ -15,15 +17,32 @@ std::string caption(std::chrono::microseconds time, std::size_t boxes) {
 }  // namespace
 
 Annotator::Annotator(const std::string& file, const source::SourceInfo& source)
-    : pending_(file),
-      video_(pending_.path(), video_format(file), {source.size, source.pixel_aspect, source.rate}, file) {}
+    : live_(source.live),
+      pending_(file),
+      video_(pending_.path(), video_format(file),
+             {source.size, source.pixel_aspect, source.rate, source.live}, file) {}
 
 void Annotator::write(source::Frame& frame, const events::Boxes& boxes) {
+  if (ended_) return;
   draw_overlay(frame.image, boxes, caption(frame.time, boxes.size()));
-  video_.write(frame.image, frame.time);
+  attempt([&] { video_.write(frame.image, frame.time); });
 }
 
-void Annotator::finish() { video_.finish(); }
+void Annotator::finish() {
+  if (!ended_) attempt([&] { video_.finish(); });
+}
+
+template <typename Write>
+void Annotator::attempt(const Write& write) {
+  try {
+    write();
+  } catch (const base::Failure& failure) {
+    if (!live_) throw;
+    base::warn(std::string(failure.what()) + "; the annotated video ends here");
+    ended_ = true;
+    pending_.commit();
+  }
+}
 
 void Annotator::commit() { pending_.commit(); }
 

@@ -1,4 +1,5 @@
-// The annotated video: the frames with their boxes drawn, under a temporary name until complete.
+// The annotated video: the frames with their boxes drawn, under a temporary name until complete. Of a live
+// source it ends where it cannot be written further, without ending the run.
 #pragma once
 
 #include <chrono>
@@ -24,6 +25,11 @@ class Annotator {
   void commit();  // gives the file its name
 
  private:
+  template <typename Write>
+  void attempt(const Write& write);
+
+  const bool live_;
+  bool ended_ = false;
   base::PendingFile pending_;
   VideoWriter video_;
 };

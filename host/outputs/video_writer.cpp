@@ -55,7 +55,7 @@ VideoWriter::VideoWriter(const std::string& path, const char* format, const Shap
   check(avformat_alloc_output_context2(&output, nullptr, format, ("file:" + path).c_str()));
   output_.reset(output);
   open_encoder(shape);
-  open_file();
+  open_file(shape.fragmented);
   const cv::Size size(encoder_->width, encoder_->height);
   colour_ = source::av::new_picture(size, AV_PIX_FMT_BGR24);
   encoded_ = source::av::new_picture(size, encoder_->pix_fmt);
@@ -75,12 +75,14 @@ void VideoWriter::open_encoder(const Shape& shape) {
   encoder_->pix_fmt = AV_PIX_FMT_YUV420P;
   encoder_->colorspace = AVCOL_SPC_SMPTE170M;  // the scaler's output
   encoder_->color_range = AVCOL_RANGE_MPEG;
-  encoder_->framerate = av_d2q(shape.rate > 0 ? shape.rate : 25, 100'000);
+  const double rate = shape.rate > 0 ? shape.rate : 25;
+  encoder_->framerate = av_d2q(rate, 100'000);
+  if (shape.fragmented) encoder_->gop_size = static_cast<int>(std::ceil(2 * rate));  // a fragment each
   if ((output_->oformat->flags & AVFMT_GLOBALHEADER) != 0) encoder_->flags |= AV_CODEC_FLAG_GLOBAL_HEADER;
   check(avcodec_open2(encoder_.get(), nullptr, nullptr));
 }
 
-void VideoWriter::open_file() {
+void VideoWriter::open_file(bool fragmented) {
   stream_ = avformat_new_stream(output_.get(), nullptr);
   if (stream_ == nullptr) check(AVERROR(ENOMEM));
   stream_->time_base = encoder_->time_base;
@@ -89,8 +91,9 @@ void VideoWriter::open_file() {
   check(avcodec_parameters_from_context(stream_->codecpar, encoder_.get()));
   check(avio_open(&output_->pb, output_->url, AVIO_FLAG_WRITE));
   AVDictionary* settings = nullptr;
-  av_dict_set(&settings, "movflags", "+faststart",
-              0);  // index at the front, so that browsers can play it at once
+  // Otherwise the index is at the front, so that browsers can play it at once.
+  av_dict_set(&settings, "movflags",
+              fragmented ? "+frag_keyframe+empty_moov+default_base_moof" : "+faststart", 0);
   const int result = avformat_write_header(output_.get(), &settings);
   av_dict_free(&settings);
   check(result);

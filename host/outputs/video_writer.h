@@ -19,7 +19,8 @@ class VideoWriter {
   struct Shape {
     cv::Size size;
     cv::Size pixel_aspect{1, 1};
-    double rate = 0;  // frames per second, only a hint for the encoder; 0 if unknown
+    double rate = 0;          // frames per second, only a hint for the encoder; 0 if unknown
+    bool fragmented = false;  // what is written plays even if the file is never completed
   };
 
   // `format`: from video_format. Throws Failure (kTrouble) naming `shown_name`, as do all operations.
@@ -37,7 +38,7 @@ class VideoWriter {
     void operator()(AVFormatContext* output) const;
   };
   void open_encoder(const Shape& shape);
-  void open_file();
+  void open_file(bool fragmented);
   void encode(const AVFrame* picture);
   void check(int result) const;
 

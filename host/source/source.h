@@ -29,7 +29,7 @@ struct SourceInfo {
   double rate = 0;                                    // nominal frames per second; 0 when unknown
   std::optional<std::chrono::microseconds> duration;  // if known in advance
   bool live = false;                                  // uses the wall clock
-  // Of a live source: the wall clock at time 0, as far as known.
+  // Of a live source: the wall clock at time 0, as far as known at the latest frame.
   std::optional<std::chrono::system_clock::time_point> start;
 };
 

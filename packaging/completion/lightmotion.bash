@@ -59,13 +59,14 @@ _lightmotion() {
       ;;
     --out) mapfile -t COMPREPLY < <(compgen -d -- "$word") ;;
     --events)
-      mapfile -t COMPREPLY < <(for kind in json csv; do compgen -f -X "!*.$kind" -- "$word"; done
+      mapfile -t COMPREPLY < <(for kind in json jsonl csv; do compgen -f -X "!*.$kind" -- "$word"; done
         compgen -d -- "$word")
       ;;
     --report) mapfile -t COMPREPLY < <(compgen -f -X '!*.html' -- "$word"; compgen -d -- "$word") ;;
     --heatmap) mapfile -t COMPREPLY < <(compgen -f -X '!*.png' -- "$word"; compgen -d -- "$word") ;;
     --snapshots | --clips) mapfile -t COMPREPLY < <(compgen -d -- "$word") ;;
-    --fps | --scale | --max-gap | --timeout | --reconnect) ;;
+    --fps | --scale | --max-gap | --timeout | --reconnect | --keep | --keep-size) ;;
+    --rotate) mapfile -t COMPREPLY < <(compgen -W 'day 100MB' -- "$word") ;;
     --jobs | --file-timeout | --min-event | --gap | --pre | --post | --explain) ;;
     --shard) mapfile -t COMPREPLY < <(compgen -W slurm -- "$word") ;;
     --progress) mapfile -t COMPREPLY < <(compgen -W 'bar json none' -- "$word") ;;
@@ -79,7 +80,7 @@ _lightmotion() {
           --events --min-event --gap --pre --post --explain
           --report --heatmap --snapshots --clips
           --mqtt --mqtt-camera --mqtt-password-file --mqtt-ca --mqtt-discovery --progress
-          --fps --scale --max-gap --timeout --reconnect
+          --fps --scale --max-gap --timeout --reconnect --rotate --keep --keep-size
           --out --jobs --shard --file-timeout --force
           -h --help' -- "$word")
       else

@@ -67,7 +67,7 @@ _lightmotion() {
     '(-c --config)--preset[preset to use]:preset:'$presets \
     '(-o --output)'{-o,--output}'[file for the result lines]:file:_files' \
     '(-a --annotate)'{-a,--annotate}'[video with the boxes drawn]:video:_files -g "*.(mp4|mkv|mov)"' \
-    '--events[table of events]:file:_files -g "*.(json|csv)"' \
+    '--events[file for the events]:file:_files -g "*.(json|jsonl|csv)"' \
     '--min-event[minimum length of an event]:seconds:' \
     '--gap[quiet time that ends an event]:seconds:' \
     '--pre[time shown before each event]:seconds:' \
@@ -79,6 +79,9 @@ _lightmotion() {
     '--clips[folder for each event as a video]:folder:_files -/' \
     '--plugin[use this plug-in by its entry points]:library:_files' \
     $reading \
+    '--rotate[when to begin new result lines and events]:day or size:(day 100MB)' \
+    '--keep[remove older clips, snapshots and rotated files]:age:' \
+    '--keep-size[remove the oldest of them beyond this size]:size:' \
     '--out[folder for the results of many files]:folder:_files -/' \
     '--jobs[files processed at the same time]:number:' \
     '--shard[process only every Nth file, starting with the Ith]:I/N:(slurm)' \

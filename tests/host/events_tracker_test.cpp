@@ -246,6 +246,14 @@ TEST(EventTracker, LiveEventsAreDistinguishedByTheWallClock) {
   seen.wall = WallTime(1'700'000'000'123ms);  // 2023-11-14 22:13:20 UTC
   tracker.observe(Frame{}, seen);
   EXPECT_EQ(calls, (std::vector<std::string>{"begun 20231114T221320.123Z-0001"}));
+
+  // The computer's clock is set back by an hour while the event lasts.
+  Frame later;
+  later.time = seen.time = 1500ms;
+  *seen.wall -= 1h;
+  tracker.observe(later, seen);
+  tracker.finish("");
+  EXPECT_EQ(events.at(0).wall_end, WallTime(1'700'000'001'623ms)) << "by the clock at its start";
 }
 
 TEST(EventTracker, CollectsTheRegionsOfEveryBoxInTheirOrder) {

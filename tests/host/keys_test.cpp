@@ -93,6 +93,14 @@ TEST_F(Written, ByRun) {
   EXPECT_EQ(schemas::fault("result-line", program::lines(program::read(folder_ / "o"))), "");
   EXPECT_EQ(schemas::fault("events", {program::read(folder_ / "e.json")}), "");
   EXPECT_EQ(schemas::fault("progress", first_lines(outcome.errors)), "");
+  const Outcome again = program::run(
+      {"run", "--plugin", LIGHTMOTION_PLUGIN, "-q", "-o", folder_ / "o", "--events", folder_ / "e.jsonl"});
+  ASSERT_EQ(again.status, 0) << again.errors;
+  const Lines events = program::lines(program::read(folder_ / "e.jsonl"));
+  EXPECT_EQ(schemas::fault("events", events, "event"), "");
+  // The document has the same lines, with commas between them.
+  for (const std::string& event : events)
+    EXPECT_NE(program::read(folder_ / "e.json").find("\n" + event), std::string::npos) << event;
 }
 
 TEST_F(Written, ByRunOverAGap) {

@@ -66,6 +66,31 @@ TEST(Options, TakeNumbers) {
   EXPECT_EQ(many.file_timeout, std::chrono::milliseconds(1500));
 }
 
+TEST(Options, LimitWhatALiveSourceLeaves) {
+  const RunOptions options =
+      run_line({"rtsp://a", "-o", "a.jsonl", "--rotate", "day", "--keep", "30d", "--keep-size", "50GB"});
+  EXPECT_TRUE(options.storage.rotation.daily);
+  EXPECT_EQ(options.storage.keep, std::chrono::days(30));
+  EXPECT_EQ(options.storage.keep_size, 50'000'000'000U);
+  const auto fault = [](const std::vector<std::string>& words) {
+    std::vector<std::string> line{"run", "rtsp://a"};
+    line.insert(line.end(), words.begin(), words.end());
+    return parse_command_line(line).text;
+  };
+  EXPECT_NE(fault({"--rotate", "day"}).find("--rotate needs result lines (-o FILE) or --events FILE"),
+            std::string::npos);
+  EXPECT_NE(
+      fault({"-o", "a", "--keep", "1d"}).find("--keep and --keep-size need --clips, --snapshots or --rotate"),
+      std::string::npos);
+  EXPECT_NE(fault({"--rotate", "hourly"}).find("must be day or a size such as 100MB, not hourly"),
+            std::string::npos);
+  EXPECT_NE(fault({"--keep", "30"}).find("must be an age such as 30d, 12h or 90min, not 30"),
+            std::string::npos);
+  EXPECT_NE(fault({"--keep-size", "5"}).find("must be a size such as 50GB or 500MB, not 5"),
+            std::string::npos);
+  EXPECT_EQ(fault({"--clips", "c", "--keep", "30d"}), "");
+}
+
 TEST(Options, HelpNamesEveryOptionAndExitStatus) {
   const Command command = parse_command_line({"run", "--help"});
   EXPECT_EQ(command.status, kDone);

@@ -221,6 +221,45 @@ TEST_F(Recorded, NothingOfARunThatFails) {
   EXPECT_EQ(folder_.names(), Names{});
 }
 
+TEST_F(Recorded, NothingWhileALiveSourcesFolderIsGone) {
+  source_.live = true;
+  std::filesystem::create_directory(folder_ / "a");
+  ClipRecorder recorder(folder_ / "a", source_, 2s);
+  Event lost = event_of(0ms, 0ms);
+  Event next = event_of(100ms, 200ms);
+  next.id = "0002";
+  std::filesystem::remove(folder_ / "a");
+  testing::internal::CaptureStderr();
+  see(recorder, 0);
+  recorder.begin(lost);
+  EXPECT_FALSE(recorder.records(lost));
+  std::filesystem::create_directory(folder_ / "a");
+  see(recorder, 1);
+  recorder.begin(next);
+  recorder.end(next);
+  for (int i = 2; i < 8; ++i) see(recorder, i);
+  const std::string log = testing::internal::GetCapturedStderr();
+  EXPECT_NE(log.find("No such file or directory; the run continues and tries again\n"), std::string::npos)
+      << log;
+  EXPECT_NE(log.find(" can be written again; skipped in the meantime: 1\n"), std::string::npos) << log;
+  EXPECT_EQ(clips::read(folder_ / "a/00h00m00.100s-0002-motion.mp4").size(), 5U) << "0 to 0.4 s";
+}
+
+TEST_F(Recorded, NothingOfAClipThatCannotBeCompleted) {
+  source_.live = true;
+  std::filesystem::create_directory(folder_ / "a");
+  ClipRecorder recorder(folder_ / "a", source_, 2s);
+  see(recorder, 0);
+  recorder.begin(event_of(0ms, 0ms));
+  std::filesystem::remove_all(folder_ / "a");
+  testing::internal::CaptureStderr();
+  recorder.end(event_of(0ms, 0ms));
+  for (int i = 1; i < 5; ++i) see(recorder, i);
+  recorder.finish();
+  recorder.commit();
+  EXPECT_NE(testing::internal::GetCapturedStderr().find("; the run continues"), std::string::npos);
+}
+
 // A file whose clock jumps is copied up to the jump and recorded after it.
 TEST_F(Recorded, WhereTheFilesClockJumps) {
   const std::string file = folder_ / "a.mp4";

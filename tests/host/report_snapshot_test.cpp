@@ -148,6 +148,30 @@ TEST(Snapshots, AreWrittenAsTheirEventsEnd) {
   EXPECT_GT(image.at<cv::Vec3b>(30, 31)[1], 120);
 }
 
+TEST(Snapshots, OfALiveSourceAreSkippedWhileTheyCannotBeWritten) {
+  const Folder folder;
+  SourceInfo source;
+  source.size = {64, 48};
+  source.live = true;
+  Snapshots snapshots(folder / "a", source, {});
+  const auto event = [&](int i) {
+    Frame frame;
+    frame.image = numbered(i);
+    snapshots.frame(frame, observed(i, 0.5));
+    snapshots.begun(event_at(i, i));
+    snapshots.ended(event_at(i, i));
+  };
+  std::filesystem::remove(folder / "a");
+  testing::internal::CaptureStderr();
+  event(0);
+  std::filesystem::create_directory(folder / "a");
+  event(1);
+  const std::string log = testing::internal::GetCapturedStderr();
+  EXPECT_NE(log.find("; the run continues and tries again\n"), std::string::npos) << log;
+  EXPECT_NE(log.find(" can be written again; skipped in the meantime: 1\n"), std::string::npos) << log;
+  EXPECT_TRUE(std::filesystem::exists(folder / "a/00h00m00.100s-a-motion.jpg"));
+}
+
 TEST(Snapshots, RefuseAFolderThatCannotBeMade) {
   const Folder folder;
   program::write(folder / "file", "");

@@ -27,6 +27,7 @@
 #include "host/outputs/listeners.h"
 #include "host/outputs/progress.h"
 #include "host/outputs/result_line.h"
+#include "host/outputs/retention/retention.h"
 #include "host/source/source.h"
 #include "host/source/timestamp.h"
 
@@ -65,6 +66,24 @@ microseconds time_since(std::chrono::steady_clock::time_point begin) {
   return std::chrono::duration_cast<microseconds>(std::chrono::steady_clock::now() - begin);
 }
 
+void check_storage(const RunOptions& options, const source::SourceInfo& info) {
+  if (info.live || !options.storage.any()) return;
+  throw base::Failure(base::kRefused, "--rotate, --keep and --keep-size are for cameras and streams; " +
+                                          info.name +
+                                          " is a recording, whose results are complete or not there");
+}
+
+outputs::retention::Places places_of(const RunOptions& options) {
+  outputs::retention::Places places;
+  for (const std::string* folder : {&options.report.clips, &options.report.snapshots}) {
+    if (!folder->empty()) places.folders.push_back(*folder);
+  }
+  for (const std::string* file : {&options.results, &options.events.file}) {
+    if (!file->empty() && *file != "-") places.files.push_back(*file);
+  }
+  return places;
+}
+
 class Run {
  public:
   Run(const RunOptions& options, source::Source& source, detector::Detector& detector, cv::Size analysed,
@@ -76,15 +95,21 @@ class Run {
         progress_(options.progress.value_or(options.quiet ? outputs::ProgressMode::kNone
                                                           : outputs::ProgressMode::kBar)),
         to_terminal_(isatty(STDOUT_FILENO) != 0) {
-    for (auto& listener : outputs::make_listeners({options.events, source.info(), document}, options.source,
-                                                  options.mqtt, options.report)) {
+    const events::RunContext context{options.events, source.info(), document, options.storage.rotation};
+    for (auto& listener : outputs::make_listeners(context, options.source, options.mqtt, options.report)) {
       events_.add(std::move(listener));
     }
-    if (prints_lines(options, to_terminal_)) {
-      lines_.emplace("");
-    } else if (!options.results.empty()) {
-      lines_.emplace(options.results);
+    if (options.storage.removes()) {
+      events_.add(std::make_unique<outputs::retention::Retention>(
+          places_of(options), outputs::retention::Limits{options.storage.keep, options.storage.keep_size}));
     }
+    const bool live = source.info().live;
+    if (prints_lines(options, to_terminal_)) {
+      lines_.emplace("", live, base::Rotation{});
+    } else if (!options.results.empty()) {
+      lines_.emplace(options.results, live, options.storage.rotation);
+    }
+    if (live) base::count_hangups();
     if (!options.annotate.empty()) video_.emplace(options.annotate, source.info());
     source.set_listener([this](const std::string& text) { base::warn(source_.info().name + ": " + text); });
   }
@@ -113,7 +138,7 @@ class Run {
     return {figures_.frames, figures_.video, source_.info().duration, speed(figures_), figures_.events};
   }
 
-  // All outputs are complete before the first one gets its name.
+  // All outputs of a recording are complete before the first one gets its name.
   void complete_outputs() {
     if (lines_) lines_->finish();
     if (video_) video_->finish();
@@ -147,6 +172,7 @@ class Run {
       write_line([&] { return outputs::result_line(frame.number, frame.time, boxes, stated); });
       ++figures_.frames_with_motion;
     }
+    if (lines_) lines_->tick();
     figures_.events = events_.events();
     if (video_) video_->write(frame, boxes);
     ++figures_.frames;
@@ -177,6 +203,7 @@ int run(const RunOptions& options) {
   av_log_set_level(options.verbose ? AV_LOG_INFO : AV_LOG_QUIET);
   const detector::Document document = document_of(options);
   const std::unique_ptr<source::Source> source = source::open_source(options.source, options.live.reading);
+  check_storage(options, source->info());
   const cv::Size analysed = detector::analysed_size(document.text, source->info().size, options.live.scale);
   detector::check::check_before_run(document.name, document.text, analysed);
   const auto detector = detector_for(options, document, analysed);

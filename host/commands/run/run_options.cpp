@@ -71,12 +71,20 @@ void add_run_options(CLI::App& run, RunOptions& options) {
   outputs::report::add_report_options(run, options.report);
   outputs::mqtt::add_mqtt_options(run, options.mqtt);
   source::live::add_live_options(run, options.live);
+  outputs::add_storage_options(run, options.storage);
   run.add_option("--figures", options.figures)->group("");
 }
 
 // Outputs get their names when complete, so a name used twice would silently lose a file. The files in the
 // two folders have different extensions.
 std::string conflict(const RunOptions& options) {
+  const bool rotates = options.storage.rotation.daily || options.storage.rotation.bytes > 0;
+  const bool appends =
+      (!options.results.empty() && options.results != kStandardOutput) || !options.events.file.empty();
+  if (rotates && !appends) return "--rotate needs result lines (-o FILE) or --events FILE";
+  const bool leaves = rotates || !options.report.clips.empty() || !options.report.snapshots.empty();
+  if (options.storage.removes() && !leaves)
+    return "--keep and --keep-size need --clips, --snapshots or --rotate";
   const std::string nowhere;
   const struct {
     const char* option;

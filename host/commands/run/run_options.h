@@ -8,6 +8,7 @@
 #include "host/outputs/mqtt/mqtt_options.h"
 #include "host/outputs/progress.h"
 #include "host/outputs/report/report_options.h"
+#include "host/outputs/storage_options.h"
 #include "host/source/live/live_options.h"
 
 namespace CLI {
@@ -31,6 +32,7 @@ struct RunOptions {
   outputs::mqtt::MqttOptions mqtt;
   outputs::report::ReportOptions report;
   source::live::LiveOptions live;
+  outputs::StorageOptions storage;
   std::string figures;  // file for the figures of the run, read by the process that started it
 };
 

@@ -1,5 +1,6 @@
 #include "host/outputs/report/clip_recorder.h"
 
+#include <iterator>
 #include <opencv2/imgproc.hpp>
 
 #include "host/outputs/report/output_names.h"
@@ -19,7 +20,7 @@ ClipRecorder::Clip::Clip(const std::string& name, const VideoWriter::Shape& shap
     : file(name), video(file.path(), "mp4", shape, name), next(event.from), to(event.to), first(event.from) {}
 
 ClipRecorder::ClipRecorder(const std::string& folder, const source::SourceInfo& source, microseconds window)
-    : folder_(folder), window_(window) {
+    : folder_(folder), live_(source.live), outage_("clips in " + folder), window_(window) {
   shape_.size = shown_size(source.size, {1, 1}, kLongest);
   shape_.pixel_aspect = source.pixel_aspect;
   shape_.rate = source.rate;
@@ -37,32 +38,54 @@ void ClipRecorder::frame(const cv::Mat& image, microseconds time) {
   while (kept_.front().time < time - window_ || kept_.size() * bytes > kMostBytes) kept_.pop_front();
 
   for (auto clip = clips_.begin(); clip != clips_.end();) {
-    write_to(*clip->second);
-    if (clip->second->ended && time >= clip->second->to) {
-      clip->second->video.finish();
-      clip->second->file.commit();
-      clip = clips_.erase(clip);
-    } else {
-      ++clip;
-    }
+    const auto next = std::next(clip);
+    change(clip, [&] {
+      write_to(*clip->second);
+      if (!clip->second->ended || time < clip->second->to) return;
+      complete(*clip->second);
+      clips_.erase(clip);
+    });
+    clip = next;
   }
 }
 
+template <typename Write>
+bool ClipRecorder::attempt(const Write& write) {
+  if (live_) return outage_.attempt(write);
+  write();
+  return true;
+}
+
+// A clip that cannot be written is given up.
+template <typename Write>
+void ClipRecorder::change(Clips::iterator clip, const Write& write) {
+  if (!attempt(write)) clips_.erase(clip);
+}
+
+void ClipRecorder::complete(Clip& clip) {
+  clip.video.finish();
+  clip.file.commit();
+  outage_.worked();
+}
+
 void ClipRecorder::begin(const events::Event& event) {
-  const std::string name = folder_ + "/" + event_stem(event) + ".mp4";
-  const auto [place, is_new] = clips_.try_emplace(event.id, std::make_unique<Clip>(name, shape_, event));
-  write_to(*place->second);
+  attempt([&] {
+    const std::string name = folder_ + "/" + event_stem(event) + ".mp4";
+    auto clip = std::make_unique<Clip>(name, shape_, event);
+    write_to(*clip);
+    clips_.try_emplace(event.id, std::move(clip));
+  });
 }
 
 void ClipRecorder::extend(const events::Event& event) {
-  Clip& clip = *clips_.at(event.id);
-  clip.to = event.to;
-  write_to(clip);
+  const auto clip = clips_.find(event.id);
+  clip->second->to = event.to;
+  change(clip, [&] { write_to(*clip->second); });
 }
 
 void ClipRecorder::end(const events::Event& event) {
-  extend(event);
   clips_.at(event.id)->ended = true;
+  extend(event);
 }
 
 void ClipRecorder::write_to(Clip& clip) const {
@@ -76,7 +99,14 @@ void ClipRecorder::write_to(Clip& clip) const {
 }
 
 void ClipRecorder::finish() {
-  for (const auto& [id, clip] : clips_) clip->video.finish();
+  for (auto clip = clips_.begin(); clip != clips_.end();) {
+    const auto next = std::next(clip);
+    change(clip, [&] {
+      if (live_) return complete(*clip->second);
+      clip->second->video.finish();
+    });
+    clip = next;
+  }
 }
 
 void ClipRecorder::commit() {

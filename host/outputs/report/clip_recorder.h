@@ -8,6 +8,7 @@
 #include <opencv2/core.hpp>
 #include <string>
 
+#include "host/base/outage.h"
 #include "host/base/pending_file.h"
 #include "host/events/event.h"
 #include "host/outputs/video_writer.h"
@@ -16,7 +17,8 @@
 namespace lm::host::outputs::report {
 
 // Keeps the latest frames, because events are announced some time after they begin: scaled to at most 960
-// pixels per side, for at most `window`, and at most 256 MiB; the oldest frames are dropped first.
+// pixels per side, for at most `window`, and at most 256 MiB; the oldest frames are dropped first. For live
+// sources a clip that cannot be written is skipped.
 class ClipRecorder {
  public:
   ClipRecorder(const std::string& folder, const source::SourceInfo& source, std::chrono::microseconds window);
@@ -46,13 +48,21 @@ class ClipRecorder {
     bool empty = true;
     bool ended = false;
   };
+  using Clips = std::map<std::string, std::unique_ptr<Clip>>;  // by event id
   void write_to(Clip& clip) const;
+  void complete(Clip& clip);
+  template <typename Write>
+  bool attempt(const Write& write);
+  template <typename Write>
+  void change(Clips::iterator clip, const Write& write);
 
   std::string folder_;
+  bool live_;
+  base::Outage outage_;
   VideoWriter::Shape shape_;
   std::chrono::microseconds window_;
   std::deque<Kept> kept_;
-  std::map<std::string, std::unique_ptr<Clip>> clips_;  // by event id
+  Clips clips_;
 };
 
 }  // namespace lm::host::outputs::report

@@ -68,7 +68,7 @@ void Clips::changed(const events::Event& event) {
 void Clips::ended(const events::Event& event) {
   if (recorder_.records(event)) {
     recorder_.end(event);
-  } else {
+  } else if (container_ != nullptr) {
     copy(event);
   }
 }

@@ -2,7 +2,8 @@
 
 #include <array>
 #include <cstdio>
-#include <ctime>
+
+#include "host/base/time_text.h"
 
 namespace lm::host::outputs::report {
 namespace {
@@ -17,17 +18,6 @@ std::string since_start(microseconds time) {
   return text.data();
 }
 
-std::string on_the_clock(events::WallTime time) {
-  const long long thousandths = duration_cast<milliseconds>(time.time_since_epoch()).count();
-  const std::time_t seconds = thousandths / 1000;
-  std::tm parts{};
-  gmtime_r(&seconds, &parts);
-  std::array<char, 64> text{};
-  const std::size_t length = std::strftime(text.data(), text.size(), "%Y-%m-%dT%H-%M-%S", &parts);
-  std::snprintf(text.data() + length, text.size() - length, ".%03lldZ", thousandths % 1000);
-  return text.data();
-}
-
 }  // namespace
 
 const char* kind_name(events::EventKind kind) {
@@ -35,7 +25,7 @@ const char* kind_name(events::EventKind kind) {
 }
 
 std::string event_stem(const events::Event& event) {
-  const std::string time = event.wall_start ? on_the_clock(*event.wall_start) : since_start(event.start);
+  const std::string time = event.wall_start ? base::file_time(*event.wall_start) : since_start(event.start);
   // Events may start at the same time.
   return time + "-" + event.id.substr(event.id.rfind('-') + 1) + "-" + kind_name(event.kind);
 }

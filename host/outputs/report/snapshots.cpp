@@ -18,7 +18,10 @@ constexpr int kLongestSide = 65'500;  // JPEG's limit
 
 Snapshots::Snapshots(const std::string& folder, const source::SourceInfo& source,
                      const events::EventRules& rules)
-    : folder_(folder), best_(lookback(rules), shown_size(source.size, source.pixel_aspect, kLongestSide)) {
+    : folder_(folder),
+      live_(source.live),
+      outage_("snapshots in " + folder),
+      best_(lookback(rules), shown_size(source.size, source.pixel_aspect, kLongestSide)) {
   base::make_folder(folder);
 }
 
@@ -27,7 +30,16 @@ void Snapshots::ended(const events::Event& event) {
   if (still.image.empty()) return;
   draw_paths(still.image, event);
   draw_overlay(still.image, still.boxes, base::seconds_text(still.time) + " s");
-  base::write_file(folder_ + "/" + event_stem(event) + ".jpg", jpeg_bytes(still.image, kSnapshotCoarseness));
+  const auto write = [&] {
+    base::write_file(folder_ + "/" + event_stem(event) + ".jpg",
+                     jpeg_bytes(still.image, kSnapshotCoarseness));
+    outage_.worked();
+  };
+  if (live_) {
+    outage_.attempt(write);
+  } else {
+    write();
+  }
 }
 
 }  // namespace lm::host::outputs::report

@@ -3,13 +3,15 @@
 
 #include <string>
 
+#include "host/base/outage.h"
 #include "host/events/event_options.h"
 #include "host/events/listener.h"
 #include "host/outputs/report/best_frames.h"
 
 namespace lm::host::outputs::report {
 
-// Each picture is written completely when its event has ended.
+// Each picture is written completely when its event has ended. For live sources one that cannot be written is
+// skipped.
 class Snapshots : public events::EventListener {
  public:
   // `folder`: created if missing.
@@ -24,6 +26,8 @@ class Snapshots : public events::EventListener {
 
  private:
   std::string folder_;
+  bool live_;
+  base::Outage outage_;
   BestFrames best_;
 };
 

@@ -39,7 +39,7 @@ LiveSource::LiveSource(std::unique_ptr<Source> first, Connect connect, std::opti
       surroundings_(std::move(surroundings)),
       back_off_(surroundings_.chance),
       last_frame_(surroundings_.now()) {
-  info_.start = std::chrono::system_clock::now();
+  info_.start = wall_clock_.start(Time{0}, true, WallClock::now());  // its first picture has been read
 }
 
 LiveSource::~LiveSource() {
@@ -54,8 +54,11 @@ bool LiveSource::next(Frame& frame) {
     for (const std::string& message : taken.messages) report(message);
     if (taken.frame) {
       frame = std::move(*taken.frame);
-      // Frames may have been buffered, but none arrives before it is captured.
-      info_.start = std::min(*info_.start, std::chrono::system_clock::now() - frame.time);
+      info_.start = wall_clock_.start(frame.time, frame.anew, WallClock::now());
+      if (const Time step = wall_clock_.step(); step != Time{0}) {
+        report("the computer's clock was set " + std::string(step > Time{0} ? "forward" : "back") + " by " +
+               base::seconds_text(std::chrono::abs(step)) + " s");
+      }
       return true;
     }
     if (!taken.ended) continue;

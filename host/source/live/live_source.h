@@ -15,6 +15,7 @@
 #include "host/base/deadline.h"
 #include "host/source/live/newest_frame.h"
 #include "host/source/live/shedding.h"
+#include "host/source/live/wall_clock.h"
 #include "host/source/source.h"
 
 namespace lm::host::source::live {
@@ -73,6 +74,7 @@ class LiveSource : public Source {
   std::int64_t last_number_ = 0;
   base::Deadline::Clock::time_point last_frame_;
 
+  WallClock wall_clock_;
   NewestFrame newest_;
   mutable std::mutex mutex_;  // for members shared by both threads
   SourceCounts counts_;
