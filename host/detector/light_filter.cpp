@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "host/detector/lit.h"
+#include "host/detector/masks.h"
 
 namespace lm::host::detector {
 namespace {
@@ -76,25 +77,19 @@ void join(std::vector<cv::Rect>& boxes, int gap) {
 
 // The parts of `left` that are objects; erases the others. `light`: pixels of light around them.
 std::vector<cv::Rect> objects_in(cv::Mat left, const cv::Mat& known, int light) {
-  cv::Mat labels;
-  cv::Mat figures;
-  cv::Mat centres;
-  const int count = cv::connectedComponentsWithStats(left, labels, figures, centres, 8, CV_32S);
-  cv::Mat_<int> own(1, count, 0);  // pixels of each label
-  for (int y = 0; y < labels.rows; ++y) {
-    for (int x = 0; x < labels.cols; ++x) own(0, labels.at<int>(y, x)) += known.at<std::uint8_t>(y, x) / 255;
-  }
+  const ConnectedParts parts = connected_parts(left, Touching::kCorners);
+  std::vector<int> own(parts.areas.size());  // pixels of each part
+  for (const Run& run : parts.runs) own[static_cast<std::size_t>(run.part)] += count_in(run, known);
   std::vector<cv::Rect> places;
-  for (int label = 1; label < count; ++label) {
-    const int* of = figures.ptr<int>(label);
-    const int area = of[cv::CC_STAT_AREA];
+  std::vector<bool> is_object(own.size());
+  for (std::size_t i = 0; i < own.size(); ++i) {
+    const int area = parts.areas[i];
     const bool large = area >= std::max<double>(kFewestLeft, kSmallestLeft * light);
-    if (large && (own(0, label) >= kOwn * area || area > 2 * light)) {
-      places.emplace_back(of[cv::CC_STAT_LEFT], of[cv::CC_STAT_TOP], of[cv::CC_STAT_WIDTH],
-                          of[cv::CC_STAT_HEIGHT]);
-    } else {
-      left.setTo(0, labels == label);
-    }
+    is_object[i] = large && (own[i] >= kOwn * area || area > 2 * light);
+    if (is_object[i]) places.push_back(parts.boxes[i]);
+  }
+  for (const Run& run : parts.runs) {
+    if (!is_object[static_cast<std::size_t>(run.part)]) set(left, run, 0);
   }
   return places;
 }
@@ -130,8 +125,7 @@ std::vector<cv::Rect> LightFilter::without_light(Part& part, const cv::Rect& box
   part.object = part.foreground;
   if (light < kFewestLeft || light < kLeastLight * all) return {box};
   cv::Mat left = part.foreground & ~part.parts.light;
-  cv::morphologyEx(left, left, cv::MORPH_CLOSE, cv::Mat::ones(3, 3, CV_8U));
-  cv::morphologyEx(left, left, cv::MORPH_OPEN, cv::Mat::ones(3, 3, CV_8U));
+  left = dilated(eroded(eroded(dilated(left))));  // without holes and specks
   const std::vector<cv::Rect> places = objects_in(left(inside), part.parts.object(inside), light);
   part.object = left;
   std::vector<cv::Rect> boxes;
@@ -181,9 +175,7 @@ GhostPart LightFilter::stayed(const Part& part, cv::Mat& ages) {
                        up(part.area.height) / kCell);
   cv::Mat of = ages(cells);
   of.setTo(0, of >= kStays);
-  cv::Mat left;
-  cv::dilate(part.object, left, cv::Mat::ones(3, 3, CV_8U));
-  stays &= ~left;
+  stays &= ~dilated(part.object);
   GhostPart found{doubled(part.area), {}};
   cv::resize(stays, found.mask, found.area.size(), 0, 0, cv::INTER_NEAREST);
   return found;

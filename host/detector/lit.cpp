@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "host/detector/gains.h"
+#include "host/detector/masks.h"
 #include "host/detector/textures.h"
 
 namespace lm::host::detector {
@@ -54,59 +55,28 @@ Mask smooth_part(const Gains& gains, float noise) {
   return smooth;
 }
 
-struct Regions {
-  cv::Mat labels;   // CV_32S; 0 is no region
-  cv::Mat figures;  // of each label
-  int count = 0;
-};
-
-Regions regions_of(const Mask& mask, int connectivity) {
-  Regions found;
-  cv::Mat centres;
-  found.count = cv::connectedComponentsWithStats(mask, found.labels, found.figures, centres, connectivity);
-  return found;
-}
-
-// Sets those pixels of `to` whose region is chosen.
-void set(Mask& to, const Regions& regions, const std::vector<std::uint8_t>& chosen) {
-  for (int y = 0; y < to.rows; ++y) {
-    const auto* label = regions.labels.ptr<int>(y);
-    std::uint8_t* of = to[y];
-    for (int x = 0; x < to.cols; ++x) of[x] |= chosen[static_cast<std::size_t>(label[x])];
-  }
-}
-
 // Sets the regions of smooth gain of which enough has kept its texture.
 void set_lit_regions(Mask& lit, const Gains& gains, const Textures& textures, float noise) {
-  const Regions regions = regions_of(smooth_part(gains, noise), 4);
-  std::vector<int> balance(static_cast<std::size_t>(regions.count));  // 1 for kept pixels
-  std::vector<int> kept(balance.size());
-  for (int y = 0; y < lit.rows; ++y) {
-    const auto* label = regions.labels.ptr<int>(y);
-    const std::uint8_t* is_kept = textures.kept[y];
-    const std::uint8_t* is_another = textures.another[y];
-    for (int x = 0; x < lit.cols; ++x) {
-      const auto of = static_cast<std::size_t>(label[x]);
-      kept[of] += is_kept[x] & 1;
-      balance[of] += is_another[x] & 1;
-    }
+  const ConnectedParts regions = connected_parts(smooth_part(gains, noise), Touching::kSides);
+  std::vector<int> kept(regions.areas.size());  // pixels of each region
+  std::vector<int> another(regions.areas.size());
+  for (const Run& run : regions.runs) {
+    kept[static_cast<std::size_t>(run.part)] += count_in(run, textures.kept);
+    another[static_cast<std::size_t>(run.part)] += count_in(run, textures.another);
   }
-  std::vector<std::uint8_t> chosen(kept.size());
-  for (std::size_t i = 1; i < kept.size(); ++i) {
-    const int area = regions.figures.at<int>(static_cast<int>(i), cv::CC_STAT_AREA);
-    if (kept[i] >= kCluster && kept[i] >= kPart * area && kept[i] >= kForEach * balance[i]) chosen[i] = 255;
+  for (const Run& run : regions.runs) {
+    const auto i = static_cast<std::size_t>(run.part);
+    if (kept[i] >= kCluster && kept[i] >= kPart * regions.areas[i] && kept[i] >= kForEach * another[i])
+      set(lit, run, 255);
   }
-  set(lit, regions, chosen);
 }
 
 // Sets what has kept its texture, without single pixels. A narrow shadow is steep everywhere.
 void set_kept_clusters(Mask& lit, const Textures& textures) {
-  const Regions regions = regions_of(textures.kept, 8);
-  std::vector<std::uint8_t> chosen(static_cast<std::size_t>(regions.count));
-  for (int i = 1; i < regions.count; ++i) {
-    if (regions.figures.at<int>(i, cv::CC_STAT_AREA) >= kCluster) chosen[static_cast<std::size_t>(i)] = 255;
+  const ConnectedParts clusters = connected_parts(textures.kept, Touching::kCorners);
+  for (const Run& run : clusters.runs) {
+    if (clusters.areas[static_cast<std::size_t>(run.part)] >= kCluster) set(lit, run, 255);
   }
-  set(lit, regions, chosen);
 }
 
 // Most of the ground around has at most this gain; 0 if there is too little of it.
@@ -172,7 +142,7 @@ Parts parts_of(const cv::Mat& now, const cv::Mat& ground, const cv::Mat& foregro
   if (cv::countNonZero(textures.kept) >= kCluster) {
     set_lit_regions(lit, gains, textures, noise_at_one(sigma));
     set_kept_clusters(lit, textures);
-    cv::dilate(lit, lit, cv::Mat::ones(5, 5, CV_8U));  // the edge of a shadow
+    lit = dilated(dilated(lit));  // the edge of a shadow
   }
   limit(lit, gains, usual_gain(gains, foreground));
   return {lit, others(foreground, gains, textures, lit)};

@@ -1,8 +1,8 @@
 #include "host/events/light.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
-#include <opencv2/imgproc.hpp>
 
 #include "host/events/box.h"
 
@@ -21,14 +21,25 @@ constexpr double kLeastPart = 0.2;        // minimum share of the watched cells
 constexpr double kWholeFrame = 0.8;       // ... if too few of them have texture
 constexpr double kLeastUnderBoxes = 0.1;  // of the frame
 
+constexpr int kColumns = LightWatch::kAcross * kCellSide;
+constexpr int kRows = LightWatch::kDown * kCellSide;
+
+std::uint8_t grey(const std::uint8_t* pixel) {
+  return static_cast<std::uint8_t>((29 * pixel[0] + 150 * pixel[1] + 77 * pixel[2] + 128) / 256);  // BT.601
+}
+
+// The nearest pixels, grey.
 cv::Mat samples_of(const cv::Mat& image) {
-  cv::Mat small;
-  cv::Mat grey;
-  cv::resize(image, small, {LightWatch::kAcross * kCellSide, LightWatch::kDown * kCellSide}, 0, 0,
-             cv::INTER_NEAREST);
-  if (small.channels() == 1) return small;
-  cv::cvtColor(small, grey, cv::COLOR_BGR2GRAY);
-  return grey;
+  cv::Mat samples(kRows, kColumns, CV_8U);
+  const int step = image.channels();
+  std::array<int, kColumns> columns{};
+  for (int x = 0; x < kColumns; ++x) columns[static_cast<std::size_t>(x)] = x * image.cols / kColumns * step;
+  for (int y = 0; y < kRows; ++y) {
+    const auto* from = image.ptr<std::uint8_t>(y * image.rows / kRows);
+    auto* to = samples.ptr<std::uint8_t>(y);
+    for (const int column : columns) *to++ = step == 1 ? from[column] : grey(from + column);
+  }
+  return samples;
 }
 
 // Calls `use` with the first sample of each row of a cell in both pictures.
@@ -98,8 +109,8 @@ void LightWatch::forget() {
 LightWatch::Look LightWatch::look_at(const cv::Mat& image, std::chrono::microseconds time) {
   Look look{time, samples_of(image), {}, 0};
   for (std::size_t i = 0; i < kCells; ++i) {
-    look.sums[i] = {sum_of(i, look.samples), sum_of_products(i, look.samples, look.samples)};
-    look.brightness += look.sums[i].values;
+    look.sums[i] = sum_of(i, look.samples);
+    look.brightness += look.sums[i];
   }
   look.brightness /= static_cast<double>(look.samples.total());
   return look;
@@ -108,12 +119,15 @@ LightWatch::Look LightWatch::look_at(const cv::Mat& image, std::chrono::microsec
 // The textures are compared where the mean has changed.
 LightWatch::Comparison LightWatch::compare(const Look& before, const Look& now, std::size_t cell) {
   constexpr double kSamples = kCellSide * kCellSide;
-  const double mean[] = {before.sums[cell].values / kSamples, now.sums[cell].values / kSamples};
+  const double mean[] = {before.sums[cell] / kSamples, now.sums[cell] / kSamples};
   Comparison result{mean[1] - mean[0]};
   if (std::abs(result.step) <= kCellStep) return result;
-  const double variance[] = {before.sums[cell].squares / kSamples - mean[0] * mean[0],
-                             now.sums[cell].squares / kSamples - mean[1] * mean[1]};
-  const double common = sum_of_products(cell, before.samples, now.samples) / kSamples - mean[0] * mean[1];
+  const auto covariance = [&](const cv::Mat& one, const cv::Mat& other, double product_of_means) {
+    return sum_of_products(cell, one, other) / kSamples - product_of_means;
+  };
+  const double variance[] = {covariance(before.samples, before.samples, mean[0] * mean[0]),
+                             covariance(now.samples, now.samples, mean[1] * mean[1])};
+  const double common = covariance(before.samples, now.samples, mean[0] * mean[1]);
   const double scale = std::sqrt(std::max(0.0, variance[0] * variance[1]));
   result.textured = std::max(variance[0], variance[1]) > kTexture * kTexture;
   result.alike = scale > 0 && common / scale > kAlike;

@@ -37,13 +37,10 @@ class LightWatch {
   static constexpr std::size_t kCells = std::size_t{kAcross} * kDown;
   using Cells = std::bitset<kCells>;
 
-  struct Sums {
-    int values = 0, squares = 0;  // of the samples in a cell
-  };
   struct Look {
     std::chrono::microseconds time;
-    cv::Mat samples;  // grey, several per cell
-    std::array<Sums, kCells> sums;
+    cv::Mat samples;               // grey, several per cell
+    std::array<int, kCells> sums;  // of the samples in each cell
     double brightness;
   };
   struct Comparison {

@@ -25,7 +25,7 @@ class Lit : public testing::Test {
     change(place);
     test::Camera camera(sigma / 2, 7);
     cv::Mat ground;
-    camera.picture(ground_).convertTo(ground, CV_16S, Ground::kOne);
+    test::Camera(0.45 * sigma / 2, 8).picture(ground_).convertTo(ground, CV_16S, Ground::kOne);
     cv::Mat foreground = cv::Mat::zeros(kSize, CV_8U);
     foreground(kPlace) = 255;
     return parts_of(camera.picture(scene), ground, foreground, sigma);
