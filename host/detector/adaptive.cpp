@@ -19,7 +19,7 @@ using std::chrono::microseconds;
 using std::chrono::milliseconds;
 
 // Once the noise is known, two successive frames of so many are compared.
-constexpr std::int64_t kSeldom = 10;
+constexpr std::int64_t kSeldom = 6;
 
 // Where the noise asks for the least sensitivity, the picture is smoothed instead: that leaves some 40 % of
 // noise that neighbours do not share, for which this sensitivity is enough.
