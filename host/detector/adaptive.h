@@ -1,6 +1,6 @@
 // A detector that adapts to its scene: it chooses the size in which frames are analysed, measures the noise
-// of the picture and chooses sensitivity and peeling by it, takes back the places that something has left,
-// and removes light and shadow from boxes.
+// of the picture and chooses sensitivity and peeling by it, smooths pictures of strong noise, takes back the
+// places that something has left, and removes light and shadow from boxes.
 #pragma once
 
 #include <chrono>
@@ -42,6 +42,8 @@ class Adaptive : public Detector {
   void measure(const cv::Mat& picture, std::chrono::microseconds time);
   void apply();
   cv::Mat foreground(const cv::Rect& area) const;
+  bool smooths() const;
+  int sensitivity() const;
   LearnedPictures learned(const cv::Rect& area) const;
   Boxes without_light(const cv::Mat& picture, std::chrono::microseconds time, const Boxes& boxes,
                       const std::vector<cv::Rect>& outlines);

@@ -46,7 +46,7 @@ class Watched {
 };
 
 class Quiet : public ::testing::TestWithParam<double> {};
-INSTANTIATE_TEST_SUITE_P(Noise, Quiet, testing::Values(0, 1.5, 3, 6));
+INSTANTIATE_TEST_SUITE_P(Noise, Quiet, testing::Values(0, 1.5, 3, 6, 9, 14));
 
 TEST_P(Quiet, HasNoBoxAndPeopleAreFound) {
   const cv::Mat empty = test::ground(kFrame, 5);
@@ -72,6 +72,19 @@ TEST(Adaptive, ChoosesBySceneAndSaysSo) {
   watched.frames(empty, 220);
   EXPECT_THAT(watched.chosen(), HasSubstr("sensitivity 2"));
   EXPECT_THAT(watched.lines().back(), HasSubstr("sensitivity 2"));
+}
+
+TEST(Adaptive, SmoothsAPictureOfStrongNoiseAndSaysSo) {
+  const cv::Mat empty = test::ground(kFrame, 5);
+  Watched watched(12, "{}", kFrame);
+  watched.frames(empty, 75);
+  EXPECT_THAT(watched.chosen(), HasSubstr(", smoothed, sensitivity 3"));
+  watched.noisier(1);
+  watched.frames(empty, 400);
+  EXPECT_THAT(watched.chosen(), Not(HasSubstr("smoothed")));
+  Watched given(12, R"({"sensitivity": "1"})", kFrame);
+  given.frames(empty, 75);
+  EXPECT_THAT(given.chosen(), Not(HasSubstr("smoothed")));
 }
 
 TEST(Adaptive, LeavesAloneWhatTheConfigurationSets) {
