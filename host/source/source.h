@@ -41,6 +41,20 @@ struct Reading {
   std::optional<std::chrono::microseconds> patience{};  // ... time to reconnect; without it, no limit
 };
 
+// Whether a camera or stream delivers pictures.
+enum class CameraState {
+  kConnected,
+  kLost,          // not yet reconnecting, or no longer
+  kReconnecting,  // trying to
+  kFrozen,        // it delivers the same picture over and over
+};
+
+struct SourceState {
+  CameraState camera = CameraState::kConnected;
+  std::chrono::system_clock::time_point since;  // when pictures began to arrive, or the last new one arrived
+  std::string reason{};                         // why there are none, in one line; empty if connected
+};
+
 // Statistics of a live source.
 struct SourceCounts {
   std::int64_t frames = 0;   // received, without those skipped by --fps
@@ -72,13 +86,22 @@ class Source {
   using Listener = std::function<void(const std::string&)>;
   void set_listener(Listener listener) { listener_ = std::move(listener); }
 
+  // Called from within next when the state of a live source changes; at the start it is connected. Changes
+  // and frames are in the order in which they happened.
+  using StateListener = std::function<void(const SourceState&)>;
+  void set_state_listener(StateListener listener) { state_listener_ = std::move(listener); }
+
  protected:
   void report(const std::string& text) const {
     if (listener_) listener_(text);
   }
+  void report(const SourceState& state) const {
+    if (state_listener_) state_listener_(state);
+  }
 
  private:
   Listener listener_;
+  StateListener state_listener_;
 };
 
 // `name`: a path, an address with "://" or a camera "/dev/video..."; empty for the built-in scene. Throws

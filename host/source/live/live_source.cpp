@@ -51,7 +51,10 @@ bool LiveSource::next(Frame& frame) {
   if (!reader_.joinable()) reader_ = std::thread([this] { read(); });
   while (base::interrupted() == 0 && !stop_.stop_requested()) {
     NewestFrame::Taken taken = newest_.take(kGlance);
-    for (const std::string& message : taken.messages) report(message);
+    for (const NewestFrame::News& news : taken.news) {
+      if (!news.message.empty()) report(news.message);
+      if (news.state) report(*news.state);
+    }
     if (taken.frame) {
       frame = std::move(*taken.frame);
       // Frames may have been buffered, but none arrives before it is captured.
@@ -103,7 +106,7 @@ void LiveSource::forward_frames() {
     }
     const bool dropped = !newest_.put(std::move(frame));
     if (std::string text = shedding.count(dropped, last_frame_); !text.empty())
-      newest_.put_message(std::move(text));
+      newest_.put_news({std::move(text)});
     const std::scoped_lock lock(mutex_);
     ++counts_.frames;
     counts_.dropped += dropped ? 1 : 0;
@@ -116,12 +119,16 @@ bool LiveSource::connect_again() {
   std::string cause = connection_->trouble();
   if (cause.empty()) cause = "the stream ended";
   connection_.reset();
-  newest_.put_message("connection lost: " + cause);
+  lost_since_ = surroundings_.wall() -
+                std::chrono::duration_cast<std::chrono::system_clock::duration>(since(last_frame_));
+  put_state(CameraState::kLost, cause, "connection lost: " + cause);
   const std::string lost_by = cause;
+  bool idle = true;
   for (;;) {
     const auto delay = back_off_.next();
     const Time away = since(last_frame_);
     if (patience_ && away + delay > *patience_) break;
+    if (std::exchange(idle, false)) put_state(CameraState::kReconnecting, cause);
     surroundings_.wait(delay, stop_.get_token());
     if (stop_.stop_requested() || base::interrupted() != 0) return false;
     const std::string refusal = attempt();
@@ -129,9 +136,10 @@ bool LiveSource::connect_again() {
       connected(since(last_frame_), lost_by);
       return true;
     }
-    if (refusal != cause) newest_.put_message("still disconnected: " + refusal);
+    if (refusal != cause) put_state(CameraState::kReconnecting, refusal, "still disconnected: " + refusal);
     cause = refusal;
   }
+  if (!idle) put_state(CameraState::kLost, "gave up: " + cause);
   const std::scoped_lock lock(mutex_);
   trouble_ = "connection lost, gave up: " + cause;
   return false;
@@ -149,9 +157,14 @@ std::string LiveSource::attempt() {
   }
 }
 
+void LiveSource::put_state(CameraState camera, const std::string& reason, std::string message) {
+  newest_.put_news({std::move(message), SourceState{camera, lost_since_, reason}});
+}
+
 void LiveSource::connected(Time away, const std::string& cause) {
   first_time_ = last_time_ + std::max<Time>(away, 1ms);
   first_number_ = last_number_ + 1;
+  newest_.put_news({"", SourceState{CameraState::kConnected, surroundings_.wall()}});
   news_ = "reconnected after " + base::seconds_text(away) + " s without pictures: " + cause;
   const std::scoped_lock lock(mutex_);
   ++counts_.reconnections;

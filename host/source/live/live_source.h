@@ -23,12 +23,15 @@ namespace lm::host::source::live {
 // include.
 class LiveSource : public Source {
  public:
+  using WallTime = std::chrono::system_clock::time_point;
+
   // Throws Failure if connecting fails. A connection has ended when its next returns false.
   using Connect = std::function<std::unique_ptr<Source>()>;
 
-  // Clock, waiting and random numbers; replaced in tests.
+  // Clocks, waiting and random numbers; replaced in tests.
   struct Surroundings {
     base::Deadline::Now now = base::Deadline::Clock::now;
+    std::function<WallTime()> wall = std::chrono::system_clock::now;
     std::function<void(std::chrono::milliseconds, std::stop_token)> wait;
     base::BackOff::Chance chance = base::real_chance();
     Surroundings();
@@ -55,6 +58,7 @@ class LiveSource : public Source {
   bool connect_again();
   std::string attempt();
   void connected(Time away, const std::string& cause);
+  void put_state(CameraState camera, const std::string& reason, std::string message = "");
   Time since(base::Deadline::Clock::time_point begin) const;
 
   SourceInfo info_;
@@ -72,6 +76,7 @@ class LiveSource : public Source {
   Time last_time_{0};
   std::int64_t last_number_ = 0;
   base::Deadline::Clock::time_point last_frame_;
+  WallTime lost_since_;
 
   NewestFrame newest_;
   mutable std::mutex mutex_;  // for members shared by both threads
