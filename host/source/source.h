@@ -18,6 +18,7 @@ struct Frame {
   std::chrono::microseconds time{0};  // since the first frame; each frame is later than the one before
   std::optional<std::chrono::microseconds> stated{};  // timestamp in the file; none if it has none
   std::int64_t number = 0;  // among all frames of the source, including frames not returned
+  bool repeated = false;    // of a live source: has exactly the pixels of the frame before it
   bool anew = false;        // must not be compared with earlier frames: the connection was lost in between
   std::string note;         // what happened to the source before it, in one line; usually empty
 };
@@ -39,6 +40,7 @@ struct Reading {
   std::chrono::microseconds max_gap{10'000'000};        // report gaps longer than this
   std::chrono::microseconds timeout{10'000'000};        // of networks and cameras: time to wait for data
   std::optional<std::chrono::microseconds> patience{};  // ... time to reconnect; without it, no limit
+  std::chrono::microseconds frozen{60'000'000};  // ... a picture that stays the same is frozen; 0: never
 };
 
 // Whether a camera or stream delivers pictures.

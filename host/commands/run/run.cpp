@@ -153,9 +153,10 @@ class Run {
 
   void source_changed(const source::SourceState& state) {
     events_.source_changed(state);
-    if (state.camera != source::CameraState::kLost || figures_.frames == 0) return;
-    write_line(
-        [&] { return outputs::note_line("connection lost: " + state.reason, last_number_, last_time_); });
+    const bool lost = state.camera == source::CameraState::kLost;
+    if (!lost && state.camera != source::CameraState::kFrozen) return;
+    const std::string note = (lost ? "connection lost: " : "the picture is frozen: ") + state.reason;
+    write_line([&] { return outputs::note_line(note, last_number_, last_time_); });
   }
 
   void write_line(const auto& make) {

@@ -1,5 +1,7 @@
 #include "host/outputs/mqtt/announcer.h"
 
+#include <utility>
+
 #include "host/events/event_json.h"
 
 namespace lm::host::outputs::mqtt {
@@ -39,13 +41,17 @@ void Announcer::ended(const events::Event& event) {
 }
 
 void Announcer::leave(const std::string& reason) {
-  if (!moving_.empty()) retain(topics_.motion(), kNoMotion);
-  moving_.clear();
+  retain(topics_.motion(), kNoMotion);
   if (is_camera_) {
     const auto now = std::chrono::system_clock::now();
     retain(topics_.camera_state(), camera_payload(kUnknown, now, reason));
   }
   retain(topics_.availability(), kOffline);
+}
+
+void Announcer::retain(const std::string& topic, const std::string& state) {
+  std::string& last = retained_[topic];
+  if (std::exchange(last, state) != state) send_({MessageKind::kRetained, topic, state});
 }
 
 void Announcer::publish(MessageKind kind, const std::string& step, const events::Event& event) {

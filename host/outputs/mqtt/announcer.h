@@ -38,14 +38,13 @@ class Announcer {
 
  private:
   void publish(MessageKind kind, const std::string& step, const events::Event& event);
-  void retain(const std::string& topic, const std::string& state) {
-    send_({MessageKind::kRetained, topic, state});
-  }
+  void retain(const std::string& topic, const std::string& state);
 
   Topics topics_;
   Send send_;
   std::string discovery_;
   bool is_camera_ = false;
+  std::map<std::string, std::string> retained_;                      // last state by topic
   std::map<std::string, std::chrono::microseconds> last_published_;  // by event id
   std::set<std::string> moving_;                                     // ids of motion events in progress
 };
