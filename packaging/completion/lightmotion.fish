@@ -49,6 +49,7 @@ complete -c lightmotion -n "$run; or $serve; or $tune" -l scale -x -d 'Analyse s
 complete -c lightmotion -n "$run; or $serve; or $tune" -l max-gap -x -d 'Report gaps between frames longer than this'
 complete -c lightmotion -n "$run; or $serve; or $tune" -l timeout -x -d 'How long to wait for a camera or network'
 complete -c lightmotion -n "$run; or $serve; or $tune" -l reconnect -x -d 'How long to try to reconnect'
+complete -c lightmotion -n "$run; or $serve; or $tune" -l frozen -x -d 'How long a picture may stay exactly the same'
 complete -c lightmotion -n "$run" -l out -x -a '(__fish_complete_directories)' -d 'Folder for the results of many files'
 complete -c lightmotion -n "$run" -l jobs -x -d 'Files processed at the same time'
 complete -c lightmotion -n "$run" -l shard -x -a slurm -d 'Process only every Nth file, starting with the Ith: I/N'

@@ -204,7 +204,9 @@ TEST(LiveSource, ReportsEveryStateWithItsBeginning) {
                                                         {CameraState::kReconnecting, at(0ms), "refused"},
                                                         {CameraState::kConnected, at(1500ms), ""},
                                                         {CameraState::kLost, at(3500ms), "again"},
-                                                        {CameraState::kLost, at(3500ms), "gave up: again"}}));
+                                                        {CameraState::kReconnecting, at(3500ms), "again"},
+                                                        {CameraState::kReconnecting, at(3500ms), "gone"},
+                                                        {CameraState::kLost, at(3500ms), "gave up: gone"}}));
 }
 
 TEST(LiveSource, IsOnlyLostIfItDoesNotRetry) {

@@ -41,7 +41,7 @@ class MqttCamera : public testing::Test {
                                  "--plugin",
                                  LIGHTMOTION_FAKE_PLUGIN,
                                  "--min-event",
-                                 "0.2",
+                                 "0",
                                  "--mqtt",
                                  broker_.address() + "/home",
                                  "--mqtt-camera",

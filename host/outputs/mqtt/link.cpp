@@ -61,7 +61,9 @@ void Link::make_client() {
   if (!address.user.empty()) {
     check(mosquitto_username_pw_set(client_.get(), address.user.c_str(), address.password.c_str()), "user");
   }
-  if (tls_) check(mosquitto_opts_set(client_.get(), MOSQ_OPT_SSL_CTX, tls_->context()), "TLS");
+  if (!tls_) return;
+  check(mosquitto_int_option(client_.get(), MOSQ_OPT_SSL_CTX_WITH_DEFAULTS, 0), "TLS");
+  check(mosquitto_opts_set(client_.get(), MOSQ_OPT_SSL_CTX, tls_->context()), "TLS");
 }
 
 void Link::run() {
