@@ -88,9 +88,9 @@ std::string quoted(const std::string& text) { return "\"" + text + "\""; }
 
 std::string anyRegion(Dice& dice) {
   std::string points;
-  for (int corners = dice.from(2, 6); corners > 0; --corners) {
-    points += "{\"x\":" + quoted(std::to_string(dice.from(-10, 110)) + "e-2") +
-              ",\"y\":" + quoted(std::to_string(dice.from(-10, 110)) + "e-2") + "}" +
+  for (int corners = dice.between(2, 6); corners > 0; --corners) {
+    points += "{\"x\":" + quoted(std::to_string(dice.between(-10, 110)) + "e-2") +
+              ",\"y\":" + quoted(std::to_string(dice.between(-10, 110)) + "e-2") + "}" +
               (corners > 1 ? "," : "");
   }
   return "{\"name\":\"any\",\"points\":[" + points + "]}";
@@ -114,7 +114,7 @@ std::string anyDocument(const Shape& shape, Dice& dice) {
 
 // Sizes and channel counts that a host can configure; frames of 2 and 5 channels are refused one by one.
 Shape anyShape(Dice& dice) {
-  const Shape shape{dice.from(1, 100), dice.from(1, 40), dice.oneOf({1, 3, 4, 3, 1, 4, 3, 3, 2, 5})};
+  const Shape shape{dice.between(1, 100), dice.between(1, 40), dice.oneOf({1, 3, 4, 3, 1, 4, 3, 3, 2, 5})};
   return dice.chance(10) ? Shape{shape.width, 0, shape.channels} : shape;
 }
 

@@ -26,19 +26,19 @@ std::vector<std::string> anyEntries(const Shape& shape, Dice& dice) {
 std::string run(std::uint32_t seed, const lm::compact::Kernels& kernels) {
   Dice dice(seed);
   const int scale = seed % 64 == 0 ? 4 : 1;  // some seeds of a long job take larger frames
-  const Shape shape{dice.from(1, 150 * scale), dice.from(1, 60 * scale), dice.oneOf({1, 3, 3, 4})};
+  const Shape shape{dice.between(1, 150 * scale), dice.between(1, 60 * scale), dice.oneOf({1, 3, 3, 4})};
   const Scene scene{shape, anyKind(dice), dice.oneOf({0.5, 1.5, 2.5, 4.0})};
   std::vector<polygon> include;
   std::vector<polygon> exclude;
   if (dice.chance(40)) {
     include.push_back(wholeOf(shape));
   } else {
-    for (int count = dice.from(1, 3); count > 0; --count) include.push_back(anyPolygon(shape, dice));
+    for (int count = dice.between(1, 3); count > 0; --count) include.push_back(anyPolygon(shape, dice));
   }
   if (dice.chance(40)) exclude.push_back(anyPolygon(shape, dice));
   Pair pair(shape, anyEntries(shape, dice), include, exclude, kernels);
   if (!pair.suits()) return "the compact engine does not take it";
-  const int frames = dice.from(20, scene.kind == Kind::stopping ? 120 : 60);
+  const int frames = dice.between(20, scene.kind == Kind::stopping ? 120 : 60);
   std::int64_t time = 1000;
   for (int frame = 0; frame < frames; ++frame) {
     const bool refused = dice.chance(2);

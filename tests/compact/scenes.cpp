@@ -50,8 +50,8 @@ polygon wholeOf(const Shape& shape) {
 
 polygon anyPolygon(const Shape& shape, Dice& dice) {
   std::vector<pnt> points;
-  for (int corners = dice.from(3, 6); corners > 0; --corners) {
-    points.push_back({dice.from(-1, shape.width), dice.from(-1, shape.height)});
+  for (int corners = dice.between(3, 6); corners > 0; --corners) {
+    points.push_back({dice.between(-1, shape.width), dice.between(-1, shape.height)});
   }
   return polygonOf(points);
 }

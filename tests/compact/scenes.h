@@ -2,30 +2,12 @@
 #pragma once
 
 #include <cstdint>
-#include <initializer_list>
-#include <random>
 #include <string>
 #include <vector>
 
 #include "compact/planes.h"
 #include "config/polygon.h"
-
-class Dice {
- public:
-  explicit Dice(std::uint32_t seed) : engine_(seed) {}
-  int below(int limit) { return static_cast<int>(engine_() % static_cast<std::uint32_t>(limit)); }
-  int from(int low, int high) { return low + below(high - low + 1); }
-  bool chance(int percent) { return below(100) < percent; }
-  template <typename T>
-  T oneOf(std::initializer_list<T> values) {
-    return values.begin()[below(static_cast<int>(values.size()))];
-  }
-  double normal(double deviation) { return deviation * normal_(engine_); }
-
- private:
-  std::mt19937 engine_;
-  std::normal_distribution<double> normal_{0, 1};
-};
+#include "tests/support/dice.h"
 
 enum class Kind { passing, stopping, blinking, brightening, dimming, arbitrary };
 

@@ -100,8 +100,8 @@ struct Part {
 
 Part anyPart(const compact::Shape& shape, Dice& dice) {
   Part part{{dice.below(shape.width), dice.below(shape.height), 0, 0}, {}};
-  part.area.width = dice.from(1, shape.width - part.area.x);
-  part.area.height = dice.from(1, shape.height - part.area.y);
+  part.area.width = dice.between(1, shape.width - part.area.x);
+  part.area.height = dice.between(1, shape.height - part.area.y);
   if (dice.chance(30)) return part;
   part.mask.resize(static_cast<std::size_t>(part.area.width * part.area.height));
   for (std::uint8_t& byte : part.mask)
@@ -125,7 +125,7 @@ void expectTheRule(const Case& tested, std::uint32_t seed) {
   int foreground = 0;
   for (std::size_t k = 0; k < frames.size(); ++k) {
     Mask forgotten(static_cast<std::size_t>(shape.width * shape.height), 0);
-    for (int parts = dice.chance(25) ? dice.from(1, 3) : 0; parts > 0; --parts) {
+    for (int parts = dice.chance(25) ? dice.between(1, 3) : 0; parts > 0; --parts) {
       const Part part = anyPart(shape, dice);
       ASSERT_EQ(relearn(detector, part.area, part.bytes()), LIGHTMOTION_OK);
       part.addTo(forgotten, shape);

@@ -9,7 +9,6 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
-#include <random>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -17,24 +16,10 @@
 #include "engine/kamble.h"
 #include "plugin/detector.h"
 #include "tests/plain/detector.h"
+#include "tests/support/dice.h"
 #include "tests/system/scene.h"
 
 namespace orders {
-
-class Dice {
- public:
-  explicit Dice(std::uint32_t seed) : numbers_(seed) {}
-  int below(int limit) { return static_cast<int>(numbers_() % static_cast<std::uint32_t>(limit)); }
-  int between(int low, int high) { return low + below(high - low + 1); }
-  bool chance(int percent) { return below(100) < percent; }
-  template <class List>
-  auto oneOf(const List& list) {
-    return list[static_cast<std::size_t>(below(static_cast<int>(std::size(list))))];
-  }
-
- private:
-  std::mt19937 numbers_;
-};
 
 struct Shape {
   int width = 0, height = 0;

@@ -11,7 +11,7 @@ namespace {
 
 using std::chrono::microseconds;
 
-constexpr std::size_t kMostBytes = std::size_t{1} << 30;
+constexpr std::size_t kMostBytes = 1'000'000'000;
 
 }  // namespace
 
