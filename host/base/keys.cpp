@@ -82,6 +82,8 @@ constexpr Key kKeys[] = {
     {"wall_end"},
     {"timestamp"},
     {"note"},
+    {"camera"},
+    {"since"},
     {"started"},
     {"ended"},
     {"results"},

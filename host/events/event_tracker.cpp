@@ -255,6 +255,10 @@ void EventTracker::interrupt(const std::string& why) {
   tracks_.clear();
 }
 
+void EventTracker::source_changed(const source::SourceState& state) {
+  notify([&](EventListener& listener) { listener.source_changed(state); });
+}
+
 void EventTracker::finish(const std::string& why) {
   interrupt(why);
   notify([](EventListener& listener) { listener.finish(); });

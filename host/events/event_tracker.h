@@ -39,6 +39,8 @@ class EventTracker {
   // The source was interrupted: ends all events. `why`: a sentence.
   void interrupt(const std::string& why);
 
+  void source_changed(const source::SourceState& state);
+
   // After the last frame: ends all events and finishes the listeners. `why`: a sentence.
   void finish(const std::string& why);
   void commit();

@@ -89,6 +89,21 @@ void EventWatch::leave_out(Observation& seen, const std::vector<Box*>& boxes,
   seen.boxes = std::move(kept);
 }
 
+void EventWatch::source_changed(const source::SourceState& state) {
+  switch (state.camera) {
+    case source::CameraState::kConnected:
+      break;
+    case source::CameraState::kLost:
+    case source::CameraState::kReconnecting:
+      interrupt("The connection to the camera was lost: " + state.reason + ".");
+      break;
+    case source::CameraState::kFrozen:
+      interrupt("The picture froze: " + state.reason + ".");
+      break;
+  }
+  tracker_.source_changed(state);
+}
+
 void EventWatch::interrupt(const std::string& why) {
   objects_.forget();
   if (confirmation_) confirmation_->forget();

@@ -30,6 +30,9 @@ class EventWatch {
   // objects, without clutter.
   Boxes frame(const source::Frame& frame, std::int64_t number, Boxes boxes);
 
+  // Of a live source, before the first frame and whenever its state changes.
+  void source_changed(const source::SourceState& state);
+
   // Ends all events. `why`: a sentence.
   void interrupt(const std::string& why);
 

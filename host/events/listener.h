@@ -16,6 +16,10 @@ class EventListener {
   // afterwards: to keep the image, copy it.
   virtual void frame(const source::Frame&, const Observation&) {}
 
+  // Whether the camera delivers pictures: of live sources, before the first frame and when it changes. Events
+  // have ended before it does not.
+  virtual void source_changed(const source::SourceState&) {}
+
   // An event has become long enough to count, and one of its objects is confirmed; it began some time ago.
   virtual void begun(const Event&) {}
   // For each later frame that belongs to it.

@@ -4,6 +4,11 @@
 #include <cstring>
 #include <new>
 
+extern "C" {
+#include <libavutil/imgutils.h>
+#include <libavutil/pixdesc.h>
+}
+
 namespace lm::host::source::av {
 namespace {
 
@@ -41,6 +46,23 @@ bool is_key(const AVFrame& picture) {
 #else
   return picture.key_frame != 0;
 #endif
+}
+
+bool are_same(const AVFrame& a, const AVFrame& b) {
+  const AVPixFmtDescriptor* format = av_pix_fmt_desc_get(static_cast<AVPixelFormat>(a.format));
+  if (format == nullptr || a.format != b.format || a.width != b.width || a.height != b.height) return false;
+  int widths[4];
+  if (av_image_fill_linesizes(widths, static_cast<AVPixelFormat>(a.format), a.width) < 0) return false;
+  for (int plane = 0; plane < av_pix_fmt_count_planes(static_cast<AVPixelFormat>(a.format)); ++plane) {
+    const bool chroma = plane == 1 || plane == 2;
+    const int rows = AV_CEIL_RSHIFT(a.height, chroma ? format->log2_chroma_h : 0);
+    for (int row = 0; row < rows; ++row) {
+      const std::uint8_t* const left = a.data[plane] + std::ptrdiff_t(row) * a.linesize[plane];
+      const std::uint8_t* const right = b.data[plane] + std::ptrdiff_t(row) * b.linesize[plane];
+      if (std::memcmp(left, right, static_cast<std::size_t>(widths[plane])) != 0) return false;
+    }
+  }
+  return true;
 }
 
 // Since FFmpeg 6.1 side data belongs to the codec parameters and is copied with them.

@@ -47,6 +47,9 @@ cv::Mat view(AVFrame& picture);
 
 bool is_key(const AVFrame& picture);
 
+// Whether all pixels are the same, as they were decoded.
+bool are_same(const AVFrame& a, const AVFrame& b);
+
 // The rotation that the file asks for (see av_display_rotation_get), or null.
 const std::uint8_t* display_matrix(const AVStream& stream);
 

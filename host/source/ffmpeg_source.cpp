@@ -120,7 +120,15 @@ void FfmpegSource::start_deadline() {
   if (is_live(address_)) deadline_.allow(reading_.timeout);
 }
 
-bool FfmpegSource::gives_up() const {
+// FFmpeg reads up to 7 s of a stream to detect its contents, which may be longer than the time limit.
+void FfmpegSource::allow_probing() {
+  if (!probing_ || input_->pb == nullptr || input_->pb->bytes_read == probed_) return;
+  probed_ = input_->pb->bytes_read;
+  start_deadline();
+}
+
+bool FfmpegSource::gives_up() {
+  allow_probing();
   return base::interrupted() != 0 || stop_.stop_requested() || deadline_.passed();
 }
 
@@ -134,7 +142,7 @@ void FfmpegSource::open_input() {
   AVFormatContext* input = avformat_alloc_context();
   if (input == nullptr) throw std::bad_alloc();
   input->interrupt_callback = {
-      [](void* self) { return static_cast<const FfmpegSource*>(self)->gives_up() ? 1 : 0; }, this};
+      [](void* self) { return static_cast<FfmpegSource*>(self)->gives_up() ? 1 : 0; }, this};
   if (is_camera(address_))
     input->flags |= AVFMT_FLAG_NONBLOCK;  // a blocking read of a camera cannot be interrupted
   AVDictionary* settings = nullptr;
@@ -149,9 +157,10 @@ void FfmpegSource::open_input() {
   if (opened < 0) fail(info_.name, error_text(opened));
   input_.reset(input);
   start_deadline();
-  if (const int found = avformat_find_stream_info(input, nullptr); found < 0) {
-    fail(info_.name, error_text(found));
-  }
+  probing_ = true;
+  const int found = avformat_find_stream_info(input, nullptr);
+  probing_ = false;
+  if (found < 0) fail(info_.name, error_text(found));
 }
 
 void FfmpegSource::open_decoder() {
@@ -210,6 +219,7 @@ bool FfmpegSource::next(Frame& frame) {
       continue;
     }
     frame.note = std::exchange(note_, "");
+    frame.repeated = std::exchange(repeated_, true) && watches_for_freezes();
     return true;
   }
   return false;
@@ -263,14 +273,23 @@ bool FfmpegSource::decode() {
       const bool whole = picture_->decode_error_flags == 0 && (picture_->flags & AV_FRAME_FLAG_CORRUPT) == 0;
       if (!whole) note_damage("parts of a picture are missing");
       if (whole && av::is_key(*picture_)) whole_picture_needed_ = false;
-      if (!whole_picture_needed_) return true;
-      continue;
+      if (whole_picture_needed_) continue;
+      compare_with_last();
+      return true;
     }
     if (result == AVERROR_EOF) return false;
     if (result != AVERROR(EAGAIN)) note_damage(av::error_text(result));
     feed();
   }
   return false;
+}
+
+// Without a copy: the decoder leaves a picture as it is while there is a reference to it.
+void FfmpegSource::compare_with_last() {
+  if (!watches_for_freezes()) return;
+  repeated_ = repeated_ && av::are_same(*picture_, *last_picture_);
+  av_frame_unref(last_picture_.get());
+  if (av_frame_ref(last_picture_.get(), picture_.get()) < 0) throw std::bad_alloc();
 }
 
 // Sends the decoder one more packet, or the end-of-stream marker.

@@ -37,12 +37,15 @@ class FfmpegSource : public Source {
   void open_decoder();
   bool decode();
   void feed();
+  bool watches_for_freezes() const { return info_.live && reading_.frozen.count() > 0; }
+  void compare_with_last();
   bool read_packet();
   int read_in_time();
   void start_deadline();
   bool can_leap() const;
   bool leap(FrameClock::Time stated);
-  bool gives_up() const;
+  void allow_probing();
+  bool gives_up();
   std::string error_text(int code) const;
   void note_damage(const std::string& cause);
   bool is_single_picture();
@@ -61,6 +64,8 @@ class FfmpegSource : public Source {
   av::Codec decoder_;
   av::Packet packet_ = av::new_packet();
   av::Picture picture_ = av::new_picture();
+  av::Picture last_picture_ = av::new_picture();  // of a live source
+  bool repeated_ = true;                          // all pictures since the last frame returned
   std::optional<PictureConverter> converter_;
   std::optional<FrameClock> clock_;
   live::FramePicker picker_;
@@ -74,7 +79,9 @@ class FfmpegSource : public Source {
   bool whole_picture_needed_ = false;  // pictures before the next key frame are skipped
   bool first_waits_ = true;            // the constructor's picture has not been returned yet
   std::int64_t packets_ = 0;           // of the video stream, read so far
-  bool packet_waits_ = false;          // the decoder had no room for it
+  bool probing_ = false;
+  std::int64_t probed_ = 0;    // bytes
+  bool packet_waits_ = false;  // the decoder had no room for it
   bool drained_ = false;
   bool leapt_ = false;  // the next frame's number is derived from its time
 

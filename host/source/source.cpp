@@ -13,7 +13,7 @@ std::unique_ptr<Source> open_source(const std::string& name, const Reading& read
   if (!first->info().live) return first;
   const cv::Size size = first->info().size;
   const auto connect = [=] { return std::make_unique<FfmpegSource>(name, reading, size, stop.get_token()); };
-  return std::make_unique<live::LiveSource>(std::move(first), connect, reading.patience, stop);
+  return std::make_unique<live::LiveSource>(std::move(first), connect, reading, stop);
 }
 
 bool is_live(const std::string& name) {

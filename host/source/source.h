@@ -18,6 +18,7 @@ struct Frame {
   std::chrono::microseconds time{0};  // since the first frame; each frame is later than the one before
   std::optional<std::chrono::microseconds> stated{};  // timestamp in the file; none if it has none
   std::int64_t number = 0;  // among all frames of the source, including frames not returned
+  bool repeated = false;    // of a live source: has exactly the pixels of the frame before it
   bool anew = false;        // must not be compared with earlier frames: the connection was lost in between
   std::string note;         // what happened to the source before it, in one line; usually empty
 };
@@ -39,6 +40,21 @@ struct Reading {
   std::chrono::microseconds max_gap{10'000'000};        // report gaps longer than this
   std::chrono::microseconds timeout{10'000'000};        // of networks and cameras: time to wait for data
   std::optional<std::chrono::microseconds> patience{};  // ... time to reconnect; without it, no limit
+  std::chrono::microseconds frozen{60'000'000};  // ... a picture that stays the same is frozen; 0: never
+};
+
+// Whether a camera or stream delivers pictures.
+enum class CameraState {
+  kConnected,
+  kLost,          // not yet reconnecting, or no longer
+  kReconnecting,  // trying to
+  kFrozen,        // it delivers the same picture over and over
+};
+
+struct SourceState {
+  CameraState camera = CameraState::kConnected;
+  std::chrono::system_clock::time_point since;  // when pictures began to arrive, or the last new one arrived
+  std::string reason{};                         // why there are none, in one line; empty if connected
 };
 
 // Statistics of a live source.
@@ -72,13 +88,22 @@ class Source {
   using Listener = std::function<void(const std::string&)>;
   void set_listener(Listener listener) { listener_ = std::move(listener); }
 
+  // Called from within next when the state of a live source changes; at the start it is connected. Changes
+  // and frames are in the order in which they happened.
+  using StateListener = std::function<void(const SourceState&)>;
+  void set_state_listener(StateListener listener) { state_listener_ = std::move(listener); }
+
  protected:
   void report(const std::string& text) const {
     if (listener_) listener_(text);
   }
+  void report(const SourceState& state) const {
+    if (state_listener_) state_listener_(state);
+  }
 
  private:
   Listener listener_;
+  StateListener state_listener_;
 };
 
 // `name`: a path, an address with "://" or a camera "/dev/video..."; empty for the built-in scene. Throws

@@ -23,12 +23,12 @@ _lightmotion() {
   fi
   if [[ ${COMP_WORDS[1]} == serve ]]; then
     case $before in
-      --port | --token | --fps | --scale | --max-gap | --timeout | --reconnect) ;;
+      --port | --token | --fps | --scale | --max-gap | --timeout | --reconnect | --frozen) ;;
       --host) mapfile -t COMPREPLY < <(compgen -W '127.0.0.1 0.0.0.0' -- "$word") ;;
       *)
         if [[ $word == -* ]]; then
           mapfile -t COMPREPLY < <(compgen -W '-c --config --host --port --token --plugin
-            --fps --scale --max-gap --timeout --reconnect -h --help' -- "$word")
+            --fps --scale --max-gap --timeout --reconnect --frozen -h --help' -- "$word")
         else
           mapfile -t COMPREPLY < <(compgen -f -- "$word")
         fi
@@ -38,12 +38,12 @@ _lightmotion() {
   fi
   if [[ ${COMP_WORDS[1]} == tune ]]; then
     case $before in
-      --quiet | --motion | --seconds | --jobs | --fps | --scale | --max-gap | --timeout | --reconnect) ;;
+      --quiet | --motion | --seconds | --jobs | --fps | --scale | --max-gap | --timeout | --reconnect | --frozen) ;;
       --picture) mapfile -t COMPREPLY < <(compgen -f -X '!*.png' -- "$word"; compgen -d -- "$word") ;;
       *)
         if [[ $word == -* ]]; then
           mapfile -t COMPREPLY < <(compgen -W '--quiet --motion -c --config -o --output --picture --json --seconds
-            --jobs --plugin --fps --scale --max-gap --timeout --reconnect -h --help' -- "$word")
+            --jobs --plugin --fps --scale --max-gap --timeout --reconnect --frozen -h --help' -- "$word")
         else
           mapfile -t COMPREPLY < <(compgen -f -- "$word")
         fi
@@ -65,7 +65,7 @@ _lightmotion() {
     --report) mapfile -t COMPREPLY < <(compgen -f -X '!*.html' -- "$word"; compgen -d -- "$word") ;;
     --heatmap) mapfile -t COMPREPLY < <(compgen -f -X '!*.png' -- "$word"; compgen -d -- "$word") ;;
     --snapshots | --clips) mapfile -t COMPREPLY < <(compgen -d -- "$word") ;;
-    --fps | --scale | --max-gap | --timeout | --reconnect | --keep | --keep-size) ;;
+    --fps | --scale | --max-gap | --timeout | --reconnect | --frozen | --keep | --keep-size) ;;
     --rotate) mapfile -t COMPREPLY < <(compgen -W 'day 100MB' -- "$word") ;;
     --jobs | --file-timeout | --min-event | --gap | --pre | --post | --explain) ;;
     --shard) mapfile -t COMPREPLY < <(compgen -W slurm -- "$word") ;;
@@ -80,7 +80,7 @@ _lightmotion() {
           --events --min-event --gap --pre --post --explain
           --report --heatmap --snapshots --clips
           --mqtt --mqtt-camera --mqtt-password-file --mqtt-ca --mqtt-discovery --progress
-          --fps --scale --max-gap --timeout --reconnect --rotate --keep --keep-size
+          --fps --scale --max-gap --timeout --reconnect --frozen --rotate --keep --keep-size
           --out --jobs --shard --file-timeout --force
           -h --help' -- "$word")
       else

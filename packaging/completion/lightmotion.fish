@@ -49,6 +49,7 @@ complete -c lightmotion -n "$run; or $serve; or $tune" -l scale -x -d 'Analyse s
 complete -c lightmotion -n "$run; or $serve; or $tune" -l max-gap -x -d 'Report gaps between frames longer than this'
 complete -c lightmotion -n "$run; or $serve; or $tune" -l timeout -x -d 'How long to wait for a camera or network'
 complete -c lightmotion -n "$run; or $serve; or $tune" -l reconnect -x -d 'How long to try to reconnect'
+complete -c lightmotion -n "$run; or $serve; or $tune" -l frozen -x -d 'How long a picture may stay exactly the same'
 complete -c lightmotion -n "$run" -l rotate -x -a 'day 100MB' -d 'When to begin new result lines and events'
 complete -c lightmotion -n "$run" -l keep -x -d 'Remove older clips, snapshots and rotated files: 30d'
 complete -c lightmotion -n "$run" -l keep-size -x -d 'Remove the oldest of them beyond this size: 50GB'

@@ -33,6 +33,7 @@ _lightmotion() {
     '--max-gap[report gaps between frames longer than this]:seconds:'
     '--timeout[how long to wait for a camera or network]:seconds:'
     '--reconnect[how long to try to reconnect]:seconds:'
+    '--frozen[how long a picture may stay exactly the same]:seconds:'
   )
   if [[ $line[1] == serve ]]; then
     _arguments -s \

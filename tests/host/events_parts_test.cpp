@@ -54,6 +54,38 @@ bool interrupts(std::chrono::microseconds pause) {
   return ends == 1;
 }
 
+struct Reasons : EventListener {
+  explicit Reasons(std::vector<std::string>& all) : all_(all) {}
+  void ended(const Event& event) override { all_.push_back(event.ended); }
+  void dropped(const Event& event) override { all_.push_back(event.ended); }
+  void source_changed(const SourceState& state) override {
+    all_.push_back(state.camera == CameraState::kConnected ? "connected" : "no pictures");
+  }
+
+ private:
+  std::vector<std::string>& all_;
+};
+
+TEST(EventWatch, EndsEventsWhenTheCameraIsLostOrFrozen) {
+  const EventOptions options;
+  const SourceInfo source;
+  const std::string document = "{}";
+  EventWatch watch({options, source, document});
+  std::vector<std::string> told;
+  watch.add(std::make_unique<Reasons>(told));
+  Frame frame;
+  frame.image = cv::Mat::zeros(18, 32, CV_8UC3);
+  watch.frame(frame, 0, {{{0.25, 0.25, 0.5, 0.5}}});
+  watch.source_changed({CameraState::kConnected, {}});
+  EXPECT_EQ(told, (std::vector<std::string>{"connected"}));
+  watch.source_changed({CameraState::kLost, {}, "no data"});
+  frame.time = 40ms;
+  watch.frame(frame, 1, {{{0.25, 0.25, 0.5, 0.5}}});
+  watch.source_changed({CameraState::kFrozen, {}, "no change"});
+  EXPECT_EQ(told, (std::vector<std::string>{"connected", "The connection to the camera was lost: no data.",
+                                            "no pictures", "The picture froze: no change.", "no pictures"}));
+}
+
 TEST(EventWatch, TakesAPauseLongerThanTheGapForAnInterruption) {
   EXPECT_FALSE(interrupts(2s));
   EXPECT_TRUE(interrupts(2s + 1us));

@@ -75,6 +75,7 @@ class Watcher {
 
   void idle(std::chrono::milliseconds time);  // without sending pictures
 
+  void signal(int number) { process_.signal(number); }
   int stop();  // with Ctrl-C
   int wait() { return process_.wait(); }
   std::string errors() const { return program::read(errors_); }

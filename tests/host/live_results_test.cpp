@@ -79,7 +79,8 @@ TEST_F(LostCamera, LeavesWholeResultsWithTheReason) {
   const Json::Value& after = events_[1];
   EXPECT_LT(before["end"].asDouble(), note["time"].asDouble());
   EXPECT_GT(after["start"].asDouble(), note["time"].asDouble()) << "nothing is known of its first picture";
-  const std::string reason = "The source was interrupted: " + note["note"].asString() + ".";
+  const std::string lost_by = note["note"].asString().substr(note["note"].asString().find(": ") + 2);
+  const std::string reason = "The connection to the camera was lost: " + lost_by + ".";
   EXPECT_EQ(before["ended"], reason);
   EXPECT_EQ(after["ended"], "The program was stopped.");
   EXPECT_NE(program::read(folder_ / "report.html").find(reason), std::string::npos);

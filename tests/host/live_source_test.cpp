@@ -58,7 +58,29 @@ struct Watched {
   std::vector<std::chrono::milliseconds> waits;
   std::string trouble;
   SourceCounts counts;
+  std::vector<SourceState> states;
 };
+
+LiveSource::WallTime at(std::chrono::milliseconds time) { return LiveSource::WallTime(time); }
+
+Reading patient_for(std::optional<Time> patience) {
+  Reading reading;
+  reading.patience = patience;
+  return reading;
+}
+
+struct Told {
+  CameraState camera;
+  LiveSource::WallTime since;
+  std::string reason;
+  bool operator==(const Told&) const = default;
+};
+
+std::vector<Told> told_by(const std::vector<SourceState>& states) {
+  std::vector<Told> told;
+  for (const SourceState& state : states) told.push_back({state.camera, state.since, state.reason});
+  return told;
+}
 
 // Waiting takes no time and advances the clock unless that stands still. Each connection has a single frame,
 // because frames may be dropped.
@@ -67,6 +89,10 @@ Watched watch(std::deque<Attempt> attempts, std::optional<Time> patience, bool c
   Deadline::Clock::time_point now{};
   LiveSource::Surroundings surroundings;
   surroundings.now = [&] { return now; };
+  surroundings.wall = [&] {
+    return LiveSource::WallTime(
+        std::chrono::duration_cast<LiveSource::WallTime::duration>(now.time_since_epoch()));
+  };
   surroundings.wait = [&](std::chrono::milliseconds time, std::stop_token) {
     watched.waits.push_back(time);
     if (clock_runs) now += time;
@@ -79,7 +105,8 @@ Watched watch(std::deque<Attempt> attempts, std::optional<Time> patience, bool c
     return std::make_unique<Connection>(attempt.frames, attempt.text,
                                         [&now, attempt] { now += attempt.lasts; });
   };
-  LiveSource source(connect(), connect, patience, std::stop_source(), surroundings);
+  LiveSource source(connect(), connect, patient_for(patience), std::stop_source(), surroundings);
+  source.set_state_listener([&](const SourceState& state) { watched.states.push_back(state); });
   source.set_listener([&](const std::string& text) { watched.messages.push_back(text); });
   for (Frame frame; source.next(frame);) watched.frames.push_back(frame);
   watched.trouble = source.trouble();
@@ -158,16 +185,34 @@ class Buffered : public Connection {
 TEST(LiveSource, StartsWhenItIsOpenedOrBeforeItsBufferedFrames) {
   const auto never = []() -> std::unique_ptr<Source> { throw Failure(kTrouble, "refused"); };
   Frame frame;
-  LiveSource direct(std::make_unique<Connection>(1, ""), never, 0s, std::stop_source());
+  LiveSource direct(std::make_unique<Connection>(1, ""), never, patient_for(0s), std::stop_source());
   const auto opened = *direct.info().start;
   ASSERT_TRUE(direct.next(frame));
   EXPECT_NEAR(std::chrono::duration<double>(*direct.info().start - opened).count(), 0, 0.01)
       << "its frame at 0 s came later, but two clocks are read one after the other";
-  LiveSource buffered(std::make_unique<Buffered>(1, ""), never, 0s, std::stop_source());
+  LiveSource buffered(std::make_unique<Buffered>(1, ""), never, patient_for(0s), std::stop_source());
   const auto before = std::chrono::system_clock::now();
   ASSERT_TRUE(buffered.next(frame));
   EXPECT_GE(*buffered.info().start, before - 1h);
   EXPECT_LE(*buffered.info().start, std::chrono::system_clock::now() - 1h);
+}
+
+// The second connection is made after waits of 0.5 and 1 s and lasts 2 s until its only frame.
+TEST(LiveSource, ReportsEveryStateWithItsBeginning) {
+  const Watched watched = watch({{1, "broken"}, {0, "refused"}, {1, "again", 2000ms}, {0, "gone"}}, 2s);
+  EXPECT_EQ(told_by(watched.states), (std::vector<Told>{{CameraState::kLost, at(0ms), "broken"},
+                                                        {CameraState::kReconnecting, at(0ms), "broken"},
+                                                        {CameraState::kReconnecting, at(0ms), "refused"},
+                                                        {CameraState::kConnected, at(1500ms), ""},
+                                                        {CameraState::kLost, at(3500ms), "again"},
+                                                        {CameraState::kReconnecting, at(3500ms), "again"},
+                                                        {CameraState::kReconnecting, at(3500ms), "gone"},
+                                                        {CameraState::kLost, at(3500ms), "gave up: gone"}}));
+}
+
+TEST(LiveSource, IsOnlyLostIfItDoesNotRetry) {
+  const Watched watched = watch({{1, "broken"}}, 0s);
+  EXPECT_EQ(told_by(watched.states), (std::vector<Told>{{CameraState::kLost, at(0ms), "broken"}}));
 }
 
 TEST(LiveSource, CountsEveryFrameAsReturnedOrDropped) {
@@ -183,7 +228,7 @@ TEST(LiveSource, EndsAtOnceWhileDisconnected) {
   {
     LiveSource::Surroundings surroundings;  // the real ones: waits until stopped
     surroundings.chance = [] { return 1e9; };
-    LiveSource source(connect(), connect, std::nullopt, stop, surroundings);
+    LiveSource source(connect(), connect, {}, stop, surroundings);
     Frame frame;
     ASSERT_TRUE(source.next(frame));
   }

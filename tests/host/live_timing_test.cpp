@@ -132,14 +132,43 @@ TEST(NewestFrame, PassesOnTheNoteOfADroppedFrame) {
 TEST(NewestFrame, GivesTheLastFrameAndThenTheEnd) {
   NewestFrame newest;
   newest.put(numbered(1));
-  newest.put_message("m");
   newest.end();
   const auto last = newest.take(0ms);
   EXPECT_TRUE(last.frame);
-  EXPECT_EQ(last.messages, std::vector<std::string>{"m"});
   const auto after = newest.take(0ms);
   EXPECT_FALSE(after.frame);
   EXPECT_TRUE(after.ended);
+}
+
+std::string messages_of(const NewestFrame::Taken& taken) {
+  std::string all;
+  for (const NewestFrame::News& news : taken.news) all += news.message;
+  return all;
+}
+
+TEST(NewestFrame, KeepsFramesAndNewsInOrder) {
+  NewestFrame newest;
+  newest.put_news({"a"});
+  newest.put(numbered(1));
+  newest.put_news({"b"});
+  newest.put_news({"c"});
+  const auto first = newest.take(0ms);
+  EXPECT_TRUE(first.frame);
+  EXPECT_EQ(messages_of(first), "a");
+  const auto second = newest.take(0ms);
+  EXPECT_FALSE(second.frame);
+  EXPECT_EQ(messages_of(second), "bc");
+}
+
+TEST(NewestFrame, GivesTheNewsBeforeAFrameThatReplacedAnother) {
+  NewestFrame newest;
+  newest.put(numbered(1));
+  newest.put_news({"a"});
+  newest.put(numbered(2));
+  const auto taken = newest.take(0ms);
+  ASSERT_TRUE(taken.frame);
+  EXPECT_EQ(taken.frame->number, 2);
+  EXPECT_EQ(messages_of(taken), "a");
 }
 
 TEST(Shedding, ReportsHowManyFramesAPeriodLost) {

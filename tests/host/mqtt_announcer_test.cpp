@@ -13,6 +13,7 @@ namespace {
 
 using namespace lm::host::events;
 using namespace lm::host::outputs::mqtt;
+using lm::host::source::CameraState;
 using namespace std::chrono_literals;
 using Lines = std::vector<std::string>;
 
@@ -52,8 +53,51 @@ class AnnouncerTest : public testing::Test {
 TEST_F(AnnouncerTest, AnnouncesThatItIsOnlineWithoutMotion) {
   announcer_.introduce("");
   EXPECT_EQ(published(), (Lines{"p/cam/availability=online", "p/cam/motion=OFF"}));
-  announcer_.leave();
+  announcer_.leave("The video ended.");
   EXPECT_EQ(published(), (Lines{"p/cam/availability=offline"}));
+}
+
+constexpr WallTime kNoon{std::chrono::sys_days(2026y / 11 / 22) + 12h};
+
+TEST_F(AnnouncerTest, PublishesTheStateOfACameraAndIsAvailableWhileThereArePictures) {
+  announcer_.introduce("");
+  published();
+  announcer_.camera({CameraState::kConnected, kNoon});
+  EXPECT_EQ(published(), (Lines{R"(p/cam/camera={"camera":"connected","since":"2026-11-22T12:00:00.000Z",)"
+                                R"("reason":""})"}));
+  announcer_.camera({CameraState::kLost, kNoon + 1s, "no data"});
+  EXPECT_EQ(published(), (Lines{R"(p/cam/camera={"camera":"lost","since":"2026-11-22T12:00:01.000Z",)"
+                                R"("reason":"no data"})",
+                                "p/cam/availability=offline"}));
+  announcer_.camera({CameraState::kReconnecting, kNoon + 1s, "no data"});
+  EXPECT_EQ(published().size(), 1U) << "still offline";
+  announcer_.camera({CameraState::kConnected, kNoon + 2s});
+  EXPECT_EQ(published().back(), "p/cam/availability=online");
+  announcer_.camera({CameraState::kFrozen, kNoon + 2s, "no change"});
+  EXPECT_EQ(published().back(), "p/cam/availability=offline");
+}
+
+TEST_F(AnnouncerTest, LeavesNoStateBehindAsIfItWereWatching) {
+  announcer_.introduce("");
+  announcer_.camera({CameraState::kConnected, kNoon});
+  announcer_.begun(event("a", 2s));
+  published();
+  announcer_.leave("The program failed.");
+  const Lines last = published();
+  ASSERT_EQ(last.size(), 3U);
+  EXPECT_EQ(last[0], "p/cam/motion=OFF");
+  EXPECT_NE(last[1].find(R"("camera":"unknown")"), std::string::npos) << last[1];
+  EXPECT_NE(last[1].find(R"("reason":"The program failed.")"), std::string::npos) << last[1];
+  EXPECT_EQ(last[2], "p/cam/availability=offline");
+}
+
+TEST_F(AnnouncerTest, FollowsTheSchemaOfCameras) {
+  if (!schemas::available()) GTEST_SKIP() << "needs python3-jsonschema";
+  Lines texts{camera_payload(kUnknown, std::nullopt, "The program is not running.")};
+  for (const CameraState state :
+       {CameraState::kConnected, CameraState::kLost, CameraState::kReconnecting, CameraState::kFrozen})
+    texts.push_back(camera_payload(camera_text(state), kNoon, ""));
+  EXPECT_EQ(schemas::fault("camera", texts), "");
 }
 
 TEST_F(AnnouncerTest, SendsAnEventAsTheEventsFileHasIt) {
@@ -138,6 +182,22 @@ TEST_F(AnnouncerTest, AnnouncesItselfToHomeAutomation) {
   EXPECT_EQ(sensor["payload_available"], "online");
   EXPECT_EQ(sensor["payload_not_available"], "offline");
   EXPECT_EQ(sensor["device"]["name"], "cam");
+}
+
+TEST_F(AnnouncerTest, AnnouncesACameraAsASensorOfTheSameDevice) {
+  announcer_.introduce("homeassistant");
+  const Json::Value motion = parsed(messages_[0].payload);
+  messages_.clear();
+  announcer_.camera({CameraState::kConnected, kNoon});
+  ASSERT_EQ(messages_.size(), 2U);
+  EXPECT_EQ(messages_[0].topic, "homeassistant/sensor/p_cam/config");
+  const Json::Value camera = parsed(messages_[0].payload);
+  EXPECT_EQ(camera["device"], motion["device"]);
+  EXPECT_NE(camera["unique_id"], motion["unique_id"]);
+  EXPECT_EQ(camera["state_topic"], "p/cam/camera");
+  EXPECT_EQ(camera["value_template"], "{{ value_json.camera }}");
+  EXPECT_EQ(camera["options"].size(), 5U);
+  EXPECT_FALSE(camera.isMember("availability_topic")) << "it is about what makes the other unavailable";
 }
 
 }  // namespace

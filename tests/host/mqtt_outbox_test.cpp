@@ -14,6 +14,12 @@ Message retained(const std::string& topic, const std::string& payload) {
   return {MessageKind::kRetained, topic, payload};
 }
 
+Outbox connected_outbox(std::size_t capacity) {
+  Outbox outbox(capacity);
+  outbox.connected();
+  return outbox;
+}
+
 Payloads all_of(Outbox& outbox) {
   Payloads payloads;
   while (const std::optional<Message> message = outbox.pop()) payloads.push_back(message->payload);
@@ -21,7 +27,7 @@ Payloads all_of(Outbox& outbox) {
 }
 
 TEST(Outbox, KeepsMessagesInOrder) {
-  Outbox outbox(10);
+  Outbox outbox = connected_outbox(10);
   for (const Message& message : {milestone("1"), update("2"), retained("a", "3"), milestone("4")})
     outbox.push(message);
   EXPECT_EQ(outbox.size(), 4U);
@@ -31,7 +37,7 @@ TEST(Outbox, KeepsMessagesInOrder) {
 }
 
 TEST(Outbox, DropsTheOldestUpdateFirst) {
-  Outbox outbox(4);
+  Outbox outbox = connected_outbox(4);
   for (const Message& message :
        {milestone("new"), update("u1"), update("u2"), milestone("end"), update("u3"), milestone("new 2")})
     outbox.push(message);
@@ -41,7 +47,7 @@ TEST(Outbox, DropsTheOldestUpdateFirst) {
 }
 
 TEST(Outbox, DropsTheOldestMilestoneIfThereAreNoUpdates) {
-  Outbox outbox(2);
+  Outbox outbox = connected_outbox(2);
   for (const Message& message : {milestone("1"), milestone("2"), milestone("3"), update("4"), milestone("5")})
     outbox.push(message);
   // "3" drops "1", "4" drops "2", "5" drops "4".
@@ -71,8 +77,28 @@ TEST(Outbox, RenewsRetainedMessagesBeforeOthers) {
   for (const Message& message : {retained("a", "a1"), retained("b", "b1")}) outbox.push(message);
   EXPECT_EQ(all_of(outbox), (Payloads{"a1", "b1"}));
   for (const Message& message : {milestone("new"), retained("a", "a2")}) outbox.push(message);
-  outbox.renew_retained();
+  outbox.connected();
   EXPECT_EQ(all_of(outbox), (Payloads{"a2", "b1", "new"}));
+}
+
+TEST(Outbox, KeepsNoUpdatesWithoutAConnection) {
+  Outbox outbox(10);
+  for (const Message& message : {milestone("new"), update("1")}) outbox.push(message);
+  outbox.connected();
+  outbox.push(update("2"));
+  EXPECT_EQ(all_of(outbox), (Payloads{"new", "2"}));
+  outbox.push(update("3"));
+  outbox.disconnected({});
+  outbox.push(update("4"));
+  EXPECT_EQ(all_of(outbox), Payloads{});
+}
+
+TEST(Outbox, TakesBackWhatTheBrokerHasNotAcknowledged) {
+  Outbox outbox = connected_outbox(10);
+  for (const Message& message : {milestone("end 2"), retained("state", "OFF")}) outbox.push(message);
+  outbox.disconnected({milestone("new 1"), update("1"), milestone("end 1"), milestone("new 2"),
+                       retained("state", "ON"), retained("other", "x")});
+  EXPECT_EQ(all_of(outbox), (Payloads{"new 1", "end 1", "new 2", "x", "end 2", "OFF"}));
 }
 
 }  // namespace

@@ -52,7 +52,7 @@ TEST(Options, AreTakenInAnyOrder) {
 TEST(Options, TakeNumbers) {
   const RunOptions options =
       run_line({"--fps", "12.5", "--gap", "0", "--min-event=1e1", "--pre", "3", "--post", "4", "--max-gap",
-                "0.5", "--timeout", "7", "--reconnect", "0"});
+                "0.5", "--timeout", "7", "--reconnect", "0", "--frozen", "90"});
   EXPECT_EQ(options.live.reading.fps, 12.5);
   EXPECT_EQ(options.events.rules.gap, 0);
   EXPECT_EQ(options.events.rules.min_event, 10);
@@ -61,6 +61,7 @@ TEST(Options, TakeNumbers) {
   EXPECT_EQ(options.live.reading.max_gap, std::chrono::milliseconds(500));
   EXPECT_EQ(options.live.reading.timeout, std::chrono::seconds(7));
   EXPECT_EQ(options.live.reading.patience, std::chrono::microseconds(0));
+  EXPECT_EQ(options.live.reading.frozen, std::chrono::seconds(90));
   const auto many = program::archive_line({"a", "b", "--out", "c", "--jobs", "3", "--file-timeout", "1.5"});
   EXPECT_EQ(many.jobs, 3);
   EXPECT_EQ(many.file_timeout, std::chrono::milliseconds(1500));

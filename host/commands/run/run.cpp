@@ -112,9 +112,22 @@ class Run {
     if (live) base::count_hangups();
     if (!options.annotate.empty()) video_.emplace(options.annotate, source.info());
     source.set_listener([this](const std::string& text) { base::warn(source_.info().name + ": " + text); });
+    source.set_state_listener([this](const source::SourceState& state) { source_changed(state); });
+    if (source.info().live) events_.source_changed({source::CameraState::kConnected, *source.info().start});
   }
 
+  // Events in progress end with the failure, so that nothing published stays as if they went on.
   Figures all_frames() {
+    try {
+      return read_frames();
+    } catch (const std::exception& error) {
+      end_events("The program failed: " + base::one_line(error.what()) + ".");
+      throw;
+    }
+  }
+
+ private:
+  Figures read_frames() {
     const auto begin = std::chrono::steady_clock::now();
     const source::SourceInfo& info = source_.info();
     const microseconds interval(info.rate > 0 ? std::llround(1e6 / info.rate) : 0);
@@ -133,7 +146,6 @@ class Run {
     return figures_;
   }
 
- private:
   outputs::ProgressState progress() const {
     return {figures_.frames, figures_.video, source_.info().duration, speed(figures_), figures_.events};
   }
@@ -156,6 +168,22 @@ class Run {
     write_line([&] { return outputs::note_line(frame.note, frame.number, frame.time); });
   }
 
+  void end_events(const std::string& why) {
+    try {
+      events_.interrupt(why);
+    } catch (const std::exception&) {
+      // An output refused the event; the first failure is reported.
+    }
+  }
+
+  void source_changed(const source::SourceState& state) {
+    events_.source_changed(state);
+    const bool lost = state.camera == source::CameraState::kLost;
+    if (!lost && state.camera != source::CameraState::kFrozen) return;
+    const std::string note = (lost ? "connection lost: " : "the picture is frozen: ") + state.reason;
+    write_line([&] { return outputs::note_line(note, last_number_, last_time_); });
+  }
+
   void write_line(const auto& make) {
     if (!lines_) return;
     if (to_terminal_) progress_.clear();
@@ -176,6 +204,8 @@ class Run {
     figures_.events = events_.events();
     if (video_) video_->write(frame, boxes);
     ++figures_.frames;
+    last_number_ = frame.number;
+    last_time_ = frame.time;
   }
 
   source::Source& source_;
@@ -187,6 +217,8 @@ class Run {
   const bool to_terminal_;  // of standard output
   std::optional<base::LineSink> lines_;
   Figures figures_;
+  std::int64_t last_number_ = 0;
+  microseconds last_time_{0};
 };
 
 }  // namespace

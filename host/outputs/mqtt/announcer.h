@@ -12,7 +12,8 @@
 
 namespace lm::host::outputs::mqtt {
 
-// Reports when events begin, continue and end, and whether there is motion.
+// Reports when events begin, continue and end, whether there is motion, and whether the camera delivers
+// pictures. Available: the program is running, and the camera, if it is one, delivers pictures.
 class Announcer {
  public:
   using Send = std::function<void(Message)>;
@@ -22,22 +23,28 @@ class Announcer {
 
   Announcer(Topics topics, Send send) : topics_(std::move(topics)), send_(std::move(send)) {}
 
-  // Before the first event. `discovery`: topic prefix of home-automation discovery; empty for none.
+  // Before all others. `discovery`: topic prefix of home-automation discovery; empty for none.
   void introduce(const std::string& discovery);
+
+  // Of a camera.
+  void camera(const source::SourceState& state);
 
   void begun(const events::Event& event);
   void changed(const events::Event& event);
   void ended(const events::Event& event);
 
-  // Publishes the last message.
-  void leave();
+  // Publishes the last messages: nobody watches any more. `reason`: a sentence.
+  void leave(const std::string& reason);
 
  private:
   void publish(MessageKind kind, const std::string& step, const events::Event& event);
-  void state(const char* state) { send_({MessageKind::kRetained, topics_.motion(), state}); }
+  void retain(const std::string& topic, const std::string& state);
 
   Topics topics_;
   Send send_;
+  std::string discovery_;
+  bool is_camera_ = false;
+  std::map<std::string, std::string> retained_;                      // last state by topic
   std::map<std::string, std::chrono::microseconds> last_published_;  // by event id
   std::set<std::string> moving_;                                     // ids of motion events in progress
 };

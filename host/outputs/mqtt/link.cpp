@@ -21,6 +21,8 @@ constexpr std::size_t kWindow = 20;  // as many as libmosquitto sends before the
 constexpr std::chrono::milliseconds kLongestWait = 1s;  // libmosquitto must be called regularly
 constexpr std::chrono::milliseconds kHastyInterval =
     200ms;  // between attempts while the program waits to exit
+// To a broker that is not there. What it retains is out of date from its return until the program's.
+constexpr std::chrono::milliseconds kLongestAbsence = 2s;
 
 std::string reason(int error) {
   std::string text =
@@ -36,32 +38,32 @@ void check(int error, const std::string& what) {
 }  // namespace
 
 Link::Link(const LinkSettings& settings, std::shared_ptr<Mailbox> mailbox)
-    : address_(settings.address), mailbox_(std::move(mailbox)) {
+    : settings_(settings), mailbox_(std::move(mailbox)) {
   static const int once = mosquitto_lib_init();
   static_cast<void>(once);
-  client_.reset(mosquitto_new(settings.client.c_str(), true, this));
+  if (settings.address.encrypted) tls_.emplace(settings.address.host, settings.authorities);
+  make_client();
+}
+
+void Link::make_client() {
+  client_.reset(mosquitto_new(settings_.client.c_str(), true, this));
   if (!client_) throw base::Failure(base::kRefused, "MQTT: " + std::generic_category().message(errno));
   mosquitto_connect_callback_set(client_.get(), [](mosquitto*, void* self, int refusal) {
     static_cast<Link*>(self)->connected(refusal);
   });
-  mosquitto_publish_callback_set(client_.get(),
-                                 [](mosquitto*, void* self, int) { --static_cast<Link*>(self)->in_flight_; });
-  check(mosquitto_will_set(client_.get(), settings.will_topic.c_str(), static_cast<int>(settings.will.size()),
-                           settings.will.data(), kAtLeastOnce, true),
-        "topic " + settings.will_topic);
-  if (!address_.user.empty()) {
-    check(mosquitto_username_pw_set(client_.get(), address_.user.c_str(), address_.password.c_str()), "user");
+  mosquitto_publish_callback_set(
+      client_.get(), [](mosquitto*, void* self, int id) { static_cast<Link*>(self)->acknowledged(id); });
+  check(
+      mosquitto_will_set(client_.get(), settings_.will_topic.c_str(), static_cast<int>(settings_.will.size()),
+                         settings_.will.data(), kAtLeastOnce, true),
+      "topic " + settings_.will_topic);
+  const Address& address = settings_.address;
+  if (!address.user.empty()) {
+    check(mosquitto_username_pw_set(client_.get(), address.user.c_str(), address.password.c_str()), "user");
   }
-  if (address_.encrypted) secure(settings.authorities);
-}
-
-void Link::secure(const std::string& authorities) {
-  if (authorities.empty()) {
-    check(mosquitto_int_option(client_.get(), MOSQ_OPT_TLS_USE_OS_CERTS, 1), "certificates");
-  } else {
-    check(mosquitto_tls_set(client_.get(), authorities.c_str(), nullptr, nullptr, nullptr, nullptr),
-          authorities);
-  }
+  if (!tls_) return;
+  check(mosquitto_int_option(client_.get(), MOSQ_OPT_SSL_CTX_WITH_DEFAULTS, 0), "TLS");
+  check(mosquitto_opts_set(client_.get(), MOSQ_OPT_SSL_CTX, tls_->context()), "TLS");
 }
 
 void Link::run() {
@@ -75,13 +77,14 @@ void Link::run() {
   }
   // Without a disconnect the broker publishes the will.
   if (ready_ && !mailbox_->abandoned()) mosquitto_disconnect(client_.get());
-  mailbox_->done(in_flight_);
+  mailbox_->done(in_flight_.size());
 }
 
 void Link::connect() {
   last_attempt_ = Clock::now();
   open_ = true;
-  const int error = mosquitto_connect_async(client_.get(), address_.host.c_str(), address_.port, kKeepAlive);
+  const Address& address = settings_.address;
+  const int error = mosquitto_connect_async(client_.get(), address.host.c_str(), address.port, kKeepAlive);
   if (error != MOSQ_ERR_SUCCESS) lost(error);
 }
 
@@ -92,27 +95,43 @@ void Link::connected(int refusal) {
   }
   ready_ = true;
   back_off_.reset();
-  mailbox_->renew_retained();
+  mailbox_->connected();
   if (std::exchange(warned_, false)) mailbox_->report("connected");
 }
 
+void Link::acknowledged(int id) {
+  std::erase_if(in_flight_, [id](const auto& sent) { return sent.first == id; });
+}
+
 void Link::lost(int error) {
-  const std::string why = refusal_.empty() ? reason(error) : std::exchange(refusal_, "");
+  const bool refused = !refusal_.empty() || (tls_ && !tls_->established());
+  const std::string why = cause_of(error);
   if (!std::exchange(warned_, true)) mailbox_->report(why + "; retrying");
   open_ = false;
   ready_ = false;
-  next_attempt_ = Clock::now() + back_off_.next();
+  const auto delay = back_off_.next();
+  next_attempt_ = Clock::now() + (refused ? delay : std::min(delay, kLongestAbsence));
+  std::vector<Message> unacknowledged;
+  for (auto& sent : std::exchange(in_flight_, {})) unacknowledged.push_back(std::move(sent.second));
+  mailbox_->disconnected(unacknowledged);
+  make_client();
+}
+
+std::string Link::cause_of(int error) {
+  if (!refusal_.empty()) return std::exchange(refusal_, "");
+  const std::string failure = tls_ ? tls_->take_failure() : "";
+  return failure.empty() ? reason(error) : failure;
 }
 
 void Link::hand_over() {
-  while (in_flight_ < kWindow) {
-    const std::optional<Message> message = mailbox_->pop();
+  while (in_flight_.size() < kWindow) {
+    std::optional<Message> message = mailbox_->pop();
     if (!message) return;
-    // A connection lost here is not an error: libmosquitto sends the message over the next one.
-    mosquitto_publish(client_.get(), nullptr, message->topic.c_str(),
-                      static_cast<int>(message->payload.size()), message->payload.data(), kAtLeastOnce,
-                      message->kind == MessageKind::kRetained);
-    ++in_flight_;
+    int id = 0;
+    // A connection lost here is noticed by the next loop: the message is in flight until then.
+    mosquitto_publish(client_.get(), &id, message->topic.c_str(), static_cast<int>(message->payload.size()),
+                      message->payload.data(), kAtLeastOnce, message->kind == MessageKind::kRetained);
+    in_flight_.emplace_back(id, std::move(*message));
   }
 }
 
@@ -132,7 +151,7 @@ void Link::wait() {
 
 bool Link::finished() {
   if (mailbox_->abandoned()) return true;
-  return ready_ && in_flight_ == 0 && mailbox_->closing() && mailbox_->empty();
+  return ready_ && in_flight_.empty() && mailbox_->closing() && mailbox_->empty();
 }
 
 Link::Clock::time_point Link::next_attempt() {

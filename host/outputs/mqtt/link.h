@@ -5,11 +5,15 @@
 
 #include <chrono>
 #include <memory>
+#include <optional>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "host/base/back_off.h"
 #include "host/outputs/mqtt/address.h"
 #include "host/outputs/mqtt/mailbox.h"
+#include "host/outputs/mqtt/tls.h"
 
 namespace lm::host::outputs::mqtt {
 
@@ -22,7 +26,8 @@ struct LinkSettings {
 };
 
 // Sends the messages of a mailbox and reconnects as often as necessary. Only the thread in run() uses
-// libmosquitto: its own thread gives up after some temporary errors, such as a failed TLS connection.
+// libmosquitto: its own thread gives up after some temporary errors, such as a failed TLS connection. Each
+// connection has a client of its own: a client would send again what it had in flight, out of date or not.
 class Link {
  public:
   // Throws Failure (kRefused) for invalid settings.
@@ -36,26 +41,29 @@ class Link {
   struct Free {
     void operator()(mosquitto* client) const { mosquitto_destroy(client); }
   };
-  void secure(const std::string& authorities);
+  void make_client();
   void connect();
   void connected(int refusal);
+  void acknowledged(int id);
   void lost(int error);
+  std::string cause_of(int error);
   void hand_over();
   void wait();
   bool finished();
   Clock::time_point next_attempt();
 
-  Address address_;
+  LinkSettings settings_;
   std::shared_ptr<Mailbox> mailbox_;
+  std::optional<Tls> tls_;
   std::unique_ptr<mosquitto, Free> client_;
   base::BackOff back_off_{base::real_chance()};
   Clock::time_point last_attempt_{};
   Clock::time_point next_attempt_{};
-  std::string refusal_;        // the broker's reason
-  std::size_t in_flight_ = 0;  // messages passed to libmosquitto and not yet acknowledged
-  bool open_ = false;          // connecting or connected
-  bool ready_ = false;         // connected
-  bool warned_ = false;        // about the current outage
+  std::string refusal_;                             // the broker's reason
+  std::vector<std::pair<int, Message>> in_flight_;  // passed to libmosquitto and not yet acknowledged
+  bool open_ = false;                               // connecting or connected
+  bool ready_ = false;                              // connected
+  bool warned_ = false;                             // about the current outage
 };
 
 }  // namespace lm::host::outputs::mqtt

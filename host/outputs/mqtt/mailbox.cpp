@@ -65,9 +65,14 @@ std::optional<Message> Mailbox::pop() {
   return outbox_.pop();
 }
 
-void Mailbox::renew_retained() {
+void Mailbox::connected() {
   const Lock lock(mutex_);
-  outbox_.renew_retained();
+  outbox_.connected();
+}
+
+void Mailbox::disconnected(const std::vector<Message>& unacknowledged) {
+  const Lock lock(mutex_);
+  outbox_.disconnected(unacknowledged);
 }
 
 bool Mailbox::empty() {

@@ -32,7 +32,8 @@ class Mailbox {
 
   // For the sending thread.
   std::optional<Message> pop();
-  void renew_retained();
+  void connected();
+  void disconnected(const std::vector<Message>& unacknowledged);
   bool empty();
   bool closing();
   bool abandoned();

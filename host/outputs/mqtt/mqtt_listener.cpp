@@ -1,32 +1,20 @@
 #include "host/outputs/mqtt/mqtt_listener.h"
 
-#include <csignal>
+#include <utility>
 
+#include "host/base/interrupt.h"
 #include "host/base/notice.h"
-#include "host/outputs/mqtt/link.h"
 
 namespace lm::host::outputs::mqtt {
 namespace {
 
 using namespace std::chrono_literals;
 
-constexpr std::size_t kCapacity = 1000;
 constexpr std::chrono::milliseconds kLittlePatience = 1s;  // after a failed run
 
 Topics topics_of(const MqttOptions& options, const std::string& source) {
   return {parse_address(options.address).prefix,
           options.camera.empty() ? camera_name(source) : options.camera};
-}
-
-// Signals are handled by the analysing thread.
-std::thread start_without_signals(std::unique_ptr<Link> link) {
-  sigset_t all;
-  sigset_t before;
-  sigfillset(&all);
-  pthread_sigmask(SIG_SETMASK, &all, &before);
-  std::thread thread([own = std::move(link)] { own->run(); });
-  pthread_sigmask(SIG_SETMASK, &before, nullptr);
-  return thread;
 }
 
 std::string count(std::int64_t number, const char* what) {
@@ -38,60 +26,88 @@ std::string count(std::int64_t number, const char* what) {
 MqttListener::MqttListener(const MqttOptions& options, const std::string& source,
                            std::chrono::milliseconds patience)
     : patience_(patience),
-      mailbox_(std::make_shared<Mailbox>(kCapacity)),
-      announcer_(topics_of(options, source),
-                 [this](Message message) { mailbox_->push(std::move(message)); }) {
-  const Topics topics = topics_of(options, source);
-  const Address address = broker_address(options);
-  broker_ = shown(address);
+      settings_{broker_address(options), options.authorities, "", "", ""},
+      topics_(topics_of(options, source)),
+      broker_(shown(settings_.address)),
+      announcer_(topics_, [this](Message message) { send(std::move(message)); }) {
+  open_channel(topics_.availability());
+  by_topic_[topics_.motion()] = &open_channel(topics_.motion());
   announcer_.introduce(options.discovery);
-  auto link = std::make_unique<Link>(
-      LinkSettings{address, options.authorities, topics.unique_id(), topics.availability(), kOffline},
-      mailbox_);
-  thread_ = start_without_signals(std::move(link));
 }
 
 MqttListener::~MqttListener() {
-  if (thread_.joinable()) leave(kLittlePatience);
+  if (!left_) leave("The program failed.", kLittlePatience);
+}
+
+// With the topic's will. Client names contain no dot otherwise, so they stay unique.
+Channel& MqttListener::open_channel(const std::string& topic) {
+  LinkSettings settings = settings_;
+  settings.client = topics_.unique_id();
+  settings.will_topic = topic;
+  settings.will = kOffline;
+  if (topic == topics_.motion()) {
+    settings.client += ".motion";
+    settings.will = kNoMotion;
+  } else if (topic == topics_.camera_state()) {
+    settings.client += ".camera";
+    settings.will = camera_payload(kUnknown, std::nullopt, "The program is not running.");
+  }
+  return channels_.emplace_back(settings);
+}
+
+void MqttListener::source_changed(const source::SourceState& state) {
+  const std::string topic = topics_.camera_state();
+  if (!by_topic_.contains(topic)) by_topic_[topic] = &open_channel(topic);
+  announcer_.camera(state);
+  report_news();
+}
+
+void MqttListener::send(Message message) {
+  const auto own = by_topic_.find(message.topic);
+  Channel& channel = own == by_topic_.end() ? channels_.front() : *own->second;
+  channel.mailbox().push(std::move(message));
 }
 
 void MqttListener::frame(const source::Frame&, const events::Observation&) { report_news(); }
 
 void MqttListener::finish() {
-  leave(patience_);
+  leave(base::interrupted() != 0 ? "The program was stopped." : "The video ended.", patience_);
   report_news();
   report_losses();
 }
 
-void MqttListener::leave(std::chrono::milliseconds deadline) {
-  announcer_.leave();
-  mailbox_->close();
-  bool done = mailbox_->wait_done(deadline);
-  if (!done) {
-    mailbox_->abandon();
-    done = mailbox_->wait_done(kLittlePatience);
-  }
-  // Name resolution can take very long, so the thread is detached; it owns everything that it uses.
-  if (done) {
-    thread_.join();
-  } else {
-    thread_.detach();
-  }
+void MqttListener::leave(const std::string& reason, std::chrono::milliseconds patience) {
+  left_ = true;
+  announcer_.leave(reason);
+  const auto deadline = std::chrono::steady_clock::now() + patience;
+  for (Channel& channel : channels_) channel.mailbox().close();
+  for (Channel& channel : channels_) channel.wait_done(deadline);
 }
 
 void MqttListener::report_news() {
-  if (const std::string news = mailbox_->take_news(); !news.empty()) base::warn(broker_ + ": " + news);
+  for (Channel& channel : channels_) {
+    const std::string news = channel.mailbox().take_news();
+    if (news.empty() || news == last_news_) continue;
+    base::warn(broker_ + ": " + news);
+    last_news_ = news;
+  }
 }
 
 void MqttListener::report_losses() {
-  const auto [updates, milestones] = mailbox_->drops();
+  std::int64_t updates = 0;
+  std::int64_t milestones = 0;
+  std::size_t left = 0;
+  for (Channel& channel : channels_) {
+    const Outbox::Drops drops = channel.mailbox().drops();
+    updates += drops.updates;
+    milestones += drops.milestones;
+    left += channel.mailbox().unsent();
+  }
   if (updates + milestones > 0) {
     base::warn(broker_ + ": queue full, dropped " + count(updates, "update message") + " and " +
                count(milestones, "begin or end message"));
   }
-  if (const std::size_t left = mailbox_->unsent(); left > 0) {
-    base::warn(broker_ + ": " + count(static_cast<std::int64_t>(left), "message") + " not sent");
-  }
+  if (left > 0) base::warn(broker_ + ": " + count(static_cast<std::int64_t>(left), "message") + " not sent");
 }
 
 }  // namespace lm::host::outputs::mqtt

@@ -1,11 +1,13 @@
 #include "host/outputs/mqtt/outbox.h"
 
 #include <algorithm>
+#include <iterator>
 #include <utility>
 
 namespace lm::host::outputs::mqtt {
 
 void Outbox::push(Message message) {
+  if (message.kind == MessageKind::kUpdate && !connected_) return;
   if (message.kind == MessageKind::kRetained) {
     remember(message);
     remove_retained(message.topic);
@@ -22,9 +24,24 @@ std::optional<Message> Outbox::pop() {
   return message;
 }
 
-void Outbox::renew_retained() {
+void Outbox::connected() {
+  connected_ = true;
   for (const Message& message : retained_) remove_retained(message.topic);
   waiting_.insert(waiting_.begin(), retained_.begin(), retained_.end());
+}
+
+void Outbox::disconnected(const std::vector<Message>& unacknowledged) {
+  connected_ = false;
+  std::vector<Message> again;
+  std::ranges::copy_if(unacknowledged, std::back_inserter(again), [this](const Message& message) {
+    return message.kind != MessageKind::kRetained || !is_waiting(message.topic);
+  });
+  waiting_.insert(waiting_.begin(), again.begin(), again.end());
+  std::erase_if(waiting_, [](const Message& message) { return message.kind == MessageKind::kUpdate; });
+}
+
+bool Outbox::is_waiting(const std::string& topic) const {
+  return std::ranges::find(waiting_, topic, &Message::topic) != waiting_.end();
 }
 
 void Outbox::remember(const Message& message) {

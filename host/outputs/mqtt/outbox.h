@@ -26,7 +26,8 @@ struct Message {
 
 // First in, first out, with a limit. When full, the oldest update is dropped, or the oldest milestone if
 // there are no updates. Of the retained messages, only the last one per topic is kept; these are few and
-// never dropped.
+// never dropped. Without a connection, as at the start, updates are not kept: they are out of date when there
+// is one again.
 class Outbox {
  public:
   struct Drops {
@@ -40,9 +41,12 @@ class Outbox {
   void push(Message message);
   std::optional<Message> pop();
 
-  // After a broker restart, which may have lost retained messages: puts the last retained message of each
-  // topic at the front, in the order in which the topics were first used.
-  void renew_retained();
+  // Connected. Puts the last retained message of each topic at the front, in the order in which the topics
+  // were first used, because a restarted broker may have lost them.
+  void connected();
+
+  // Drops the updates, and takes back messages that the broker has not acknowledged, in their order.
+  void disconnected(const std::vector<Message>& unacknowledged);
 
   std::size_t size() const { return waiting_.size(); }
   const Drops& drops() const { return drops_; }
@@ -51,8 +55,10 @@ class Outbox {
   void remember(const Message& message);
   void remove_retained(const std::string& topic);
   void make_room();
+  bool is_waiting(const std::string& topic) const;
 
   std::size_t capacity_;
+  bool connected_ = false;
   std::deque<Message> waiting_;
   std::vector<Message> retained_;
   Drops drops_;

@@ -4,11 +4,17 @@
 
 #include "host/base/json_text.h"
 #include "host/base/shown_address.h"
+#include "host/events/event_json.h"
 
 namespace lm::host::outputs::mqtt {
 namespace {
 
 constexpr std::size_t kLongestName = 64;
+
+constexpr const char* kConnected = "connected";
+constexpr const char* kLost = "lost";
+constexpr const char* kReconnecting = "reconnecting";
+constexpr const char* kFrozen = "frozen";
 
 // What identifies a stream: host, port and path. The query may contain a password.
 std::string without_account(const std::string& address, std::size_t scheme_end) {
@@ -34,6 +40,16 @@ std::string cleaned(const std::string& text) {
   return name.empty() ? "camera" : name;
 }
 
+// What all sensors of a camera have in common.
+Json::Value device_of(const Topics& topics) {
+  Json::Value sensor;
+  sensor["device"]["identifiers"].append(topics.unique_id());
+  sensor["device"]["name"] = topics.camera;
+  sensor["origin"]["name"] = "lightmotion";
+  sensor["origin"]["sw_version"] = LIGHTMOTION_PROGRAM_VERSION;
+  return sensor;
+}
+
 }  // namespace
 
 std::string camera_name(const std::string& source) {
@@ -45,8 +61,8 @@ std::string camera_name(const std::string& source) {
 
 std::string Topics::unique_id() const { return cleaned(base); }
 
-Message discovery_message(const std::string& discovery, const Topics& topics) {
-  Json::Value sensor;
+Message motion_discovery(const std::string& discovery, const Topics& topics) {
+  Json::Value sensor = device_of(topics);
   sensor["name"] = "Motion";
   sensor["unique_id"] = topics.unique_id();
   sensor["device_class"] = "motion";
@@ -57,12 +73,47 @@ Message discovery_message(const std::string& discovery, const Topics& topics) {
   sensor["payload_available"] = kOnline;
   sensor["payload_not_available"] = kOffline;
   sensor["json_attributes_topic"] = topics.event("end");
-  sensor["device"]["identifiers"].append(topics.unique_id());
-  sensor["device"]["name"] = topics.camera;
-  sensor["origin"]["name"] = "lightmotion";
-  sensor["origin"]["sw_version"] = LIGHTMOTION_PROGRAM_VERSION;
   return {MessageKind::kRetained, discovery + "/binary_sensor/" + topics.unique_id() + "/config",
           base::verbatim_json(sensor)};
+}
+
+// Without an availability of its own: it is about what makes the motion sensor unavailable.
+Message camera_discovery(const std::string& discovery, const Topics& topics) {
+  Json::Value sensor = device_of(topics);
+  sensor["name"] = "Camera";
+  sensor["unique_id"] = topics.unique_id() + "-camera";
+  sensor["entity_category"] = "diagnostic";
+  sensor["device_class"] = "enum";
+  for (const char* state : {kConnected, kLost, kReconnecting, kFrozen, kUnknown})
+    sensor["options"].append(state);
+  sensor["state_topic"] = topics.camera_state();
+  sensor["value_template"] = "{{ value_json.camera }}";
+  sensor["json_attributes_topic"] = topics.camera_state();
+  return {MessageKind::kRetained, discovery + "/sensor/" + topics.unique_id() + "/config",
+          base::verbatim_json(sensor)};
+}
+
+const char* camera_text(source::CameraState state) {
+  switch (state) {
+    case source::CameraState::kConnected:
+      return kConnected;
+    case source::CameraState::kLost:
+      return kLost;
+    case source::CameraState::kReconnecting:
+      return kReconnecting;
+    case source::CameraState::kFrozen:
+      return kFrozen;
+  }
+  return kUnknown;
+}
+
+std::string camera_payload(const std::string& camera, std::optional<events::WallTime> since,
+                           const std::string& reason) {
+  Json::Value value;
+  value["camera"] = camera;
+  if (since) value["since"] = events::utc_text(*since);
+  value["reason"] = reason;
+  return base::json_text(value);
 }
 
 }  // namespace lm::host::outputs::mqtt

@@ -45,6 +45,9 @@ void add_live_options(CLI::App& run, LiveOptions& options) {
            reading.timeout);
   add_time("--reconnect", 0, "How long to try to reconnect to a lost camera or stream; 0 does not try",
            "forever", reading.patience);
+  add_time("--frozen", 0,
+           "Treat a camera as frozen when its picture stays exactly the same for this long; 0 never does",
+           "60", reading.frozen);
 }
 
 }  // namespace lm::host::source::live

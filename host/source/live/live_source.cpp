@@ -29,12 +29,13 @@ void wait_or_stop(std::chrono::milliseconds time, std::stop_token stop) {
 
 LiveSource::Surroundings::Surroundings() : wait(wait_or_stop) {}
 
-LiveSource::LiveSource(std::unique_ptr<Source> first, Connect connect, std::optional<Time> patience,
+LiveSource::LiveSource(std::unique_ptr<Source> first, Connect connect, const Reading& reading,
                        std::stop_source stop, Surroundings surroundings)
     : info_(first->info()),
       connection_(std::move(first)),
       connect_(std::move(connect)),
-      patience_(patience),
+      patience_(reading.patience),
+      freeze_(reading.frozen),
       stop_(std::move(stop)),
       surroundings_(std::move(surroundings)),
       back_off_(surroundings_.chance),
@@ -51,7 +52,10 @@ bool LiveSource::next(Frame& frame) {
   if (!reader_.joinable()) reader_ = std::thread([this] { read(); });
   while (base::interrupted() == 0 && !stop_.stop_requested()) {
     NewestFrame::Taken taken = newest_.take(kGlance);
-    for (const std::string& message : taken.messages) report(message);
+    for (const NewestFrame::News& news : taken.news) {
+      if (!news.message.empty()) report(news.message);
+      if (news.state) report(*news.state);
+    }
     if (taken.frame) {
       frame = std::move(*taken.frame);
       info_.start = wall_clock_.start(frame.time, frame.anew, WallClock::now());
@@ -96,22 +100,45 @@ void LiveSource::read() {
 void LiveSource::forward_frames() {
   const auto begin = surroundings_.now();
   Shedding shedding(begin);
+  frozen_ = false;
+  last_change_ = begin;
   for (Frame frame; connection_->next(frame);) {
     last_frame_ = surroundings_.now();
     frame.time = last_time_ = first_time_ + frame.time;
     frame.number = last_number_ = first_number_ + frame.number;
-    if (!news_.empty()) {
-      frame.note = std::exchange(news_, "");
-      frame.anew = true;
-    }
-    const bool dropped = !newest_.put(std::move(frame));
-    if (std::string text = shedding.count(dropped, last_frame_); !text.empty())
-      newest_.put_message(std::move(text));
-    const std::scoped_lock lock(mutex_);
-    ++counts_.frames;
-    counts_.dropped += dropped ? 1 : 0;
+    if (!is_frozen(frame)) forward(std::move(frame), shedding);
   }
   if (surroundings_.now() - begin >= kGoodConnection) back_off_.reset();
+}
+
+void LiveSource::forward(Frame frame, Shedding& shedding) {
+  if (!news_.empty()) {
+    frame.note = std::exchange(news_, "");
+    frame.anew = true;
+  }
+  const bool dropped = !newest_.put(std::move(frame));
+  if (std::string text = shedding.count(dropped, last_frame_); !text.empty())
+    newest_.put_news({std::move(text)});
+  const std::scoped_lock lock(mutex_);
+  ++counts_.frames;
+  counts_.dropped += dropped ? 1 : 0;
+}
+
+// A frozen picture is not forwarded: it shows nothing of what happens, and when it changes the scene is
+// another.
+bool LiveSource::is_frozen(const Frame& frame) {
+  const Time still = since(last_change_);
+  if (!frame.repeated) last_change_ = last_frame_;
+  if (frozen_ && !frame.repeated) {
+    frozen_ = false;
+    newest_.put_news({"", SourceState{CameraState::kConnected, surroundings_.wall()}});
+    news_ = "the picture was frozen for " + base::seconds_text(still) + " s";
+  } else if (!frozen_ && frame.repeated && freeze_ > 0us && still >= freeze_) {
+    frozen_ = true;
+    const std::string reason = "no change for " + base::seconds_text(still) + " s";
+    put_state(CameraState::kFrozen, wall_at(last_change_), reason, "the picture is frozen: " + reason);
+  }
+  return frozen_;
 }
 
 // Retries until connected; false if the time limit is reached or the program is stopping.
@@ -119,12 +146,15 @@ bool LiveSource::connect_again() {
   std::string cause = connection_->trouble();
   if (cause.empty()) cause = "the stream ended";
   connection_.reset();
-  newest_.put_message("connection lost: " + cause);
+  lost_since_ = wall_at(last_frame_);
+  put_state(CameraState::kLost, lost_since_, cause, "connection lost: " + cause);
   const std::string lost_by = cause;
+  bool idle = true;
   for (;;) {
     const auto delay = back_off_.next();
     const Time away = since(last_frame_);
     if (patience_ && away + delay > *patience_) break;
+    if (std::exchange(idle, false)) put_state(CameraState::kReconnecting, lost_since_, cause);
     surroundings_.wait(delay, stop_.get_token());
     if (stop_.stop_requested() || base::interrupted() != 0) return false;
     const std::string refusal = attempt();
@@ -132,9 +162,11 @@ bool LiveSource::connect_again() {
       connected(since(last_frame_), lost_by);
       return true;
     }
-    if (refusal != cause) newest_.put_message("still disconnected: " + refusal);
+    if (refusal != cause)
+      put_state(CameraState::kReconnecting, lost_since_, refusal, "still disconnected: " + refusal);
     cause = refusal;
   }
+  if (!idle) put_state(CameraState::kLost, lost_since_, "gave up: " + cause);
   const std::scoped_lock lock(mutex_);
   trouble_ = "connection lost, gave up: " + cause;
   return false;
@@ -152,9 +184,19 @@ std::string LiveSource::attempt() {
   }
 }
 
+void LiveSource::put_state(CameraState camera, WallTime since, const std::string& reason,
+                           std::string message) {
+  newest_.put_news({std::move(message), SourceState{camera, since, reason}});
+}
+
+LiveSource::WallTime LiveSource::wall_at(base::Deadline::Clock::time_point past) const {
+  return surroundings_.wall() - std::chrono::duration_cast<WallTime::duration>(since(past));
+}
+
 void LiveSource::connected(Time away, const std::string& cause) {
   first_time_ = last_time_ + std::max<Time>(away, 1ms);
   first_number_ = last_number_ + 1;
+  newest_.put_news({"", SourceState{CameraState::kConnected, surroundings_.wall()}});
   news_ = "reconnected after " + base::seconds_text(away) + " s without pictures: " + cause;
   const std::scoped_lock lock(mutex_);
   ++counts_.reconnections;

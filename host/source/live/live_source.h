@@ -24,20 +24,22 @@ namespace lm::host::source::live {
 // include.
 class LiveSource : public Source {
  public:
+  using WallTime = std::chrono::system_clock::time_point;
+
   // Throws Failure if connecting fails. A connection has ended when its next returns false.
   using Connect = std::function<std::unique_ptr<Source>()>;
 
-  // Clock, waiting and random numbers; replaced in tests.
+  // Clocks, waiting and random numbers; replaced in tests.
   struct Surroundings {
     base::Deadline::Now now = base::Deadline::Clock::now;
+    std::function<WallTime()> wall = std::chrono::system_clock::now;
     std::function<void(std::chrono::milliseconds, std::stop_token)> wait;
     base::BackOff::Chance chance = base::real_chance();
     Surroundings();
   };
 
-  // `stop`: makes a connection's next return early, for shutdown. `patience`: as in Reading.
-  LiveSource(std::unique_ptr<Source> first, Connect connect,
-             std::optional<std::chrono::microseconds> patience, std::stop_source stop,
+  // `stop`: makes a connection's next return early, for shutdown.
+  LiveSource(std::unique_ptr<Source> first, Connect connect, const Reading& reading, std::stop_source stop,
              Surroundings surroundings = {});
   ~LiveSource() override;
   LiveSource(const LiveSource&) = delete;
@@ -53,15 +55,20 @@ class LiveSource : public Source {
 
   void read();  // the thread
   void forward_frames();
+  void forward(Frame frame, Shedding& shedding);
+  bool is_frozen(const Frame& frame);
   bool connect_again();
   std::string attempt();
   void connected(Time away, const std::string& cause);
+  void put_state(CameraState camera, WallTime since, const std::string& reason, std::string message = "");
+  WallTime wall_at(base::Deadline::Clock::time_point past) const;
   Time since(base::Deadline::Clock::time_point begin) const;
 
   SourceInfo info_;
   std::unique_ptr<Source> connection_;
   Connect connect_;
   std::optional<Time> patience_;
+  Time freeze_;
   std::stop_source stop_;
   Surroundings surroundings_;
   base::BackOff back_off_;
@@ -73,6 +80,9 @@ class LiveSource : public Source {
   Time last_time_{0};
   std::int64_t last_number_ = 0;
   base::Deadline::Clock::time_point last_frame_;
+  base::Deadline::Clock::time_point last_change_;  // arrival of the last frame unlike the one before it
+  bool frozen_ = false;
+  WallTime lost_since_;
 
   WallClock wall_clock_;
   NewestFrame newest_;

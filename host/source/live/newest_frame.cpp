@@ -12,13 +12,14 @@ bool NewestFrame::put(Frame frame) {
     if (!frame_->note.empty()) frame.note = frame_->note + (frame.note.empty() ? "" : "; " + frame.note);
   }
   frame_ = std::move(frame);
+  news_before_frame_ = news_.size();
   changed_.notify_one();
   return room;
 }
 
-void NewestFrame::put_message(std::string text) {
+void NewestFrame::put_news(News news) {
   const std::scoped_lock lock(mutex_);
-  messages_.push_back(std::move(text));
+  news_.push_back(std::move(news));
   changed_.notify_one();
 }
 
@@ -30,8 +31,12 @@ void NewestFrame::end() {
 
 NewestFrame::Taken NewestFrame::take(std::chrono::milliseconds longest) {
   std::unique_lock lock(mutex_);
-  changed_.wait_for(lock, longest, [this] { return frame_ || ended_ || !messages_.empty(); });
-  return {std::exchange(frame_, std::nullopt), std::exchange(messages_, {}), ended_};
+  changed_.wait_for(lock, longest, [this] { return frame_ || ended_ || !news_.empty(); });
+  const std::size_t count = frame_ ? news_before_frame_ : news_.size();
+  const auto end = news_.begin() + static_cast<std::ptrdiff_t>(count);
+  Taken taken{std::exchange(frame_, std::nullopt), {news_.begin(), end}, ended_};
+  news_.erase(news_.begin(), end);
+  return taken;
 }
 
 }  // namespace lm::host::source::live

@@ -16,15 +16,20 @@ namespace lm::host::source::live {
 // A frame not taken before the next one arrives is dropped; its note passes to that frame.
 class NewestFrame {
  public:
+  // What happened to the source: a message, a new state or both.
+  struct News {
+    std::string message;
+    std::optional<SourceState> state{};
+  };
   struct Taken {
-    std::optional<Frame> frame;         // none yet, or already taken
-    std::vector<std::string> messages;  // in order
-    bool ended = false;                 // no further frame will come
+    std::optional<Frame> frame;  // none yet, or already taken
+    std::vector<News> news;      // in order, all from before the frame
+    bool ended = false;          // no further frame will come
   };
 
   // Returns false if this dropped the previous frame.
   bool put(Frame frame);
-  void put_message(std::string text);
+  void put_news(News news);
   void end();
 
   // Waits for a change, at most `longest`.
@@ -34,7 +39,8 @@ class NewestFrame {
   std::mutex mutex_;
   std::condition_variable changed_;
   std::optional<Frame> frame_;
-  std::vector<std::string> messages_;
+  std::vector<News> news_;
+  std::size_t news_before_frame_ = 0;
   bool ended_ = false;
 };
 
