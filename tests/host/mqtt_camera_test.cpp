@@ -137,8 +137,8 @@ TEST_F(MqttCamera, HasNoMotionWhenTheDetectorFails) {
   const auto outcome = program::run_fake({folder_ / "a.mp4", "-c", folder_ / "c.json", "--min-event", "0.04",
                                           "--mqtt", broker_.address() + "/home", "--mqtt-camera", "hall"});
   EXPECT_EQ(outcome.status, 1);
-  EXPECT_TRUE(reader_->wait_for(kMotion, "ON"));
   expect("home/hall/event/end", "\"ended\":\"The program failed: ");
+  reader_.emplace(broker_);  // gets what is retained, the last of each state
   expect(kMotion, "OFF");
   expect(kAvailability, "offline");
 }

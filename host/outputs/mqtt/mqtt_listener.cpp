@@ -10,7 +10,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr std::chrono::milliseconds kLittlePatience = 1s;  // after a failed run
+constexpr std::chrono::milliseconds kFailedPatience = 1s;  // after a failed run
 
 Topics topics_of(const MqttOptions& options, const std::string& source) {
   return {parse_address(options.address).prefix,
@@ -36,7 +36,7 @@ MqttListener::MqttListener(const MqttOptions& options, const std::string& source
 }
 
 MqttListener::~MqttListener() {
-  if (!left_) leave("The program failed.", kLittlePatience);
+  if (!left_) leave("The program failed.", kFailedPatience);
 }
 
 // With the topic's will. Client names contain no dot otherwise, so they stay unique.

@@ -111,7 +111,7 @@ std::string camera_payload(const std::string& camera, std::optional<events::Wall
                            const std::string& reason) {
   Json::Value value;
   value["camera"] = camera;
-  if (since) value["since"] = events::utc_text(*since);
+  if (since) value["since"] = base::utc_text(*since);
   value["reason"] = reason;
   return base::json_text(value);
 }
