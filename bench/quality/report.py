@@ -47,19 +47,40 @@ def events_ratio(records):
     return (found + sum(record["events_fragments"] for record in records)) / found if found else None
 
 
+SUMMARY = ["frame F1", "worst scene", "events missed", "false", "per true", "delay, s", "box F1, 0.3", "0.5", "IDF1", "mask F1"]
+
+
+def summary(scenes):
+    """The cells of SUMMARY for {scene: [record]}."""
+    every = [record for of in scenes.values() for record in of]
+    total = lambda key: sum(record[key] for record in every)  # noqa: E731
+    worst = min((value, scene) for scene, of in scenes.items() if (value := mean(of, "frame_f1")) is not None)
+    return [number(mean(every, "frame_f1"), 3), f"{number(worst[0])} ({worst[1]})",
+            f"{total('events_missed')} of {total('events_true')}", str(total("events_false")),
+            number(events_ratio(every)), number(mean(every, "event_delay"))] + \
+        [number(mean(every, key), 3) for key in ("box03_f1", "box05_f1", "idf1", "mask_f1")]
+
+
+def seeds_of(scenes):
+    return sorted({record["seed"] for of in scenes.values() for record in of})
+
+
 def systems_table(records):
     rows = []
     for system, scenes in records.items():
-        every = [record for of in scenes.values() for record in of]
-        total = lambda key: sum(record[key] for record in every)  # noqa: E731
-        worst = min((value, scene) for scene, of in scenes.items() if (value := mean(of, "frame_f1")) is not None)
-        rows.append((mean(every, "box05_f1") or 0,
-                     [f"`{system}`", number(mean(every, "frame_f1"), 3), f"{number(worst[0])} ({worst[1]})",
-                      f"{total('events_missed')} of {total('events_true')}", str(total("events_false")),
-                      number(events_ratio(every)), number(mean(every, "event_delay"))] +
-                     [number(mean(every, key), 3) for key in ("box03_f1", "box05_f1", "idf1", "mask_f1")]))
-    return table(["System", "frame F1", "worst scene", "events missed", "false", "per true", "delay, s", "box F1, 0.3", "0.5",
-                  "IDF1", "mask F1"], [row for _, row in sorted(rows, key=lambda row: row[0])])
+        box_f1 = mean([record for of in scenes.values() for record in of], "box05_f1") or 0
+        rows.append((box_f1, [f"`{system}`", ", ".join(map(str, seeds_of(scenes))), *summary(scenes)]))
+    return table(["System", "seeds", *SUMMARY], [row for _, row in sorted(rows, key=lambda row: row[0])])
+
+
+def seeds_table(records, systems):
+    """A row for each seed of these systems."""
+    rows = []
+    for system in systems:
+        for seed in seeds_of(records[system]):
+            of_seed = {scene: [record for record in of if record["seed"] == seed] for scene, of in records[system].items()}
+            rows.append([f"`{system}`", str(seed), *summary(of_seed)])
+    return table(["System", "seed", *SUMMARY], rows)
 
 
 def scenes_table(records, system, peers):

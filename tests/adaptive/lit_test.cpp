@@ -87,6 +87,17 @@ TEST_F(Lit, IsWhatHasTheGainOfTheGroundAround) {
   EXPECT_LT(share(darker.object), 0.05);
 }
 
+// A smooth thing in the middle of a shadow, darker than that.
+TEST_F(Lit, EndsAtASteepOutline) {
+  const Parts found = parts([](cv::Mat& place) {
+    place *= 0.8;
+    place(cv::Rect(20, 12, 12, 16)).setTo(cv::Scalar::all(50));
+  });
+  const cv::Rect thing(kPlace.x + 23, kPlace.y + 15, 6, 10);
+  EXPECT_EQ(share(found.light, thing), 0);
+  EXPECT_GT(share(found.light, cv::Rect(kPlace.x + 3, kPlace.y + 3, 14, 34)), 0.95);
+}
+
 // A picture that is white has neither texture nor colour.
 TEST_F(Lit, IsUndecidedWhereThePictureIsSaturated) {
   const Parts found = parts([](cv::Mat& place) { place.setTo(cv::Scalar::all(255)); });
