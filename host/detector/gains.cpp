@@ -25,9 +25,10 @@ using Levels = std::array<std::int16_t, 255 * kFine + 1>;
 
 Levels table_of_levels() {
   Levels table{};
-  for (std::size_t i = 0; i < table.size(); ++i)
-    table[i] =
-        static_cast<std::int16_t>(std::lround(kOctave * std::log2(static_cast<double>(i) / kFine + kOffset)));
+  for (std::size_t i = 0; i < table.size(); ++i) {
+    const double octaves = std::log2(static_cast<double>(i) / kFine + kOffset);
+    table[i] = static_cast<std::int16_t>(std::lround(kOctave * octaves));
+  }
   return table;
 }
 
@@ -87,7 +88,8 @@ void choose(const Steps& sums, const cv::Mat& foreground, float noise, Gains& ga
       const bool white = (mean > 0) & (peak[x] >= kSaturated);
       const bool colours =
           (static_cast<float>(range) - 9 * kColour) * static_cast<float>(dark[x]) <= 9 * noise;
-      may_be[x] = (inside[x] != 0) & (white | colours) & (mean >= kDarkest) & (mean <= kBrightest) ? 255 : 0;
+      const bool in_range = (mean >= kDarkest) & (mean <= kBrightest);
+      may_be[x] = ((inside[x] != 0) & (white | colours) & in_range) ? 255 : 0;
     }
   }
 }

@@ -114,9 +114,11 @@ double texture_in(const Slopes& now, const Slopes& before, const cv::Mat& mask) 
       const auto* slope_before = b->ptr<std::int16_t>(y);
       for (int x = 0; x < inside.cols; ++x) {
         if (chosen[x] == 0) continue;
-        common += slope[x] * slope_before[x];
-        of_now += slope[x] * slope[x];
-        of_before += slope_before[x] * slope_before[x];
+        const std::int64_t is = slope[x];
+        const std::int64_t was = slope_before[x];
+        common += is * was;
+        of_now += is * is;
+        of_before += was * was;
       }
     }
   }

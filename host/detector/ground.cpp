@@ -27,7 +27,8 @@ cv::Mat weights_of(const cv::Mat& moves, int learned) {
   cv::Mat weights;
   cv::dilate(moves, weights, cv::Mat::ones(kGradual, kGradual, CV_8U));
   // A weight is at most a half: its product with a step fits 16 bits and more are not needed.
-  cv::Mat(weights == 0).convertTo(weights, CV_16U, (kWhole / learned - 1) / 255.0);
+  const int largest = kWhole / learned - 1;
+  cv::Mat(weights == 0).convertTo(weights, CV_16U, largest / 255.0);
   cv::blur(weights, weights, {kGradual, kGradual});
   return weights;
 }
@@ -66,9 +67,10 @@ void Ground::learn(const cv::Mat& frame, std::chrono::microseconds time, const c
           weight);
       const int from = 3 * kCell * begin;
       const int to = std::min(3 * kCell * end, 3 * half.width);
-      if (weight[begin] > 0)
+      if (weight[begin] > 0) {
         approach(picture_.ptr<std::int16_t>(y) + from, now_.ptr<std::uint8_t>(y) + from, to - from,
                  weight[begin]);
+      }
       begin = end;
     }
   }

@@ -49,7 +49,7 @@ Mask smooth_part(const Gains& gains, float noise) {
       const auto across = static_cast<float>(narrow(sum[x + 1] - sum[x - 1]));
       const auto down = static_cast<float>(narrow(difference[x - 1] + 2 * difference[x] + difference[x + 1]));
       const float limit = 8 * (noise / 2 / static_cast<float>(dark[x]) + kSteep);
-      to[x] = (may_be[x] != 0) & (across * across + down * down <= limit * limit) ? 255 : 0;
+      to[x] = ((may_be[x] != 0) & (across * across + down * down <= limit * limit)) ? 255 : 0;
     }
   }
   return smooth;
@@ -89,7 +89,8 @@ int usual_gain(const Gains& gains, const Mask& foreground) {
     const std::uint8_t* inside = foreground[y];
     for (int x = 0; x < foreground.cols; ++x) {
       if (inside[x] != 0) continue;
-      ++counts[static_cast<std::size_t>(std::clamp<int>(gain[x], -kMost, kMost) + kMost)];
+      const int place = std::clamp<int>(gain[x], -kMost, kMost) + kMost;
+      ++counts[static_cast<std::size_t>(place)];
       ++all;
     }
   }
@@ -110,7 +111,7 @@ void limit(Mask& lit, const Gains& gains, int usual) {
 #pragma omp simd
     for (int x = 0; x < width; ++x) {
       const bool same = (gain[x] - usual <= kSameGain) & (usual - gain[x] <= kSameGain);
-      of[x] = (may_be[x] != 0) & ((of[x] != 0) | same) ? 255 : 0;
+      of[x] = ((may_be[x] != 0) & ((of[x] != 0) | same)) ? 255 : 0;
     }
   }
 }

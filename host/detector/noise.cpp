@@ -109,7 +109,8 @@ void NoiseMeter::compare(const std::vector<std::uint8_t>& now, int channel) {
       const int value = now[at];
       const int before = before_[at];
       if (std::min(value, before) < kClipped || std::max(value, before) > 255 - kClipped) continue;
-      ++counts[level_of((value + before) / 2)][static_cast<std::size_t>(value - before + 255)];
+      const int difference = value - before + 255;
+      ++counts[level_of((value + before) / 2)][static_cast<std::size_t>(difference)];
     }
   }
   const int common = median_of_all(counts);  // of the whole picture

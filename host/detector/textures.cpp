@@ -51,7 +51,7 @@ Products products_of(const Gains& gains) {
     const int width = size.width;
 #pragma omp simd
     for (int x = 0; x < width; ++x) {
-      const int compared = (may_be[x] != 0) & (peak[x] < kSaturated) ? 1 : 0;
+      const int compared = ((may_be[x] != 0) & (peak[x] < kSaturated)) ? 1 : 0;
       // A sum beyond 16 bits has wrapped round; the difference is right.
       const int own = limited(ninth(narrow(9 * ground[x] - sum[x]))) * compared;
       const int other = limited(step[x] - gain[x]) * compared;
@@ -128,8 +128,8 @@ void decide(const Rows& sums, const Gains& gains, float noise, int y, Textures& 
         (may_be[x] != 0) & (count[x] >= kFewestCompared) & (variance > kTextured * by_noise);
     const bool is_kept = (slope > kTextureKept * variance) & (slope * slope > errors * errors * error);
     const bool is_another = (slope < kAnother * variance) & (error < kSure * kSure * variance * variance);
-    kept[x] = textured & is_kept ? 255 : 0;
-    another[x] = textured & is_another ? 255 : 0;
+    kept[x] = (textured & is_kept) ? 255 : 0;
+    another[x] = (textured & is_another) ? 255 : 0;
   }
 }
 
