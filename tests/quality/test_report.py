@@ -28,8 +28,15 @@ def test_systems_are_means_over_scenes_the_worst_first():
     worse = {"rain": [record(box05_f1=0.3, events_found=1, events_missed=1, events_false=3, events_fragments=2)]}
     rows = cells(report.systems_table({"lightmotion": better, "mog2": worse}))
     assert [row[0] for row in rows] == ["`mog2`", "`lightmotion`"]
-    assert rows[0][3:6] == ["1 of 2", "3", "3.00"]  # one found in three events
-    assert rows[1][8] == "0.800"
+    assert [row[1] for row in rows] == ["1", "1, 2"]
+    assert rows[0][4:7] == ["1 of 2", "3", "3.00"]  # one found in three events
+    assert rows[1][9] == "0.800"
+
+
+def test_seeds_have_a_row_each():
+    scenes = {"rain": [record(box05_f1=0.9), record(seed=2, box05_f1=0.6)], "snow": [record("snow", box05_f1=0.5)]}
+    rows = cells(report.seeds_table({"lightmotion": scenes}, ["lightmotion"]))
+    assert [(row[1], row[9]) for row in rows] == [("1", "0.700"), ("2", "0.600")]
 
 
 def test_scenes_with_the_smallest_frame_f1_come_first_and_those_without_last():
